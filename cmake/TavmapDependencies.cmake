@@ -1,0 +1,16 @@
+# Third-party libraries of the layers around the core, all from Debian packages.
+find_package(PkgConfig REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(tomlplusplus REQUIRED)
+pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
+pkg_check_modules(ISAL IMPORTED_TARGET libisal)
+
+# The NIFTI package's own CMake file points at a library that Debian does not ship.
+find_path(NIFTI2_INCLUDE_DIR nifti2_io.h PATH_SUFFIXES nifti REQUIRED)
+find_library(NIFTI2_LIBRARY nifti2 REQUIRED)
+find_library(ZNZ_LIBRARY znz REQUIRED)
+add_library(tavmap_nifti2 INTERFACE)
+target_include_directories(tavmap_nifti2 SYSTEM INTERFACE ${NIFTI2_INCLUDE_DIR})
+target_link_libraries(tavmap_nifti2 INTERFACE ${NIFTI2_LIBRARY} ${ZNZ_LIBRARY} ZLIB::ZLIB)

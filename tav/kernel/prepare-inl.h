@@ -1,0 +1,59 @@
+// Rows that enter with every voxel, prepared once: detrended, with their own lag sums and tails.
+// Included once per CPU file, behind its Simd.
+#ifndef TAVMAP_TAV_KERNEL_PREPARE_INL_H
+#define TAVMAP_TAV_KERNEL_PREPARE_INL_H
+
+#include "tav/kernel/detrend-inl.h"
+#include "tav/kernel/lag_sums-inl.h"
+
+namespace tav::kernel {
+namespace {
+
+// Stands for a sum of squares that is not 0 but vanishes in single precision.
+inline constexpr float kVanishing = 1e-45F;
+
+inline bool isZero(const float* row, int n) {
+  for (int t = 0; t < n; ++t) {
+    if (row[t] != 0.0F) return false;
+  }
+  return true;
+}
+
+template <class S>
+float sumOfPartials(const float* partials) {
+  double sum = 0.0;
+  for (int i = 0; i < S::kWidth; ++i) sum += static_cast<double>(partials[i]);
+  return static_cast<float>(sum);
+}
+
+// Fills one table from a row with zeros around it.
+template <class S>
+void tabulate(const IntervalView& interval, int order, const float* row, float* partials, float* table) {
+  for (int lag = 0; lag <= order; ++lag) {
+    S::store(partials + crossStatistic(order, 0, lag) * S::kWidth * S::kWidth, S::zero());
+  }
+  addShifts<S, 1, false, kShiftsOfOne<S>>({row, {row, row}, interval.paddedLength}, order, 0, order, partials);
+  for (int lag = 0; lag <= order; ++lag) {
+    table[lag] = sumOfPartials<S>(partials + crossStatistic(order, 0, lag) * S::kWidth * S::kWidth);
+  }
+  for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];
+  if (table[0] == 0.0F && !isZero(row, interval.length)) table[0] = kVanishing;
+}
+
+template <class S>
+void prepareRows(const IntervalView& interval, const RowsView& task, const WorkView& work) {
+  float* row = work.rows + interval.rowOffset;
+  const auto length = static_cast<std::size_t>(interval.paddedLength);
+  for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {
+    const float* source = task.source + r * task.sourceStride;
+    writeResiduals<S>(interval, fitTrend<S>(interval, source), source, row);
+    tabulate<S>(interval, task.order, row, work.partials, task.tables + r * interval.tableStride);
+    float* copy = task.rows + r * length;
+    for (std::size_t t = 0; t < length; t += S::kWidth) S::store(copy + t, S::load(row + t));
+  }
+}
+
+}  // namespace
+}  // namespace tav::kernel
+
+#endif

@@ -34,10 +34,12 @@ struct Measures {
   typename S::Floats referenceToVoxel, voxelToReference, instantaneous;
 };
 
-// Marks lanes in which a value is not within low ... high, or NaN.
+// Marks lanes in which a value is not within low ... high, or NaN; but not those that have failed
+// already, for what follows a negative pivot is NaN.
 template <class S>
 void demandRange(typename S::Floats value, float low, float high, Doubts<S>& doubts) {
-  doubts.unsure |= ~(S::lessEqual(S::all(low), value) & S::lessEqual(value, S::all(high)));
+  const auto inside = S::lessEqual(S::all(low), value) & S::lessEqual(value, S::all(high));
+  doubts.unsure |= ~(inside | doubts.failed);
 }
 
 template <class S>

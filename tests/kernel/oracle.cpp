@@ -61,7 +61,7 @@ struct Variable {
 
 // Covariance of the last `targets` variables given the others, by Cholesky. False at a pivot <= 0.
 bool residualCovariance(const Moments& moments, const std::vector<Variable>& variables, std::size_t targets,
-                        Square& result, double& conditioning) {
+                        Square& result) {
   const std::size_t n = variables.size(), given = n - targets;
   Square a = squareOf(n);
   for (std::size_t i = 0; i < n; ++i) {
@@ -70,8 +70,6 @@ bool residualCovariance(const Moments& moments, const std::vector<Variable>& var
     }
   }
   for (std::size_t k = 0; k < n; ++k) {
-    const Variable& v = variables[k];
-    conditioning = std::min(conditioning, std::abs(a[k][k] / moments.at(v.series, v.lag, v.series, v.lag)));
     if (a[k][k] <= 0.0) return false;
     if (k >= given && k + 1 == n) break;
     if (k == given) {
@@ -86,6 +84,35 @@ bool residualCovariance(const Moments& moments, const std::vector<Variable>& var
   }
   if (targets == 1) result = {{a[given][given]}};
   return true;
+}
+
+// 1 / Frobenius norm of the inverse of the scaled moments, by Gauss-Jordan without pivoting: they
+// are positive definite here.
+double conditioningOf(const Moments& moments, const std::vector<Variable>& variables) {
+  const std::size_t n = variables.size();
+  const auto moment = [&](std::size_t i, std::size_t j) {
+    return moments.at(variables[i].series, variables[i].lag, variables[j].series, variables[j].lag);
+  };
+  Square a = squareOf(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = 0; j < n; ++j) a[i][j] = moment(i, j) / std::sqrt(moment(i, i) * moment(j, j));
+  }
+  for (std::size_t k = 0; k < n; ++k) {
+    const double pivot = a[k][k];
+    a[k][k] = 1.0;
+    for (double& v : a[k]) v /= pivot;
+    for (std::size_t i = 0; i < n; ++i) {
+      if (i == k) continue;
+      const double factor = a[i][k];
+      a[i][k] = 0.0;
+      for (std::size_t j = 0; j < n; ++j) a[i][j] -= factor * a[k][j];
+    }
+  }
+  double squares = 0.0;
+  for (const auto& row : a) {
+    for (double v : row) squares += v * v;
+  }
+  return 1.0 / std::sqrt(squares);
 }
 
 }  // namespace
@@ -107,7 +134,6 @@ Series detrended(const Series& values) {
 Answer geweke(const std::vector<Segment>& segments, int order, bool consistentPairs) {
   const Moments moments(segments, order, consistentPairs);
   Answer answer;
-  answer.conditioning = std::numeric_limits<double>::infinity();
   std::vector<Variable> joint, single[2];
   for (int m = 1; m <= order; ++m) {
     for (int s = 0; s < 2; ++s) {
@@ -118,14 +144,15 @@ Answer geweke(const std::vector<Segment>& segments, int order, bool consistentPa
   joint.push_back({0, 0});
   joint.push_back({1, 0});
   Square errors, alone[2];
-  if (!residualCovariance(moments, joint, 2, errors, answer.conditioning)) return answer;
+  if (!residualCovariance(moments, joint, 2, errors)) return answer;
   for (int s = 0; s < 2; ++s) {
     single[s].push_back({s, 0});
-    if (!residualCovariance(moments, single[s], 1, alone[s], answer.conditioning)) return answer;
+    if (!residualCovariance(moments, single[s], 1, alone[s])) return answer;
   }
   if (errors[1][1] <= 0.0) return answer;
   const double determinant = errors[0][0] * errors[1][1] - errors[0][1] * errors[1][0];
   answer.exists = true;
+  answer.conditioning = conditioningOf(moments, joint);
   answer.measures = {std::log(alone[1][0][0] / errors[1][1]), std::log(alone[0][0][0] / errors[0][0]),
                      std::log(errors[0][0] * errors[1][1] / determinant)};
   return answer;

@@ -1,0 +1,91 @@
+#include "render/canvas.h"
+
+#include <cairo.h>
+
+#include <stdexcept>
+
+#include "render/slice_picture.h"
+
+namespace render {
+namespace {
+
+double channel(std::int32_t colour, int shift) { return ((colour >> shift) & 0xFF) / 255.0; }
+
+double between(double from, double to, double share) { return from + (to - from) * share; }
+
+cairo_status_t append(void* text, const unsigned char* data, unsigned int length) {
+  static_cast<std::string*>(text)->append(reinterpret_cast<const char*>(data), length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+}  // namespace
+
+Rgb blend(const ColourRange& range, double share) {
+  return {between(channel(range.from, 0), channel(range.to, 0), share),
+          between(channel(range.from, 8), channel(range.to, 8), share),
+          between(channel(range.from, 16), channel(range.to, 16), share)};
+}
+
+struct Canvas::Impl {
+  cairo_surface_t* surface;
+  cairo_t* context;
+};
+
+Canvas::Canvas(int width, int height) : impl_(std::make_unique<Impl>()) {
+  impl_->surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  impl_->context = cairo_create(impl_->surface);
+  if (cairo_status(impl_->context) != CAIRO_STATUS_SUCCESS) {
+    const std::string reason = cairo_status_to_string(cairo_status(impl_->context));
+    cairo_destroy(impl_->context);
+    cairo_surface_destroy(impl_->surface);
+    throw std::runtime_error("cannot draw a picture of " + std::to_string(width) + " x " +
+                             std::to_string(height) + " pixels: " + reason);
+  }
+  // Voxels share edges; without this they would show seams.
+  cairo_set_antialias(impl_->context, CAIRO_ANTIALIAS_NONE);
+  cairo_select_font_face(impl_->context, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+}
+
+Canvas::~Canvas() {
+  cairo_destroy(impl_->context);
+  cairo_surface_destroy(impl_->surface);
+}
+
+void Canvas::fillRectangle(double x, double y, double width, double height, Rgb colour) {
+  cairo_set_source_rgb(impl_->context, colour.red, colour.green, colour.blue);
+  cairo_rectangle(impl_->context, x, y, width, height);
+  cairo_fill(impl_->context);
+}
+
+void Canvas::line(double x1, double y1, double x2, double y2, Rgb colour) {
+  cairo_set_source_rgb(impl_->context, colour.red, colour.green, colour.blue);
+  cairo_set_line_width(impl_->context, 2);
+  cairo_move_to(impl_->context, x1, y1);
+  cairo_line_to(impl_->context, x2, y2);
+  cairo_stroke(impl_->context);
+}
+
+void Canvas::text(double x, double y, double size, const std::string& utf8) {
+  cairo_set_source_rgb(impl_->context, 1, 1, 1);
+  cairo_set_font_size(impl_->context, size);
+  cairo_move_to(impl_->context, x, y);
+  cairo_show_text(impl_->context, utf8.c_str());
+}
+
+double Canvas::textWidth(double size, const std::string& utf8) {
+  cairo_text_extents_t extents;
+  cairo_set_font_size(impl_->context, size);
+  cairo_text_extents(impl_->context, utf8.c_str(), &extents);
+  return extents.x_advance;
+}
+
+std::string Canvas::png() {
+  std::string bytes;
+  const cairo_status_t status = cairo_surface_write_to_png_stream(impl_->surface, append, &bytes);
+  if (status != CAIRO_STATUS_SUCCESS) {
+    throw std::runtime_error(std::string("cannot write the picture: ") + cairo_status_to_string(status));
+  }
+  return bytes;
+}
+
+}  // namespace render

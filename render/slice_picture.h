@@ -1,0 +1,44 @@
+// One map over the anatomy as a mosaic of axial slices: the patient's left on the left, the front
+// at the top, the reference region outlined, the map in its own colours.
+#ifndef TAVMAP_RENDER_SLICE_PICTURE_H
+#define TAVMAP_RENDER_SLICE_PICTURE_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "render/upright.h"
+
+namespace render {
+
+// 24-bit colours with red in the lowest byte.
+struct ColourRange {
+  std::int32_t from = 0;
+  std::int32_t to = 0;
+};
+
+// All volumes share one grid, first axis fastest.
+struct SlicePicture {
+  std::array<int, 3> dims{};
+  Affine affine{};
+  std::vector<float> anatomy;
+  std::vector<float> map;
+  std::vector<std::uint8_t> reference;  // non-zero inside the region; empty: nothing is outlined
+  // |value| >= lower is coloured; full colour from |value| = upper on.
+  float lower = 0;
+  float upper = 1;
+  ColourRange positive;
+  ColourRange negative;  // both 0: negative values are not shown
+  std::string title;
+  std::string caption;
+  int slices = 15;  // at most; spread evenly over the slices that hold anatomy
+};
+
+// The picture as the bytes of a PNG file. Throws std::runtime_error when a volume does not fit
+// the grid or the drawing library fails.
+[[nodiscard]] std::string renderPng(const SlicePicture& picture);
+
+}  // namespace render
+
+#endif

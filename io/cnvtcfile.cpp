@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstring>
+#include <initializer_list>
 #include <limits>
 
 static_assert(std::endian::native == std::endian::little, "VTC numbers are read as they lie in memory");

@@ -92,13 +92,47 @@ class NullMagnitudes {
   std::vector<float> magnitudes_;
 };
 
+// One condition's way into the host's map set.
+class MapTransfer {
+ public:
+  MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, ThresholdRule rule, const RawValues& raw,
+              NullMagnitudes& nulls, std::ostream& errors)
+      : cond_(cond), request_(request), rule_(rule), raw_(raw), nulls_(nulls), errors_(errors) {}
+
+  // Fills the host's map `values` and its header, and stores the header.
+  MapOutcome transfer(MapType type, int index, float* values, NR_VMP_Header& header) {
+    computeMapValues(type, raw_, request_, values);
+    MapOutcome map{type, values, {}};
+    if (type != DTAV_RC) map.thresholds = search(type, {values, raw_.size});
+    setDisplay(type, cond_.name, header);
+    setThresholds(type, request_, map.thresholds, header);
+    zqSetNRVMPParametersOfCurrentVMR(index, &header);
+    return map;
+  }
+
+ private:
+  std::vector<MapThreshold> search(MapType type, std::span<const float> values) {
+    checkCvConstant(request_.cvConstant, errors_);
+    magnitudes_.clear();
+    appendMagnitudes(values, magnitudes_);
+    return searchThresholds(rule_, request_.qThresholds, magnitudes_, nulls_.of(type), request_.cvConstant);
+  }
+
+  const TAV_Cond_Pars& cond_;
+  const TAV_Pars& request_;
+  ThresholdRule rule_;
+  RawValues raw_;
+  NullMagnitudes& nulls_;
+  std::ostream& errors_;
+  std::vector<float> magnitudes_;
+};
+
 }  // namespace
 
 int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                                        const TAV_Pars& request, std::ostream& errors) {
-  const RawValues raw = rawValues(*rawMaps1);
-  NullMagnitudes nullMagnitudes(request, *rawMaps2, furtherNulls.get());
-  std::vector<float> observedMagnitudes;
+  NullMagnitudes nulls(request, *rawMaps2, furtherNulls.get());
+  MapTransfer maps(cond, request, options_.thresholdRule, rawValues(*rawMaps1), nulls, errors);
   int index = static_cast<int>(request.mapTypes.size()) * condIndex;
   for (const MapType type : request.mapTypes) {
     NR_VMP_Header header{};
@@ -112,20 +146,7 @@ int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_P
       errors << "ERROR : Unknown TAV map-type encountered";
       return kTerminalError;
     }
-    computeMapValues(type, raw, request, values);
-    MapOutcome map{type, values, {}};
-    if (type != DTAV_RC) {
-      checkCvConstant(request.cvConstant, errors);
-      observedMagnitudes.clear();
-      appendMagnitudes({values, raw.size}, observedMagnitudes);
-      map.thresholds = searchThresholds(options_.thresholdRule, request.qThresholds, observedMagnitudes,
-                                        nullMagnitudes.of(type), request.cvConstant);
-    }
-    setDisplay(type, cond.name, header);
-    setThresholds(type, request, map.thresholds, header);
-    zqSetNRVMPParametersOfCurrentVMR(index, &header);
-    outcome_.maps.push_back(std::move(map));
-    ++index;
+    outcome_.maps.push_back(maps.transfer(type, index++, values, header));
   }
   outcome_.condIndex = condIndex;
   if (observer_ != nullptr) observer_->onCondition(outcome_);

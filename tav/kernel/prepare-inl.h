@@ -40,16 +40,18 @@ void tabulate(const IntervalView& interval, int order, const float* row, float* 
   if (table[0] == 0.0F && !isZero(row, interval.length)) table[0] = kVanishing;
 }
 
+// The source is copied first: nothing is read behind its end.
 template <class S>
 void prepareRows(const IntervalView& interval, const RowsView& task, const WorkView& work) {
   float* row = work.rows + interval.rowOffset;
-  const auto length = static_cast<std::size_t>(interval.paddedLength);
+  const auto length = static_cast<std::size_t>(interval.length), padded = static_cast<std::size_t>(interval.paddedLength);
   for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {
     const float* source = task.source + r * task.sourceStride;
-    writeResiduals<S>(interval, fitTrend<S>(interval, source), source, row);
+    for (std::size_t t = 0; t < length; ++t) row[t] = source[t];
+    writeResiduals<S>(interval, fitTrend<S>(interval, row), row, row);
     tabulate<S>(interval, task.order, row, work.partials, task.tables + r * interval.tableStride);
-    float* copy = task.rows + r * length;
-    for (std::size_t t = 0; t < length; t += S::kWidth) S::store(copy + t, S::load(row + t));
+    float* copy = task.rows + r * padded;
+    for (std::size_t t = 0; t < padded; t += S::kWidth) S::store(copy + t, S::load(row + t));
   }
 }
 

@@ -86,9 +86,7 @@ tav::kernel::PlanSpec specOf(const Condition& condition, std::vector<std::vector
   for (const Set& set : condition.sets) {
     auto& flat = rows.emplace_back();
     for (const auto& row : set.surrogates) flat.insert(flat.end(), row.begin(), row.end());
-    flat.resize(flat.size() + tav::kernel::kReadSlack);
-    auto& reference = rows.emplace_back(set.reference);
-    reference.resize(reference.size() + tav::kernel::kReadSlack);
+    rows.emplace_back(set.reference);
   }
   for (std::size_t s = 0; s < condition.sets.size(); ++s) {
     const Set& set = condition.sets[s];

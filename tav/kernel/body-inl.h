@@ -27,8 +27,6 @@ namespace {
 // range of single precision somewhere on the reference's way; it decides about them.
 inline constexpr float kSmallMoment = 1e-20F, kLargeMoment = 1e20F;
 inline constexpr float kSmallProduct = 1e-24F, kLargeProduct = 1e30F;
-// Residuals this much smaller than slope or mean are mostly rounding of the trend.
-inline constexpr double kSlopeNoise = 1.0 / 64.0, kMeanNoise = 1.0 / (1 << 18);
 // Noise of a mean that is far above the values whose squares vanish in single precision.
 inline constexpr float kVisibleNoise = 1e-36F;
 
@@ -135,6 +133,7 @@ class GroupKernel {
     const int statistics = nrOfStatistics(plan_.order);
     clearPartials(statistics);
     clearSeries(layout_.drawn);
+    sloped_ = 0;
     for (int l = 0; l < kWidth; ++l) {
       noise_[l] = 0.0F;
       for (int n = 0; n < plan_.nrOfIntervals; ++n) addInterval(l, n);
@@ -147,7 +146,7 @@ class GroupKernel {
   void addInterval(int l, int n) {
     const IntervalView& interval = plan_.intervals[n];
     float* row = rowOf(l, interval);
-    noteNoise(l, interval, detrendCourse(l, interval, row));
+    noteTrend(l, interval, detrendCourse(l, interval, row));
     const std::size_t drawn = surrogateOf(l, n, 0);
     const LagRows rows{row, {interval.reference, surrogateRow(interval, drawn)}, interval.paddedLength};
     if (l + 1 < kWidth) prefetch(surrogateRow(interval, surrogateOf(l + 1, n, 0)), interval.paddedLength);
@@ -166,11 +165,9 @@ class GroupKernel {
     return detrend<S>(interval, static_cast<const std::uint16_t*>(data), row);
   }
 
-  void noteNoise(int l, const IntervalView& interval, Trend trend) {
-    const double slope = kSlopeNoise * static_cast<double>(trend.slope);
-    const double mean = kMeanNoise * static_cast<double>(trend.mean);
-    const double scale = static_cast<double>(interval.scale);
-    noise_[l] += static_cast<float>((slope * slope + mean * mean) * interval.length * scale * scale);
+  void noteTrend(int l, const IntervalView& interval, Trend trend) {
+    noise_[l] += noiseOf(interval, trend);
+    if (trend.slope != 0.0F) sloped_ |= 1U << l;
   }
 
   static const float* surrogateRow(const IntervalView& interval, std::size_t row) {
@@ -212,12 +209,13 @@ class GroupKernel {
     sumPartials(0, statistics, layout_.cross);
   }
 
-  // A sum of squares of 0 is a flat voxel, unless its values are so small that squares vanish.
+  // A sum of squares of 0 is a flat voxel, unless a slope was removed, or its values are so small
+  // that squares vanish.
   void checkOwn() {
     const Floats moment = at<S>(y().own, 0), noise = S::loadAny(noise_);
     demandRange<S>(moment, kSmallMoment, kLargeMoment, own_);
     own_.unsure |= S::less(moment, noise);
-    own_.flat |= S::lessEqual(moment, S::zero()) & S::less(S::all(kVisibleNoise), noise);
+    own_.flat |= S::lessEqual(moment, S::zero()) & S::less(S::all(kVisibleNoise), noise) & ~sloped_;
   }
 
   void computeTruth() {
@@ -238,7 +236,7 @@ class GroupKernel {
   }
 
   static Doubts<S> merged(const Doubts<S>& a, const Doubts<S>& b) {
-    return {a.failed | b.failed, a.unsure | b.unsure, a.flat | b.flat};
+    return {a.failed | b.failed, a.unsure | b.unsure, a.flat | b.flat, S::larger(a.growth, b.growth)};
   }
 
   Measures<S> computeJoint(const Series& x, const float* cross, Floats xError, Doubts<S>& doubts) {
@@ -272,7 +270,8 @@ class GroupKernel {
 
   std::size_t first_ = 0;
   int nrOfVoxels_ = 0;
-  float noise_[kMaxLanes];
+  float noise_[kMaxLanes];  // sums of squares that rounding of the trends explains
+  Mask sloped_ = 0;          // lanes with a slope in any interval
   Doubts<S> own_;
   Floats yError_;
 };

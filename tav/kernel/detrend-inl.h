@@ -17,6 +17,17 @@ struct Trend {
   float slope;
 };
 
+// Residuals this much smaller than slope or mean are mostly rounding of the trend.
+inline constexpr double kSlopeNoise = 1.0 / 64.0, kMeanNoise = 1.0 / (1 << 18);
+
+// The sum of squares below which that is so.
+inline float noiseOf(const IntervalView& interval, Trend trend) {
+  const double slope = kSlopeNoise * static_cast<double>(trend.slope);
+  const double mean = kMeanNoise * static_cast<double>(trend.mean);
+  const double scale = static_cast<double>(interval.scale);
+  return static_cast<float>((slope * slope + mean * mean) * interval.length * scale * scale);
+}
+
 // Sum of y(t) and of t y(t).
 struct TimeSums {
   double values;

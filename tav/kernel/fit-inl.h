@@ -19,9 +19,11 @@
 // the interval's end. Along a diagonal each element loses one product more:
 //       M(m, k) = M(m - 1, k - 1) - sum over intervals of tail(m - 1) tail(k - 1).
 //
-// A pivot counts as certain when it is further from 0 than kCertain times its variable's moment.
-// The factorisation's rounding error is about 2p eps = 2.4e-6 of that moment, here as in the
-// reference, so that a certain pivot has the same sign in both whatever the order of variables.
+// A pivot counts as certain when it is further from 0 than kCertain times the series' sum of
+// squares, from which its moment was got by subtraction: the rounding error of moments and
+// factorisation is about 2p eps = 2.4e-6 of it, here as in the reference, so that a certain pivot
+// has the same sign in both whatever the order of variables. Behind a small pivot errors have
+// grown by its inverse, and the margin grows with them.
 #ifndef TAVMAP_TAV_KERNEL_FIT_INL_H
 #define TAVMAP_TAV_KERNEL_FIT_INL_H
 
@@ -31,7 +33,7 @@
 namespace tav::kernel {
 namespace {
 
-inline constexpr float kCertain = 1e-4F;
+inline constexpr float kCertain = 1e-4F, kCertainPerGrowth = 1e-5F;
 
 // Lanes whose model certainly does not exist, and lanes that the reference path has to decide.
 template <class S>
@@ -39,12 +41,16 @@ struct Doubts {
   typename S::Mask failed = 0;
   typename S::Mask unsure = 0;
   typename S::Mask flat = 0;  // no variance at all: failed, whatever else is unsure
+  typename S::Floats growth = S::zero();  // largest sum of squares over pivot so far
 
-  // `value` must be positive; `scale` is what it was before anything was subtracted. NaN passes.
-  void check(typename S::Floats value, typename S::Floats scale) {
-    const auto margin = scale * S::all(kCertain);
+  // `value` must be positive; `squares` is the sum of squares behind it. NaN passes.
+  void check(typename S::Floats value, typename S::Floats squares) {
+    const auto margin = squares * S::larger(S::all(kCertain), growth * S::all(kCertainPerGrowth));
     unsure |= S::lessEqual(S::magnitude(value), margin);
     failed |= S::less(value, S::zero() - margin);
+  }
+  void noteGrowth(typename S::Floats squares, typename S::Floats inverseRoot) {
+    growth = S::larger(squares * inverseRoot * inverseRoot, growth);
   }
 };
 
@@ -126,31 +132,32 @@ void eliminate(const Factor& factor, float* const* rows, int first, int end) {
   }
 }
 
-// Completes row i, whose columns before i are done.
+// Completes row i, whose columns before i are done. `squares`: the series' sum of squares.
 template <class S>
-void takePivot(const Factor& factor, int i, Doubts<S>& doubts) {
-  const auto moment = at<S>(factor.rows[i], i);
-  const auto pivot = moment - sumOfSquares<S>(factor.rows[i], 0, i);
-  doubts.check(pivot, moment);
+void takePivot(const Factor& factor, int i, typename S::Floats squares, Doubts<S>& doubts) {
+  const auto pivot = at<S>(factor.rows[i], i) - sumOfSquares<S>(factor.rows[i], 0, i);
+  doubts.check(pivot, squares);
   const auto diagonal = S::root(pivot);
+  const auto inverse = S::all(1.0F) / diagonal;
+  doubts.noteGrowth(squares, inverse);
   put<S>(factor.rows[i], i, diagonal);
-  put<S>(factor.inverse, i, S::all(1.0F) / diagonal);
+  put<S>(factor.inverse, i, inverse);
 }
 
 // Factors rows first ... end - 1, which hold moments, behind the finished rows before them.
 template <class S>
-void factorRows(const Factor& factor, int first, int end, Doubts<S>& doubts) {
+void factorRows(const Factor& factor, int first, int end, typename S::Floats squares, Doubts<S>& doubts) {
   int i = first;
   for (; i + 3 < end; i += 4) {
     eliminate<S, 4>(factor, factor.rows + i, 0, i);
     for (int r = i; r < i + 4; ++r) {
       eliminate<S, 1>(factor, factor.rows + r, i, r);
-      takePivot<S>(factor, r, doubts);
+      takePivot<S>(factor, r, squares, doubts);
     }
   }
   for (; i < end; ++i) {
     eliminate<S, 1>(factor, factor.rows + i, 0, i);
-    takePivot<S>(factor, i, doubts);
+    takePivot<S>(factor, i, squares, doubts);
   }
 }
 
@@ -195,11 +202,11 @@ template <class S>
 typename S::Floats fitAlone(const PlanView& plan, const Series& series, const Factor& factor, float* last,
                             Doubts<S>& doubts) {
   const int p = plan.order;
+  const auto variance = at<S>(series.own, 0);
   fillOwnMoments<S>(plan, series, factor.rows, 0);
-  factorRows<S>(factor, 0, p, doubts);
+  factorRows<S>(factor, 0, p, variance, doubts);
   for (int m = 0; m < p; ++m) put<S>(last, m, at<S>(series.own, m + 1));
   eliminate<S, 1>(factor, &last, 0, p);
-  const auto variance = at<S>(series.own, 0);
   const auto error = variance - sumOfSquares<S>(last, 0, p);
   doubts.check(error, variance);
   return error;
@@ -221,7 +228,7 @@ JointErrors<S> fitJoint(const PlanView& plan, const Series& x, const Series& y, 
   float* const* xRows = factor.rows + p;
   fillCrossMoments<S>(plan, x, y, cross, xRows);
   fillOwnMoments<S>(plan, x, xRows, p);
-  factorRows<S>(factor, p, 2 * p, doubts);
+  factorRows<S>(factor, p, 2 * p, at<S>(x.own, 0), doubts);
   for (int m = 0; m < p; ++m) {
     put<S>(xLast, m, at<S>(cross, m + 1));
     put<S>(xLast, p + m, at<S>(x.own, m + 1));

@@ -9,8 +9,8 @@
 namespace tav::kernel {
 namespace {
 
-// Stands for a sum of squares that is not 0 but vanishes in single precision.
-inline constexpr float kVanishing = 1e-45F;
+// Stands for a sum of squares that is not to be trusted: whatever uses it becomes unsure.
+inline constexpr float kUntrusted = __builtin_nanf("");
 
 inline bool isZero(const float* row, int n) {
   for (int t = 0; t < n; ++t) {
@@ -37,7 +37,12 @@ void tabulate(const IntervalView& interval, int order, const float* row, float* 
     table[lag] = sumOfPartials<S>(partials + crossStatistic(order, 0, lag) * S::kWidth * S::kWidth);
   }
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];
-  if (table[0] == 0.0F && !isZero(row, interval.length)) table[0] = kVanishing;
+}
+
+// Residuals that are rounding of the trend, or whose squares vanish in single precision.
+inline bool isTrusted(const IntervalView& interval, Trend trend, const float* row, float squares) {
+  if (squares > 0.0F) return squares >= noiseOf(interval, trend);
+  return trend.slope == 0.0F && isZero(row, interval.length);
 }
 
 // The source is copied first: nothing is read behind its end.
@@ -48,8 +53,11 @@ void prepareRows(const IntervalView& interval, const RowsView& task, const WorkV
   for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {
     const float* source = task.source + r * task.sourceStride;
     for (std::size_t t = 0; t < length; ++t) row[t] = source[t];
-    writeResiduals<S>(interval, fitTrend<S>(interval, row), row, row);
-    tabulate<S>(interval, task.order, row, work.partials, task.tables + r * interval.tableStride);
+    const Trend trend = fitTrend<S>(interval, row);
+    writeResiduals<S>(interval, trend, row, row);
+    float* table = task.tables + r * interval.tableStride;
+    tabulate<S>(interval, task.order, row, work.partials, table);
+    if (!isTrusted(interval, trend, row, table[0])) table[0] = kUntrusted;
     float* copy = task.rows + r * padded;
     for (std::size_t t = 0; t < padded; t += S::kWidth) S::store(copy + t, S::load(row + t));
   }

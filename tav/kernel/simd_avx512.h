@@ -30,6 +30,7 @@ struct Simd {
   static Floats msub(Floats a, Floats b, Floats c) { return _mm512_fnmadd_ps(a, b, c); }
   static Floats root(Floats v) { return _mm512_sqrt_ps(v); }
   static Floats magnitude(Floats v) { return _mm512_abs_ps(v); }
+  static Floats larger(Floats a, Floats b) { return _mm512_max_ps(a, b); }
   static Floats keepFirst(Floats v, int n) { return _mm512_maskz_mov_ps(firstLanes(n), v); }
   static void pin(Floats& v) { __asm__("" : "+v"(v)); }
 

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
-#include <ostream>
 
 #include "tests/kernel/cases.h"
+#include "tests/kernel/every_kernel.h"
 
 namespace {
 
@@ -62,12 +65,7 @@ Tally compareAll(const Kernel& kernel, const cases::Condition& condition) {
   return tally;
 }
 
-class EveryKernel : public testing::TestWithParam<Kernel> {
- protected:
-  void SetUp() override {
-    if (!GetParam().isSupported()) GTEST_SKIP() << "this CPU does not run " << GetParam().name;
-  }
-};
+using KernelAgainstOracle = EveryKernel;
 
 void expectAgreement(const Kernel& kernel, const cases::Shape& shape, std::uint32_t seed) {
   const cases::Condition condition = cases::makeCondition(shape, seed);
@@ -82,50 +80,45 @@ void expectAgreement(const Kernel& kernel, const cases::Shape& shape, std::uint3
   }
 }
 
-TEST_P(EveryKernel, AgreesWithTheOracleAtEveryOrderInTheConsistentForm) {
+TEST_P(KernelAgainstOracle, AgreesWithTheOracleAtEveryOrderInTheConsistentForm) {
   for (int order = 1; order <= 20; ++order) {
     cases::Shape shape;
     shape.order = order;
     shape.consistentPairs = true;
     shape.lengths = {{150}};
-    expectAgreement(GetParam(), shape, static_cast<std::uint32_t>(order));
+    expectAgreement(kernel(), shape, static_cast<std::uint32_t>(order));
   }
 }
 
-TEST_P(EveryKernel, AgreesWithTheOracleAtEveryOrderInTheWrittenForm) {
+TEST_P(KernelAgainstOracle, AgreesWithTheOracleAtEveryOrderInTheWrittenForm) {
   for (int order = 1; order <= 20; ++order) {
     cases::Shape shape;
     shape.order = order;
     shape.lengths = {{150}};
-    expectAgreement(GetParam(), shape, 100 + static_cast<std::uint32_t>(order));
+    expectAgreement(kernel(), shape, 100 + static_cast<std::uint32_t>(order));
   }
 }
 
-TEST_P(EveryKernel, AgreesWithTheOracleOver16BitDataInSeveralSetsAndIntervals) {
+TEST_P(KernelAgainstOracle, AgreesWithTheOracleOver16BitDataInSeveralSetsAndIntervals) {
   for (int order : {1, 2, 3, 5, 8}) {
     cases::Shape shape;
     shape.order = order;
     shape.element = Element::kUint16;
     shape.lengths = {{60, 31, 45}, {100}, {17, 64}};
-    expectAgreement(GetParam(), shape, 200 + static_cast<std::uint32_t>(order));
+    expectAgreement(kernel(), shape, 200 + static_cast<std::uint32_t>(order));
   }
 }
 
-TEST_P(EveryKernel, AgreesWithTheOracleForEveryDraw) {
+TEST_P(KernelAgainstOracle, AgreesWithTheOracleForEveryDraw) {
   for (int order : {1, 4}) {
     cases::Shape shape;
     shape.order = order;
     shape.draws = 5;
     shape.lengths = {{60, 50}};
-    expectAgreement(GetParam(), shape, 300 + static_cast<std::uint32_t>(order));
+    expectAgreement(kernel(), shape, 300 + static_cast<std::uint32_t>(order));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kernel, EveryKernel, testing::ValuesIn(tav::kernel::allKernels().begin(), tav::kernel::allKernels().end()),
-                         [](const auto& param) { return std::string(param.param.name); });
+INSTANTIATE_KERNELS(KernelAgainstOracle);
 
 }  // namespace
-
-namespace tav::kernel {
-void PrintTo(const Kernel& kernel, std::ostream* out) { *out << kernel.name; }
-}  // namespace tav::kernel

@@ -1,44 +1,12 @@
-// The routines of the voxel loop allocate nothing: counted in a program whose operator new counts.
+// The routines of the voxel loop allocate nothing.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
 #include "simo/smatrix.h"
-
-namespace {
-long allocations = 0;
-}
-
-void* operator new(std::size_t bytes) {
-  ++allocations;
-  if (void* const memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t bytes) {
-  return operator new(bytes);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
+#include "tests/simo/counting_new.h"
 
 namespace {
 
-template <class Work>
-long allocationsOf(Work work) {
-  const long before = allocations;
-  work();
-  return allocations - before;
-}
+using test::allocationsOf;
 
 // Filled records of order 3.
 struct Fixture {

@@ -5,12 +5,6 @@
 #include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "simo/randomness.h"
 
-namespace {
-
-constexpr std::int32_t kOrigin[] = {0, 0, 0};
-
-}  // namespace
-
 float Noise::uniform() {
   state_ = state_ * 1664525U + 1013904223U;
   return static_cast<float>((state_ >> 8) + 1) / 16777217.0F;
@@ -65,7 +59,8 @@ tav::TAV_Pars RunTest::requestOn(const fakes::VtcSpec& spec) const {
   pars.nDiscardedSimTps = 10;
   pars.showVerboseProgress = false;
   pars.resultPathPrefix = folder.file("maps");
-  pars.vois.push_back({"seed", 0, 1, kOrigin, 0});
+  voiVoxels_ = {spec.xStart, spec.yStart, spec.zStart, spec.xStart, spec.yStart, spec.zEnd - spec.resolution};
+  pars.vois.push_back({"seed", 0, 2, voiVoxels_.data(), 0});
   return pars;
 }
 

@@ -27,7 +27,9 @@ class RunTest : public ::testing::Test {
   // Autoregressive voxels around 1,000; the voxels with x = 0 drive those with x = 1.
   std::string writeNoise(const std::string& name, const fakes::VtcSpec& spec, unsigned seed) const;
 
-  // A request on the grid of `spec`: one reference (voxel 0, 0, 0) and no conditions yet.
+  // A request on the grid of `spec`: one reference and no conditions yet. The reference
+  // is the mean of the first voxel of the first slice and that of the last, so that with several
+  // slices no voxel equals it. The voxels belong to the fixture: one request at a time.
   [[nodiscard]] tav::TAV_Pars requestOn(const fakes::VtcSpec& spec) const;
   // A request with one condition over all volumes of one new noise file.
   [[nodiscard]] tav::TAV_Pars simpleRequest(const fakes::VtcSpec& spec) const;
@@ -38,6 +40,9 @@ class RunTest : public ::testing::Test {
   fakes::TempFolder folder;
   fakes::FakeHost host;
   std::ostringstream errors;
+
+ private:
+  mutable std::vector<std::int32_t> voiVoxels_;
 };
 
 // Deterministic normal noise, independent of the generator under test.

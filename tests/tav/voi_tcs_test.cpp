@@ -67,7 +67,7 @@ TEST_F(VoiTcs, ComeFromTheSourceOfAPair) {
   ASSERT_EQ(fetch(), tav::kSuccess);
   ASSERT_EQ(computer.voiTcs.size(), 1U);
   EXPECT_EQ(computer.voiTcs[0]->vtcName, path);
-  EXPECT_EQ(computer.voiTcs[0]->tc[1][1], 1000.0F);
+  EXPECT_EQ(computer.voiTcs[0]->tc[1][1], 1050.0F);
 }
 
 TEST_F(VoiTcs, GrowTheCoordinateBufferInStepsOf100) {

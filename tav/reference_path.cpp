@@ -41,14 +41,15 @@ void ReferencePath::begin(const VoxelJob& job) {
   work_ = std::make_unique<simo::Matrix<float>>(2, longest, 0, 0);
   averages_ = std::make_unique<simo::FosAvg<float>>(2, job.order);
   nullAverages_.clear();
-  for (int k = 0; k < job.nullDraws; ++k) nullAverages_.push_back(std::make_unique<simo::FosAvg<float>>(2, job.order));
+  for (int k = 0; k < job.nullDraws; ++k)
+    nullAverages_.push_back(std::make_unique<simo::FosAvg<float>>(2, job.order));
   joint_ = std::make_unique<simo::FosOrth<float>>(2, job.order);
   single1_ = std::make_unique<simo::FosOrth<float>>(1, job.order);
   single2_ = std::make_unique<simo::FosOrth<float>>(1, job.order);
 }
 
-void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data, const VoxelResults& results,
-                            VoxelCounts& counts) {
+void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
+                            const VoxelResults& results, VoxelCounts& counts) {
   nrIncluded_ = 0;
   furtherBlock_ = nullptr;
   if (results.furtherNulls != nullptr) {
@@ -106,7 +107,8 @@ void ReferencePath::accumulateSegment(const Segment& segment) {
   simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages_, job_.lagPairForm);
   if (job_.nrOfSurrogates < 1) return;
   for (const auto& averages : nullAverages_) {
-    const unsigned row = static_cast<unsigned>(simo::nextRandom()) % static_cast<unsigned>(job_.nrOfSurrogates);
+    const unsigned row =
+        static_cast<unsigned>(simo::nextRandom()) % static_cast<unsigned>(job_.nrOfSurrogates);
     loadReference(segment.surrogates, static_cast<int>(row), segment.length);
     simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages, job_.lagPairForm);
   }
@@ -127,15 +129,16 @@ void ReferencePath::loadReference(const simo::Matrix<float>& rows, int row, int 
 
 VoxelStatus ReferencePath::fitVoxel(std::size_t voxel, const VoxelResults& results) {
   const auto& out = results.measures;
-  const bool fitted = simo::gewekeX2Y(*averages_, 0, 1, *joint_, *single1_, *single2_, out[0][voxel], out[1][voxel],
-                                      out[2][voxel]);
+  const bool fitted = simo::gewekeX2Y(*averages_, 0, 1, *joint_, *single1_, *single2_, out[0][voxel],
+                                      out[1][voxel], out[2][voxel]);
   return fitted ? VoxelStatus::kComputed : VoxelStatus::kIllDefined;
 }
 
 void ReferencePath::fitNulls(std::size_t voxel, const VoxelResults& results, VoxelCounts& counts) {
   for (std::size_t draw = 0; draw < nullAverages_.size(); ++draw) {
     std::array<float, kNrOfMeasures> null = {0.0F, 0.0F, 0.0F};
-    if (!simo::gewekeX2Y(*nullAverages_[draw], 0, 1, *joint_, *single1_, *single2_, null[0], null[1], null[2])) {
+    if (!simo::gewekeX2Y(*nullAverages_[draw], 0, 1, *joint_, *single1_, *single2_, null[0], null[1],
+                         null[2])) {
       ++counts.surrogatesIllDefined;
       null = {0.0F, 0.0F, 0.0F};
     }

@@ -4,6 +4,8 @@
 
 namespace tav {
 
-std::unique_ptr<VoxelPath> makeVoxelPath() { return std::make_unique<ReferencePath>(); }
+std::unique_ptr<VoxelPath> makeVoxelPath() {
+  return std::make_unique<ReferencePath>();
+}
 
 }  // namespace tav

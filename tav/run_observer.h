@@ -1,0 +1,75 @@
+// What a caller outside the plug-in can learn from a run, beside the maps in the host.
+#ifndef TAVMAP_TAV_RUN_OBSERVER_H
+#define TAVMAP_TAV_RUN_OBSERVER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "tav/tav_pars.h"
+
+namespace tav {
+
+struct VoiTc;
+
+// Why a voxel has the values that it has.
+enum class VoxelStatus : std::uint8_t {
+  kComputed = 0,
+  kBelowInclusion = 1,  // its first volume does not exceed the inclusion threshold; values 0
+  kIllDefined = 2,      // a model could not be fitted; values 0
+  kNotFinite = 3        // fitted, and at least one measure is infinite or not a number
+};
+
+struct VoxelCounts {
+  int skipped = 0;               // below the inclusion threshold
+  int illDefined = 0;            // failed fits
+  int surrogatesIllDefined = 0;  // failed null fits, counted per draw
+};
+
+// The threshold of one map for one q.
+struct MapThreshold {
+  float q;
+  // What the host's table holds: +infinity when the step-up rule finds no voxel, 0 when every
+  // non-zero voxel passes or nothing could be searched.
+  float threshold;
+  // Voxels whose magnitude reaches the threshold. 0 when the search ended without any, whatever
+  // the threshold: a walk that is settled at its first candidate leaves that candidate as
+  // threshold although it did not meet the bound.
+  std::size_t nrPassing;
+  [[nodiscard]] bool anyPasses() const { return nrPassing > 0; }
+};
+
+struct MapOutcome {
+  MapType type;
+  const float* values;                   // [z][y][x], in the host's map set
+  std::vector<MapThreshold> thresholds;  // by ascending q; empty for DTAV_RC
+};
+
+struct ConditionOutcome {
+  const TAV_VOI_Pars* voi = nullptr;
+  const TAV_Cond_Pars* cond = nullptr;
+  int condIndex = 0;
+  unsigned totalTimePoints = 0;
+  unsigned effectiveTimePoints = 0;  // total - order per interval
+  VoxelCounts counts;
+  std::vector<VoxelStatus> status;  // [z][y][x]
+  std::vector<MapOutcome> maps;     // in map-type order
+};
+
+// Called on the thread of the run. Everything passed is valid during the call only.
+class RunObserver {
+ public:
+  virtual ~RunObserver() = default;
+  // After the surrogates are made: every reference course with its model and its surrogates.
+  virtual void onReferences(const std::vector<std::unique_ptr<VoiTc>>& /*voiTcs*/) {}
+  // After a condition's maps are in the host's map set.
+  virtual void onCondition(const ConditionOutcome& /*outcome*/) {}
+  // After a reference's map set and log are saved.
+  virtual void onVoi(const TAV_VOI_Pars& /*voi*/) {}
+};
+
+}  // namespace tav
+
+#endif

@@ -1,0 +1,59 @@
+// What a run keeps of its data: every VTC file once, open, with one slice in memory; and every
+// reference's time course in every source VTC.
+#ifndef TAVMAP_TAV_VTC_CACHE_H
+#define TAVMAP_TAV_VTC_CACHE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "io/vtc_header.h"
+#include "simo/smatrix.h"
+
+namespace tav {
+
+// One open VTC file. Owns its stream and its slice buffer.
+struct VtcFile {
+  // Takes over `stream`, which stands behind the header.
+  VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stream);
+  ~VtcFile();
+  VtcFile(const VtcFile&) = delete;
+  VtcFile& operator=(const VtcFile&) = delete;
+
+  [[nodiscard]] bool isFloat() const { return header.dataType == kVtcFloatData; }
+  // Back to the first data value.
+  void rewind();
+  // Reads the next slice into the buffer. False when the file holds less than a whole slice more.
+  [[nodiscard]] bool readSlice();
+
+  std::string name;  // as the request gives it
+  VTC_Header header;
+  std::FILE* fp;
+  std::int32_t sliceSize;                       // values in one z-slice
+  std::unique_ptr<float[]> floatSlice;          // float data; else null
+  std::unique_ptr<std::uint16_t[]> shortSlice;  // 16-bit data; else null
+
+ private:
+  // Values that the buffer holds: a slice, or what the file has when that is less, so that a
+  // header that promises more than its file costs no memory.
+  std::size_t bufferSize_;
+};
+
+// The time course of one reference in one source VTC, with what is derived from it alone.
+// All columns are volumes, from 1.
+struct VoiTc {
+  VoiTc(std::string voi, std::string vtc, int nrOfVolumes, int order, int nrOfSurrogates);
+
+  std::string voiName;
+  std::string vtcName;
+  simo::Matrix<float> tc;                         // 1 x volumes, row 1
+  simo::Matrix<float> noiseCov;                   // 1 x 1, 0-based: innovation variance
+  simo::Vector<simo::Matrix<float>> arCoefs;      // lags 1 ... order, each 1 x 1, 0-based
+  simo::Matrix<float> surrogates;                 // surrogates x volumes, rows from 1; zeros at first
+};
+
+}  // namespace tav
+
+#endif

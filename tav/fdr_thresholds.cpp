@@ -10,10 +10,6 @@ namespace {
 
 constexpr float kEuler = 0.5772F;
 
-double dependenceConstant(int cvConstant, std::size_t m) {
-  return cvConstant == 2 ? static_cast<double>(std::log(static_cast<float>(m)) + kEuler) : 1.0;
-}
-
 // Everything that both rules need: sorted magnitudes, ascending q, the constant.
 struct Search {
   const std::vector<float>& observed;
@@ -89,6 +85,10 @@ void stepUp(const Search& search) {
 }
 
 }  // namespace
+
+double dependenceConstant(int cvConstant, std::size_t m) {
+  return cvConstant == 2 ? static_cast<double>(std::log(static_cast<float>(m)) + kEuler) : 1.0;
+}
 
 void checkCvConstant(int cvConst, std::ostream& err) {
   if (cvConst != 1 && cvConst != 2)

@@ -18,6 +18,9 @@ namespace tav {
 // Appends the magnitude of every non-zero value; -1 stands for a value that is not a number.
 void appendMagnitudes(std::span<const float> values, std::vector<float>& magnitudes);
 
+// The constant c below, for m observed magnitudes.
+[[nodiscard]] double dependenceConstant(int cvConstant, std::size_t m);
+
 // One result per q, by ascending q. Both lists are magnitudes as above; they are sorted in place.
 // cvConstant 1: c = 1 (independence or positive dependence); 2: c = ln m + 0.5772, m being the
 // number of observed magnitudes (any dependence; Benjamini & Yekutieli 2001).

@@ -121,6 +121,8 @@ int Computer::Init(const TAV_Pars& request, std::ostream& errors) {
   computeGrid(request);
   crdBuf = std::make_unique_for_overwrite<std::int32_t[]>(3 * static_cast<std::size_t>(kInitialCrdCapacity));
   crdBufCapacity = kInitialCrdCapacity;
+  voxelPath_ = makeVoxelPath(errors);
+  if (voxelPath_ == nullptr) return kInvalidParameters;
   int status = openVTCFiles(request, errors);
   if (status == kSuccess) status = checkGrids(vtcFiles, request, errors);
   if (status == kSuccess) status = prefetchVOITCs(request, errors);
@@ -137,7 +139,6 @@ void Computer::makeStores(const TAV_Pars& request) {
   if (options_.nullDraws > 1) furtherNulls = std::make_unique<FurtherNulls>(options_.nullDraws - 1);
   fosAvg1 = std::make_unique<simo::FosAvg<float>>(2, request.arOrder);
   fosOrth1a = std::make_unique<simo::FosOrth<float>>(1, request.arOrder);
-  voxelPath_ = makeVoxelPath();
 }
 
 void Computer::logGlobalParameters(const TAV_Pars& request, std::ostream& log) const {

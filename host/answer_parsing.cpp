@@ -17,12 +17,6 @@ std::optional<Number> parsed(std::string_view text) {
   return value;
 }
 
-std::string shortText(float value) {
-  char buffer[32];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-  return std::string(buffer, end);
-}
-
 template <typename Question, typename Number>
 std::optional<Number> withinLimits(const Question& question, std::optional<Number> value) {
   if (!value || *value < question.min || *value > question.max) return std::nullopt;
@@ -44,12 +38,26 @@ std::optional<float> parseNumber(std::string_view text) {
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
+std::string decimalText(float value) {
+  char buffer[32];
+  const char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  return std::string(buffer, end);
+}
+
+std::string rangeText(const IntegerQuestion& question) {
+  return std::to_string(question.min) + " to " + std::to_string(question.max);
+}
+
+std::string rangeText(const NumberQuestion& question) {
+  return decimalText(question.min) + " to " + decimalText(question.max);
+}
+
 std::string requirement(const IntegerQuestion& question) {
-  return "a whole number from " + std::to_string(question.min) + " to " + std::to_string(question.max);
+  return "a whole number from " + rangeText(question);
 }
 
 std::string requirement(const NumberQuestion& question) {
-  return "a number from " + shortText(question.min) + " to " + shortText(question.max);
+  return "a number from " + rangeText(question);
 }
 
 std::optional<int> accepted(const IntegerQuestion& question, std::string_view text) {

@@ -20,6 +20,13 @@ std::optional<int> parseInteger(std::string_view text);
 // A finite decimal number and nothing else, with a point whatever the locale.
 std::optional<float> parseNumber(std::string_view text);
 
+// The shortest text that gives the same number back: "0.05".
+std::string decimalText(float value);
+
+// "1 to 4": the limits of an answer.
+std::string rangeText(const IntegerQuestion& question);
+std::string rangeText(const NumberQuestion& question);
+
 // "a whole number from 1 to 4": what an answer must be.
 std::string requirement(const IntegerQuestion& question);
 std::string requirement(const NumberQuestion& question);

@@ -69,8 +69,9 @@ bool TerminalFrontEnd::askYesNo(const std::string& html) {
 }
 
 template <typename Value, typename Question>
-std::optional<Value> TerminalFrontEnd::askWithinLimits(const Question& question, const std::string& prompt) {
+std::optional<Value> TerminalFrontEnd::askWithinLimits(const Question& question, const std::string& initial) {
   const std::string text = dialogText(question.html);
+  const std::string prompt = "Number, " + rangeText(question) + " [" + initial + "]";
   show(text);
   for (;;) {
     const std::optional<std::string> line = answer(text, prompt);
@@ -82,14 +83,11 @@ std::optional<Value> TerminalFrontEnd::askWithinLimits(const Question& question,
 }
 
 std::optional<int> TerminalFrontEnd::askInteger(const IntegerQuestion& question) {
-  return askWithinLimits<int>(question, "Number, " + std::to_string(question.min) + " to " +
-                                            std::to_string(question.max) + " [" +
-                                            std::to_string(question.initial) + "]");
+  return askWithinLimits<int>(question, std::to_string(question.initial));
 }
 
 std::optional<float> TerminalFrontEnd::askNumber(const NumberQuestion& question) {
-  return askWithinLimits<float>(question, "Number, " + requirement(question).substr(14) + " [" +
-                                              std::to_string(question.initial) + "]");
+  return askWithinLimits<float>(question, decimalText(question.initial));
 }
 
 std::optional<std::string> TerminalFrontEnd::askText(const TextQuestion& question) {

@@ -36,7 +36,7 @@ class TerminalFrontEnd : public FrontEnd {
   // A trimmed line after `prompt`; none when the dialog is cancelled.
   std::optional<std::string> answer(const std::string& asked, const std::string& prompt);
   template <typename Value, typename Question>
-  std::optional<Value> askWithinLimits(const Question& question, const std::string& prompt);
+  std::optional<Value> askWithinLimits(const Question& question, const std::string& initial);
   template <typename Problem>
   std::optional<std::string> askPath(const FileQuestion& question, const std::string& prompt,
                                      Problem problem);

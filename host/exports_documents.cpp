@@ -53,7 +53,8 @@ int zqGetCurrentVMR(int* dimX, int* dimY, int* dimZ) {
     int* const dims[] = {&op.record(dimX, "x dimension"), &op.record(dimY, "y dimension"),
                          &op.record(dimZ, "z dimension")};
     if (!op.workspace().anatomy()) return 0;
-    for (std::size_t axis = 0; axis < 3; ++axis) *dims[axis] = op.workspace().anatomy()->dims[axis];
+    const formats::GridSize& size = op.workspace().anatomy()->header.size;
+    *dims[0] = size.x, *dims[1] = size.y, *dims[2] = size.z;
     return 1;
   });
 }

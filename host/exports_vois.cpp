@@ -13,7 +13,7 @@ using host::VoiList;
 
 int zqLoadVOIs(const char* path) {
   return perform("zqLoadVOIs", 0, [&](Operation& op) {
-    op.workspace().loadVois(op.text(path, "path"), "");
+    for (const std::string& remark : op.workspace().loadVois(op.text(path, "path"), "")) op.log(remark);
     return 1;
   });
 }

@@ -2,31 +2,28 @@
 // a protocol and a map set. Any of them may be missing.
 //
 // Arrays that plug-ins get pointers to keep their place until they are replaced. Failures of
-// files are std::runtime_error with one message that names file, reason and remedy; the workspace
-// is then as it was before.
+// files are formats::FileError; the workspace is then as it was before.
 #ifndef TAVMAP_HOST_WORKSPACE_H
 #define TAVMAP_HOST_WORKSPACE_H
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "formats/affine.h"
+#include "formats/image.h"
 #include "host/lent_array.h"
 #include "host/map_set.h"
 #include "hostapi/zq_records.h"
 
 namespace host {
 
-// Voxel indices to millimetres, 4 x 4 by rows.
-using Affine = std::array<double, 16>;
-
 struct Anatomy {
   std::string path;
-  std::array<int, 3> dims;
-  Affine affine;
+  formats::ImageHeader header;
 };
 
 struct LinkedVtc {
@@ -64,16 +61,17 @@ class Workspace {
 
   // The linked VTC; its protocol name, parameters and so on are the host's to change.
   std::optional<LinkedVtc>& vtc() { return vtc_; }
+  const std::optional<LinkedVtc>& vtc() const { return vtc_; }
   void linkVtc(const std::string& path);
 
   // Further VTCs, for time courses over several runs.
   std::vector<LinkedVtc>& furtherVtcs() { return furtherVtcs_; }
   void addFurtherVtc(const std::string& path);
 
-  // Null when no list is loaded. `tablePath` names the labels of an image; empty: the table beside
-  // it, or none.
+  // Null when no list is loaded. `tablePath` names the label table of an image; empty: the table
+  // beside it, or none. Returns one line for each thing about the labels that a person should know.
   VoiList* vois() { return vois_.get(); }
-  void loadVois(const std::string& path, const std::string& tablePath);
+  std::vector<std::string> loadVois(const std::string& path, const std::string& tablePath);
   void saveVois(const std::string& path) const;
 
   // Null when there is none.
@@ -94,8 +92,6 @@ class Workspace {
   const std::vector<std::string>& savedMaps() const { return savedMaps_; }
 
  private:
-  Affine affineOf(const Box& box) const;
-
   std::optional<Anatomy> anatomy_;
   std::optional<LinkedVtc> vtc_;
   std::vector<LinkedVtc> furtherVtcs_;

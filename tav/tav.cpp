@@ -24,7 +24,8 @@ void computeGrid(const TAV_Pars& request) {
 }
 
 // The voxel loop walks all files on the request's grid, so a file with another one must not pass.
-int checkGrids(const std::vector<std::unique_ptr<VtcFile>>& files, const TAV_Pars& request, std::ostream& errors) {
+int checkGrids(const std::vector<std::unique_ptr<VtcFile>>& files, const TAV_Pars& request,
+               std::ostream& errors) {
   const VtcGrid grid{request.dimX, request.dimY, request.dimZ};
   for (const auto& file : files) {
     if (gridOf(file->header) == grid) continue;
@@ -41,7 +42,8 @@ bool isFinite(const rawTAVMaps& maps, std::size_t voxel) {
 
 void markNotFinite(const rawTAVMaps& maps, std::vector<VoxelStatus>& status) {
   for (std::size_t voxel = 0; voxel < status.size(); ++voxel) {
-    if (status[voxel] == VoxelStatus::kComputed && !isFinite(maps, voxel)) status[voxel] = VoxelStatus::kNotFinite;
+    if (status[voxel] == VoxelStatus::kComputed && !isFinite(maps, voxel))
+      status[voxel] = VoxelStatus::kNotFinite;
   }
 }
 
@@ -69,7 +71,8 @@ class CleanUpAtEnd {
 
 }  // namespace
 
-Computer::Computer(const RunOptions& options, RunObserver* observer) : options_(options), observer_(observer) {
+Computer::Computer(const RunOptions& options, RunObserver* observer)
+    : options_(options), observer_(observer) {
   options_.nullDraws = std::clamp(options_.nullDraws, 1, kMaxNullDraws);
 }
 
@@ -143,8 +146,8 @@ void Computer::logGlobalParameters(const TAV_Pars& request, std::ostream& log) c
   writeRunOptionsLog(options_, log);
 }
 
-int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
-                                   std::ostringstream& log, std::ostream& errors) {
+int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
+                                   const TAV_Pars& request, std::ostringstream& log, std::ostream& errors) {
   outcome_ = {};
   CheckedCondition checked;
   int status = checkCondition(*this, voi, cond, request, log, errors, checked);

@@ -31,7 +31,9 @@ constexpr std::array<MapDisplay, kNrOfMapTypes> kDisplays = {{
     {"%s: dTAV RC", 0.0F, 64, 255, 16384, 65280},
 }};
 
-const MapDisplay& displayOf(MapType type) { return kDisplays[static_cast<std::size_t>(type)]; }
+const MapDisplay& displayOf(MapType type) {
+  return kDisplays[static_cast<std::size_t>(type)];
+}
 
 void setDisplay(MapType type, const std::string& conditionName, NR_VMP_Header& header) {
   const MapDisplay& display = displayOf(type);

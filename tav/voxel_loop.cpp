@@ -85,9 +85,11 @@ ConditionJob makeConditionJob(const TAV_Cond_Pars& cond, const std::vector<const
   return condition;
 }
 
-int runVoxelLoop(const ConditionJob& condition, const TAV_Pars& request, VoxelPath& path, const RawStores& stores,
-                 std::vector<VoxelStatus>& status, VoxelCounts& counts, std::ostream& errors) {
-  const std::size_t sliceVoxels = static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
+int runVoxelLoop(const ConditionJob& condition, const TAV_Pars& request, VoxelPath& path,
+                 const RawStores& stores, std::vector<VoxelStatus>& status, VoxelCounts& counts,
+                 std::ostream& errors) {
+  const std::size_t sliceVoxels =
+      static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
   if (stores.furtherNulls != nullptr) stores.furtherNulls->clear();
   status.assign(stores.observed.nrOfVoxels(), VoxelStatus::kComputed);
   for (VtcFile* const file : condition.files) file->rewind();

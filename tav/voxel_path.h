@@ -31,10 +31,10 @@ struct VoxelFile {
 
 // One interval set of a condition. The matrices outlive the job.
 struct VoxelSet {
-  int file;                              // index into VoxelJob::files
-  const simo::Matrix<float>* reference;  // one row; column = volume, from 1
-  const simo::Matrix<float>* surrogates; // one row per surrogate, the same columns
-  std::span<const TAV_intv> intervals;   // valid: longer than the order, inside file and reference
+  int file;                               // index into VoxelJob::files
+  const simo::Matrix<float>* reference;   // one row; column = volume, from 1
+  const simo::Matrix<float>* surrogates;  // one row per surrogate, the same columns
+  std::span<const TAV_intv> intervals;    // valid: longer than the order, inside file and reference
 };
 
 // What stays the same for all voxels of one reference and condition.

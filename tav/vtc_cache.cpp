@@ -65,9 +65,13 @@ VtcFile::VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stre
   rewind();
 }
 
-VtcFile::~VtcFile() { std::fclose(fp); }
+VtcFile::~VtcFile() {
+  std::fclose(fp);
+}
 
-void VtcFile::rewind() { std::fseek(fp, header.dataOffset, SEEK_SET); }
+void VtcFile::rewind() {
+  std::fseek(fp, header.dataOffset, SEEK_SET);
+}
 
 bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
   const std::size_t wanted = nrOfVoxels * static_cast<std::size_t>(header.nrOfVolumes);
@@ -79,7 +83,8 @@ bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
 int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
   for (const TAV_Cond_Pars& cond : request.conds) {
     for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
-      for (const auto& [name, entry] : {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
+      for (const auto& [name, entry] :
+           {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
         *entry = getOpenVtc(*name);
         if (*entry != nullptr) continue;
         auto opened = openVtc(*name, cond, errors);
@@ -92,7 +97,8 @@ int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
 }
 
 VtcFile* Computer::getOpenVtc(const std::string& name) const {
-  const auto found = std::find_if(vtcFiles.begin(), vtcFiles.end(), [&](const auto& file) { return file->name == name; });
+  const auto found =
+      std::find_if(vtcFiles.begin(), vtcFiles.end(), [&](const auto& file) { return file->name == name; });
   return found == vtcFiles.end() ? nullptr : found->get();
 }
 

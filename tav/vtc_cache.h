@@ -53,10 +53,10 @@ struct VoiTc {
 
   std::string voiName;
   std::string vtcName;
-  simo::Matrix<float> tc;                         // 1 x volumes, row 1
-  simo::Matrix<float> noiseCov;                   // 1 x 1, 0-based: innovation variance
-  simo::Vector<simo::Matrix<float>> arCoefs;      // lags 1 ... order, each 1 x 1, 0-based
-  simo::Matrix<float> surrogates;                 // surrogates x volumes, rows from 1; zeros at first
+  simo::Matrix<float> tc;                     // 1 x volumes, row 1
+  simo::Matrix<float> noiseCov;               // 1 x 1, 0-based: innovation variance
+  simo::Vector<simo::Matrix<float>> arCoefs;  // lags 1 ... order, each 1 x 1, 0-based
+  simo::Matrix<float> surrogates;             // surrogates x volumes, rows from 1; zeros at first
 };
 
 }  // namespace tav

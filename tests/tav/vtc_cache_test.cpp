@@ -71,13 +71,15 @@ TEST_F(VtcCache, AMissingFileStopsInitBeforeAnyCourseIsFetched) {
 }
 
 TEST_F(VtcCache, AForeignFileFailsWithTheHeaderMessage) {
-  for (const std::string& bytes : {std::string(), std::string("\x01\x00", 2), std::string("not a vtc at all")}) {
+  for (const std::string& bytes :
+       {std::string(), std::string("\x01\x00", 2), std::string("not a vtc at all")}) {
     tav::TAV_Pars pars = requestOn(spec);
     fakes::writeBytes(folder.file("bad.vtc"), bytes);
     addCondition(pars, "rest", folder.file("bad.vtc"), {{1, 5}});
     errors.str("");
     EXPECT_EQ(computer.openVTCFiles(pars, errors), tav::kTerminalError);
-    EXPECT_EQ(errors.str(), "Could not correctly read vtc-header file: " + folder.file("bad.vtc") + kHeaderMessage);
+    EXPECT_EQ(errors.str(),
+              "Could not correctly read vtc-header file: " + folder.file("bad.vtc") + kHeaderMessage);
     EXPECT_TRUE(computer.vtcFiles.empty());
   }
 }
@@ -150,4 +152,6 @@ TEST_F(VtcCache, CleanUpReleasesEverythingAndDeletesTheHostsMaps) {
   EXPECT_EQ(computer.crdBufCapacity, 0);
 }
 
-TEST_F(VtcCache, CleanUpWorksOnAFreshComputer) { EXPECT_EQ(computer.CleanUp(), 1); }
+TEST_F(VtcCache, CleanUpWorksOnAFreshComputer) {
+  EXPECT_EQ(computer.CleanUp(), 1);
+}

@@ -8,7 +8,8 @@ set grid lc rgb "#dddddd"
 set yrange [0:*]
 set xrange [0:*]
 set border 3
-set xtics nomirror rotate by -30
+set format x "%.0s%c"
+set xtics nomirror autofreq
 set ytics nomirror
 do for [size in "voxels volumes order intervals 'null draws' surrogates references"] {
   set title size

@@ -38,7 +38,9 @@ std::size_t sizeOf(const MapPieces& pieces) {
 // Positive floats order as their bits do; NaN above infinity.
 constexpr std::int32_t kInfinityBits = 0x7F800000;
 
-std::int32_t magnitudeBits(float value) { return std::bit_cast<std::int32_t>(value) & 0x7FFFFFFF; }
+std::int32_t magnitudeBits(float value) {
+  return std::bit_cast<std::int32_t>(value) & 0x7FFFFFFF;
+}
 
 // Values that are looked at together: most blocks hold nothing of the tail.
 constexpr std::size_t kBlock = 64;
@@ -67,7 +69,8 @@ class TailSelector {
       // The constant count lets the compiler use vectors.
       const std::size_t left = piece.size() - first;
       const float* const values = piece.data() + first;
-      addBlock(values, std::min(left, kBlock), left >= kBlock ? summarise(values, kBlock) : summarise(values, left));
+      addBlock(values, std::min(left, kBlock),
+               left >= kBlock ? summarise(values, kBlock) : summarise(values, left));
     }
   }
 
@@ -176,7 +179,8 @@ class TailSearch {
       const std::size_t count = std::min(exceeding, null_.nonZero - 1);
       const double p = static_cast<double>(count) / static_cast<double>(null_.nonZero);
       // The bounds ascend with q, so that smaller ones are violated first.
-      while (settled < results_.size() && p > bound(rank, results_[settled].q)) settle(rank, results_[settled++]);
+      while (settled < results_.size() && p > bound(rank, results_[settled].q))
+        settle(rank, results_[settled++]);
     }
     return settled == results_.size() || isWhole_;
   }
@@ -188,7 +192,8 @@ class TailSearch {
 
   [[nodiscard]] std::size_t nrReaching(float threshold) const {
     const auto& all = observed_.magnitudes;
-    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) - all.begin());
+    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) -
+                                    all.begin());
   }
 
   bool stepUp() {
@@ -233,8 +238,9 @@ double expectedShare(ThresholdRule rule, const std::vector<float>& qs, int cvCon
 
 }  // namespace
 
-std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs, const MapPieces& observed,
-                                               const MapPieces& null, int cvConstant) {
+std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs,
+                                               const MapPieces& observed, const MapPieces& null,
+                                               int cvConstant) {
   std::sort(qs.begin(), qs.end());
   const Tail samples = sample(observed);
   const double expected = expectedShare(rule, qs, cvConstant, samples, sample(null));

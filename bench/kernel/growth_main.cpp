@@ -88,7 +88,8 @@ Workload withOrder(Workload workload, int order) {
 
 void run() {
   const Workload w1 = bench::standardWorkloads().front();
-  for (const int slices : {6, 12, 23, 46, 92}) printLoop("voxels", withVoxels(w1, slices).includedVoxels, withVoxels(w1, slices));
+  for (const int slices : {6, 12, 23, 46, 92})
+    printLoop("voxels", withVoxels(w1, slices).includedVoxels, withVoxels(w1, slices));
   for (const int volumes : {75, 150, 300, 600, 1200}) printLoop("volumes", volumes, withVolumes(w1, volumes));
   for (const int order : {1, 2, 3, 4, 5, 7, 10, 15, 20}) printLoop("order", order, withOrder(w1, order));
   for (const int count : {1, 2, 4, 10, 20}) printLoop("intervals", count, withIntervals(w1, count));

@@ -1,0 +1,56 @@
+#include "simo/detrend.h"
+
+namespace simo {
+namespace {
+
+template <class T>
+T meanOf(const T* values, int count) {
+  T sum = 0;
+  for (int t = 0; t < count; ++t) sum += values[t];
+  return sum / static_cast<T>(count);
+}
+
+// The ramp from -0.5 to +0.5 at time t of d + 1 points. Centred, so that removing its multiple
+// leaves the mean at zero.
+template <class T>
+T ramp(int t, T d) {
+  return static_cast<T>(t) / d - T{0.5F};
+}
+
+template <class T, class U>
+void removeMean(const T* values, int count, U* residuals) {
+  const T mean = meanOf(values, count);
+  for (int t = 0; t < count; ++t) residuals[t] = values[t] - mean;
+}
+
+template <class U>
+void removeSlope(U* residuals, int count) {
+  const U d = static_cast<U>(count - 1);
+  U rampSquares = 0;
+  U rampProducts = 0;
+  for (int t = 0; t < count; ++t) {
+    const U u = ramp(t, d);
+    rampSquares += u * u;
+    rampProducts += u * residuals[t];
+  }
+  const U slope = rampProducts / rampSquares;
+  for (int t = 0; t < count; ++t) residuals[t] -= ramp(t, d) * slope;
+}
+
+}  // namespace
+
+template <class T, class U>
+void dtrendRowsToRes(const Matrix<T>& src, int rowFirst, int rowEnd, int colFirst, int colEnd, Matrix<U>& dst,
+                     int dstRow, int dstCol) {
+  const int count = colEnd - colFirst;
+  for (int r = rowFirst; r < rowEnd; ++r) {
+    U* const residuals = dst[dstRow + r - rowFirst] + dstCol;
+    removeMean(src[r] + colFirst, count, residuals);
+    removeSlope(residuals, count);
+  }
+}
+
+template void dtrendRowsToRes<float, float>(const Matrix<float>&, int, int, int, int, Matrix<float>&, int,
+                                            int);
+
+}  // namespace simo

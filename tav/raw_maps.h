@@ -26,10 +26,9 @@ class rawTAVMaps {
   // The plane as nz * ny * nx values, null when there are none.
   [[nodiscard]] float* values(int measure);
   [[nodiscard]] const float* values(int measure) const;
-  [[nodiscard]] std::size_t nrOfVoxels() const { return nrOfVoxels_; }
+  [[nodiscard]] std::size_t nrOfVoxels() const { return planes_[0].size(); }
 
  private:
-  std::size_t nrOfVoxels_;
   std::array<Array3D<float>, kNrOfMeasures> planes_;
 };
 

@@ -19,6 +19,8 @@ struct RunOptions {
   bool poolSurrogateModels = true;
   int nullDraws = 1;  // surrogates per voxel, 1 ... 100
   ThresholdRule thresholdRule = ThresholdRule::kWalk;
+
+  friend bool operator==(const RunOptions&, const RunOptions&) = default;
 };
 
 }  // namespace tav

@@ -76,6 +76,11 @@ class Computer {
   std::unique_ptr<std::int32_t[]> crdBuf;  // 3 per voxel
 
  private:
+  int computeVoi(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
+  int computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex, const TAV_Pars& request,
+                       std::ostringstream& log, std::ostream& errors);
+  void makeStores(const TAV_Pars& request);
+
   RunOptions options_;
   RunObserver* observer_;
   std::unique_ptr<VoxelPath> voxelPath_;

@@ -1,0 +1,48 @@
+#include "tav/map_values.h"
+
+#include <cmath>
+
+namespace tav {
+namespace {
+
+void scaled(const float* measure, std::size_t size, float scale, float* out) {
+  for (std::size_t i = 0; i < size; ++i) out[i] = measure[i] * scale;
+}
+
+void difference(const RawValues& raw, float* out) {
+  for (std::size_t i = 0; i < raw.size; ++i) out[i] = raw.measures[0][i] - raw.measures[1][i];
+}
+
+void zeroWhereBelow(const float* measure, float threshold, std::size_t size, float* out) {
+  for (std::size_t i = 0; i < size; ++i) {
+    if (measure[i] < threshold) out[i] = 0.0F;
+  }
+}
+
+// From differences to their share in difference plus instantaneous feedback, cut above.
+void relativeToInstantaneous(const float* instantaneous, float upper, std::size_t size, float* out) {
+  for (std::size_t i = 0; i < size; ++i) {
+    const float denominator = std::fabs(out[i]) + instantaneous[i];
+    out[i] = denominator == 0.0F ? 0.0F : out[i] / denominator;
+    if (out[i] > upper) out[i] = 0.0F;
+  }
+}
+
+}  // namespace
+
+void computeMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars, float* out) {
+  const float* const instantaneous = raw.measures[2];
+  if (type <= INST) {
+    scaled(raw.measures[static_cast<std::size_t>(type)], raw.size, pars.mapScaleFactor, out);
+    return;
+  }
+  difference(raw, out);
+  if (type != DTAV) zeroWhereBelow(instantaneous, pars.instLowerThres, raw.size, out);
+  if (type == DTAV_RC) {
+    relativeToInstantaneous(instantaneous, pars.rcUpperThres, raw.size, out);
+  } else {
+    scaled(out, raw.size, pars.mapScaleFactor, out);
+  }
+}
+
+}  // namespace tav

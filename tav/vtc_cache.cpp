@@ -1,0 +1,101 @@
+#include "tav/vtc_cache.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "hostapi/CNZQPluginInterfaceExtern.h"
+#include "io/cnvtcfile.h"
+#include "tav/tav.h"
+
+namespace tav {
+namespace {
+
+// Data values that the file holds behind its header.
+std::size_t valuesInFile(std::FILE* file, const VTC_Header& header) {
+  if (std::fseek(file, 0, SEEK_END) != 0) return 0;
+  const long bytes = std::ftell(file) - header.dataOffset;
+  return bytes > 0 ? static_cast<std::size_t>(bytes) / valueBytes(header) : 0;
+}
+
+void reportUnreadableHeader(const std::string& name, const TAV_Cond_Pars& cond, std::ostream& errors) {
+  errors << "Could not correctly read vtc-header file: " << name << "\nfor condition '" << cond.name
+         << "'\nN.B.:VTC version 2 required for this version of the TAV_Plugin!";
+}
+
+// Null, and a message, when the file cannot be opened or its header not be used.
+std::unique_ptr<VtcFile> openVtc(const std::string& name, const TAV_Cond_Pars& cond, std::ostream& errors) {
+  std::FILE* const stream = std::fopen(name.c_str(), "rb");
+  if (stream == nullptr) {
+    errors << "Could not open file: " << name << "\nfor condition '" << cond.name << "'";
+    return nullptr;
+  }
+  VTC_Header header{};
+  if (!readVTCHeader(stream, header) || !hasUsableGeometry(header)) {
+    std::fclose(stream);
+    reportUnreadableHeader(name, cond, errors);
+    return nullptr;
+  }
+  return std::make_unique<VtcFile>(name, header, stream);
+}
+
+}  // namespace
+
+VtcFile::VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stream)
+    : name(std::move(path)),
+      header(fileHeader),
+      fp(stream),
+      sliceSize(sliceValues(fileHeader)),
+      bufferSize_(std::min(static_cast<std::size_t>(sliceSize), valuesInFile(stream, fileHeader))) {
+  if (isFloat()) {
+    floatSlice = std::make_unique_for_overwrite<float[]>(bufferSize_);
+  } else {
+    shortSlice = std::make_unique_for_overwrite<std::uint16_t[]>(bufferSize_);
+  }
+  rewind();
+}
+
+VtcFile::~VtcFile() { std::fclose(fp); }
+
+void VtcFile::rewind() { std::fseek(fp, header.dataOffset, SEEK_SET); }
+
+bool VtcFile::readSlice() {
+  void* const buffer = isFloat() ? static_cast<void*>(floatSlice.get()) : static_cast<void*>(shortSlice.get());
+  return std::fread(buffer, valueBytes(header), bufferSize_, fp) == static_cast<std::size_t>(sliceSize);
+}
+
+int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
+  for (const TAV_Cond_Pars& cond : request.conds) {
+    for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
+      for (const auto& [name, entry] : {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
+        *entry = getOpenVtc(*name);
+        if (*entry != nullptr) continue;
+        auto opened = openVtc(*name, cond, errors);
+        if (opened == nullptr) return kTerminalError;
+        *entry = vtcFiles.emplace_back(std::move(opened)).get();
+      }
+    }
+  }
+  return kSuccess;
+}
+
+VtcFile* Computer::getOpenVtc(const std::string& name) const {
+  const auto found = std::find_if(vtcFiles.begin(), vtcFiles.end(), [&](const auto& file) { return file->name == name; });
+  return found == vtcFiles.end() ? nullptr : found->get();
+}
+
+int Computer::CleanUp() {
+  rawMaps1.reset();
+  rawMaps2.reset();
+  furtherNulls.reset();
+  voxelPath_.reset();  // refers to the time courses
+  voiTcs.clear();
+  vtcFiles.clear();
+  crdBuf.reset();
+  crdBufCapacity = 0;
+  fosAvg1.reset();
+  fosOrth1a.reset();
+  outcome_ = {};
+  return zqDeleteNRVMPsOfCurrentVMR();
+}
+
+}  // namespace tav

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -105,6 +106,8 @@ struct Request {
   std::vector<RunRequest> runs;
   std::vector<ReferenceRequest> references;
   std::vector<ConditionRequest> conditions;  // never empty once read
+  // Folders that sources are named relative to, by the name of the data set: "raw", "preprocessed".
+  std::map<std::string, std::filesystem::path> datasets;
 };
 
 const char* methodName(Method method);

@@ -17,6 +17,14 @@ namespace {
 const std::vector<std::string> kTopKeys = {"prefix",   "folder", "work_folder", "seed",
                                            "settings", "run",    "reference",   "condition"};
 
+std::string contents(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) throw InputError("cannot open the request " + file.string() + "; check the path");
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
 toml::table parseToml(std::string_view text, const std::string& name) {
   try {
     return toml::parse(text, name);
@@ -54,6 +62,10 @@ void checkUnique(const std::vector<std::pair<std::string, int>>& names, const ch
   }
 }
 
+std::uint32_t readSeed(const TomlTable& top) {
+  return static_cast<std::uint32_t>(top.integer("seed", 0, 0, 2147483647));
+}
+
 void readOutput(const TomlTable& top, const RequestPlace& place, Request& request) {
   request.output.prefix = top.text("prefix", "tavmap");
   const bool plain = request.output.prefix.find_first_of("/\\ ") == std::string::npos;
@@ -61,7 +73,7 @@ void readOutput(const TomlTable& top, const RequestPlace& place, Request& reques
   request.output.folder = (place.folder / top.text("folder", "results")).lexically_normal();
   const std::string work = top.text("work_folder");
   if (!work.empty()) request.output.workFolder = (place.folder / work).lexically_normal();
-  if (top.has("seed")) request.seed = static_cast<std::uint32_t>(top.integer("seed", 0, 0, 2147483647));
+  if (top.has("seed")) request.seed = readSeed(top);
 }
 
 void readRuns(const TomlTable& top, const toml::table& root, const RequestPlace& place, Request& request) {
@@ -120,12 +132,28 @@ Request parseRequest(std::string_view text, const std::string& name, const std::
   return request;
 }
 
+RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
+  const std::string name = file.string();
+  const toml::table root = parseToml(contents(file), name);
+  const TomlTable top(root, name, "the configuration", {"seed", "settings", "preparation", "reference", "condition"});
+  const RequestPlace place{name, file.parent_path()};
+  RequestTemplate result;
+  if (top.has("seed")) result.seed = readSeed(top);
+  if (const toml::table* settings = top.subtable("settings")) result.settings = parseSettings(*settings, name);
+  if (const toml::table* preparation = top.subtable("preparation")) {
+    result.preparation = parsePreparation(*preparation, name);
+  }
+  for (const toml::table* node : tablesOf(top, root, "reference")) {
+    result.references.push_back(parseReference(*node, place));
+  }
+  for (const toml::table* node : tablesOf(top, root, "condition")) {
+    result.conditions.push_back(parseCondition(*node, place, {}));
+  }
+  return result;
+}
+
 Request readRequestFile(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw InputError("cannot open the request " + file.string() + "; check the path");
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return parseRequest(text.str(), file.string(), file.parent_path());
+  return parseRequest(contents(file), file.string(), file.parent_path());
 }
 
 }  // namespace study

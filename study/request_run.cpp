@@ -29,12 +29,29 @@ void parseDrop(const TomlTable& table, RunRequest& run) {
   }
 }
 
-void parseConfounds(const TomlTable& table, RunRequest& run) {
+void parseTerms(const TomlTable& table, RunRequest& run) {
   run.confoundTerms = table.texts("regress");
   for (const std::string& term : run.confoundTerms) {
     const std::string problem = confoundTermProblem(term);
     if (!problem.empty()) table.fail("regress", problem);
   }
+}
+
+void parseCensoring(const TomlTable& table, CensorSettings& censoring) {
+  censoring.fdThresholdMm = table.number("fd_threshold", 0, 0, 100);
+  censoring.minimumSegment = table.integer("min_segment", censoring.minimumSegment, 1, 100000);
+  censoring.alsoBefore = table.integer("censor_before", 0, 0, 100);
+  censoring.alsoAfter = table.integer("censor_after", 0, 0, 100);
+}
+
+void parsePreparationKeys(const TomlTable& table, RunRequest& run) {
+  run.trSeconds = table.number("tr", 0, 0.01, 100);
+  parseCensoring(table, run.censoring);
+  parseDrop(table, run);
+  parseTerms(table, run);
+}
+
+void requireConfounds(const TomlTable& table, const RunRequest& run) {
   const bool needed = !run.confoundTerms.empty() || run.censoring.fdThresholdMm > 0 ||
                       run.dropVolumes == kDropFromConfounds;
   if (needed && run.confounds.empty()) {
@@ -66,14 +83,17 @@ RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::siz
   run.mask = existingFile(table, "mask", place);
   run.events = existingFile(table, "events", place);
   run.confounds = existingFile(table, "confounds", place);
-  run.trSeconds = table.number("tr", 0, 0.01, 100);
-  run.censoring.fdThresholdMm = table.number("fd_threshold", 0, 0, 100);
-  run.censoring.minimumSegment = table.integer("min_segment", run.censoring.minimumSegment, 1, 100000);
-  run.censoring.alsoBefore = table.integer("censor_before", 0, 0, 100);
-  run.censoring.alsoAfter = table.integer("censor_after", 0, 0, 100);
-  parseDrop(table, run);
-  parseConfounds(table, run);
+  parsePreparationKeys(table, run);
+  requireConfounds(table, run);
   return run;
+}
+
+RunRequest parsePreparation(const toml::table& node, const std::string& file) {
+  const TomlTable table(node, file, "[preparation]",
+                        {"regress", "drop_volumes", "tr", "fd_threshold", "min_segment", "censor_before", "censor_after"});
+  RunRequest preparation;
+  parsePreparationKeys(table, preparation);
+  return preparation;
 }
 
 }  // namespace study

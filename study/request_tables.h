@@ -20,6 +20,8 @@ struct RequestPlace {
 
 // All throw InputError. Named files must exist; the message names the nearest file of the folder.
 RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::size_t number);
+// [preparation]: how every run is prepared, without the files of any.
+RunRequest parsePreparation(const toml::table& node, const std::string& file);
 ReferenceRequest parseReference(const toml::table& node, const RequestPlace& place);
 // runs: names that a condition may use.
 ConditionRequest parseCondition(const toml::table& node, const RequestPlace& place,

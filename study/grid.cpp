@@ -18,7 +18,7 @@ bool Grid::contains(const std::array<int, 3>& voxel) const {
   return true;
 }
 
-std::array<double, 3> apply(const std::array<std::array<double, 4>, 4>& affine, const std::array<double, 3>& point) {
+std::array<double, 3> mapPoint(const std::array<std::array<double, 4>, 4>& affine, const std::array<double, 3>& point) {
   std::array<double, 3> result{};
   for (std::size_t r = 0; r < 3; ++r) {
     result[r] = affine[r][0] * point[0] + affine[r][1] * point[1] + affine[r][2] * point[2] + affine[r][3];
@@ -26,10 +26,10 @@ std::array<double, 3> apply(const std::array<std::array<double, 4>, 4>& affine, 
   return result;
 }
 
-std::array<double, 3> Grid::toMm(const std::array<double, 3>& voxel) const { return apply(affine, voxel); }
+std::array<double, 3> Grid::toMm(const std::array<double, 3>& voxel) const { return mapPoint(affine, voxel); }
 
 std::array<double, 3> Grid::toMm(const std::array<int, 3>& voxel) const {
-  return apply(affine, {static_cast<double>(voxel[0]), static_cast<double>(voxel[1]), static_cast<double>(voxel[2])});
+  return mapPoint(affine, {static_cast<double>(voxel[0]), static_cast<double>(voxel[1]), static_cast<double>(voxel[2])});
 }
 
 // Cofactors of the linear part, then the translation.

@@ -29,7 +29,7 @@ struct Grid {
 
 // The inverse of a grid's affine. Throws InputError when it cannot be inverted.
 std::array<std::array<double, 4>, 4> inverseAffine(const Grid& grid);
-std::array<double, 3> apply(const std::array<std::array<double, 4>, 4>& affine, const std::array<double, 3>& point);
+std::array<double, 3> mapPoint(const std::array<std::array<double, 4>, 4>& affine, const std::array<double, 3>& point);
 
 // Equal dimensions, and corners that lie within toleranceMm of each other.
 bool sameGrid(const Grid& a, const Grid& b, double toleranceMm = 0.01);

@@ -116,7 +116,7 @@ std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& gri
   std::vector<std::int32_t> labels(grid.voxels(), 0);
   const auto toImage = inverseAffine(image.grid);
   for (std::size_t i = 0; i < labels.size(); ++i) {
-    const auto at = apply(toImage, grid.toMm(grid.voxelAt(i)));
+    const auto at = mapPoint(toImage, grid.toMm(grid.voxelAt(i)));
     const Voxel voxel = {static_cast<int>(std::floor(at[0] + 0.5)), static_cast<int>(std::floor(at[1] + 0.5)),
                          static_cast<int>(std::floor(at[2] + 0.5))};
     if (image.grid.contains(voxel)) labels[i] = image.labels[image.grid.index(voxel)];

@@ -141,7 +141,7 @@ TEST(Grid, GridsAreTheSameWhenTheirCornersMeet) {
 TEST(Grid, TheInverseLeadsBackForAnObliqueAffine) {
   Grid grid;
   grid.affine = {{{-5.9, 0.2, 0.4, 70}, {0.3, 5.8, -0.6, -90}, {0.1, 0.7, 3.2, -40}, {0, 0, 0, 1}}};
-  const auto back = apply(inverseAffine(grid), grid.toMm(std::array<double, 3>{3, 7, 11}));
+  const auto back = mapPoint(inverseAffine(grid), grid.toMm(std::array<double, 3>{3, 7, 11}));
   EXPECT_NEAR(back[0], 3, 1e-9);
   EXPECT_NEAR(back[1], 7, 1e-9);
   EXPECT_NEAR(back[2], 11, 1e-9);

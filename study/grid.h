@@ -5,13 +5,14 @@
 #include <array>
 #include <cstddef>
 
+#include "formats/image.h"
+
 namespace study {
 
-// Voxel (i, j, k) from 0, index (k * ny + j) * nx + i; affine: voxel indices to millimetres, RAS+,
-// row-major.
+// Voxel (i, j, k) from 0, index (k * ny + j) * nx + i; affine: voxel indices to millimetres, RAS+.
 struct Grid {
   std::array<int, 3> dims{};
-  std::array<std::array<double, 4>, 4> affine{{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
+  formats::Affine affine;
 
   std::size_t voxels() const {
     return static_cast<std::size_t>(dims[0]) * static_cast<std::size_t>(dims[1]) * static_cast<std::size_t>(dims[2]);
@@ -23,13 +24,10 @@ struct Grid {
   }
   std::array<int, 3> voxelAt(std::size_t index) const;
   bool contains(const std::array<int, 3>& voxel) const;
-  std::array<double, 3> toMm(const std::array<double, 3>& voxel) const;
   std::array<double, 3> toMm(const std::array<int, 3>& voxel) const;
 };
 
-// The inverse of a grid's affine. Throws InputError when it cannot be inverted.
-std::array<std::array<double, 4>, 4> inverseAffine(const Grid& grid);
-std::array<double, 3> mapPoint(const std::array<std::array<double, 4>, 4>& affine, const std::array<double, 3>& point);
+Grid gridOf(const formats::ImageHeader& header);
 
 // Equal dimensions, and corners that lie within toleranceMm of each other.
 bool sameGrid(const Grid& a, const Grid& b, double toleranceMm = 0.01);

@@ -114,9 +114,12 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
 std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid) {
   if (sameGrid(image.grid, grid)) return image.labels;
   std::vector<std::int32_t> labels(grid.voxels(), 0);
-  const auto toImage = inverseAffine(image.grid);
+  if (formats::determinant(image.grid.affine) == 0) {
+    throw InputError(image.file + ": its affine cannot be inverted; the header is damaged");
+  }
+  const formats::Affine toImage = formats::inverse(image.grid.affine);
   for (std::size_t i = 0; i < labels.size(); ++i) {
-    const auto at = mapPoint(toImage, grid.toMm(grid.voxelAt(i)));
+    const auto at = formats::apply(toImage, grid.toMm(grid.voxelAt(i)));
     const Voxel voxel = {static_cast<int>(std::floor(at[0] + 0.5)), static_cast<int>(std::floor(at[1] + 0.5)),
                          static_cast<int>(std::floor(at[2] + 0.5))};
     if (image.grid.contains(voxel)) labels[i] = image.labels[image.grid.index(voxel)];

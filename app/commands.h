@@ -1,0 +1,17 @@
+// The verbs of `tavmap`. Each is one file that declares its options on a subcommand and sets a
+// callback; the callback throws when the verb fails.
+#ifndef TAVMAP_APP_COMMANDS_H
+#define TAVMAP_APP_COMMANDS_H
+
+#include <CLI/CLI.hpp>
+
+namespace app {
+
+void addConvertCommand(CLI::App& program);
+void addExportCommand(CLI::App& program);
+void addInfoCommand(CLI::App& program);
+void addSimulateCommand(CLI::App& program);
+
+}  // namespace app
+
+#endif

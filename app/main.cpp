@@ -1,0 +1,45 @@
+// `tavmap`: one subcommand per verb.
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <iostream>
+
+#include "app/commands.h"
+#include "app/exit_codes.h"
+#include "formats/file_error.h"
+
+namespace {
+
+int report(const std::exception& error, int exitCode) {
+  std::cerr << "tavmap: " << error.what() << '\n';
+  return exitCode;
+}
+
+int run(int argc, char** argv) {
+  CLI::App program{"Whole-brain maps of directed influence from fMRI", "tavmap"};
+  program.require_subcommand(1);
+  app::addConvertCommand(program);
+  app::addInfoCommand(program);
+  app::addExportCommand(program);
+  app::addSimulateCommand(program);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // CLI11 has an exit code for every kind of wrong usage; callers need only one.
+    return program.exit(error) == 0 ? app::kDone : app::kWrongInput;
+  }
+  return app::kDone;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const formats::FileError& error) {
+    return report(error, error.fault() == formats::Fault::kInput ? app::kWrongInput : app::kFailed);
+  } catch (const app::UsageError& error) {
+    return report(error, app::kWrongInput);
+  } catch (const std::exception& error) {
+    return report(error, app::kFailed);
+  }
+}

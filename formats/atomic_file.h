@@ -1,0 +1,54 @@
+// A file that appears whole or not at all: written under a temporary name in its own folder, then
+// flushed, synchronised and renamed. Every output of this program is written through it.
+#ifndef TAVMAP_FORMATS_ATOMIC_FILE_H
+#define TAVMAP_FORMATS_ATOMIC_FILE_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace formats {
+
+// Whether commit() waits until the data are on the medium. Without it a process may be killed at
+// any time, yet after a power failure the file may be empty: for files that can be made again.
+enum class Durability { kSynced, kCached };
+
+class AtomicFile {
+ public:
+  // Creates the temporary file; the folder must exist. Throws FileError, as do write and commit.
+  explicit AtomicFile(std::string path, Durability durability = Durability::kSynced);
+  ~AtomicFile();  // without commit(): removes the temporary file, an older file stays as it was
+  AtomicFile(const AtomicFile&) = delete;
+  AtomicFile& operator=(const AtomicFile&) = delete;
+
+  // Appends. Small pieces are gathered in a buffer of 256 KB.
+  void write(const void* data, std::size_t bytes);
+  void write(std::string_view text) { write(text.data(), text.size()); }
+
+  // Makes the file visible under its name, replacing an older one. Nothing may follow.
+  void commit();
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+ private:
+  void flush();
+  void writeThrough(const char* data, std::size_t bytes);
+  void discard() noexcept;
+  [[noreturn]] void fail(const char* doing);
+
+  std::string path_, temporaryPath_;
+  Durability durability_;
+  int fd_ = -1;
+  std::vector<char> buffer_;
+};
+
+// Writes a whole text file in one go.
+void writeTextFile(const std::string& path, std::string_view text);
+
+// A whole text file, at most `limitBytes` of it: a longer one is a FileError.
+[[nodiscard]] std::string readTextFile(const std::string& path, std::size_t limitBytes = std::size_t{64} << 20U);
+
+}  // namespace formats
+
+#endif

@@ -9,6 +9,7 @@ namespace app {
 
 void addConvertCommand(CLI::App& program);
 void addExportCommand(CLI::App& program);
+void addHostCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
 

@@ -21,6 +21,7 @@ int run(int argc, char** argv) {
   app::addInfoCommand(program);
   app::addExportCommand(program);
   app::addSimulateCommand(program);
+  app::addHostCommand(program);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -35,6 +36,8 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     return run(argc, argv);
+  } catch (const app::Reported& reported) {
+    return reported.exitCode;
   } catch (const formats::FileError& error) {
     return report(error, error.fault() == formats::Fault::kInput ? app::kWrongInput : app::kFailed);
   } catch (const app::UsageError& error) {

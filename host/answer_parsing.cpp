@@ -40,7 +40,7 @@ std::optional<float> parseNumber(std::string_view text) {
 
 std::string decimalText(float value) {
   char buffer[32];
-  const char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
   return std::string(buffer, end);
 }
 

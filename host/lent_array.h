@@ -17,7 +17,8 @@ class LentArray {
 
  public:
   // `size` elements of value zero.
-  explicit LentArray(std::size_t size = 0) : size_(size), storage_(size + 2 * kGuard) {
+  LentArray() : LentArray(0) {}
+  explicit LentArray(std::size_t size) : size_(size), storage_(size + 2 * kGuard) {
     std::memset(storage_.data(), kPattern, kGuard * sizeof(Type));
     std::memset(data() + size, kPattern, kGuard * sizeof(Type));
   }

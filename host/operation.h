@@ -72,18 +72,18 @@ void fillField(const std::string& text, char (&field)[kBytes]) {
 }
 
 // Runs the body of an operation. After the run has ended every operation throws the end again,
-// except while an exception passes through the plug-in: then destructors may call the host, must
-// not throw, and get `refused`.
+// except while an exception passes through the plug-in or the plug-in is destroyed: then
+// destructors may call the host, must not throw, and get `refused`.
 template <typename Result, typename Body>
 Result perform(const char* name, Result refused, Body body) {
   Operation operation(name);
-  const bool unwinding = std::uncaught_exceptions() > 0;
+  const bool mayThrow = operation.run().mayThrow() && std::uncaught_exceptions() == 0;
   try {
     if (operation.run().ended()) throw RunEnded(*operation.run().ended());
     return body(operation);
   } catch (const RunEnded& end) {
     operation.run().remember(end);
-    if (!unwinding) throw;
+    if (mayThrow) throw;
   } catch (const std::exception& error) {
     operation.logError(error.what());
   }

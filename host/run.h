@@ -48,12 +48,17 @@ class Run {
   void remember(const RunEnded& end);
   const std::optional<RunEnded>& ended() const { return ended_; }
 
+  // From here on operations refuse instead of throwing.
+  void stopThrowing() { mayThrow_ = false; }
+  bool mayThrow() const { return mayThrow_; }
+
  private:
   Workspace& workspace_;
   FrontEnd& frontEnd_;
   LogPane& logPane_;
   const HostIdentity& identity_;
   std::optional<RunEnded> ended_;
+  bool mayThrow_ = true;
 };
 
 }  // namespace host

@@ -71,6 +71,7 @@ class Workspace {
   // Null when no list is loaded. `tablePath` names the label table of an image; empty: the table
   // beside it, or none. Returns one line for each thing about the labels that a person should know.
   VoiList* vois() { return vois_.get(); }
+  const VoiList* vois() const { return vois_.get(); }
   std::vector<std::string> loadVois(const std::string& path, const std::string& tablePath);
   void saveVois(const std::string& path) const;
 

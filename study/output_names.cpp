@@ -75,6 +75,9 @@ std::vector<std::string> Staging::publish(const std::string& record) {
   }
   std::sort(files.begin(), files.end());
   files.push_back(record);
+  // An older record must not vouch for a mixture of its files and new ones.
+  std::error_code ignored;
+  fs::remove(output_ / record, ignored);
   for (const std::string& name : files) {
     std::error_code error;
     fs::rename(folder_ / name, output_ / name, error);

@@ -20,7 +20,7 @@ struct ResultContext {
   std::string version;
   std::uint32_t seed = 0;             // of the study
   int order = 1;                      // in use
-  std::vector<std::string> cautions;  // of runs and conditions
+  std::vector<std::string> cautions;
 };
 
 // "bids:raw:sub-01/..." when a data set of the request holds the file, else the plain file name.

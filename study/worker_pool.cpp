@@ -15,6 +15,7 @@
 #include <cstring>
 #include <exception>
 
+#include "formats/file_error.h"
 #include "study/problem.h"
 
 namespace study {
@@ -108,6 +109,8 @@ std::pair<char, std::string> doWork(const WorkPiece& piece, WorkerChannel& chann
     return {kDone, ""};
   } catch (const InputError& error) {
     return {kInputError, error.what()};
+  } catch (const formats::FileError& error) {
+    return {error.fault() == formats::Fault::kInput ? kInputError : kFailure, error.what()};
   } catch (const std::exception& error) {
     return {kFailure, error.what()};
   }

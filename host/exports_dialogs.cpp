@@ -1,4 +1,6 @@
 // Dialogs: each operation hands a question to the front end and its answer to the plug-in.
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -33,6 +35,9 @@ void requireLimits(Operation& op, Number initial, Number min, Number max) {
 
 // A cancelled number dialog returns a value below the smallest allowed one.
 int below(int min) { return min > std::numeric_limits<int>::min() ? min - 1 : min; }
+float below(float min) {
+  return std::min(min - 1.0F, std::nextafter(min, -std::numeric_limits<float>::infinity()));
+}
 
 }  // namespace
 
@@ -53,10 +58,10 @@ int zqGetIntegerInput(const char* prompt, int initial, int min, int max) {
 }
 
 float zqGetFloatInput(const char* prompt, float initial, float min, float max) {
-  return perform("zqGetFloatInput", min - 1.0F, [&](Operation& op) {
+  return perform("zqGetFloatInput", below(min), [&](Operation& op) {
     requireLimits(op, op.number(initial, "initial value"), op.number(min, "smallest value"),
                   op.number(max, "largest value"));
-    return op.frontEnd().askNumber({op.text(prompt, "prompt"), initial, min, max}).value_or(min - 1.0F);
+    return op.frontEnd().askNumber({op.text(prompt, "prompt"), initial, min, max}).value_or(below(min));
   });
 }
 

@@ -118,15 +118,24 @@ TEST(Cholesky, PassesInfinitiesOn) {
   EXPECT_EQ(det, kInfinity);
 }
 
-TEST(Cholesky, SumsInDouble) {
+TEST(Cholesky, MultipliesInDouble) {
   // 1 + 2^-20 squared is 1 + 2^-19 + 2^-40: single precision would lose the last term, and the pivot.
   const float offDiagonal = 1.F + 0x1p-20F;
-  const simo::Matrix<float> a = twoByTwo(1, offDiagonal, offDiagonal, 1.F + 0x1p-19F);
   simo::LTMatrix<float> l(2, 0, 0, 0.F);
-  EXPECT_FALSE(simo::cholDcmpP(a, 0, 2, l));
-  const simo::Matrix<float> above = twoByTwo(1, offDiagonal, offDiagonal, 1.F + 0x1p-19F + 0x1p-23F);
-  ASSERT_TRUE(simo::cholDcmpP(above, 0, 2, l));
+  EXPECT_FALSE(simo::cholDcmpP(twoByTwo(1, offDiagonal, offDiagonal, 1.F + 0x1p-19F), 0, 2, l));
+  ASSERT_TRUE(simo::cholDcmpP(twoByTwo(1, offDiagonal, offDiagonal, 1.F + 0x1p-19F + 0x1p-23F), 0, 2, l));
   EXPECT_EQ(l[1][1], static_cast<float>(std::sqrt(0x1p-23 - 0x1p-40)));
+}
+
+TEST(Cholesky, SumsInDouble) {
+  // The last pivot is 1 - 2^-26 - (1 - 2^-24)^2: single precision would round the first step back to 1.
+  simo::Matrix<float> a(3, 3, 0, 0, 0.F);
+  a[0][0] = a[1][1] = a[2][2] = 1.F;
+  a[0][2] = 1.F - 0x1p-24F;
+  a[1][2] = 0x1p-13F;
+  simo::LTMatrix<float> l(3, 0, 0, 0.F);
+  ASSERT_TRUE(simo::cholDcmpP(a, 0, 3, l));
+  EXPECT_EQ(l[2][2], static_cast<float>(std::sqrt(0x1p-23 - 0x1p-26 - 0x1p-48)));
 }
 
 TEST(Determinant, OfAFactorWithoutRowsIsOne) {
@@ -137,11 +146,23 @@ TEST(Determinant, OfAFactorWithoutRowsIsOne) {
   EXPECT_EQ(det, 1.F);
 }
 
-TEST(Determinant, SquaresTheProductBeforeItRounds) {
+TEST(Determinant, MultipliesAndSquaresInDouble) {
+  simo::LTMatrix<float> l(4, 0, 0, 0.F);
+  // In single precision the product would be 0 after two of the four factors.
+  l[0][0] = l[1][1] = 1e-25F;
+  l[2][2] = l[3][3] = 1.7e25F;
+  double product = 1;
+  for (int i = 0; i < 4; ++i) product *= static_cast<double>(l[i][i]);
+  EXPECT_EQ(simo::squaredDiagonalProduct(l), static_cast<float>(product * product));
+}
+
+TEST(Determinant, RoundsOnceAfterSquaring) {
   simo::LTMatrix<float> l(2, 0, 0, 0.F);
-  l[0][0] = 1e-30F;
-  l[1][1] = 1e25F;
-  const double product = static_cast<double>(1e-30F) * static_cast<double>(1e25F);
+  l[0][0] = 1.1F;
+  l[1][1] = 1.7F;
+  const double product = static_cast<double>(1.1F) * static_cast<double>(1.7F);
+  const auto roundedFirst = static_cast<float>(product);
+  ASSERT_NE(static_cast<float>(product * product), roundedFirst * roundedFirst);
   EXPECT_EQ(simo::squaredDiagonalProduct(l), static_cast<float>(product * product));
 }
 

@@ -194,6 +194,15 @@ TEST(AccumActavgs, OfOrderZeroFillsTheZeroLagAverageAlone) {
   EXPECT_EQ(avg.lagPairAvgs[1][1][0][0], 0.F);
 }
 
+TEST(AccumActavgs, SumsInDouble) {
+  // 2^24 + 63: in single precision every further 1 would be lost.
+  simo::Matrix<float> x(1, 64, 0, 0, 1.F);
+  x[0][0] = 4096.F;
+  simo::FosAvg<float> avg(1, 0);
+  simo::accum_actavgs(x, 0, 1, 0, 64, avg);
+  EXPECT_EQ(avg.lagSums[0][0][0], 0x1p24F + 64.F);
+}
+
 TEST(AccumActavgs, PassesInfinityOn) {
   simo::Matrix<float> x = test::whiteNoise(1, 40, 40);
   x[0][20] = std::numeric_limits<float>::infinity();

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <complex>
 #include <numbers>
+#include <ostream>
 #include <string>
 
 #include "tests/simo/least_squares.h"
@@ -20,6 +21,8 @@ struct Process {
   Dense a;
   Dense sigma;
 };
+
+void PrintTo(const Process& process, std::ostream* out) { *out << process.name; }
 
 const Process kWhite{"Independent", Dense(2, 2, {0, 0, 0, 0}), Dense(2, 2, {1, 0, 0, 2})};
 const Process kDriven{"XDrivesY", Dense(2, 2, {0, 0, 0.7, 0}), Dense(2, 2, {1, 0, 0, 1})};

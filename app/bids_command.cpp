@@ -18,6 +18,8 @@ struct BidsArguments {
   std::vector<std::string> derivatives, confounds;
   double fdThreshold = -1;
   bool stopOnFirstCrash = false, reportsOnly = false;
+  bool ignored = false;          // flags that schedulers pass and nothing here needs
+  double ignoredMegabytes = 0;
   StudyArguments study;
 };
 
@@ -95,10 +97,9 @@ void addSchedulerOptions(CLI::App& command, BidsArguments& arguments) {
   command.add_option("-w,--work-dir,--work_dir", arguments.workDir, "Work folder for imported runs; default: OUT_DIR/work");
   command.add_flag("--stop-on-first-crash,--stop_on_first_crash", arguments.stopOnFirstCrash, "Start nothing new after a failure");
   command.add_flag("--reports-only,--reports_only", arguments.reportsOnly, "Rebuild reports only");
-  command.add_flag("--notrack", "Accepted for schedulers; nothing is ever tracked");
-  command.add_flag("--skip-bids-validation,--skip_bids_validation", "Accepted; the data set is not validated here");
-  static double ignoredMegabytes = 0;
-  command.add_option("--mem-mb,--mem_mb", ignoredMegabytes, "Accepted; a worker needs less than 300 MB");
+  command.add_flag("--notrack", arguments.ignored, "Accepted for schedulers; nothing is ever tracked");
+  command.add_flag("--skip-bids-validation,--skip_bids_validation", arguments.ignored, "Accepted; the data set is not validated here");
+  command.add_option("--mem-mb,--mem_mb", arguments.ignoredMegabytes, "Accepted; a worker needs less than 300 MB");
 }
 
 constexpr const char* kFooter =

@@ -51,7 +51,7 @@ void leaveWith(const std::function<int()>& action) {
     std::cerr << "tavmap: interrupted; what is finished stays, repeat the command to go on\n";
     code = kInterrupted;
   }
-  if (code != kDone) throw CLI::RuntimeError(code);
+  if (code != kDone) throw Reported{code};
 }
 
 }  // namespace app

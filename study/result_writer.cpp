@@ -45,12 +45,15 @@ std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map, const std:
   return results;
 }
 
-std::size_t peakOf(const float* values, std::size_t count) {
+// The largest magnitude among computed voxels outside the reference; the first voxel when there is
+// none. A voxel of the reference against its own mean is a degenerate case, not a finding.
+std::size_t peakOf(const float* values, const std::vector<std::uint8_t>& codes) {
   std::size_t peak = 0;
   float largest = -1;
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < codes.size(); ++i) {
     const float magnitude = std::abs(values[i]);
-    if (std::isfinite(magnitude) && magnitude > largest) largest = magnitude, peak = i;
+    const bool counts = codes[i] == static_cast<std::uint8_t>(StatusCode::kComputed);
+    if (counts && magnitude > largest) largest = magnitude, peak = i;
   }
   return peak;
 }
@@ -139,7 +142,7 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   result.type = map.type;
   result.file = names().map(label, map.type);
   result.thresholds = thresholdsOf(map, plan_.request.settings.qValues);
-  const std::size_t peak = peakOf(map.values, grid.voxels());
+  const std::size_t peak = peakOf(map.values, codes_);
   result.peak = withDigitsOf(map.values[peak]);
   result.peakVoxel = grid.voxelAt(peak);
   result.peakMm = grid.toMm(result.peakVoxel);
@@ -155,19 +158,19 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
 void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                                ConditionResult& condition) {
   const std::vector<std::uint8_t> inside = insideRegion(plan_.regions[region()], plan_.runs[0].grid);
-  std::vector<std::uint8_t> codes(outcome.status.size());
-  for (std::size_t i = 0; i < codes.size(); ++i) {
+  codes_.resize(outcome.status.size());
+  for (std::size_t i = 0; i < codes_.size(); ++i) {
     const bool inMask = plan_.space.mask.empty() || plan_.space.mask[i];
     const StatusCode code = statusOf(outcome.status[i], inMask, inside[i] != 0);
-    codes[i] = static_cast<std::uint8_t>(code);
-    ++condition.statusCounts[codes[i]];
+    codes_[i] = static_cast<std::uint8_t>(code);
+    ++condition.statusCounts[codes_[i]];
   }
   condition.statusFile = names().status(label);
   formats::ImageHeader header = header_;
   header.dataType = formats::DataType::kUint8;
   header.intentCode = formats::kLabelIntent;
   formats::NiftiWriter writer(staging_->path(condition.statusFile).string(), header);
-  writer.writeStored(codes.data(), codes.size());
+  writer.writeStored(codes_.data(), codes_.size());
   writer.commit();
   formats::writeTextFile(staging_->path(names().statusTable(label)).string(), statusTableText());
 }

@@ -50,6 +50,7 @@ class ResultWriter : public tav::RunObserver {
   formats::ImageHeader header_;
   std::unique_ptr<Staging> staging_;
   ReferenceResult result_;
+  std::vector<std::uint8_t> codes_;  // status codes of the condition at hand
   std::map<std::pair<std::string, std::string>, std::vector<float>> courses_;  // by reference and VTC
 };
 

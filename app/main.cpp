@@ -17,6 +17,9 @@ int report(const std::exception& error, int exitCode) {
 int run(int argc, char** argv) {
   CLI::App program{"Whole-brain maps of directed influence from fMRI", "tavmap"};
   program.require_subcommand(1);
+  app::addRunCommand(program);
+  app::addBidsCommand(program);
+  app::addOrderCommand(program);
   app::addConvertCommand(program);
   app::addInfoCommand(program);
   app::addPictureCommand(program);

@@ -10,6 +10,7 @@ namespace app {
 void addConvertCommand(CLI::App& program);
 void addExportCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
+void addPictureCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
 
 }  // namespace app

@@ -19,6 +19,7 @@ int run(int argc, char** argv) {
   program.require_subcommand(1);
   app::addConvertCommand(program);
   app::addInfoCommand(program);
+  app::addPictureCommand(program);
   app::addExportCommand(program);
   app::addSimulateCommand(program);
   try {

@@ -1,5 +1,6 @@
-// A file that appears whole or not at all: written under a temporary name in its own folder, then
-// flushed, synchronised and renamed. Every output of this program is written through it.
+// A file that appears whole or not at all: written without a name (or, where the file system
+// cannot do that, under a temporary one) in its own folder, then flushed, synchronised and renamed.
+// Every output of this program is written through it.
 #ifndef TAVMAP_FORMATS_ATOMIC_FILE_H
 #define TAVMAP_FORMATS_ATOMIC_FILE_H
 
@@ -35,9 +36,12 @@ class AtomicFile {
   void flush();
   void writeThrough(const char* data, std::size_t bytes);
   void discard() noexcept;
+  void openNameless(const std::string& folder);
+  void giveName();
   [[noreturn]] void fail(const char* doing);
 
-  std::string path_, temporaryPath_;
+  std::string path_;
+  std::string temporaryPath_;  // empty while the file has no name
   Durability durability_;
   int fd_ = -1;
   std::vector<char> buffer_;

@@ -39,9 +39,10 @@ inline constexpr int kLabelIntent = 1002;  // viewers paint such an image with o
 struct ImageHeader {
   GridSize size;
   int volumes = 1;
+  bool series = false;  // has a fourth dimension, be it of one volume
   DataType dataType = DataType::kFloat32;
   double slope = 1, intercept = 0;  // value = slope * stored + intercept
-  Affine affine;                    // sform if coded, else qform, else voxel sizes centred nowhere
+  Affine affine;                    // sform if coded, else qform, else voxel sizes from (0, 0, 0)
   Affine qform;                     // meaningful when qformCode > 0
   int sformCode = 0, qformCode = 0; // NIfTI codes; 0: not given
   double trMs = 0;                  // milliseconds; 0: not given

@@ -1,0 +1,158 @@
+#include "formats/atomic_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include "formats/byte_source.h"
+#include "formats/file_error.h"
+#include "formats/system_calls.h"
+
+namespace formats {
+namespace {
+
+constexpr std::size_t kBufferBytes = std::size_t{256} << 10U;
+constexpr int kNewFileMode = 0666;  // less the user's umask
+
+std::string folderOf(const std::string& path) {
+  const auto folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
+// A name beside the final one that no other file of this process gets.
+std::string nextTemporaryName(const std::string& path) {
+  static unsigned counter = 0;
+  const std::filesystem::path whole(path);
+  const std::string name = "." + whole.filename().string() + "." + std::to_string(::getpid()) + "-" +
+                           std::to_string(++counter) + ".part";
+  return (whole.parent_path() / name).string();
+}
+
+const char* remedyFor(int error) {
+  switch (error) {
+    case ENOSPC:
+    case EDQUOT: return "Free some space or choose another folder";
+    case ENOENT:
+    case ENOTDIR: return "Create the folder first";
+    case EACCES:
+    case EPERM:
+    case EROFS: return "Choose a folder that you may write to";
+    default: return "Check the disk and the path";
+  }
+}
+
+}  // namespace
+
+AtomicFile::AtomicFile(std::string path, Durability durability)
+    : path_(std::move(path)), durability_(durability) {
+  if (std::filesystem::is_directory(path_)) {
+    throw FileError(path_, "cannot write the file, there is a folder of that name", "Choose another name");
+  }
+  openNameless(folderOf(path_));
+  if (fd_ < 0) {
+    temporaryPath_ = nextTemporaryName(path_);
+    fd_ = ::open(temporaryPath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+  }
+  if (fd_ < 0) {
+    temporaryPath_.clear();
+    fail("create");
+  }
+  buffer_.reserve(kBufferBytes);
+}
+
+AtomicFile::~AtomicFile() { discard(); }
+
+// A nameless file vanishes with the process, however that ends.
+void AtomicFile::openNameless(const std::string& folder) {
+#ifdef O_TMPFILE
+  fd_ = ::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kNewFileMode);
+#else
+  (void)folder;
+#endif
+}
+
+void AtomicFile::giveName() {
+  temporaryPath_ = nextTemporaryName(path_);
+  const std::string handle = "/proc/self/fd/" + std::to_string(fd_);
+  if (::linkat(AT_FDCWD, handle.c_str(), AT_FDCWD, temporaryPath_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+    temporaryPath_.clear();
+    fail("name");
+  }
+}
+
+void AtomicFile::write(const void* data, std::size_t bytes) {
+  const auto* from = static_cast<const char*>(data);
+  if (buffer_.size() + bytes <= kBufferBytes) {
+    buffer_.insert(buffer_.end(), from, from + bytes);
+    return;
+  }
+  flush();
+  if (bytes >= kBufferBytes) {
+    writeThrough(from, bytes);
+  } else {
+    buffer_.assign(from, from + bytes);
+  }
+}
+
+void AtomicFile::flush() {
+  writeThrough(buffer_.data(), buffer_.size());
+  buffer_.clear();
+}
+
+void AtomicFile::writeThrough(const char* data, std::size_t bytes) {
+  while (bytes > 0) {
+    const ssize_t written = systemCalls().write(fd_, data, bytes);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) fail("write");
+    data += written;
+    bytes -= static_cast<std::size_t>(written);
+  }
+}
+
+void AtomicFile::commit() {
+  flush();
+  if (durability_ == Durability::kSynced && systemCalls().fsync(fd_) != 0) fail("write");
+  if (temporaryPath_.empty()) giveName();
+  // Some file systems report a full disk only here.
+  if (::close(std::exchange(fd_, -1)) != 0) fail("write");
+  if (systemCalls().rename(temporaryPath_.c_str(), path_.c_str()) != 0) fail("rename");
+  temporaryPath_.clear();
+}
+
+void AtomicFile::discard() noexcept {
+  if (fd_ >= 0) ::close(std::exchange(fd_, -1));
+  if (!temporaryPath_.empty()) ::unlink(temporaryPath_.c_str());
+  temporaryPath_.clear();
+}
+
+void AtomicFile::fail(const char* doing) {
+  const int error = errno;
+  discard();
+  throw FileError(path_, std::string("cannot ") + doing + " the file (" + std::strerror(error) + ")",
+                  remedyFor(error), Fault::kSystem);
+}
+
+void writeTextFile(const std::string& path, std::string_view text) {
+  AtomicFile file(path);
+  file.write(text);
+  file.commit();
+}
+
+std::string readTextFile(const std::string& path, std::size_t limitBytes) {
+  const auto source = openPlain(path);
+  std::string text;
+  std::vector<char> piece(kBufferBytes);
+  while (const std::size_t got = source->read(piece.data(), piece.size())) {
+    if (text.size() + got > limitBytes) {
+      throw FileError(path, "the file is too large for a text of its kind", "Check that it is the right file");
+    }
+    text.append(piece.data(), got);
+  }
+  return text;
+}
+
+}  // namespace formats

@@ -1,0 +1,64 @@
+#include "formats/image.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "formats/data_types.h"
+#include "formats/file_error.h"
+
+namespace formats {
+namespace {
+
+constexpr double kCornerTolerance = 0.05;  // of a voxel; headers keep four to seven digits
+
+// How far a corner of the grid moves from one affine to the other, at most, in millimetres.
+double largestCornerShift(const Affine& a, const Affine& b, const GridSize& size) {
+  double largest = 0;
+  for (unsigned corner = 0; corner < 8; ++corner) {
+    const Point index{(corner & 1U) != 0 ? size.x - 1.0 : 0.0, (corner & 2U) != 0 ? size.y - 1.0 : 0.0,
+                      (corner & 4U) != 0 ? size.z - 1.0 : 0.0};
+    const Point p = apply(a, index), q = apply(b, index);
+    largest = std::max(largest, std::hypot(p[0] - q[0], p[1] - q[1], p[2] - q[2]));
+  }
+  return largest;
+}
+
+}  // namespace
+
+std::string toText(const GridSize& size) {
+  return std::to_string(size.x) + " x " + std::to_string(size.y) + " x " + std::to_string(size.z);
+}
+
+const char* nameOf(DataType type) {
+  const char* name = "";
+  withStoredType(type, [&](auto sample) { name = TypeName<decltype(sample)>::kText; });
+  return name;
+}
+
+std::size_t bytesOf(DataType type) {
+  std::size_t bytes = 0;
+  withStoredType(type, [&](auto sample) { bytes = sizeof sample; });
+  return bytes;
+}
+
+float Image3D::at(int x, int y, int z) const {
+  const auto& size = header.size;
+  const auto row = static_cast<std::size_t>(z) * static_cast<std::size_t>(size.y) + static_cast<std::size_t>(y);
+  return values[row * static_cast<std::size_t>(size.x) + static_cast<std::size_t>(x)];
+}
+
+void requireSameGrid(const ImageHeader& a, const std::string& pathA, const ImageHeader& b,
+                     const std::string& pathB) {
+  if (a.size != b.size) {
+    throw FileError(pathB, "its grid of " + toText(b.size) + " voxels is not that of " + pathA + ", " + toText(a.size),
+                    "Resample one of them to the grid of the other");
+  }
+  const Point voxel = voxelSize(a.affine);
+  const double allowed = kCornerTolerance * std::min({voxel[0], voxel[1], voxel[2]});
+  if (!(largestCornerShift(a.affine, b.affine, a.size) <= allowed)) {
+    throw FileError(pathB, "its voxels do not lie where those of " + pathA + " lie (the affines differ)",
+                    "Resample one of them to the grid of the other");
+  }
+}
+
+}  // namespace formats

@@ -11,6 +11,7 @@ void addConvertCommand(CLI::App& program);
 void addExportCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
+void addRecoverCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
 
 }  // namespace app

@@ -21,6 +21,7 @@ int run(int argc, char** argv) {
   app::addInfoCommand(program);
   app::addPictureCommand(program);
   app::addExportCommand(program);
+  app::addRecoverCommand(program);
   app::addSimulateCommand(program);
   try {
     program.parse(argc, argv);

@@ -13,6 +13,11 @@ struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Thrown by a verb that has told the user what went wrong itself.
+struct Reported {
+  int exitCode;
+};
+
 }  // namespace app
 
 #endif

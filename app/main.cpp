@@ -17,10 +17,16 @@ int report(const std::exception& error, int exitCode) {
 int run(int argc, char** argv) {
   CLI::App program{"Whole-brain maps of directed influence from fMRI", "tavmap"};
   program.require_subcommand(1);
+  app::addRunCommand(program);
+  app::addBidsCommand(program);
+  app::addOrderCommand(program);
   app::addConvertCommand(program);
   app::addInfoCommand(program);
+  app::addPictureCommand(program);
   app::addExportCommand(program);
+  app::addRecoverCommand(program);
   app::addSimulateCommand(program);
+  app::addHostCommand(program);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -35,6 +41,8 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     return run(argc, argv);
+  } catch (const app::Reported& reported) {
+    return reported.exitCode;
   } catch (const formats::FileError& error) {
     return report(error, error.fault() == formats::Fault::kInput ? app::kWrongInput : app::kFailed);
   } catch (const app::UsageError& error) {

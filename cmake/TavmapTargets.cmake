@@ -30,8 +30,15 @@ function(tavmap_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tavmap_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${ARG_TIMEOUT})
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  # As a property of the discovery, a list of labels would lose all but its first.
+  set(labels_file ${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake)
+  file(CONFIGURE OUTPUT ${labels_file} @ONLY CONTENT [=[
+if(@name@_TESTS)
+  set_tests_properties(${@name@_TESTS} PROPERTIES LABELS "@ARG_LABELS@")
+endif()
+]=])
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${labels_file})
 endfunction()
 
 # tavmap_fuzzer(<name> SOURCE file LINKS ...): with TAVMAP_FUZZ a libFuzzer program, otherwise a

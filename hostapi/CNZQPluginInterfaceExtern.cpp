@@ -10,21 +10,28 @@ namespace {
 #include "hostapi/zq_functions.def"
 #undef ZQ_OPERATION
 
-template <typename Function>
-void bind(void* executable, const char* name, Function*& pointer) {
-  pointer = reinterpret_cast<Function*>(dlsym(executable, name));
-}
+struct Binding {
+  const char* name;
+  void (*bind)(void* symbol);
+};
+
+// In the order of the table, the version first.
+constexpr Binding kBindings[] = {
+#define ZQ_OPERATION(result, name, parameters, arguments) \
+  {#name, [](void* symbol) { name = reinterpret_cast<decltype(name)>(symbol); }},
+#include "hostapi/zq_functions.def"
+#undef ZQ_OPERATION
+};
 
 }  // namespace
 
 bool InitZQAccess() {
   void* executable = dlopen(nullptr, RTLD_LAZY);
   if (executable == nullptr) return false;
-  bind(executable, "zqGetVersionOfCorvaneZQ", zqGetVersionOfCorvaneZQ);
-  if (zqGetVersionOfCorvaneZQ == nullptr) return false;
-#define ZQ_OPERATION(result, name, parameters, arguments) bind(executable, #name, name);
-#include "hostapi/zq_functions.def"
-#undef ZQ_OPERATION
+  for (const Binding& binding : kBindings) {
+    binding.bind(dlsym(executable, binding.name));
+    if (zqGetVersionOfCorvaneZQ == nullptr) return false;  // bound first: no host of ours
+  }
   return true;  // the handle stays open for the life of the library
 }
 

@@ -1,73 +1,87 @@
-// The plug-in object: start-up check, one complete run, and the set-up dialogs.
+// The plug-in object that the host creates, initialises once and runs any number of times.
+//
+// Everything runs on the host's calling thread; dialogs are modal. Nothing but the bound host
+// operations outlives a run: each execute() starts from defaults and reads the settings anew.
+// Exceptions (exhausted memory) pass through to the host.
 #ifndef TAVMAP_PLUGIN_TAVPLUGIN_H
 #define TAVMAP_PLUGIN_TAVPLUGIN_H
 
+#include <iosfwd>
 #include <string>
 
 #include "hostapi/CNZQPluginInterface.h"
 #include "hostapi/zq_records.h"
 #include "tav/tav_pars.h"
 
-// Runs on the host's thread; dialogs are modal. Nothing of a run outlives execute(). Dialogs return
-// a tav::Status: 1 go on, 0 cancelled, 2 an invalid interval, 3 terminal error.
 class TAVPlugin : public CNZQPluginInterface {
  public:
-  TAVPlugin() = default;
-  ~TAVPlugin() override = default;
-
-  // Binds the host's operations and refuses hosts older than 2.1.0 with a message box.
-  bool initPlugin() override;
-
-  // One run: preconditions, banner, settings file, dialogs, computation, closing banner. True when
-  // every map was computed. Exceptions pass through.
+  // Checks the workspace, reads the settings, asks the user, computes and saves. True when all
+  // maps were computed.
   bool execute() override;
 
-  // Writes `text` to the host's log as one call, with the prompt "// TAV> " before each line. A text
-  // that ends in a line end leaves a bare prompt behind it.
+  // Binds the host's operations. False when that fails or when the host is older than 2.1.0; the
+  // object is then unusable.
+  bool initPlugin() override;
+
+  // Writes the text to the host's log in one call, each of its lines behind the prompt.
   void tavLogText(const std::string& text);
 
-  // The closing banner.
+  // Writes the closing banner.
   void tavExit();
 
-  // All dialogs; fills the request. The first VTC chosen fixes the geometry of the run.
-  [[nodiscard]] int tavGetParametersFromUser(tav::TAV_Pars& pars, VOIs_Header& vois);
+  // The set-up dialogs. Each returns a tav::Status: kSuccess, kCancelled by the user,
+  // kInvalidParameters or kTerminalError (both with the reason in the log). They write straight
+  // into the request, which keeps what was chosen before a cancel.
 
-  // Which VOIs are reference regions.
-  [[nodiscard]] int tavGetVOIParametersFromUser(tav::TAV_Pars& pars, const VOIs_Header& vois);
+  // The whole set-up: references, conditions with their files and intervals, result prefix.
+  int tavGetParametersFromUser(tav::TAV_Pars& pars, VOIs_Header& vois);
 
-  // The VTCs, or source/target pairs, of one condition. `method`: 1 one interval each, typed in; 2
-  // intervals of a protocol condition.
-  [[nodiscard]] int tavGetVtcsForConditionFromUser(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, int method);
-  [[nodiscard]] int tavGetVtcPairsForConditionFromUser(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, int method);
+  // Appends the chosen references to `pars.vois`.
+  int tavGetVOIParametersFromUser(tav::TAV_Pars& pars, const VOIs_Header& vois);
 
-  // The intervals of one set: method 2, method 1. `vtcName` is shown in the prompts.
-  [[nodiscard]] int tavGetVtcIntvsFromUser(tav::TAV_VTC_intv_set* set, const char* vtcName, int arOrder);
-  [[nodiscard]] int tavGetVtcBeginEndFromUser(tav::TAV_VTC_intv_set* set, const char* vtcName, int arOrder);
+  // Add files with their intervals to `cond`: single VTCs, or pairs of source (reference) and
+  // target (voxels). `method`: 1, one typed interval per file; 2, the intervals of a condition of
+  // a protocol.
+  int tavGetVtcsForConditionFromUser(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, int method);
+  int tavGetVtcPairsForConditionFromUser(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, int method);
 
-  // True when the VTC can be read and has the geometry of the run, which it fixes when it is the
-  // first. The longest course seen is remembered.
-  [[nodiscard]] bool checkVTC(tav::TAV_Pars& pars, std::string path);
+  // Add intervals (volumes, from 1, both ends inclusive) to `set`. `vtcName` is shown in the
+  // prompts; an interval has more than `arOrder` volumes, except that volumes from a protocol are
+  // taken as they are.
+  int tavGetVtcBeginEndFromUser(tav::TAV_VTC_intv_set* set, const char* vtcName, int arOrder);
+  int tavGetVtcIntvsFromUser(tav::TAV_VTC_intv_set* set, const char* vtcName, int arOrder);
+
+  // True when the VTC can be read and fits the bounding box and the resolution of the request. The
+  // first file of a request fixes them; the largest number of volumes is remembered.
+  bool checkVTC(tav::TAV_Pars& pars, std::string path);
+
+  // Echo every choice of the user in the log. The first member: it follows the table pointer.
+  bool logUserSelections = true;
 
  private:
-  [[nodiscard]] bool hostIsReady(VOIs_Header& vois);
-  void readSettings(tav::TAV_Pars& pars, std::ostringstream& sink);
-  [[nodiscard]] bool compute(const tav::TAV_Pars& pars, std::ostringstream& sink);
-  [[nodiscard]] bool reportFailure(const std::string& lastLine, const std::ostringstream& sink);
+  // What a protocol's numbers mean.
+  struct ProtocolTiming {
+    int resolution;  // kProtocolInVolumes or kProtocolInMilliseconds
+    int trMs;
+    int arOrder;
+  };
+
+  void writeBanner();
+  void readSettings(std::istream& file, const std::string& path, tav::TAV_Pars& pars, std::ostringstream& messages);
+  bool compute(const tav::TAV_Pars& pars, std::ostringstream& messages);
+  void explainFailure(const std::string& messages, const std::string& conclusion);
 
   void addVoi(tav::TAV_Pars& pars, const VOIs_Header& vois, int index);
-  void addAllVois(tav::TAV_Pars& pars, const VOIs_Header& vois);
-
-  [[nodiscard]] int askConditions(tav::TAV_Pars& pars, int method);
-  [[nodiscard]] int addCondition(tav::TAV_Pars& pars, const std::string& name, int method);
-  [[nodiscard]] int addSet(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const std::string& source,
-                           const std::string& target, int method);
-
-  [[nodiscard]] int addConvertedInterval(tav::TAV_VTC_intv_set& set, int startMs, int endMs, int trMs, int arOrder);
-  [[nodiscard]] int addProtocolIntervals(tav::TAV_VTC_intv_set& set, const Protocol_Header& protocol,
-                                         const ProtocolCondition_Header& condition, int trMs, int arOrder);
-  void addInterval(tav::TAV_VTC_intv_set& set, const tav::TAV_intv& interval);
-
-  bool logUserSelections = true;  // echo every choice into the log
+  int addConditions(tav::TAV_Pars& pars, int method);
+  int addCondition(tav::TAV_Pars& pars, const std::string& name, int method);
+  int addVtcPair(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& pair, int method);
+  int addVtcSet(const tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& set, int method);
+  bool loadProtocol(const std::string& path, VTC_Header& vtc, Protocol_Header& protocol);
+  int addProtocolIntervals(tav::TAV_VTC_intv_set& set, const ProtocolCondition_Header& condition,
+                           const ProtocolTiming& timing);
+  int addProtocolInterval(tav::TAV_VTC_intv_set& set, int start, int end, const ProtocolTiming& timing);
+  int addMilliseconds(tav::TAV_VTC_intv_set& set, int startMs, int endMs, const ProtocolTiming& timing);
+  void addInterval(tav::TAV_VTC_intv_set& set, tav::TAV_intv interval);
 };
 
 #endif

@@ -26,33 +26,34 @@ struct Array3D {
   T** operator[](std::size_t i) { return planes[i]; }
   const T* const* operator[](std::size_t i) const { return planes[i]; }
 
-  T* elements() { return rowCount() == 0 ? nullptr : planes[0][0]; }
-  const T* elements() const { return rowCount() == 0 ? nullptr : planes[0][0]; }
+  T* elements() { return block_.get(); }
+  const T* elements() const { return block_.get(); }
   std::size_t size() const { return rowCount() * dim2; }
 
  private:
   std::size_t rowCount() const { return std::size_t{dim0} * dim1; }
+
+  std::unique_ptr<T**[]> planeTable_;
+  std::unique_ptr<T*[]> rowTable_;
+  std::unique_ptr<T[]> block_;
 };
 
 template <class T>
 Array3D<T>::Array3D(unsigned extent0, unsigned extent1, unsigned extent2)
     : dim0(extent0), dim1(extent1), dim2(extent2), planes(nullptr), ownsData(1) {
   if (rowCount() == 0) return;
-  auto planePointers = std::make_unique<T**[]>(dim0);
-  auto rowPointers = std::make_unique<T*[]>(rowCount());
-  T* const block = new T[size()];
-  for (std::size_t row = 0; row < rowCount(); ++row) rowPointers[row] = block + row * dim2;
-  for (std::size_t i = 0; i < dim0; ++i) planePointers[i] = rowPointers.get() + i * dim1;
-  rowPointers.release();
-  planes = planePointers.release();
+  planeTable_ = std::make_unique<T**[]>(dim0);
+  rowTable_ = std::make_unique<T*[]>(rowCount());
+  block_.reset(new T[size()]);
+  for (std::size_t row = 0; row < rowCount(); ++row) rowTable_[row] = block_.get() + row * dim2;
+  for (std::size_t i = 0; i < dim0; ++i) planeTable_[i] = rowTable_.get() + i * dim1;
+  planes = planeTable_.get();
 }
 
+// A block that is not owned belongs to whoever cleared the flag; the pointer tables never do.
 template <class T>
 Array3D<T>::~Array3D() {
-  if (rowCount() == 0) return;
-  if (ownsData != 0) delete[] planes[0][0];
-  delete[] planes[0];
-  delete[] planes;
+  if (ownsData == 0) (void)block_.release();
 }
 
 #endif

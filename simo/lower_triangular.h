@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "simo/shifted_pointer.h"
 
@@ -25,18 +26,21 @@ struct LTData {
   LTData(int rowCount, int firstRow, int firstCol, const T& fill);
   LTData(const LTData& other);
   LTData& operator=(const LTData&) = delete;
-  ~LTData();
 
   // All elements as one run of size() elements.
-  T* elements() { return n < 1 ? nullptr : rows[rowBase] + colBase; }
-  const T* elements() const { return n < 1 ? nullptr : rows[rowBase] + colBase; }
-  std::size_t size() const {
-    return n < 1 ? 0 : static_cast<std::size_t>(n) * (static_cast<std::size_t>(n) + 1) / 2;
-  }
+  T* elements() { return block_.data(); }
+  const T* elements() const { return block_.data(); }
+  std::size_t size() const { return block_.size(); }
 
  private:
-  template <class Construct>
-  void allocate(Construct construct);
+  static std::size_t elementCount(int rowCount) {
+    return rowCount < 1 ? 0
+                        : static_cast<std::size_t>(rowCount) * (static_cast<std::size_t>(rowCount) + 1) / 2;
+  }
+  void layOutRows();
+
+  std::unique_ptr<T*[]> rowTable_;
+  std::vector<T> block_;
 };
 
 // A lower-triangular matrix: a shape, and a store of the same shape.
@@ -61,44 +65,35 @@ struct LTMatrix {
   const T* operator[](int r) const { return store.rows[r]; }
 };
 
-// Lays the rows out in one block, whose elements `construct(block)` makes.
-template <class T>
-template <class Construct>
-void LTData<T>::allocate(Construct construct) {
-  if (n < 1) return;
-  auto pointers = std::make_unique<T*[]>(static_cast<std::size_t>(n));
-  std::allocator<T> memory;
-  T* const block = memory.allocate(size());
-  try {
-    construct(block);
-  } catch (...) {
-    memory.deallocate(block, size());
-    throw;
-  }
-  for (std::ptrdiff_t k = 0; k < n; ++k)
-    pointers[static_cast<std::size_t>(k)] = detail::shiftBack(block + k * (k + 1) / 2, colBase);
-  rows = detail::shiftBack(pointers.release(), rowBase);
-}
-
 template <class T>
 LTData<T>::LTData(int rowCount, int firstRow, int firstCol, const T& fill)
-    : n(rowCount), rowBase(firstRow), colBase(firstCol), rowEnd(firstRow + rowCount), rows(nullptr) {
-  allocate([&](T* block) { std::uninitialized_fill_n(block, size(), fill); });
+    : n(rowCount),
+      rowBase(firstRow),
+      colBase(firstCol),
+      rowEnd(firstRow + rowCount),
+      rows(nullptr),
+      block_(elementCount(rowCount), fill) {
+  layOutRows();
 }
 
 template <class T>
 LTData<T>::LTData(const LTData& other)
-    : n(other.n), rowBase(other.rowBase), colBase(other.colBase), rowEnd(other.rowEnd), rows(nullptr) {
-  allocate([&](T* block) { std::uninitialized_copy_n(other.elements(), size(), block); });
+    : n(other.n),
+      rowBase(other.rowBase),
+      colBase(other.colBase),
+      rowEnd(other.rowEnd),
+      rows(nullptr),
+      block_(other.block_) {
+  layOutRows();
 }
 
 template <class T>
-LTData<T>::~LTData() {
+void LTData<T>::layOutRows() {
   if (n < 1) return;
-  T* const block = elements();
-  std::destroy_n(block, size());
-  std::allocator<T>().deallocate(block, size());
-  delete[] detail::firstElement(rows, rowBase);
+  rowTable_ = std::make_unique<T*[]>(static_cast<std::size_t>(n));
+  for (std::ptrdiff_t k = 0; k < n; ++k)
+    rowTable_[static_cast<std::size_t>(k)] = detail::shiftBack(block_.data() + k * (k + 1) / 2, colBase);
+  rows = detail::shiftBack(rowTable_.get(), rowBase);
 }
 
 }  // namespace simo

@@ -40,11 +40,15 @@ struct Matrix {
   const T* operator[](int r) const { return rows[r]; }
 
   // The whole matrix as one run of size() elements.
-  T* elements() { return size() == 0 ? nullptr : rows[rowBase] + colBase; }
-  const T* elements() const { return size() == 0 ? nullptr : rows[rowBase] + colBase; }
+  T* elements() { return block_.get(); }
+  const T* elements() const { return block_.get(); }
   std::size_t size() const {
     return nRows < 1 || nCols < 1 ? 0 : static_cast<std::size_t>(nRows) * static_cast<std::size_t>(nCols);
   }
+
+ private:
+  std::unique_ptr<T*[]> rowTable_;
+  std::unique_ptr<T[]> block_;
 };
 
 template <class T>
@@ -58,11 +62,11 @@ Matrix<T>::Matrix(int rowCount, int colCount, int firstRow, int firstCol)
       rows(nullptr),
       ownsData(1) {
   if (size() == 0) return;
-  auto pointers = std::make_unique<T*[]>(static_cast<std::size_t>(nRows));
-  T* const block = new T[size()];
-  for (int r = 0; r < nRows; ++r)
-    pointers[static_cast<std::size_t>(r)] = detail::shiftBack(block + std::ptrdiff_t{r} * nCols, colBase);
-  rows = detail::shiftBack(pointers.release(), rowBase);
+  rowTable_ = std::make_unique<T*[]>(static_cast<std::size_t>(nRows));
+  block_.reset(new T[size()]);
+  for (std::ptrdiff_t r = 0; r < nRows; ++r)
+    rowTable_[static_cast<std::size_t>(r)] = detail::shiftBack(block_.get() + r * nCols, colBase);
+  rows = detail::shiftBack(rowTable_.get(), rowBase);
 }
 
 template <class T>
@@ -76,11 +80,12 @@ Matrix<T>::Matrix(const Matrix& other) : Matrix(other.nRows, other.nCols, other.
   std::copy_n(other.elements(), size(), elements());
 }
 
+// Storage that is not owned belongs to whoever cleared the flag.
 template <class T>
 Matrix<T>::~Matrix() {
-  if (size() == 0 || ownsData == 0) return;
-  delete[] elements();
-  delete[] detail::firstElement(rows, rowBase);
+  if (ownsData != 0) return;
+  (void)block_.release();
+  (void)rowTable_.release();
 }
 
 template <class T>

@@ -28,7 +28,8 @@ void seedRandom(unsigned seed);
 // environment, if it holds a whole number; else the wall-clock second. Seeds use its low 32 bits.
 [[nodiscard]] std::int64_t timeBase();
 
-// Sets the base of all threads, or with std::nullopt returns to the environment and the clock.
+// Sets the base of all threads, or with std::nullopt returns to the environment and the clock. A
+// shared object has a copy of its own: a program fixes the base of a plug-in by the environment.
 void setTimeBase(std::optional<std::int64_t> base);
 
 // The value of a time base given as text: an optional minus sign and digits, nothing else. Lets a

@@ -14,12 +14,6 @@ T* shiftBack(T* first, int base) {
   return reinterpret_cast<T*>(reinterpret_cast<std::intptr_t>(first) - bytes);
 }
 
-// Undoes shiftBack: the first element of the block.
-template <class T>
-T* firstElement(T* shifted, int base) {
-  return shiftBack(shifted, -base);
-}
-
 }  // namespace simo::detail
 
 #endif

@@ -30,6 +30,8 @@ struct Vector {
 
  private:
   std::size_t size() const { return n < 1 ? 0 : static_cast<std::size_t>(n); }
+
+  T* block_ = nullptr;
 };
 
 template <class T>
@@ -37,22 +39,21 @@ Vector<T>::Vector(int count, int firstIndex, const T& fill)
     : n(count), base(firstIndex), end(firstIndex + count), data(nullptr) {
   if (size() == 0) return;
   std::allocator<T> memory;
-  T* const block = memory.allocate(size());
+  block_ = memory.allocate(size());
   try {
-    std::uninitialized_fill_n(block, size(), fill);
+    std::uninitialized_fill_n(block_, size(), fill);
   } catch (...) {
-    memory.deallocate(block, size());
+    memory.deallocate(block_, size());
     throw;
   }
-  data = detail::shiftBack(block, base);
+  data = detail::shiftBack(block_, base);
 }
 
 template <class T>
 Vector<T>::~Vector() {
   if (size() == 0) return;
-  T* const block = detail::firstElement(data, base);
-  for (T* element = block; element != block + n; ++element) std::destroy_at(element);
-  std::allocator<T>().deallocate(block, size());
+  for (T* element = block_; element != block_ + n; ++element) std::destroy_at(element);
+  std::allocator<T>().deallocate(block_, size());
 }
 
 }  // namespace simo

@@ -1,0 +1,99 @@
+#include "host/script.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
+
+#include "host/answer_parsing.h"
+#include "host/run_ended.h"
+
+namespace host {
+namespace {
+
+enum class Value { kNone, kOptional, kNeeded };
+
+struct Tag {
+  std::string_view name;
+  AnswerKind kind;
+  Value value;
+};
+
+constexpr std::array<Tag, 9> kTags = {{
+    {"integer", AnswerKind::kInteger, Value::kNeeded},
+    {"text", AnswerKind::kText, Value::kOptional},
+    {"float", AnswerKind::kFloat, Value::kNeeded},
+    {"open", AnswerKind::kOpen, Value::kNeeded},
+    {"save", AnswerKind::kSave, Value::kNeeded},
+    {"yes", AnswerKind::kYes, Value::kNone},
+    {"no", AnswerKind::kNo, Value::kNone},
+    {"cancel", AnswerKind::kCancel, Value::kNone},
+    {"message", AnswerKind::kMessage, Value::kNeeded},
+}};
+
+[[noreturn]] void refuse(const std::string& path, int line, const std::string& why) {
+  throw RunEnded{kExitBadInput, path + ":" + std::to_string(line) + ": " + why};
+}
+
+const Tag& knownTag(std::string_view name, const std::string& path, int line) {
+  std::string names;
+  for (const Tag& tag : kTags) {
+    if (tag.name == name) return tag;
+    names += (names.empty() ? "" : ", ") + std::string(tag.name);
+  }
+  refuse(path, line, "unknown answer \"" + std::string(name) + "\"; the answers are " + names);
+}
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+// A '#' starts a comment when it stands alone, so that "run #2" is a text.
+std::string_view withoutComment(std::string_view line) {
+  for (std::size_t at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1)) {
+    const bool standsAlone = (at == 0 || isBlank(line[at - 1])) && (at + 1 == line.size() || isBlank(line[at + 1]));
+    if (standsAlone || trimmed(line.substr(0, at)).empty()) return line.substr(0, at);
+  }
+  return line;
+}
+
+std::optional<Answer> answerOf(std::string_view rawLine, const std::string& path, int number) {
+  const std::string line = trimmed(withoutComment(rawLine));
+  if (line.empty()) return std::nullopt;
+  const std::size_t blank = line.find_first_of(" \t");
+  const Tag& tag = knownTag(std::string_view(line).substr(0, blank), path, number);
+  const std::string value = blank == std::string::npos ? std::string() : trimmed(line.substr(blank));
+  const std::string quoted = "\"" + std::string(tag.name) + "\"";
+  if (tag.value == Value::kNeeded && value.empty()) refuse(path, number, quoted + " needs a value after it");
+  if (tag.value == Value::kNone && !value.empty()) refuse(path, number, quoted + " takes no value");
+  return Answer{tag.kind, value, number};
+}
+
+}  // namespace
+
+std::string_view tagOf(AnswerKind kind) {
+  for (const Tag& tag : kTags)
+    if (tag.kind == kind) return tag.name;
+  return {};
+}
+
+Script parseScript(std::string_view text, const std::string& path) {
+  Script script{path, std::filesystem::absolute(path).parent_path().string(), {}};
+  for (int number = 1; !text.empty(); ++number) {
+    const std::size_t end = text.find('\n');
+    if (const std::optional<Answer> answer = answerOf(text.substr(0, end), path, number))
+      script.answers.push_back(*answer);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  }
+  return script;
+}
+
+Script readScript(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  if (std::filesystem::is_directory(path) || !file)
+    throw RunEnded{kExitBadInput, "Cannot read the script " + path + ": check the path and its permissions."};
+  if (file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
+  return parseScript(text.str(), path);
+}
+
+}  // namespace host

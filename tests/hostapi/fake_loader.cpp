@@ -1,0 +1,50 @@
+#include "tests/hostapi/fake_loader.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+
+namespace fakes {
+namespace {
+
+void mustNotBeCalled() { std::abort(); }
+
+}  // namespace
+
+FakeLoader& loader() {
+  static FakeLoader instance;
+  return instance;
+}
+
+std::vector<std::string> operationNames() {
+  return {
+#define ZQ_OPERATION(result, name, parameters, arguments) #name,
+#include "hostapi/zq_functions.def"
+#undef ZQ_OPERATION
+  };
+}
+
+FakeLoader completeLoader() {
+  FakeLoader complete;
+  for (const std::string& name : operationNames()) {
+    complete.symbols[name] = reinterpret_cast<void*>(&mustNotBeCalled);
+  }
+  return complete;
+}
+
+}  // namespace fakes
+
+// The linker sends every dlopen() and dlsym() of this program here.
+extern "C" void* __wrap_dlopen(const char* file, int mode) {
+  fakes::FakeLoader& loader = fakes::loader();
+  loader.openings.push_back(std::string(file == nullptr ? "<executable>" : file) +
+                            (mode == RTLD_LAZY ? " lazy" : " other mode"));
+  return loader.canOpenExecutable ? &loader : nullptr;
+}
+
+extern "C" void* __wrap_dlsym(void* handle, const char* name) {
+  fakes::FakeLoader& loader = fakes::loader();
+  loader.lookups.emplace_back(handle == &loader ? name : "wrong handle");
+  const auto found = loader.symbols.find(name);
+  return found == loader.symbols.end() ? nullptr : found->second;
+}

@@ -16,6 +16,7 @@ namespace formats {
 namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{256} << 10U;
+constexpr std::size_t kDirectBytes = std::size_t{64} << 10U;  // not worth a copy into the buffer
 constexpr int kNewFileMode = 0666;  // less the user's umask
 
 std::string folderOf(const std::string& path) {
@@ -86,12 +87,12 @@ void AtomicFile::giveName() {
 
 void AtomicFile::write(const void* data, std::size_t bytes) {
   const auto* from = static_cast<const char*>(data);
-  if (buffer_.size() + bytes <= kBufferBytes) {
+  if (bytes < kDirectBytes && buffer_.size() + bytes <= kBufferBytes) {
     buffer_.insert(buffer_.end(), from, from + bytes);
     return;
   }
   flush();
-  if (bytes >= kBufferBytes) {
+  if (bytes >= kDirectBytes) {
     writeThrough(from, bytes);
   } else {
     buffer_.assign(from, from + bytes);

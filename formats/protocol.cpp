@@ -111,9 +111,8 @@ Protocol readProtocol(const std::string& path, double trMs) { return parseProtoc
 
 Protocol parseProtocol(const std::string& text, const std::string& path, double trMs) {
   const Table table = Table::parse(text, path);
-  const bool volumes = table.find("first_volume") || table.find("last_volume") || !table.find("onset");
-  const bool events = table.find("onset") || table.find("duration");
-  if (volumes && !events && !table.find("condition")) {
+  const bool events = table.find("onset").has_value();
+  if (!events && !table.find("first_volume")) {
     throw FileError(path, "it is neither an events table nor a table of volumes",
                     "Name the columns onset, duration, trial_type or condition, first_volume, last_volume");
   }

@@ -12,10 +12,10 @@
 
 #include "formats/atomic_file.h"
 #include "formats/image.h"
+#include "formats/vtc_writer.h"
 
 namespace formats {
 
-enum class VtcType { kFloat32, kUint16 };
 
 struct ImportOptions {
   std::string maskPath;      // empty: no mask

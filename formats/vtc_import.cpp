@@ -1,0 +1,206 @@
+#include "formats/vtc_import.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+#include <utility>
+
+#include "formats/file_error.h"
+#include "formats/inclusion.h"
+#include "formats/nifti.h"
+#include "formats/series_store.h"
+#include "formats/time_courses.h"
+#include "formats/vtc_sidecar.h"
+
+namespace formats {
+namespace {
+
+constexpr std::size_t kStripBytes = std::size_t{256} << 10U;  // of output: stays in the second-level cache
+constexpr double kLeastTrMs = 20, kLargestTrMs = 60000;
+
+using MaskFlags = std::vector<std::uint8_t>;
+
+std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
+double chooseTr(const ImageHeader& header, const ImportOptions& options, const std::string& path) {
+  if (options.trMs > 0) return options.trMs;
+  if (header.trMs <= 0) {
+    throw FileError(path, "its header gives no repetition time", "Give it in milliseconds with --tr");
+  }
+  if (header.trMs < kLeastTrMs || header.trMs > kLargestTrMs) {
+    throw FileError(path, "its header gives an implausible repetition time of " + std::to_string(header.trMs) + " ms",
+                    "Give the right one in milliseconds with --tr");
+  }
+  return header.trMs;
+}
+
+int volumesToTake(const ImageHeader& header, const ImportOptions& options, const std::string& path) {
+  const int volumes = header.volumes - options.skipVolumes;
+  if (volumes >= 2) return volumes;
+  throw FileError(path, "it has " + std::to_string(header.volumes) + " volumes, of which " +
+                            std::to_string(std::max(volumes, 0)) + " would be used",
+                  "Give a series of at least two volumes");
+}
+
+MaskFlags readMask(const std::string& maskPath, const ImageHeader& image, const std::string& imagePath) {
+  if (maskPath.empty()) return {};
+  const Image3D mask = readImage(maskPath);
+  requireSameGrid(image, imagePath, mask.header, maskPath);
+  MaskFlags flags(mask.values.size());
+  std::transform(mask.values.begin(), mask.values.end(), flags.begin(),
+                 [](float value) { return static_cast<std::uint8_t>(value > 0 || value < 0); });
+  if (std::count(flags.begin(), flags.end(), std::uint8_t{1}) == 0) {
+    throw FileError(maskPath, "the mask is empty", "Give a mask with voxels other than 0");
+  }
+  return flags;
+}
+
+std::vector<float> firstVolume(SeriesStore& store, const StoredForm& form, std::size_t voxels) {
+  std::vector<float> values(voxels);
+  const std::size_t step = store.slabVoxels();
+  for (std::size_t v = 0; v < voxels; v += step) {
+    const std::size_t count = std::min(step, voxels - v);
+    (void)convertRow(form, store.slab(v, count).data, count, values.data() + v);  // floats take any value
+  }
+  return values;
+}
+
+// Time courses strip by strip; a strip without a voxel inside the mask is written without a look.
+template <typename Out>
+class CourseWriter {
+ public:
+  CourseWriter(const StoredForm& form, const MaskFlags& mask, int volumes, VtcWriter& writer)
+      : form_(form), mask_(mask), volumes_(static_cast<std::size_t>(volumes)), writer_(writer) {
+    stripVoxels_ = std::max<std::size_t>(kStripBytes / (volumes_ * sizeof(Out)), 1);
+    strip_.resize(stripVoxels_ * volumes_);
+  }
+
+  // Voxels [first, first + count) of the image, which the slab holds. False: a value did not fit.
+  bool write(const SeriesSlab& slab, std::size_t first, std::size_t count) {
+    bool fits = true;
+    for (std::size_t v = 0; v < count; v += stripVoxels_) {
+      const std::size_t now = std::min(stripVoxels_, count - v);
+      fits = fillStrip(slab, v, first + v, now) && fits;
+      writer_.write(strip_.data(), now * volumes_ * sizeof(Out));
+    }
+    return fits;
+  }
+
+ private:
+  bool fillStrip(const SeriesSlab& slab, std::size_t inSlab, std::size_t voxel, std::size_t count) {
+    if (mask_.empty()) return toTimeCourses(form_, slab, inSlab, count, volumes_, strip_.data());
+    std::fill_n(strip_.begin(), count * volumes_, Out{0});
+    bool fits = true;
+    for (std::size_t v = 0; v < count;) {
+      if (mask_[voxel + v] == 0) {
+        ++v;
+        continue;
+      }
+      const std::size_t runLength = insideFrom(voxel + v, count - v);
+      fits = toTimeCourses(form_, slab, inSlab + v, runLength, volumes_, strip_.data() + v * volumes_) && fits;
+      v += runLength;
+    }
+    return fits;
+  }
+
+  // Neighbours inside the mask, from a voxel inside on: rows of a brain are long.
+  [[nodiscard]] std::size_t insideFrom(std::size_t voxel, std::size_t limit) const {
+    std::size_t count = 1;
+    while (count < limit && mask_[voxel + count] != 0) ++count;
+    return count;
+  }
+
+  const StoredForm& form_;
+  const MaskFlags& mask_;
+  std::size_t volumes_, stripVoxels_ = 1;
+  VtcWriter& writer_;
+  std::vector<Out> strip_;
+};
+
+template <typename Out>
+bool writeCourses(SeriesStore& store, const StoredForm& form, const MaskFlags& mask, std::size_t voxels, int volumes,
+                  VtcWriter& writer) {
+  CourseWriter<Out> courses(form, mask, volumes, writer);
+  const std::size_t step = store.slabVoxels();
+  bool fits = true;
+  for (std::size_t v = 0; v < voxels && fits; v += step) {
+    const std::size_t count = std::min(step, voxels - v);
+    fits = courses.write(store.slab(v, count), v, count);
+  }
+  return fits;
+}
+
+std::vector<std::string> warningsOf(const ImportReport& report, const ImportOptions& options) {
+  std::vector<std::string> warnings;
+  if (report.notFinite > 0) {
+    warnings.push_back(std::to_string(report.notFinite) +
+                       " voxels have no finite first value and will be left out of every map");
+  }
+  if (options.maskPath.empty() && report.voxelsIncluded == 0) {
+    warnings.push_back("no voxel exceeds the inclusion threshold at the first volume, so every map will be empty: "
+                       "give a mask with --mask");
+  }
+  return warnings;
+}
+
+VtcSidecar sidecarOf(const std::string& imagePath, const ImportOptions& options, const ImportReport& report) {
+  VtcSidecar sidecar;
+  sidecar.affine = report.image.affine;
+  sidecar.spaceCode = std::max(report.image.sformCode > 0 ? report.image.sformCode : report.image.qformCode, 1);
+  sidecar.source = fileNameOf(imagePath);
+  if (!options.maskPath.empty()) sidecar.mask = fileNameOf(options.maskPath);
+  sidecar.trMs = report.trMs;
+  sidecar.shift = report.shift;
+  sidecar.threshold = options.threshold;
+  return sidecar;
+}
+
+void putName(const std::string& name, VTC_Header& header) {
+  const std::size_t length = std::min(name.size(), sizeof header.sourceFileName - 1);
+  std::copy_n(name.begin(), length, header.sourceFileName);
+}
+
+}  // namespace
+
+ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath, const ImportOptions& options) {
+  NiftiStream stream(imagePath);
+  const ImageHeader& image = stream.header();
+  ImportReport report;
+  report.image = image;
+  report.volumes = volumesToTake(image, options, imagePath);
+  report.trMs = chooseTr(image, options, imagePath);
+  VTC_Header header = nativeVtcHeader(vtcPath, image.size, report.volumes, options.type);
+  putName(fileNameOf(imagePath), header);
+  const MaskFlags mask = readMask(options.maskPath, image, imagePath);
+
+  stream.skip(static_cast<std::size_t>(options.skipVolumes) * stream.volumeBytes());
+  SeriesStore store(stream, report.volumes, options.memoryBytes, vtcPath);
+  stream.finish();
+
+  StoredForm form{image.dataType, stream.layout().swapped, {image.slope, image.intercept}};
+  const bool rounded = options.type == VtcType::kUint16;
+  const std::size_t voxels = image.size.voxels();
+  const InclusionPlan plan = planInclusion(firstVolume(store, form, voxels), mask, options.threshold, rounded);
+  report.shift = plan.shift;
+  report.voxelsInMask = plan.voxelsInMask;
+  report.voxelsIncluded = plan.voxelsIncluded;
+  report.notFinite = plan.notFinite;
+  report.warnings = warningsOf(report, options);
+  form.scaling.intercept += plan.shift;
+
+  AtomicFile sidecar(sidecarPathOf(vtcPath), options.durability);
+  sidecar.write(encodeVtcSidecar(sidecarOf(imagePath, options, report)));
+  VtcWriter writer(vtcPath, header, static_cast<float>(report.trMs), options.durability);
+  const bool fits = rounded ? writeCourses<std::uint16_t>(store, form, mask, voxels, report.volumes, writer)
+                            : writeCourses<float>(store, form, mask, voxels, report.volumes, writer);
+  if (!fits) {
+    throw FileError(imagePath, "some of its values do not fit 16 bits (0 to 65,535)", "Choose --type float32");
+  }
+  writer.commit();
+  sidecar.commit();
+  return report;
+}
+
+}  // namespace formats

@@ -16,8 +16,18 @@ void require(bool condition) {
 }
 
 void fetchSomeVoxels(std::FILE* file, const VTC_Header& header) {
-  const std::int32_t voxels[] = {header.xStart, header.yStart, header.zStart, header.xEnd, header.yEnd, header.zEnd,
-                                 0,             0,             0,             INT32_MAX,   INT32_MIN,   7};
+  const std::int32_t voxels[] = {header.xStart,
+                                 header.yStart,
+                                 header.zStart,
+                                 header.xEnd,
+                                 header.yEnd,
+                                 header.zEnd,
+                                 0,
+                                 0,
+                                 0,
+                                 INT32_MAX,
+                                 INT32_MIN,
+                                 7};
   std::int32_t work[12];
   simo::Matrix<float> course(1, header.nrOfVolumes, 1, 1);
   VoiTcReport report;

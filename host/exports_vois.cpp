@@ -1,5 +1,6 @@
 // VOIs: the current list of regions.
 #include "host/exports.h"
+#include "host/fields.h"
 #include "host/operation.h"
 #include "host/workspace.h"
 

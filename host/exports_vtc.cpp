@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "host/exports.h"
+#include "host/fields.h"
 #include "host/operation.h"
 #include "host/workspace.h"
 

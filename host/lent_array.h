@@ -16,6 +16,9 @@ class LentArray {
   static_assert(std::is_trivially_copyable_v<Type>);
 
  public:
+  using value_type = Type;
+  using const_iterator = const Type*;
+
   // `size` elements of value zero.
   LentArray() : LentArray(0) {}
   explicit LentArray(std::size_t size) : size_(size), storage_(size + 2 * kGuard) {

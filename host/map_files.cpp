@@ -5,7 +5,7 @@
 
 #include "formats/map_set.h"
 #include "formats/vtc_export.h"
-#include "host/operation.h"
+#include "host/fields.h"
 #include "host/workspace.h"
 
 namespace host {

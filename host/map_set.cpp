@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "host/operation.h"
+#include "host/fields.h"
 
 namespace host {
 

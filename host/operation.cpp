@@ -1,7 +1,7 @@
 #include "host/operation.h"
 
-#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace host {
 
@@ -30,14 +30,6 @@ std::string Operation::field(const char* bytes, std::size_t size, const char* wh
   const std::size_t length = strnlen(bytes, size);
   require(length < size, std::string("the ") + what + " does not end within its " + std::to_string(size) + " bytes");
   return std::string(bytes, length);
-}
-
-void fillField(const std::string& text, char* field, std::size_t bytes) {
-  std::size_t length = std::min(text.size(), bytes - 1);
-  const auto continues = [&](std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; };
-  while (length > 0 && length < text.size() && continues(length)) --length;
-  std::memset(field, 0, bytes);
-  std::memcpy(field, text.data(), length);
 }
 
 }  // namespace host

@@ -8,7 +8,6 @@
 #define TAVMAP_HOST_OPERATION_H
 
 #include <cstddef>
-#include <cstring>
 #include <exception>
 #include <string>
 #include <type_traits>
@@ -61,15 +60,6 @@ class Operation {
   Run& run_;
   const char* name_;
 };
-
-// Copies as much of `text` as the field holds, with a terminating zero, never through the middle
-// of a UTF-8 character; the rest of the field is zero.
-void fillField(const std::string& text, char* field, std::size_t bytes);
-
-template <std::size_t kBytes>
-void fillField(const std::string& text, char (&field)[kBytes]) {
-  fillField(text, field, kBytes);
-}
 
 // Runs the body of an operation. After the run has ended every operation throws the end again,
 // except while an exception passes through the plug-in or the plug-in is destroyed: then

@@ -4,7 +4,8 @@
 //   open run1.vtc        save out/maps        yes      no      cancel
 //   message You have already selected        a message box whose text contains this
 //
-// Blank lines and lines that begin with '#' are ignored.
+// Blank lines are ignored, and so is what follows a '#': at the start of a line any, elsewhere one
+// between blanks, so that "text run #2" stays whole.
 #ifndef TAVMAP_HOST_SCRIPT_H
 #define TAVMAP_HOST_SCRIPT_H
 

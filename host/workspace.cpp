@@ -5,12 +5,13 @@
 #include <fstream>
 
 #include "formats/file_error.h"
+#include "formats/image.h"
 #include "formats/nifti.h"
 #include "formats/protocol.h"
 #include "formats/voi_list.h"
 #include "formats/vtc_export.h"
+#include "host/fields.h"
 #include "host/map_files.h"
-#include "host/operation.h"
 
 namespace host {
 namespace {
@@ -28,6 +29,20 @@ LinkedVtc openVtc(const std::string& path) {
     throw formats::FileError(path, "this is a NIfTI series, a VTC is needed",
                              "Make one with \"tavmap convert " + path + " NAME.vtc\"");
   return {absolutePath(path), formats::readVtcFileHeader(path)};
+}
+
+bool isJson(const std::string& path) { return endsWith(path, ".json"); }
+
+// An imported series keeps the grid of its image, so its cells must be the anatomy's voxels: VOIs
+// are given in them. A VTC without a sidecar lies in the anatomical space of old.
+void requireCellsOfAnatomy(const LinkedVtc& vtc, const Anatomy& anatomy) {
+  const formats::VtcPlace place = formats::placeOf(vtc.path, vtc.header);
+  if (!place.fromSidecar) return;
+  const Box box = boxOf(vtc.header);
+  formats::ImageHeader grid;
+  grid.size = {box.cells(0), box.cells(1), box.cells(2)};
+  grid.affine = place.affine;
+  formats::requireSameGrid(anatomy.header, anatomy.path, grid, vtc.path);
 }
 
 Voi lentVoi(const formats::Voi& voi) {
@@ -77,11 +92,17 @@ void Workspace::openAnatomy(const std::string& path) {
   anatomy_ = Anatomy{absolutePath(path), formats::readImageHeader(path)};
 }
 
-void Workspace::linkVtc(const std::string& path) { vtc_ = openVtc(path); }
+void Workspace::linkVtc(const std::string& path) {
+  LinkedVtc vtc = openVtc(path);
+  if (anatomy_) requireCellsOfAnatomy(vtc, *anatomy_);
+  vtc_ = std::move(vtc);
+}
 
 void Workspace::addFurtherVtc(const std::string& path) { furtherVtcs_.push_back(openVtc(path)); }
 
 std::vector<std::string> Workspace::loadVois(const std::string& path, const std::string& tablePath) {
+  if (anatomy_ && !isJson(path))
+    formats::requireSameGrid(anatomy_->header, anatomy_->path, formats::readImageHeader(path), path);
   const formats::LabelVois read = formats::loadVois(path, tablePath);
   auto list = std::make_unique<VoiList>();
   list->path = absolutePath(path);

@@ -1,6 +1,9 @@
 // What is open in the host: one current anatomy and, attached to it, a linked VTC, a list of VOIs,
 // a protocol and a map set. Any of them may be missing.
 //
+// VOIs from a label image and VTCs imported from a NIfTI series must lie on the anatomy's grid: their
+// coordinates are the anatomy's voxels.
+//
 // Arrays that plug-ins get pointers to keep their place until they are replaced. Failures of
 // files are formats::FileError; the workspace is then as it was before.
 #ifndef TAVMAP_HOST_WORKSPACE_H

@@ -55,7 +55,8 @@ std::int32_t roundedTr(float milliseconds) {
 void readGeometry(FieldReader& fields, VTC_Header& header) {
   header.nrOfVolumes = fields.number<std::int16_t>();
   header.resolution = fields.number<std::int16_t>();
-  for (std::int32_t* bound : {&header.xStart, &header.xEnd, &header.yStart, &header.yEnd, &header.zStart, &header.zEnd}) {
+  for (std::int32_t* bound :
+       {&header.xStart, &header.xEnd, &header.yStart, &header.yEnd, &header.zStart, &header.zEnd}) {
     *bound = fields.number<std::int16_t>();
   }
 }
@@ -109,7 +110,8 @@ bool hasUsableGeometry(const VTC_Header& header) {
 }
 
 VtcGrid gridOf(const VTC_Header& header) {
-  return {(header.xEnd - header.xStart) / header.resolution, (header.yEnd - header.yStart) / header.resolution,
+  return {(header.xEnd - header.xStart) / header.resolution,
+          (header.yEnd - header.yStart) / header.resolution,
           (header.zEnd - header.zStart) / header.resolution};
 }
 

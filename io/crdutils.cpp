@@ -21,7 +21,8 @@ std::int32_t cellIndex(std::int32_t coordinate, std::int32_t start, std::int32_t
 }
 
 bool isInside(const VtcGrid& grid, const voicrd& cell) {
-  return cell.x >= 0 && cell.x < grid.dimX && cell.y >= 0 && cell.y < grid.dimY && cell.z >= 0 && cell.z < grid.dimZ;
+  return cell.x >= 0 && cell.x < grid.dimX && cell.y >= 0 && cell.y < grid.dimY && cell.z >= 0 &&
+         cell.z < grid.dimZ;
 }
 
 // Collects cells; a region can have many more voxels than is good for a linear search.
@@ -55,7 +56,8 @@ std::int32_t roundHalfUp(double t) {
   return static_cast<std::int32_t>(rounded);
 }
 
-void toAnatomicalCoordinates(const std::int32_t* voxels, std::int32_t nVoxels, bool talairach, std::int32_t* out) {
+void toAnatomicalCoordinates(const std::int32_t* voxels, std::int32_t nVoxels, bool talairach,
+                             std::int32_t* out) {
   for (std::int32_t i = 0; i < nVoxels; ++i, voxels += 3, out += 3) {
     if (talairach) {
       out[0] = from128(voxels[1]);

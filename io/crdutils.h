@@ -14,8 +14,8 @@ struct voicrd {
 };
 
 struct VoiCells {
-  std::vector<voicrd> cells;  // in order of first occurrence
-  std::int32_t nrOutside = 0; // voxels outside the VTC's box, in no cell
+  std::vector<voicrd> cells;   // in order of first occurrence
+  std::int32_t nrOutside = 0;  // voxels outside the VTC's box, in no cell
 };
 
 // floor(t + 0.5) for every sign of t: halves go up. Values beyond 32 bits become the nearest one
@@ -24,10 +24,12 @@ struct VoiCells {
 
 // Writes the anatomical coordinates of the voxels, 3 x nVoxels, into `out`. Talairach coordinates
 // (c0, c1, c2) become (128 - c1, 128 - c2, 128 - c0); others are copied.
-void toAnatomicalCoordinates(const std::int32_t* voxels, std::int32_t nVoxels, bool talairach, std::int32_t* out);
+void toAnatomicalCoordinates(const std::int32_t* voxels, std::int32_t nVoxels, bool talairach,
+                             std::int32_t* out);
 
 // The distinct cells of the voxels at these anatomical coordinates. The header's geometry must be
 // usable.
-[[nodiscard]] VoiCells cellsOfVoxels(const VTC_Header& header, const std::int32_t* coordinates, std::int32_t nVoxels);
+[[nodiscard]] VoiCells cellsOfVoxels(const VTC_Header& header, const std::int32_t* coordinates,
+                                     std::int32_t nVoxels);
 
 #endif

@@ -20,7 +20,8 @@ struct tc_accum_avgW {
   }
   // The product is taken in integers, then converted.
   static void add(T* sums, const std::uint16_t* values, std::int32_t nrOfVolumes, std::int32_t weight) {
-    for (std::int32_t t = 0; t < nrOfVolumes; ++t) sums[t] += static_cast<T>(std::int64_t{values[t]} * weight);
+    for (std::int32_t t = 0; t < nrOfVolumes; ++t)
+      sums[t] += static_cast<T>(std::int64_t{values[t]} * weight);
   }
   static void finish(T* sums, std::int32_t nrOfVolumes, std::int32_t nrOfVoxels) {
     for (std::int32_t t = 0; t < nrOfVolumes; ++t) sums[t] /= static_cast<T>(nrOfVoxels);
@@ -29,9 +30,9 @@ struct tc_accum_avgW {
 
 // What an extraction met. The first two mean that it failed.
 struct VoiTcReport {
-  bool allOutside = false;      // the region has voxels, and none lies inside the VTC's box
-  bool truncated = false;       // the file ends inside a time course
-  std::int32_t nrOutside = 0;   // voxels left out of the average
+  bool allOutside = false;     // the region has voxels, and none lies inside the VTC's box
+  bool truncated = false;      // the file ends inside a time course
+  std::int32_t nrOutside = 0;  // voxels left out of the average
 };
 
 namespace tcutils_detail {
@@ -93,7 +94,8 @@ template <typename T, typename Accumulation>
                                    std::int32_t nVoxels, std::int32_t talCoords, simo::Matrix<T>& out,
                                    std::int32_t row, std::int32_t* workBuffer) {
   VoiTcReport unused;
-  return getVOITcFromVTC<T, Accumulation>(file, header, voxels, nVoxels, talCoords, out, row, workBuffer, unused);
+  return getVOITcFromVTC<T, Accumulation>(file, header, voxels, nVoxels, talCoords, out, row, workBuffer,
+                                          unused);
 }
 
 #endif

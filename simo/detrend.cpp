@@ -3,11 +3,12 @@
 namespace simo {
 namespace {
 
+// In double, so that the residuals of a constant are exactly 0 whatever its value and length.
 template <class T>
 T meanOf(const T* values, int count) {
-  T sum = 0;
-  for (int t = 0; t < count; ++t) sum += values[t];
-  return sum / static_cast<T>(count);
+  double sum = 0;
+  for (int t = 0; t < count; ++t) sum += static_cast<double>(values[t]);
+  return static_cast<T>(sum / count);
 }
 
 // The ramp from -0.5 to +0.5 at time t of d + 1 points. Centred, so that removing its multiple
@@ -26,14 +27,14 @@ void removeMean(const T* values, int count, U* residuals) {
 template <class U>
 void removeSlope(U* residuals, int count) {
   const U d = static_cast<U>(count - 1);
-  U rampSquares = 0;
-  U rampProducts = 0;
+  double rampSquares = 0;
+  double rampProducts = 0;
   for (int t = 0; t < count; ++t) {
-    const U u = ramp(t, d);
+    const double u = static_cast<double>(ramp(t, d));
     rampSquares += u * u;
-    rampProducts += u * residuals[t];
+    rampProducts += u * static_cast<double>(residuals[t]);
   }
-  const U slope = rampProducts / rampSquares;
+  const U slope = static_cast<U>(rampProducts / rampSquares);
   for (int t = 0; t < count; ++t) residuals[t] -= ramp(t, d) * slope;
 }
 

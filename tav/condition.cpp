@@ -32,7 +32,8 @@ struct SetCheck {
   void reject(const TAV_intv& interval, const std::string& vtcName, std::int32_t nrOfVolumes) const {
     errors << "An interval (" << interval.first << ", " << interval.last << ") for vtc '" << vtcName << "', "
            << nrOfVolumes << " volumes, in condition '" << cond.name
-           << "' was wrongly specified (N.B. last-first+1 must be greater than AR-order(" << request.arOrder << "))";
+           << "' was wrongly specified (N.B. last-first+1 must be greater than AR-order(" << request.arOrder
+           << "))";
   }
 };
 
@@ -67,14 +68,15 @@ bool checkIntervals(const SetCheck& check, CheckedCondition& checked) {
 }
 
 void reportMissingCourse(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, std::ostream& errors) {
-  errors << "Failed to retrieve precomputed voi time-course for VOI '" << voi.name << "', Condition '" << cond.name
-         << "' (internal error)";
+  errors << "Failed to retrieve precomputed voi time-course for VOI '" << voi.name << "', Condition '"
+         << cond.name << "' (internal error)";
 }
 
 }  // namespace
 
 int checkCondition(const Computer& computer, const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
-                   const TAV_Pars& request, std::ostream& log, std::ostream& errors, CheckedCondition& checked) {
+                   const TAV_Pars& request, std::ostream& log, std::ostream& errors,
+                   CheckedCondition& checked) {
   for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
     describeVtcs(set, request.separateSrcTrgVtcs, log);
     const VoiTc* const reference = computer.getFetchedVoiTc(voi.name, set.srcVtcName);
@@ -95,10 +97,12 @@ void reportCounts(const VoxelCounts& counts, const TAV_Pars& request, std::ostre
   const auto percent = [&](int count) { return nrOfVoxels > 0 ? count / nrOfVoxels * 100.0 : 0.0; };
   if (request.showVerboseProgress) {
     logLine<128>(
-        "%s\tVoxels skipped: %d\t(%3.1f%%)\n%s\tVoxels ill-defined: %d\t(%3.1f%%)\n%s\tSurrogates ill-defined: "
+        "%s\tVoxels skipped: %d\t(%3.1f%%)\n%s\tVoxels ill-defined: %d\t(%3.1f%%)\n%s\tSurrogates "
+        "ill-defined: "
         "%d\t(%3.1f%%)",
         TAV_PROMPT, counts.skipped, percent(counts.skipped), TAV_PROMPT, counts.illDefined,
-        percent(counts.illDefined), TAV_PROMPT, counts.surrogatesIllDefined, percent(counts.surrogatesIllDefined));
+        percent(counts.illDefined), TAV_PROMPT, counts.surrogatesIllDefined,
+        percent(counts.surrogatesIllDefined));
   }
   log << "\n\tVoxels skipped: " << counts.skipped << "\t(" << percent(counts.skipped) << "%)\n";
   log << "\tVoxels ill-defined: " << counts.illDefined << "\t(" << percent(counts.illDefined) << "%)\n";

@@ -10,10 +10,6 @@ namespace {
 
 constexpr float kEuler = 0.5772F;
 
-double dependenceConstant(int cvConstant, std::size_t m) {
-  return cvConstant == 2 ? static_cast<double>(std::log(static_cast<float>(m)) + kEuler) : 1.0;
-}
-
 // Everything that both rules need: sorted magnitudes, ascending q, the constant.
 struct Search {
   const std::vector<float>& observed;
@@ -90,8 +86,13 @@ void stepUp(const Search& search) {
 
 }  // namespace
 
+double dependenceConstant(int cvConstant, std::size_t m) {
+  return cvConstant == 2 ? static_cast<double>(std::log(static_cast<float>(m)) + kEuler) : 1.0;
+}
+
 void checkCvConstant(int cvConst, std::ostream& err) {
-  if (cvConst != 1 && cvConst != 2) err << "Unknown value for cVconst: " << cvConst << " , only 1 or 2 allowed";
+  if (cvConst != 1 && cvConst != 2)
+    err << "Unknown value for cVconst: " << cvConst << " , only 1 or 2 allowed";
 }
 
 void appendMagnitudes(std::span<const float> values, std::vector<float>& magnitudes) {
@@ -104,8 +105,9 @@ void appendMagnitudes(std::span<const float> values, std::vector<float>& magnitu
   }
 }
 
-std::vector<MapThreshold> searchThresholds(ThresholdRule rule, std::vector<float> qs, std::vector<float>& observed,
-                                           std::vector<float>& null, int cvConstant) {
+std::vector<MapThreshold> searchThresholds(ThresholdRule rule, std::vector<float> qs,
+                                           std::vector<float>& observed, std::vector<float>& null,
+                                           int cvConstant) {
   std::sort(qs.begin(), qs.end());
   std::sort(observed.begin(), observed.end());
   std::sort(null.begin(), null.end());
@@ -120,8 +122,8 @@ std::vector<MapThreshold> searchThresholds(ThresholdRule rule, std::vector<float
   return results;
 }
 
-bool bstrTwoSideFDR(std::vector<float> qs, const Array3D<float>& observed, const Array3D<float>& null, int cvConst,
-                    std::vector<float>& thresholds, std::ostream& err) {
+bool bstrTwoSideFDR(std::vector<float> qs, const Array3D<float>& observed, const Array3D<float>& null,
+                    int cvConst, std::vector<float>& thresholds, std::ostream& err) {
   checkCvConstant(cvConst, err);
   if (observed.size() == 0) return false;
   std::vector<float> observedMagnitudes, nullMagnitudes;
@@ -129,7 +131,8 @@ bool bstrTwoSideFDR(std::vector<float> qs, const Array3D<float>& observed, const
   appendMagnitudes({null.elements(), null.size()}, nullMagnitudes);
   const auto results =
       searchThresholds(ThresholdRule::kWalk, std::move(qs), observedMagnitudes, nullMagnitudes, cvConst);
-  for (std::size_t k = 0; k < std::min(results.size(), thresholds.size()); ++k) thresholds[k] = results[k].threshold;
+  for (std::size_t k = 0; k < std::min(results.size(), thresholds.size()); ++k)
+    thresholds[k] = results[k].threshold;
   return true;
 }
 

@@ -18,6 +18,9 @@ namespace tav {
 // Appends the magnitude of every non-zero value; -1 stands for a value that is not a number.
 void appendMagnitudes(std::span<const float> values, std::vector<float>& magnitudes);
 
+// The constant c below, for m observed magnitudes.
+[[nodiscard]] double dependenceConstant(int cvConstant, std::size_t m);
+
 // One result per q, by ascending q. Both lists are magnitudes as above; they are sorted in place.
 // cvConstant 1: c = 1 (independence or positive dependence); 2: c = ln m + 0.5772, m being the
 // number of observed magnitudes (any dependence; Benjamini & Yekutieli 2001).
@@ -35,8 +38,8 @@ void appendMagnitudes(std::span<const float> values, std::vector<float>& magnitu
 //
 // Cost: two sorts and one pass over both lists.
 [[nodiscard]] std::vector<MapThreshold> searchThresholds(ThresholdRule rule, std::vector<float> qs,
-                                                         std::vector<float>& observed, std::vector<float>& null,
-                                                         int cvConstant);
+                                                         std::vector<float>& observed,
+                                                         std::vector<float>& null, int cvConstant);
 
 // Writes a message for any constant but 1 and 2, which searchThresholds takes as 1.
 void checkCvConstant(int cvConst, std::ostream& err);
@@ -44,8 +47,9 @@ void checkCvConstant(int cvConst, std::ostream& err);
 // The walk over two whole maps of equal extents. `thresholds` has one entry per q; entry k becomes
 // the threshold of the k-th smallest q. False when the observed map has no elements. A cvConst
 // other than 1 and 2 leaves a message and counts as 1.
-[[nodiscard]] bool bstrTwoSideFDR(std::vector<float> qs, const Array3D<float>& observed, const Array3D<float>& null,
-                                  int cvConst, std::vector<float>& thresholds, std::ostream& err);
+[[nodiscard]] bool bstrTwoSideFDR(std::vector<float> qs, const Array3D<float>& observed,
+                                  const Array3D<float>& null, int cvConst, std::vector<float>& thresholds,
+                                  std::ostream& err);
 
 }  // namespace tav
 

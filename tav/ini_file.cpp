@@ -59,7 +59,8 @@ bool IniReader::readLine() {
   file_.getline(line.data(), line.size());
   const auto length = static_cast<std::size_t>(file_.gcount());
   if (file_.bad() || (file_.fail() && !file_.eof())) {
-    err_ << (file_.bad() ? "Could not read TAVPlugin.ini" : "A line in TAVPlugin.ini is longer than 255 characters");
+    err_ << (file_.bad() ? "Could not read TAVPlugin.ini"
+                         : "A line in TAVPlugin.ini is longer than 255 characters");
     return false;
   }
   // The count includes the line end that getline() took, except at the end of the file.
@@ -148,7 +149,9 @@ bool IniReader::scalar(T& value, IsValid isValid, const char* suffix) {
 
 bool IniReader::flag(bool& field) {
   std::int32_t value = 0;
-  if (!scalar(value, [](std::int32_t v) { return v == 0 || v == 1; }, " (must be 0 or 1)")) return false;
+  if (!scalar(
+          value, [](std::int32_t v) { return v == 0 || v == 1; }, " (must be 0 or 1)"))
+    return false;
   field = value == 1;
   return true;
 }
@@ -167,17 +170,24 @@ bool IniReader::readScalar() {
     return true;
   }
   if (key_ == SHOW_PROG_INI_STR) return flag(pars_.showVerboseProgress);
-  if (key_ == N_SURR_REPS_INI_STR) return scalar(pars_.nSurrogateSims, inRange(10, 10000), " (valid range 10 - 10000)");
-  if (key_ == N_DISC_SIMTC_INI_STR) return scalar(pars_.nDiscardedSimTps, inRange(10, 1000), " (valid range 10 - 1000)");
+  if (key_ == N_SURR_REPS_INI_STR)
+    return scalar(pars_.nSurrogateSims, inRange(10, 10000), " (valid range 10 - 10000)");
+  if (key_ == N_DISC_SIMTC_INI_STR)
+    return scalar(pars_.nDiscardedSimTps, inRange(10, 1000), " (valid range 10 - 1000)");
   if (key_ == INST_LTHRES_INI_STR) {
-    return scalar(pars_.instLowerThres, [](float v) { return v >= 0.0F; }, " (must be >0, high values not recommended)");
+    return scalar(
+        pars_.instLowerThres, [](float v) { return v >= 0.0F; },
+        " (must be >0, high values not recommended)");
   }
   if (key_ == RCMAP_HTHRES_INI_STR) {
-    return scalar(pars_.rcUpperThres, [](float v) { return v >= 0.0F && v < 1.0F; }, " (valid range [0, 1) )");
+    return scalar(
+        pars_.rcUpperThres, [](float v) { return v >= 0.0F && v < 1.0F; }, " (valid range [0, 1) )");
   }
   if (key_ == MAP_SCALE_FACTOR_INI_STR) {
     // Compared in double, deliberately: the float nearest to 0.01 lies below it and is rejected.
-    const auto isValid = [](float v) { return static_cast<double>(v) >= 0.01 && static_cast<double>(v) <= 1000.0; };
+    const auto isValid = [](float v) {
+      return static_cast<double>(v) >= 0.01 && static_cast<double>(v) <= 1000.0;
+    };
     return scalar(pars_.mapScaleFactor, isValid, " (must be bewteen 0.01 and 1000, inclusive)");
   }
   if (key_ == SEPARATE_SRC_TRG_VTCS_INI_STR) return flag(pars_.separateSrcTrgVtcs);

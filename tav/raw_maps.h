@@ -44,7 +44,9 @@ class FurtherNulls {
     Block(std::size_t nrOfVoxels, std::size_t drawsPerVoxel)
         : planeSize_(nrOfVoxels * drawsPerVoxel), values_(planeSize_ * kNrOfMeasures) {}
     // Values [voxel][draw] of one measure, voxels in the order of the grid.
-    [[nodiscard]] float* plane(int measure) { return values_.data() + planeSize_ * static_cast<std::size_t>(measure); }
+    [[nodiscard]] float* plane(int measure) {
+      return values_.data() + planeSize_ * static_cast<std::size_t>(measure);
+    }
     [[nodiscard]] const float* plane(int measure) const {
       return values_.data() + planeSize_ * static_cast<std::size_t>(measure);
     }

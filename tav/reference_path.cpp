@@ -2,15 +2,9 @@
 
 #include <algorithm>
 
+#include "tav/result_writer.h"
+
 namespace tav {
-namespace {
-
-void setZero(std::size_t voxel, const std::array<float*, kNrOfMeasures>& planes) {
-  for (float* const plane : planes) plane[voxel] = 0.0F;
-}
-
-}  // namespace
-
 ReferencePath::Segment::Segment(const VoxelSet& set, const TAV_intv& interval)
     : first(interval.first),
       length(interval.last - interval.first + 1),
@@ -49,40 +43,35 @@ void ReferencePath::begin(const VoxelJob& job) {
 
 void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data, const VoxelResults& results,
                             VoxelCounts& counts) {
-  nrIncluded_ = 0;
-  furtherBlock_ = nullptr;
-  if (results.furtherNulls != nullptr) {
-    std::size_t toCome = 0;
-    for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) toCome += isIncluded(voxel, data) ? 1U : 0U;
-    furtherBlock_ = &results.furtherNulls->append(toCome);
-  }
+  const Inclusion inclusion(job_, data);
+  ResultWriter writer(job_, inclusion.count(nrOfVoxels), results, counts);
   for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) {
-    setZero(voxel, results.measures);
-    setZero(voxel, results.nullMeasures);
-    if (!isIncluded(voxel, data)) {
-      results.status[voxel] = VoxelStatus::kBelowInclusion;
-      ++counts.skipped;
-      continue;
-    }
-    accumulate(voxel, data);
-    results.status[voxel] = fitVoxel(voxel, results);
-    if (results.status[voxel] == VoxelStatus::kComputed) {
-      fitNulls(voxel, results, counts);
+    if (inclusion.includes(voxel)) {
+      computeVoxel(voxel, data);
+      writer.write(voxel, measures_);
     } else {
-      ++counts.illDefined;
+      writer.skip(voxel);
     }
-    ++nrIncluded_;
   }
 }
 
-// Every set's first value must exceed the threshold; one that is not a number does not.
-bool ReferencePath::isIncluded(std::size_t voxel, std::span<const VoxelData> data) const {
-  return std::all_of(sets_.begin(), sets_.end(), [&](const Set& set) {
-    const auto file = static_cast<std::size_t>(set.file);
-    const std::size_t first = voxel * static_cast<std::size_t>(job_.files[file].nrOfVolumes);
-    if (data[file].floats == nullptr) return data[file].shorts[first] > job_.inclusionThreshold;
-    return data[file].floats[first] > static_cast<float>(job_.inclusionThreshold);
-  });
+const VoxelMeasures& ReferencePath::computeDrawn(std::size_t voxel, std::span<const VoxelData> data,
+                                                 const std::uint32_t* drawn) {
+  drawn_ = drawn;
+  computeVoxel(voxel, data);
+  drawn_ = nullptr;
+  return measures_;
+}
+
+void ReferencePath::computeVoxel(std::size_t voxel, std::span<const VoxelData> data) {
+  accumulate(voxel, data);
+  measures_.nulls.assign(nullAverages_.size(), {});
+  measures_.nullsIllDefined = 0;
+  measures_.isDefined = fit(*averages_, measures_.truth);
+  if (!measures_.isDefined) return;
+  for (std::size_t draw = 0; draw < nullAverages_.size(); ++draw) {
+    if (!fit(*nullAverages_[draw], measures_.nulls[draw])) ++measures_.nullsIllDefined;
+  }
 }
 
 // Fills the true averages and those of every null draw from all intervals of all sets.
@@ -106,10 +95,14 @@ void ReferencePath::accumulateSegment(const Segment& segment) {
   simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages_, job_.lagPairForm);
   if (job_.nrOfSurrogates < 1) return;
   for (const auto& averages : nullAverages_) {
-    const unsigned row = static_cast<unsigned>(simo::nextRandom()) % static_cast<unsigned>(job_.nrOfSurrogates);
-    loadReference(segment.surrogates, static_cast<int>(row), segment.length);
+    loadReference(segment.surrogates, static_cast<int>(nextRow()), segment.length);
     simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages, job_.lagPairForm);
   }
+}
+
+unsigned ReferencePath::nextRow() {
+  if (drawn_ != nullptr) return *drawn_++;
+  return static_cast<unsigned>(simo::nextRandom()) % static_cast<unsigned>(job_.nrOfSurrogates);
 }
 
 void ReferencePath::loadTimeCourse(std::size_t voxel, const VoxelData& data, int nrOfVolumes) {
@@ -125,29 +118,13 @@ void ReferencePath::loadReference(const simo::Matrix<float>& rows, int row, int 
   std::copy_n(rows[row], length, (*work_)[0]);
 }
 
-VoxelStatus ReferencePath::fitVoxel(std::size_t voxel, const VoxelResults& results) {
-  const auto& out = results.measures;
-  const bool fitted = simo::gewekeX2Y(*averages_, 0, 1, *joint_, *single1_, *single2_, out[0][voxel], out[1][voxel],
-                                      out[2][voxel]);
-  return fitted ? VoxelStatus::kComputed : VoxelStatus::kIllDefined;
-}
-
-void ReferencePath::fitNulls(std::size_t voxel, const VoxelResults& results, VoxelCounts& counts) {
-  for (std::size_t draw = 0; draw < nullAverages_.size(); ++draw) {
-    std::array<float, kNrOfMeasures> null = {0.0F, 0.0F, 0.0F};
-    if (!simo::gewekeX2Y(*nullAverages_[draw], 0, 1, *joint_, *single1_, *single2_, null[0], null[1], null[2])) {
-      ++counts.surrogatesIllDefined;
-      null = {0.0F, 0.0F, 0.0F};
-    }
-    for (std::size_t measure = 0; measure < null.size(); ++measure) {
-      if (draw == 0) {
-        results.nullMeasures[measure][voxel] = null[measure];
-      } else {
-        const std::size_t position = nrIncluded_ * (nullAverages_.size() - 1) + draw - 1;
-        furtherBlock_->plane(static_cast<int>(measure))[position] = null[measure];
-      }
-    }
+bool ReferencePath::fit(const simo::FosAvg<float>& averages, std::array<float, kNrOfMeasures>& measures) {
+  measures = {};
+  if (simo::gewekeX2Y(averages, 0, 1, *joint_, *single1_, *single2_, measures[0], measures[1], measures[2])) {
+    return true;
   }
+  measures = {};
+  return false;
 }
 
 }  // namespace tav

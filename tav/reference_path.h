@@ -2,6 +2,8 @@
 #ifndef TAVMAP_TAV_REFERENCE_PATH_H
 #define TAVMAP_TAV_REFERENCE_PATH_H
 
+#include <array>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <vector>
@@ -10,6 +12,14 @@
 #include "tav/voxel_path.h"
 
 namespace tav {
+
+// The measures of one included voxel.
+struct VoxelMeasures {
+  bool isDefined;  // false: all values are 0 and no null was fitted
+  std::array<float, kNrOfMeasures> truth;
+  std::vector<std::array<float, kNrOfMeasures>> nulls;  // per draw; 0 where the fit failed
+  int nullsIllDefined;
+};
 
 // What every other path is held to. References and surrogates are detrended once per set and
 // interval, which gives the same numbers as doing so for every voxel, at the cost of one further
@@ -20,6 +30,10 @@ class ReferencePath : public VoxelPath {
   void begin(const VoxelJob& job) override;
   void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data, const VoxelResults& results,
                VoxelCounts& counts) override;
+
+  // One voxel of the current job whose surrogates are drawn already, [interval][draw]. The result
+  // holds until the next call.
+  const VoxelMeasures& computeDrawn(std::size_t voxel, std::span<const VoxelData> data, const std::uint32_t* drawn);
 
  private:
   // One interval of one set with its detrended references.
@@ -34,13 +48,13 @@ class ReferencePath : public VoxelPath {
     std::deque<Segment> segments;
   };
 
-  [[nodiscard]] bool isIncluded(std::size_t voxel, std::span<const VoxelData> data) const;
   void accumulate(std::size_t voxel, std::span<const VoxelData> data);
   void accumulateSegment(const Segment& segment);
   void loadTimeCourse(std::size_t voxel, const VoxelData& data, int nrOfVolumes);
   void loadReference(const simo::Matrix<float>& rows, int row, int length);
-  [[nodiscard]] VoxelStatus fitVoxel(std::size_t voxel, const VoxelResults& results);
-  void fitNulls(std::size_t voxel, const VoxelResults& results, VoxelCounts& counts);
+  [[nodiscard]] unsigned nextRow();
+  [[nodiscard]] bool fit(const simo::FosAvg<float>& averages, std::array<float, kNrOfMeasures>& measures);
+  void computeVoxel(std::size_t voxel, std::span<const VoxelData> data);
 
   VoxelJob job_;
   std::deque<Set> sets_;
@@ -50,8 +64,8 @@ class ReferencePath : public VoxelPath {
   std::unique_ptr<simo::FosAvg<float>> averages_;
   std::vector<std::unique_ptr<simo::FosAvg<float>>> nullAverages_;  // one per draw
   std::unique_ptr<simo::FosOrth<float>> joint_, single1_, single2_;
-  FurtherNulls::Block* furtherBlock_ = nullptr;  // of the current call
-  std::size_t nrIncluded_ = 0;                   // voxels of the current call so far
+  const std::uint32_t* drawn_ = nullptr;  // surrogates to take instead of drawing
+  VoxelMeasures measures_{};
 };
 
 }  // namespace tav

@@ -48,20 +48,23 @@ void saveLog(const std::string& path, const std::string& text) {
 
 // Time courses are looked up by name, so equal names share the first one's as well.
 void warnOfEqualNames(const TAV_Pars& pars, const TAV_VOI_Pars& a, const TAV_VOI_Pars& b) {
-  std::string text = std::string(TAV_PROMPT) + " WARNING: VOI " + std::to_string(a.voiIndex + 1) + " '" + a.name +
-                     "' and VOI " + std::to_string(b.voiIndex + 1) + " '" + b.name + "' share the result files " +
-                     resultBaseName(pars, a) + ".tav and .log";
+  std::string text = std::string(TAV_PROMPT) + " WARNING: VOI " + std::to_string(a.voiIndex + 1) + " '" +
+                     a.name + "' and VOI " + std::to_string(b.voiIndex + 1) + " '" + b.name +
+                     "' share the result files " + resultBaseName(pars, a) + ".tav and .log";
   text += a.name == b.name ? " and the time course of the first" : "";
   zqLogText((text + ": the later results replace the earlier ones. Rename one of the two.").c_str());
 }
 
 }  // namespace
 
-int nrOfMapsOf(const TAV_Pars& pars) { return static_cast<int>(pars.conds.size() * pars.mapTypes.size()); }
+int nrOfMapsOf(const TAV_Pars& pars) {
+  return static_cast<int>(pars.conds.size() * pars.mapTypes.size());
+}
 
 std::string resultBaseName(const TAV_Pars& pars, const TAV_VOI_Pars& voi) {
   std::string name = voi.name;
-  std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '_');
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '_');
   char base[kBaseNameBytes];
   std::snprintf(base, sizeof base, "%s_%s", pars.resultPathPrefix.c_str(), name.c_str());
   return base;

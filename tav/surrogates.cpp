@@ -84,8 +84,8 @@ void reportNoSurrogates(const VoiTc& voiTc, std::ostream& errors) {
 }
 
 void reportMissing(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, std::ostream& errors) {
-  errors << "Failed to retrieve precomputed voi time-course for VOI '" << voi.name << "', Condition '" << cond.name
-         << "' (internal error)";
+  errors << "Failed to retrieve precomputed voi time-course for VOI '" << voi.name << "', Condition '"
+         << cond.name << "' (internal error)";
 }
 
 }  // namespace
@@ -95,7 +95,8 @@ int Computer::simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& /*
     logLine<128>("%s\n%s Generating surrogate ref time-courses...", TAV_PROMPT, TAV_PROMPT);
   }
   fosAvg1->clear();
-  SurrogateMaker maker(request, longestCourse(request, voiTcs), options_.poolSurrogateModels, *fosAvg1, *fosOrth1a);
+  SurrogateMaker maker(request, longestCourse(request, voiTcs), options_.poolSurrogateModels, *fosAvg1,
+                       *fosOrth1a);
   std::set<const VoiTc*> done;
   for (const TAV_VOI_Pars& voi : request.vois) {
     for (const TAV_Cond_Pars& cond : request.conds) {

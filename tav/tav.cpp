@@ -24,7 +24,8 @@ void computeGrid(const TAV_Pars& request) {
 }
 
 // The voxel loop walks all files on the request's grid, so a file with another one must not pass.
-int checkGrids(const std::vector<std::unique_ptr<VtcFile>>& files, const TAV_Pars& request, std::ostream& errors) {
+int checkGrids(const std::vector<std::unique_ptr<VtcFile>>& files, const TAV_Pars& request,
+               std::ostream& errors) {
   const VtcGrid grid{request.dimX, request.dimY, request.dimZ};
   for (const auto& file : files) {
     if (gridOf(file->header) == grid) continue;
@@ -41,7 +42,8 @@ bool isFinite(const rawTAVMaps& maps, std::size_t voxel) {
 
 void markNotFinite(const rawTAVMaps& maps, std::vector<VoxelStatus>& status) {
   for (std::size_t voxel = 0; voxel < status.size(); ++voxel) {
-    if (status[voxel] == VoxelStatus::kComputed && !isFinite(maps, voxel)) status[voxel] = VoxelStatus::kNotFinite;
+    if (status[voxel] == VoxelStatus::kComputed && !isFinite(maps, voxel))
+      status[voxel] = VoxelStatus::kNotFinite;
   }
 }
 
@@ -69,7 +71,8 @@ class CleanUpAtEnd {
 
 }  // namespace
 
-Computer::Computer(const RunOptions& options, RunObserver* observer) : options_(options), observer_(observer) {
+Computer::Computer(const RunOptions& options, RunObserver* observer)
+    : options_(options), observer_(observer) {
   options_.nullDraws = std::clamp(options_.nullDraws, 1, kMaxNullDraws);
 }
 
@@ -118,6 +121,8 @@ int Computer::Init(const TAV_Pars& request, std::ostream& errors) {
   computeGrid(request);
   crdBuf = std::make_unique_for_overwrite<std::int32_t[]>(3 * static_cast<std::size_t>(kInitialCrdCapacity));
   crdBufCapacity = kInitialCrdCapacity;
+  voxelPath_ = makeVoxelPath(errors);
+  if (voxelPath_ == nullptr) return kInvalidParameters;
   int status = openVTCFiles(request, errors);
   if (status == kSuccess) status = checkGrids(vtcFiles, request, errors);
   if (status == kSuccess) status = prefetchVOITCs(request, errors);
@@ -134,7 +139,6 @@ void Computer::makeStores(const TAV_Pars& request) {
   if (options_.nullDraws > 1) furtherNulls = std::make_unique<FurtherNulls>(options_.nullDraws - 1);
   fosAvg1 = std::make_unique<simo::FosAvg<float>>(2, request.arOrder);
   fosOrth1a = std::make_unique<simo::FosOrth<float>>(1, request.arOrder);
-  voxelPath_ = makeVoxelPath();
 }
 
 void Computer::logGlobalParameters(const TAV_Pars& request, std::ostream& log) const {
@@ -142,8 +146,8 @@ void Computer::logGlobalParameters(const TAV_Pars& request, std::ostream& log) c
   writeRunOptionsLog(options_, log);
 }
 
-int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
-                                   std::ostringstream& log, std::ostream& errors) {
+int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
+                                   const TAV_Pars& request, std::ostringstream& log, std::ostream& errors) {
   outcome_ = {};
   CheckedCondition checked;
   int status = checkCondition(*this, voi, cond, request, log, errors, checked);

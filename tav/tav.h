@@ -44,22 +44,25 @@ class Computer {
   [[nodiscard]] VoiTc* getFetchedVoiTc(const std::string& voiName, const std::string& vtcName) const;
 
   // Fits every reference course and simulates its surrogates.
-  [[nodiscard]] int simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
+  [[nodiscard]] int simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& log,
+                                       std::ostream& errors);
 
   void logGlobalParameters(const TAV_Pars& request, std::ostream& log) const;
 
   // Replaces the host's map set by one with a map per condition and map type.
-  [[nodiscard]] int createVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostream& errors);
+  [[nodiscard]] int createVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request,
+                                       std::ostream& errors);
   // Fills the raw map stores.
   [[nodiscard]] int compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
-                                         const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
+                                         const TAV_Pars& request, std::ostringstream& log,
+                                         std::ostream& errors);
   // Turns the raw map stores into the condition's maps and thresholds in the host.
-  [[nodiscard]] int transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
-                                             const TAV_Pars& request, std::ostream& errors);
+  [[nodiscard]] int transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
+                                             int condIndex, const TAV_Pars& request, std::ostream& errors);
   // Has the host save the map set and writes the log beside it. Never fails for the caller: a log
   // that cannot be written is a warning in the log pane.
-  [[nodiscard]] int saveVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostringstream& log,
-                                     std::ostream& errors);
+  [[nodiscard]] int saveVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request,
+                                     std::ostringstream& log, std::ostream& errors);
 
   // Releases everything and deletes the host's map set; the result is that of the deletion. The
   // request's file pointers dangle afterwards.
@@ -76,9 +79,10 @@ class Computer {
   std::unique_ptr<std::int32_t[]> crdBuf;  // 3 per voxel
 
  private:
-  int computeVoi(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
-  int computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex, const TAV_Pars& request,
-                       std::ostringstream& log, std::ostream& errors);
+  int computeVoi(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostringstream& log,
+                 std::ostream& errors);
+  int computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
+                       const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
   void makeStores(const TAV_Pars& request);
 
   RunOptions options_;

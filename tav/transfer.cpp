@@ -6,6 +6,7 @@
 #include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "tav/fdr_thresholds.h"
 #include "tav/map_values.h"
+#include "tav/tail_thresholds.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -30,7 +31,9 @@ constexpr std::array<MapDisplay, kNrOfMapTypes> kDisplays = {{
     {"%s: dTAV RC", 0.0F, 64, 255, 16384, 65280},
 }};
 
-const MapDisplay& displayOf(MapType type) { return kDisplays[static_cast<std::size_t>(type)]; }
+const MapDisplay& displayOf(MapType type) {
+  return kDisplays[static_cast<std::size_t>(type)];
+}
 
 void setDisplay(MapType type, const std::string& conditionName, NR_VMP_Header& header) {
   const MapDisplay& display = displayOf(type);
@@ -63,40 +66,41 @@ RawValues rawValues(const FurtherNulls::Block& block) {
   return {{block.plane(0), block.plane(1), block.plane(2)}, block.planeSize()};
 }
 
-// Turns raw null measures into magnitudes of the map type. Keeps its buffers from type to type.
-class NullMagnitudes {
+// The null map of each map type, in pieces. Keeps its buffers from type to type.
+class NullMaps {
  public:
-  NullMagnitudes(const TAV_Pars& request, const rawTAVMaps& first, const FurtherNulls* further)
-      : request_(request), first_(first), further_(further) {}
+  NullMaps(const TAV_Pars& request, const rawTAVMaps& first, const FurtherNulls* further) : request_(request) {
+    raw_.push_back(rawValues(first));
+    if (further == nullptr) return;
+    for (const FurtherNulls::Block& block : further->blocks()) raw_.push_back(rawValues(block));
+  }
 
-  [[nodiscard]] std::vector<float>& of(MapType type) {
-    magnitudes_.clear();
-    add(type, rawValues(first_));
-    if (further_ != nullptr) {
-      for (const FurtherNulls::Block& block : further_->blocks()) add(type, rawValues(block));
+  [[nodiscard]] const MapPieces& of(MapType type) {
+    std::size_t size = 0;
+    for (const RawValues& raw : raw_) size += raw.size;
+    values_.resize(size);
+    pieces_.clear();
+    float* values = values_.data();
+    for (const RawValues& raw : raw_) {
+      computeMapValues(type, raw, request_, values);
+      pieces_.emplace_back(values, raw.size);
+      values += raw.size;
     }
-    return magnitudes_;
+    return pieces_;
   }
 
  private:
-  void add(MapType type, const RawValues& raw) {
-    values_.resize(raw.size);
-    computeMapValues(type, raw, request_, values_.data());
-    appendMagnitudes(values_, magnitudes_);
-  }
-
   const TAV_Pars& request_;
-  const rawTAVMaps& first_;
-  const FurtherNulls* further_;
+  std::vector<RawValues> raw_;
   std::vector<float> values_;
-  std::vector<float> magnitudes_;
+  MapPieces pieces_;
 };
 
 // One condition's way into the host's map set.
 class MapTransfer {
  public:
   MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, ThresholdRule rule, const RawValues& raw,
-              NullMagnitudes& nulls, std::ostream& errors)
+              NullMaps& nulls, std::ostream& errors)
       : cond_(cond), request_(request), rule_(rule), raw_(raw), nulls_(nulls), errors_(errors) {}
 
   // Fills the host's map `values` and its header, and stores the header.
@@ -113,25 +117,22 @@ class MapTransfer {
  private:
   std::vector<MapThreshold> search(MapType type, std::span<const float> values) {
     checkCvConstant(request_.cvConstant, errors_);
-    magnitudes_.clear();
-    appendMagnitudes(values, magnitudes_);
-    return searchThresholds(rule_, request_.qThresholds, magnitudes_, nulls_.of(type), request_.cvConstant);
+    return searchTailThresholds(rule_, request_.qThresholds, {values}, nulls_.of(type), request_.cvConstant);
   }
 
   const TAV_Cond_Pars& cond_;
   const TAV_Pars& request_;
   ThresholdRule rule_;
   RawValues raw_;
-  NullMagnitudes& nulls_;
+  NullMaps& nulls_;
   std::ostream& errors_;
-  std::vector<float> magnitudes_;
 };
 
 }  // namespace
 
 int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                                        const TAV_Pars& request, std::ostream& errors) {
-  NullMagnitudes nulls(request, *rawMaps2, furtherNulls.get());
+  NullMaps nulls(request, *rawMaps2, furtherNulls.get());
   MapTransfer maps(cond, request, options_.thresholdRule, rawValues(*rawMaps1), nulls, errors);
   int index = static_cast<int>(request.mapTypes.size()) * condIndex;
   for (const MapType type : request.mapTypes) {

@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::int32_t kCapacityStep = 100;  // voxels
 
-void reportOutside(const TAV_VOI_Pars& voi, const std::string& vtcName, std::int32_t nrOutside, std::ostream& errors) {
+void reportOutside(const TAV_VOI_Pars& voi, const std::string& vtcName, std::int32_t nrOutside,
+                   std::ostream& errors) {
   errors << "WARNING: " << nrOutside << " of " << voi.nVoxels << " voxels of VOI '" << voi.name
          << "' lie outside the bounding box of vtc '" << vtcName << "' and were left out\n";
 }
@@ -22,14 +23,16 @@ void reportFailure(const TAV_VOI_Pars& voi, const std::string& vtcName, const Vo
     errors << "Could not read data from vtc '" << vtcName << "'\n"
            << "The file was corrupted (not of expected size) or made inaccessible\n";
   }
-  errors << "Could not obtain time-course information from vtc-file for creation of a voi time-course(internal "
-            "error) for:\n"
-         << "vtc: " << vtcName << "\n"
-         << "voi: " << voi.name << "\n";
+  errors
+      << "Could not obtain time-course information from vtc-file for creation of a voi time-course(internal "
+         "error) for:\n"
+      << "vtc: " << vtcName << "\n"
+      << "voi: " << voi.name << "\n";
 }
 
 // Room for nVoxels, growing in steps.
-void growCoordinateBuffer(std::int32_t nVoxels, std::int32_t& capacity, std::unique_ptr<std::int32_t[]>& buffer) {
+void growCoordinateBuffer(std::int32_t nVoxels, std::int32_t& capacity,
+                          std::unique_ptr<std::int32_t[]>& buffer) {
   if (nVoxels <= capacity) return;
   const std::int32_t steps = (nVoxels - capacity + kCapacityStep - 1) / kCapacityStep;
   capacity += steps * kCapacityStep;

@@ -1,6 +1,7 @@
 #include "tav/voxel_loop.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "tav/log_pane.h"
 
@@ -35,10 +36,18 @@ class Progress {
   int printed_ = -1;
 };
 
-bool readSlices(const std::vector<VtcFile*>& files, std::vector<VoxelData>& data, std::ostream& errors) {
+// What all files can hold at once. A piece never reaches into the next slice.
+std::size_t voxelsPerPiece(const std::vector<VtcFile*>& files) {
+  std::size_t voxels = std::numeric_limits<std::size_t>::max();
+  for (const VtcFile* const file : files) voxels = std::min(voxels, file->voxelsPerRead());
+  return voxels;
+}
+
+bool readPiece(const std::vector<VtcFile*>& files, std::size_t nrOfVoxels, std::vector<VoxelData>& data,
+               std::ostream& errors) {
   data.clear();
   for (VtcFile* const file : files) {
-    if (!file->readSlice()) {
+    if (!file->readVoxels(nrOfVoxels)) {
       errors << "Could not read data from vtc '" << file->name << "'\n"
              << "The file was corrupted (not of expected size) or made inaccessible";
       return false;
@@ -76,20 +85,26 @@ ConditionJob makeConditionJob(const TAV_Cond_Pars& cond, const std::vector<const
   return condition;
 }
 
-int runVoxelLoop(const ConditionJob& condition, const TAV_Pars& request, VoxelPath& path, const RawStores& stores,
-                 std::vector<VoxelStatus>& status, VoxelCounts& counts, std::ostream& errors) {
-  const std::size_t sliceVoxels = static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
+int runVoxelLoop(const ConditionJob& condition, const TAV_Pars& request, VoxelPath& path,
+                 const RawStores& stores, std::vector<VoxelStatus>& status, VoxelCounts& counts,
+                 std::ostream& errors) {
+  const std::size_t sliceVoxels =
+      static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
   if (stores.furtherNulls != nullptr) stores.furtherNulls->clear();
   status.assign(stores.observed.nrOfVoxels(), VoxelStatus::kComputed);
   for (VtcFile* const file : condition.files) file->rewind();
   path.begin(condition.job);
+  const std::size_t pieceVoxels = std::min(voxelsPerPiece(condition.files), sliceVoxels);
   std::vector<VoxelData> data;
   Progress progress(request.showVerboseProgress, request.dimZ);
   for (int z = 0; z < request.dimZ; ++z) {
     progress.atSlice(z);
-    if (!readSlices(condition.files, data, errors)) return kTerminalError;
-    const VoxelResults results = resultsFrom(static_cast<std::size_t>(z) * sliceVoxels, stores, status);
-    path.compute(sliceVoxels, data, results, counts);
+    for (std::size_t first = 0; first < sliceVoxels; first += pieceVoxels) {
+      const std::size_t count = std::min(pieceVoxels, sliceVoxels - first);
+      if (!readPiece(condition.files, count, data, errors)) return kTerminalError;
+      const VoxelResults results = resultsFrom(static_cast<std::size_t>(z) * sliceVoxels + first, stores, status);
+      path.compute(count, data, results, counts);
+    }
   }
   return kSuccess;
 }

@@ -21,7 +21,8 @@ struct ConditionJob {
 };
 
 // Sets that share a target file share one entry, so that each file is read once per slice.
-[[nodiscard]] ConditionJob makeConditionJob(const TAV_Cond_Pars& cond, const std::vector<const VoiTc*>& references,
+[[nodiscard]] ConditionJob makeConditionJob(const TAV_Cond_Pars& cond,
+                                            const std::vector<const VoiTc*>& references,
                                             const TAV_Pars& request, const RunOptions& options);
 
 struct RawStores {

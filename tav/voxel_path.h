@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <ostream>
 #include <span>
 #include <vector>
 
@@ -30,10 +31,10 @@ struct VoxelFile {
 
 // One interval set of a condition. The matrices outlive the job.
 struct VoxelSet {
-  int file;                              // index into VoxelJob::files
-  const simo::Matrix<float>* reference;  // one row; column = volume, from 1
-  const simo::Matrix<float>* surrogates; // one row per surrogate, the same columns
-  std::span<const TAV_intv> intervals;   // valid: longer than the order, inside file and reference
+  int file;                               // index into VoxelJob::files
+  const simo::Matrix<float>* reference;   // one row; column = volume, from 1
+  const simo::Matrix<float>* surrogates;  // one row per surrogate, the same columns
+  std::span<const TAV_intv> intervals;    // valid: longer than the order, inside file and reference
 };
 
 // What stays the same for all voxels of one reference and condition.
@@ -73,9 +74,11 @@ class VoxelPath {
                        VoxelCounts& counts) = 0;
 };
 
-// The path that this run uses: the one that the environment variable TAVMAP_KERNEL names, else
-// the best for this machine.
-[[nodiscard]] std::unique_ptr<VoxelPath> makeVoxelPath();
+// The path that this run uses: the one that the environment variable TAVMAP_KERNEL names
+// (reference, scalar, baseline, avx2 or avx512), else the fastest for this machine. Null, with the
+// reason in `errors`, when the variable names a path that this program or this CPU does not have:
+// a run that was to be forced never takes another path silently.
+[[nodiscard]] std::unique_ptr<VoxelPath> makeVoxelPath(std::ostream& errors);
 
 }  // namespace tav
 

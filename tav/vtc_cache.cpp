@@ -10,6 +10,15 @@
 namespace tav {
 namespace {
 
+// A piece of this size is still in the second-level cache when its voxels are computed.
+constexpr std::size_t kPieceBytes = 256 * 1024;
+
+std::size_t voxelsInPiece(const VTC_Header& header) {
+  const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);
+  const std::size_t inSlice = static_cast<std::size_t>(sliceValues(header)) / volumes;
+  return std::clamp<std::size_t>(kPieceBytes / (volumes * valueBytes(header)), 1, std::max<std::size_t>(inSlice, 1));
+}
+
 // Data values that the file holds behind its header.
 std::size_t valuesInFile(std::FILE* file, const VTC_Header& header) {
   if (std::fseek(file, 0, SEEK_END) != 0) return 0;
@@ -45,7 +54,9 @@ VtcFile::VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stre
       header(fileHeader),
       fp(stream),
       sliceSize(sliceValues(fileHeader)),
-      bufferSize_(std::min(static_cast<std::size_t>(sliceSize), valuesInFile(stream, fileHeader))) {
+      voxelsPerRead_(voxelsInPiece(fileHeader)),
+      bufferSize_(std::min(voxelsPerRead_ * static_cast<std::size_t>(fileHeader.nrOfVolumes),
+                           valuesInFile(stream, fileHeader))) {
   if (isFloat()) {
     floatSlice = std::make_unique_for_overwrite<float[]>(bufferSize_);
   } else {
@@ -54,19 +65,26 @@ VtcFile::VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stre
   rewind();
 }
 
-VtcFile::~VtcFile() { std::fclose(fp); }
+VtcFile::~VtcFile() {
+  std::fclose(fp);
+}
 
-void VtcFile::rewind() { std::fseek(fp, header.dataOffset, SEEK_SET); }
+void VtcFile::rewind() {
+  std::fseek(fp, header.dataOffset, SEEK_SET);
+}
 
-bool VtcFile::readSlice() {
+bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
+  const std::size_t wanted = nrOfVoxels * static_cast<std::size_t>(header.nrOfVolumes);
+  if (wanted > bufferSize_) return false;
   void* const buffer = isFloat() ? static_cast<void*>(floatSlice.get()) : static_cast<void*>(shortSlice.get());
-  return std::fread(buffer, valueBytes(header), bufferSize_, fp) == static_cast<std::size_t>(sliceSize);
+  return std::fread(buffer, valueBytes(header), wanted, fp) == wanted;
 }
 
 int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
   for (const TAV_Cond_Pars& cond : request.conds) {
     for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
-      for (const auto& [name, entry] : {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
+      for (const auto& [name, entry] :
+           {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
         *entry = getOpenVtc(*name);
         if (*entry != nullptr) continue;
         auto opened = openVtc(*name, cond, errors);
@@ -79,7 +97,8 @@ int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
 }
 
 VtcFile* Computer::getOpenVtc(const std::string& name) const {
-  const auto found = std::find_if(vtcFiles.begin(), vtcFiles.end(), [&](const auto& file) { return file->name == name; });
+  const auto found =
+      std::find_if(vtcFiles.begin(), vtcFiles.end(), [&](const auto& file) { return file->name == name; });
   return found == vtcFiles.end() ? nullptr : found->get();
 }
 

@@ -1,4 +1,4 @@
-// What a run keeps of its data: every VTC file once, open, with one slice in memory; and every
+// What a run keeps of its data: every VTC file once, open, with a piece of a slice in memory; and every
 // reference's time course in every source VTC.
 #ifndef TAVMAP_TAV_VTC_CACHE_H
 #define TAVMAP_TAV_VTC_CACHE_H
@@ -14,7 +14,8 @@
 
 namespace tav {
 
-// One open VTC file. Owns its stream and its slice buffer.
+// One open VTC file. Owns its stream and its buffer, which holds whole time courses: as many as
+// stay in the processor's cache until they are used, and never more than a slice.
 struct VtcFile {
   // Takes over `stream`, which stands behind the header.
   VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stream);
@@ -25,8 +26,11 @@ struct VtcFile {
   [[nodiscard]] bool isFloat() const { return header.dataType == kVtcFloatData; }
   // Back to the first data value.
   void rewind();
-  // Reads the next slice into the buffer. False when the file holds less than a whole slice more.
-  [[nodiscard]] bool readSlice();
+  // Voxels that the buffer holds, at least 1.
+  [[nodiscard]] std::size_t voxelsPerRead() const { return voxelsPerRead_; }
+  // Reads the time courses of the next voxels, at most voxelsPerRead(), into the buffer. False when
+  // the file does not hold them all.
+  [[nodiscard]] bool readVoxels(std::size_t nrOfVoxels);
 
   std::string name;  // as the request gives it
   VTC_Header header;
@@ -36,8 +40,9 @@ struct VtcFile {
   std::unique_ptr<std::uint16_t[]> shortSlice;  // 16-bit data; else null
 
  private:
-  // Values that the buffer holds: a slice, or what the file has when that is less, so that a
-  // header that promises more than its file costs no memory.
+  std::size_t voxelsPerRead_;
+  // Values that the buffer holds: those of voxelsPerRead_ voxels, or what the file has when that is
+  // less, so that a header that promises more than its file costs no memory.
   std::size_t bufferSize_;
 };
 
@@ -48,10 +53,10 @@ struct VoiTc {
 
   std::string voiName;
   std::string vtcName;
-  simo::Matrix<float> tc;                         // 1 x volumes, row 1
-  simo::Matrix<float> noiseCov;                   // 1 x 1, 0-based: innovation variance
-  simo::Vector<simo::Matrix<float>> arCoefs;      // lags 1 ... order, each 1 x 1, 0-based
-  simo::Matrix<float> surrogates;                 // surrogates x volumes, rows from 1; zeros at first
+  simo::Matrix<float> tc;                     // 1 x volumes, row 1
+  simo::Matrix<float> noiseCov;               // 1 x 1, 0-based: innovation variance
+  simo::Vector<simo::Matrix<float>> arCoefs;  // lags 1 ... order, each 1 x 1, 0-based
+  simo::Matrix<float> surrogates;             // surrogates x volumes, rows from 1; zeros at first
 };
 
 }  // namespace tav

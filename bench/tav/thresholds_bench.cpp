@@ -29,6 +29,10 @@ void BM_Thresholds(benchmark::State& state) {
     benchmark::DoNotOptimize(tav::searchThresholds(rule, {0.01F, 0.05F, 0.1F}, a, b, 2));
   }
 }
-BENCHMARK(BM_Thresholds)->Args({106720, 0})->Args({106720, 1})->Args({231691, 0})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Thresholds)
+    ->Args({106720, 0})
+    ->Args({106720, 1})
+    ->Args({231691, 0})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -11,10 +11,14 @@ FakeHost* theHost = nullptr;
 
 const char* nameOf(PromptKind kind) {
   switch (kind) {
-    case PromptKind::kInteger: return "integer";
-    case PromptKind::kText: return "text";
-    case PromptKind::kOpen: return "open";
-    case PromptKind::kSave: return "save";
+    case PromptKind::kInteger:
+      return "integer";
+    case PromptKind::kText:
+      return "text";
+    case PromptKind::kOpen:
+      return "open";
+    case PromptKind::kSave:
+      return "save";
   }
   return "?";
 }
@@ -27,9 +31,13 @@ FakeHost::FakeHost() {
   linkedVtc.tr = 2000;
 }
 
-FakeHost::~FakeHost() { theHost = nullptr; }
+FakeHost::~FakeHost() {
+  theHost = nullptr;
+}
 
-FakeHost* FakeHost::current() { return theHost; }
+FakeHost* FakeHost::current() {
+  return theHost;
+}
 
 FakeHost& FakeHost::answerInteger(int value) {
   answers_.push_back({PromptKind::kInteger, value, "", false});
@@ -65,7 +73,8 @@ int FakeHost::callCount(const std::string& operation) const {
 std::unique_ptr<FakeHost::Answer> FakeHost::takeAnswer(const FakePrompt& prompt) {
   prompts.push_back(prompt);
   if (answers_.empty()) {
-    troubles.push_back(std::string("no answer left for the ") + nameOf(prompt.kind) + " prompt: " + prompt.text);
+    troubles.push_back(std::string("no answer left for the ") + nameOf(prompt.kind) +
+                       " prompt: " + prompt.text);
     return nullptr;
   }
   const Answer answer = answers_.front();
@@ -119,7 +128,9 @@ void FakeHost::createMaps(int nrOfMaps, int nrOfThresholds, const NR_VMPs_Header
   mapSet_ = std::move(set);
 }
 
-void FakeHost::deleteMaps() { mapSet_.reset(); }
+void FakeHost::deleteMaps() {
+  mapSet_.reset();
+}
 
 int FakeHost::getMapSet(NR_VMPs_Header& header) {
   if (mapSet_ == nullptr || failGetMapSet) return 0;

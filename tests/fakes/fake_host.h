@@ -49,7 +49,7 @@ struct FakePrompt {
 };
 
 struct FakeMap {
-  NR_VMP_Header header;  // its fdrThresholds points to `thresholds` of the current set's map
+  NR_VMP_Header header;       // its fdrThresholds points to `thresholds` of the current set's map
   std::vector<float> values;  // NaN until the plug-in writes them
   std::vector<float> thresholds;
 };

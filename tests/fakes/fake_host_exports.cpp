@@ -30,11 +30,21 @@ ZQ_EXPORT int zqGetPluginsPath(char* path) {
   return 1;
 }
 
-ZQ_EXPORT void zqShowLogTab() { host(__func__); }
-ZQ_EXPORT void zqLogText(const char* text) { host(__func__).log.emplace_back(text); }
-ZQ_EXPORT void zqMessageBox(const char* html) { host(__func__).messages.emplace_back(html); }
-ZQ_EXPORT void zqShowBusyCursor() { host(__func__).busyCursor = true; }
-ZQ_EXPORT void zqStopBusyCursor() { host(__func__).busyCursor = false; }
+ZQ_EXPORT void zqShowLogTab() {
+  host(__func__);
+}
+ZQ_EXPORT void zqLogText(const char* text) {
+  host(__func__).log.emplace_back(text);
+}
+ZQ_EXPORT void zqMessageBox(const char* html) {
+  host(__func__).messages.emplace_back(html);
+}
+ZQ_EXPORT void zqShowBusyCursor() {
+  host(__func__).busyCursor = true;
+}
+ZQ_EXPORT void zqStopBusyCursor() {
+  host(__func__).busyCursor = false;
+}
 
 ZQ_EXPORT int zqGetIntegerInput(const char* prompt, int initial, int min, int max) {
   return host(__func__).integerInput({fakes::PromptKind::kInteger, prompt, initial, min, max, "", "", ""});
@@ -62,7 +72,9 @@ ZQ_EXPORT int zqGetVTCOfCurrentVMR(VTC_Header* header) {
   return header->dataOffset == -1 ? 0 : 1;
 }
 
-ZQ_EXPORT int zqSetVTCParametersOfCurrentVMR(VTC_Header* header) { return host(__func__).setLinkedVtc(*header); }
+ZQ_EXPORT int zqSetVTCParametersOfCurrentVMR(VTC_Header* header) {
+  return host(__func__).setLinkedVtc(*header);
+}
 
 ZQ_EXPORT int zqGetVOIs(VOIs_Header* header) {
   const fakes::FakeHost& current = host(__func__);
@@ -106,7 +118,9 @@ ZQ_EXPORT int zqDeleteNRVMPsOfCurrentVMR() {
   return fakes::FakeHost::current()->deleteMapsResult;
 }
 
-ZQ_EXPORT int zqGetNRVMPsOfCurrentVMR(NR_VMPs_Header* header) { return host(__func__).getMapSet(*header); }
+ZQ_EXPORT int zqGetNRVMPsOfCurrentVMR(NR_VMPs_Header* header) {
+  return host(__func__).getMapSet(*header);
+}
 
 ZQ_EXPORT float* zqGetNRVMPOfCurrentVMR(int index, NR_VMP_Header* header) {
   return host(__func__).getMap(index, *header);

@@ -17,7 +17,9 @@ void put(std::string& bytes, T value) {
   bytes.append(raw, sizeof(T));
 }
 
-void putText(std::string& bytes, const std::string& text) { bytes.append(text.c_str(), text.size() + 1); }
+void putText(std::string& bytes, const std::string& text) {
+  bytes.append(text.c_str(), text.size() + 1);
+}
 
 }  // namespace
 

@@ -24,7 +24,8 @@ struct VtcSpec {
   [[nodiscard]] int dimY() const { return (yEnd - yStart) / resolution; }
   [[nodiscard]] int dimZ() const { return (zEnd - zStart) / resolution; }
   [[nodiscard]] std::size_t nrOfVoxels() const {
-    return static_cast<std::size_t>(dimX()) * static_cast<std::size_t>(dimY()) * static_cast<std::size_t>(dimZ());
+    return static_cast<std::size_t>(dimX()) * static_cast<std::size_t>(dimY()) *
+           static_cast<std::size_t>(dimZ());
   }
 };
 

@@ -38,6 +38,15 @@ TEST(Script, TakesAnEmptyText) {
   EXPECT_EQ(script.answers[0].value, "");
 }
 
+TEST(Script, IgnoresCommentsBehindAnswersButKeepsNumberSigns) {
+  const Script script = parseScript("integer 3   # the reference\ntext run #2\ntext a#b # c # d\n  #no blank\ntext\t#\n", "s.txt");
+  ASSERT_EQ(script.answers.size(), 4U);
+  EXPECT_EQ(script.answers[0].value, "3");
+  EXPECT_EQ(script.answers[1].value, "run #2");
+  EXPECT_EQ(script.answers[2].value, "a#b");
+  EXPECT_EQ(script.answers[3].value, "");
+}
+
 TEST(Script, NamesLineAndKnownTagsForAnUnknownOne) {
   const auto end = endingOf([] { parseScript("text a\nintger 3\n", "s.txt"); });
   EXPECT_EQ(end.exitCode, host::kExitBadInput);

@@ -28,7 +28,9 @@ struct ReadHeader {
   long position;
 };
 
-VTC_Header usableHeader() { return ReadHeader(fakes::VtcSpec{}).header; }
+VTC_Header usableHeader() {
+  return ReadHeader(fakes::VtcSpec{}).header;
+}
 
 }  // namespace
 

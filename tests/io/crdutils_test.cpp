@@ -37,7 +37,8 @@ TEST(AnatomicalCoordinates, TalairachIsTurnedAndMirrored) {
   const std::int32_t voxels[] = {10, -20, 30, 0, 0, 0};
   std::int32_t out[6];
   toAnatomicalCoordinates(voxels, 2, true, out);
-  EXPECT_EQ((std::vector<std::int32_t>(out, out + 6)), (std::vector<std::int32_t>{148, 98, 118, 128, 128, 128}));
+  EXPECT_EQ((std::vector<std::int32_t>(out, out + 6)),
+            (std::vector<std::int32_t>{148, 98, 118, 128, 128, 128}));
   toAnatomicalCoordinates(voxels, 2, false, out);
   EXPECT_EQ((std::vector<std::int32_t>(out, out + 3)), (std::vector<std::int32_t>{10, -20, 30}));
 }

@@ -15,7 +15,8 @@ class OpenVtc {
   explicit OpenVtc(const fakes::VtcSpec& spec, std::size_t missingValues = 0) {
     std::vector<float> values;
     for (std::size_t voxel = 0; voxel < spec.nrOfVoxels(); ++voxel) {
-      for (int t = 0; t < spec.nrOfVolumes; ++t) values.push_back(static_cast<float>(10 * static_cast<int>(voxel) + t));
+      for (int t = 0; t < spec.nrOfVolumes; ++t)
+        values.push_back(static_cast<float>(10 * static_cast<int>(voxel) + t));
     }
     values.resize(values.size() - missingValues);
     open(spec, values);
@@ -27,8 +28,8 @@ class OpenVtc {
   bool fetch(const std::vector<std::int32_t>& voxels, bool talairach = false) {
     const auto nVoxels = static_cast<std::int32_t>(voxels.size() / 3);
     std::vector<std::int32_t> work(voxels.size());
-    ok = getVOITcFromVTC<float, tc_accum_avgW<float>>(file, header, voxels.data(), nVoxels, talairach ? 1 : 0, out, 2,
-                                                      work.data(), report);
+    ok = getVOITcFromVTC<float, tc_accum_avgW<float>>(file, header, voxels.data(), nVoxels, talairach ? 1 : 0,
+                                                      out, 2, work.data(), report);
     return ok;
   }
   [[nodiscard]] std::vector<float> course() const { return {out[2] + 1, out[2] + 1 + header.nrOfVolumes}; }
@@ -52,7 +53,8 @@ std::vector<std::int32_t> cube(std::int32_t centre, std::int32_t radius) {
   std::vector<std::int32_t> voxels;
   for (std::int32_t x = -radius; x <= radius; ++x)
     for (std::int32_t y = -radius; y <= radius; ++y)
-      for (std::int32_t z = -radius; z <= radius; ++z) voxels.insert(voxels.end(), {centre + x, centre + y, centre + z});
+      for (std::int32_t z = -radius; z <= radius; ++z)
+        voxels.insert(voxels.end(), {centre + x, centre + y, centre + z});
   return voxels;
 }
 
@@ -140,6 +142,7 @@ TEST(VoiTimeCourse, TheFormWithoutReportGivesTheSame) {
   OpenVtc vtc(wideBox(1));
   const std::int32_t voxels[] = {1, 2, 3};
   std::int32_t work[3];
-  ASSERT_TRUE((getVOITcFromVTC<float, tc_accum_avgW<float>>(vtc.file, vtc.header, voxels, 1, 0, vtc.out, 2, work)));
+  ASSERT_TRUE(
+      (getVOITcFromVTC<float, tc_accum_avgW<float>>(vtc.file, vtc.header, voxels, 1, 0, vtc.out, 2, work)));
   EXPECT_EQ(vtc.course()[0], 10.0F * ((3 * 4 + 2) * 4 + 1));
 }

@@ -17,8 +17,12 @@ class Condition : public RunTest {
     EXPECT_EQ(computer.simSurrogateVOITCs(pars, log, errors), tav::kSuccess);
     return computer.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors);
   }
-  [[nodiscard]] float observed(int measure, std::size_t voxel) const { return computer.rawMaps1->values(measure)[voxel]; }
-  [[nodiscard]] float null(int measure, std::size_t voxel) const { return computer.rawMaps2->values(measure)[voxel]; }
+  [[nodiscard]] float observed(int measure, std::size_t voxel) const {
+    return computer.rawMaps1->values(measure)[voxel];
+  }
+  [[nodiscard]] float null(int measure, std::size_t voxel) const {
+    return computer.rawMaps2->values(measure)[voxel];
+  }
 
   fakes::VtcSpec spec = fakes::cellGrid(2, 1, 2, 40);
   tav::Computer computer;
@@ -48,8 +52,8 @@ TEST_F(Condition, NamesSourceAndTargetOfPairs) {
   pars.separateSrcTrgVtcs = true;
   pars.conds[0].vtcIntvSets[0].trgVtcName = writeNoise("t.vtc", spec, 9);
   ASSERT_EQ(compute(pars), tav::kSuccess);
-  EXPECT_THAT(log.str(), HasSubstr("\tSrc VTC: " + folder.file("noise.vtc") + "\n\tTrg VTC: " + folder.file("t.vtc") +
-                                   "\n\tintv(s):\n"));
+  EXPECT_THAT(log.str(), HasSubstr("\tSrc VTC: " + folder.file("noise.vtc") +
+                                   "\n\tTrg VTC: " + folder.file("t.vtc") + "\n\tintv(s):\n"));
 }
 
 TEST_F(Condition, LogsNothingInThePaneUnlessWanted) {
@@ -67,7 +71,8 @@ TEST_F(Condition, ShowsProgressInTens) {
     expected.push_back("// TAV>\t" + std::to_string(percent) + "%...");
   }
   expected.emplace_back(
-      "// TAV>\tVoxels skipped: 0\t(0.0%)\n// TAV>\tVoxels ill-defined: 0\t(0.0%)\n// TAV>\tSurrogates ill-defined: "
+      "// TAV>\tVoxels skipped: 0\t(0.0%)\n// TAV>\tVoxels ill-defined: 0\t(0.0%)\n// TAV>\tSurrogates "
+      "ill-defined: "
       "0\t(0.0%)");
   EXPECT_EQ(host.log, expected);
 }
@@ -88,7 +93,8 @@ TEST_F(Condition, CutsTheCounterLineAt127Characters) {
   addCondition(pars, "c", writeVtc("flat.vtc", spec, [](int, int, int, int) { return 0.0F; }), {{1, 3}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
   const std::string whole =
-      "// TAV>\tVoxels skipped: 120000\t(100.0%)\n// TAV>\tVoxels ill-defined: 0\t(0.0%)\n// TAV>\tSurrogates "
+      "// TAV>\tVoxels skipped: 120000\t(100.0%)\n// TAV>\tVoxels ill-defined: 0\t(0.0%)\n// "
+      "TAV>\tSurrogates "
       "ill-defined: 0\t(0.0%)";
   EXPECT_EQ(host.log.back(), whole.substr(0, 127));
 }
@@ -100,11 +106,13 @@ TEST_F(Condition, RejectsIntervalsOutsideTheSource) {
     errors.str("");
     tav::Computer fresh;
     ASSERT_EQ(fresh.Init(pars, errors), tav::kSuccess);
-    EXPECT_EQ(fresh.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors), tav::kInvalidParameters);
-    EXPECT_EQ(errors.str(), "An interval (" + std::to_string(bad.first) + ", " + std::to_string(bad.last) +
-                                ") for vtc '" + folder.file("noise.vtc") +
-                                "', 40 volumes, in condition 'rest' was wrongly specified (N.B. last-first+1 must be "
-                                "greater than AR-order(1))");
+    EXPECT_EQ(fresh.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors),
+              tav::kInvalidParameters);
+    EXPECT_EQ(errors.str(),
+              "An interval (" + std::to_string(bad.first) + ", " + std::to_string(bad.last) + ") for vtc '" +
+                  folder.file("noise.vtc") +
+                  "', 40 volumes, in condition 'rest' was wrongly specified (N.B. last-first+1 must be "
+                  "greater than AR-order(1))");
   }
 }
 
@@ -114,7 +122,8 @@ TEST_F(Condition, RejectsIntervalsBeyondTheTarget) {
   pars.conds[0].vtcIntvSets[0].trgVtcName = writeNoise("short.vtc", spec, 2);
   pars.conds[0].vtcIntvSets[0].intervals = {{1, 31}};
   EXPECT_EQ(compute(pars), tav::kInvalidParameters);
-  EXPECT_THAT(errors.str(), HasSubstr("An interval (1, 31) for vtc '" + folder.file("short.vtc") + "', 30 volumes, "));
+  EXPECT_THAT(errors.str(),
+              HasSubstr("An interval (1, 31) for vtc '" + folder.file("short.vtc") + "', 30 volumes, "));
 }
 
 TEST_F(Condition, AnIntervalIsLongerThanTheOrder) {
@@ -131,9 +140,11 @@ TEST_F(Condition, AMissingCourseIsAnInternalError) {
   tav::TAV_Pars pars = simpleRequest(spec);
   ASSERT_EQ(computer.Init(pars, errors), tav::kSuccess);
   pars.vois[0].name = "other";
-  EXPECT_EQ(computer.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors), tav::kTerminalError);
-  EXPECT_EQ(errors.str(),
-            "Failed to retrieve precomputed voi time-course for VOI 'other', Condition 'rest' (internal error)");
+  EXPECT_EQ(computer.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors),
+            tav::kTerminalError);
+  EXPECT_EQ(
+      errors.str(),
+      "Failed to retrieve precomputed voi time-course for VOI 'other', Condition 'rest' (internal error)");
 }
 
 TEST_F(Condition, ATruncatedFileIsNoticed) {
@@ -146,7 +157,8 @@ TEST_F(Condition, ATruncatedFileIsNoticed) {
     errors.str("");
     tav::Computer fresh;
     ASSERT_EQ(fresh.Init(pars, errors), tav::kSuccess);
-    EXPECT_EQ(fresh.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors), tav::kTerminalError);
+    EXPECT_EQ(fresh.compVOIConditionTAVs(pars.vois[0], pars.conds[0], pars, log, errors),
+              tav::kTerminalError);
     EXPECT_EQ(errors.str(), "Could not read data from vtc '" + path +
                                 "'\nThe file was corrupted (not of expected size) or made inaccessible");
   }
@@ -155,10 +167,13 @@ TEST_F(Condition, ATruncatedFileIsNoticed) {
 TEST_F(Condition, SkipsVoxelsWhoseFirstValueIsNotAboveTheThreshold) {
   tav::TAV_Pars pars = requestOn(spec);
   Noise noise(5);
-  addCondition(pars, "c", writeVtc("v.vtc", spec, [&](int x, int, int z, int t) {
-    if (t == 0 && x == 1) return z == 0 ? 100.0F : 101.0F;
-    return 1000.0F + 50.0F * noise();
-  }), {{1, 40}});
+  addCondition(pars, "c",
+               writeVtc("v.vtc", spec,
+                        [&](int x, int, int z, int t) {
+                          if (t == 0 && x == 1) return z == 0 ? 100.0F : 101.0F;
+                          return 1000.0F + 50.0F * noise();
+                        }),
+               {{1, 40}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
   EXPECT_EQ(observed(0, 1), 0.0F);
   EXPECT_EQ(null(2, 1), 0.0F);
@@ -170,9 +185,8 @@ TEST_F(Condition, SkipsAVoxelThatIsTooLowInOneOfItsFiles) {
   tav::TAV_Pars pars = requestOn(spec);
   const std::string high = writeNoise("high.vtc", spec, 1);
   Noise noise(5);
-  const std::string low = writeVtc("low.vtc", spec, [&](int x, int, int, int) {
-    return x == 1 ? 7.0F : 1000.0F + 50.0F * noise();
-  });
+  const std::string low = writeVtc(
+      "low.vtc", spec, [&](int x, int, int, int) { return x == 1 ? 7.0F : 1000.0F + 50.0F * noise(); });
   pars.conds.push_back({"c", {{high, high, {{1, 40}}}, {low, low, {}}}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
   EXPECT_THAT(log.str(), HasSubstr("\tVoxels skipped: 2\t(50%)\n"));
@@ -182,12 +196,16 @@ TEST_F(Condition, SkipsBackgroundOfFloatData) {
   spec.dataType = 2;
   tav::TAV_Pars pars = requestOn(spec);
   Noise noise(5);
-  addCondition(pars, "c", writeVtc("v.vtc", spec, [&](int x, int, int z, int) {
-    const float value = 1000.0F + 50.0F * noise();
-    return x == 0 ? value : z == 0 ? kNaN : 100.0F;
-  }), {{1, 40}});
+  addCondition(pars, "c",
+               writeVtc("v.vtc", spec,
+                        [&](int x, int, int z, int) {
+                          const float value = 1000.0F + 50.0F * noise();
+                          return x == 0 ? value : z == 0 ? kNaN : 100.0F;
+                        }),
+               {{1, 40}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
-  EXPECT_THAT(log.str(), HasSubstr("\tVoxels skipped: 2\t(50%)\n")) << "a first value that is NaN skips the voxel";
+  EXPECT_THAT(log.str(), HasSubstr("\tVoxels skipped: 2\t(50%)\n"))
+      << "a first value that is NaN skips the voxel";
   EXPECT_EQ(observed(0, 1), 0.0F);
 }
 
@@ -195,10 +213,13 @@ TEST_F(Condition, NaNAfterTheFirstValueReachesTheRawMap) {
   spec.dataType = 2;
   tav::TAV_Pars pars = requestOn(spec);
   Noise noise(5);
-  addCondition(pars, "c", writeVtc("v.vtc", spec, [&](int x, int, int z, int t) {
-    const float value = 1000.0F + 50.0F * noise();
-    return x == 1 && z == 1 && t == 7 ? kNaN : value;
-  }), {{1, 40}});
+  addCondition(pars, "c",
+               writeVtc("v.vtc", spec,
+                        [&](int x, int, int z, int t) {
+                          const float value = 1000.0F + 50.0F * noise();
+                          return x == 1 && z == 1 && t == 7 ? kNaN : value;
+                        }),
+               {{1, 40}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
   EXPECT_TRUE(std::isnan(observed(0, 3)));
   EXPECT_FALSE(std::isnan(observed(0, 1)));
@@ -207,13 +228,30 @@ TEST_F(Condition, NaNAfterTheFirstValueReachesTheRawMap) {
 TEST_F(Condition, AConstantVoxelIsIllDefined) {
   tav::TAV_Pars pars = requestOn(spec);
   Noise noise(5);
-  addCondition(pars, "c", writeVtc("v.vtc", spec, [&](int x, int, int, int) {
-    return x == 1 ? 500.0F : 1000.0F + 50.0F * noise();
-  }), {{1, 40}});
+  addCondition(pars, "c",
+               writeVtc("v.vtc", spec,
+                        [&](int x, int, int, int) { return x == 1 ? 500.0F : 1000.0F + 50.0F * noise(); }),
+               {{1, 40}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
   EXPECT_EQ(observed(0, 1), 0.0F);
   EXPECT_EQ(null(0, 1), 0.0F);
   EXPECT_THAT(log.str(), HasSubstr("\tVoxels ill-defined: 2\t(50%)\n"));
+}
+
+TEST_F(Condition, CountsFailedNullFitsAndSetsThemToZero) {
+  spec.dataType = 2;
+  tav::TAV_Pars pars = requestOn(spec);
+  Noise noise(5);
+  // The reference has no surrogates: its course is incomplete, though not in the interval.
+  addCondition(
+      pars, "c",
+      writeVtc("v.vtc", spec,
+               [&](int x, int, int, int t) { return x == 0 && t == 39 ? kNaN : 1000.0F + 50.0F * noise(); }),
+      {{1, 30}});
+  ASSERT_EQ(compute(pars), tav::kSuccess);
+  EXPECT_GT(observed(0, 1), 0.0F);
+  EXPECT_EQ(null(0, 1), 0.0F);
+  EXPECT_THAT(log.str(), HasSubstr("\tVoxels ill-defined: 0\t(0%)\n\tSurrogates ill-defined: 4\t(100%)\n"));
 }
 
 TEST_F(Condition, WithoutIntervalsEveryVoxelIsIllDefined) {

@@ -30,7 +30,8 @@ std::vector<float> thresholdsOf(const std::vector<float>& qs, const std::vector<
 }
 
 std::vector<tav::MapThreshold> search(tav::ThresholdRule rule, const std::vector<float>& qs,
-                                      const std::vector<float>& observed, const std::vector<float>& null, int cv) {
+                                      const std::vector<float>& observed, const std::vector<float>& null,
+                                      int cv) {
   std::vector<float> a, b;
   tav::appendMagnitudes(observed, a);
   tav::appendMagnitudes(null, b);
@@ -39,7 +40,9 @@ std::vector<tav::MapThreshold> search(tav::ThresholdRule rule, const std::vector
 
 // The walk as it is described, one q at a time, with counts by exhaustive comparison.
 // "Greater" orders NaN below every number.
-bool greater(float a, float b) { return std::isnan(b) ? !std::isnan(a) : a > b; }
+bool greater(float a, float b) {
+  return std::isnan(b) ? !std::isnan(a) : a > b;
+}
 
 std::vector<float> magnitudesDescending(const std::vector<float>& values) {
   std::vector<float> result;
@@ -50,7 +53,9 @@ std::vector<float> magnitudesDescending(const std::vector<float>& values) {
   return result;
 }
 
-double constantOf(int cv, std::size_t m) { return cv == 2 ? static_cast<double>(std::log(static_cast<float>(m)) + 0.5772F) : 1.0; }
+double constantOf(int cv, std::size_t m) {
+  return cv == 2 ? static_cast<double>(std::log(static_cast<float>(m)) + 0.5772F) : 1.0;
+}
 
 float literalWalk(float q, const std::vector<float>& observed, const std::vector<float>& null, int cv) {
   const auto a = magnitudesDescending(observed);
@@ -58,10 +63,12 @@ float literalWalk(float q, const std::vector<float>& observed, const std::vector
   if (a.empty() || b.empty()) return 0.0F;
   const double c = constantOf(cv, a.size());
   for (std::size_t r = 1; r <= a.size(); ++r) {
-    auto count = static_cast<std::size_t>(std::count_if(b.begin(), b.end(), [&](float v) { return greater(v, a[r - 1]); }));
+    auto count = static_cast<std::size_t>(
+        std::count_if(b.begin(), b.end(), [&](float v) { return greater(v, a[r - 1]); }));
     if (count == b.size()) --count;  // the walk's index stops at the smallest one
     const double p = static_cast<double>(count) / static_cast<double>(b.size());
-    const double bound = static_cast<double>(r) / static_cast<double>(a.size()) * (static_cast<double>(q) / c);
+    const double bound =
+        static_cast<double>(r) / static_cast<double>(a.size()) * (static_cast<double>(q) / c);
     if (p > bound) {
       const float threshold = a[r == 1 ? 0 : r - 2];
       return std::isnan(threshold) ? 0.0F : threshold;
@@ -80,7 +87,8 @@ float literalStepUp(float q, const std::vector<float>& observed, const std::vect
     const auto r = std::count_if(a.begin(), a.end(), [&](float v) { return v >= t; });
     const auto count = std::count_if(b.begin(), b.end(), [&](float v) { return v >= t; });
     const double p = static_cast<double>(1 + count) / static_cast<double>(b.size() + 1);
-    if (p <= static_cast<double>(r) / static_cast<double>(a.size()) * (static_cast<double>(q) / c)) threshold = std::min(threshold, t);
+    if (p <= static_cast<double>(r) / static_cast<double>(a.size()) * (static_cast<double>(q) / c))
+      threshold = std::min(threshold, t);
   }
   return threshold;
 }
@@ -121,7 +129,8 @@ TEST(FdrThresholds, EqualALiteralWalkOnRandomMaps) {
     const auto thresholds = thresholdsOf(qs, random.observed, random.null, random.cv);
     std::sort(qs.begin(), qs.end());
     for (std::size_t k = 0; k < qs.size(); ++k) {
-      ASSERT_EQ(thresholds[k], literalWalk(qs[k], random.observed, random.null, random.cv)) << "seed " << seed;
+      ASSERT_EQ(thresholds[k], literalWalk(qs[k], random.observed, random.null, random.cv))
+          << "seed " << seed;
     }
   }
 }
@@ -129,8 +138,10 @@ TEST(FdrThresholds, EqualALiteralWalkOnRandomMaps) {
 TEST(FdrThresholds, StepUpEqualsALiteralSearchOnRandomMaps) {
   for (unsigned seed = 0; seed < 6000; ++seed) {
     const RandomCase random(seed);
-    for (const auto& result : search(tav::ThresholdRule::kStepUp, random.qs, random.observed, random.null, random.cv)) {
-      ASSERT_EQ(result.threshold, literalStepUp(result.q, random.observed, random.null, random.cv)) << "seed " << seed;
+    for (const auto& result :
+         search(tav::ThresholdRule::kStepUp, random.qs, random.observed, random.null, random.cv)) {
+      ASSERT_EQ(result.threshold, literalStepUp(result.q, random.observed, random.null, random.cv))
+          << "seed " << seed;
     }
   }
 }
@@ -161,7 +172,8 @@ TEST(FdrThresholds, AnEmptyMapFails) {
 }
 
 TEST(FdrThresholds, AMapOfZerosLeaves0) {
-  EXPECT_EQ(thresholdsOf({0.05F, 0.1F}, {0.0F, -0.0F, 0.0F}, {1.0F, 2.0F}, 1), (std::vector<float>{0.0F, 0.0F}));
+  EXPECT_EQ(thresholdsOf({0.05F, 0.1F}, {0.0F, -0.0F, 0.0F}, {1.0F, 2.0F}, 1),
+            (std::vector<float>{0.0F, 0.0F}));
 }
 
 TEST(FdrThresholds, ViolationAtTheFirstCandidateLeavesTheLargest) {

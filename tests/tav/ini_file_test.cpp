@@ -28,12 +28,17 @@ std::string refusal(const std::string& text) {
 }  // namespace
 
 TEST(IniFile, EmptyFilesAndCommentsChangeNothing) {
-  for (const char* const text : {"", "\n", "\n\n  \t\n// AutoRegressionOrder= 3\n//\n  // x", "//x\r\n\r\n"}) {
+  for (const char* const text :
+       {"", "\n", "\n\n  \t\n// AutoRegressionOrder= 3\n//\n  // x", "//x\r\n\r\n"}) {
     const Loaded loaded(text);
     EXPECT_TRUE(loaded.ok) << text;
     EXPECT_EQ(loaded.pars.arOrder, 1);
     EXPECT_EQ(loaded.err.str(), "");
   }
+}
+
+TEST(IniFile, ABlankLineForgetsTheKeyBefore) {
+  EXPECT_TRUE(Loaded("QThresholdsForFDR= 0.1\n\nAutoRegressionOrder= 2\n").ok);
 }
 
 TEST(IniFile, ReadsEveryKey) {
@@ -73,7 +78,8 @@ TEST(IniFile, MapTypesAreCaseSensitive) {
 }
 
 TEST(IniFile, QValuesKeepOrderAndDuplicates) {
-  EXPECT_EQ(Loaded("QThresholdsForFDR= 0.05 0.01 0.05").pars.qThresholds, (std::vector<float>{0.05F, 0.01F, 0.05F}));
+  EXPECT_EQ(Loaded("QThresholdsForFDR= 0.05 0.01 0.05").pars.qThresholds,
+            (std::vector<float>{0.05F, 0.01F, 0.05F}));
 }
 
 TEST(IniFile, CommentBehindQValuesIsAnItem) {
@@ -82,33 +88,42 @@ TEST(IniFile, CommentBehindQValuesIsAnItem) {
 }
 
 TEST(IniFile, QValuesLieBetween0And1) {
-  EXPECT_EQ(refusal("QThresholdsForFDR= 0.05 0"), "Invalid q-value for 'QThresholdsForFDR=' in TAVPlugin.ini: 0");
-  EXPECT_EQ(refusal("QThresholdsForFDR= 1.5"), "Invalid q-value for 'QThresholdsForFDR=' in TAVPlugin.ini: 1.5");
+  EXPECT_EQ(refusal("QThresholdsForFDR= 0.05 0"),
+            "Invalid q-value for 'QThresholdsForFDR=' in TAVPlugin.ini: 0");
+  EXPECT_EQ(refusal("QThresholdsForFDR= 1.5"),
+            "Invalid q-value for 'QThresholdsForFDR=' in TAVPlugin.ini: 1.5");
   EXPECT_EQ(refusal("QThresholdsForFDR= 1"), "Invalid q-value for 'QThresholdsForFDR=' in TAVPlugin.ini: 1");
 }
 
 TEST(IniFile, QValueKeyAloneFails) {
-  EXPECT_EQ(refusal("QThresholdsForFDR="), "No valid q-values for 'QThresholdsForFDR=' found in TAVPlugin.ini");
+  EXPECT_EQ(refusal("QThresholdsForFDR="),
+            "No valid q-values for 'QThresholdsForFDR=' found in TAVPlugin.ini");
 }
 
 TEST(IniFile, ScalarsOutsideTheirRangeFail) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"CVConstantForFDR= 3", "Invalid value for 'CVConstantForFDR=' in TAVPlugin.ini: 3 (must be 1 or 2)"},
       {"CVConstantForFDR= 0", "Invalid value for 'CVConstantForFDR=' in TAVPlugin.ini: 0 (must be 1 or 2)"},
-      {"AutoRegressionOrder= 21", "Invalid value for 'AutoRegressionOrder=' in TAVPlugin.ini: 21 (valid range 1 - 20)"},
-      {"AutoRegressionOrder= 0", "Invalid value for 'AutoRegressionOrder=' in TAVPlugin.ini: 0 (valid range 1 - 20)"},
+      {"AutoRegressionOrder= 21",
+       "Invalid value for 'AutoRegressionOrder=' in TAVPlugin.ini: 21 (valid range 1 - 20)"},
+      {"AutoRegressionOrder= 0",
+       "Invalid value for 'AutoRegressionOrder=' in TAVPlugin.ini: 0 (valid range 1 - 20)"},
       {"FirstTimePointInclusionThres= -1",
        "Invalid value for 'FirstTimePointInclusionThres=' in TAVPlugin.ini: -1 (must be >= 0)"},
-      {"ShowVerboseProgressLog= 2", "Invalid value for 'ShowVerboseProgressLog=' in TAVPlugin.ini: 2 (must be 0 or 1)"},
+      {"ShowVerboseProgressLog= 2",
+       "Invalid value for 'ShowVerboseProgressLog=' in TAVPlugin.ini: 2 (must be 0 or 1)"},
       {"NumSurrogateSimulations= 9",
        "Invalid value for 'NumSurrogateSimulations=' in TAVPlugin.ini: 9 (valid range 10 - 10000)"},
       {"NumDiscardedSimulatedTimePoints= 1001",
        "Invalid value for 'NumDiscardedSimulatedTimePoints=' in TAVPlugin.ini: 1001 (valid range 10 - 1000)"},
       {"DTAV_ITInstLowerThres= -0.5",
-       "Invalid value for 'DTAV_ITInstLowerThres=' in TAVPlugin.ini: -0.5 (must be >0, high values not recommended)"},
-      {"DTAV_RCUpperThres= 1", "Invalid value for 'DTAV_RCUpperThres=' in TAVPlugin.ini: 1 (valid range [0, 1) )"},
+       "Invalid value for 'DTAV_ITInstLowerThres=' in TAVPlugin.ini: -0.5 (must be >0, high values not "
+       "recommended)"},
+      {"DTAV_RCUpperThres= 1",
+       "Invalid value for 'DTAV_RCUpperThres=' in TAVPlugin.ini: 1 (valid range [0, 1) )"},
       {"MapScaleFactor= 1000.5",
-       "Invalid value for 'MapScaleFactor=' in TAVPlugin.ini: 1000.5 (must be bewteen 0.01 and 1000, inclusive)"},
+       "Invalid value for 'MapScaleFactor=' in TAVPlugin.ini: 1000.5 (must be bewteen 0.01 and 1000, "
+       "inclusive)"},
       {"SeparateSourceTargetVTCs= -1",
        "Invalid value for 'SeparateSourceTargetVTCs=' in TAVPlugin.ini: -1 (must be 0 or 1)"}};
   for (const auto& [line, message] : cases) EXPECT_EQ(refusal(line), message);
@@ -123,7 +138,8 @@ TEST(IniFile, BoundsThatAreAccepted) {
 
 TEST(IniFile, LowestScaleFactorIsLostToItsRounding) {
   EXPECT_EQ(refusal("MapScaleFactor= 0.01"),
-            "Invalid value for 'MapScaleFactor=' in TAVPlugin.ini: 0.01 (must be bewteen 0.01 and 1000, inclusive)");
+            "Invalid value for 'MapScaleFactor=' in TAVPlugin.ini: 0.01 (must be bewteen 0.01 and 1000, "
+            "inclusive)");
   EXPECT_TRUE(Loaded("MapScaleFactor= 0.011").ok);
 }
 
@@ -139,7 +155,8 @@ TEST(IniFile, KeyWithoutBlankIsUnknown) {
 }
 
 TEST(IniFile, LinesBeforeTheFirstErrorStay) {
-  const Loaded loaded("AutoRegressionOrder= 3\nCVConstantForFDR= 1\nNumSurrogateSimulations= 5\nMapScaleFactor= 7\n");
+  const Loaded loaded(
+      "AutoRegressionOrder= 3\nCVConstantForFDR= 1\nNumSurrogateSimulations= 5\nMapScaleFactor= 7\n");
   EXPECT_FALSE(loaded.ok);
   EXPECT_EQ(loaded.pars.arOrder, 3);
   EXPECT_EQ(loaded.pars.cvConstant, 1);
@@ -160,7 +177,8 @@ TEST(IniFile, QValueKeyAloneSeesTheScalarBefore) {
 }
 
 TEST(IniFile, ValuesThatAreNoNumbersFail) {
-  EXPECT_EQ(refusal("AutoRegressionOrder= two"), "Invalid entry for 'AutoRegressionOrder=' in TAVPlugin.ini: two");
+  EXPECT_EQ(refusal("AutoRegressionOrder= two"),
+            "Invalid entry for 'AutoRegressionOrder=' in TAVPlugin.ini: two");
   EXPECT_EQ(refusal("CVConstantForFDR= x"), "Invalid entry for 'CVConstantForFDR=' in TAVPlugin.ini: 'x'");
   EXPECT_EQ(refusal("NumSurrogateSimulations= 99999999999"),
             "Invalid entry for 'NumSurrogateSimulations=' in TAVPlugin.ini: 99999999999");

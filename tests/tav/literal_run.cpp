@@ -10,7 +10,9 @@ namespace {
 
 using Grid = std::vector<std::vector<double>>;
 
-Grid zeros(std::size_t rows, std::size_t columns) { return Grid(rows, std::vector<double>(columns, 0.0)); }
+Grid zeros(std::size_t rows, std::size_t columns) {
+  return Grid(rows, std::vector<double>(columns, 0.0));
+}
 
 // The volumes first ... last without mean and linear trend.
 Series detrended(const Series& series, int first, int last) {
@@ -31,7 +33,8 @@ Series detrended(const Series& series, int first, int last) {
 
 // Accumulated averages of several series: gamma[k](i, j) and pair[m][k](i, j).
 struct Averages {
-  Averages(std::size_t n, std::size_t p) : gamma(p + 1, zeros(n, n)), pair(p + 1, std::vector<Grid>(p + 1, zeros(n, n))) {}
+  Averages(std::size_t n, std::size_t p)
+      : gamma(p + 1, zeros(n, n)), pair(p + 1, std::vector<Grid>(p + 1, zeros(n, n))) {}
   std::vector<Grid> gamma;
   std::vector<std::vector<Grid>> pair;
 
@@ -123,7 +126,8 @@ Measures feedback(const Averages& averages) {
   const Grid joint = fit(averages, {0, 1}).errors;
   const double x = fit(averages, {0}).errors[0][0], y = fit(averages, {1}).errors[0][0];
   const double determinant = joint[0][0] * joint[1][1] - joint[0][1] * joint[1][0];
-  return {{std::log(y / joint[1][1]), std::log(x / joint[0][0]), std::log(joint[0][0] * joint[1][1] / determinant)}};
+  return {{std::log(y / joint[1][1]), std::log(x / joint[0][0]),
+           std::log(joint[0][0] * joint[1][1] / determinant)}};
 }
 
 // Normal numbers in pairs by the polar method, from the C library's generator.
@@ -180,7 +184,8 @@ Result run(const std::vector<Set>& sets, const Settings& settings) {
   const auto p = static_cast<std::size_t>(settings.order);
   const auto draws = static_cast<std::size_t>(settings.options.nullDraws);
   const std::size_t nrOfVoxels = sets[0].voxels.size();
-  Result result{std::vector<Measures>(nrOfVoxels), std::vector<std::vector<Measures>>(nrOfVoxels, std::vector<Measures>(draws))};
+  Result result{std::vector<Measures>(nrOfVoxels),
+                std::vector<std::vector<Measures>>(nrOfVoxels, std::vector<Measures>(draws))};
   for (std::size_t v = 0; v < nrOfVoxels; ++v) {
     bool included = true;
     for (const Set& set : sets) included = included && set.voxels[v][0] > settings.inclusionThreshold;
@@ -190,10 +195,12 @@ Result run(const std::vector<Set>& sets, const Settings& settings) {
     for (std::size_t s = 0; s < sets.size(); ++s) {
       for (const Interval& interval : sets[s].intervals) {
         const Series voxel = detrended(sets[s].voxels[v], interval.first, interval.last);
-        observed.add({detrended(sets[s].reference, interval.first, interval.last), voxel}, settings.options.lagPairForm);
+        observed.add({detrended(sets[s].reference, interval.first, interval.last), voxel},
+                     settings.options.lagPairForm);
         for (Averages& averages : null) {
           const auto drawn = static_cast<unsigned>(rand()) % static_cast<unsigned>(settings.nrOfSurrogates);
-          averages.add({detrended(surrogates[s][drawn], interval.first, interval.last), voxel}, settings.options.lagPairForm);
+          averages.add({detrended(surrogates[s][drawn], interval.first, interval.last), voxel},
+                       settings.options.lagPairForm);
         }
       }
     }

@@ -45,7 +45,8 @@ class LiteralRun : public RunTest, public ::testing::WithParamInterface<Case> {
     });
   }
 
-  [[nodiscard]] literal::Set literalSet(const std::string& path, const std::vector<tav::TAV_intv>& intervals) const {
+  [[nodiscard]] literal::Set literalSet(const std::string& path,
+                                        const std::vector<tav::TAV_intv>& intervals) const {
     const std::string bytes = fakes::readBytes(path);
     const std::size_t offset = fakes::vtcHeaderBytes(spec).size();
     const auto volumes = static_cast<std::size_t>(spec.nrOfVolumes);
@@ -54,11 +55,13 @@ class LiteralRun : public RunTest, public ::testing::WithParamInterface<Case> {
       auto& voxel = set.voxels.emplace_back();
       for (std::size_t t = 0; t < volumes; ++t) {
         const std::size_t at = offset + 2 * (v * volumes + t);
-        voxel.push_back(static_cast<unsigned char>(bytes[at]) + 256.0 * static_cast<unsigned char>(bytes[at + 1]));
+        voxel.push_back(static_cast<unsigned char>(bytes[at]) +
+                        256.0 * static_cast<unsigned char>(bytes[at + 1]));
       }
     }
     const std::size_t last = spec.nrOfVoxels() - 6;  // first voxel of the last slice
-    for (std::size_t t = 0; t < volumes; ++t) set.reference.push_back((set.voxels[0][t] + set.voxels[last][t]) / 2.0);
+    for (std::size_t t = 0; t < volumes; ++t)
+      set.reference.push_back((set.voxels[0][t] + set.voxels[last][t]) / 2.0);
     for (const auto& interval : intervals) set.intervals.push_back({interval.first, interval.last});
     return set;
   }
@@ -92,7 +95,8 @@ TEST_P(LiteralRun, GivesTheSameMeasuresDrawByDraw) {
   std::vector<float> furtherValues[3];
   if (further > 0) {
     for (const auto& block : computer.furtherNulls->blocks()) {
-      for (int m = 0; m < 3; ++m) furtherValues[m].insert(furtherValues[m].end(), block.plane(m), block.plane(m) + block.planeSize());
+      for (int m = 0; m < 3; ++m)
+        furtherValues[m].insert(furtherValues[m].end(), block.plane(m), block.plane(m) + block.planeSize());
     }
   }
   std::size_t included = 0;
@@ -100,10 +104,16 @@ TEST_P(LiteralRun, GivesTheSameMeasuresDrawByDraw) {
     const bool skipped = sets[0].voxels[v][0] <= 100.0;
     for (std::size_t m = 0; m < 3; ++m) {
       const int measure = static_cast<int>(m);
-      EXPECT_NEAR(static_cast<double>(computer.rawMaps1->values(measure)[v]), expected.observed[v].values[m], kTolerance) << v << " " << m;
-      EXPECT_NEAR(static_cast<double>(computer.rawMaps2->values(measure)[v]), expected.null[v][0].values[m], kTolerance) << v << " " << m;
+      EXPECT_NEAR(static_cast<double>(computer.rawMaps1->values(measure)[v]), expected.observed[v].values[m],
+                  kTolerance)
+          << v << " " << m;
+      EXPECT_NEAR(static_cast<double>(computer.rawMaps2->values(measure)[v]), expected.null[v][0].values[m],
+                  kTolerance)
+          << v << " " << m;
       for (std::size_t d = 0; d < further && !skipped; ++d) {
-        EXPECT_NEAR(static_cast<double>(furtherValues[m][included * further + d]), expected.null[v][d + 1].values[m], kTolerance) << v << " " << d;
+        EXPECT_NEAR(static_cast<double>(furtherValues[m][included * further + d]),
+                    expected.null[v][d + 1].values[m], kTolerance)
+            << v << " " << d;
       }
     }
     included += skipped ? 0 : 1;

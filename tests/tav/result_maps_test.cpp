@@ -51,9 +51,10 @@ TEST_F(ResultMaps, ThresholdNamesKeepTheOrderOfTheSettings) {
 TEST_F(ResultMaps, NeedAtLeastOneMap) {
   pars.mapTypes.clear();
   EXPECT_EQ(create(), tav::kInvalidParameters);
-  EXPECT_EQ(errors.str(),
-            "An invalid number of maps have to be computed: 0Number of conditions, and/or number of map types were "
-            "possibly invalid");
+  EXPECT_EQ(
+      errors.str(),
+      "An invalid number of maps have to be computed: 0Number of conditions, and/or number of map types were "
+      "possibly invalid");
   EXPECT_EQ(host.callCount("zqCreateNRVMPsForCurrentVMR"), 0);
 }
 
@@ -92,8 +93,9 @@ TEST_F(ResultMaps, WarnOfALogThatCannotBeWritten) {
   pars.resultPathPrefix = folder.file("missing/maps");
   ASSERT_EQ(create(), tav::kSuccess);
   EXPECT_EQ(save("x"), tav::kSuccess);
-  EXPECT_EQ(host.log[1], "// TAV> WARNING: Could not write the log " + folder.file("missing/maps_seed.log") +
-                             " (No such file or directory). Check the folder and the free space, then repeat the run.");
+  EXPECT_EQ(host.log[1],
+            "// TAV> WARNING: Could not write the log " + folder.file("missing/maps_seed.log") +
+                " (No such file or directory). Check the folder and the free space, then repeat the run.");
   EXPECT_EQ(errors.str(), "");
 }
 
@@ -112,9 +114,10 @@ TEST_F(ResultMaps, WarnOfTwoReferencesOfOneName) {
   pars.vois.back().voiIndex = 4;
   tav::warnOfEqualResultNames(pars);
   const std::string base = folder.file("maps_seed");
-  EXPECT_THAT(host.log, ElementsAre("// TAV> WARNING: VOI 1 'seed' and VOI 5 'seed' share the result files " + base +
-                                    ".tav and .log and the time course of the first: the later results replace the "
-                                    "earlier ones. Rename one of the two."));
+  EXPECT_THAT(host.log,
+              ElementsAre("// TAV> WARNING: VOI 1 'seed' and VOI 5 'seed' share the result files " + base +
+                          ".tav and .log and the time course of the first: the later results replace the "
+                          "earlier ones. Rename one of the two."));
 }
 
 TEST_F(ResultMaps, WarnOfNamesThatDifferInSeparatorsOnly) {
@@ -123,7 +126,9 @@ TEST_F(ResultMaps, WarnOfNamesThatDifferInSeparatorsOnly) {
   pars.vois.back().name = "a_b";
   pars.vois.back().voiIndex = 1;
   tav::warnOfEqualResultNames(pars);
-  EXPECT_THAT(host.log, ElementsAre("// TAV> WARNING: VOI 1 'a/b' and VOI 2 'a_b' share the result files " +
-                                    folder.file("maps_a_b") +
-                                    ".tav and .log: the later results replace the earlier ones. Rename one of the two."));
+  EXPECT_THAT(
+      host.log,
+      ElementsAre("// TAV> WARNING: VOI 1 'a/b' and VOI 2 'a_b' share the result files " +
+                  folder.file("maps_a_b") +
+                  ".tav and .log: the later results replace the earlier ones. Rename one of the two."));
 }

@@ -20,9 +20,12 @@ RunTest::RunTest() {
   simo::setTimeBase(4711);
 }
 
-RunTest::~RunTest() { simo::setTimeBase(std::nullopt); }
+RunTest::~RunTest() {
+  simo::setTimeBase(std::nullopt);
+}
 
-std::string RunTest::writeVtc(const std::string& name, const fakes::VtcSpec& spec, const VoxelFunction& value) const {
+std::string RunTest::writeVtc(const std::string& name, const fakes::VtcSpec& spec,
+                              const VoxelFunction& value) const {
   std::vector<float> values;
   for (int z = 0; z < spec.dimZ(); ++z)
     for (int y = 0; y < spec.dimY(); ++y)

@@ -136,9 +136,12 @@ TEST_F(Surrogates, ACourseWithMissingValuesDoesNotSpoilTheOthers) {
   spec.dataType = 2;
   tav::TAV_Pars pars = requestOn(spec);
   Noise noise(3);
-  addCondition(pars, "bad", writeVtc("bad.vtc", spec, [&](int, int, int, int t) {
-    return t == 5 ? std::numeric_limits<float>::quiet_NaN() : 1000.0F + noise();
-  }), {{1, 60}});
+  addCondition(pars, "bad",
+               writeVtc("bad.vtc", spec,
+                        [&](int, int, int, int t) {
+                          return t == 5 ? std::numeric_limits<float>::quiet_NaN() : 1000.0F + noise();
+                        }),
+               {{1, 60}});
   addCondition(pars, "good", writeNoise("good.vtc", spec, 4), {{1, 60}});
   ASSERT_EQ(simulate(pars), tav::kSuccess);
   EXPECT_THAT(surrogate(*computer->voiTcs[0], 0), Each(0.0F));
@@ -151,8 +154,9 @@ TEST_F(Surrogates, AMissingCourseIsAnInternalError) {
   ASSERT_EQ(simulate(pars), tav::kSuccess);
   pars.vois[0].name = "other";
   EXPECT_EQ(computer->simSurrogateVOITCs(pars, log, errors), tav::kTerminalError);
-  EXPECT_EQ(errors.str(),
-            "Failed to retrieve precomputed voi time-course for VOI 'other', Condition 'rest' (internal error)");
+  EXPECT_EQ(
+      errors.str(),
+      "Failed to retrieve precomputed voi time-course for VOI 'other', Condition 'rest' (internal error)");
 }
 
 TEST_F(Surrogates, AnnounceThemselvesWhenWanted) {

@@ -6,8 +6,8 @@
 
 TEST(TavPars, FreshRecordHoldsTheDefaults) {
   const tav::TAV_Pars pars;
-  EXPECT_EQ(pars.mapTypes, (std::set<tav::MapType>{tav::REF2VOX, tav::VOX2REF, tav::INST, tav::DTAV, tav::DTAV_IT,
-                                                   tav::DTAV_RC}));
+  EXPECT_EQ(pars.mapTypes, (std::set<tav::MapType>{tav::REF2VOX, tav::VOX2REF, tav::INST, tav::DTAV,
+                                                   tav::DTAV_IT, tav::DTAV_RC}));
   EXPECT_EQ(pars.qThresholds, (std::vector<float>{0.01F, 0.05F, 0.1F}));
   EXPECT_EQ(pars.cvConstant, 2);
   EXPECT_EQ(pars.arOrder, 1);

@@ -16,7 +16,8 @@ namespace {
 
 class WholeRun : public RunTest {
  protected:
-  int run(const tav::TAV_Pars& pars, const tav::RunOptions& options = {}, tav::RunObserver* observer = nullptr) {
+  int run(const tav::TAV_Pars& pars, const tav::RunOptions& options = {},
+          tav::RunObserver* observer = nullptr) {
     tav::Computer computer(options, observer);
     return computer.computeTAVs(pars, errors);
   }
@@ -31,7 +32,9 @@ class WholeRun : public RunTest {
 // Keeps what it is told.
 class Recorder : public tav::RunObserver {
  public:
-  void onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) override { nrOfReferences = voiTcs.size(); }
+  void onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) override {
+    nrOfReferences = voiTcs.size();
+  }
   void onCondition(const tav::ConditionOutcome& outcome) override {
     outcomes.push_back(outcome);
     firstValues.push_back(outcome.maps.empty() ? 0.0F : outcome.maps[0].values[1]);
@@ -50,10 +53,10 @@ TEST_F(WholeRun, CallsTheHostInOrder) {
   tav::TAV_Pars pars = simpleRequest(spec);
   pars.mapTypes = {tav::REF2VOX};
   ASSERT_EQ(run(pars), tav::kSuccess) << errors.str();
-  EXPECT_THAT(host.calls,
-              ElementsAre("zqDeleteNRVMPsOfCurrentVMR", "zqCreateNRVMPsForCurrentVMR", "zqGetNRVMPsOfCurrentVMR",
-                          "zqGetNRVMPOfCurrentVMR", "zqSetNRVMPParametersOfCurrentVMR", "zqSaveNRVMPsOfCurrentVMR",
-                          "zqLogText", "zqLogText", "zqDeleteNRVMPsOfCurrentVMR"));
+  EXPECT_THAT(host.calls, ElementsAre("zqDeleteNRVMPsOfCurrentVMR", "zqCreateNRVMPsForCurrentVMR",
+                                      "zqGetNRVMPsOfCurrentVMR", "zqGetNRVMPOfCurrentVMR",
+                                      "zqSetNRVMPParametersOfCurrentVMR", "zqSaveNRVMPsOfCurrentVMR",
+                                      "zqLogText", "zqLogText", "zqDeleteNRVMPsOfCurrentVMR"));
   EXPECT_THAT(host.troubles, IsEmpty());
   EXPECT_EQ(errors.str(), "");
 }
@@ -98,12 +101,14 @@ TEST_F(WholeRun, ShowsItsProgress) {
   tav::TAV_Pars pars = simpleRequest(spec);
   pars.showVerboseProgress = true;
   ASSERT_EQ(run(pars), tav::kSuccess);
-  EXPECT_THAT(host.log, ElementsAre("// TAV>\n// TAV> Generating surrogate ref time-courses...",
-                                    "// TAV>\n// TAV> VOI: <b>seed</b>",
-                                    "// TAV>\n// TAV>\tCondition: <em>rest</em>", "// TAV>\t0%...", "// TAV>\t50%...",
-                                    "// TAV>\t100%...", StartsWith("// TAV>\tVoxels skipped: 0"),
-                                    "// TAV>\n// TAV>\tComputing maps and thresholds... ",
-                                    StartsWith("// TAV>\n// TAV> Written data: "), StartsWith("// TAV> Written  log: ")));
+  EXPECT_THAT(
+      host.log,
+      ElementsAre("// TAV>\n// TAV> Generating surrogate ref time-courses...",
+                  "// TAV>\n// TAV> VOI: <b>seed</b>", "// TAV>\n// TAV>\tCondition: <em>rest</em>",
+                  "// TAV>\t0%...", "// TAV>\t50%...", "// TAV>\t100%...",
+                  StartsWith("// TAV>\tVoxels skipped: 0"),
+                  "// TAV>\n// TAV>\tComputing maps and thresholds... ",
+                  StartsWith("// TAV>\n// TAV> Written data: "), StartsWith("// TAV> Written  log: ")));
 }
 
 TEST_F(WholeRun, WithoutProgressOnlyWrittenFilesAreLogged) {
@@ -198,17 +203,20 @@ TEST_F(WholeRun, TellsItsObserverTheStatusOfEveryVoxel) {
   spec.dataType = 2;
   Noise noise(6);
   tav::TAV_Pars pars = requestOn(spec);
-  addCondition(pars, "c", writeVtc("v.vtc", spec, [&](int x, int, int z, int t) {
-    const float value = 1000.0F + 50.0F * noise();
-    if (x == 1) return 100.0F;
-    if (x == 2) return 500.0F;
-    return x == 3 && z == 1 && t == 9 ? std::numeric_limits<float>::infinity() : value;
-  }), {{1, 40}});
+  addCondition(pars, "c",
+               writeVtc("v.vtc", spec,
+                        [&](int x, int, int z, int t) {
+                          const float value = 1000.0F + 50.0F * noise();
+                          if (x == 1) return 100.0F;
+                          if (x == 2) return 500.0F;
+                          return x == 3 && z == 1 && t == 9 ? std::numeric_limits<float>::infinity() : value;
+                        }),
+               {{1, 40}});
   Recorder recorder;
   ASSERT_EQ(run(pars, {}, &recorder), tav::kSuccess);
   using enum tav::VoxelStatus;
-  EXPECT_THAT(recorder.outcomes[0].status, ElementsAre(kComputed, kBelowInclusion, kIllDefined, kComputed, kComputed,
-                                                       kBelowInclusion, kIllDefined, kNotFinite));
+  EXPECT_THAT(recorder.outcomes[0].status, ElementsAre(kComputed, kBelowInclusion, kIllDefined, kComputed,
+                                                       kComputed, kBelowInclusion, kIllDefined, kNotFinite));
   EXPECT_EQ(recorder.outcomes[0].counts.skipped, 2);
   EXPECT_EQ(recorder.outcomes[0].counts.illDefined, 2);
 }

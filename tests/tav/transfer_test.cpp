@@ -22,14 +22,16 @@ class Transfer : public RunTest {
     for (int measure = 0; measure < 3; ++measure) {
       for (std::size_t voxel = 0; voxel < computer->rawMaps1->nrOfVoxels(); ++voxel) {
         const float null = 0.1F * std::fabs(noise());
-        computer->rawMaps1->values(measure)[voxel] = voxel % 4 == 0 ? 0.0F : voxel < 30 ? 1.0F + null : 0.1F * std::fabs(noise());
+        computer->rawMaps1->values(measure)[voxel] = voxel % 4 == 0 ? 0.0F
+                                                     : voxel < 30   ? 1.0F + null
+                                                                    : 0.1F * std::fabs(noise());
         computer->rawMaps2->values(measure)[voxel] = voxel % 4 == 0 ? 0.0F : null;
       }
     }
   }
   int transfer(int condIndex) {
-    return computer->transferConditionResults(pars.vois[0], pars.conds[static_cast<std::size_t>(condIndex)], condIndex,
-                                              pars, errors);
+    return computer->transferConditionResults(pars.vois[0], pars.conds[static_cast<std::size_t>(condIndex)],
+                                              condIndex, pars, errors);
   }
   [[nodiscard]] const fakes::FakeMap& map(std::size_t index) const { return host.mapSet().maps[index]; }
 
@@ -44,8 +46,8 @@ TEST_F(Transfer, NamesMapsAfterTypeAndCondition) {
   ASSERT_EQ(transfer(0), tav::kSuccess);
   std::vector<std::string> names;
   for (std::size_t i = 0; i < 6; ++i) names.emplace_back(map(i).header.name);
-  EXPECT_THAT(names, ElementsAre("faces: Ref2Vox", "faces: Vox2Ref", "faces: Inst", "faces: dTAV", "faces: dTAV IT",
-                                 "faces: dTAV RC"));
+  EXPECT_THAT(names, ElementsAre("faces: Ref2Vox", "faces: Vox2Ref", "faces: Inst", "faces: dTAV",
+                                 "faces: dTAV IT", "faces: dTAV RC"));
 }
 
 TEST_F(Transfer, PutsConditionsBehindOneAnother) {
@@ -79,7 +81,8 @@ TEST_F(Transfer, SetsDisplayThresholds) {
   ASSERT_EQ(transfer(0), tav::kSuccess);
   for (std::size_t type = 0; type < 5; ++type) {
     EXPECT_EQ(map(type).header.lowerThreshold, map(type).thresholds[0]) << type;
-    EXPECT_EQ(map(type).header.upperThreshold, (type == tav::INST ? 5.0F : 3.0F) * map(type).thresholds[0]) << type;
+    EXPECT_EQ(map(type).header.upperThreshold, (type == tav::INST ? 5.0F : 3.0F) * map(type).thresholds[0])
+        << type;
   }
   EXPECT_EQ(map(tav::DTAV_RC).header.lowerThreshold, 0.2F);
   EXPECT_EQ(map(tav::DTAV_RC).header.upperThreshold, 0.7F);
@@ -89,8 +92,9 @@ TEST_F(Transfer, SetsDisplayThresholds) {
 TEST_F(Transfer, SetsColoursAndKind) {
   prepare();
   ASSERT_EQ(transfer(0), tav::kSuccess);
-  const std::int32_t expected[6][4] = {{64, 255, 0, 0},           {16384, 65280, 0, 0},       {4194304, 16711680, 0, 0},
-                                       {64, 255, 16384, 65280}, {64, 255, 16384, 65280}, {64, 255, 16384, 65280}};
+  const std::int32_t expected[6][4] = {{64, 255, 0, 0},           {16384, 65280, 0, 0},
+                                       {4194304, 16711680, 0, 0}, {64, 255, 16384, 65280},
+                                       {64, 255, 16384, 65280},   {64, 255, 16384, 65280}};
   for (std::size_t type = 0; type < 6; ++type) {
     const NR_VMP_Header& header = map(type).header;
     EXPECT_EQ(header.kind, 101);
@@ -121,7 +125,8 @@ TEST_F(Transfer, FailsWhenTheHostHasNoMap) {
   prepare();
   host.nullMapIndex = 2;
   EXPECT_EQ(transfer(0), tav::kTerminalError);
-  EXPECT_EQ(errors.str(), "Failed to retrieve an allocated CMP map-pointer for VOI 'seed', Condition 'faces'");
+  EXPECT_EQ(errors.str(),
+            "Failed to retrieve an allocated CMP map-pointer for VOI 'seed', Condition 'faces'");
 }
 
 TEST_F(Transfer, FailsForAnUnknownMapType) {
@@ -151,7 +156,8 @@ TEST_F(Transfer, StepUpWithoutSurvivorsWritesInfinity) {
   tav::RunOptions options;
   options.thresholdRule = tav::ThresholdRule::kStepUp;
   prepare(options);
-  for (std::size_t voxel = 0; voxel < computer->rawMaps2->nrOfVoxels(); ++voxel) computer->rawMaps2->values(2)[voxel] = 9.0F;
+  for (std::size_t voxel = 0; voxel < computer->rawMaps2->nrOfVoxels(); ++voxel)
+    computer->rawMaps2->values(2)[voxel] = 9.0F;
   ASSERT_EQ(transfer(0), tav::kSuccess);
   EXPECT_EQ(map(0).thresholds[0], std::numeric_limits<float>::infinity());
   EXPECT_EQ(map(0).header.lowerThreshold, std::numeric_limits<float>::infinity());

@@ -43,7 +43,8 @@ TEST_F(VoiTcs, HoldTheMeanCourseAndRoomForTheModel) {
   pars.arOrder = 2;
   ASSERT_EQ(fetch(), tav::kSuccess);
   const tav::VoiTc& voiTc = *computer.getFetchedVoiTc("seed", path);
-  EXPECT_THAT(std::vector<float>(voiTc.tc[1] + 1, voiTc.tc[1] + 5), ElementsAre(1101.0F, 1102.0F, 1103.0F, 1104.0F));
+  EXPECT_THAT(std::vector<float>(voiTc.tc[1] + 1, voiTc.tc[1] + 5),
+              ElementsAre(1101.0F, 1102.0F, 1103.0F, 1104.0F));
   EXPECT_EQ(voiTc.arCoefs.n, 2);
   EXPECT_EQ(voiTc.surrogates.nRows, 20);
   EXPECT_EQ(voiTc.surrogates.nCols, 4);
@@ -88,8 +89,8 @@ TEST_F(VoiTcs, VoxelsOutsideTheBoxAreReportedAndLeftOut) {
   pars.vois[0] = {"seed", 0, 3, voxels.data(), 0};
   ASSERT_EQ(fetch(), tav::kSuccess);
   EXPECT_EQ(computer.voiTcs[0]->tc[1][1], 1101.0F);
-  EXPECT_EQ(errors.str(), "WARNING: 2 of 3 voxels of VOI 'seed' lie outside the bounding box of vtc '" + path +
-                              "' and were left out\n");
+  EXPECT_EQ(errors.str(), "WARNING: 2 of 3 voxels of VOI 'seed' lie outside the bounding box of vtc '" +
+                              path + "' and were left out\n");
 }
 
 TEST_F(VoiTcs, NoVoxelInsideTheBoxFails) {
@@ -97,7 +98,8 @@ TEST_F(VoiTcs, NoVoxelInsideTheBoxFails) {
   pars.vois[0] = {"seed", 0, 1, voxels.data(), 0};
   EXPECT_EQ(fetch(), tav::kTerminalError);
   EXPECT_TRUE(computer.voiTcs.empty());
-  EXPECT_EQ(errors.str(), "WARNING: 1 of 1 voxels of VOI 'seed' lie outside the bounding box of vtc '" + path +
+  EXPECT_EQ(errors.str(), "WARNING: 1 of 1 voxels of VOI 'seed' lie outside the bounding box of vtc '" +
+                              path +
                               "' and were left out\n"
                               "Could not obtain time-course information from vtc-file for creation of a voi "
                               "time-course(internal error) for:\nvtc: " +

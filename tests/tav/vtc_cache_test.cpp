@@ -37,7 +37,7 @@ TEST_F(VtcCache, OpensSourceAndTargetOfAPair) {
   EXPECT_EQ(pars.conds[0].vtcIntvSets[0].trgVtc->name, folder.file("t.vtc"));
 }
 
-TEST_F(VtcCache, HoldsASliceOfTheFilesOwnType) {
+TEST_F(VtcCache, ReadsVoxelsOfTheFilesOwnType) {
   spec.dataType = 2;
   const tav::TAV_Pars floats = simpleRequest(spec);
   ASSERT_EQ(computer.openVTCFiles(floats, errors), tav::kSuccess);
@@ -46,11 +46,13 @@ TEST_F(VtcCache, HoldsASliceOfTheFilesOwnType) {
   EXPECT_NE(file.floatSlice, nullptr);
   EXPECT_EQ(file.shortSlice, nullptr);
   EXPECT_EQ(std::ftell(file.fp), file.header.dataOffset);
-  EXPECT_TRUE(file.readSlice());
-  EXPECT_TRUE(file.readSlice());
-  EXPECT_FALSE(file.readSlice()) << "there are two slices";
+  ASSERT_EQ(file.voxelsPerRead(), 4U) << "a small slice is read at once";
+  EXPECT_TRUE(file.readVoxels(4));
+  EXPECT_TRUE(file.readVoxels(3));
+  EXPECT_TRUE(file.readVoxels(1));
+  EXPECT_FALSE(file.readVoxels(1)) << "there are two slices of four voxels";
   file.rewind();
-  EXPECT_TRUE(file.readSlice());
+  EXPECT_TRUE(file.readVoxels(4));
 }
 
 TEST_F(VtcCache, FindsOpenFilesByNameAlone) {
@@ -69,13 +71,15 @@ TEST_F(VtcCache, AMissingFileStopsInitBeforeAnyCourseIsFetched) {
 }
 
 TEST_F(VtcCache, AForeignFileFailsWithTheHeaderMessage) {
-  for (const std::string& bytes : {std::string(), std::string("\x01\x00", 2), std::string("not a vtc at all")}) {
+  for (const std::string& bytes :
+       {std::string(), std::string("\x01\x00", 2), std::string("not a vtc at all")}) {
     tav::TAV_Pars pars = requestOn(spec);
     fakes::writeBytes(folder.file("bad.vtc"), bytes);
     addCondition(pars, "rest", folder.file("bad.vtc"), {{1, 5}});
     errors.str("");
     EXPECT_EQ(computer.openVTCFiles(pars, errors), tav::kTerminalError);
-    EXPECT_EQ(errors.str(), "Could not correctly read vtc-header file: " + folder.file("bad.vtc") + kHeaderMessage);
+    EXPECT_EQ(errors.str(),
+              "Could not correctly read vtc-header file: " + folder.file("bad.vtc") + kHeaderMessage);
     EXPECT_TRUE(computer.vtcFiles.empty());
   }
 }
@@ -103,7 +107,7 @@ TEST_F(VtcCache, ASmallFileWithALargeHeaderCostsNoMemory) {
   addCondition(pars, "rest", folder.file("big.vtc"), {{1, 5}});
   ASSERT_EQ(computer.openVTCFiles(pars, errors), tav::kSuccess);
   EXPECT_EQ(computer.vtcFiles[0]->sliceSize, 2000000000);
-  EXPECT_FALSE(computer.vtcFiles[0]->readSlice());
+  EXPECT_FALSE(computer.vtcFiles[0]->readVoxels(1));
 }
 
 TEST_F(VtcCache, AGridOtherThanTheRequestsIsRefused) {
@@ -148,4 +152,6 @@ TEST_F(VtcCache, CleanUpReleasesEverythingAndDeletesTheHostsMaps) {
   EXPECT_EQ(computer.crdBufCapacity, 0);
 }
 
-TEST_F(VtcCache, CleanUpWorksOnAFreshComputer) { EXPECT_EQ(computer.CleanUp(), 1); }
+TEST_F(VtcCache, CleanUpWorksOnAFreshComputer) {
+  EXPECT_EQ(computer.CleanUp(), 1);
+}

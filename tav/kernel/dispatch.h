@@ -1,0 +1,35 @@
+// Which kernels there are, which of them this CPU runs, and which one ran.
+#ifndef TAVMAP_TAV_KERNEL_DISPATCH_H
+#define TAVMAP_TAV_KERNEL_DISPATCH_H
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "tav/kernel/plan_view.h"
+
+namespace tav::kernel {
+
+struct Kernel {
+  const char* name;  // as TAVMAP_KERNEL spells it
+  int width;         // voxels at once
+  bool (*isSupported)();
+  void (*compute)(const PlanView&, const BatchView&, const WorkView&);
+  void (*prepare)(const IntervalView&, const RowsView&, const WorkView&);
+};
+
+// All kernels of this build, the fastest first. The last runs everywhere.
+[[nodiscard]] std::span<const Kernel> allKernels();
+// Null when there is none of that name.
+[[nodiscard]] const Kernel* findKernel(std::string_view name);
+// The first that this CPU runs.
+[[nodiscard]] const Kernel& bestKernel();
+
+// Runs `kernel` and counts the batch. The kernel must be supported.
+void run(const Kernel& kernel, const PlanView& plan, const BatchView& batch, const WorkView& work);
+// Batches that the kernel of that name has run in this process; 0 for unknown names.
+[[nodiscard]] std::uint64_t batchesRun(std::string_view name);
+
+}  // namespace tav::kernel
+
+#endif

@@ -1,0 +1,22 @@
+// The entry functions of the kernels, one pair per CPU file. Call them through dispatch.h, which
+// knows what this CPU can run.
+#ifndef TAVMAP_TAV_KERNEL_ENTRIES_H
+#define TAVMAP_TAV_KERNEL_ENTRIES_H
+
+#include "tav/kernel/plan_view.h"
+
+namespace tav::kernel {
+
+void computeScalar(const PlanView& plan, const BatchView& batch, const WorkView& work);
+void computeBaseline(const PlanView& plan, const BatchView& batch, const WorkView& work);
+void computeAvx2(const PlanView& plan, const BatchView& batch, const WorkView& work);
+void computeAvx512(const PlanView& plan, const BatchView& batch, const WorkView& work);
+
+void prepareScalar(const IntervalView& interval, const RowsView& rows, const WorkView& work);
+void prepareBaseline(const IntervalView& interval, const RowsView& rows, const WorkView& work);
+void prepareAvx2(const IntervalView& interval, const RowsView& rows, const WorkView& work);
+void prepareAvx512(const IntervalView& interval, const RowsView& rows, const WorkView& work);
+
+}  // namespace tav::kernel
+
+#endif

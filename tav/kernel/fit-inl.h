@@ -1,0 +1,250 @@
+// Autoregressive fits of W = kWidth voxels at once, one lane each. Included once per CPU file,
+// behind its Simd.
+//
+// Only error covariances are needed. The block Gram-Schmidt search of the reference path is a
+// Cholesky factorisation of the moment matrix of the lagged values, and what remains of the
+// current values' covariance after it does not depend on the order of the variables. Here the
+// voxel's lags y come before the reference's lags x:
+//
+//                 y lags   x lags
+//       y lags  [ yRows          ]      factored once per voxel; yields E_y
+//       x lags  [ xRows          ]      per reference or surrogate
+//       y now   [ yLast          ]      first half once per voxel
+//       x now   [ xLast          ]
+//
+// so that the voxel's own part is shared by its single model and by the joint models with the
+// reference and with every surrogate.
+//
+// Element (m, k) of a block of moments is the lag sum at distance m - k without the products of
+// the interval's end. Along a diagonal each element loses one product more:
+//       M(m, k) = M(m - 1, k - 1) - sum over intervals of tail(m - 1) tail(k - 1).
+//
+// A pivot counts as certain when it is further from 0 than kCertain times the series' sum of
+// squares, from which its moment was got by subtraction: the rounding error of moments and
+// factorisation is about 2p eps = 2.4e-6 of it, here as in the reference, so that a certain pivot
+// has the same sign in both whatever the order of variables. Behind a small pivot errors have
+// grown by its inverse, and the margin grows with them.
+#ifndef TAVMAP_TAV_KERNEL_FIT_INL_H
+#define TAVMAP_TAV_KERNEL_FIT_INL_H
+
+#include "tav/kernel/layout.h"
+#include "tav/kernel/plan_view.h"
+
+namespace tav::kernel {
+namespace {
+
+inline constexpr float kCertain = 1e-4F, kCertainPerGrowth = 1e-5F;
+
+// Lanes whose model certainly does not exist, and lanes that the reference path has to decide.
+template <class S>
+struct Doubts {
+  typename S::Mask failed = 0;
+  typename S::Mask unsure = 0;
+  typename S::Mask flat = 0;  // no variance at all: failed, whatever else is unsure
+  typename S::Floats growth = S::zero();  // largest sum of squares over pivot so far
+
+  // `value` must be positive; `squares` is the sum of squares behind it. NaN passes.
+  void check(typename S::Floats value, typename S::Floats squares) {
+    const auto margin = squares * S::larger(S::all(kCertain), growth * S::all(kCertainPerGrowth));
+    unsure |= S::lessEqual(S::magnitude(value), margin);
+    failed |= S::less(value, S::zero() - margin);
+  }
+  void noteGrowth(typename S::Floats squares, typename S::Floats inverseRoot) {
+    growth = S::larger(squares * inverseRoot * inverseRoot, growth);
+  }
+};
+
+// Own lag sums and tails of one series, in lanes.
+struct Series {
+  const float* own;    // [lag]
+  const float* tails;  // [interval][distance from the end]
+};
+
+// Rows of a lower factor: pointers to [column] in lanes, and 1 / diagonal.
+struct Factor {
+  float* rows[2 * kMaxOrder];
+  float* inverse;
+};
+
+template <class S>
+typename S::Floats at(const float* lanes, int i) {
+  return S::load(lanes + static_cast<std::ptrdiff_t>(i) * S::kWidth);
+}
+
+template <class S>
+void put(float* lanes, int i, typename S::Floats v) {
+  S::store(lanes + static_cast<std::ptrdiff_t>(i) * S::kWidth, v);
+}
+
+template <class S>
+typename S::Floats sumOfSquares(const float* row, int first, int end) {
+  auto even = S::zero(), odd = S::zero();
+  int i = first;
+  for (; i + 1 < end; i += 2) {
+    even = S::madd(at<S>(row, i), at<S>(row, i), even);
+    odd = S::madd(at<S>(row, i + 1), at<S>(row, i + 1), odd);
+  }
+  if (i < end) even = S::madd(at<S>(row, i), at<S>(row, i), even);
+  return even + odd;
+}
+
+template <class S>
+typename S::Floats dot(const float* a, const float* b, int end) {
+  auto sum = S::zero();
+  for (int i = 0; i < end; ++i) sum = S::madd(at<S>(a, i), at<S>(b, i), sum);
+  return sum;
+}
+
+// Turns moments into factor elements in columns first ... end - 1 of kRows rows; the columns
+// before are done. Two columns at a time share the loads of the rows.
+template <class S, int kRows>
+void eliminate(const Factor& factor, float* const* rows, int first, int end) {
+  using Floats = typename S::Floats;
+  int j = first;
+  for (; j + 1 < end; j += 2) {
+    const float* a = factor.rows[j];
+    const float* b = factor.rows[j + 1];
+    Floats atA[extent(kRows)], atB[extent(kRows)];
+    for (int r = 0; r < kRows; ++r) {
+      atA[r] = at<S>(rows[r], j);
+      atB[r] = at<S>(rows[r], j + 1);
+    }
+    for (int k = 0; k < j; ++k) {
+      const Floats inA = at<S>(a, k), inB = at<S>(b, k);
+#pragma GCC unroll 4
+      for (int r = 0; r < kRows; ++r) {
+        const Floats element = at<S>(rows[r], k);
+        atA[r] = S::msub(element, inA, atA[r]);
+        atB[r] = S::msub(element, inB, atB[r]);
+      }
+    }
+    const Floats between = at<S>(b, j);
+    for (int r = 0; r < kRows; ++r) {
+      atA[r] = atA[r] * at<S>(factor.inverse, j);
+      put<S>(rows[r], j, atA[r]);
+      put<S>(rows[r], j + 1, S::msub(atA[r], between, atB[r]) * at<S>(factor.inverse, j + 1));
+    }
+  }
+  if (j == end) return;
+  for (int r = 0; r < kRows; ++r) {
+    const Floats rest = at<S>(rows[r], j) - dot<S>(rows[r], factor.rows[j], j);
+    put<S>(rows[r], j, rest * at<S>(factor.inverse, j));
+  }
+}
+
+// Completes row i, whose columns before i are done. `squares`: the series' sum of squares.
+template <class S>
+void takePivot(const Factor& factor, int i, typename S::Floats squares, Doubts<S>& doubts) {
+  const auto pivot = at<S>(factor.rows[i], i) - sumOfSquares<S>(factor.rows[i], 0, i);
+  doubts.check(pivot, squares);
+  const auto diagonal = S::root(pivot);
+  const auto inverse = S::all(1.0F) / diagonal;
+  doubts.noteGrowth(squares, inverse);
+  put<S>(factor.rows[i], i, diagonal);
+  put<S>(factor.inverse, i, inverse);
+}
+
+// Factors rows first ... end - 1, which hold moments, behind the finished rows before them.
+template <class S>
+void factorRows(const Factor& factor, int first, int end, typename S::Floats squares, Doubts<S>& doubts) {
+  int i = first;
+  for (; i + 3 < end; i += 4) {
+    eliminate<S, 4>(factor, factor.rows + i, 0, i);
+    for (int r = i; r < i + 4; ++r) {
+      eliminate<S, 1>(factor, factor.rows + r, i, r);
+      takePivot<S>(factor, r, squares, doubts);
+    }
+  }
+  for (; i < end; ++i) {
+    eliminate<S, 1>(factor, factor.rows + i, 0, i);
+    takePivot<S>(factor, i, squares, doubts);
+  }
+}
+
+// Sum over intervals of two tails' products.
+template <class S>
+typename S::Floats edge(const Series& a, int i, const Series& b, int j, int order, int nrOfIntervals) {
+  auto sum = at<S>(a.tails, i) * at<S>(b.tails, j);
+  for (int n = 1; n < nrOfIntervals; ++n) sum = S::madd(at<S>(a.tails, n * order + i), at<S>(b.tails, n * order + j), sum);
+  return sum;
+}
+
+// Moments of a series' lags among themselves into columns column ... of the rows.
+template <class S>
+void fillOwnMoments(const PlanView& plan, const Series& series, float* const* rows, int column) {
+  const int p = plan.order;
+  for (int distance = 0; distance < p; ++distance) {
+    auto moment = at<S>(series.own, distance);
+    for (int k = 0; k + distance < p; ++k) {
+      const int m = k + distance;
+      moment = moment - edge<S>(series, m, series, k, p, plan.nrOfIntervals);
+      put<S>(rows[m], column + k, moment);
+    }
+  }
+}
+
+// Moments of the reference's lags (rows) with the voxel's (columns). `cross` points at shift 0.
+template <class S>
+void fillCrossMoments(const PlanView& plan, const Series& x, const Series& y, const float* cross, float* const* rows) {
+  const int p = plan.order;
+  for (int distance = 1 - p; distance < p; ++distance) {
+    auto moment = at<S>(cross, plan.consistentPairs ? -distance : distance);
+    for (int k = distance < 0 ? -distance : 0; k < p && k + distance < p; ++k) {
+      const int m = k + distance;
+      moment = moment - edge<S>(x, m, y, k, p, plan.nrOfIntervals);
+      put<S>(rows[m], k, moment);
+    }
+  }
+}
+
+// Fits one series alone: factors its p rows, fills `last`, returns the error variance.
+template <class S>
+typename S::Floats fitAlone(const PlanView& plan, const Series& series, const Factor& factor, float* last,
+                            Doubts<S>& doubts) {
+  const int p = plan.order;
+  const auto variance = at<S>(series.own, 0);
+  fillOwnMoments<S>(plan, series, factor.rows, 0);
+  factorRows<S>(factor, 0, p, variance, doubts);
+  for (int m = 0; m < p; ++m) put<S>(last, m, at<S>(series.own, m + 1));
+  eliminate<S, 1>(factor, &last, 0, p);
+  const auto error = variance - sumOfSquares<S>(last, 0, p);
+  doubts.check(error, variance);
+  return error;
+}
+
+// Error covariance of a joint model.
+template <class S>
+struct JointErrors {
+  typename S::Floats xx, xy, yy;
+};
+
+// Behind fitAlone() of y with the same factor: adds the p rows of x. `cross` points at shift 0;
+// `yError` is E_y.
+template <class S>
+JointErrors<S> fitJoint(const PlanView& plan, const Series& x, const Series& y, const float* cross,
+                        typename S::Floats yError, const Factor& factor, float* yLast, float* xLast,
+                        Doubts<S>& doubts) {
+  const int p = plan.order;
+  float* const* xRows = factor.rows + p;
+  fillCrossMoments<S>(plan, x, y, cross, xRows);
+  fillOwnMoments<S>(plan, x, xRows, p);
+  factorRows<S>(factor, p, 2 * p, at<S>(x.own, 0), doubts);
+  for (int m = 0; m < p; ++m) {
+    put<S>(xLast, m, at<S>(cross, m + 1));
+    put<S>(xLast, p + m, at<S>(x.own, m + 1));
+    put<S>(yLast, p + m, at<S>(cross, -m - 1));
+  }
+  eliminate<S, 1>(factor, &xLast, 0, p);
+  float* const lasts[2] = {xLast, yLast};
+  eliminate<S, 2>(factor, lasts, p, 2 * p);
+  const auto xx = at<S>(x.own, 0) - sumOfSquares<S>(xLast, 0, 2 * p);
+  const auto yy = yError - sumOfSquares<S>(yLast, p, 2 * p);
+  doubts.check(xx, at<S>(x.own, 0));
+  doubts.check(yy, at<S>(y.own, 0));
+  return {xx, at<S>(cross, 0) - dot<S>(xLast, yLast, 2 * p), yy};
+}
+
+}  // namespace
+}  // namespace tav::kernel
+
+#endif

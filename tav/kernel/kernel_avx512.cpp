@@ -1,0 +1,18 @@
+// The kernel for AVX-512.
+#include "tav/kernel/simd_avx512.h"
+
+#include "tav/kernel/body-inl.h"
+#include "tav/kernel/entries.h"
+#include "tav/kernel/prepare-inl.h"
+
+namespace tav::kernel {
+
+void computeAvx512(const PlanView& plan, const BatchView& batch, const WorkView& work) {
+  computeBatch<Simd>(plan, batch, work);
+}
+
+void prepareAvx512(const IntervalView& interval, const RowsView& rows, const WorkView& work) {
+  prepareRows<Simd>(interval, rows, work);
+}
+
+}  // namespace tav::kernel

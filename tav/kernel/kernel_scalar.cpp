@@ -1,0 +1,18 @@
+// The kernel for any machine.
+#include "tav/kernel/simd_scalar.h"
+
+#include "tav/kernel/body-inl.h"
+#include "tav/kernel/entries.h"
+#include "tav/kernel/prepare-inl.h"
+
+namespace tav::kernel {
+
+void computeScalar(const PlanView& plan, const BatchView& batch, const WorkView& work) {
+  computeBatch<Simd>(plan, batch, work);
+}
+
+void prepareScalar(const IntervalView& interval, const RowsView& rows, const WorkView& work) {
+  prepareRows<Simd>(interval, rows, work);
+}
+
+}  // namespace tav::kernel

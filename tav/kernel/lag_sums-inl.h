@@ -1,0 +1,148 @@
+// Lag sums of one voxel row with itself and with reference rows: the part of the work that grows
+// with the number of time points. Included once per CPU file, behind its Simd.
+//
+// Along time, with W = kWidth: a vector of a reference row x(t) ... x(t+W-1) meets the voxel's row
+// shifted by j,
+//
+//     voxel row   0 0 0 0 | y(0) y(1) ...  y(N-1) | 0 0 0 0
+//                            x(0) x(1) ...  x(N-1) | 0 0
+//
+// so that sum x(t) y(t-j) for j = -order ... order needs no case for the interval's ends. Each
+// shifted vector is loaded once and enters up to three products: with the reference, with a
+// surrogate and with the voxel itself.
+//
+// The sums over the W lanes are left to a later step that does them for W voxels at once:
+// `partials` is [statistic][voxel lane][W], see statistics below.
+#ifndef TAVMAP_TAV_KERNEL_LAG_SUMS_INL_H
+#define TAVMAP_TAV_KERNEL_LAG_SUMS_INL_H
+
+#include "tav/kernel/plan_view.h"
+
+namespace tav::kernel {
+namespace {
+
+// Statistics of a pass: cross sums of row 0 at shifts -order ... order, the same of row 1, then
+// own sums at lags 0 ... order.
+constexpr int crossStatistic(int order, int row, int shift) { return row * (2 * order + 1) + order + shift; }
+constexpr int ownStatistic(int order, int lag) { return 2 * (2 * order + 1) + lag; }
+
+// The rows of one interval.
+struct LagRows {
+  const float* voxel;         // zeros around it
+  const float* references[2];
+  int paddedLength;
+};
+
+// A partial sum of more vectors than this goes to memory, so that rounding grows with the root of
+// this number and not of the interval's length.
+inline constexpr int kVectorsPerSum = 64;
+
+// Adds the products at shifts first ... first + kShifts - 1: of kRows reference rows, and of the
+// voxel with itself at shifts from first + kOwnFrom on. `partials` points at the voxel's lane.
+template <class S, int kRows, int kShifts, int kOwnFrom>
+[[gnu::noinline]] void addLagProducts(const LagRows& rows, int order, int first, float* partials) {
+  constexpr int kOwn = kShifts - kOwnFrom;
+  constexpr std::size_t kStep = static_cast<std::size_t>(S::kWidth) * S::kWidth;
+  using Floats = typename S::Floats;
+  const auto at = [&](int statistic) { return partials + kStep * static_cast<std::size_t>(statistic); };
+  const auto addTo = [](float* p, Floats v) { S::store(p, S::load(p) + v); };
+
+  const float* shifted = rows.voxel - first;
+  for (int start = 0; start < rows.paddedLength; start += kVectorsPerSum * S::kWidth) {
+    const int stop = start + kVectorsPerSum * S::kWidth;
+    const int end = stop < rows.paddedLength ? stop : rows.paddedLength;
+    Floats cross[extent(kRows)][extent(kShifts)], own[extent(kOwn + 1)];
+    for (auto& row : cross) {
+      for (auto& sum : row) sum = S::zero();
+    }
+    for (auto& sum : own) sum = S::zero();
+    for (int t = start; t < end; t += S::kWidth) {
+      Floats left[extent(kRows)];
+#pragma GCC unroll 2
+      for (int r = 0; r < kRows; ++r) left[r] = S::load(rows.references[r] + t);
+      Floats self = S::zero();
+      if constexpr (kOwn > 0) self = S::load(rows.voxel + t);
+#pragma GCC unroll 16
+      for (int j = 0; j < kShifts; ++j) {
+        Floats right = S::loadAny(shifted + t - j);
+        S::pin(right);
+#pragma GCC unroll 2
+        for (int r = 0; r < kRows; ++r) cross[r][j] = S::madd(left[r], right, cross[r][j]);
+        if (j >= kOwnFrom) own[j - kOwnFrom] = S::madd(self, right, own[j - kOwnFrom]);
+      }
+    }
+    for (int r = 0; r < kRows; ++r) {
+      for (int j = 0; j < kShifts; ++j) addTo(at(crossStatistic(order, r, first + j)), cross[r][j]);
+    }
+    for (int j = kOwnFrom; j < kShifts; ++j) addTo(at(ownStatistic(order, first + j)), own[j - kOwnFrom]);
+  }
+}
+
+using LagFunction = void (*)(const LagRows&, int, int, float*);
+
+// Most shifts that a loop carries: with own products, and without for one or two rows.
+template <class S>
+inline constexpr int kShiftsWithOwn = S::kAccumulators / 3;
+template <class S>
+inline constexpr int kShiftsOfTwo = S::kAccumulators / 2;
+template <class S>
+inline constexpr int kShiftsOfOne = S::kAccumulators < 12 ? S::kAccumulators : 12;
+
+// table[n - 1]: n shifts, all with own products or none.
+template <class S, int kRows, bool kWithOwn, int... kCounts>
+LagFunction pick(int n) {
+  static constexpr LagFunction table[] = {
+      &addLagProducts<S, kRows, kCounts + 1, kWithOwn ? 0 : kCounts + 1>...};
+  return table[n - 1];
+}
+
+template <class S, int kRows, bool kWithOwn, class List>
+struct Picker;
+template <int... kCounts>
+struct Counts {};
+template <int kN, int... kCounts>
+struct CountsTo : CountsTo<kN - 1, kN - 1, kCounts...> {};
+template <int... kCounts>
+struct CountsTo<0, kCounts...> {
+  using Type = Counts<kCounts...>;
+};
+template <class S, int kRows, bool kWithOwn, int... kCounts>
+struct Picker<S, kRows, kWithOwn, Counts<kCounts...>> {
+  static LagFunction of(int n) { return pick<S, kRows, kWithOwn, kCounts...>(n); }
+};
+
+// Adds shifts first ... last in loops of at most kMost.
+template <class S, int kRows, bool kWithOwn, int kMost>
+void addShifts(const LagRows& rows, int order, int first, int last, float* partials) {
+  using Loops = Picker<S, kRows, kWithOwn, typename CountsTo<kMost>::Type>;
+  const int loops = (last - first + kMost) / kMost;
+  for (int loop = loops; loop > 0; --loop) {
+    const int count = (last - first + 1) / loop;  // even shares
+    Loops::of(count)(rows, order, first, partials);
+    first += count;
+  }
+}
+
+// All statistics of a voxel with two rows.
+template <class S>
+void addAllLags(const LagRows& rows, int order, float* partials) {
+  if (order == 1) return addLagProducts<S, 2, 3, 1>(rows, order, -1, partials);
+  if constexpr (S::kAccumulators >= 23) {
+    if (order == 2) return addLagProducts<S, 2, 5, 2>(rows, order, -2, partials);
+    if (order == 3) return addLagProducts<S, 2, 7, 3>(rows, order, -3, partials);
+    if (order == 4) return addLagProducts<S, 2, 9, 4>(rows, order, -4, partials);
+  }
+  addShifts<S, 2, false, kShiftsOfTwo<S>>(rows, order, -order, -1, partials);
+  addShifts<S, 2, true, kShiftsWithOwn<S>>(rows, order, 0, order, partials);
+}
+
+// The cross statistics of row 0 alone.
+template <class S>
+void addCrossLags(const LagRows& rows, int order, float* partials) {
+  addShifts<S, 1, false, kShiftsOfOne<S>>(rows, order, -order, order, partials);
+}
+
+}  // namespace
+}  // namespace tav::kernel
+
+#endif

@@ -1,0 +1,47 @@
+// Where the per-voxel variables of a group stand in WorkView::lanes. Each variable is one vector:
+// one value per voxel of the group. Positions count vectors.
+//
+//     own        lag sums of the voxel at lags 0 ... p
+//     ownTails   last p values of its row, latest first, interval after interval
+//     truth      own and tails of the reference, the same value in every lane
+//     drawn      own and tails of each lane's surrogate
+//     cross      lag sums with the reference, then with the surrogate, at shifts -p ... p
+//     yRows      lower factor of the voxel's lags, row after row
+//     xRows      rows of the reference's lags: p columns for the voxel's lags, then their own
+//     inverse    1 / diagonal of the 2p rows
+//     yLast      row of the voxel's current value against all 2p lags
+//     xLast      row of the reference's current value
+#ifndef TAVMAP_TAV_KERNEL_LAYOUT_H
+#define TAVMAP_TAV_KERNEL_LAYOUT_H
+
+#include <cstddef>
+
+namespace tav::kernel {
+
+struct LaneLayout {
+  constexpr LaneLayout(int order, int nrOfIntervals)
+      : p(order),
+        seriesSize(p + 1 + nrOfIntervals * p),
+        own(0),
+        truth(own + seriesSize),
+        drawn(truth + seriesSize),
+        cross(drawn + seriesSize),
+        yRows(cross + 2 * (2 * p + 1)),
+        xRows(yRows + p * (p + 1) / 2),
+        inverse(xRows + p * p + p * (p + 1) / 2),
+        yLast(inverse + 2 * p),
+        xLast(yLast + 2 * p),
+        size(xLast + 2 * p) {}
+
+  int p;
+  int seriesSize;  // own sums and tails of one series
+  int own, truth, drawn, cross, yRows, xRows, inverse, yLast, xLast;
+  int size;
+};
+
+// Statistics of one pass of lag sums.
+constexpr int nrOfStatistics(int order) { return 2 * (2 * order + 1) + order + 1; }
+
+}  // namespace tav::kernel
+
+#endif

@@ -1,0 +1,121 @@
+#include "tav/kernel/plan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+#include "tav/kernel/layout.h"
+
+namespace tav::kernel {
+namespace {
+
+constexpr std::align_val_t kAlignment{64};
+
+int roundedUp(int n, int unit) { return (n + unit - 1) / unit * unit; }
+
+void requireValid(const PlanSpec& spec) {
+  if (spec.order < 1 || spec.order > kMaxOrder) throw std::invalid_argument("kernel plan: order out of range");
+  if (spec.draws < 1 || spec.draws > kMaxDraws) throw std::invalid_argument("kernel plan: draws out of range");
+  for (const SetSpec& set : spec.sets) {
+    for (const Interval& interval : set.intervals) {
+      if (interval.length <= spec.order) throw std::invalid_argument("kernel plan: interval too short");
+    }
+  }
+}
+
+int longestInterval(const PlanSpec& spec) {
+  int longest = 0;
+  for (const SetSpec& set : spec.sets) {
+    for (const Interval& interval : set.intervals) longest = std::max(longest, interval.length);
+  }
+  return longest;
+}
+
+AlignedFloats makeRamp(IntervalView& interval) {
+  AlignedFloats ramp(static_cast<std::size_t>(interval.paddedLength));
+  const float last = static_cast<float>(interval.length - 1);
+  interval.rampSquares = 0.0;
+  for (int t = 0; t < interval.length; ++t) {
+    const float u = static_cast<float>(t) / last - 0.5F;
+    ramp.data()[t] = u;
+    interval.rampSquares += static_cast<double>(u) * static_cast<double>(u);
+  }
+  interval.ramp = ramp.data();
+  return ramp;
+}
+
+}  // namespace
+
+AlignedFloats::AlignedFloats(std::size_t count)
+    : floats_(static_cast<float*>(::operator new(count * sizeof(float), kAlignment))) {
+  std::memset(floats_.get(), 0, count * sizeof(float));
+}
+
+void AlignedFloats::Free::operator()(float* p) const { ::operator delete(p, kAlignment); }
+
+Plan::Plan(const PlanSpec& spec, const Kernel& kernel) : kernel_(&kernel), view_{} {
+  requireValid(spec);
+  view_.order = spec.order;
+  view_.draws = spec.draws;
+  view_.consistentPairs = spec.consistentPairs;
+  view_.nrOfSets = static_cast<int>(spec.sets.size());
+  for (const SetSpec& set : spec.sets) elements_.push_back(set.element);
+  addIntervals(spec);
+  view_.nrOfIntervals = static_cast<int>(intervals_.size());
+  view_.elements = elements_.data();
+  view_.intervals = intervals_.data();
+  prepare(spec);
+}
+
+void Plan::addIntervals(const PlanSpec& spec) {
+  const double longest = longestInterval(spec);
+  for (std::size_t s = 0; s < spec.sets.size(); ++s) {
+    for (const Interval& interval : spec.sets[s].intervals) {
+      IntervalView view{};
+      view.set = static_cast<int>(s);
+      view.first = interval.first;
+      view.length = interval.length;
+      view.paddedLength = roundedUp(interval.length, kRowAlign);
+      view.rowOffset = view_.rowSize + kRowPad;
+      view.scale = static_cast<float>(std::sqrt(longest / interval.length));
+      view.tableStride = static_cast<std::size_t>(2 * spec.order + 1);
+      view_.rowSize += static_cast<std::size_t>(view.paddedLength + 2 * kRowPad);
+      memory_.push_back(makeRamp(view));
+      intervals_.push_back(view);
+    }
+  }
+}
+
+void Plan::prepare(const PlanSpec& spec) {
+  const Workspace work(view_, kernel_->width);
+  const auto surrogates = static_cast<std::size_t>(spec.nrOfSurrogates);
+  for (IntervalView& interval : intervals_) {
+    const SetSpec& set = spec.sets[static_cast<std::size_t>(interval.set)];
+    const auto length = static_cast<std::size_t>(interval.paddedLength);
+    float* rows = memory_.emplace_back((surrogates + 1) * length).data();
+    float* tables = memory_.emplace_back((surrogates + 1) * interval.tableStride).data();
+    interval.reference = rows;
+    interval.surrogates = rows + length;
+    interval.tables = tables + interval.tableStride;
+    kernel_->prepare(interval, {spec.order, 1, set.reference + interval.first, 0, rows, tables}, work.view());
+    kernel_->prepare(interval,
+                     {spec.order, spec.nrOfSurrogates, set.surrogates + interval.first, set.surrogateStride,
+                      rows + length, tables + interval.tableStride},
+                     work.view());
+  }
+}
+
+Workspace::Workspace(const PlanView& plan, int width) : view_{} {
+  const auto lanes = static_cast<std::size_t>(width);
+  const auto slots = plan.draws > 1 ? lanes : 1;
+  const auto statistics = static_cast<std::size_t>(nrOfStatistics(plan.order));
+  const auto variables = static_cast<std::size_t>(LaneLayout(plan.order, plan.nrOfIntervals).size);
+  rows_ = AlignedFloats(slots * plan.rowSize);
+  partials_ = AlignedFloats(statistics * lanes * lanes);
+  lanes_ = AlignedFloats(variables * lanes);
+  view_ = {rows_.data(), partials_.data(), lanes_.data()};
+}
+
+}  // namespace tav::kernel

@@ -1,0 +1,103 @@
+// What a kernel sees of a prepared plan and of one batch of voxels: plain pointers and counts, so
+// that the files compiled per CPU need nothing of the standard library.
+//
+// Scale: every interval enters with the weight 1/N (its length). Measures are quotients, so only
+// the ratio of the weights counts: rows of an interval are multiplied by sqrt(longest N / N), and
+// products of such rows are summed over intervals without further factors.
+#ifndef TAVMAP_TAV_KERNEL_PLAN_VIEW_H
+#define TAVMAP_TAV_KERNEL_PLAN_VIEW_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tav::kernel {
+
+inline constexpr int kMaxOrder = 20;
+inline constexpr int kMaxDraws = 100;
+// Voxels that the widest kernel computes at once; arrays of results hold a multiple of it.
+inline constexpr int kMaxLanes = 16;
+// Rows have a multiple of this many values; those behind the interval's end are 0.
+inline constexpr int kRowAlign = 16;
+// Zeros before a voxel's row and behind it, so that a product at any lag up to the order reads
+// zeros beyond the interval's ends instead of branching.
+inline constexpr int kRowPad = 32;
+// Bytes behind the last value of a course that a kernel may read (and ignores).
+inline constexpr int kReadSlack = 64;
+
+// An array's extent from a constant count.
+constexpr std::size_t extent(int count) { return static_cast<std::size_t>(count); }
+
+enum class Element : std::uint8_t { kUint16, kFloat };
+
+// One interval of one course.
+struct IntervalView {
+  int set;            // index into a voxel's courses
+  int first;          // first value of the interval in the course, 0-based
+  int length;         // values, above the order
+  int paddedLength;   // rounded up to kRowAlign
+  std::size_t rowOffset;  // of this interval's zone in a voxel's row buffer
+  float scale;        // sqrt(longest length / length)
+  double rampSquares; // sum of squares of ramp
+  const float* ramp;  // t / (length - 1) - 0.5, then zeros; paddedLength values
+  // Detrended and scaled: the reference, and one row of paddedLength values per surrogate.
+  const float* reference;
+  const float* surrogates;
+  // Per surrogate: order + 1 own lag sums at lags 0 ... order, then the `order` last values of
+  // its row, latest first. The reference has the same in front, as row -1 of the table.
+  const float* tables;
+  std::size_t tableStride;
+};
+
+struct PlanView {
+  int order;        // 1 ... kMaxOrder
+  int draws;        // surrogates per voxel, 1 ... kMaxDraws
+  int nrOfSets;     // courses per voxel
+  int nrOfIntervals;
+  // Rows of the lag-pair averages belong to the later lag; false: the plug-in's written form.
+  bool consistentPairs;
+  std::size_t rowSize;  // values of one voxel's row buffer, all intervals
+  const Element* elements;        // per set
+  const IntervalView* intervals;
+};
+
+// What became of a voxel.
+enum class Verdict : std::uint8_t {
+  kDone = 0,        // all measures are valid
+  kIllDefined = 1,  // certainly no positive-definite model; the measures hold anything
+  kUnsure = 2       // too close to singular, or out of range: the reference has to decide
+};
+
+// `nrOfVoxels` voxels whose results go to consecutive elements.
+struct BatchView {
+  std::size_t nrOfVoxels;
+  const void* const* courses;      // [voxel][set]: first value of the course
+  const std::uint32_t* surrogates; // [voxel][interval][draw]: row of the interval's surrogates
+  // Arrays for nrOfVoxels rounded up to kMaxLanes. Measures: 0 reference to voxel, 1 voxel to
+  // reference, 2 instantaneous. Nulls of draw k start at k * nullStride.
+  float* measures[3];
+  Verdict* verdicts;
+  float* nullMeasures[3];
+  Verdict* nullVerdicts;
+  std::size_t nullStride;
+};
+
+// Rows to detrend and tabulate: the reference or surrogates over one interval.
+struct RowsView {
+  int order;
+  int nrOfRows;
+  const float* source;       // first value of the interval in the first row
+  std::size_t sourceStride;
+  float* rows;               // nrOfRows x paddedLength
+  float* tables;             // see IntervalView::tables
+};
+
+// Scratch memory of one caller, 64-byte aligned.
+struct WorkView {
+  float* rows;      // detrended voxel rows; their padding is 0 and stays so
+  float* partials;  // [statistic][lane][width]: lag sums before the sum over the width
+  float* lanes;     // [variable][width]: everything that has one value per voxel, see layout.h
+};
+
+}  // namespace tav::kernel
+
+#endif

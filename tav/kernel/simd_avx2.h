@@ -1,0 +1,99 @@
+// Vectors of 8 floats: AVX2 and FMA. See simd_scalar.h for what each operation means.
+#ifndef TAVMAP_TAV_KERNEL_SIMD_AVX2_H
+#define TAVMAP_TAV_KERNEL_SIMD_AVX2_H
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tav::kernel {
+namespace {
+
+// Loaded from kWidth - n on, the first n lanes are all ones.
+alignas(64) constexpr std::int32_t kLaneMasks[16] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, 0, 0};
+
+struct Simd {
+  static constexpr int kWidth = 8;
+  static constexpr int kAccumulators = 12;
+  using Floats = __m256;
+  using Ints = __m256i;
+  struct Doubles {
+    __m256d low, high;
+  };
+  using Mask = std::uint32_t;
+
+  static Floats zero() { return _mm256_setzero_ps(); }
+  static Floats all(float v) { return _mm256_set1_ps(v); }
+  static Floats load(const float* p) { return _mm256_load_ps(p); }
+  static Floats loadAny(const float* p) { return _mm256_loadu_ps(p); }
+  static void store(float* p, Floats v) { _mm256_store_ps(p, v); }
+  static void storeAny(float* p, Floats v) { _mm256_storeu_ps(p, v); }
+  static Floats madd(Floats a, Floats b, Floats c) { return _mm256_fmadd_ps(a, b, c); }
+  static Floats msub(Floats a, Floats b, Floats c) { return _mm256_fnmadd_ps(a, b, c); }
+  static Floats root(Floats v) { return _mm256_sqrt_ps(v); }
+  static Floats magnitude(Floats v) { return _mm256_andnot_ps(all(-0.0F), v); }
+  static Floats larger(Floats a, Floats b) { return _mm256_max_ps(a, b); }
+  static Floats keepFirst(Floats v, int n) { return _mm256_and_ps(v, fromBits(firstLanes(n))); }
+  static void pin(Floats& v) { __asm__("" : "+x"(v)); }
+
+  static Mask less(Floats a, Floats b) { return mask(_mm256_cmp_ps(a, b, _CMP_LT_OQ)); }
+  static Mask lessEqual(Floats a, Floats b) { return mask(_mm256_cmp_ps(a, b, _CMP_LE_OQ)); }
+
+  static Ints zeroInts() { return _mm256_setzero_si256(); }
+  static Ints loadInts(const std::uint16_t* p) {
+    return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+  }
+  static Ints keepFirst(Ints v, int n) { return both(v, firstLanes(n)); }
+  static Ints add(Ints a, Ints b) { return _mm256_add_epi32(a, b); }
+  static void store(std::int32_t* p, Ints v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+  static Floats toFloats(Ints v) { return _mm256_cvtepi32_ps(v); }
+
+  static Doubles zeroDoubles() { return {_mm256_setzero_pd(), _mm256_setzero_pd()}; }
+  static Doubles widen(Floats v) {
+    return {_mm256_cvtps_pd(_mm256_castps256_ps128(v)), _mm256_cvtps_pd(_mm256_extractf128_ps(v, 1))};
+  }
+  static Doubles add(Doubles a, Doubles b) {
+    return {_mm256_add_pd(a.low, b.low), _mm256_add_pd(a.high, b.high)};
+  }
+  static double sum(Doubles v) {
+    const __m256d four = _mm256_add_pd(v.low, v.high);
+    const __m128d two = _mm_add_pd(_mm256_castpd256_pd128(four), _mm256_extractf128_pd(four, 1));
+    return _mm_cvtsd_f64(_mm_add_sd(two, _mm_unpackhi_pd(two, two)));
+  }
+
+  static Ints bits(Floats v) { return _mm256_castps_si256(v); }
+  static Floats fromBits(Ints v) { return _mm256_castsi256_ps(v); }
+  static Ints allInts(std::int32_t v) { return _mm256_set1_epi32(v); }
+  static Ints sub(Ints a, Ints b) { return _mm256_sub_epi32(a, b); }
+  static Ints both(Ints a, Ints b) { return _mm256_and_si256(a, b); }
+  template <int kBits>
+  static Ints shiftRight(Ints v) {
+    return _mm256_srai_epi32(v, kBits);
+  }
+
+  static Floats sumRows(const float* rows) {
+    const Floats a = half(rows), b = half(rows + 4 * kWidth);
+    return _mm256_add_ps(_mm256_permute2f128_ps(a, b, 0x20), _mm256_permute2f128_ps(a, b, 0x31));
+  }
+
+ private:
+  static Mask mask(Floats v) { return static_cast<Mask>(_mm256_movemask_ps(v)); }
+  static Ints firstLanes(int n) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(kLaneMasks + kWidth - n));
+  }
+  static Floats foldPair(Floats a, Floats b) {
+    return _mm256_add_ps(_mm256_unpacklo_ps(a, b), _mm256_unpackhi_ps(a, b));
+  }
+  // Four rows: lane i of each 128-bit block holds the block's sum of row i.
+  static Floats half(const float* rows) {
+    const Floats a = foldPair(load(rows), load(rows + kWidth));
+    const Floats b = foldPair(load(rows + 2 * kWidth), load(rows + 3 * kWidth));
+    return _mm256_add_ps(_mm256_shuffle_ps(a, b, 0x44), _mm256_shuffle_ps(a, b, 0xEE));
+  }
+};
+
+}  // namespace
+}  // namespace tav::kernel
+
+#endif

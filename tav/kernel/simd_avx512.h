@@ -1,0 +1,95 @@
+// Vectors of 16 floats: AVX-512 F, BW, DQ and VL. See simd_scalar.h for what each operation means.
+#ifndef TAVMAP_TAV_KERNEL_SIMD_AVX512_H
+#define TAVMAP_TAV_KERNEL_SIMD_AVX512_H
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tav::kernel {
+namespace {
+
+struct Simd {
+  static constexpr int kWidth = 16;
+  static constexpr int kAccumulators = 24;
+  using Floats = __m512;
+  using Ints = __m512i;
+  struct Doubles {
+    __m512d low, high;
+  };
+  using Mask = std::uint32_t;
+
+  static Floats zero() { return _mm512_setzero_ps(); }
+  static Floats all(float v) { return _mm512_set1_ps(v); }
+  static Floats load(const float* p) { return _mm512_load_ps(p); }
+  static Floats loadAny(const float* p) { return _mm512_loadu_ps(p); }
+  static void store(float* p, Floats v) { _mm512_store_ps(p, v); }
+  static void storeAny(float* p, Floats v) { _mm512_storeu_ps(p, v); }
+  static Floats madd(Floats a, Floats b, Floats c) { return _mm512_fmadd_ps(a, b, c); }
+  static Floats msub(Floats a, Floats b, Floats c) { return _mm512_fnmadd_ps(a, b, c); }
+  static Floats root(Floats v) { return _mm512_sqrt_ps(v); }
+  static Floats magnitude(Floats v) { return _mm512_abs_ps(v); }
+  static Floats larger(Floats a, Floats b) { return _mm512_max_ps(a, b); }
+  static Floats keepFirst(Floats v, int n) { return _mm512_maskz_mov_ps(firstLanes(n), v); }
+  static void pin(Floats& v) { __asm__("" : "+v"(v)); }
+
+  static Mask less(Floats a, Floats b) { return _mm512_cmp_ps_mask(a, b, _CMP_LT_OQ); }
+  static Mask lessEqual(Floats a, Floats b) { return _mm512_cmp_ps_mask(a, b, _CMP_LE_OQ); }
+
+  static Ints zeroInts() { return _mm512_setzero_si512(); }
+  static Ints loadInts(const std::uint16_t* p) {
+    return _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
+  }
+  static Ints keepFirst(Ints v, int n) { return _mm512_maskz_mov_epi32(firstLanes(n), v); }
+  static Ints add(Ints a, Ints b) { return _mm512_add_epi32(a, b); }
+  static void store(std::int32_t* p, Ints v) { _mm512_storeu_si512(p, v); }
+  static Floats toFloats(Ints v) { return _mm512_cvtepi32_ps(v); }
+
+  static Doubles zeroDoubles() { return {_mm512_setzero_pd(), _mm512_setzero_pd()}; }
+  static Doubles widen(Floats v) {
+    return {_mm512_cvtps_pd(_mm512_castps512_ps256(v)), _mm512_cvtps_pd(_mm512_extractf32x8_ps(v, 1))};
+  }
+  static Doubles add(Doubles a, Doubles b) {
+    return {_mm512_add_pd(a.low, b.low), _mm512_add_pd(a.high, b.high)};
+  }
+  static double sum(Doubles v) { return _mm512_reduce_add_pd(_mm512_add_pd(v.low, v.high)); }
+
+  static Ints bits(Floats v) { return _mm512_castps_si512(v); }
+  static Floats fromBits(Ints v) { return _mm512_castsi512_ps(v); }
+  static Ints allInts(std::int32_t v) { return _mm512_set1_epi32(v); }
+  static Ints sub(Ints a, Ints b) { return _mm512_sub_epi32(a, b); }
+  static Ints both(Ints a, Ints b) { return _mm512_and_si512(a, b); }
+  template <int kBits>
+  static Ints shiftRight(Ints v) {
+    return _mm512_srai_epi32(v, kBits);
+  }
+
+  static Floats sumRows(const float* rows) {
+    const Floats a = quarter(rows), b = quarter(rows + 4 * kWidth);
+    const Floats c = quarter(rows + 8 * kWidth), d = quarter(rows + 12 * kWidth);
+    const Floats ab = foldBlocks(a, b), cd = foldBlocks(c, d);
+    return _mm512_add_ps(_mm512_shuffle_f32x4(ab, cd, 0x88), _mm512_shuffle_f32x4(ab, cd, 0xDD));
+  }
+
+ private:
+  static __mmask16 firstLanes(int n) { return static_cast<__mmask16>((1U << n) - 1U); }
+  static Floats foldPair(Floats a, Floats b) {
+    return _mm512_add_ps(_mm512_unpacklo_ps(a, b), _mm512_unpackhi_ps(a, b));
+  }
+  // Four rows: lane i of each 128-bit block holds the block's sum of row i.
+  static Floats quarter(const float* rows) {
+    const Floats a = foldPair(load(rows), load(rows + kWidth));
+    const Floats b = foldPair(load(rows + 2 * kWidth), load(rows + 3 * kWidth));
+    return _mm512_add_ps(_mm512_shuffle_ps(a, b, 0x44), _mm512_shuffle_ps(a, b, 0xEE));
+  }
+  // Blocks (a0+a2, a1+a3, b0+b2, b1+b3).
+  static Floats foldBlocks(Floats a, Floats b) {
+    return _mm512_add_ps(_mm512_shuffle_f32x4(a, b, 0x44), _mm512_shuffle_f32x4(a, b, 0xEE));
+  }
+};
+
+}  // namespace
+}  // namespace tav::kernel
+
+#endif

@@ -1,0 +1,79 @@
+// "Vectors" of one float in plain C++, for any machine. This file also says what the operations
+// of every Simd mean:
+//   load, store        aligned to the vector; loadAny, storeAny not
+//   madd(a, b, c)      c + a * b;  msub(a, b, c)  c - a * b; one rounding or two, as the CPU does
+//   keepFirst(v, n)    v with 0 in the lanes from n on, 0 <= n <= kWidth
+//   larger(a, b)       the larger one; b when either is NaN
+//   pin(v)             keeps v in a register: without it g++ 12 reloads a shifted row for every
+//                      product that it enters
+//   less, lessEqual    bit i: the comparison holds in lane i (never with NaN)
+//   sumRows(rows)      lane i: the sum of the kWidth values of row i of kWidth rows. Every lane
+//                      adds in the same order, so that a voxel's lane does not change its result.
+//   kAccumulators      sums that a loop may carry without spilling
+#ifndef TAVMAP_TAV_KERNEL_SIMD_SCALAR_H
+#define TAVMAP_TAV_KERNEL_SIMD_SCALAR_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tav::kernel {
+namespace {
+
+struct Simd {
+  static constexpr int kWidth = 1;
+  static constexpr int kAccumulators = 9;
+  using Floats = float;
+  using Ints = std::int32_t;
+  struct Doubles {
+    double value;
+  };
+  using Mask = std::uint32_t;
+
+  static Floats zero() { return 0.0F; }
+  static Floats all(float v) { return v; }
+  static Floats load(const float* p) { return *p; }
+  static Floats loadAny(const float* p) { return *p; }
+  static void store(float* p, Floats v) { *p = v; }
+  static void storeAny(float* p, Floats v) { *p = v; }
+  static Floats madd(Floats a, Floats b, Floats c) { return c + a * b; }
+  static Floats msub(Floats a, Floats b, Floats c) { return c - a * b; }
+  static Floats root(Floats v) { return __builtin_sqrtf(v); }
+  static Floats magnitude(Floats v) { return __builtin_fabsf(v); }
+  static Floats larger(Floats a, Floats b) { return a > b ? a : b; }
+  static Floats keepFirst(Floats v, int n) { return n > 0 ? v : 0.0F; }
+  static void pin(Floats&) {}
+
+  static Mask less(Floats a, Floats b) { return a < b ? 1U : 0U; }
+  static Mask lessEqual(Floats a, Floats b) { return a <= b ? 1U : 0U; }
+
+  static Ints zeroInts() { return 0; }
+  static Ints loadInts(const std::uint16_t* p) { return *p; }
+  static Ints keepFirst(Ints v, int n) { return n > 0 ? v : 0; }
+  static Ints add(Ints a, Ints b) { return a + b; }
+  static void store(std::int32_t* p, Ints v) { *p = v; }
+  static Floats toFloats(Ints v) { return static_cast<float>(v); }
+
+  static Doubles zeroDoubles() { return {0.0}; }
+  static Doubles widen(Floats v) { return {static_cast<double>(v)}; }
+  static Doubles add(Doubles a, Doubles b) { return {a.value + b.value}; }
+  static double sum(Doubles v) { return v.value; }
+
+  static Ints bits(Floats v) { return __builtin_bit_cast(Ints, v); }
+  static Floats fromBits(Ints v) { return __builtin_bit_cast(Floats, v); }
+  static Ints allInts(std::int32_t v) { return v; }
+  static Ints sub(Ints a, Ints b) {
+    return static_cast<Ints>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+  }
+  static Ints both(Ints a, Ints b) { return a & b; }
+  template <int kBits>
+  static Ints shiftRight(Ints v) {
+    return v >> kBits;
+  }
+
+  static Floats sumRows(const float* rows) { return *rows; }
+};
+
+}  // namespace
+}  // namespace tav::kernel
+
+#endif

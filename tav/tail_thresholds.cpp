@@ -1,0 +1,175 @@
+#include "tav/tail_thresholds.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <limits>
+
+#include "tav/fdr_thresholds.h"
+
+namespace tav {
+namespace {
+
+constexpr std::size_t kSamples = 2048;
+constexpr double kFirstShare = 0.02;  // of the magnitudes, in the first tail
+constexpr double kShareGrowth = 4.0;
+
+// Magnitudes from a cut on, in descending order, and what the whole map holds.
+struct Tail {
+  std::vector<float> magnitudes;  // NaN as -1, only when the tail is the whole map
+  std::size_t nonZero = 0;        // NaN included
+  std::size_t numbers = 0;        // non-zero and not NaN
+};
+
+std::size_t sizeOf(const MapPieces& pieces) {
+  std::size_t size = 0;
+  for (const auto& piece : pieces) size += piece.size();
+  return size;
+}
+
+// Appends the piece's magnitudes from `cut` on. Without a branch per value: writes each and moves
+// on past those that belong.
+void appendFrom(std::span<const float> piece, float cut, Tail& tail) {
+  const std::size_t before = tail.magnitudes.size();
+  tail.magnitudes.resize(before + piece.size());
+  float* out = tail.magnitudes.data() + before;
+  std::size_t nonZero = 0, numbers = 0;
+  for (const float value : piece) {
+    const float magnitude = std::fabs(value);
+    *out = magnitude;
+    out += magnitude >= cut ? 1 : 0;  // never with NaN
+    nonZero += value != 0.0F ? 1U : 0U;
+    numbers += magnitude > 0.0F ? 1U : 0U;
+  }
+  tail.nonZero += nonZero;
+  tail.numbers += numbers;
+  tail.magnitudes.resize(static_cast<std::size_t>(out - tail.magnitudes.data()));
+}
+
+Tail selectTail(const MapPieces& pieces, float cut) {
+  Tail tail;
+  for (const auto& piece : pieces) appendFrom(piece, cut, tail);
+  std::sort(tail.magnitudes.begin(), tail.magnitudes.end(), std::greater<>());
+  return tail;
+}
+
+// Every non-zero magnitude.
+Tail selectAll(const MapPieces& pieces) {
+  Tail tail = selectTail(pieces, std::numeric_limits<float>::denorm_min());
+  tail.magnitudes.resize(tail.nonZero, -1.0F);
+  return tail;
+}
+
+void sample(const MapPieces& pieces, std::vector<float>& samples) {
+  const std::size_t stride = std::max<std::size_t>(sizeOf(pieces) / kSamples, 1);
+  std::size_t next = 0;
+  for (const auto& piece : pieces) {
+    for (; next < piece.size(); next += stride) {
+      if (std::fabs(piece[next]) > 0.0F) samples.push_back(std::fabs(piece[next]));
+    }
+    next -= piece.size();
+  }
+}
+
+// The magnitude that about `share` of both maps exceed; 0 when that cannot be told.
+float guessCut(const MapPieces& observed, const MapPieces& null, double share) {
+  std::vector<float> samples;
+  sample(observed, samples);
+  sample(null, samples);
+  const auto rank = static_cast<std::ptrdiff_t>(share * static_cast<double>(samples.size()));
+  if (rank < 1) return 0.0F;
+  std::nth_element(samples.begin(), samples.begin() + rank, samples.end(), std::greater<>());
+  return samples[static_cast<std::size_t>(rank)];
+}
+
+class TailSearch {
+ public:
+  TailSearch(std::vector<float> qs, int cvConstant, Tail observed, Tail null, bool isWhole)
+      : qs_(std::move(qs)), observed_(std::move(observed)), null_(std::move(null)), isWhole_(isWhole) {
+    c_ = dependenceConstant(cvConstant, observed_.nonZero);
+    for (const float q : qs_) results_.push_back({q, 0.0F, 0});
+  }
+
+  // False when the tail was too short to tell.
+  [[nodiscard]] bool finish(ThresholdRule rule) { return rule == ThresholdRule::kStepUp ? stepUp() : walk(); }
+  [[nodiscard]] std::vector<MapThreshold> results() const { return results_; }
+
+ private:
+  [[nodiscard]] double bound(std::size_t rank, float q) const {
+    return static_cast<double>(rank) / static_cast<double>(observed_.nonZero) * (static_cast<double>(q) / c_);
+  }
+
+  bool walk() {
+    if (null_.nonZero == 0) return true;
+    for (MapThreshold& result : results_) result.nrPassing = observed_.numbers;
+    std::size_t rank = 1, exceeding = 0, settled = 0;
+    for (; rank <= observed_.magnitudes.size() && settled < results_.size(); ++rank) {
+      const float candidate = observed_.magnitudes[rank - 1];
+      while (exceeding < null_.magnitudes.size() && null_.magnitudes[exceeding] > candidate) ++exceeding;
+      // One short when all exceed, as in the search over whole maps.
+      const std::size_t count = std::min(exceeding, null_.nonZero - 1);
+      const double p = static_cast<double>(count) / static_cast<double>(null_.nonZero);
+      // The bounds ascend with q, so that smaller ones are violated first.
+      while (settled < results_.size() && p > bound(rank, results_[settled].q)) settle(rank, results_[settled++]);
+    }
+    return settled == results_.size() || isWhole_;
+  }
+
+  void settle(std::size_t rank, MapThreshold& result) const {
+    result.threshold = std::max(observed_.magnitudes[rank == 1 ? 0 : rank - 2], 0.0F);
+    result.nrPassing = rank == 1 ? 0 : nrReaching(result.threshold);
+  }
+
+  [[nodiscard]] std::size_t nrReaching(float threshold) const {
+    const auto& all = observed_.magnitudes;
+    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) - all.begin());
+  }
+
+  bool stepUp() {
+    for (MapThreshold& result : results_) result.threshold = std::numeric_limits<float>::infinity();
+    std::size_t reaching = 0;
+    const std::size_t numbers = std::min(observed_.numbers, observed_.magnitudes.size());
+    for (std::size_t rank = 1; rank <= numbers; ++rank) {
+      const float candidate = observed_.magnitudes[rank - 1];
+      while (reaching < null_.magnitudes.size() && null_.magnitudes[reaching] >= candidate) ++reaching;
+      const double p = stepUpP(reaching);
+      for (MapThreshold& result : results_) {
+        if (!(p <= bound(rank, result.q))) continue;
+        result.threshold = candidate;
+        result.nrPassing = rank;
+      }
+    }
+    // Below the tail p is at least this, and no bound is above the last one's limit.
+    return isWhole_ || results_.empty() ||
+           stepUpP(null_.magnitudes.size()) > static_cast<double>(results_.back().q) / c_;
+  }
+
+  [[nodiscard]] double stepUpP(std::size_t reaching) const {
+    return static_cast<double>(1 + reaching) / static_cast<double>(null_.nonZero + 1);
+  }
+
+  std::vector<float> qs_;
+  Tail observed_, null_;
+  bool isWhole_;
+  double c_ = 1.0;
+  std::vector<MapThreshold> results_;  // by ascending q
+};
+
+}  // namespace
+
+std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs, const MapPieces& observed,
+                                               const MapPieces& null, int cvConstant) {
+  std::sort(qs.begin(), qs.end());
+  for (double share = kFirstShare; share < 1.0; share *= kShareGrowth) {
+    const float cut = guessCut(observed, null, share);
+    if (cut <= 0.0F) break;
+    TailSearch search(qs, cvConstant, selectTail(observed, cut), selectTail(null, cut), false);
+    if (search.finish(rule)) return search.results();
+  }
+  TailSearch search(qs, cvConstant, selectAll(observed), selectAll(null), true);
+  (void)search.finish(rule);
+  return search.results();
+}
+
+}  // namespace tav

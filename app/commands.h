@@ -14,6 +14,7 @@ void addHostCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addOrderCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
+void addRecoverCommand(CLI::App& program);
 void addRunCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
 

@@ -24,6 +24,7 @@ int run(int argc, char** argv) {
   app::addInfoCommand(program);
   app::addPictureCommand(program);
   app::addExportCommand(program);
+  app::addRecoverCommand(program);
   app::addSimulateCommand(program);
   app::addHostCommand(program);
   try {

@@ -36,13 +36,14 @@ int longestInterval(const PlanSpec& spec) {
 AlignedFloats makeRamp(IntervalView& interval) {
   AlignedFloats ramp(static_cast<std::size_t>(interval.paddedLength));
   const float last = static_cast<float>(interval.length - 1);
-  interval.rampSquares = 0.0;
+  double squares = 0.0;
   for (int t = 0; t < interval.length; ++t) {
     const float u = static_cast<float>(t) / last - 0.5F;
     ramp.data()[t] = u;
-    interval.rampSquares += static_cast<double>(u) * static_cast<double>(u);
+    squares += static_cast<double>(u) * static_cast<double>(u);
   }
   interval.ramp = ramp.data();
+  interval.rampSquares = static_cast<float>(squares);
   return ramp;
 }
 
@@ -115,7 +116,8 @@ Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   rows_ = AlignedFloats(slots * plan.rowSize);
   partials_ = AlignedFloats(statistics * lanes * lanes);
   lanes_ = AlignedFloats(variables * lanes);
-  view_ = {rows_.data(), partials_.data(), lanes_.data()};
+  segments_.resize(static_cast<std::size_t>(plan.nrOfIntervals));
+  view_ = {rows_.data(), partials_.data(), lanes_.data(), segments_.data()};
 }
 
 }  // namespace tav::kernel

@@ -37,7 +37,7 @@ struct IntervalView {
   int paddedLength;   // rounded up to kRowAlign
   std::size_t rowOffset;  // of this interval's zone in a voxel's row buffer
   float scale;        // sqrt(longest length / length)
-  double rampSquares; // sum of squares of ramp
+  float rampSquares;  // sum of squares of ramp
   const float* ramp;  // t / (length - 1) - 0.5, then zeros; paddedLength values
   // Detrended and scaled: the reference, and one row of paddedLength values per surrogate.
   const float* reference;
@@ -91,11 +91,19 @@ struct RowsView {
   float* tables;             // see IntervalView::tables
 };
 
+// The rows of one interval that a voxel's lag sums are made of.
+struct LagRows {
+  const float* voxel;  // zeros around it
+  const float* references[2];
+  int paddedLength;
+};
+
 // Scratch memory of one caller, 64-byte aligned.
 struct WorkView {
   float* rows;      // detrended voxel rows; their padding is 0 and stays so
   float* partials;  // [statistic][lane][width]: lag sums before the sum over the width
   float* lanes;     // [variable][width]: everything that has one value per voxel, see layout.h
+  LagRows* segments;  // per interval
 };
 
 }  // namespace tav::kernel

@@ -1,4 +1,6 @@
 // Prints the performance table: kernel_table FOLDER [WORKLOAD...]. FOLDER takes the data files.
+#include <sys/resource.h>
+
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -53,6 +55,14 @@ void printWorkload(const std::string& folder, const Workload& workload, const be
   }
 }
 
+// Of the whole process so far, the data files in the page cache not counted.
+void printPeakMemory(const Workload& workload) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  std::printf("%-3s peak memory so far %.0f MB\n", workload.name.c_str(),
+              static_cast<double>(usage.ru_maxrss) / 1024.0);
+}
+
 void printDraws(const std::string& folder, const Workload& workload, int draws) {
   const std::string file = bench::dataFile(folder, workload);
   const std::string best = tav::kernel::bestKernel().name;
@@ -72,6 +82,7 @@ int run(const std::string& folder, const std::vector<std::string>& wanted) {
     bool isWanted = wanted.empty();
     for (const std::string& name : wanted) isWanted = isWanted || name == workload.name;
     if (isWanted) printWorkload(folder, workload, peak);
+    if (isWanted) printPeakMemory(workload);
     if (isWanted && workload.name == "W1") printDraws(folder, workload, 20);
   }
   return 0;

@@ -7,11 +7,15 @@
 
 namespace app {
 
+void addBidsCommand(CLI::App& program);
 void addConvertCommand(CLI::App& program);
 void addExportCommand(CLI::App& program);
 void addHostCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
+void addOrderCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
+void addRecoverCommand(CLI::App& program);
+void addRunCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
 
 }  // namespace app

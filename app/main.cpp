@@ -17,10 +17,14 @@ int report(const std::exception& error, int exitCode) {
 int run(int argc, char** argv) {
   CLI::App program{"Whole-brain maps of directed influence from fMRI", "tavmap"};
   program.require_subcommand(1);
+  app::addRunCommand(program);
+  app::addBidsCommand(program);
+  app::addOrderCommand(program);
   app::addConvertCommand(program);
   app::addInfoCommand(program);
   app::addPictureCommand(program);
   app::addExportCommand(program);
+  app::addRecoverCommand(program);
   app::addSimulateCommand(program);
   app::addHostCommand(program);
   try {

@@ -73,9 +73,13 @@ bool convertTile(const Stored* stored, const Scaling& scaling, float* out) {
 template <typename Stored, typename Out>
 bool convertRowOfTile(const StoredForm& form, const char* stored, std::size_t count, Out* out) {
   Stored values[kTileVoxels];
-  std::memcpy(values, stored, count * sizeof(Stored));
-  // Repeats a value of the row, so that the padding fits whenever the row does.
-  if (count < kTileVoxels) std::fill(values + count, values + kTileVoxels, values[0]);
+  if (count == kTileVoxels) {  // a length that the compiler knows: g++ makes "rep movs" of any other
+    std::memcpy(values, stored, sizeof values);
+  } else {
+    std::memcpy(values, stored, count * sizeof(Stored));
+    // Repeats a value of the row, so that the padding fits whenever the row does.
+    std::fill(values + count, values + kTileVoxels, values[0]);
+  }
   if (form.swapped) std::transform(values, values + kTileVoxels, values, swapBytes<Stored>);
   return convertTile(values, form.scaling, out);
 }
@@ -114,14 +118,19 @@ inline void turnSquare(const Value* from, std::size_t fromStep, Value* to, std::
   using L = Lanes<Value>;
   constexpr std::size_t n = L::kCount;
   typename L::Vector rows[n], shuffled[n];
+#pragma GCC unroll 8  // keeps the rows in registers
   for (std::size_t i = 0; i < n; ++i) std::memcpy(&rows[i], from + i * fromStep, sizeof rows[i]);
+#pragma GCC unroll 3
   for (std::size_t pass = 1; pass < n; pass *= 2) {
+#pragma GCC unroll 4
     for (std::size_t i = 0; i < n / 2; ++i) {
       shuffled[2 * i] = __builtin_shuffle(rows[i], rows[i + n / 2], L::kLow);
       shuffled[2 * i + 1] = __builtin_shuffle(rows[i], rows[i + n / 2], L::kHigh);
     }
-    std::copy_n(shuffled, n, rows);
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < n; ++i) rows[i] = shuffled[i];
   }
+#pragma GCC unroll 8
   for (std::size_t i = 0; i < n; ++i) std::memcpy(to + i * toStep, &rows[i], sizeof rows[i]);
 }
 

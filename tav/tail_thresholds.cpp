@@ -1,18 +1,25 @@
 #include "tav/tail_thresholds.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 #include "tav/fdr_thresholds.h"
 
 namespace tav {
 namespace {
 
-constexpr std::size_t kSamples = 2048;
-constexpr double kFirstShare = 0.02;  // of the magnitudes, in the first tail
+constexpr std::size_t kSamples = 2048;  // per map
+// The first tail holds this many times the share of voxels that the samples let expect, and a
+// little more; a longer one is needed seldom.
+constexpr double kShareFactor = 1.25, kExtraShare = 0.02;
 constexpr double kShareGrowth = 4.0;
 
 // Magnitudes from a cut on, in descending order, and what the whole map holds.
@@ -28,29 +35,96 @@ std::size_t sizeOf(const MapPieces& pieces) {
   return size;
 }
 
-// Appends the piece's magnitudes from `cut` on. Without a branch per value: writes each and moves
-// on past those that belong.
-void appendFrom(std::span<const float> piece, float cut, Tail& tail) {
-  const std::size_t before = tail.magnitudes.size();
-  tail.magnitudes.resize(before + piece.size());
-  float* out = tail.magnitudes.data() + before;
-  std::size_t nonZero = 0, numbers = 0;
-  for (const float value : piece) {
-    const float magnitude = std::fabs(value);
-    *out = magnitude;
-    out += magnitude >= cut ? 1 : 0;  // never with NaN
-    nonZero += value != 0.0F ? 1U : 0U;
-    numbers += magnitude > 0.0F ? 1U : 0U;
+// Positive floats order as their bits do; NaN above infinity.
+constexpr std::int32_t kInfinityBits = 0x7F800000;
+
+std::int32_t magnitudeBits(float value) {
+  return std::bit_cast<std::int32_t>(value) & 0x7FFFFFFF;
+}
+
+// Values that are looked at together: most blocks hold nothing of the tail.
+constexpr std::size_t kBlock = 64;
+
+struct BlockSummary {
+  std::int32_t largest = 0, nonZero = 0, numbers = 0;
+};
+
+BlockSummary summarise(const float* values, std::size_t count) {
+  BlockSummary summary;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int32_t bits = magnitudeBits(values[i]);
+    summary.largest = std::max(summary.largest, bits);
+    summary.nonZero += bits != 0 ? 1 : 0;
+    summary.numbers += bits != 0 && bits <= kInfinityBits ? 1 : 0;
   }
-  tail.nonZero += nonZero;
-  tail.numbers += numbers;
-  tail.magnitudes.resize(static_cast<std::size_t>(out - tail.magnitudes.data()));
+  return summary;
+}
+
+class TailSelector {
+ public:
+  explicit TailSelector(float cut) : cutBits_(magnitudeBits(cut)) {}
+
+  void add(std::span<const float> piece) {
+    for (std::size_t first = 0; first < piece.size(); first += kBlock) {
+      // The constant count lets the compiler use vectors.
+      const std::size_t left = piece.size() - first;
+      const float* const values = piece.data() + first;
+      addBlock(values, std::min(left, kBlock),
+               left >= kBlock ? summarise(values, kBlock) : summarise(values, left));
+    }
+  }
+
+  // The selected magnitudes, in no order.
+  Tail take() {
+    tail_.magnitudes.resize(used_);
+    return std::move(tail_);
+  }
+
+ private:
+  // Without a branch per value: writes each and moves on past those that belong.
+  void addBlock(const float* values, std::size_t count, const BlockSummary& summary) {
+    tail_.nonZero += static_cast<std::size_t>(summary.nonZero);
+    tail_.numbers += static_cast<std::size_t>(summary.numbers);
+    if (summary.largest < cutBits_) return;
+    if (tail_.magnitudes.size() < used_ + kBlock) tail_.magnitudes.resize(2 * used_ + kBlock);
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::int32_t bits = magnitudeBits(values[i]);
+      tail_.magnitudes[used_] = std::bit_cast<float>(bits);
+      used_ += bits >= cutBits_ && bits <= kInfinityBits ? 1U : 0U;
+    }
+  }
+
+  std::int32_t cutBits_;
+  Tail tail_;
+  std::size_t used_ = 0;
+};
+
+// Least significant digit of the bits first, 11 bits at a time; every
+// pass keeps the order of the one before.
+void sortDescending(std::vector<float>& magnitudes) {
+  constexpr int kDigits = 3, kBits = 11;
+  constexpr std::size_t kBuckets = 1U << kBits;
+  const auto digit = [](float magnitude, int d) {
+    return (~std::bit_cast<std::uint32_t>(magnitude) >> (d * kBits)) & (kBuckets - 1);
+  };
+  std::array<std::array<std::size_t, kBuckets>, kDigits> starts{};
+  for (const float magnitude : magnitudes) {
+    for (int d = 0; d < kDigits; ++d) ++starts[static_cast<std::size_t>(d)][digit(magnitude, d)];
+  }
+  std::vector<float> sorted(magnitudes.size());
+  for (int d = 0; d < kDigits; ++d) {
+    auto& start = starts[static_cast<std::size_t>(d)];
+    std::exclusive_scan(start.begin(), start.end(), start.begin(), std::size_t{0});
+    for (const float magnitude : magnitudes) sorted[start[digit(magnitude, d)]++] = magnitude;
+    magnitudes.swap(sorted);
+  }
 }
 
 Tail selectTail(const MapPieces& pieces, float cut) {
-  Tail tail;
-  for (const auto& piece : pieces) appendFrom(piece, cut, tail);
-  std::sort(tail.magnitudes.begin(), tail.magnitudes.end(), std::greater<>());
+  TailSelector selector(cut);
+  for (const auto& piece : pieces) selector.add(piece);
+  Tail tail = selector.take();
+  sortDescending(tail.magnitudes);
   return tail;
 }
 
@@ -61,26 +135,20 @@ Tail selectAll(const MapPieces& pieces) {
   return tail;
 }
 
-void sample(const MapPieces& pieces, std::vector<float>& samples) {
+// Evenly spread non-zero magnitudes, in descending order.
+Tail sample(const MapPieces& pieces) {
   const std::size_t stride = std::max<std::size_t>(sizeOf(pieces) / kSamples, 1);
+  Tail samples;
   std::size_t next = 0;
   for (const auto& piece : pieces) {
     for (; next < piece.size(); next += stride) {
-      if (std::fabs(piece[next]) > 0.0F) samples.push_back(std::fabs(piece[next]));
+      if (std::fabs(piece[next]) > 0.0F) samples.magnitudes.push_back(std::fabs(piece[next]));
     }
     next -= piece.size();
   }
-}
-
-// The magnitude that about `share` of both maps exceed; 0 when that cannot be told.
-float guessCut(const MapPieces& observed, const MapPieces& null, double share) {
-  std::vector<float> samples;
-  sample(observed, samples);
-  sample(null, samples);
-  const auto rank = static_cast<std::ptrdiff_t>(share * static_cast<double>(samples.size()));
-  if (rank < 1) return 0.0F;
-  std::nth_element(samples.begin(), samples.begin() + rank, samples.end(), std::greater<>());
-  return samples[static_cast<std::size_t>(rank)];
+  samples.nonZero = samples.numbers = samples.magnitudes.size();
+  sortDescending(samples.magnitudes);
+  return samples;
 }
 
 class TailSearch {
@@ -111,7 +179,8 @@ class TailSearch {
       const std::size_t count = std::min(exceeding, null_.nonZero - 1);
       const double p = static_cast<double>(count) / static_cast<double>(null_.nonZero);
       // The bounds ascend with q, so that smaller ones are violated first.
-      while (settled < results_.size() && p > bound(rank, results_[settled].q)) settle(rank, results_[settled++]);
+      while (settled < results_.size() && p > bound(rank, results_[settled].q))
+        settle(rank, results_[settled++]);
     }
     return settled == results_.size() || isWhole_;
   }
@@ -123,7 +192,8 @@ class TailSearch {
 
   [[nodiscard]] std::size_t nrReaching(float threshold) const {
     const auto& all = observed_.magnitudes;
-    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) - all.begin());
+    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) -
+                                    all.begin());
   }
 
   bool stepUp() {
@@ -156,14 +226,28 @@ class TailSearch {
   std::vector<MapThreshold> results_;  // by ascending q
 };
 
+// The share of the observed magnitudes that the search will look at, as the samples have it.
+double expectedShare(ThresholdRule rule, const std::vector<float>& qs, int cvConstant, const Tail& observed,
+                     const Tail& null) {
+  TailSearch search(qs, cvConstant, observed, null, true);
+  (void)search.finish(rule);
+  std::size_t mostPassing = 0;
+  for (const MapThreshold& result : search.results()) mostPassing = std::max(mostPassing, result.nrPassing);
+  return static_cast<double>(mostPassing) / static_cast<double>(std::max<std::size_t>(observed.nonZero, 1));
+}
+
 }  // namespace
 
-std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs, const MapPieces& observed,
-                                               const MapPieces& null, int cvConstant) {
+std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs,
+                                               const MapPieces& observed, const MapPieces& null,
+                                               int cvConstant) {
   std::sort(qs.begin(), qs.end());
-  for (double share = kFirstShare; share < 1.0; share *= kShareGrowth) {
-    const float cut = guessCut(observed, null, share);
-    if (cut <= 0.0F) break;
+  const Tail samples = sample(observed);
+  const double expected = expectedShare(rule, qs, cvConstant, samples, sample(null));
+  for (double share = kShareFactor * expected + kExtraShare; share < 1.0; share *= kShareGrowth) {
+    const auto rank = static_cast<std::size_t>(share * static_cast<double>(samples.magnitudes.size()));
+    if (rank < 1) break;
+    const float cut = samples.magnitudes[rank];
     TailSearch search(qs, cvConstant, selectTail(observed, cut), selectTail(null, cut), false);
     if (search.finish(rule)) return search.results();
   }

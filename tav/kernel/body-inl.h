@@ -71,7 +71,8 @@ class GroupKernel {
     return interval.tables + row * static_cast<std::ptrdiff_t>(interval.tableStride);
   }
   std::uint32_t surrogateOf(int l, int interval, int draw) const {
-    const std::size_t cell = voxelOf(l) * static_cast<std::size_t>(plan_.nrOfIntervals) + static_cast<std::size_t>(interval);
+    const std::size_t cell =
+        voxelOf(l) * static_cast<std::size_t>(plan_.nrOfIntervals) + static_cast<std::size_t>(interval);
     return batch_.surrogates[cell * static_cast<std::size_t>(plan_.draws) + static_cast<std::size_t>(draw)];
   }
   // Every lane keeps its rows only when further draws need them.
@@ -130,44 +131,65 @@ class GroupKernel {
 
   // Rows, own and cross sums with the reference and the first draw.
   void collectFirstPass() {
-    const int statistics = nrOfStatistics(plan_.order);
-    clearPartials(statistics);
+    const int statistics = nrOfStatistics(plan_.order), own = ownStatistic(plan_.order, 0);
     clearSeries(layout_.drawn);
+    noise_ = S::zero();
     sloped_ = 0;
-    for (int l = 0; l < kWidth; ++l) {
-      noise_[l] = 0.0F;
-      for (int n = 0; n < plan_.nrOfIntervals; ++n) addInterval(l, n);
-    }
-    const int cross = ownStatistic(plan_.order, 0);
-    sumPartials(0, cross, layout_.cross);
-    sumPartials(cross, statistics, layout_.own);
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) fitTrends(n);
+    clearPartials(statistics);
+    for (int l = 0; l < kWidth; ++l) addFirstPass(l);
+    sumPartials(0, own, layout_.cross);
+    sumPartials(own, statistics, layout_.own);
   }
 
-  void addInterval(int l, int n) {
+  // Mean and slope of one interval for all voxels of the group.
+  void fitTrends(int n) {
     const IntervalView& interval = plan_.intervals[n];
-    float* row = rowOf(l, interval);
-    noteTrend(l, interval, detrendCourse(l, interval, row));
-    const std::size_t drawn = surrogateOf(l, n, 0);
-    const LagRows rows{row, {interval.reference, surrogateRow(interval, drawn)}, interval.paddedLength};
-    if (l + 1 < kWidth) prefetch(surrogateRow(interval, surrogateOf(l + 1, n, 0)), interval.paddedLength);
-    addAllLags<S>(rows, plan_.order, partialsOf(l));
-    addTable(tableOf(interval, static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
-    float* tails = lane(layout_.own + plan_.order + 1 + n * plan_.order) + l;
-    for (int i = 0; i < plan_.order; ++i) tails[i * kWidth] = row[interval.length - 1 - i];
+    float* values = work_.partials;
+    float* products = values + kWidth * kWidth;
+    for (int l = 0; l < kWidth; ++l) {
+      withCourse(l, interval, [&](const auto* y) {
+        lane(layout_.first + n)[l] = static_cast<float>(y[0]);
+        const TrendSums<S> sums = trendSums<S>(interval, y);
+        S::store(values + l * kWidth, sums.values);
+        S::store(products + l * kWidth, sums.products);
+      });
+    }
+    const Trends<S> trends =
+        trendsFrom<S>(interval, S::load(lane(layout_.first + n)), S::sumRows(values), S::sumRows(products));
+    S::store(lane(layout_.mean + n), trends.mean);
+    S::store(lane(layout_.slope + n), trends.slope);
+    noise_ = noise_ + trends.noise;
+    sloped_ |= S::less(S::zero(), S::magnitude(trends.slope));
   }
 
-  Trend detrendCourse(int l, const IntervalView& interval, float* row) const {
-    const std::size_t course = voxelOf(l) * static_cast<std::size_t>(plan_.nrOfSets) + static_cast<std::size_t>(interval.set);
+  void addFirstPass(int l) {
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) {
+      const IntervalView& interval = plan_.intervals[n];
+      float* row = rowOf(l, interval);
+      const float mean = lane(layout_.mean + n)[l], slope = lane(layout_.slope + n)[l];
+      withCourse(l, interval, [&](const auto* y) { writeResiduals<S>(interval, mean, slope, y, row); });
+      const std::size_t drawn = surrogateOf(l, n, 0);
+      if (l + 1 < kWidth) prefetch(surrogateRow(interval, surrogateOf(l + 1, n, 0)), interval.paddedLength);
+      work_.segments[n] = {row, {interval.reference, surrogateRow(interval, drawn)}, interval.paddedLength};
+      addTable(tableOf(interval, static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
+      float* tails = lane(layout_.own + plan_.order + 1 + n * plan_.order) + l;
+      for (int i = 0; i < plan_.order; ++i) tails[i * kWidth] = row[interval.length - 1 - i];
+    }
+    addAllLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
+  }
+
+  // Calls `use` with the interval's first value of lane l's course, in the type of the data.
+  template <class Use>
+  void withCourse(int l, const IntervalView& interval, Use use) const {
+    const std::size_t course =
+        voxelOf(l) * static_cast<std::size_t>(plan_.nrOfSets) + static_cast<std::size_t>(interval.set);
     const void* data = batch_.courses[course];
     if (plan_.elements[interval.set] == Element::kFloat) {
-      return detrend<S>(interval, static_cast<const float*>(data), row);
+      use(static_cast<const float*>(data) + interval.first);
+    } else {
+      use(static_cast<const std::uint16_t*>(data) + interval.first);
     }
-    return detrend<S>(interval, static_cast<const std::uint16_t*>(data), row);
-  }
-
-  void noteTrend(int l, const IntervalView& interval, Trend trend) {
-    noise_[l] += noiseOf(interval, trend);
-    if (trend.slope != 0.0F) sloped_ |= 1U << l;
   }
 
   static const float* surrogateRow(const IntervalView& interval, std::size_t row) {
@@ -182,7 +204,8 @@ class GroupKernel {
 
   void clearPartials(int statistics) {
     const int count = statistics * kWidth;
-    for (int i = 0; i < count; ++i) S::store(work_.partials + static_cast<std::ptrdiff_t>(i) * kWidth, S::zero());
+    for (int i = 0; i < count; ++i)
+      S::store(work_.partials + static_cast<std::ptrdiff_t>(i) * kWidth, S::zero());
   }
 
   void sumPartials(int first, int end, int variable) {
@@ -197,25 +220,30 @@ class GroupKernel {
     const int statistics = 2 * plan_.order + 1;
     clearPartials(statistics);
     clearSeries(layout_.drawn);
-    for (int l = 0; l < kWidth; ++l) {
-      for (int n = 0; n < plan_.nrOfIntervals; ++n) {
-        const IntervalView& interval = plan_.intervals[n];
-        const std::size_t drawn = surrogateOf(l, n, draw);
-        const float* row = surrogateRow(interval, drawn);
-        addCrossLags<S>({rowOf(l, interval), {row, row}, interval.paddedLength}, plan_.order, partialsOf(l));
-        addTable(tableOf(interval, static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
-      }
-    }
+    for (int l = 0; l < kWidth; ++l) addCrossPass(l, draw);
     sumPartials(0, statistics, layout_.cross);
+  }
+
+  void addCrossPass(int l, int draw) {
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) {
+      const IntervalView& interval = plan_.intervals[n];
+      const std::size_t drawn = surrogateOf(l, n, draw);
+      const float* row = surrogateRow(interval, drawn);
+      if (l + 1 < kWidth)
+        prefetch(surrogateRow(interval, surrogateOf(l + 1, n, draw)), interval.paddedLength);
+      work_.segments[n] = {rowOf(l, interval), {row, row}, interval.paddedLength};
+      addTable(tableOf(interval, static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
+    }
+    addCrossLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
   }
 
   // A sum of squares of 0 is a flat voxel, unless a slope was removed, or its values are so small
   // that squares vanish.
   void checkOwn() {
-    const Floats moment = at<S>(y().own, 0), noise = S::loadAny(noise_);
+    const Floats moment = at<S>(y().own, 0);
     demandRange<S>(moment, kSmallMoment, kLargeMoment, own_);
-    own_.unsure |= S::less(moment, noise);
-    own_.flat |= S::lessEqual(moment, S::zero()) & S::less(S::all(kVisibleNoise), noise) & ~sloped_;
+    own_.unsure |= S::less(moment, noise_);
+    own_.flat |= S::lessEqual(moment, S::zero()) & S::less(S::all(kVisibleNoise), noise_) & ~sloped_;
   }
 
   void computeTruth() {
@@ -253,7 +281,8 @@ class GroupKernel {
   }
 
   void storeVerdicts(Verdict* verdicts, const Doubts<S>& doubts) const {
-    const Mask illDefined = doubts.flat | (doubts.failed & ~doubts.unsure), unsure = doubts.unsure & ~doubts.flat;
+    const Mask illDefined = doubts.flat | (doubts.failed & ~doubts.unsure),
+               unsure = doubts.unsure & ~doubts.flat;
     for (int l = 0; l < kWidth; ++l) {
       const unsigned code = ((illDefined >> l) & 1U) + 2U * ((unsure >> l) & 1U);
       verdicts[l] = static_cast<Verdict>(code);
@@ -270,8 +299,8 @@ class GroupKernel {
 
   std::size_t first_ = 0;
   int nrOfVoxels_ = 0;
-  float noise_[kMaxLanes];  // sums of squares that rounding of the trends explains
-  Mask sloped_ = 0;          // lanes with a slope in any interval
+  Floats noise_;     // sums of squares that rounding of the trends explains
+  Mask sloped_ = 0;  // lanes with a slope in any interval
   Doubts<S> own_;
   Floats yError_;
 };

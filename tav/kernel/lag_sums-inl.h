@@ -23,39 +23,42 @@ namespace {
 
 // Statistics of a pass: cross sums of row 0 at shifts -order ... order, the same of row 1, then
 // own sums at lags 0 ... order.
-constexpr int crossStatistic(int order, int row, int shift) { return row * (2 * order + 1) + order + shift; }
-constexpr int ownStatistic(int order, int lag) { return 2 * (2 * order + 1) + lag; }
+constexpr int crossStatistic(int order, int row, int shift) {
+  return row * (2 * order + 1) + order + shift;
+}
+constexpr int ownStatistic(int order, int lag) {
+  return 2 * (2 * order + 1) + lag;
+}
 
-// The rows of one interval.
-struct LagRows {
-  const float* voxel;         // zeros around it
-  const float* references[2];
-  int paddedLength;
+// The rows of all intervals that are summed together.
+struct LagRowsList {
+  const LagRows* intervals;
+  int count;
 };
 
-// A partial sum of more vectors than this goes to memory, so that rounding grows with the root of
-// this number and not of the interval's length.
+// A partial sum of about this many vectors goes to memory, so that rounding grows with the root of
+// this number and not of the number of time points.
 inline constexpr int kVectorsPerSum = 64;
 
-// Adds the products at shifts first ... first + kShifts - 1: of kRows reference rows, and of the
-// voxel with itself at shifts from first + kOwnFrom on. `partials` points at the voxel's lane.
+// Products at shifts first ... first + kShifts - 1: of kRows reference rows, and of the voxel with
+// itself at shifts from first + kOwnFrom on.
 template <class S, int kRows, int kShifts, int kOwnFrom>
-[[gnu::noinline]] void addLagProducts(const LagRows& rows, int order, int first, float* partials) {
-  constexpr int kOwn = kShifts - kOwnFrom;
-  constexpr std::size_t kStep = static_cast<std::size_t>(S::kWidth) * S::kWidth;
+struct LagProducts {
+  static constexpr int kOwn = kShifts - kOwnFrom;
+  static constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
   using Floats = typename S::Floats;
-  const auto at = [&](int statistic) { return partials + kStep * static_cast<std::size_t>(statistic); };
-  const auto addTo = [](float* p, Floats v) { S::store(p, S::load(p) + v); };
 
-  const float* shifted = rows.voxel - first;
-  for (int start = 0; start < rows.paddedLength; start += kVectorsPerSum * S::kWidth) {
-    const int stop = start + kVectorsPerSum * S::kWidth;
-    const int end = stop < rows.paddedLength ? stop : rows.paddedLength;
-    Floats cross[extent(kRows)][extent(kShifts)], own[extent(kOwn + 1)];
+  Floats cross[extent(kRows)][extent(kShifts)], own[extent(kOwn + 1)];
+
+  void clear() {
     for (auto& row : cross) {
       for (auto& sum : row) sum = S::zero();
     }
     for (auto& sum : own) sum = S::zero();
+  }
+
+  [[gnu::always_inline]] void add(const LagRows& rows, int first, int start, int end) {
+    const float* shifted = rows.voxel - first;
     for (int t = start; t < end; t += S::kWidth) {
       Floats left[extent(kRows)];
 #pragma GCC unroll 2
@@ -71,14 +74,43 @@ template <class S, int kRows, int kShifts, int kOwnFrom>
         if (j >= kOwnFrom) own[j - kOwnFrom] = S::madd(self, right, own[j - kOwnFrom]);
       }
     }
-    for (int r = 0; r < kRows; ++r) {
-      for (int j = 0; j < kShifts; ++j) addTo(at(crossStatistic(order, r, first + j)), cross[r][j]);
-    }
-    for (int j = kOwnFrom; j < kShifts; ++j) addTo(at(ownStatistic(order, first + j)), own[j - kOwnFrom]);
   }
+
+  void addTo(float* partials, int order, int first) const {
+    const auto add = [&](int statistic, Floats v) {
+      float* p = partials + kStep * statistic;
+      S::store(p, S::load(p) + v);
+    };
+    for (int r = 0; r < kRows; ++r) {
+      for (int j = 0; j < kShifts; ++j) add(crossStatistic(order, r, first + j), cross[r][j]);
+    }
+    for (int j = kOwnFrom; j < kShifts; ++j) add(ownStatistic(order, first + j), own[j - kOwnFrom]);
+  }
+};
+
+// Adds them for all intervals to the voxel's lane, at which `partials` points.
+template <class S, int kRows, int kShifts, int kOwnFrom>
+[[gnu::noinline]] void addLagProducts(const LagRowsList& rows, int order, int first, float* partials) {
+  LagProducts<S, kRows, kShifts, kOwnFrom> products;
+  products.clear();
+  int vectors = 0;
+  for (int i = 0; i < rows.count; ++i) {
+    const LagRows& interval = rows.intervals[i];
+    for (int start = 0; start < interval.paddedLength; start += kVectorsPerSum * S::kWidth) {
+      if (vectors >= kVectorsPerSum) {
+        products.addTo(partials, order, first);
+        products.clear();
+        vectors = 0;
+      }
+      const int left = interval.paddedLength - start, most = kVectorsPerSum * S::kWidth;
+      products.add(interval, first, start, start + (left < most ? left : most));
+      vectors += (left < most ? left : most) / S::kWidth;
+    }
+  }
+  products.addTo(partials, order, first);
 }
 
-using LagFunction = void (*)(const LagRows&, int, int, float*);
+using LagFunction = void (*)(const LagRowsList&, int, int, float*);
 
 // Most shifts that a loop carries: with own products, and without for one or two rows.
 template <class S>
@@ -91,8 +123,8 @@ inline constexpr int kShiftsOfOne = S::kAccumulators < 12 ? S::kAccumulators : 1
 // table[n - 1]: n shifts, all with own products or none.
 template <class S, int kRows, bool kWithOwn, int... kCounts>
 LagFunction pick(int n) {
-  static constexpr LagFunction table[] = {
-      &addLagProducts<S, kRows, kCounts + 1, kWithOwn ? 0 : kCounts + 1>...};
+  static constexpr LagFunction table[] = {&addLagProducts < S, kRows, kCounts + 1,
+                                          kWithOwn ? 0 : kCounts + 1 > ...};
   return table[n - 1];
 }
 
@@ -113,7 +145,7 @@ struct Picker<S, kRows, kWithOwn, Counts<kCounts...>> {
 
 // Adds shifts first ... last in loops of at most kMost.
 template <class S, int kRows, bool kWithOwn, int kMost>
-void addShifts(const LagRows& rows, int order, int first, int last, float* partials) {
+void addShifts(const LagRowsList& rows, int order, int first, int last, float* partials) {
   using Loops = Picker<S, kRows, kWithOwn, typename CountsTo<kMost>::Type>;
   const int loops = (last - first + kMost) / kMost;
   for (int loop = loops; loop > 0; --loop) {
@@ -125,7 +157,7 @@ void addShifts(const LagRows& rows, int order, int first, int last, float* parti
 
 // All statistics of a voxel with two rows.
 template <class S>
-void addAllLags(const LagRows& rows, int order, float* partials) {
+void addAllLags(const LagRowsList& rows, int order, float* partials) {
   if (order == 1) return addLagProducts<S, 2, 3, 1>(rows, order, -1, partials);
   if constexpr (S::kAccumulators >= 23) {
     if (order == 2) return addLagProducts<S, 2, 5, 2>(rows, order, -2, partials);
@@ -138,7 +170,7 @@ void addAllLags(const LagRows& rows, int order, float* partials) {
 
 // The cross statistics of row 0 alone.
 template <class S>
-void addCrossLags(const LagRows& rows, int order, float* partials) {
+void addCrossLags(const LagRowsList& rows, int order, float* partials) {
   addShifts<S, 1, false, kShiftsOfOne<S>>(rows, order, -order, order, partials);
 }
 

@@ -5,6 +5,8 @@
 //     ownTails   last p values of its row, latest first, interval after interval
 //     truth      own and tails of the reference, the same value in every lane
 //     drawn      own and tails of each lane's surrogate
+//     first      first value of each interval
+//     mean, slope  of each interval
 //     cross      lag sums with the reference, then with the surrogate, at shifts -p ... p
 //     yRows      lower factor of the voxel's lags, row after row
 //     xRows      rows of the reference's lags: p columns for the voxel's lags, then their own
@@ -25,7 +27,10 @@ struct LaneLayout {
         own(0),
         truth(own + seriesSize),
         drawn(truth + seriesSize),
-        cross(drawn + seriesSize),
+        first(drawn + seriesSize),
+        mean(first + nrOfIntervals),
+        slope(mean + nrOfIntervals),
+        cross(slope + nrOfIntervals),
         yRows(cross + 2 * (2 * p + 1)),
         xRows(yRows + p * (p + 1) / 2),
         inverse(xRows + p * p + p * (p + 1) / 2),
@@ -35,12 +40,14 @@ struct LaneLayout {
 
   int p;
   int seriesSize;  // own sums and tails of one series
-  int own, truth, drawn, cross, yRows, xRows, inverse, yLast, xLast;
+  int own, truth, drawn, first, mean, slope, cross, yRows, xRows, inverse, yLast, xLast;
   int size;
 };
 
 // Statistics of one pass of lag sums.
-constexpr int nrOfStatistics(int order) { return 2 * (2 * order + 1) + order + 1; }
+constexpr int nrOfStatistics(int order) {
+  return 2 * (2 * order + 1) + order + 1;
+}
 
 }  // namespace tav::kernel
 

@@ -13,11 +13,15 @@ namespace {
 
 constexpr std::align_val_t kAlignment{64};
 
-int roundedUp(int n, int unit) { return (n + unit - 1) / unit * unit; }
+int roundedUp(int n, int unit) {
+  return (n + unit - 1) / unit * unit;
+}
 
 void requireValid(const PlanSpec& spec) {
-  if (spec.order < 1 || spec.order > kMaxOrder) throw std::invalid_argument("kernel plan: order out of range");
-  if (spec.draws < 1 || spec.draws > kMaxDraws) throw std::invalid_argument("kernel plan: draws out of range");
+  if (spec.order < 1 || spec.order > kMaxOrder)
+    throw std::invalid_argument("kernel plan: order out of range");
+  if (spec.draws < 1 || spec.draws > kMaxDraws)
+    throw std::invalid_argument("kernel plan: draws out of range");
   for (const SetSpec& set : spec.sets) {
     for (const Interval& interval : set.intervals) {
       if (interval.length <= spec.order) throw std::invalid_argument("kernel plan: interval too short");
@@ -36,13 +40,14 @@ int longestInterval(const PlanSpec& spec) {
 AlignedFloats makeRamp(IntervalView& interval) {
   AlignedFloats ramp(static_cast<std::size_t>(interval.paddedLength));
   const float last = static_cast<float>(interval.length - 1);
-  interval.rampSquares = 0.0;
+  double squares = 0.0;
   for (int t = 0; t < interval.length; ++t) {
     const float u = static_cast<float>(t) / last - 0.5F;
     ramp.data()[t] = u;
-    interval.rampSquares += static_cast<double>(u) * static_cast<double>(u);
+    squares += static_cast<double>(u) * static_cast<double>(u);
   }
   interval.ramp = ramp.data();
+  interval.rampSquares = static_cast<float>(squares);
   return ramp;
 }
 
@@ -53,7 +58,9 @@ AlignedFloats::AlignedFloats(std::size_t count)
   std::memset(floats_.get(), 0, count * sizeof(float));
 }
 
-void AlignedFloats::Free::operator()(float* p) const { ::operator delete(p, kAlignment); }
+void AlignedFloats::Free::operator()(float* p) const {
+  ::operator delete(p, kAlignment);
+}
 
 Plan::Plan(const PlanSpec& spec, const Kernel& kernel) : kernel_(&kernel), view_{} {
   requireValid(spec);
@@ -115,7 +122,8 @@ Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   rows_ = AlignedFloats(slots * plan.rowSize);
   partials_ = AlignedFloats(statistics * lanes * lanes);
   lanes_ = AlignedFloats(variables * lanes);
-  view_ = {rows_.data(), partials_.data(), lanes_.data()};
+  segments_.resize(static_cast<std::size_t>(plan.nrOfIntervals));
+  view_ = {rows_.data(), partials_.data(), lanes_.data(), segments_.data()};
 }
 
 }  // namespace tav::kernel

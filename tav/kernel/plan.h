@@ -80,6 +80,7 @@ class Workspace {
 
  private:
   AlignedFloats rows_, partials_, lanes_;
+  std::vector<LagRows> segments_;
   WorkView view_;
 };
 

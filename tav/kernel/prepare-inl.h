@@ -20,28 +20,49 @@ inline bool isZero(const float* row, int n) {
 }
 
 template <class S>
-float sumOfPartials(const float* partials) {
+float sumOf(typename S::Floats v) {
+  alignas(64) float lanes[extent(S::kWidth)];
+  S::store(lanes, v);
   double sum = 0.0;
-  for (int i = 0; i < S::kWidth; ++i) sum += static_cast<double>(partials[i]);
+  for (const float lane : lanes) sum += static_cast<double>(lane);
   return static_cast<float>(sum);
+}
+
+template <class S>
+float firstLane(typename S::Floats v) {
+  alignas(64) float lanes[extent(S::kWidth)];
+  S::store(lanes, v);
+  return lanes[0];
 }
 
 // Fills one table from a row with zeros around it.
 template <class S>
 void tabulate(const IntervalView& interval, int order, const float* row, float* partials, float* table) {
-  for (int lag = 0; lag <= order; ++lag) {
-    S::store(partials + crossStatistic(order, 0, lag) * S::kWidth * S::kWidth, S::zero());
-  }
-  addShifts<S, 1, false, kShiftsOfOne<S>>({row, {row, row}, interval.paddedLength}, order, 0, order, partials);
-  for (int lag = 0; lag <= order; ++lag) {
-    table[lag] = sumOfPartials<S>(partials + crossStatistic(order, 0, lag) * S::kWidth * S::kWidth);
-  }
+  constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
+  for (int lag = 0; lag <= order; ++lag)
+    S::store(partials + crossStatistic(order, 0, lag) * kStep, S::zero());
+  const LagRows rows{row, {row, row}, interval.paddedLength};
+  addShifts<S, 1, false, kShiftsOfOne<S>>({&rows, 1}, order, 0, order, partials);
+  for (int lag = 0; lag <= order; ++lag)
+    table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];
 }
 
+struct RowTrend {
+  float mean, slope, noise;
+};
+
+template <class S>
+RowTrend rowTrend(const IntervalView& interval, const float* y) {
+  const TrendSums<S> sums = trendSums<S>(interval, y);
+  const Trends<S> trends =
+      trendsFrom<S>(interval, S::all(y[0]), S::all(sumOf<S>(sums.values)), S::all(sumOf<S>(sums.products)));
+  return {firstLane<S>(trends.mean), firstLane<S>(trends.slope), firstLane<S>(trends.noise)};
+}
+
 // Residuals that are rounding of the trend, or whose squares vanish in single precision.
-inline bool isTrusted(const IntervalView& interval, Trend trend, const float* row, float squares) {
-  if (squares > 0.0F) return squares >= noiseOf(interval, trend);
+inline bool isTrusted(const IntervalView& interval, const RowTrend& trend, const float* row, float squares) {
+  if (squares > 0.0F) return squares >= trend.noise;
   return trend.slope == 0.0F && isZero(row, interval.length);
 }
 
@@ -49,12 +70,13 @@ inline bool isTrusted(const IntervalView& interval, Trend trend, const float* ro
 template <class S>
 void prepareRows(const IntervalView& interval, const RowsView& task, const WorkView& work) {
   float* row = work.rows + interval.rowOffset;
-  const auto length = static_cast<std::size_t>(interval.length), padded = static_cast<std::size_t>(interval.paddedLength);
+  const auto length = static_cast<std::size_t>(interval.length),
+             padded = static_cast<std::size_t>(interval.paddedLength);
   for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {
     const float* source = task.source + r * task.sourceStride;
     for (std::size_t t = 0; t < length; ++t) row[t] = source[t];
-    const Trend trend = fitTrend<S>(interval, row);
-    writeResiduals<S>(interval, trend, row, row);
+    const RowTrend trend = rowTrend<S>(interval, row);
+    writeResiduals<S>(interval, trend.mean, trend.slope, row, row);
     float* table = task.tables + r * interval.tableStride;
     tabulate<S>(interval, task.order, row, work.partials, table);
     if (!isTrusted(interval, trend, row, table[0])) table[0] = kUntrusted;

@@ -18,9 +18,6 @@ struct Simd {
   static constexpr int kAccumulators = 12;
   using Floats = __m256;
   using Ints = __m256i;
-  struct Doubles {
-    __m256d low, high;
-  };
   using Mask = std::uint32_t;
 
   static Floats zero() { return _mm256_setzero_ps(); }
@@ -40,27 +37,10 @@ struct Simd {
   static Mask less(Floats a, Floats b) { return mask(_mm256_cmp_ps(a, b, _CMP_LT_OQ)); }
   static Mask lessEqual(Floats a, Floats b) { return mask(_mm256_cmp_ps(a, b, _CMP_LE_OQ)); }
 
-  static Ints zeroInts() { return _mm256_setzero_si256(); }
   static Ints loadInts(const std::uint16_t* p) {
     return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
   }
-  static Ints keepFirst(Ints v, int n) { return both(v, firstLanes(n)); }
-  static Ints add(Ints a, Ints b) { return _mm256_add_epi32(a, b); }
-  static void store(std::int32_t* p, Ints v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
   static Floats toFloats(Ints v) { return _mm256_cvtepi32_ps(v); }
-
-  static Doubles zeroDoubles() { return {_mm256_setzero_pd(), _mm256_setzero_pd()}; }
-  static Doubles widen(Floats v) {
-    return {_mm256_cvtps_pd(_mm256_castps256_ps128(v)), _mm256_cvtps_pd(_mm256_extractf128_ps(v, 1))};
-  }
-  static Doubles add(Doubles a, Doubles b) {
-    return {_mm256_add_pd(a.low, b.low), _mm256_add_pd(a.high, b.high)};
-  }
-  static double sum(Doubles v) {
-    const __m256d four = _mm256_add_pd(v.low, v.high);
-    const __m128d two = _mm_add_pd(_mm256_castpd256_pd128(four), _mm256_extractf128_pd(four, 1));
-    return _mm_cvtsd_f64(_mm_add_sd(two, _mm_unpackhi_pd(two, two)));
-  }
 
   static Ints bits(Floats v) { return _mm256_castps_si256(v); }
   static Floats fromBits(Ints v) { return _mm256_castsi256_ps(v); }

@@ -15,9 +15,6 @@ struct Simd {
   static constexpr int kAccumulators = 24;
   using Floats = __m512;
   using Ints = __m512i;
-  struct Doubles {
-    __m512d low, high;
-  };
   using Mask = std::uint32_t;
 
   static Floats zero() { return _mm512_setzero_ps(); }
@@ -37,23 +34,10 @@ struct Simd {
   static Mask less(Floats a, Floats b) { return _mm512_cmp_ps_mask(a, b, _CMP_LT_OQ); }
   static Mask lessEqual(Floats a, Floats b) { return _mm512_cmp_ps_mask(a, b, _CMP_LE_OQ); }
 
-  static Ints zeroInts() { return _mm512_setzero_si512(); }
   static Ints loadInts(const std::uint16_t* p) {
     return _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
   }
-  static Ints keepFirst(Ints v, int n) { return _mm512_maskz_mov_epi32(firstLanes(n), v); }
-  static Ints add(Ints a, Ints b) { return _mm512_add_epi32(a, b); }
-  static void store(std::int32_t* p, Ints v) { _mm512_storeu_si512(p, v); }
   static Floats toFloats(Ints v) { return _mm512_cvtepi32_ps(v); }
-
-  static Doubles zeroDoubles() { return {_mm512_setzero_pd(), _mm512_setzero_pd()}; }
-  static Doubles widen(Floats v) {
-    return {_mm512_cvtps_pd(_mm512_castps512_ps256(v)), _mm512_cvtps_pd(_mm512_extractf32x8_ps(v, 1))};
-  }
-  static Doubles add(Doubles a, Doubles b) {
-    return {_mm512_add_pd(a.low, b.low), _mm512_add_pd(a.high, b.high)};
-  }
-  static double sum(Doubles v) { return _mm512_reduce_add_pd(_mm512_add_pd(v.low, v.high)); }
 
   static Ints bits(Floats v) { return _mm512_castps_si512(v); }
   static Floats fromBits(Ints v) { return _mm512_castsi512_ps(v); }

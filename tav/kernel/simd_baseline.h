@@ -19,9 +19,6 @@ struct Simd {
   static constexpr int kAccumulators = 9;  // the products need registers of their own
   using Floats = __m128;
   using Ints = __m128i;
-  struct Doubles {
-    __m128d low, high;
-  };
   using Mask = std::uint32_t;
 
   static Floats zero() { return _mm_setzero_ps(); }
@@ -45,18 +42,7 @@ struct Simd {
   static Ints loadInts(const std::uint16_t* p) {
     return _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)), zeroInts());
   }
-  static Ints keepFirst(Ints v, int n) { return both(v, firstLanes(n)); }
-  static Ints add(Ints a, Ints b) { return _mm_add_epi32(a, b); }
-  static void store(std::int32_t* p, Ints v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
   static Floats toFloats(Ints v) { return _mm_cvtepi32_ps(v); }
-
-  static Doubles zeroDoubles() { return {_mm_setzero_pd(), _mm_setzero_pd()}; }
-  static Doubles widen(Floats v) { return {_mm_cvtps_pd(v), _mm_cvtps_pd(_mm_movehl_ps(v, v))}; }
-  static Doubles add(Doubles a, Doubles b) { return {_mm_add_pd(a.low, b.low), _mm_add_pd(a.high, b.high)}; }
-  static double sum(Doubles v) {
-    const __m128d two = _mm_add_pd(v.low, v.high);
-    return _mm_cvtsd_f64(_mm_add_sd(two, _mm_unpackhi_pd(two, two)));
-  }
 
   static Ints bits(Floats v) { return _mm_castps_si128(v); }
   static Floats fromBits(Ints v) { return _mm_castsi128_ps(v); }
@@ -79,7 +65,9 @@ struct Simd {
   static Ints firstLanes(int n) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(kLaneMasks + kWidth - n));
   }
-  static Floats foldPair(Floats a, Floats b) { return _mm_add_ps(_mm_unpacklo_ps(a, b), _mm_unpackhi_ps(a, b)); }
+  static Floats foldPair(Floats a, Floats b) {
+    return _mm_add_ps(_mm_unpacklo_ps(a, b), _mm_unpackhi_ps(a, b));
+  }
 };
 
 }  // namespace

@@ -24,9 +24,6 @@ struct Simd {
   static constexpr int kAccumulators = 9;
   using Floats = float;
   using Ints = std::int32_t;
-  struct Doubles {
-    double value;
-  };
   using Mask = std::uint32_t;
 
   static Floats zero() { return 0.0F; }
@@ -46,17 +43,8 @@ struct Simd {
   static Mask less(Floats a, Floats b) { return a < b ? 1U : 0U; }
   static Mask lessEqual(Floats a, Floats b) { return a <= b ? 1U : 0U; }
 
-  static Ints zeroInts() { return 0; }
   static Ints loadInts(const std::uint16_t* p) { return *p; }
-  static Ints keepFirst(Ints v, int n) { return n > 0 ? v : 0; }
-  static Ints add(Ints a, Ints b) { return a + b; }
-  static void store(std::int32_t* p, Ints v) { *p = v; }
   static Floats toFloats(Ints v) { return static_cast<float>(v); }
-
-  static Doubles zeroDoubles() { return {0.0}; }
-  static Doubles widen(Floats v) { return {static_cast<double>(v)}; }
-  static Doubles add(Doubles a, Doubles b) { return {a.value + b.value}; }
-  static double sum(Doubles v) { return v.value; }
 
   static Ints bits(Floats v) { return __builtin_bit_cast(Ints, v); }
   static Floats fromBits(Ints v) { return __builtin_bit_cast(Floats, v); }

@@ -1,0 +1,57 @@
+#include "app/study_options.h"
+
+#include <iostream>
+
+#include "app/exit_codes.h"
+#include "study/problem.h"
+#include "study/study_summary.h"
+
+namespace app {
+
+const char* softwareVersion() { return TAVMAP_VERSION; }
+
+void addStudyOptions(CLI::App& command, StudyArguments& arguments) {
+  command.add_option("-j,--jobs,--nthreads,--n-cpus", arguments.jobs, "Worker processes; results do not depend on it")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
+  command.add_option("--seed,--random-seed", arguments.seed, "Seed of all random numbers; stored with every result")
+      ->check(CLI::Range(0U, 2147483647U));
+  command.add_flag("--force", arguments.force, "Compute again what is finished");
+  command.add_flag("-q,--quiet", arguments.quiet, "No progress and no summary; failures are still told");
+  command.add_flag("--json", arguments.json, "Print the summary as JSON");
+}
+
+int runRequests(const std::vector<study::Request>& requests, study::StudyOptions options,
+                const StudyArguments& arguments) {
+  options.jobs = arguments.jobs;
+  options.force = arguments.force;
+  options.seed = arguments.seed;
+  options.version = softwareVersion();
+  study::StudyOutcome outcome;
+  {
+    study::ProgressBar progress(std::cerr, study::progressStyle(arguments.quiet));
+    outcome = study::runStudy(requests, options, progress);
+  }
+  if (arguments.json) {
+    std::cout << study::summaryJson(outcome, options.version).dump(2) << "\n";
+  } else if (!arguments.quiet) {
+    study::printSummary(outcome, std::cout);
+  }
+  if (!outcome.failed()) return kDone;
+  return requests.size() == 1 && outcome.inputProblem ? kWrongInput : kFailed;
+}
+
+void leaveWith(const std::function<int()>& action) {
+  int code = kDone;
+  try {
+    code = action();
+  } catch (const study::InputError& error) {
+    throw UsageError(error.what());
+  } catch (const study::Interrupted&) {
+    std::cerr << "tavmap: interrupted; what is finished stays, repeat the command to go on\n";
+    code = kInterrupted;
+  }
+  if (code != kDone) throw Reported{code};
+}
+
+}  // namespace app

@@ -1,0 +1,166 @@
+#include "bench/kernel/phases.h"
+
+#include <cstdlib>
+#include <sstream>
+#include <stdexcept>
+
+#include "bench/kernel/stopwatch.h"
+#include "hostapi/CNZQPluginInterfaceExtern.h"
+#include "simo/randomness.h"
+#include "tav/condition.h"
+#include "tav/map_values.h"
+#include "tav/tail_thresholds.h"
+#include "tav/tav.h"
+#include "tav/voxel_loop.h"
+#include "tests/fakes/fake_host.h"
+
+namespace bench {
+namespace {
+
+// Times a path's preparation, which the voxel loop contains.
+class TimedPath : public tav::VoxelPath {
+ public:
+  explicit TimedPath(tav::VoxelPath& path) : path_(path) {}
+  [[nodiscard]] const char* name() const override { return path_.name(); }
+  void begin(const tav::VoxelJob& job) override {
+    const Stopwatch watch;
+    path_.begin(job);
+    beginSeconds = watch.seconds();
+  }
+  void compute(std::size_t nrOfVoxels, std::span<const tav::VoxelData> data, const tav::VoxelResults& results,
+               tav::VoxelCounts& counts) override {
+    path_.compute(nrOfVoxels, data, results, counts);
+  }
+  double beginSeconds = 0.0;
+
+ private:
+  tav::VoxelPath& path_;
+};
+
+void require(int status, const std::ostringstream& errors) {
+  if (status != tav::kSuccess) throw std::runtime_error(errors.str());
+}
+
+class PhaseTimer {
+ public:
+  PhaseTimer(const Workload& workload, const std::string& file, int draws)
+      : request_(makeRequest(workload, file)), options_(optionsFor(draws)), computer_(options_) {
+    request_.showVerboseProgress = false;
+    require(computer_.Init(request_, errors_), errors_);
+    require(computer_.createVOIResultMAP(request_.vois[0], request_, errors_), errors_);
+    path_ = tav::makeVoxelPath(errors_);
+    if (path_ == nullptr) throw std::runtime_error(errors_.str());
+  }
+  ~PhaseTimer() { computer_.CleanUp(); }
+  PhaseTimer(const PhaseTimer&) = delete;
+  PhaseTimer& operator=(const PhaseTimer&) = delete;
+
+  void time(Phases& best) {
+    std::ostringstream log;
+    lower(best.surrogates, [&] { require(computer_.simSurrogateVOITCs(request_, log, errors_), errors_); });
+    timeLoop(best);
+    lower(best.transfer, [&] {
+      require(computer_.transferConditionResults(request_.vois[0], request_.conds[0], 0, request_, errors_),
+              errors_);
+    });
+    timeThresholds(best);
+  }
+
+ private:
+  static tav::RunOptions optionsFor(int draws) {
+    tav::RunOptions options;
+    options.nullDraws = draws;
+    return options;
+  }
+
+  template <class Work>
+  static void lower(double& best, Work work) {
+    best = std::min(best, bestSeconds(1, work));
+  }
+
+  void timeLoop(Phases& best) {
+    std::ostringstream log;
+    tav::CheckedCondition checked;
+    require(
+        tav::checkCondition(computer_, request_.vois[0], request_.conds[0], request_, log, errors_, checked),
+        errors_);
+    const auto job = tav::makeConditionJob(request_.conds[0], checked.references, request_, options_);
+    const tav::RawStores stores{*computer_.rawMaps1, *computer_.rawMaps2, computer_.furtherNulls.get()};
+    tav::VoxelCounts counts;
+    TimedPath timed(*path_);
+    const Stopwatch watch;
+    require(tav::runVoxelLoop(job, request_, timed, stores, status_, counts, errors_), errors_);
+    best.loop = std::min(best.loop, watch.seconds() - timed.beginSeconds);
+    best.prepare = std::min(best.prepare, timed.beginSeconds);
+    best.illDefined = counts.illDefined;
+    best.surrogatesIllDefined = counts.surrogatesIllDefined;
+    best.checksum = 0.0;
+    for (int m = 0; m < tav::kNrOfMeasures; ++m) {
+      const float* values = computer_.rawMaps1->values(m);
+      for (std::size_t i = 0; i < computer_.rawMaps1->nrOfVoxels(); ++i)
+        best.checksum += static_cast<double>(values[i]);
+    }
+  }
+
+  void timeThresholds(Phases& best) {
+    const std::size_t n = computer_.rawMaps1->nrOfVoxels();
+    std::vector<float> observed(n), null(n);
+    double sum = 0.0;
+    for (const tav::MapType type : request_.mapTypes) {
+      if (type == tav::DTAV_RC) continue;
+      tav::computeMapValues(type, rawValues(*computer_.rawMaps1), request_, observed.data());
+      tav::computeMapValues(type, rawValues(*computer_.rawMaps2), request_, null.data());
+      sum += bestSeconds(1, [&] {
+        (void)tav::searchTailThresholds(options_.thresholdRule, request_.qThresholds, {observed}, {null},
+                                        request_.cvConstant);
+      });
+    }
+    best.thresholds = std::min(best.thresholds, sum);
+  }
+
+  static tav::RawValues rawValues(const tav::rawTAVMaps& maps) {
+    return {{maps.values(0), maps.values(1), maps.values(2)}, maps.nrOfVoxels()};
+  }
+
+  tav::TAV_Pars request_;
+  tav::RunOptions options_;
+  tav::Computer computer_;
+  std::unique_ptr<tav::VoxelPath> path_;
+  std::vector<tav::VoxelStatus> status_;
+  std::ostringstream errors_;
+};
+
+double wholeRun(const Workload& workload, const std::string& file, fakes::FakeHost& host, int draws) {
+  tav::TAV_Pars request = makeRequest(workload, file);
+  request.showVerboseProgress = false;
+  tav::RunOptions options;
+  options.nullDraws = draws;
+  return bestSeconds(1, [&] {
+    std::ostringstream errors;
+    tav::Computer computer(options);
+    require(computer.computeTAVs(request, errors), errors);
+    host.savedMaps.clear();
+  });
+}
+
+}  // namespace
+
+Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel,
+                     int repetitions, int draws) {
+  fakes::FakeHost host;
+  if (!InitZQAccess()) throw std::runtime_error("the fake host is not exported");
+  simo::setTimeBase(1);  // the same surrogates for every path
+  setenv("TAVMAP_KERNEL", kernel.c_str(), 1);
+  constexpr double kNever = 1e9;
+  Phases best{kNever, kNever, kNever, kNever, kNever, kNever, 0, 0, 0.0};
+  {
+    PhaseTimer timer(workload, file, draws);
+    for (int i = 0; i < repetitions; ++i) timer.time(best);
+  }
+  for (int i = 0; i < repetitions; ++i)
+    best.whole = std::min(best.whole, wholeRun(workload, file, host, draws));
+  unsetenv("TAVMAP_KERNEL");
+  return best;
+}
+
+}  // namespace bench

@@ -1,0 +1,29 @@
+// The phases of one run, each timed on its own.
+#ifndef TAVMAP_BENCH_KERNEL_PHASES_H
+#define TAVMAP_BENCH_KERNEL_PHASES_H
+
+#include <string>
+
+#include "bench/kernel/workloads.h"
+
+namespace bench {
+
+// Seconds, the best of the repetitions for each phase on its own.
+struct Phases {
+  double surrogates;  // fit of the reference and simulation of its surrogates
+  double prepare;     // tables of reference and surrogates
+  double loop;        // reading and computing every voxel
+  double transfer;    // all maps into the host, with their thresholds
+  double thresholds;  // of that, the thresholds of all maps
+  double whole;       // Init to saved files
+  int illDefined, surrogatesIllDefined;
+  double checksum;  // sum of all measures, so that two paths can be compared at a glance
+};
+
+// With the path that TAVMAP_KERNEL would name `kernel`, and `draws` surrogates per voxel.
+[[nodiscard]] Phases measurePhases(const Workload& workload, const std::string& file,
+                                   const std::string& kernel, int repetitions, int draws = 1);
+
+}  // namespace bench
+
+#endif

@@ -1,0 +1,102 @@
+// Prints the performance table: kernel_table FOLDER [WORKLOAD...]. FOLDER takes the data files.
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "bench/kernel/limit.h"
+#include "bench/kernel/phases.h"
+#include "tav/kernel/dispatch.h"
+
+namespace {
+
+using bench::Phases;
+using bench::Workload;
+
+constexpr double kMs = 1e3;
+
+std::vector<std::string> paths() {
+  std::vector<std::string> names = {"reference"};
+  for (const auto& kernel : tav::kernel::allKernels()) {
+    if (kernel.isSupported()) names.insert(names.begin() + 1, kernel.name);
+  }
+  return names;
+}
+
+void printRow(const Workload& workload, const std::string& path, const Phases& phases, double limit,
+              double reference) {
+  std::printf("%-3s %-10s %9.1f %6.2fx %8.1f %8.1f %8.1f %8.1f %9.1f %6.1fx  %d/%d  %.6e\n",
+              workload.name.c_str(), path.c_str(), phases.loop * kMs, phases.loop / limit,
+              phases.surrogates * kMs, phases.prepare * kMs, phases.thresholds * kMs, phases.transfer * kMs,
+              phases.whole * kMs, reference / phases.whole, phases.illDefined, phases.surrogatesIllDefined,
+              phases.checksum);
+  std::fflush(stdout);
+}
+
+void printWorkload(const std::string& folder, const Workload& workload, const bench::Peak& peak) {
+  const std::string file = bench::dataFile(folder, workload);
+  const double reading = bench::readSeconds(file, workload);
+  const double arithmetic = bench::multiplyAdds(workload) / peak.best();
+  const double limit = reading + arithmetic;
+  std::printf("%-3s reading %.1f ms, arithmetic %.1f ms, LIMIT %.1f ms\n", workload.name.c_str(),
+              reading * kMs, arithmetic * kMs, limit * kMs);
+  double reference = 0.0;
+  for (const std::string& path : paths()) {
+    const bool isReference = path == "reference";
+    const Phases phases = bench::measurePhases(workload, file, path,
+                                               isReference        ? 1
+                                               : workload.isFloat ? 3
+                                                                  : 7);
+    if (isReference) reference = phases.whole;
+    printRow(workload, path, phases, limit, reference);
+  }
+}
+
+// Of the whole process so far, the data files in the page cache not counted.
+void printPeakMemory(const Workload& workload) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  std::printf("%-3s peak memory so far %.0f MB\n", workload.name.c_str(),
+              static_cast<double>(usage.ru_maxrss) / 1024.0);
+}
+
+void printDraws(const std::string& folder, const Workload& workload, int draws) {
+  const std::string file = bench::dataFile(folder, workload);
+  const std::string best = tav::kernel::bestKernel().name;
+  const double one = bench::measurePhases(workload, file, best, 3).loop;
+  const double many = bench::measurePhases(workload, file, best, 3, draws).loop;
+  std::printf("%s with %d null draws: %.1f ms, %.1f times one draw\n", workload.name.c_str(), draws,
+              many * kMs, many / one);
+}
+
+int run(const std::string& folder, const std::vector<std::string>& wanted) {
+  const bench::Peak peak = bench::measurePeak();
+  std::printf("multiply-add peak: %.1f G/s with 256 bits, %.1f G/s with 512 bits\n", peak.with256 / 1e9,
+              peak.with512 / 1e9);
+  std::printf("%-3s %-10s %9s %7s %8s %8s %8s %8s %9s %7s  ill-defined  sum of measures\n", "", "path",
+              "loop ms", "/LIMIT", "surrog.", "tables", "thresh.", "maps", "whole ms", "faster");
+  for (const Workload& workload : bench::standardWorkloads()) {
+    bool isWanted = wanted.empty();
+    for (const std::string& name : wanted) isWanted = isWanted || name == workload.name;
+    if (isWanted) printWorkload(folder, workload, peak);
+    if (isWanted) printPeakMemory(workload);
+    if (isWanted && workload.name == "W1") printDraws(folder, workload, 20);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+  if (argc < 2) {
+    std::fprintf(stderr, "usage: %s FOLDER [WORKLOAD...]\n", argv[0]);
+    return 2;
+  }
+  return run(argv[1], std::vector<std::string>(argv + 2, argv + argc));
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "kernel_table: %s\n", error.what());
+  return 1;
+}

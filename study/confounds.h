@@ -1,0 +1,57 @@
+// Confound tables as preprocessing writes them (fMRIPrep, XCP-D): which columns a named preset
+// stands for, their values, and what the table says about motion and the start of a run.
+#ifndef TAVMAP_STUDY_CONFOUNDS_H
+#define TAVMAP_STUDY_CONFOUNDS_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace study {
+
+struct ConfoundTable {
+  std::filesystem::path file;
+  std::vector<std::string> names;
+  std::vector<std::vector<double>> columns;  // one value per volume, NaN where the table says "n/a"
+
+  std::size_t volumes() const { return columns.empty() ? 0 : columns[0].size(); }
+  const std::vector<double>* find(const std::string& name) const;
+};
+
+// Tab-separated with a header line. Throws InputError naming file and line.
+ConfoundTable readConfounds(const std::filesystem::path& file);
+
+// Terms are presets or column names, joined by "+" or given one by one:
+//   6motion      translations and rotations
+//   24motion     those, their derivatives and the squares of both (Friston et al. 1996)
+//   wmcsf        white matter and cerebrospinal fluid signals
+//   gs           global signal
+//   9p, 36p      6motion + wmcsf + gs; those with derivatives and squares (Satterthwaite et al. 2013)
+//   acompcorN    the first N anatomical components (Behzadi et al. 2007)
+//   tcompcorN    the first N temporal components
+//   cosine       all cosine columns: a high-pass filter, which callers should warn about
+//   outliers     all motion_outlier columns
+//   name*        all columns that begin so
+// Returns column names without duplicates. Throws InputError with the nearest known name.
+std::vector<std::string> expandConfoundTerms(const std::vector<std::string>& terms, const ConfoundTable& table);
+
+// What is wrong with a term before any table is known; empty when nothing is.
+std::string confoundTermProblem(const std::string& term);
+
+// The columns' values, from volume `firstVolume` (0-based) on. Missing values before a column's
+// first number (derivatives have none at the start) become its mean; later ones throw InputError.
+std::vector<std::vector<double>> confoundColumns(const ConfoundTable& table, const std::vector<std::string>& names,
+                                                 std::size_t firstVolume);
+
+// Frame-wise displacement in millimetres per volume, NaN for the first: the table's own column, or
+// from translations (mm) and rotations (rad, on a sphere of 50 mm; Power et al. 2012). Throws
+// InputError when the table has neither.
+std::vector<double> framewiseDisplacement(const ConfoundTable& table);
+
+// Leading volumes that the table marks as not in steady state: one more than the last volume
+// flagged by a non_steady_state_outlier column.
+int nonSteadyStateVolumes(const ConfoundTable& table);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,45 @@
+// Progress of a study on a terminal: one line with a bar and an estimate of the time left. On
+// anything else than a terminal a plain line per finished piece. Nothing at all when quiet.
+#ifndef TAVMAP_STUDY_PROGRESS_BAR_H
+#define TAVMAP_STUDY_PROGRESS_BAR_H
+
+#include <chrono>
+#include <ostream>
+#include <string>
+
+#include "study/worker_pool.h"
+
+namespace study {
+
+enum class ProgressStyle { kQuiet, kLines, kBar };
+
+// What suits standard error.
+ProgressStyle progressStyle(bool quiet);
+
+class ProgressBar : public PoolWatcher {
+ public:
+  // Borrows the stream. Clears its line when it ends.
+  ProgressBar(std::ostream& stream, ProgressStyle style);
+  ~ProgressBar() override;
+
+  void onProgress(double doneWeight, double totalWeight) override;
+  void onFinished(const WorkPiece& piece, const WorkOutcome& outcome) override;
+  // Writes a line of its own above the bar, whatever the style.
+  void say(const std::string& line);
+
+ private:
+  void clearLine();
+  std::ostream& stream_;
+  ProgressStyle style_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  std::string shown_;
+};
+
+// "[#####.....]  50 %, 1 min 05 s left"; no estimate in the first two percent.
+std::string progressLine(double fraction, double elapsedSeconds);
+// "45 s", "1 min 05 s", "2 h 03 min".
+std::string durationText(double seconds);
+
+}  // namespace study
+
+#endif

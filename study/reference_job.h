@@ -1,0 +1,32 @@
+// The work of one worker: the engine's run over one reference (or, with method "plugin", over all of
+// them), and the files that come of it.
+#ifndef TAVMAP_STUDY_REFERENCE_JOB_H
+#define TAVMAP_STUDY_REFERENCE_JOB_H
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "study/study_plan.h"
+
+namespace study {
+
+// Computes the regions with these indices and publishes their files in the output folder, each
+// reference's record last. Meant for a process of its own: changes the working folder, the
+// environment's TAV_TIME_BASE and the engine's host. progress receives 0 to 1. Throws RunError,
+// InputError and formats::FileError.
+void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
+                       const std::function<void(double)>& progress);
+
+// What the log of a reference says beyond the engine's own text: method, preparation, warnings,
+// thresholds in words.
+std::string logAppendix(const StudyPlan& plan, std::size_t region, const struct ReferenceResult& result);
+
+// The record of a finished reference when it was made under this key and its files are there; empty
+// otherwise.
+std::string finishedRecord(const StudyPlan& plan, std::size_t region);
+
+}  // namespace study
+
+#endif

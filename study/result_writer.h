@@ -1,0 +1,59 @@
+// Takes what the engine delivers and turns it into files of a staging folder.
+#ifndef TAVMAP_STUDY_RESULT_WRITER_H
+#define TAVMAP_STUDY_RESULT_WRITER_H
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "formats/image.h"
+#include "study/output_names.h"
+#include "study/result_json.h"
+#include "study/study_plan.h"
+#include "tav/run_observer.h"
+
+namespace study {
+
+class ResultWriter : public tav::RunObserver {
+ public:
+  // regions: indices into the plan, in the order in which the engine computes them. All arguments
+  // must outlive the writer. progress receives finished conditions.
+  ResultWriter(const StudyPlan& plan, const std::vector<std::size_t>& regions, std::function<void(int)> conditionDone);
+  ~ResultWriter() override;
+
+  // Where the engine saves its own files: a path and name prefix in the staging folder.
+  std::string enginePrefix() const;
+
+  void onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) override;
+  void onCondition(const tav::ConditionOutcome& outcome) override;
+  // Writes the rest and publishes everything.
+  void onVoi(const tav::TAV_VOI_Pars& voi) override;
+
+ private:
+  std::size_t region() const { return regions_[current_]; }
+  OutputNames names() const;
+  ResultContext context() const;
+  MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
+  void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
+  void writeSidecars();
+  void writeCourses(const OutputNames& names);
+  void appendToLog(const tav::TAV_VOI_Pars& voi);
+  void writeJson(const std::string& file, const nlohmann::ordered_json& json) const;
+
+  const StudyPlan& plan_;
+  const std::vector<std::size_t>& regions_;
+  std::function<void(int)> conditionDone_;
+  int conditionsDone_ = 0;
+  std::size_t current_ = 0;  // index into regions_
+  formats::ImageHeader header_;
+  std::unique_ptr<Staging> staging_;
+  ReferenceResult result_;
+  std::vector<std::uint8_t> codes_;  // status codes of the condition at hand
+  std::map<std::pair<std::string, std::string>, std::vector<float>> courses_;  // by reference and VTC
+};
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,75 @@
+// What the computation of one reference region brought, beside the images: plain values, ready for
+// sidecars, summaries and later reports.
+#ifndef TAVMAP_STUDY_RESULTS_H
+#define TAVMAP_STUDY_RESULTS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "study/request.h"
+#include "study/volume_ranges.h"
+
+namespace study {
+
+struct ThresholdResult {
+  double q = 0;
+  std::optional<double> threshold;  // unset: no voxel survives, or there is none to find
+  std::size_t voxelsPassing = 0;
+};
+
+struct MapResult {
+  tav::MapType type = tav::REF2VOX;
+  std::string file;                        // image, relative to the output folder
+  std::vector<ThresholdResult> thresholds; // ascending q; empty: this map has none
+  double peak = 0;                         // largest magnitude with its sign
+  std::array<int, 3> peakVoxel{};          // indices from 0
+  std::array<double, 3> peakMm{};
+};
+
+struct SetResult {  // one run, or a pair, of a condition
+  std::string source, target;
+  std::vector<VolumeRange> ranges;  // volumes of the stored image, from 1
+};
+
+// Codes of the status map.
+enum class StatusCode : std::uint8_t {
+  kOutsideMask = 0,
+  kComputed = 1,
+  kBelowInclusion = 2,
+  kIllDefined = 3,
+  kInsideReference = 4,
+  kNotFinite = 5
+};
+inline constexpr std::size_t kStatusCodes = 6;
+const char* statusName(StatusCode code);
+
+struct ConditionResult {
+  std::string name;
+  std::vector<SetResult> sets;
+  int totalVolumes = 0, effectiveVolumes = 0;
+  std::array<std::size_t, kStatusCodes> statusCounts{};
+  std::string statusFile;
+  int surrogatesIllDefined = 0;
+  std::vector<MapResult> maps;
+};
+
+struct ReferenceResult {
+  std::string name;
+  int voxels = 0;
+  std::uint32_t seed = 0;
+  std::vector<ConditionResult> conditions;
+};
+
+// "influence of LH-V1 on each voxel": direction and meaning in words.
+std::string mapDescription(tav::MapType type, const std::string& reference);
+// The part of a file name that says what a map holds: "Ref2Vox". A difference is never named like
+// one of its parts.
+const char* mapLabel(tav::MapType type);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,168 @@
+#include "study/study_plan.h"
+
+#include <algorithm>
+
+#include "study/cautions.h"
+#include "study/fingerprint.h"
+#include "study/output_names.h"
+#include "study/region_files.h"
+
+namespace study {
+namespace {
+
+namespace fs = std::filesystem;
+
+void makeAbsolute(fs::path& path) {
+  if (!path.empty()) path = fs::absolute(path).lexically_normal();
+}
+
+// Workers change into the work folder.
+void makeAbsolute(Request& request) {
+  makeAbsolute(request.output.folder);
+  makeAbsolute(request.output.workFolder);
+  for (RunRequest& run : request.runs) {
+    for (fs::path* path : {&run.bold, &run.mask, &run.events, &run.confounds}) makeAbsolute(*path);
+  }
+  for (ReferenceRequest& reference : request.references) {
+    makeAbsolute(reference.image);
+    makeAbsolute(reference.table);
+  }
+  for (auto& [name, root] : request.datasets) makeAbsolute(root);
+  if (request.output.workFolder.empty()) request.output.workFolder = request.output.folder / "work";
+  // Outside BIDS sources are named relative to the folder of the first run.
+  if (request.datasets.empty()) request.datasets["input"] = request.runs[0].bold.parent_path();
+}
+
+bool hasPairs(const Request& request) {
+  for (const ConditionRequest& condition : request.conditions) {
+    for (const ConditionPart& part : condition.parts) {
+      if (part.source != part.target) return true;
+    }
+  }
+  return false;
+}
+
+// Source and target share their volume numbers, so that all runs must drop equally many.
+void planRuns(StudyPlan& plan) {
+  Request& request = plan.request;
+  const auto planAll = [&] {
+    plan.runs.clear();
+    for (const RunRequest& run : request.runs) {
+      plan.runs.push_back(planRun(run, request.settings.inclusionThreshold, plan.version));
+    }
+  };
+  planAll();
+  if (!hasPairs(request)) return;
+  int dropped = 0;
+  for (const RunPlan& run : plan.runs) dropped = std::max(dropped, run.volumes.dropped);
+  for (RunRequest& run : request.runs) run.dropVolumes = dropped;
+  planAll();
+}
+
+void collectCautions(StudyPlan& plan) {
+  for (const RunPlan& run : plan.runs) {
+    plan.cautions.insert(plan.cautions.end(), run.cautions.begin(), run.cautions.end());
+  }
+}
+
+std::vector<RunVolumes> runVolumes(const StudyPlan& plan) {
+  std::vector<RunVolumes> volumes;
+  for (const RunPlan& run : plan.runs) volumes.push_back(run.volumes);
+  return volumes;
+}
+
+void addSettings(const StudyPlan& plan, Fingerprint& key) {
+  const Settings& s = plan.request.settings;
+  key.add("method", methodName(s.method)).add("order", plan.order).add("choice", orderChoiceName(s.orderChoice));
+  key.add("draws", s.nullDraws).add("cv", s.cvConstant).add("surrogates", s.surrogates);
+  key.add("discarded", s.discardedTimePoints).add("inclusion", s.inclusionThreshold);
+  key.add("inst", s.instantaneousLower).add("rc", s.rcUpper).add("scale", s.mapScale);
+  for (const tav::MapType type : s.mapTypes) key.add("map", static_cast<int>(type));
+  for (const double q : s.qValues) key.add("q", q);
+  key.add("seed", static_cast<std::int64_t>(plan.seed)).add("prefix", plan.request.output.prefix.c_str());
+}
+
+void addRegion(const Region& region, Fingerprint& key) {
+  key.add("reference", region.name.c_str());
+  for (const std::int32_t c : region.coordinates) key.add("c", static_cast<std::int64_t>(c));
+}
+
+void addConditions(const StudyPlan& plan, Fingerprint& key) {
+  for (const PlannedCondition& condition : plan.conditions) {
+    key.add("condition", condition.name.c_str());
+    for (const PlannedSet& set : condition.sets) {
+      key.add("source", set.source.c_str()).add("target", set.target.c_str());
+      for (const VolumeRange& range : set.ranges) key.add("first", range.first).add("last", range.last);
+    }
+  }
+}
+
+}  // namespace
+
+StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::string& version) {
+  StudyPlan plan;
+  plan.request = request;
+  makeAbsolute(plan.request);
+  plan.workFolder = plan.request.output.workFolder;
+  plan.version = version;
+  plan.seed = seed;
+  planRuns(plan);
+  requireOneGrid(plan.runs);
+  plan.space = regionSpace(plan.runs, request.settings.method);
+  plan.regions = readRegions(plan.request, plan.space);
+  std::vector<std::string> names;
+  for (const Region& region : plan.regions) names.push_back(region.name);
+  plan.regionLabels = uniqueLabels(names);
+  // Trial types, intervals and lengths are checked for the lowest order before any data are read.
+  settleOrder(plan, request.settings.orderChoice == OrderChoice::kFixed ? request.settings.order : 1);
+  return plan;
+}
+
+void settleOrder(StudyPlan& plan, int order) {
+  plan.order = order;
+  plan.conditions.clear();
+  plan.cautions.clear();
+  collectCautions(plan);
+  std::vector<std::string> names;
+  for (const ConditionRequest& condition : plan.request.conditions) {
+    plan.conditions.push_back(planCondition(condition, runVolumes(plan), order, plan.request.title));
+    const PlannedCondition& planned = plan.conditions.back();
+    names.push_back(planned.name);
+    plan.cautions.insert(plan.cautions.end(), planned.notes.begin(), planned.notes.end());
+    const std::string few = fewSamplesCaution(planned.name, planned.effectiveVolumes, order);
+    if (!few.empty()) plan.cautions.push_back(few);
+  }
+  plan.conditionLabels = uniqueLabels(names);
+}
+
+std::string resultKey(const StudyPlan& plan, std::size_t region) {
+  Fingerprint key;
+  key.add("version", plan.version.c_str());
+  for (const RunPlan& run : plan.runs) {
+    key.add("run", run.request.name.c_str()).add("vtc", run.vtcName.c_str());
+    key.add("tr", run.volumes.trSeconds).addFile("events", run.request.events);
+  }
+  addSettings(plan, key);
+  addConditions(plan, key);
+  // With method "plugin" a result depends on all references before it.
+  const bool together = plan.request.settings.method == Method::kPlugin;
+  for (std::size_t i = together ? 0 : region; i <= region; ++i) addRegion(plan.regions[i], key);
+  for (const std::string& caution : cautionsOf(plan, region)) key.add("caution", caution.c_str());
+  return key.hex();
+}
+
+std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region) {
+  std::vector<std::string> cautions = plan.cautions;
+  const Region& own = plan.regions[region];
+  const std::string small = smallReferenceCaution(own.name, own.voxels());
+  if (!small.empty()) cautions.push_back(small);
+  cautions.insert(cautions.end(), own.notes.begin(), own.notes.end());
+  return cautions;
+}
+
+std::uint32_t seedOf(const StudyPlan& plan, std::size_t region) {
+  if (plan.request.settings.method == Method::kPlugin) return plan.seed;
+  return derivedSeed(plan.seed, plan.request.output.prefix + "\n" + plan.regions[region].name);
+}
+
+}  // namespace study

@@ -1,0 +1,53 @@
+// Runs one or several requests: imports, chooses orders, computes references in worker processes,
+// keeps what was finished before.
+#ifndef TAVMAP_STUDY_STUDY_RUN_H
+#define TAVMAP_STUDY_STUDY_RUN_H
+
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "study/progress_bar.h"
+#include "study/request.h"
+#include "study/study_plan.h"
+
+namespace study {
+
+struct StudyOptions {
+  int jobs = 1;
+  bool force = false;           // recompute what is finished
+  bool stopOnFirstCrash = false;
+  bool ordersOnly = false;      // gather evidence for the order and stop there
+  std::optional<std::uint32_t> seed;  // overrides the requests'
+  std::string version;          // of the software, for sidecars and keys
+  std::string datasetFolder;    // where dataset_description.json goes; empty: each request's folder
+};
+
+// What became of one reference.
+struct ReferenceOutcome {
+  std::string request, reference;
+  bool done = false, kept = false;  // kept: finished before, not computed again
+  std::string message;              // of a failure
+  nlohmann::ordered_json record;    // when done
+};
+
+struct StudyOutcome {
+  std::vector<ReferenceOutcome> references;
+  std::vector<std::string> failures;  // of requests as a whole, in words
+  std::vector<std::string> cautions;
+  bool inputProblem = false;          // at least one failure is the request's fault
+  std::vector<nlohmann::ordered_json> orders;  // evidence, one per request that asked for it
+  bool failed() const;
+};
+
+// Requests are planned before anything is computed: an InputError in one of them throws at once when
+// it is the only one, and is a failure among others otherwise. Throws Interrupted.
+StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options, ProgressBar& progress);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,20 @@
+// What a study brought, for a person at a terminal and for programs.
+#ifndef TAVMAP_STUDY_STUDY_SUMMARY_H
+#define TAVMAP_STUDY_STUDY_SUMMARY_H
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "study/study_run.h"
+
+namespace study {
+
+// Per reference, condition and map: how many voxels reach the threshold of each q-value, in words
+// when none does, and the peak; then warnings and failures.
+void printSummary(const StudyOutcome& outcome, std::ostream& out);
+
+nlohmann::ordered_json summaryJson(const StudyOutcome& outcome, const std::string& version);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,378 @@
+// `tavmap run` as a user meets it: whole runs of the built program.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <nlohmann/json.hpp>
+
+#include "formats/map_set.h"
+#include "formats/nifti.h"
+#include "tests/study/program.h"
+#include "tests/study/scratch.h"
+#include "tests/study/small_study.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+class RunCommand : public ::testing::Test {
+ protected:
+  void SetUp() override { small_study::writeTo(folder()); }
+  const fs::path& folder() const { return scratch_.folder(); }
+  fs::path results() const { return folder() / "results"; }
+  fs::path write(const std::string& settings = "", const std::string& more = "") {
+    return scratch_.write("r.toml", small_study::request(settings, more));
+  }
+  ProgramResult run(const fs::path& request, std::vector<std::string> more = {}) {
+    std::vector<std::string> words = {"run", request.string()};
+    words.insert(words.end(), more.begin(), more.end());
+    return tavmap(words, folder());
+  }
+  json read(const std::string& name) {
+    std::ifstream stream(results() / name);
+    return json::parse(stream, nullptr, false);
+  }
+  // Status of every reference in a --json summary.
+  std::vector<bool> kept(const ProgramResult& result) {
+    std::vector<bool> flags;
+    const json summary = json::parse(result.out, nullptr, false);
+    if (summary.is_discarded()) return flags;
+    for (const json& reference : summary["References"]) flags.push_back(reference["Kept"]);
+    return flags;
+  }
+  Scratch scratch_;
+};
+
+const std::string kMap = "small_seed-A_contrast-wholeRef2Vox_stat-effect_statmap";
+
+TEST_F(RunCommand, WritesMapsThatKeepTheGridOfTheRun) {
+  const ProgramResult result = run(write());
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const formats::Image3D map = formats::readImage((results() / (kMap + ".nii.gz")).string());
+  const formats::ImageHeader bold = formats::readImageHeader((folder() / "bold1.nii.gz").string());
+  EXPECT_EQ(map.header.size, bold.size);
+  for (unsigned i = 0; i < 16; ++i) EXPECT_NEAR(map.header.affine.m[i], bold.affine.m[i], 1e-6);
+  EXPECT_EQ(map.header.dataType, formats::DataType::kFloat32);
+}
+
+TEST_F(RunCommand, FindsThePlantedInfluenceAndItsDirection) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  const formats::Image3D forth = formats::readImage((results() / (kMap + ".nii.gz")).string());
+  const formats::Image3D back =
+      formats::readImage((results() / "small_seed-A_contrast-wholeVox2Ref_stat-effect_statmap.nii.gz").string());
+  const float threshold = read(kMap + ".json")["Thresholds"][1]["Threshold"];
+  EXPECT_GT(forth.at(8, 5, 4), threshold);  // B follows A
+  EXPECT_LT(back.at(8, 5, 4), forth.at(8, 5, 4) / 5);
+  const json reverse = read("small_seed-B_contrast-wholeVox2Ref_stat-effect_statmap.json");
+  EXPECT_TRUE(reverse["Thresholds"][1]["AnyVoxelPasses"]);
+}
+
+TEST_F(RunCommand, SidecarsSayWhatAReaderNeeds) {
+  ASSERT_EQ(run(write("q = [0.1, 0.01]")).exitCode, 0);
+  const json sidecar = read(kMap + ".json");
+  EXPECT_EQ(sidecar["Description"], "influence of A on each voxel; condition 'whole'");
+  EXPECT_EQ(sidecar["Sources"][0], "bids:input:bold1.nii.gz");
+  EXPECT_EQ(sidecar["RepetitionTime"], 2.0);
+  EXPECT_EQ(sidecar["Method"], "calibrated");
+  EXPECT_EQ(sidecar["ModelOrder"], 1);
+  EXPECT_EQ(sidecar["ModelOrderChosenBy"], "fixed");
+  EXPECT_EQ(sidecar["VolumesUsed"], 2 * small_study::kVolumes);
+  EXPECT_EQ(sidecar["EffectiveVolumes"], 2 * small_study::kVolumes - 2);
+  EXPECT_EQ(sidecar["NumberOfSurrogates"], 60);
+  EXPECT_EQ(sidecar["NullDrawsPerVoxel"], 20);
+  EXPECT_EQ(sidecar["Seed"], 5);
+  EXPECT_EQ(sidecar["ReferenceVoxels"], small_study::regionVoxels());
+  ASSERT_EQ(sidecar["Thresholds"].size(), 2U);
+  EXPECT_EQ(sidecar["Thresholds"][0]["Q"], 0.01);  // sorted before the engine sees them
+  EXPECT_EQ(sidecar["Thresholds"][1]["Q"], 0.1);
+  EXPECT_TRUE(sidecar.contains("Units"));
+  EXPECT_TRUE(sidecar.contains("SoftwareVersion"));
+  const json difference = read("small_seed-A_contrast-wholedTAV_stat-effect_statmap.json");
+  EXPECT_EQ(difference["Description"],
+            "difference of the directed influences, A on the voxel minus the voxel on A (positive: A leads; negative: "
+            "the voxel leads); condition 'whole'");
+  EXPECT_FALSE(read("small_seed-A_contrast-wholedTAVRC_stat-effect_statmap.json").contains("Thresholds"));
+}
+
+TEST_F(RunCommand, TheStatusMapSaysWhyOfEveryVoxel) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  const formats::LabelImage status = formats::readLabelImage((results() / "small_seed-A_desc-wholeStatus_dseg.nii.gz").string());
+  int inside = 0;
+  for (int z = 0; z < small_study::kDims[2]; ++z) {
+    for (int y = 0; y < small_study::kDims[1]; ++y) {
+      for (int x = 0; x < small_study::kDims[0]; ++x) {
+        const std::int32_t code = status.labels[static_cast<std::size_t>((z * small_study::kDims[1] + y) * small_study::kDims[0] + x)];
+        EXPECT_EQ(code == 0, !small_study::inMask(x, y, z)) << x << " " << y << " " << z;
+        inside += code == 4 ? 1 : 0;
+      }
+    }
+  }
+  EXPECT_EQ(inside, small_study::regionVoxels());
+  const json record = read("small_seed-A_tavmap.json");
+  const json voxels = record["Conditions"][0]["Voxels"];
+  std::size_t all = 0;
+  for (const auto& [name, count] : voxels.items()) all += count.get<std::size_t>();
+  EXPECT_EQ(all, status.labels.size());
+  EXPECT_EQ(voxels["inside the reference"], small_study::regionVoxels());
+}
+
+TEST_F(RunCommand, DataBelowTheInclusionThresholdAreStillMappedInsideTheMask) {
+  small_study::writeBold(folder() / "bold1.nii.gz", 1, 0);  // as after standardisation
+  ASSERT_EQ(run(write()).exitCode, 0);
+  const json low = read("small_seed-A_tavmap.json")["Conditions"][0]["Voxels"];
+  EXPECT_EQ(low["below the inclusion threshold"], 0);
+  EXPECT_GT(low["computed"].get<int>(), 100);
+}
+
+TEST_F(RunCommand, ReferenceCoursesComeInTheUnitsOfTheImage) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  std::ifstream table(results() / "small_seed-A_desc-reference_timeseries.tsv");
+  std::string header, row;
+  std::getline(table, header);
+  EXPECT_EQ(header, "run1\trun2");
+  int rows = 0;
+  double first = 0;
+  for (; std::getline(table, row); ++rows) {
+    if (rows == 0) first = std::stod(row);
+  }
+  EXPECT_EQ(rows, small_study::kVolumes);
+  EXPECT_NEAR(first, 1000, 100);
+}
+
+TEST_F(RunCommand, ResultsDoNotDependOnTheNumberOfJobs) {
+  const fs::path request = write();
+  ASSERT_EQ(run(request, {"--jobs", "1"}).exitCode, 0);
+  const auto one = filesBelow(results());
+  ASSERT_GT(one.size(), 30U);
+  for (const char* jobs : {"2", "3"}) {
+    fs::remove_all(results());
+    ASSERT_EQ(run(request, {"--jobs", jobs}).exitCode, 0);
+    EXPECT_EQ(filesBelow(results()), one) << jobs;
+  }
+}
+
+TEST_F(RunCommand, AReferenceDoesNotDependOnWhichOthersAreComputed) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  const auto all = filesBelow(results());
+  fs::remove_all(results());
+  std::string text = small_study::request();
+  text.replace(text.find("'all'"), 5, "'B'");
+  ASSERT_EQ(run(scratch_.write("b.toml", text)).exitCode, 0);
+  for (const auto& [name, content] : filesBelow(results())) {
+    if (name.find("seed-B") == std::string::npos) continue;
+    EXPECT_EQ(content, all.at(name)) << name;
+  }
+}
+
+TEST_F(RunCommand, AnotherSeedGivesOtherThresholds) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  const auto before = filesBelow(results());
+  ASSERT_EQ(run(write(), {"--seed", "6"}).exitCode, 0);
+  const auto after = filesBelow(results());
+  EXPECT_EQ(after.at(kMap + ".nii.gz"), before.at(kMap + ".nii.gz"));  // the effect itself is no matter of luck
+  EXPECT_NE(after.at(kMap + ".json"), before.at(kMap + ".json"));
+}
+
+TEST_F(RunCommand, WithoutASeedOneIsDrawnStoredAndUsedAgain) {
+  std::string text = small_study::request();
+  text.erase(text.find("seed = 5\n"), 9);
+  const fs::path request = scratch_.write("r.toml", text);
+  ASSERT_EQ(run(request).exitCode, 0);
+  EXPECT_TRUE(read(kMap + ".json")["Seed"].is_number());
+  const ProgramResult again = run(request, {"--json"});
+  EXPECT_EQ(kept(again), std::vector<bool>(3, true));
+}
+
+TEST_F(RunCommand, ARepeatedCommandKeepsWhatIsFinished) {
+  const fs::path request = write();
+  ASSERT_EQ(run(request).exitCode, 0);
+  const auto before = filesBelow(results());
+  EXPECT_EQ(kept(run(request, {"--json"})), std::vector<bool>(3, true));
+  fs::remove(results() / (kMap + ".nii.gz"));
+  EXPECT_EQ(kept(run(request, {"--json"})), (std::vector<bool>{false, true, true}));
+  EXPECT_EQ(kept(run(request, {"--json", "--force"})), std::vector<bool>(3, false));
+  EXPECT_EQ(filesBelow(results()), before);
+  EXPECT_EQ(kept(run(write("inclusion_threshold = 50"), {"--json"})), std::vector<bool>(3, false));
+}
+
+TEST_F(RunCommand, ChangedInputIsNoticed) {
+  const fs::path request = write();
+  ASSERT_EQ(run(request).exitCode, 0);
+  small_study::writeBold(folder() / "bold2.nii.gz", 77);
+  EXPECT_EQ(kept(run(request, {"--json"})), std::vector<bool>(3, false));
+}
+
+TEST_F(RunCommand, ADeadWorkerIsNamedAndTheOthersFinish) {
+  std::string text = small_study::request("null_draws = 100");
+  text.replace(text.find("surrogates = 60"), 15, "surrogates = 10000");
+  const fs::path request = scratch_.write("r.toml", text);
+  Program program({"run", request.string(), "--jobs", "3"}, folder());
+  pid_t victim = -1;
+  for (int i = 0; i < 20000 && victim < 0 && program.running(); ++i) {
+    usleep(1000);
+    // Three at a time are the references; the imports are two.
+    const std::vector<pid_t> children = program.children();
+    if (children.size() == 3) victim = children[1];
+  }
+  ASSERT_GT(victim, 0);
+  kill(victim, SIGKILL);
+  const ProgramResult result = program.wait();
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("B: the worker process was ended by signal 9 (Killed)"), std::string::npos) << result.err;
+  EXPECT_TRUE(fs::exists(results() / "small_seed-A_tavmap.json"));
+  EXPECT_FALSE(fs::exists(results() / "small_seed-B_tavmap.json"));
+  EXPECT_TRUE(fs::exists(results() / "small_seed-Cleft_tavmap.json"));
+}
+
+TEST_F(RunCommand, InterruptingSaysSoAndLeavesNoHalfFile) {
+  std::string text = small_study::request("null_draws = 100");
+  text.replace(text.find("surrogates = 60"), 15, "surrogates = 10000");
+  const fs::path request = scratch_.write("r.toml", text);
+  Program program({"run", request.string()}, folder());
+  for (int i = 0; i < 20000 && program.running() && !fs::exists(results() / "small_seed-A_tavmap.json"); ++i) usleep(1000);
+  program.signal(SIGINT);
+  const ProgramResult result = program.wait();
+  EXPECT_EQ(result.exitCode, 130);
+  EXPECT_EQ(result.err.substr(result.err.rfind("tavmap:")),
+            "tavmap: interrupted; what is finished stays, repeat the command to go on\n");
+  for (const auto& [name, content] : filesBelow(results())) {
+    if (fs::path(name).extension() != ".json") continue;
+    EXPECT_FALSE(json::parse(content, nullptr, false).is_discarded()) << name;
+  }
+  EXPECT_EQ(kept(run(request, {"--json"}))[0], true);
+}
+
+// Kills the program at many moments of its life and repeats the command each time.
+TEST_F(RunCommand, KilledAnywhereARepetitionEndsInTheSameFiles) {
+  const fs::path request = write();
+  ASSERT_EQ(run(request).exitCode, 0);
+  const auto undisturbed = filesBelow(results());
+  const int kills = std::getenv("TAVMAP_KILLS") == nullptr ? 6 : std::atoi(std::getenv("TAVMAP_KILLS"));
+  const auto start = std::chrono::steady_clock::now();
+  fs::remove_all(results());
+  ASSERT_EQ(run(request, {"--jobs", "2"}).exitCode, 0);
+  const std::chrono::duration<double, std::micro> whole = std::chrono::steady_clock::now() - start;
+  unsigned state = 12345;
+  fs::remove_all(results());
+  for (int i = 0; i < kills; ++i) {
+    Program program({"run", request.string(), "--jobs", "2"}, folder());
+    state = state * 1103515245U + 12345U;
+    usleep(static_cast<useconds_t>(whole.count() * ((state >> 8U) % 1000U) / 1000.0));
+    program.signal(SIGKILL);
+    program.wait();
+    if (i % 3 == 2) fs::remove_all(results());
+  }
+  ASSERT_EQ(run(request, {"--jobs", "2"}).exitCode, 0);
+  EXPECT_EQ(filesBelow(results()), undisturbed);
+  for (const auto& entry : fs::directory_iterator(results())) {
+    EXPECT_EQ(entry.path().filename().string().rfind(".tavmap-", 0), std::string::npos) << entry.path();
+  }
+}
+
+TEST_F(RunCommand, NoVoxelSurvivesIsSaidPlainly) {
+  std::string text = small_study::request("q = [0.000001]\nmap_types = ['VOX2REF']");
+  text.replace(text.find("'all'"), 5, "'C-left'");
+  const ProgramResult result = run(scratch_.write("r.toml", text));
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_NE(result.out.find("VOX2REF: no voxel survives at any q"), std::string::npos) << result.out;
+  const json sidecar = read("small_seed-Cleft_contrast-wholeVox2Ref_stat-effect_statmap.json");
+  EXPECT_TRUE(sidecar["Thresholds"][0]["Threshold"].is_null());
+  EXPECT_FALSE(sidecar["Thresholds"][0]["AnyVoxelPasses"]);
+  std::ifstream log(results() / "small_C-left.log");
+  const std::string content((std::istreambuf_iterator<char>(log)), {});
+  EXPECT_NE(content.find("\tVOX2REF, q = 1e-06: no voxel survives\n"), std::string::npos);
+}
+
+TEST_F(RunCommand, TheLogSaysWhichMethodRan) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  std::ifstream log(results() / "small_A.log");
+  const std::string content((std::istreambuf_iterator<char>(log)), {});
+  EXPECT_EQ(content.find(folder().string()), std::string::npos);  // no path of this machine
+  EXPECT_NE(content.find("\nMethod calibrated: unlike the plug-in, "), std::string::npos);
+  EXPECT_NE(content.find("\tTotal nr. time-points: 320"), std::string::npos);
+}
+
+TEST_F(RunCommand, WrongInputExitsWithTwoBeforeAnythingIsComputed) {
+  const auto expect = [&](const std::string& text, const std::string& message) {
+    const ProgramResult result = run(scratch_.write("bad.toml", text));
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
+    EXPECT_FALSE(fs::exists(results()));
+  };
+  std::string text = small_study::request();
+  text.replace(text.find("'all'"), 5, "'D'");
+  expect(text, "bad.toml:17: no label 'D' in " + (folder() / "dseg.nii.gz").string());
+  expect(small_study::request("ordre = 1"), "bad.toml:6: unknown key 'ordre' in [settings]; did you mean 'order'?");
+  text = small_study::request();
+  text.replace(text.find("['face']"), 8, "['fase']");
+  expect(text, "bad.toml: condition 'face': no event of trial_type 'fase'; did you mean 'face'?");
+  EXPECT_EQ(run("nowhere.toml").exitCode, 2);
+}
+
+TEST_F(RunCommand, DisputedRepetitionTimesRequireAChoice) {
+  scratch_.write("bold1.json", R"({"RepetitionTime": 3.5})");
+  const ProgramResult result = run(write());
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("run 'run1': the image's header says TR = 2 s, bold1.json says TR = 3.5 s; choose one with "
+                            "'tr' (seconds)"), std::string::npos) << result.err;
+}
+
+TEST_F(RunCommand, WarningsReachTerminalLogAndSidecar) {
+  scratch_.write("bold1.json", R"({"RepetitionTime": 2.0, "HighpassFilter": 0.01})");
+  const ProgramResult result = run(write());
+  ASSERT_EQ(result.exitCode, 0);
+  const std::string warning = "run 'run1' was filtered in time (HighpassFilter). Filtering changes the lagged structure";
+  EXPECT_NE(result.out.find("WARNING: " + warning), std::string::npos);
+  EXPECT_EQ(read(kMap + ".json")["Warnings"][0].get<std::string>().rfind(warning, 0), 0U);
+  EXPECT_EQ(read(kMap + ".json")["SoftwareFilters"][0], "HighpassFilter");
+  std::ifstream log(results() / "small_A.log");
+  const std::string content((std::istreambuf_iterator<char>(log)), {});
+  EXPECT_NE(content.find("WARNING: " + warning), std::string::npos);
+}
+
+TEST_F(RunCommand, RunsOfDifferentGridsAreRefused) {
+  small_study::writeMask(folder() / "mask.nii.gz");
+  formats::ImageHeader header = formats::readImageHeader((folder() / "bold1.nii.gz").string());
+  ASSERT_EQ(header.size.x, small_study::kDims[0]);
+  scratch_.write("bold2.nii.gz", "not an image");
+  const ProgramResult result = run(write());
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("bold2.nii.gz"), std::string::npos);
+}
+
+TEST_F(RunCommand, ThePlainCaseNeedsImageMaskAndSeedOnly) {
+  const fs::path request = scratch_.write("r.toml",
+                                          "[[run]]\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\n"
+                                          "[[reference]]\nname = 'seed'\nvoxels = [[2, 3, 3], [3, 4, 4]]\n"
+                                          "[settings]\nsurrogates = 30\n");
+  const ProgramResult result = run(request);
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_TRUE(fs::exists(results() / "tavmap_seed-seed_contrast-wholeRef2Vox_stat-effect_statmap.nii.gz"));
+}
+
+TEST_F(RunCommand, OrdersAreChosenByACriterionAndTheirCurvesSaved) {
+  ASSERT_EQ(run(write("order = 'bic'\nmax_order = 4\norder_sample = 20")).exitCode, 0);
+  const json sidecar = read(kMap + ".json");
+  EXPECT_EQ(sidecar["ModelOrder"], 1);
+  EXPECT_EQ(sidecar["ModelOrderChosenBy"], "bic");
+  EXPECT_TRUE(fs::exists(results() / "small_desc-order_timeseries.tsv"));
+  const ProgramResult shown = tavmap({"order", write().string(), "--max-order", "3"}, folder());
+  EXPECT_EQ(shown.exitCode, 0);
+  EXPECT_NE(shown.out.find("    1 "), std::string::npos);
+  EXPECT_NE(shown.out.find("A, whole: own course BIC 1, "), std::string::npos) << shown.out;
+}
+
+TEST_F(RunCommand, TheExamplePrintedIsARequest) {
+  const ProgramResult result = tavmap({"run", "--example"}, folder());
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out.rfind("# A request for `tavmap run`.", 0), 0U);
+}
+
+TEST_F(RunCommand, HelpExplainsBothMethods) {
+  const ProgramResult result = tavmap({"run", "--help"}, folder());
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_NE(result.out.find("plugin: the numbers of the desktop plug-in, bit for bit"), std::string::npos);
+  EXPECT_NE(result.out.find("calibrated: unlike the plug-in"), std::string::npos);
+}
+
+}  // namespace

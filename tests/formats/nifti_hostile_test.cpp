@@ -86,7 +86,7 @@ const HostileCase kCases[] = {
      "it is no NIfTI file (its magic text is missing). Convert it to NIfTI."},
 };
 INSTANTIATE_TEST_SUITE_P(Nifti, HostileHeader, testing::ValuesIn(kCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& given) { return std::string(given.param.name); });
 
 TEST(HostileNifti, SaysThatAnEmptyFileIsNone) {
   EXPECT_EQ(messageFor(std::string()), "it is no NIfTI file. Convert it to NIfTI.");

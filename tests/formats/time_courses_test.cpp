@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -93,7 +94,7 @@ TEST(TimeCourses, ConvertARowOfAnyLength) {
   for (const std::size_t count : {1U, 63U, 64U, 129U}) {
     const auto stored = series<std::uint8_t>(count, 1);
     std::vector<float> out(count + 1, -1.0F);
-    ASSERT_TRUE(convertRow({DataType::kUint8, false, {2, 0}}, reinterpret_cast<const char*>(stored.data()), count,
+    ASSERT_TRUE(formats::convertRow({DataType::kUint8, false, {2, 0}}, reinterpret_cast<const char*>(stored.data()), count,
                            out.data()));
     EXPECT_EQ(out[count - 1], 2.0F * static_cast<float>(stored[count - 1]));
     EXPECT_EQ(out[count], -1.0F);

@@ -8,7 +8,6 @@
 
 #include "formats/map_set.h"
 #include "formats/nifti.h"
-#include "formats/vtc_import.h"
 #include "tests/app/program.h"
 #include "tests/host/temporary_folder.h"
 
@@ -39,10 +38,9 @@ struct RealSession : testing::Test {
   host_test::TemporaryFolder folder;
 
   void SetUp() override {
-    formats::ImportOptions options;
-    options.maskPath = kExample + "mask_small.nii.gz";
-    options.durability = formats::Durability::kCached;
-    formats::importVtc(kExample + "bold_small.nii.gz", folder / "bold.vtc", options);
+    const Finished converted = runTavmap(
+        {"convert", kExample + "bold_small.nii.gz", "bold.vtc", "--mask", kExample + "mask_small.nii.gz"}, folder.path());
+    ASSERT_EQ(converted.exitCode, 0) << converted.err;
     folder.write("events.prt", host_test::contentOf(kExample + "events.tsv"));
     folder.write("TAVPlugin.ini", "NumSurrogateSimulations= 200\n");
     folder.write("answers.txt", kAnswers);

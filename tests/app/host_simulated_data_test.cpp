@@ -18,14 +18,16 @@ struct SimulatedSession : testing::Test {
   host_test::TemporaryFolder folder;
 
   void SetUp() override {
-    const Finished made = runTavmap({"simulate", "sim", "--grid", "16,18,12", "--volumes", "120"}, folder.path());
+    const Finished made =
+        runTavmap({"simulate", "sim", "--grid", "16,18,12", "--volumes", "120"}, folder.path());
     ASSERT_EQ(made.exitCode, 0) << made.err;
     folder.write("TAVPlugin.ini", "NumSurrogateSimulations= 100\n");
   }
   Finished session(const std::string& script) const {
-    return runTavmap({"host", APP_TEST_PLUGIN, "--anatomy", "sim/anatomy.nii.gz", "--vtc", "sim/run-1.vtc", "--vois",
-                      "sim/dseg.nii.gz", "--plugins-folder", ".", "--seed", "5", "--script", script},
-                     folder.path());
+    return runTavmap(
+        {"host", APP_TEST_PLUGIN, "--anatomy", "sim/anatomy.nii.gz", "--vtc", "sim/run-1.vtc", "--vois",
+         "sim/dseg.nii.gz", "--plugins-folder", ".", "--seed", "5", "--script", script},
+        folder.path());
   }
 };
 

@@ -62,8 +62,9 @@ std::string eventsSidecar() {
 
 std::string anatomySidecar() { return textOf({{"Modality", "MR"}, {"SkullStripped", true}}); }
 
-std::string rawBoldSidecar(double trMs) {
+std::string rawBoldSidecar(double trMs, int slices) {
   Json sidecar = boldSidecar(trMs);
+  sidecar["SliceTiming"] = std::vector<double>(static_cast<std::size_t>(slices), 0);
   sidecar["TaskDescription"] = "Blocks of faces and houses with rest between them";
   return textOf(sidecar);
 }

@@ -19,7 +19,7 @@ inline constexpr const char* kSpace = "MNI152NLin2009cAsym";
 [[nodiscard]] std::string participantsSidecar();
 [[nodiscard]] std::string eventsSidecar();
 [[nodiscard]] std::string anatomySidecar();
-[[nodiscard]] std::string rawBoldSidecar(double trMs);
+[[nodiscard]] std::string rawBoldSidecar(double trMs, int slices);  // all slices at once
 [[nodiscard]] std::string preprocessedBoldSidecar(double trMs);
 [[nodiscard]] std::string maskSidecar();
 [[nodiscard]] std::string confoundsSidecar(const std::vector<Confound>& confounds);

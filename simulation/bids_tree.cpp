@@ -87,7 +87,7 @@ void writeSeries(const Tree& tree, const Series& paths, const Artefacts& artefac
   }
   raw.commit();
   preprocessed.commit();
-  formats::writeTextFile(paths.raw + ".json", rawBoldSidecar(tree.options.trMs));
+  formats::writeTextFile(paths.raw + ".json", rawBoldSidecar(tree.options.trMs, tree.head.grid.z));
   formats::writeTextFile(paths.preprocessed + ".json", preprocessedBoldSidecar(tree.options.trMs));
 }
 

@@ -1,4 +1,6 @@
 // tavmap host: one run of a plug-in under the stand-in host.
+#include <unistd.h>
+
 #include <cstdint>
 #include <iostream>
 #include <memory>
@@ -33,8 +35,11 @@ At the terminal, "cancel" or Ctrl-D cancels a dialog and "quit" ends the run.
 Exit codes: 0 done, 1 the run failed or reported errors, 2 wrong usage or input.)";
 
 std::unique_ptr<host::FrontEnd> makeFrontEnd(const Arguments& arguments) {
-  if (arguments.script.empty()) return std::make_unique<host::TerminalFrontEnd>(std::cin, std::cout);
-  return std::make_unique<host::ScriptFrontEnd>(host::readScript(arguments.script), std::cout);
+  if (!arguments.script.empty())
+    return std::make_unique<host::ScriptFrontEnd>(host::readScript(arguments.script), std::cout);
+  // C's stdin remembers the end of its input, so that one Ctrl-D would answer every later dialog.
+  std::ios::sync_with_stdio(false);
+  return std::make_unique<host::TerminalFrontEnd>(std::cin, std::cout, isatty(STDIN_FILENO) == 0);
 }
 
 int runHost(Arguments& arguments) {

@@ -50,13 +50,18 @@ std::vector<std::uint8_t> regionMask(const Options& options, const formats::Imag
   return mask;
 }
 
+// Maps that are compared with no surrogates have thresholds of 0 and a display range of their own.
+bool hasThresholds(const formats::Map& map) {
+  return !map.thresholds.empty() && (map.thresholds.front() != 0 || map.lowerThreshold == 0);
+}
+
 // The display range at q; a map without thresholds keeps its own. Nothing passes: nothing is shown.
 void setRange(const formats::MapSet& set, const formats::Map& map, double q, render::SlicePicture& picture) {
   picture.lower = map.lowerThreshold;
   picture.upper = map.upperThreshold;
   char caption[128];
   std::snprintf(caption, sizeof caption, "shown from %.3g on", static_cast<double>(map.lowerThreshold));
-  if (!map.thresholds.empty()) {
+  if (hasThresholds(map)) {
     const float threshold = map.thresholds[thresholdIndex(set, q)];
     const float factor = map.lowerThreshold > 0 ? map.upperThreshold / map.lowerThreshold : 3.0F;
     picture.lower = std::isfinite(threshold) ? threshold : HUGE_VALF;

@@ -1,5 +1,6 @@
 // NR maps: the map set of the current anatomy.
 #include <cmath>
+#include <new>
 
 #include "host/exports.h"
 #include "host/operation.h"
@@ -12,6 +13,7 @@ using host::Operation;
 using host::perform;
 
 constexpr int kMaxMaps = 10000;
+constexpr std::size_t kMaxValues = std::size_t{1} << 32U;  // 16 GB of maps
 constexpr std::int32_t kMaxColor = 0xFFFFFF;
 
 // The current set, whose lent memory must be undamaged.
@@ -104,6 +106,7 @@ int zqCreateNRVMPsForCurrentVMR(int nrOfMaps, int /*reserved*/, int nrOfThreshol
     op.require(nrOfThresholds >= 0 && nrOfThresholds <= kMaxMaps,
                std::to_string(nrOfThresholds) + " thresholds cannot be created");
     op.require(box.problem().empty(), box.problem());
+    if (static_cast<std::size_t>(nrOfMaps) > kMaxValues / box.nrOfCells()) throw std::bad_alloc();
     deleteMaps(op);
     op.workspace().createMaps(box, nrOfMaps, nrOfThresholds);
     return 1;

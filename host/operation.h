@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -74,6 +75,8 @@ Result perform(const char* name, Result refused, Body body) {
   } catch (const RunEnded& end) {
     operation.run().remember(end);
     if (mayThrow) throw;
+  } catch (const std::bad_alloc&) {
+    operation.logError(std::string(name) + ": the memory does not suffice");
   } catch (const std::exception& error) {
     operation.logError(error.what());
   }

@@ -32,6 +32,7 @@ bool TerminalFrontEnd::readLine(std::string& line) {
   inputEnded_ = !std::getline(in_, line);
   if (inputEnded_) in_.clear();  // Ctrl-D in a terminal ends one line, not the session
   if (inputEnded_) out_ << '\n';
+  if (!inputEnded_ && echo_) out_ << line << '\n';
   return !inputEnded_;
 }
 

@@ -22,8 +22,8 @@ namespace study {
 // One imaging run and its preparation.
 struct RunRequest {
   std::string name;
-  std::filesystem::path bold;       // 4-D NIfTI, or a VTC
-  std::filesystem::path mask;       // empty: every voxel that ever changes
+  std::filesystem::path bold;       // 4-D NIfTI
+  std::filesystem::path mask;       // empty: voxels whose first value exceeds the inclusion threshold
   std::filesystem::path events;     // events table, may be empty
   std::filesystem::path confounds;  // TSV, may be empty
   std::vector<std::string> confoundTerms;  // presets and column names, in order

@@ -29,8 +29,8 @@ q = [0.01, 0.05, 0.1]         # false discovery rates
 
 [[run]]                       # one block per run; several runs are pooled, never stitched together
 name = "run1"
-bold = "bold_small.nii.gz"    # 4-D NIfTI, or a VTC
-mask = "mask_small.nii.gz"    # voxels to map; without it every voxel that changes over time
+bold = "bold_small.nii.gz"    # 4-D NIfTI
+mask = "mask_small.nii.gz"    # voxels to map; without it those whose first value exceeds inclusion_threshold
 events = "events.tsv"         # needed by trial_types below
 #tr = 2.0                     # seconds; needed when header and JSON sidecar disagree
 #drop_volumes = 0             # leading volumes to leave out; "auto": those that the confounds table flags

@@ -26,6 +26,7 @@ double withDigitsOf(float value) {
 formats::ImageHeader resultHeader(const RunPlan& run) {
   formats::ImageHeader header = formats::readImageHeader(run.request.bold.string());
   header.volumes = 1;
+  header.series = false;
   header.trMs = 0;
   header.slope = 1;
   header.intercept = 0;

@@ -35,14 +35,15 @@ void ReferencePath::begin(const VoxelJob& job) {
   work_ = std::make_unique<simo::Matrix<float>>(2, longest, 0, 0);
   averages_ = std::make_unique<simo::FosAvg<float>>(2, job.order);
   nullAverages_.clear();
-  for (int k = 0; k < job.nullDraws; ++k) nullAverages_.push_back(std::make_unique<simo::FosAvg<float>>(2, job.order));
+  for (int k = 0; k < job.nullDraws; ++k)
+    nullAverages_.push_back(std::make_unique<simo::FosAvg<float>>(2, job.order));
   joint_ = std::make_unique<simo::FosOrth<float>>(2, job.order);
   single1_ = std::make_unique<simo::FosOrth<float>>(1, job.order);
   single2_ = std::make_unique<simo::FosOrth<float>>(1, job.order);
 }
 
-void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data, const VoxelResults& results,
-                            VoxelCounts& counts) {
+void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
+                            const VoxelResults& results, VoxelCounts& counts) {
   const Inclusion inclusion(job_, data);
   ResultWriter writer(job_, inclusion.count(nrOfVoxels), results, counts);
   for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) {

@@ -33,7 +33,8 @@ class ReferencePath : public VoxelPath {
 
   // One voxel of the current job whose surrogates are drawn already, [interval][draw]. The result
   // holds until the next call.
-  const VoxelMeasures& computeDrawn(std::size_t voxel, std::span<const VoxelData> data, const std::uint32_t* drawn);
+  const VoxelMeasures& computeDrawn(std::size_t voxel, std::span<const VoxelData> data,
+                                    const std::uint32_t* drawn);
 
  private:
   // One interval of one set with its detrended references.

@@ -7,7 +7,8 @@
 namespace tav {
 namespace {
 
-void put(const std::array<float*, kNrOfMeasures>& planes, std::size_t voxel, const ResultWriter::Values& values) {
+void put(const std::array<float*, kNrOfMeasures>& planes, std::size_t voxel,
+         const ResultWriter::Values& values) {
   for (std::size_t measure = 0; measure < planes.size(); ++measure) planes[measure][voxel] = values[measure];
 }
 
@@ -46,7 +47,8 @@ void ResultWriter::write(std::size_t voxel, const VoxelMeasures& measures) {
   if (!measures.isDefined) return writeIllDefined(voxel);
   writeTruth(voxel, measures.truth);
   counts_.surrogatesIllDefined += measures.nullsIllDefined;
-  for (std::size_t draw = 0; draw < measures.nulls.size(); ++draw) writeNull(voxel, draw, true, measures.nulls[draw]);
+  for (std::size_t draw = 0; draw < measures.nulls.size(); ++draw)
+    writeNull(voxel, draw, true, measures.nulls[draw]);
 }
 
 // A further draw's values are 0 from the start.

@@ -35,26 +35,71 @@ std::size_t sizeOf(const MapPieces& pieces) {
   return size;
 }
 
-// Appends the piece's magnitudes from `cut` on. Without a branch per value: writes each and moves
-// on past those that belong.
-void appendFrom(std::span<const float> piece, float cut, Tail& tail) {
-  const std::size_t before = tail.magnitudes.size();
-  tail.magnitudes.resize(before + piece.size());
-  float* out = tail.magnitudes.data() + before;
-  std::size_t nonZero = 0, numbers = 0;
-  for (const float value : piece) {
-    const float magnitude = std::fabs(value);
-    *out = magnitude;
-    out += magnitude >= cut ? 1 : 0;  // never with NaN
-    nonZero += value != 0.0F ? 1U : 0U;
-    numbers += magnitude > 0.0F ? 1U : 0U;
-  }
-  tail.nonZero += nonZero;
-  tail.numbers += numbers;
-  tail.magnitudes.resize(static_cast<std::size_t>(out - tail.magnitudes.data()));
+// Positive floats order as their bits do; NaN above infinity.
+constexpr std::int32_t kInfinityBits = 0x7F800000;
+
+std::int32_t magnitudeBits(float value) {
+  return std::bit_cast<std::int32_t>(value) & 0x7FFFFFFF;
 }
 
-// Positive floats order as their bits do. Least significant digit first, 11 bits at a time; every
+// Values that are looked at together: most blocks hold nothing of the tail.
+constexpr std::size_t kBlock = 64;
+
+struct BlockSummary {
+  std::int32_t largest = 0, nonZero = 0, numbers = 0;
+};
+
+BlockSummary summarise(const float* values, std::size_t count) {
+  BlockSummary summary;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int32_t bits = magnitudeBits(values[i]);
+    summary.largest = std::max(summary.largest, bits);
+    summary.nonZero += bits != 0 ? 1 : 0;
+    summary.numbers += bits != 0 && bits <= kInfinityBits ? 1 : 0;
+  }
+  return summary;
+}
+
+class TailSelector {
+ public:
+  explicit TailSelector(float cut) : cutBits_(magnitudeBits(cut)) {}
+
+  void add(std::span<const float> piece) {
+    for (std::size_t first = 0; first < piece.size(); first += kBlock) {
+      // The constant count lets the compiler use vectors.
+      const std::size_t left = piece.size() - first;
+      const float* const values = piece.data() + first;
+      addBlock(values, std::min(left, kBlock),
+               left >= kBlock ? summarise(values, kBlock) : summarise(values, left));
+    }
+  }
+
+  // The selected magnitudes, in no order.
+  Tail take() {
+    tail_.magnitudes.resize(used_);
+    return std::move(tail_);
+  }
+
+ private:
+  // Without a branch per value: writes each and moves on past those that belong.
+  void addBlock(const float* values, std::size_t count, const BlockSummary& summary) {
+    tail_.nonZero += static_cast<std::size_t>(summary.nonZero);
+    tail_.numbers += static_cast<std::size_t>(summary.numbers);
+    if (summary.largest < cutBits_) return;
+    if (tail_.magnitudes.size() < used_ + kBlock) tail_.magnitudes.resize(2 * used_ + kBlock);
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::int32_t bits = magnitudeBits(values[i]);
+      tail_.magnitudes[used_] = std::bit_cast<float>(bits);
+      used_ += bits >= cutBits_ && bits <= kInfinityBits ? 1U : 0U;
+    }
+  }
+
+  std::int32_t cutBits_;
+  Tail tail_;
+  std::size_t used_ = 0;
+};
+
+// Least significant digit of the bits first, 11 bits at a time; every
 // pass keeps the order of the one before.
 void sortDescending(std::vector<float>& magnitudes) {
   constexpr int kDigits = 3, kBits = 11;
@@ -76,8 +121,9 @@ void sortDescending(std::vector<float>& magnitudes) {
 }
 
 Tail selectTail(const MapPieces& pieces, float cut) {
-  Tail tail;
-  for (const auto& piece : pieces) appendFrom(piece, cut, tail);
+  TailSelector selector(cut);
+  for (const auto& piece : pieces) selector.add(piece);
+  Tail tail = selector.take();
   sortDescending(tail.magnitudes);
   return tail;
 }
@@ -133,7 +179,8 @@ class TailSearch {
       const std::size_t count = std::min(exceeding, null_.nonZero - 1);
       const double p = static_cast<double>(count) / static_cast<double>(null_.nonZero);
       // The bounds ascend with q, so that smaller ones are violated first.
-      while (settled < results_.size() && p > bound(rank, results_[settled].q)) settle(rank, results_[settled++]);
+      while (settled < results_.size() && p > bound(rank, results_[settled].q))
+        settle(rank, results_[settled++]);
     }
     return settled == results_.size() || isWhole_;
   }
@@ -145,7 +192,8 @@ class TailSearch {
 
   [[nodiscard]] std::size_t nrReaching(float threshold) const {
     const auto& all = observed_.magnitudes;
-    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) - all.begin());
+    return static_cast<std::size_t>(std::upper_bound(all.begin(), all.end(), threshold, std::greater<>()) -
+                                    all.begin());
   }
 
   bool stepUp() {
@@ -190,8 +238,9 @@ double expectedShare(ThresholdRule rule, const std::vector<float>& qs, int cvCon
 
 }  // namespace
 
-std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs, const MapPieces& observed,
-                                               const MapPieces& null, int cvConstant) {
+std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs,
+                                               const MapPieces& observed, const MapPieces& null,
+                                               int cvConstant) {
   std::sort(qs.begin(), qs.end());
   const Tail samples = sample(observed);
   const double expected = expectedShare(rule, qs, cvConstant, samples, sample(null));

@@ -60,7 +60,8 @@ class PhaseTimer {
     lower(best.surrogates, [&] { require(computer_.simSurrogateVOITCs(request_, log, errors_), errors_); });
     timeLoop(best);
     lower(best.transfer, [&] {
-      require(computer_.transferConditionResults(request_.vois[0], request_.conds[0], 0, request_, errors_), errors_);
+      require(computer_.transferConditionResults(request_.vois[0], request_.conds[0], 0, request_, errors_),
+              errors_);
     });
     timeThresholds(best);
   }
@@ -80,7 +81,9 @@ class PhaseTimer {
   void timeLoop(Phases& best) {
     std::ostringstream log;
     tav::CheckedCondition checked;
-    require(tav::checkCondition(computer_, request_.vois[0], request_.conds[0], request_, log, errors_, checked), errors_);
+    require(
+        tav::checkCondition(computer_, request_.vois[0], request_.conds[0], request_, log, errors_, checked),
+        errors_);
     const auto job = tav::makeConditionJob(request_.conds[0], checked.references, request_, options_);
     const tav::RawStores stores{*computer_.rawMaps1, *computer_.rawMaps2, computer_.furtherNulls.get()};
     tav::VoxelCounts counts;
@@ -94,7 +97,8 @@ class PhaseTimer {
     best.checksum = 0.0;
     for (int m = 0; m < tav::kNrOfMeasures; ++m) {
       const float* values = computer_.rawMaps1->values(m);
-      for (std::size_t i = 0; i < computer_.rawMaps1->nrOfVoxels(); ++i) best.checksum += static_cast<double>(values[i]);
+      for (std::size_t i = 0; i < computer_.rawMaps1->nrOfVoxels(); ++i)
+        best.checksum += static_cast<double>(values[i]);
     }
   }
 
@@ -107,7 +111,8 @@ class PhaseTimer {
       tav::computeMapValues(type, rawValues(*computer_.rawMaps1), request_, observed.data());
       tav::computeMapValues(type, rawValues(*computer_.rawMaps2), request_, null.data());
       sum += bestSeconds(1, [&] {
-        (void)tav::searchTailThresholds(options_.thresholdRule, request_.qThresholds, {observed}, {null}, request_.cvConstant);
+        (void)tav::searchTailThresholds(options_.thresholdRule, request_.qThresholds, {observed}, {null},
+                                        request_.cvConstant);
       });
     }
     best.thresholds = std::min(best.thresholds, sum);
@@ -140,8 +145,8 @@ double wholeRun(const Workload& workload, const std::string& file, fakes::FakeHo
 
 }  // namespace
 
-Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel, int repetitions,
-                     int draws) {
+Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel,
+                     int repetitions, int draws) {
   fakes::FakeHost host;
   if (!InitZQAccess()) throw std::runtime_error("the fake host is not exported");
   simo::setTimeBase(1);  // the same surrogates for every path
@@ -152,7 +157,8 @@ Phases measurePhases(const Workload& workload, const std::string& file, const st
     PhaseTimer timer(workload, file, draws);
     for (int i = 0; i < repetitions; ++i) timer.time(best);
   }
-  for (int i = 0; i < repetitions; ++i) best.whole = std::min(best.whole, wholeRun(workload, file, host, draws));
+  for (int i = 0; i < repetitions; ++i)
+    best.whole = std::min(best.whole, wholeRun(workload, file, host, draws));
   unsetenv("TAVMAP_KERNEL");
   return best;
 }

@@ -17,12 +17,12 @@ struct Phases {
   double thresholds;  // of that, the thresholds of all maps
   double whole;       // Init to saved files
   int illDefined, surrogatesIllDefined;
-  double checksum;    // sum of all measures, so that two paths can be compared at a glance
+  double checksum;  // sum of all measures, so that two paths can be compared at a glance
 };
 
 // With the path that TAVMAP_KERNEL would name `kernel`, and `draws` surrogates per voxel.
-[[nodiscard]] Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel,
-                                   int repetitions, int draws = 1);
+[[nodiscard]] Phases measurePhases(const Workload& workload, const std::string& file,
+                                   const std::string& kernel, int repetitions, int draws = 1);
 
 }  // namespace bench
 

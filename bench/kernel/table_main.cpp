@@ -1,4 +1,6 @@
 // Prints the performance table: kernel_table FOLDER [WORKLOAD...]. FOLDER takes the data files.
+#include <sys/resource.h>
+
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -24,11 +26,13 @@ std::vector<std::string> paths() {
   return names;
 }
 
-void printRow(const Workload& workload, const std::string& path, const Phases& phases, double limit, double reference) {
-  std::printf("%-3s %-10s %9.1f %6.2fx %8.1f %8.1f %8.1f %8.1f %9.1f %6.1fx  %d/%d  %.6e\n", workload.name.c_str(),
-              path.c_str(), phases.loop * kMs, phases.loop / limit, phases.surrogates * kMs, phases.prepare * kMs,
-              phases.thresholds * kMs, phases.transfer * kMs, phases.whole * kMs, reference / phases.whole,
-              phases.illDefined, phases.surrogatesIllDefined, phases.checksum);
+void printRow(const Workload& workload, const std::string& path, const Phases& phases, double limit,
+              double reference) {
+  std::printf("%-3s %-10s %9.1f %6.2fx %8.1f %8.1f %8.1f %8.1f %9.1f %6.1fx  %d/%d  %.6e\n",
+              workload.name.c_str(), path.c_str(), phases.loop * kMs, phases.loop / limit,
+              phases.surrogates * kMs, phases.prepare * kMs, phases.thresholds * kMs, phases.transfer * kMs,
+              phases.whole * kMs, reference / phases.whole, phases.illDefined, phases.surrogatesIllDefined,
+              phases.checksum);
   std::fflush(stdout);
 }
 
@@ -37,15 +41,26 @@ void printWorkload(const std::string& folder, const Workload& workload, const be
   const double reading = bench::readSeconds(file, workload);
   const double arithmetic = bench::multiplyAdds(workload) / peak.best();
   const double limit = reading + arithmetic;
-  std::printf("%-3s reading %.1f ms, arithmetic %.1f ms, LIMIT %.1f ms\n", workload.name.c_str(), reading * kMs,
-              arithmetic * kMs, limit * kMs);
+  std::printf("%-3s reading %.1f ms, arithmetic %.1f ms, LIMIT %.1f ms\n", workload.name.c_str(),
+              reading * kMs, arithmetic * kMs, limit * kMs);
   double reference = 0.0;
   for (const std::string& path : paths()) {
     const bool isReference = path == "reference";
-    const Phases phases = bench::measurePhases(workload, file, path, isReference ? 1 : workload.isFloat ? 3 : 7);
+    const Phases phases = bench::measurePhases(workload, file, path,
+                                               isReference        ? 1
+                                               : workload.isFloat ? 3
+                                                                  : 7);
     if (isReference) reference = phases.whole;
     printRow(workload, path, phases, limit, reference);
   }
+}
+
+// Of the whole process so far, the data files in the page cache not counted.
+void printPeakMemory(const Workload& workload) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  std::printf("%-3s peak memory so far %.0f MB\n", workload.name.c_str(),
+              static_cast<double>(usage.ru_maxrss) / 1024.0);
 }
 
 void printDraws(const std::string& folder, const Workload& workload, int draws) {
@@ -53,18 +68,21 @@ void printDraws(const std::string& folder, const Workload& workload, int draws) 
   const std::string best = tav::kernel::bestKernel().name;
   const double one = bench::measurePhases(workload, file, best, 3).loop;
   const double many = bench::measurePhases(workload, file, best, 3, draws).loop;
-  std::printf("%s with %d null draws: %.1f ms, %.1f times one draw\n", workload.name.c_str(), draws, many * kMs, many / one);
+  std::printf("%s with %d null draws: %.1f ms, %.1f times one draw\n", workload.name.c_str(), draws,
+              many * kMs, many / one);
 }
 
 int run(const std::string& folder, const std::vector<std::string>& wanted) {
   const bench::Peak peak = bench::measurePeak();
-  std::printf("multiply-add peak: %.1f G/s with 256 bits, %.1f G/s with 512 bits\n", peak.with256 / 1e9, peak.with512 / 1e9);
-  std::printf("%-3s %-10s %9s %7s %8s %8s %8s %8s %9s %7s  ill-defined  sum of measures\n", "", "path", "loop ms", "/LIMIT",
-              "surrog.", "tables", "thresh.", "maps", "whole ms", "faster");
+  std::printf("multiply-add peak: %.1f G/s with 256 bits, %.1f G/s with 512 bits\n", peak.with256 / 1e9,
+              peak.with512 / 1e9);
+  std::printf("%-3s %-10s %9s %7s %8s %8s %8s %8s %9s %7s  ill-defined  sum of measures\n", "", "path",
+              "loop ms", "/LIMIT", "surrog.", "tables", "thresh.", "maps", "whole ms", "faster");
   for (const Workload& workload : bench::standardWorkloads()) {
     bool isWanted = wanted.empty();
     for (const std::string& name : wanted) isWanted = isWanted || name == workload.name;
     if (isWanted) printWorkload(folder, workload, peak);
+    if (isWanted) printPeakMemory(workload);
     if (isWanted && workload.name == "W1") printDraws(folder, workload, 20);
   }
   return 0;

@@ -52,7 +52,9 @@ class VoxelMaker {
     }
     return sum;
   }
-  double uniform(double low, double high) { return low + (high - low) * static_cast<double>(random_() >> 11) * 0x1p-53; }
+  double uniform(double low, double high) {
+    return low + (high - low) * static_cast<double>(random_() >> 11) * 0x1p-53;
+  }
 
   std::mt19937_64 random_;
   std::vector<double> reference_;
@@ -62,7 +64,8 @@ template <class T>
 void writeCourse(std::FILE* file, const std::vector<double>& course) {
   std::vector<T> values(course.size());
   std::transform(course.begin(), course.end(), values.begin(), [](double v) { return static_cast<T>(v); });
-  if (std::fwrite(values.data(), sizeof(T), values.size(), file) != values.size()) throw std::runtime_error("disk full");
+  if (std::fwrite(values.data(), sizeof(T), values.size(), file) != values.size())
+    throw std::runtime_error("disk full");
 }
 
 void writeFile(const std::string& path, const Workload& workload) {
@@ -79,7 +82,8 @@ void writeFile(const std::string& path, const Workload& workload) {
     // The included voxels lie in one block in the middle, as a brain does.
     const bool isInside = voxel >= skipped / 2 && voxel < skipped / 2 + workload.includedVoxels;
     const auto course = isInside ? maker.make(voxel, voxel < skipped / 2 + 27) : outside;
-    workload.isFloat ? writeCourse<float>(file.get(), course) : writeCourse<std::uint16_t>(file.get(), course);
+    workload.isFloat ? writeCourse<float>(file.get(), course)
+                     : writeCourse<std::uint16_t>(file.get(), course);
   }
 }
 
@@ -101,8 +105,8 @@ std::vector<Workload> standardWorkloads() {
 
 std::string dataFile(const std::string& folder, const Workload& workload) {
   char name[128];
-  std::snprintf(name, sizeof name, "/%dx%dx%dx%d_%d_%s.vtc", workload.x, workload.y, workload.z, workload.volumes,
-                workload.includedVoxels, workload.isFloat ? "float" : "uint16");
+  std::snprintf(name, sizeof name, "/%dx%dx%dx%d_%d_%s.vtc", workload.x, workload.y, workload.z,
+                workload.volumes, workload.includedVoxels, workload.isFloat ? "float" : "uint16");
   const std::string path = folder + name;
   if (!std::filesystem::exists(path)) {
     writeFile(path + ".part", workload);
@@ -116,7 +120,8 @@ tav::TAV_Pars makeRequest(const Workload& workload, const std::string& file) {
   auto& region = regions.emplace_back();
   const int first = (workload.nrOfVoxels() - workload.includedVoxels) / 2;
   for (int voxel = first; voxel < first + 27; ++voxel) {
-    region.insert(region.end(), {voxel % workload.x, voxel / workload.x % workload.y, voxel / workload.x / workload.y});
+    region.insert(region.end(),
+                  {voxel % workload.x, voxel / workload.x % workload.y, voxel / workload.x / workload.y});
   }
   tav::TAV_Pars pars;
   pars.arOrder = workload.order;

@@ -71,7 +71,8 @@ class GroupKernel {
     return interval.tables + row * static_cast<std::ptrdiff_t>(interval.tableStride);
   }
   std::uint32_t surrogateOf(int l, int interval, int draw) const {
-    const std::size_t cell = voxelOf(l) * static_cast<std::size_t>(plan_.nrOfIntervals) + static_cast<std::size_t>(interval);
+    const std::size_t cell =
+        voxelOf(l) * static_cast<std::size_t>(plan_.nrOfIntervals) + static_cast<std::size_t>(interval);
     return batch_.surrogates[cell * static_cast<std::size_t>(plan_.draws) + static_cast<std::size_t>(draw)];
   }
   // Every lane keeps its rows only when further draws need them.
@@ -181,7 +182,8 @@ class GroupKernel {
   // Calls `use` with the interval's first value of lane l's course, in the type of the data.
   template <class Use>
   void withCourse(int l, const IntervalView& interval, Use use) const {
-    const std::size_t course = voxelOf(l) * static_cast<std::size_t>(plan_.nrOfSets) + static_cast<std::size_t>(interval.set);
+    const std::size_t course =
+        voxelOf(l) * static_cast<std::size_t>(plan_.nrOfSets) + static_cast<std::size_t>(interval.set);
     const void* data = batch_.courses[course];
     if (plan_.elements[interval.set] == Element::kFloat) {
       use(static_cast<const float*>(data) + interval.first);
@@ -202,7 +204,8 @@ class GroupKernel {
 
   void clearPartials(int statistics) {
     const int count = statistics * kWidth;
-    for (int i = 0; i < count; ++i) S::store(work_.partials + static_cast<std::ptrdiff_t>(i) * kWidth, S::zero());
+    for (int i = 0; i < count; ++i)
+      S::store(work_.partials + static_cast<std::ptrdiff_t>(i) * kWidth, S::zero());
   }
 
   void sumPartials(int first, int end, int variable) {
@@ -226,7 +229,8 @@ class GroupKernel {
       const IntervalView& interval = plan_.intervals[n];
       const std::size_t drawn = surrogateOf(l, n, draw);
       const float* row = surrogateRow(interval, drawn);
-      if (l + 1 < kWidth) prefetch(surrogateRow(interval, surrogateOf(l + 1, n, draw)), interval.paddedLength);
+      if (l + 1 < kWidth)
+        prefetch(surrogateRow(interval, surrogateOf(l + 1, n, draw)), interval.paddedLength);
       work_.segments[n] = {rowOf(l, interval), {row, row}, interval.paddedLength};
       addTable(tableOf(interval, static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
     }
@@ -277,7 +281,8 @@ class GroupKernel {
   }
 
   void storeVerdicts(Verdict* verdicts, const Doubts<S>& doubts) const {
-    const Mask illDefined = doubts.flat | (doubts.failed & ~doubts.unsure), unsure = doubts.unsure & ~doubts.flat;
+    const Mask illDefined = doubts.flat | (doubts.failed & ~doubts.unsure),
+               unsure = doubts.unsure & ~doubts.flat;
     for (int l = 0; l < kWidth; ++l) {
       const unsigned code = ((illDefined >> l) & 1U) + 2U * ((unsure >> l) & 1U);
       verdicts[l] = static_cast<Verdict>(code);

@@ -10,7 +10,9 @@
 namespace tav::kernel {
 namespace {
 
-bool always() { return true; }
+bool always() {
+  return true;
+}
 
 #ifdef __x86_64__
 bool hasAvx512() {
@@ -18,7 +20,9 @@ bool hasAvx512() {
          __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
          __builtin_cpu_supports("fma");
 }
-bool hasAvx2() { return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"); }
+bool hasAvx2() {
+  return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+}
 
 constexpr std::array kKernels = {
     Kernel{"avx512", 16, &hasAvx512, &computeAvx512, &prepareAvx512},
@@ -36,16 +40,20 @@ constexpr std::array kKernels = {
 std::array<std::atomic<std::uint64_t>, kKernels.size() + 1> batches{};
 
 std::atomic<std::uint64_t>& batchesOf(std::string_view name) {
-  const auto* found = std::ranges::find_if(kKernels, [&](const Kernel& kernel) { return kernel.name == name; });
+  const auto* found =
+      std::ranges::find_if(kKernels, [&](const Kernel& kernel) { return kernel.name == name; });
   return batches[static_cast<std::size_t>(found - kKernels.begin())];
 }
 
 }  // namespace
 
-std::span<const Kernel> allKernels() { return kKernels; }
+std::span<const Kernel> allKernels() {
+  return kKernels;
+}
 
 const Kernel* findKernel(std::string_view name) {
-  const auto* found = std::ranges::find_if(kKernels, [&](const Kernel& kernel) { return kernel.name == name; });
+  const auto* found =
+      std::ranges::find_if(kKernels, [&](const Kernel& kernel) { return kernel.name == name; });
   return found == kKernels.end() ? nullptr : found;
 }
 
@@ -58,6 +66,8 @@ void run(const Kernel& kernel, const PlanView& plan, const BatchView& batch, con
   batchesOf(kernel.name).fetch_add(1, std::memory_order_relaxed);
 }
 
-std::uint64_t batchesRun(std::string_view name) { return batchesOf(name).load(std::memory_order_relaxed); }
+std::uint64_t batchesRun(std::string_view name) {
+  return batchesOf(name).load(std::memory_order_relaxed);
+}
 
 }  // namespace tav::kernel

@@ -40,7 +40,7 @@ template <class S>
 struct Doubts {
   typename S::Mask failed = 0;
   typename S::Mask unsure = 0;
-  typename S::Mask flat = 0;  // no variance at all: failed, whatever else is unsure
+  typename S::Mask flat = 0;              // no variance at all: failed, whatever else is unsure
   typename S::Floats growth = S::zero();  // largest sum of squares over pivot so far
 
   // `value` must be positive; `squares` is the sum of squares behind it. NaN passes.
@@ -165,7 +165,8 @@ void factorRows(const Factor& factor, int first, int end, typename S::Floats squ
 template <class S>
 typename S::Floats edge(const Series& a, int i, const Series& b, int j, int order, int nrOfIntervals) {
   auto sum = at<S>(a.tails, i) * at<S>(b.tails, j);
-  for (int n = 1; n < nrOfIntervals; ++n) sum = S::madd(at<S>(a.tails, n * order + i), at<S>(b.tails, n * order + j), sum);
+  for (int n = 1; n < nrOfIntervals; ++n)
+    sum = S::madd(at<S>(a.tails, n * order + i), at<S>(b.tails, n * order + j), sum);
   return sum;
 }
 
@@ -185,7 +186,8 @@ void fillOwnMoments(const PlanView& plan, const Series& series, float* const* ro
 
 // Moments of the reference's lags (rows) with the voxel's (columns). `cross` points at shift 0.
 template <class S>
-void fillCrossMoments(const PlanView& plan, const Series& x, const Series& y, const float* cross, float* const* rows) {
+void fillCrossMoments(const PlanView& plan, const Series& x, const Series& y, const float* cross,
+                      float* const* rows) {
   const int p = plan.order;
   for (int distance = 1 - p; distance < p; ++distance) {
     auto moment = at<S>(cross, plan.consistentPairs ? -distance : distance);

@@ -1,9 +1,8 @@
 // The kernel for AVX2 and FMA.
-#include "tav/kernel/simd_avx2.h"
-
 #include "tav/kernel/body-inl.h"
 #include "tav/kernel/entries.h"
 #include "tav/kernel/prepare-inl.h"
+#include "tav/kernel/simd_avx2.h"
 
 namespace tav::kernel {
 

@@ -1,9 +1,8 @@
 // The kernel for AVX-512.
-#include "tav/kernel/simd_avx512.h"
-
 #include "tav/kernel/body-inl.h"
 #include "tav/kernel/entries.h"
 #include "tav/kernel/prepare-inl.h"
+#include "tav/kernel/simd_avx512.h"
 
 namespace tav::kernel {
 

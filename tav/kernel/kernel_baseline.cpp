@@ -1,9 +1,8 @@
 // The kernel for every x86-64 CPU.
-#include "tav/kernel/simd_baseline.h"
-
 #include "tav/kernel/body-inl.h"
 #include "tav/kernel/entries.h"
 #include "tav/kernel/prepare-inl.h"
+#include "tav/kernel/simd_baseline.h"
 
 namespace tav::kernel {
 

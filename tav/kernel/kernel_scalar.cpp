@@ -1,9 +1,8 @@
 // The kernel for any machine.
-#include "tav/kernel/simd_scalar.h"
-
 #include "tav/kernel/body-inl.h"
 #include "tav/kernel/entries.h"
 #include "tav/kernel/prepare-inl.h"
+#include "tav/kernel/simd_scalar.h"
 
 namespace tav::kernel {
 

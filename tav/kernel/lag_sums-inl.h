@@ -23,8 +23,12 @@ namespace {
 
 // Statistics of a pass: cross sums of row 0 at shifts -order ... order, the same of row 1, then
 // own sums at lags 0 ... order.
-constexpr int crossStatistic(int order, int row, int shift) { return row * (2 * order + 1) + order + shift; }
-constexpr int ownStatistic(int order, int lag) { return 2 * (2 * order + 1) + lag; }
+constexpr int crossStatistic(int order, int row, int shift) {
+  return row * (2 * order + 1) + order + shift;
+}
+constexpr int ownStatistic(int order, int lag) {
+  return 2 * (2 * order + 1) + lag;
+}
 
 // The rows of all intervals that are summed together.
 struct LagRowsList {
@@ -119,8 +123,8 @@ inline constexpr int kShiftsOfOne = S::kAccumulators < 12 ? S::kAccumulators : 1
 // table[n - 1]: n shifts, all with own products or none.
 template <class S, int kRows, bool kWithOwn, int... kCounts>
 LagFunction pick(int n) {
-  static constexpr LagFunction table[] = {
-      &addLagProducts<S, kRows, kCounts + 1, kWithOwn ? 0 : kCounts + 1>...};
+  static constexpr LagFunction table[] = {&addLagProducts < S, kRows, kCounts + 1,
+                                          kWithOwn ? 0 : kCounts + 1 > ...};
   return table[n - 1];
 }
 

@@ -45,7 +45,9 @@ struct LaneLayout {
 };
 
 // Statistics of one pass of lag sums.
-constexpr int nrOfStatistics(int order) { return 2 * (2 * order + 1) + order + 1; }
+constexpr int nrOfStatistics(int order) {
+  return 2 * (2 * order + 1) + order + 1;
+}
 
 }  // namespace tav::kernel
 

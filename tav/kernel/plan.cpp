@@ -13,11 +13,15 @@ namespace {
 
 constexpr std::align_val_t kAlignment{64};
 
-int roundedUp(int n, int unit) { return (n + unit - 1) / unit * unit; }
+int roundedUp(int n, int unit) {
+  return (n + unit - 1) / unit * unit;
+}
 
 void requireValid(const PlanSpec& spec) {
-  if (spec.order < 1 || spec.order > kMaxOrder) throw std::invalid_argument("kernel plan: order out of range");
-  if (spec.draws < 1 || spec.draws > kMaxDraws) throw std::invalid_argument("kernel plan: draws out of range");
+  if (spec.order < 1 || spec.order > kMaxOrder)
+    throw std::invalid_argument("kernel plan: order out of range");
+  if (spec.draws < 1 || spec.draws > kMaxDraws)
+    throw std::invalid_argument("kernel plan: draws out of range");
   for (const SetSpec& set : spec.sets) {
     for (const Interval& interval : set.intervals) {
       if (interval.length <= spec.order) throw std::invalid_argument("kernel plan: interval too short");
@@ -54,7 +58,9 @@ AlignedFloats::AlignedFloats(std::size_t count)
   std::memset(floats_.get(), 0, count * sizeof(float));
 }
 
-void AlignedFloats::Free::operator()(float* p) const { ::operator delete(p, kAlignment); }
+void AlignedFloats::Free::operator()(float* p) const {
+  ::operator delete(p, kAlignment);
+}
 
 Plan::Plan(const PlanSpec& spec, const Kernel& kernel) : kernel_(&kernel), view_{} {
   requireValid(spec);

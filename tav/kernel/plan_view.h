@@ -25,20 +25,22 @@ inline constexpr int kRowPad = 32;
 inline constexpr int kReadSlack = 64;
 
 // An array's extent from a constant count.
-constexpr std::size_t extent(int count) { return static_cast<std::size_t>(count); }
+constexpr std::size_t extent(int count) {
+  return static_cast<std::size_t>(count);
+}
 
 enum class Element : std::uint8_t { kUint16, kFloat };
 
 // One interval of one course.
 struct IntervalView {
-  int set;            // index into a voxel's courses
-  int first;          // first value of the interval in the course, 0-based
-  int length;         // values, above the order
-  int paddedLength;   // rounded up to kRowAlign
+  int set;                // index into a voxel's courses
+  int first;              // first value of the interval in the course, 0-based
+  int length;             // values, above the order
+  int paddedLength;       // rounded up to kRowAlign
   std::size_t rowOffset;  // of this interval's zone in a voxel's row buffer
-  float scale;        // sqrt(longest length / length)
-  float rampSquares;  // sum of squares of ramp
-  const float* ramp;  // t / (length - 1) - 0.5, then zeros; paddedLength values
+  float scale;            // sqrt(longest length / length)
+  float rampSquares;      // sum of squares of ramp
+  const float* ramp;      // t / (length - 1) - 0.5, then zeros; paddedLength values
   // Detrended and scaled: the reference, and one row of paddedLength values per surrogate.
   const float* reference;
   const float* surrogates;
@@ -49,14 +51,14 @@ struct IntervalView {
 };
 
 struct PlanView {
-  int order;        // 1 ... kMaxOrder
-  int draws;        // surrogates per voxel, 1 ... kMaxDraws
-  int nrOfSets;     // courses per voxel
+  int order;     // 1 ... kMaxOrder
+  int draws;     // surrogates per voxel, 1 ... kMaxDraws
+  int nrOfSets;  // courses per voxel
   int nrOfIntervals;
   // Rows of the lag-pair averages belong to the later lag; false: the plug-in's written form.
   bool consistentPairs;
-  std::size_t rowSize;  // values of one voxel's row buffer, all intervals
-  const Element* elements;        // per set
+  std::size_t rowSize;      // values of one voxel's row buffer, all intervals
+  const Element* elements;  // per set
   const IntervalView* intervals;
 };
 
@@ -70,8 +72,8 @@ enum class Verdict : std::uint8_t {
 // `nrOfVoxels` voxels whose results go to consecutive elements.
 struct BatchView {
   std::size_t nrOfVoxels;
-  const void* const* courses;      // [voxel][set]: first value of the course
-  const std::uint32_t* surrogates; // [voxel][interval][draw]: row of the interval's surrogates
+  const void* const* courses;       // [voxel][set]: first value of the course
+  const std::uint32_t* surrogates;  // [voxel][interval][draw]: row of the interval's surrogates
   // Arrays for nrOfVoxels rounded up to kMaxLanes. Measures: 0 reference to voxel, 1 voxel to
   // reference, 2 instantaneous. Nulls of draw k start at k * nullStride.
   float* measures[3];
@@ -85,10 +87,10 @@ struct BatchView {
 struct RowsView {
   int order;
   int nrOfRows;
-  const float* source;       // first value of the interval in the first row
+  const float* source;  // first value of the interval in the first row
   std::size_t sourceStride;
-  float* rows;               // nrOfRows x paddedLength
-  float* tables;             // see IntervalView::tables
+  float* rows;    // nrOfRows x paddedLength
+  float* tables;  // see IntervalView::tables
 };
 
 // The rows of one interval that a voxel's lag sums are made of.
@@ -100,9 +102,9 @@ struct LagRows {
 
 // Scratch memory of one caller, 64-byte aligned.
 struct WorkView {
-  float* rows;      // detrended voxel rows; their padding is 0 and stays so
-  float* partials;  // [statistic][lane][width]: lag sums before the sum over the width
-  float* lanes;     // [variable][width]: everything that has one value per voxel, see layout.h
+  float* rows;        // detrended voxel rows; their padding is 0 and stays so
+  float* partials;    // [statistic][lane][width]: lag sums before the sum over the width
+  float* lanes;       // [variable][width]: everything that has one value per voxel, see layout.h
   LagRows* segments;  // per interval
 };
 

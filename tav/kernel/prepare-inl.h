@@ -39,10 +39,12 @@ float firstLane(typename S::Floats v) {
 template <class S>
 void tabulate(const IntervalView& interval, int order, const float* row, float* partials, float* table) {
   constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
-  for (int lag = 0; lag <= order; ++lag) S::store(partials + crossStatistic(order, 0, lag) * kStep, S::zero());
+  for (int lag = 0; lag <= order; ++lag)
+    S::store(partials + crossStatistic(order, 0, lag) * kStep, S::zero());
   const LagRows rows{row, {row, row}, interval.paddedLength};
   addShifts<S, 1, false, kShiftsOfOne<S>>({&rows, 1}, order, 0, order, partials);
-  for (int lag = 0; lag <= order; ++lag) table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
+  for (int lag = 0; lag <= order; ++lag)
+    table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];
 }
 
@@ -68,7 +70,8 @@ inline bool isTrusted(const IntervalView& interval, const RowTrend& trend, const
 template <class S>
 void prepareRows(const IntervalView& interval, const RowsView& task, const WorkView& work) {
   float* row = work.rows + interval.rowOffset;
-  const auto length = static_cast<std::size_t>(interval.length), padded = static_cast<std::size_t>(interval.paddedLength);
+  const auto length = static_cast<std::size_t>(interval.length),
+             padded = static_cast<std::size_t>(interval.paddedLength);
   for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {
     const float* source = task.source + r * task.sourceStride;
     for (std::size_t t = 0; t < length; ++t) row[t] = source[t];

@@ -65,7 +65,9 @@ struct Simd {
   static Ints firstLanes(int n) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(kLaneMasks + kWidth - n));
   }
-  static Floats foldPair(Floats a, Floats b) { return _mm_add_ps(_mm_unpacklo_ps(a, b), _mm_unpackhi_ps(a, b)); }
+  static Floats foldPair(Floats a, Floats b) {
+    return _mm_add_ps(_mm_unpacklo_ps(a, b), _mm_unpackhi_ps(a, b));
+  }
 };
 
 }  // namespace

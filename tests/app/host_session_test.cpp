@@ -9,11 +9,13 @@
 #include "formats/map_set.h"
 #include "tests/app/noise_data.h"
 #include "tests/app/program.h"
+#include "tests/app/pseudo_terminal.h"
 
 namespace {
 
 using app_test::Finished;
 using app_test::NoiseData;
+using app_test::PseudoTerminal;
 using app_test::runTavmap;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -198,6 +200,26 @@ TEST_F(HostSession, EndsWithTheDialogsTextWhenTheScriptDoesNotFit) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(run.err, AllOf(HasSubstr("a whole number from 0 to 3"),
                              HasSubstr("Add a VOI as a reference region:\n0. Stop selecting\n1. driver\n2. other\n3. Add all\n")));
+}
+
+TEST_F(HostSession, TakesControlDAtATerminalAsOneCancelledDialog) {
+  PseudoTerminal terminal(arguments({}), data.folder.path());
+  const auto answer = [&](const std::string& prompt, const std::string& keys) {
+    ASSERT_TRUE(terminal.shows(prompt)) << prompt;
+    terminal.type(keys);
+  };
+  answer("Number, 0 to 3 [1]: ", "1\n");
+  answer("Number, 0 to 3 [1]: ", "0\n");
+  answer("Number, 1 to 2 [1]: ", "\n");
+  answer("Text: ", "all\n");
+  for (int repeat = 0; repeat < 3; ++repeat) {
+    answer("File to open: ", app_test::kControlD);
+    answer("Press Enter to go on: ", "\n");
+  }
+  answer("File to open: ", "run1.vtc\n");
+  answer("Number, 1 to 1000000 [5]: ", app_test::kControlD);
+  EXPECT_TRUE(terminal.shows("// TAV> Canceled by user."));
+  EXPECT_EQ(terminal.exitCode(), 1);
 }
 
 // --- what the plug-in refuses ---

@@ -2,10 +2,12 @@
 // engine, with and without influence, and what passed. One line of tab-separated values per
 // setting and q on standard output.
 //
-// Usage: calibration_table [RUNS [FIRST_SEED]]
+// Usage: calibration_table [RUNS [FIRST_SETTING END_SETTING]]
+// The settings are numbered from 0; a part of them can be measured alone.
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 #include "tests/calibration/simulated_run.h"
 #include "tests/fakes/vtc_file.h"
@@ -14,6 +16,8 @@ namespace {
 
 using calibration::Discoveries;
 using calibration::Setting;
+
+constexpr unsigned kFirstSeed = 1;
 
 struct Mean {
   double sum = 0, squares = 0;
@@ -80,14 +84,19 @@ void forEachSetting(Visit visit) {
 
 int main(int argc, char** argv) {
   const int runs = argc > 1 ? std::atoi(argv[1]) : 100;
-  const unsigned firstSeed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
+  const int first = argc > 3 ? std::atoi(argv[2]) : 0;
+  const int end = argc > 3 ? std::atoi(argv[3]) : std::numeric_limits<int>::max();
   if (runs < 2) {
-    std::fprintf(stderr, "usage: %s [RUNS [FIRST_SEED]], with at least 2 runs\n", argv[0]);
+    std::fprintf(stderr, "usage: %s [RUNS [FIRST_SETTING END_SETTING]], with at least 2 runs\n", argv[0]);
     return 2;
   }
   const fakes::TempFolder folder;
   std::printf(
       "method\tcv\torder\tintervals\tautocorrelation\tdriven\tq\truns\tany\tany_se\tfdr\tfdr_se\tpower\n");
-  forEachSetting([&](const Setting& s) { print(s, measure(s, runs, firstSeed, folder.path()), runs); });
+  int number = 0;
+  forEachSetting([&](const Setting& s) {
+    if (number >= first && number < end) print(s, measure(s, runs, kFirstSeed, folder.path()), runs);
+    ++number;
+  });
   return 0;
 }

@@ -145,6 +145,14 @@ TEST_F(MapOperations, LogAnErrorWhenTheFileCannotBeWritten) {
   EXPECT_FALSE(active.run.ended().has_value()) << "the plug-in goes on";
 }
 
+TEST_F(MapOperations, LogAnErrorWhenTheMemoryDoesNotSuffice) {
+  NR_VMPs_Header box = sampleBox();
+  box.xEnd = box.yEnd = box.zEnd = 2048;
+  EXPECT_EQ(zqCreateNRVMPsForCurrentVMR(1, 0, 0, &box), 0);
+  EXPECT_EQ(active.log.str(), "ERROR: zqCreateNRVMPsForCurrentVMR: the memory does not suffice\n");
+  EXPECT_FALSE(active.run.ended().has_value());
+}
+
 TEST_F(MapOperations, LogAnErrorForAFileThatIsNoMapSetAndKeepTheMaps) {
   create(1, 0);
   EXPECT_EQ(zqLoadNRVMPsToCurrentVMR(files.events().c_str()), 0);

@@ -33,6 +33,16 @@ TEST(TerminalFrontEnd, ShowsADialogAsTextAndAsksForTheNumber) {
   EXPECT_EQ(t.out.str(), "\n" + std::string(78, '-') + "\nChoose\n1. one\n2. two\n\nNumber, 1 to 2 [1]: ");
 }
 
+TEST(TerminalFrontEnd, RepeatsInputThatNobodyTypes) {
+  std::istringstream in("2\n\n");
+  std::ostringstream out;
+  TerminalFrontEnd frontEnd(in, out, true);
+  EXPECT_EQ(frontEnd.askInteger(kChoice), 2);
+  EXPECT_THAT(out.str(), EndsWith("Number, 1 to 2 [1]: 2\n"));
+  frontEnd.showMessage("box");
+  EXPECT_THAT(out.str(), EndsWith("Press Enter to go on: \n"));
+}
+
 TEST(TerminalFrontEnd, TakesTheInitialValueForEnter) {
   Typed t("\n\n\n");
   EXPECT_EQ(t.frontEnd.askInteger(kChoice), 1);

@@ -17,16 +17,19 @@ std::vector<double> autoregression(std::mt19937& random, int n, double coefficie
   return x;
 }
 
-std::vector<float> asData(const std::vector<double>& x, double mean, double sd, double drift, Element element) {
+std::vector<float> asData(const std::vector<double>& x, double mean, double sd, double drift,
+                          Element element) {
   std::vector<float> data(x.size());
   for (std::size_t t = 0; t < x.size(); ++t) {
     const double value = mean + sd * x[t] + drift * static_cast<double>(t) / static_cast<double>(x.size());
-    data[t] = static_cast<float>(element == Element::kUint16 ? std::clamp(std::round(value), 0.0, 65535.0) : value);
+    data[t] =
+        static_cast<float>(element == Element::kUint16 ? std::clamp(std::round(value), 0.0, 65535.0) : value);
   }
   return data;
 }
 
-std::vector<float> makeVoxel(std::mt19937& random, const std::vector<double>& reference, std::size_t index, Element element) {
+std::vector<float> makeVoxel(std::mt19937& random, const std::vector<double>& reference, std::size_t index,
+                             Element element) {
   std::vector<double> y = autoregression(random, static_cast<int>(reference.size()), 0.4);
   for (std::size_t t = 1; t + 1 < y.size(); ++t) {
     if (index % 3 == 1) y[t] += 0.5 * reference[t - 1];
@@ -50,7 +53,8 @@ Set makeSet(const Shape& shape, const std::vector<int>& lengths, std::mt19937& r
   for (int s = 0; s < shape.nrOfSurrogates; ++s) {
     set.surrogates.push_back(asData(autoregression(random, volume, 0.5), 0.0, 100.0, 0.0, Element::kFloat));
   }
-  for (std::size_t v = 0; v < shape.nrOfVoxels; ++v) set.voxels.push_back(makeVoxel(random, reference, v, shape.element));
+  for (std::size_t v = 0; v < shape.nrOfVoxels; ++v)
+    set.voxels.push_back(makeVoxel(random, reference, v, shape.element));
   return set;
 }
 
@@ -58,7 +62,8 @@ Set makeSet(const Shape& shape, const std::vector<int>& lengths, std::mt19937& r
 class Courses {
  public:
   explicit Courses(const Set& set)
-      : size_(set.element == Element::kUint16 ? 2 : 4), stride_(static_cast<std::size_t>(set.nrOfVolumes) * size_) {
+      : size_(set.element == Element::kUint16 ? 2 : 4),
+        stride_(static_cast<std::size_t>(set.nrOfVolumes) * size_) {
     bytes_.resize(stride_ * set.voxels.size() + tav::kernel::kReadSlack);
     for (std::size_t v = 0; v < set.voxels.size(); ++v) {
       for (std::size_t t = 0; t < set.voxels[v].size(); ++t) put(v * stride_ + t * size_, set.voxels[v][t]);
@@ -81,8 +86,11 @@ class Courses {
 };
 
 tav::kernel::PlanSpec specOf(const Condition& condition, std::vector<std::vector<float>>& rows) {
-  tav::kernel::PlanSpec spec{condition.order, condition.draws, condition.consistentPairs,
-                             static_cast<int>(condition.sets.front().surrogates.size()), {}};
+  tav::kernel::PlanSpec spec{condition.order,
+                             condition.draws,
+                             condition.consistentPairs,
+                             static_cast<int>(condition.sets.front().surrogates.size()),
+                             {}};
   for (const Set& set : condition.sets) {
     auto& flat = rows.emplace_back();
     for (const auto& row : set.surrogates) flat.insert(flat.end(), row.begin(), row.end());
@@ -109,7 +117,8 @@ Condition makeCondition(const Shape& shape, std::uint32_t seed) {
   Condition condition{shape.order, shape.draws, shape.consistentPairs, {}, {}};
   for (const auto& lengths : shape.lengths) condition.sets.push_back(makeSet(shape, lengths, random));
   std::uniform_int_distribution<std::uint32_t> draw(0, static_cast<std::uint32_t>(shape.nrOfSurrogates - 1));
-  condition.drawn.resize(shape.nrOfVoxels * condition.nrOfIntervals() * static_cast<std::size_t>(shape.draws));
+  condition.drawn.resize(shape.nrOfVoxels * condition.nrOfIntervals() *
+                         static_cast<std::size_t>(shape.draws));
   for (auto& index : condition.drawn) index = draw(random);
   return condition;
 }
@@ -137,7 +146,8 @@ Results run(const tav::kernel::Kernel& kernel, const Condition& condition, std::
         std::min(batchSize, n - first),
         pointers.data() + first * condition.sets.size(),
         condition.drawn.data() + first * condition.nrOfIntervals() * draws,
-        {results.measures[0].data() + first, results.measures[1].data() + first, results.measures[2].data() + first},
+        {results.measures[0].data() + first, results.measures[1].data() + first,
+         results.measures[2].data() + first},
         results.verdicts.data() + first,
         {results.nulls[0].data() + first, results.nulls[1].data() + first, results.nulls[2].data() + first},
         results.nullVerdicts.data() + first,

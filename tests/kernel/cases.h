@@ -16,9 +16,9 @@ struct Set {
   tav::kernel::Element element = tav::kernel::Element::kFloat;
   int nrOfVolumes = 0;
   std::vector<tav::kernel::Interval> intervals;
-  std::vector<float> reference;               // [volume]
-  std::vector<std::vector<float>> surrogates; // [surrogate][volume]
-  std::vector<std::vector<float>> voxels;     // [voxel][volume]; whole numbers for 16-bit data
+  std::vector<float> reference;                // [volume]
+  std::vector<std::vector<float>> surrogates;  // [surrogate][volume]
+  std::vector<std::vector<float>> voxels;      // [voxel][volume]; whole numbers for 16-bit data
 };
 
 struct Condition {

@@ -57,7 +57,8 @@ class Maker {
     auto& reference = case_.matrices.emplace_back(1, nrOfVolumes, 1, 1);
     fillRow(reference[1] + 1, nrOfVolumes, referenceKind());
     auto& surrogates = case_.matrices.emplace_back(case_.job.nrOfSurrogates, nrOfVolumes, 1, 1);
-    for (int s = 1; s <= case_.job.nrOfSurrogates; ++s) fillRow(surrogates[s] + 1, nrOfVolumes, referenceKind());
+    for (int s = 1; s <= case_.job.nrOfSurrogates; ++s)
+      fillRow(surrogates[s] + 1, nrOfVolumes, referenceKind());
     case_.job.sets.push_back({file, &reference, &surrogates, intervals});
   }
 
@@ -84,27 +85,56 @@ class Maker {
     const std::size_t n = course.size();
     double* const any = &course[static_cast<std::size_t>(upTo(static_cast<int>(n) - 1))];
     switch (kind) {
-      case 1: std::fill(course.begin(), course.end(), mean + 0.3); break;
-      case 2: for (std::size_t t = 0; t < n; ++t) course[t] = mean + 3.0 * static_cast<double>(t); break;
-      case 3: for (std::size_t t = 0; t < n; ++t) course[t] = mean + 50.0 * static_cast<double>(t % 3); break;
-      case 4: *any = static_cast<double>(kNan); break;
-      case 5: *any = static_cast<double>(chance(2) ? kInfinity : -kInfinity); break;
-      case 6: for (double& v : course) v *= 1e14; break;
-      case 7: for (double& v : course) v = 1000.0 + 1e-4 * (v - mean); break;
-      case 8: for (double& v : course) v *= 1e32; break;
-      case 9: *any = 60000.0; break;
-      case 10: std::fill(course.begin(), course.end(), 0.0); break;
-      case 11: for (std::size_t t = 1; t < std::min(n, partner.size()); ++t) course[t] = partner[t - 1]; break;
-      case 12: for (std::size_t t = 0; t < std::min(n, partner.size()); ++t) course[t] = 2.0 * partner[t] + 7.0; break;
-      case 13: for (double& v : course) v *= 1e-26; course[0] = 200.0; break;
+      case 1:
+        std::fill(course.begin(), course.end(), mean + 0.3);
+        break;
+      case 2:
+        for (std::size_t t = 0; t < n; ++t) course[t] = mean + 3.0 * static_cast<double>(t);
+        break;
+      case 3:
+        for (std::size_t t = 0; t < n; ++t) course[t] = mean + 50.0 * static_cast<double>(t % 3);
+        break;
+      case 4:
+        *any = static_cast<double>(kNan);
+        break;
+      case 5:
+        *any = static_cast<double>(chance(2) ? kInfinity : -kInfinity);
+        break;
+      case 6:
+        for (double& v : course) v *= 1e14;
+        break;
+      case 7:
+        for (double& v : course) v = 1000.0 + 1e-4 * (v - mean);
+        break;
+      case 8:
+        for (double& v : course) v *= 1e32;
+        break;
+      case 9:
+        *any = 60000.0;
+        break;
+      case 10:
+        std::fill(course.begin(), course.end(), 0.0);
+        break;
+      case 11:
+        for (std::size_t t = 1; t < std::min(n, partner.size()); ++t) course[t] = partner[t - 1];
+        break;
+      case 12:
+        for (std::size_t t = 0; t < std::min(n, partner.size()); ++t) course[t] = 2.0 * partner[t] + 7.0;
+        break;
+      case 13:
+        for (double& v : course) v *= 1e-26;
+        course[0] = 200.0;
+        break;
       default:
-        for (std::size_t t = 1; t < std::min(n, partner.size()); ++t) course[t] += 0.4 * (partner[t - 1] - partner[0]);
+        for (std::size_t t = 1; t < std::min(n, partner.size()); ++t)
+          course[t] += 0.4 * (partner[t - 1] - partner[0]);
     }
   }
 
   void fillFile(std::size_t file) {
     const tav::VoxelFile& shape = case_.job.files[file];
-    const auto set = std::ranges::find_if(case_.job.sets, [&](const auto& s) { return static_cast<std::size_t>(s.file) == file; });
+    const auto set = std::ranges::find_if(
+        case_.job.sets, [&](const auto& s) { return static_cast<std::size_t>(s.file) == file; });
     const float* reference = set->reference->elements();
     const Course partner(reference, reference + shape.nrOfVolumes);
     std::vector<float>& floats = case_.floats.emplace_back();
@@ -156,16 +186,19 @@ double conditioning(const Case& made, std::size_t voxel, const std::uint32_t* dr
       if (drawn != nullptr) x = set.surrogates->elements() + *drawn * volumes;
       if (drawn != nullptr) drawn += step;
       oracle::Segment segment;
-      for (auto t = static_cast<std::size_t>(interval.first - 1); t < static_cast<std::size_t>(interval.last); ++t) {
+      for (auto t = static_cast<std::size_t>(interval.first - 1); t < static_cast<std::size_t>(interval.last);
+           ++t) {
         const std::size_t at = voxel * volumes + t;
         segment.x.push_back(static_cast<double>(x[t]));
-        segment.y.push_back(made.data[file].floats != nullptr ? static_cast<double>(made.data[file].floats[at])
-                                                              : static_cast<double>(made.data[file].shorts[at]));
+        segment.y.push_back(made.data[file].floats != nullptr
+                                ? static_cast<double>(made.data[file].floats[at])
+                                : static_cast<double>(made.data[file].shorts[at]));
       }
       segments.push_back(std::move(segment));
     }
   }
-  return oracle::geweke(segments, made.job.order, made.job.lagPairForm == simo::LagPairForm::kConsistent).conditioning;
+  return oracle::geweke(segments, made.job.order, made.job.lagPairForm == simo::LagPairForm::kConsistent)
+      .conditioning;
 }
 
 double toleranceOf(int order, double conditioning) {
@@ -173,7 +206,9 @@ double toleranceOf(int order, double conditioning) {
   return 2.0 * kEps * (20.0 + 4.0 * order) / std::min(1.0, conditioning);
 }
 
-bool isSame(float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+bool isSame(float a, float b) {
+  return a == b || (std::isnan(a) && std::isnan(b));
+}
 
 // The surrogates of every included voxel, drawn once more.
 std::vector<std::uint32_t> drawnFor(const Case& made, const Outcome& outcome, std::size_t perVoxel) {
@@ -182,7 +217,9 @@ std::vector<std::uint32_t> drawnFor(const Case& made, const Outcome& outcome, st
   for (const tav::VoxelStatus status : outcome.status) {
     for (std::size_t i = 0; i < perVoxel; ++i) {
       const bool isDrawn = status != tav::VoxelStatus::kBelowInclusion;
-      drawn.push_back(isDrawn ? static_cast<unsigned>(simo::nextRandom()) % static_cast<unsigned>(made.job.nrOfSurrogates) : 0U);
+      drawn.push_back(isDrawn ? static_cast<unsigned>(simo::nextRandom()) %
+                                    static_cast<unsigned>(made.job.nrOfSurrogates)
+                              : 0U);
     }
   }
   return drawn;
@@ -191,7 +228,10 @@ std::vector<std::uint32_t> drawnFor(const Case& made, const Outcome& outcome, st
 class Comparison {
  public:
   Comparison(const Case& made, const Outcome& kernel, const Outcome& reference)
-      : case_(made), kernel_(kernel), reference_(reference), draws_(static_cast<std::size_t>(made.job.nullDraws)) {
+      : case_(made),
+        kernel_(kernel),
+        reference_(reference),
+        draws_(static_cast<std::size_t>(made.job.nullDraws)) {
     for (const tav::VoxelSet& set : made.job.sets) nrOfIntervals_ += set.intervals.size();
     drawn_ = drawnFor(made, reference, nrOfIntervals_ * draws_);
   }
@@ -207,7 +247,8 @@ class Comparison {
   }
 
   void describe(std::size_t voxel) {
-    text_ << "order " << case_.job.order << (case_.job.lagPairForm == simo::LagPairForm::kConsistent ? " consistent" : " written")
+    text_ << "order " << case_.job.order
+          << (case_.job.lagPairForm == simo::LagPairForm::kConsistent ? " consistent" : " written")
           << ", kinds";
     for (std::size_t i = voxel; i < case_.kinds.size(); i += case_.nrOfVoxels) text_ << " " << case_.kinds[i];
     text_ << ", intervals";
@@ -220,9 +261,10 @@ class Comparison {
  private:
   void compareCounts() {
     const tav::VoxelCounts &a = kernel_.counts, &b = reference_.counts;
-    if (a.skipped != b.skipped || a.illDefined != b.illDefined || a.surrogatesIllDefined != b.surrogatesIllDefined) {
-      text_ << "counts " << a.skipped << "/" << a.illDefined << "/" << a.surrogatesIllDefined << " instead of "
-            << b.skipped << "/" << b.illDefined << "/" << b.surrogatesIllDefined;
+    if (a.skipped != b.skipped || a.illDefined != b.illDefined ||
+        a.surrogatesIllDefined != b.surrogatesIllDefined) {
+      text_ << "counts " << a.skipped << "/" << a.illDefined << "/" << a.surrogatesIllDefined
+            << " instead of " << b.skipped << "/" << b.illDefined << "/" << b.surrogatesIllDefined;
     }
     if (kernel_.nextDraw != reference_.nextDraw) text_ << "another random number follows";
   }
@@ -248,11 +290,13 @@ class Comparison {
     if (isSame(a, b)) return;
     const double error = std::abs(static_cast<double>(a) - static_cast<double>(b));
     if (error <= toleranceOf(case_.job.order, 1.0)) return;
-    const std::uint32_t* drawn = draw < 0 ? nullptr : drawn_.data() + voxel * nrOfIntervals_ * draws_ + static_cast<std::size_t>(draw);
+    const std::uint32_t* drawn =
+        draw < 0 ? nullptr : drawn_.data() + voxel * nrOfIntervals_ * draws_ + static_cast<std::size_t>(draw);
     const double allowed = toleranceOf(case_.job.order, conditioning(case_, voxel, drawn, draws_));
     if (error <= allowed) return;
     describe(voxel);
-    text_ << "voxel " << voxel << " draw " << draw << ": " << a << " instead of " << b << ", allowed " << allowed << "; ";
+    text_ << "voxel " << voxel << " draw " << draw << ": " << a << " instead of " << b << ", allowed "
+          << allowed << "; ";
   }
 
   const Case& case_;
@@ -265,7 +309,9 @@ class Comparison {
 
 }  // namespace
 
-void makeCase(std::uint32_t seed, Case& made) { Maker(seed, made).make(); }
+void makeCase(std::uint32_t seed, Case& made) {
+  Maker(seed, made).make();
+}
 
 Outcome run(tav::VoxelPath& path, const Case& made, std::size_t voxelsPerCall) {
   Outcome outcome;

@@ -19,7 +19,7 @@ struct Case {
   std::size_t nrOfVoxels = 0;
   std::deque<simo::Matrix<float>> matrices;
   std::deque<std::vector<tav::TAV_intv>> intervals;
-  std::deque<std::vector<float>> floats;          // one of the two per file
+  std::deque<std::vector<float>> floats;  // one of the two per file
   std::deque<std::vector<std::uint16_t>> shorts;
   std::vector<tav::VoxelData> data;
   std::vector<int> kinds;  // [file][voxel]: which kind of course was made, for reports

@@ -13,7 +13,8 @@ namespace {
 using KernelAgainstReference = EveryKernel;
 
 TEST_P(KernelAgainstReference, AgreesOnRandomJobs) {
-  for (std::uint32_t seed = 1; seed <= 300; ++seed) ASSERT_EQ(differential::check(kernel(), seed), "") << "seed " << seed;
+  for (std::uint32_t seed = 1; seed <= 300; ++seed)
+    ASSERT_EQ(differential::check(kernel(), seed), "") << "seed " << seed;
 }
 
 TEST_P(KernelAgainstReference, GivesTheSameBitsWhateverTheSizeOfCalls) {
@@ -26,8 +27,12 @@ TEST_P(KernelAgainstReference, GivesTheSameBitsWhateverTheSizeOfCalls) {
       const auto pieces = differential::run(path, made, voxels);
       for (std::size_t m = 0; m < tav::kNrOfMeasures; ++m) {
         for (std::size_t v = 0; v < made.nrOfVoxels; ++v) {
-          ASSERT_EQ(std::bit_cast<std::uint32_t>(pieces.measures[m][v]), std::bit_cast<std::uint32_t>(whole.measures[m][v])) << "seed " << seed;
-          ASSERT_EQ(std::bit_cast<std::uint32_t>(pieces.nulls[m][v]), std::bit_cast<std::uint32_t>(whole.nulls[m][v])) << "seed " << seed;
+          ASSERT_EQ(std::bit_cast<std::uint32_t>(pieces.measures[m][v]),
+                    std::bit_cast<std::uint32_t>(whole.measures[m][v]))
+              << "seed " << seed;
+          ASSERT_EQ(std::bit_cast<std::uint32_t>(pieces.nulls[m][v]),
+                    std::bit_cast<std::uint32_t>(whole.nulls[m][v]))
+              << "seed " << seed;
         }
       }
     }

@@ -22,7 +22,7 @@ inline std::vector<const char*> kernelNames() {
   return names;
 }
 
-#define INSTANTIATE_KERNELS(suite)                                        \
+#define INSTANTIATE_KERNELS(suite)                                          \
   INSTANTIATE_TEST_SUITE_P(Kernel, suite, testing::ValuesIn(kernelNames()), \
                            [](const auto& name) { return std::string(name.param); })
 

@@ -9,13 +9,17 @@ namespace {
 
 using Square = std::vector<std::vector<double>>;
 
-Square squareOf(std::size_t n) { return Square(n, std::vector<double>(n, 0.0)); }
+Square squareOf(std::size_t n) {
+  return Square(n, std::vector<double>(n, 0.0));
+}
 
 // Moments of the variables (series s, lag m), m = 0 ... p, at index 2 m + s.
 class Moments {
  public:
   Moments(const std::vector<Segment>& segments, int order, bool consistentPairs)
-      : order_(order), consistent_(consistentPairs), matrix_(squareOf(2 * static_cast<std::size_t>(order + 1))) {
+      : order_(order),
+        consistent_(consistentPairs),
+        matrix_(squareOf(2 * static_cast<std::size_t>(order + 1))) {
     for (const Segment& segment : segments) add({detrended(segment.x), detrended(segment.y)});
   }
   [[nodiscard]] double at(int s, int m, int t, int k) const { return matrix_[index(s, m)][index(t, k)]; }
@@ -127,7 +131,8 @@ Series detrended(const Series& values) {
     product += ramp(t) * (values[t] - mean);
   }
   Series residuals(values.size());
-  for (std::size_t t = 0; t < values.size(); ++t) residuals[t] = values[t] - mean - ramp(t) * product / rampSquares;
+  for (std::size_t t = 0; t < values.size(); ++t)
+    residuals[t] = values[t] - mean - ramp(t) * product / rampSquares;
   return residuals;
 }
 

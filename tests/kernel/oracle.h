@@ -16,7 +16,7 @@ struct Segment {
 };
 
 struct Answer {
-  bool exists = false;            // false: a model is not positive definite
+  bool exists = false;  // false: a model is not positive definite
   std::array<double, 3> measures{};
   // About the smallest eigenvalue of all moments, lagged and current, scaled to a unit diagonal.
   // An error of relative size e in the moments or in their factorisation changes an error

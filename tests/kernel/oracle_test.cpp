@@ -31,7 +31,8 @@ struct Tally {
   double worst = 0.0, squares = 0.0;
 };
 
-void compare(const oracle::Answer& answer, Verdict verdict, const float* const* values, int order, Tally& tally) {
+void compare(const oracle::Answer& answer, Verdict verdict, const float* const* values, int order,
+             Tally& tally) {
   if (verdict == Verdict::kUnsure) {
     ++tally.unsure;
     return;
@@ -74,8 +75,8 @@ void expectAgreement(const Kernel& kernel, const cases::Shape& shape, std::uint3
   // Ordinary data are hardly ever close to singular.
   EXPECT_LE(tally.unsure, 2) << "order " << shape.order;
   if (std::getenv("TAVMAP_TEST_FIGURES") != nullptr) {
-    std::printf("%s order %d: %d compared, %d unsure, %d ill-defined, worst %.2e, rms %.2e\n", kernel.name, shape.order,
-                tally.compared, tally.unsure, tally.illDefined, tally.worst,
+    std::printf("%s order %d: %d compared, %d unsure, %d ill-defined, worst %.2e, rms %.2e\n", kernel.name,
+                shape.order, tally.compared, tally.unsure, tally.illDefined, tally.worst,
                 std::sqrt(tally.squares / std::max(tally.compared, 1)));
   }
 }

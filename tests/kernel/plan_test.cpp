@@ -17,8 +17,12 @@ using tav::kernel::PlanSpec;
 struct Source {
   std::vector<float> reference, surrogates;
   PlanSpec spec(int order, std::vector<tav::kernel::Interval> intervals, int draws = 1) const {
-    return {order, draws, false, 2, {{tav::kernel::Element::kFloat, reference.data(), surrogates.data(), reference.size(),
-                                      std::move(intervals)}}};
+    return {order,
+            draws,
+            false,
+            2,
+            {{tav::kernel::Element::kFloat, reference.data(), surrogates.data(), reference.size(),
+              std::move(intervals)}}};
   }
 };
 
@@ -41,8 +45,10 @@ TEST_P(KernelPlan, HoldsDetrendedRowsWithZerosBehindThem) {
   const auto& interval = plan.view().intervals[0];
   ASSERT_EQ(interval.length, 30);
   ASSERT_EQ(interval.paddedLength, 32);
-  const oracle::Series expected = oracle::detrended({source.reference.begin() + 3, source.reference.begin() + 33});
-  for (std::size_t t = 0; t < 30; ++t) EXPECT_NEAR(static_cast<double>(interval.reference[t]), expected[t], 1e-4);
+  const oracle::Series expected =
+      oracle::detrended({source.reference.begin() + 3, source.reference.begin() + 33});
+  for (std::size_t t = 0; t < 30; ++t)
+    EXPECT_NEAR(static_cast<double>(interval.reference[t]), expected[t], 1e-4);
   EXPECT_EQ(interval.reference[30], 0.0F);
   EXPECT_EQ(interval.reference[31], 0.0F);
 }
@@ -56,8 +62,10 @@ TEST_P(KernelPlan, TabulatesLagSumsAndTails) {
     const float* table = interval.tables + row * static_cast<std::ptrdiff_t>(interval.tableStride);
     for (int lag = 0; lag <= 3; ++lag) {
       double sum = 0.0;
-      for (int t = lag; t < 40; ++t) sum += static_cast<double>(values[t]) * static_cast<double>(values[t - lag]);
-      EXPECT_NEAR(static_cast<double>(table[lag]), sum, 1e-5 * (std::abs(sum) + 1.0)) << "row " << row << " lag " << lag;
+      for (int t = lag; t < 40; ++t)
+        sum += static_cast<double>(values[t]) * static_cast<double>(values[t - lag]);
+      EXPECT_NEAR(static_cast<double>(table[lag]), sum, 1e-5 * (std::abs(sum) + 1.0))
+          << "row " << row << " lag " << lag;
     }
     for (int i = 0; i < 3; ++i) EXPECT_EQ(table[4 + i], values[39 - i]);
   }

@@ -30,7 +30,8 @@ void runSmallJob(tav::VoxelPath& path) {
 
 std::map<std::string, std::uint64_t> batchesOfAll() {
   std::map<std::string, std::uint64_t> batches;
-  for (const auto& kernel : tav::kernel::allKernels()) batches[kernel.name] = tav::kernel::batchesRun(kernel.name);
+  for (const auto& kernel : tav::kernel::allKernels())
+    batches[kernel.name] = tav::kernel::batchesRun(kernel.name);
   return batches;
 }
 
@@ -92,8 +93,9 @@ TEST(VoxelPath, RefusesAnUnknownName) {
   const ForcedKernel forced("avx1024");
   std::ostringstream errors;
   EXPECT_EQ(tav::makeVoxelPath(errors), nullptr);
-  EXPECT_EQ(errors.str(), "TAVMAP_KERNEL is 'avx1024', which is no compute path of this program. This computer runs: " +
-                              usable() + ". Unset it to use the fastest");
+  EXPECT_EQ(errors.str(),
+            "TAVMAP_KERNEL is 'avx1024', which is no compute path of this program. This computer runs: " +
+                usable() + ". Unset it to use the fastest");
 }
 
 TEST(VoxelPath, RefusesAKernelThatTheCpuDoesNotHave) {
@@ -114,7 +116,9 @@ TEST(VoxelPath, AnEmptyNameForcesNothing) {
   EXPECT_STREQ(tav::makeVoxelPath(errors)->name(), tav::kernel::bestKernel().name);
 }
 
-TEST(Kernels, TheLastOneRunsEverywhere) { EXPECT_TRUE(tav::kernel::allKernels().back().isSupported()); }
+TEST(Kernels, TheLastOneRunsEverywhere) {
+  EXPECT_TRUE(tav::kernel::allKernels().back().isSupported());
+}
 
 TEST(Kernels, AnUnknownNameIsNoKernelAndNeverRan) {
   EXPECT_EQ(tav::kernel::findKernel("avx1024"), nullptr);

@@ -110,6 +110,8 @@ TEST_F(VtcDialog, TheOrderOfTheSettingsLimitsTheIntervals) {
   host.answerOpen(run1).answerInteger(1).answerInteger(20).answerInteger(1).answerInteger(21).cancelNext();
   EXPECT_EQ(ask(), tav::kSuccess);
   EXPECT_THAT(host.messages, SizeIs(1));
+  ASSERT_THAT(cond.vtcIntvSets, SizeIs(1));
+  ASSERT_THAT(cond.vtcIntvSets[0].intervals, SizeIs(1));
   EXPECT_EQ(cond.vtcIntvSets[0].intervals[0].last, 21);
 }
 

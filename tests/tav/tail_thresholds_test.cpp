@@ -65,13 +65,22 @@ void expectSame(ThresholdRule rule, std::size_t maxSize, int rounds) {
   }
 }
 
-TEST(TailThresholds, WalkLikeAFullSortOnSmallMaps) { expectSame(ThresholdRule::kWalk, 60, 4000); }
-TEST(TailThresholds, WalkLikeAFullSortOnLargeMaps) { expectSame(ThresholdRule::kWalk, 20000, 120); }
-TEST(TailThresholds, StepUpLikeAFullSortOnSmallMaps) { expectSame(ThresholdRule::kStepUp, 60, 4000); }
-TEST(TailThresholds, StepUpLikeAFullSortOnLargeMaps) { expectSame(ThresholdRule::kStepUp, 20000, 120); }
+TEST(TailThresholds, WalkLikeAFullSortOnSmallMaps) {
+  expectSame(ThresholdRule::kWalk, 60, 4000);
+}
+TEST(TailThresholds, WalkLikeAFullSortOnLargeMaps) {
+  expectSame(ThresholdRule::kWalk, 20000, 120);
+}
+TEST(TailThresholds, StepUpLikeAFullSortOnSmallMaps) {
+  expectSame(ThresholdRule::kStepUp, 60, 4000);
+}
+TEST(TailThresholds, StepUpLikeAFullSortOnLargeMaps) {
+  expectSame(ThresholdRule::kStepUp, 20000, 120);
+}
 
 TEST(TailThresholds, AreZeroForEmptyMaps) {
-  for (const MapThreshold& result : tav::searchTailThresholds(ThresholdRule::kWalk, {0.05F, 0.01F}, {}, {}, 2)) {
+  for (const MapThreshold& result :
+       tav::searchTailThresholds(ThresholdRule::kWalk, {0.05F, 0.01F}, {}, {}, 2)) {
     EXPECT_EQ(result.threshold, 0.0F);
     EXPECT_FALSE(result.anyPasses());
   }

@@ -1,0 +1,177 @@
+// `tavmap bids` on a small data set with fMRIPrep-style derivatives.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <random>
+
+#include "formats/nifti.h"
+#include "tests/study/program.h"
+#include "tests/study/scratch.h"
+#include "tests/study/small_study.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+class BidsCommand : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    scratch_.write("raw/dataset_description.json", R"({"Name": "small", "BIDSVersion": "1.8.0"})");
+    scratch_.write("raw/task-blocks_events.tsv", "onset\tduration\ttrial_type\n20\t80\tface\n130\t80\thouse\n220\t80\tface\n");
+    small_study::writeRegions(folder() / "dseg.nii.gz");
+    addRun("01", "1", 11);
+    addRun("01", "2", 12);
+    addRun("02", "1", 13);
+  }
+  void addRun(const std::string& sub, const std::string& run, unsigned seed) {
+    const std::string begin = "raw/derivatives/fmriprep/sub-" + sub + "/func/sub-" + sub + "_task-blocks_run-" + run;
+    scratch_.write(begin + "_desc-confounds_timeseries.tsv", confounds(seed));
+    scratch_.write(begin + "_space-MNI_desc-preproc_bold.json", R"({"RepetitionTime": 2.0, "TaskName": "blocks"})");
+    small_study::writeBold(folder() / (begin + "_space-MNI_desc-preproc_bold.nii.gz"), seed);
+    small_study::writeMask(folder() / (begin + "_space-MNI_desc-brain_mask.nii.gz"));
+  }
+  // Motion with two jumps, tissue signals, two volumes before the steady state.
+  static std::string confounds(unsigned seed) {
+    std::mt19937 generator(seed);
+    std::normal_distribution<double> normal;
+    std::string table = "framewise_displacement\ttrans_x\tcsf\twhite_matter\tnon_steady_state_outlier00\tnon_steady_state_outlier01\n";
+    for (int v = 0; v < small_study::kVolumes; ++v) {
+      const bool jump = v == 60 || v == 62;
+      table += (v == 0 ? "n/a" : jump ? "2.5" : "0.1") + std::string("\t") + std::to_string(normal(generator)) + "\t" +
+               std::to_string(normal(generator)) + "\t" + std::to_string(normal(generator)) + (v == 0 ? "\t1" : "\t0") +
+               (v == 1 ? "\t1\n" : "\t0\n");
+    }
+    return table;
+  }
+  ProgramResult run(std::vector<std::string> more) {
+    std::vector<std::string> words = {"bids", (folder() / "raw").string(), out().string(), "participant", "--atlas",
+                                      (folder() / "dseg.nii.gz").string(), "--config-file", config().string(), "--seed", "4"};
+    words.insert(words.end(), more.begin(), more.end());
+    return tavmap(words, folder());
+  }
+  fs::path config() { return scratch_.write("c.toml", "[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n" + extra_); }
+  fs::path out() const { return folder() / "out"; }
+  const fs::path& folder() const { return scratch_.folder(); }
+  json read(const fs::path& file) {
+    std::ifstream stream(file);
+    return json::parse(stream, nullptr, false);
+  }
+  std::string extra_;
+  Scratch scratch_;
+};
+
+const std::string kFirst = "sub-01_task-blocks_space-MNI_seed-A_contrast-wholeRef2Vox_stat-effect_statmap";
+
+TEST_F(BidsCommand, PoolsTheRunsOfEveryParticipant) {
+  const ProgramResult result = run({"--labels", "A", "--jobs", "2"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json sidecar = read(out() / "sub-01/func" / (kFirst + ".json"));
+  EXPECT_EQ(sidecar["VolumesUsed"], 2 * small_study::kVolumes);
+  ASSERT_EQ(sidecar["Runs"].size(), 2U);  // intervals of one model, not one long run
+  EXPECT_EQ(sidecar["Runs"][0]["Run"], "run-1");
+  EXPECT_EQ(sidecar["Sources"][0],
+            "bids:raw:derivatives/fmriprep/sub-01/func/sub-01_task-blocks_run-1_space-MNI_desc-preproc_bold.nii.gz");
+  EXPECT_TRUE(fs::exists(out() / "sub-01/func" / (kFirst + ".nii.gz")));
+  EXPECT_TRUE(fs::exists(
+      out() / "sub-02/func/sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholedTAV_stat-effect_statmap.nii.gz"));
+}
+
+TEST_F(BidsCommand, DescribesTheDataSet) {
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  const json description = read(out() / "dataset_description.json");
+  EXPECT_EQ(description["DatasetType"], "derivative");
+  EXPECT_EQ(description["GeneratedBy"][0]["Name"], "Tavmap");
+  EXPECT_EQ(description["DatasetLinks"]["raw"], "file://" + (folder() / "raw").string());
+  EXPECT_TRUE(description.contains("BIDSVersion"));
+}
+
+TEST_F(BidsCommand, TakesParticipantsInEitherSpelling) {
+  for (const char* flag : {"--participant-label", "--participant_label"}) {
+    fs::remove_all(out());
+    const ProgramResult result = run({flag, "sub-02", "--labels", "A", "--notrack", "--mem-mb", "4000", "--nthreads", "2"});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(fs::exists(out() / "sub-02"));
+    EXPECT_FALSE(fs::exists(out() / "sub-01"));
+  }
+}
+
+TEST_F(BidsCommand, AWrongLabelNeverEndsWithZero) {
+  const ProgramResult participant = run({"--participant-label", "03"});
+  EXPECT_EQ(participant.exitCode, 2);
+  EXPECT_NE(participant.err.find("no preprocessed run of participant '03'; did you mean '01'?"), std::string::npos);
+  EXPECT_EQ(run({"--task-id", "block"}).exitCode, 2);
+  EXPECT_EQ(run({"--run-id", "7"}).exitCode, 2);
+  EXPECT_NE(run({"--labels", "Z9"}).exitCode, 0);
+  EXPECT_EQ(run({"--space", "T1w"}).exitCode, 2);
+  EXPECT_FALSE(fs::exists(out() / "sub-01/func" / (kFirst + ".nii.gz")));
+}
+
+TEST_F(BidsCommand, RunNumbersIgnoreLeadingZeros) {
+  ASSERT_EQ(run({"--run-id", "02", "--labels", "A"}).exitCode, 0);
+  EXPECT_TRUE(fs::exists(out() / "sub-01"));
+  EXPECT_FALSE(fs::exists(out() / "sub-02"));
+}
+
+TEST_F(BidsCommand, DropsRegressesAndCensorsAndSaysSo) {
+  extra_ = "[preparation]\nregress = ['csf', 'white_matter']\ndrop_volumes = 'auto'\nfd_threshold = 0.5\nmin_segment = 5\n";
+  const ProgramResult result = run({"--labels", "A", "--participant-label", "01"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json run1 = read(out() / "sub-01/func" / (kFirst + ".json"))["Runs"][0];
+  EXPECT_EQ(run1["VolumesDropped"], 2);
+  EXPECT_EQ(run1["VolumesCensored"], 2);
+  EXPECT_EQ(run1["Intervals"], json::parse("[[3, 60], [64, 160]]"));  // volume 62 alone is too short
+  EXPECT_EQ(run1["VolumesUsed"], 155);
+  EXPECT_EQ(run1["EffectiveVolumes"], 153);
+  EXPECT_EQ(run1["ConfoundDegreesOfFreedom"], 2);
+  EXPECT_EQ(run1["ConfoundsRegressed"], json::parse(R"(["csf", "white_matter"])"));
+}
+
+TEST_F(BidsCommand, TrialTypesBecomeConditions) {
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02", "--trial-types", "face", "house", "--delay", "4"}).exitCode, 0);
+  const fs::path func = out() / "sub-02/func";
+  const json face = read(func / "sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-faceRef2Vox_stat-effect_statmap.json");
+  EXPECT_EQ(face["Runs"][0]["Intervals"], json::parse("[[13, 52], [113, 152]]"));
+  EXPECT_TRUE(fs::exists(func / "sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-houseInst_stat-effect_statmap.nii.gz"));
+  const ProgramResult wrong = run({"--labels", "A", "--trial-types", "hause"});
+  EXPECT_NE(wrong.exitCode, 0);
+  EXPECT_NE(wrong.err.find("no event of trial_type 'hause'; did you mean 'house'?") != std::string::npos ||
+                wrong.out.find("no event of trial_type 'hause'; did you mean 'house'?") != std::string::npos,
+            false);
+}
+
+TEST_F(BidsCommand, OneBadParticipantFailsAloneAndTheExitCodeIsOne) {
+  const fs::path bad = folder() / "raw/derivatives/fmriprep/sub-01/func/sub-01_task-blocks_run-2_space-MNI_desc-preproc_bold.nii.gz";
+  fs::resize_file(bad, fs::file_size(bad) / 2);
+  const ProgramResult result = run({"--labels", "A"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE((result.err + result.out).find("sub-01_task-blocks_space-MNI: import of run-2"), std::string::npos) << result.err;
+  EXPECT_FALSE(fs::exists(out() / "sub-01/func" / (kFirst + ".json")));
+  EXPECT_TRUE(fs::exists(
+      out() / "sub-02/func/sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholeInst_stat-effect_statmap.nii.gz"));
+}
+
+TEST_F(BidsCommand, InputIsOnlyRead) {
+  const auto before = filesBelow(folder() / "raw");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  EXPECT_EQ(filesBelow(folder() / "raw"), before);
+}
+
+TEST_F(BidsCommand, MissingConfoundsAndReferencesAreNamed) {
+  fs::remove(folder() / "raw/derivatives/fmriprep/sub-02/func/sub-02_task-blocks_run-1_desc-confounds_timeseries.tsv");
+  const ProgramResult result = run({"--confounds", "6motion", "--participant-label", "02"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("no *_desc-confounds_timeseries.tsv beside it, which regression and censoring need"), std::string::npos);
+  const ProgramResult none = tavmap({"bids", (folder() / "raw").string(), out().string(), "participant"}, folder());
+  EXPECT_EQ(none.exitCode, 2);
+  EXPECT_NE(none.err.find("no reference region: name a label image with --atlas, or [[reference]] in --config-file"),
+            std::string::npos);
+}
+
+TEST_F(BidsCommand, TheGroupLevelSaysThatItIsNotThere) {
+  const ProgramResult result = tavmap({"bids", (folder() / "raw").string(), out().string(), "group"}, folder());
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("the group level is not available in this version"), std::string::npos);
+}
+
+}  // namespace

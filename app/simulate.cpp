@@ -27,7 +27,8 @@ Examples:
   tavmap host TAVPlugin.so --anatomy sim/anatomy.nii.gz --vtc sim/run-1.vtc \
       --vois sim/dseg.nii.gz --script sim/answers.txt
   tavmap recover sim/maps/sim_Reference.tav sim/truth.json --labels sim/dseg.nii.gz
-      maps of the reference region, and whether they show what was planted
+      maps of the reference region over whole runs, and whether they show what was planted
+      (answers-protocol.txt takes the blocks of faces: fewer volumes, too few for some regions)
   tavmap simulate null --strength 0 --seed 7
       the same without any influence
   tavmap simulate study --bids --participants 2

@@ -14,6 +14,7 @@ using Series = std::vector<double>;
 
 constexpr std::array<const char*, 6> kMotionNames = {"trans_x", "trans_y", "trans_z", "rot_x", "rot_y", "rot_z"};
 constexpr std::array<double, 2> kSaturation = {1.35, 1.08};
+constexpr int kComponents = 6;
 constexpr double kHeadRadiusMm = 50;
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
@@ -99,8 +100,8 @@ std::vector<Confound> drawConfounds(int volumes, RandomStream& random) {
   addJerk(motion[2], random);
   std::vector<Confound> table = {{"framewise_displacement", framewiseDisplacement(motion)}};
   for (std::size_t axis = 0; axis < motion.size(); ++axis) appendExpansions(table, kMotionNames[axis], motion[axis]);
-  for (const char* name : {"a_comp_cor_00", "a_comp_cor_01", "a_comp_cor_02"})
-    table.push_back({name, drawComponent(volumes, random)});
+  for (int component = 0; component < kComponents; ++component)
+    table.push_back({"a_comp_cor_0" + std::to_string(component), drawComponent(volumes, random)});
   table.push_back({"cosine00", cosine(volumes)});
   for (int volume = 0; volume < kUnsteadyVolumes; ++volume)
     table.push_back({"non_steady_state_outlier0" + std::to_string(volume), indicator(volumes, volume)});

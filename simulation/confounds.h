@@ -16,7 +16,7 @@ struct Confound {
 };
 
 // Six realignment parameters (mm, radians) with derivatives and squares: 24 columns; frame-wise
-// displacement in mm (rotations on a sphere of 50 mm; Power et al. 2012, NeuroImage 59(3)); three
+// displacement in mm (rotations on a sphere of 50 mm; Power et al. 2012, NeuroImage 59(3)); six
 // component series, a cosine, and one indicator for each volume that is not steady. In every run
 // the head jerks once by more than 0.5 mm.
 [[nodiscard]] std::vector<Confound> drawConfounds(int volumes, RandomStream& random);

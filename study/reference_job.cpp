@@ -34,7 +34,8 @@ std::string thresholdLine(const MapResult& map, const ThresholdResult& result) {
   if (result.voxelsPassing == 0) {
     line << "no voxel survives\n";
   } else {
-    line << result.voxelsPassing << " voxels reach the threshold " << *result.threshold << "\n";
+    line << result.voxelsPassing << " voxels reach the threshold " << *result.threshold << ", "
+         << result.outsideReference << " of them outside the reference\n";
   }
   return line.str();
 }

@@ -36,10 +36,21 @@ formats::ImageHeader resultHeader(const RunPlan& run) {
   return header;
 }
 
-std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map, const std::vector<double>& qValues) {
+std::size_t passingOutside(const tav::MapOutcome& map, float threshold, const std::vector<std::uint8_t>& codes) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    const bool outside = codes[i] != static_cast<std::uint8_t>(StatusCode::kInsideReference);
+    if (outside && map.values[i] != 0 && std::abs(map.values[i]) >= threshold) ++count;
+  }
+  return count;
+}
+
+std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map, const std::vector<double>& qValues,
+                                          const std::vector<std::uint8_t>& codes) {
   std::vector<ThresholdResult> results;
   for (std::size_t i = 0; i < map.thresholds.size(); ++i) {
-    ThresholdResult result{qValues[i], std::nullopt, map.thresholds[i].nrPassing};
+    ThresholdResult result{qValues[i], std::nullopt, map.thresholds[i].nrPassing, 0};
+    if (result.voxelsPassing > 0) result.outsideReference = passingOutside(map, map.thresholds[i].threshold, codes);
     if (std::isfinite(map.thresholds[i].threshold)) result.threshold = withDigitsOf(map.thresholds[i].threshold);
     results.push_back(result);
   }
@@ -152,7 +163,7 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   MapResult result;
   result.type = map.type;
   result.file = names().map(label, map.type);
-  result.thresholds = thresholdsOf(map, plan_.request.settings.qValues);
+  result.thresholds = thresholdsOf(map, plan_.request.settings.qValues, codes_);
   const std::size_t peak = peakOf(map.values, codes_);
   result.peak = withDigitsOf(map.values[peak]);
   result.peakVoxel = grid.voxelAt(peak);

@@ -27,24 +27,41 @@ class MemberInflater {
   MemberInflater() { isal_inflate_init(&state_); }
   void restart() {
     isal_inflate_reset(&state_);
-    state_.crc_flag = ISAL_GZIP;  // reads the header and verifies the checksum
+    state_.crc_flag = ISAL_GZIP_NO_HDR_VER;  // verifies the checksum behind the data
+    isal_gzip_header_init(&header_);
+    inHeader_ = true;
   }
   InflateStep step(unsigned char* in, std::size_t inBytes, unsigned char* out, std::size_t outBytes) {
     state_.next_in = in;
     state_.avail_in = static_cast<std::uint32_t>(inBytes);
     state_.next_out = out;
     state_.avail_out = static_cast<std::uint32_t>(outBytes);
-    const int result = isal_inflate(&state_);
-    InflateStep step{inBytes - state_.avail_in, outBytes - state_.avail_out, InflateStatus::kMore};
-    // Positive results only say that input or output room ran out.
-    if (result < 0 || result == ISAL_NEED_DICT) step.status = InflateStatus::kDamaged;
-    if (state_.block_state == ISAL_BLOCK_FINISH && result == ISAL_DECOMP_OK) step.status = InflateStatus::kMemberEnd;
-    return step;
+    const InflateStatus status = inHeader_ ? readHeader() : inflateData();
+    return {inBytes - state_.avail_in, outBytes - state_.avail_out, status};
   }
   static constexpr const char* kName = "ISA-L";
 
  private:
+  // isal_inflate could read the header too, but forgets what it has seen of one that is spread
+  // over two pieces of input.
+  InflateStatus readHeader() {
+    const int result = isal_read_gzip_header(&state_, &header_);
+    if (result == ISAL_END_INPUT) return InflateStatus::kMore;
+    if (result != ISAL_DECOMP_OK) return InflateStatus::kDamaged;
+    inHeader_ = false;
+    return inflateData();
+  }
+  // Positive results only say that input or output room ran out.
+  InflateStatus inflateData() {
+    const int result = isal_inflate(&state_);
+    if (result < 0 || result == ISAL_NEED_DICT) return InflateStatus::kDamaged;
+    const bool ended = state_.block_state == ISAL_BLOCK_FINISH && result == ISAL_DECOMP_OK;
+    return ended ? InflateStatus::kMemberEnd : InflateStatus::kMore;
+  }
+
   inflate_state state_{};
+  isal_gzip_header header_{};
+  bool inHeader_ = false;
 };
 #else
 class MemberInflater {

@@ -114,8 +114,8 @@ double millisecondsPerUnit(int units) {
 template <typename Header>
 void readTime(const Header& raw, ImageHeader& header) {
   const double trMs = static_cast<double>(raw.pixdim[4]) * millisecondsPerUnit(raw.xyzt_units);
-  // Seven digits are what a float header holds: 2.2 s must not become 2200.0000477 ms.
-  if (header.series && std::isfinite(trMs) && trMs > 0) header.trMs = std::round(trMs * 1e4) / 1e4;
+  // Whole microseconds, about what a float header holds: 2.2 s must not become 2200.0000477 ms.
+  if (header.series && std::isfinite(trMs) && trMs > 0) header.trMs = std::round(trMs * 1e3) / 1e3;
 }
 
 template <typename Header>

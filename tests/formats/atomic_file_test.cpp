@@ -1,0 +1,169 @@
+#include "formats/atomic_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "formats/system_calls.h"
+#include "tests/fakes/vtc_file.h"
+#include "tests/formats/message_of.h"
+#include "tests/formats/scoped_system_calls.h"
+
+namespace {
+
+using fakes::readBytes;
+using fakes::TempFolder;
+using formats::AtomicFile;
+using formats_test::messageOf;
+using formats_test::ScopedSystemCalls;
+
+std::size_t filesIn(const TempFolder& folder) {
+  std::size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path())) ++count;
+  return count;
+}
+
+TEST(AtomicFile, AppearsWithCommit) {
+  const TempFolder folder;
+  AtomicFile file(folder.file("a.txt"));
+  file.write("one ");
+  file.write("two");
+  EXPECT_FALSE(std::filesystem::exists(folder.file("a.txt")));
+  file.commit();
+  EXPECT_EQ(readBytes(folder.file("a.txt")), "one two");
+  EXPECT_EQ(filesIn(folder), 1U);
+}
+
+TEST(AtomicFile, LeavesNothingWithoutCommit) {
+  const TempFolder folder;
+  { AtomicFile(folder.file("a.txt")).write("half"); }
+  EXPECT_EQ(filesIn(folder), 0U);
+}
+
+TEST(AtomicFile, ReplacesAnOlderFileOnlyWithCommit) {
+  const TempFolder folder;
+  fakes::writeBytes(folder.file("a.txt"), "old");
+  { AtomicFile(folder.file("a.txt")).write("half"); }
+  EXPECT_EQ(readBytes(folder.file("a.txt")), "old");
+  formats::writeTextFile(folder.file("a.txt"), "new");
+  EXPECT_EQ(readBytes(folder.file("a.txt")), "new");
+}
+
+TEST(AtomicFile, KeepsTheOrderOfSmallAndLargePieces) {
+  const TempFolder folder;
+  std::string expected;
+  AtomicFile file(folder.file("a.bin"), formats::Durability::kCached);
+  for (std::size_t i = 0; i < 40; ++i) {
+    const std::string piece(i % 3 == 0 ? 70000 : 1000 * i, static_cast<char>('a' + i % 26));
+    file.write(piece);
+    expected += piece;
+  }
+  file.commit();
+  EXPECT_EQ(readBytes(folder.file("a.bin")), expected);
+}
+
+TEST(AtomicFile, IsReadableAsTheUsersUmaskSays) {
+  const TempFolder folder;
+  const mode_t umaskBefore = ::umask(027);
+  formats::writeTextFile(folder.file("a.txt"), "x");
+  ::umask(umaskBefore);
+  struct stat status {};
+  ASSERT_EQ(::stat(folder.file("a.txt").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
+TEST(AtomicFile, ReportsAFullDisk) {
+  const TempFolder folder;
+  const ScopedSystemCalls calls;
+  formats::systemCalls().write = [](int, const void*, std::size_t) -> ssize_t {
+    errno = ENOSPC;
+    return -1;
+  };
+  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }),
+            "cannot write the file (No space left on device). Free some space or choose another folder.");
+  EXPECT_EQ(filesIn(folder), 0U);
+}
+
+TEST(AtomicFile, ReportsADiskThatFillsOnTheWayToTheMedium) {
+  const TempFolder folder;
+  const ScopedSystemCalls calls;
+  formats::systemCalls().fsync = [](int) {
+    errno = ENOSPC;
+    return -1;
+  };
+  EXPECT_NE(messageOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }), "");
+  EXPECT_EQ(filesIn(folder), 0U);
+}
+
+TEST(AtomicFile, RemovesItsTemporaryNameWhenTheLastStepFails) {
+  const TempFolder folder;
+  const ScopedSystemCalls calls;
+  formats::systemCalls().rename = [](const char*, const char*) {
+    errno = EACCES;
+    return -1;
+  };
+  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }),
+            "cannot rename the file (Permission denied). Choose a folder that you may write to.");
+  EXPECT_EQ(filesIn(folder), 0U);
+}
+
+TEST(AtomicFile, GoesOnAfterShortAndInterruptedWrites) {
+  const TempFolder folder;
+  const ScopedSystemCalls calls;
+  formats::systemCalls().write = [](int fd, const void* data, std::size_t bytes) -> ssize_t {
+    static int count = 0;
+    if (++count % 2 == 1) {
+      errno = EINTR;
+      return -1;
+    }
+    return ::write(fd, data, bytes < 3 ? bytes : 3);
+  };
+  formats::writeTextFile(folder.file("a.txt"), "some longer text");
+  EXPECT_EQ(readBytes(folder.file("a.txt")), "some longer text");
+}
+
+TEST(AtomicFile, SaysThatTheFolderIsMissing) {
+  const TempFolder folder;
+  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.file("no/a.txt"), "x"); }),
+            "cannot create the file (No such file or directory). Create the folder first.");
+}
+
+TEST(AtomicFile, RefusesTheNameOfAFolder) {
+  const TempFolder folder;
+  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.path(), "x"); }),
+            "cannot write the file, there is a folder of that name. Choose another name.");
+}
+
+TEST(ReadTextFile, GoesOnAfterShortAndInterruptedReads) {
+  const TempFolder folder;
+  fakes::writeBytes(folder.file("a.txt"), "some longer text");
+  const ScopedSystemCalls calls;
+  formats::systemCalls().read = [](int fd, void* data, std::size_t bytes) -> ssize_t {
+    static int count = 0;
+    if (++count % 2 == 1) {
+      errno = EINTR;
+      return -1;
+    }
+    return ::read(fd, data, bytes < 3 ? bytes : 3);
+  };
+  EXPECT_EQ(formats::readTextFile(folder.file("a.txt")), "some longer text");
+}
+
+TEST(ReadTextFile, RefusesMoreThanItsLimit) {
+  const TempFolder folder;
+  fakes::writeBytes(folder.file("a.txt"), "12345");
+  EXPECT_EQ(formats::readTextFile(folder.file("a.txt"), 5), "12345");
+  EXPECT_EQ(messageOf([&] { (void)formats::readTextFile(folder.file("a.txt"), 4); }),
+            "the file is too large for a text of its kind. Check that it is the right file.");
+}
+
+TEST(FileError, ReadsAsPathReasonRemedy) {
+  const formats::FileError error("a/b.nii", "it is odd", "Mend it");
+  EXPECT_STREQ(error.what(), "a/b.nii: it is odd. Mend it.");
+  EXPECT_EQ(error.fault(), formats::Fault::kInput);
+}
+
+}  // namespace

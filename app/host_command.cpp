@@ -65,11 +65,16 @@ void addHostCommand(CLI::App& program) {
   command->add_option("--anatomy", session.anatomyPath, "Current anatomy, a NIfTI image");
   command->add_option("--vtc", session.vtcPath, "VTC linked to it (made by tavmap convert)");
   command->add_option("--vois", session.voisPath, "VOI list: a label image, or JSON");
-  command->add_option("--voi-table", session.voiTablePath, "Names of the labels (default: the .tsv beside the image)");
-  command->add_option("--protocol", session.protocolPath, "Protocol: a BIDS events table, or a table of volumes");
-  command->add_option("--plugins-folder", session.pluginsFolder, "Where TAVPlugin.ini is (default: the plug-in's folder)");
-  command->add_option("--host-version", arguments->version, "Version that the host reports")->default_val("2.1.0");
-  CLI::Option* seed = command->add_option("--seed", arguments->seed, "Repeatable run: stands for the wall-clock second");
+  command->add_option("--voi-table", session.voiTablePath,
+                      "Names of the labels (default: the .tsv beside the image)");
+  command->add_option("--protocol", session.protocolPath,
+                      "Protocol: a BIDS events table, or a table of volumes");
+  command->add_option("--plugins-folder", session.pluginsFolder,
+                      "Where TAVPlugin.ini is (default: the plug-in's folder)");
+  command->add_option("--host-version", arguments->version, "Version that the host reports")
+      ->default_val("2.1.0");
+  CLI::Option* seed =
+      command->add_option("--seed", arguments->seed, "Repeatable run: stands for the wall-clock second");
   seed->check(CLI::NonNegativeNumber);
   command->add_option("--script", arguments->script, "Take the answers from this file");
   command->add_option("--log-file", session.logPath, "Write the log pane into this file as well");

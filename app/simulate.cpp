@@ -6,6 +6,7 @@
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
+#include "simulation/bids_tree.h"
 #include "simulation/data_set.h"
 
 namespace app {
@@ -15,6 +16,8 @@ struct Arguments {
   std::string folder;
   std::vector<int> grid{24, 28, 20};
   simulation::DataSetOptions options;
+  bool bids = false;
+  int participants = 2;
 };
 
 constexpr const char* kExamples = R"(
@@ -24,9 +27,12 @@ Examples:
   tavmap host TAVPlugin.so --anatomy sim/anatomy.nii.gz --vtc sim/run-1.vtc \
       --vois sim/dseg.nii.gz --script sim/answers.txt
   tavmap recover sim/maps/sim_Reference.tav sim/truth.json --labels sim/dseg.nii.gz
-      maps of the reference region, and whether they show what was planted
+      maps of the reference region over whole runs, and whether they show what was planted
+      (answers-protocol.txt takes the blocks of faces: fewer volumes, too few for some regions)
   tavmap simulate null --strength 0 --seed 7
       the same without any influence
+  tavmap simulate study --bids --participants 2
+      a BIDS data set with derivatives in the manner of fMRIPrep
 
 The same options give the same files, on every machine.)";
 
@@ -35,8 +41,12 @@ void simulate(Arguments& arguments) {
   grid = {arguments.grid[0], arguments.grid[1], arguments.grid[2]};
   const std::string problem = simulation::problemWith(arguments.options);
   if (!problem.empty()) throw UsageError("cannot simulate this: " + problem);
-  simulation::writeDataSet(arguments.folder, arguments.options);
-  std::cerr << "Wrote " << arguments.options.runs << " simulated runs to " << arguments.folder << '\n';
+  if (arguments.bids)
+    simulation::writeBidsTree(arguments.folder, arguments.options, arguments.participants);
+  else
+    simulation::writeDataSet(arguments.folder, arguments.options);
+  const int people = arguments.bids ? arguments.participants : 1;
+  std::cerr << "Wrote " << people * arguments.options.runs << " simulated runs to " << arguments.folder << '\n';
 }
 
 }  // namespace
@@ -56,6 +66,11 @@ void addSimulateCommand(CLI::App& program) {
   command->add_option("--voxel", options.head.voxelMm, "Edge of a voxel in mm")->capture_default_str();
   command->add_option("--tr", options.trMs, "Repetition time in ms")->capture_default_str();
   command->add_option("--strength", options.strength, "Scales all influences; 0 plants none")->capture_default_str();
+  CLI::Option* bids = command->add_flag("--bids", arguments->bids, "A BIDS tree with preprocessed derivatives instead");
+  command->add_option("--participants", arguments->participants, "Participants of the BIDS tree")
+      ->needs(bids)
+      ->check(CLI::Range(1, simulation::kMostParticipants))
+      ->capture_default_str();
   command->footer(kExamples);
   command->callback([arguments] { simulate(*arguments); });
 }

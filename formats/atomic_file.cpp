@@ -137,8 +137,8 @@ void AtomicFile::fail(const char* doing) {
                   remedyFor(error), Fault::kSystem);
 }
 
-void writeTextFile(const std::string& path, std::string_view text) {
-  AtomicFile file(path);
+void writeTextFile(const std::string& path, std::string_view text, Durability durability) {
+  AtomicFile file(path, durability);
   file.write(text);
   file.commit();
 }

@@ -48,7 +48,7 @@ class AtomicFile {
 };
 
 // Writes a whole text file in one go.
-void writeTextFile(const std::string& path, std::string_view text);
+void writeTextFile(const std::string& path, std::string_view text, Durability durability = Durability::kSynced);
 
 // A whole text file, at most `limitBytes` of it: a longer one is a FileError.
 [[nodiscard]] std::string readTextFile(const std::string& path, std::size_t limitBytes = std::size_t{64} << 20U);

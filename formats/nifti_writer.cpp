@@ -50,9 +50,9 @@ bool store(const In* values, std::size_t count, Stored* out) {
 
 }  // namespace
 
-NiftiWriter::NiftiWriter(const std::string& path, ImageHeader header)
+NiftiWriter::NiftiWriter(const std::string& path, ImageHeader header, Durability durability)
     : header_(checked(std::move(header), path)),
-      file_(path),
+      file_(path, durability),
       valuesLeft_(header_.size.voxels() * static_cast<std::size_t>(header_.volumes)) {
   if (endsIn(path, ".gz")) gzip_ = std::make_unique<GzipWriter>(file_);
   const std::string bytes = encodeNifti1Header(header_);

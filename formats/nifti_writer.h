@@ -19,7 +19,7 @@ class NiftiWriter {
  public:
   // The type of `header` is the stored one: uint8, int16, uint16, int32 or float32. Slope and
   // intercept are written as 1 and 0: values are stored as given.
-  NiftiWriter(const std::string& path, ImageHeader header);
+  NiftiWriter(const std::string& path, ImageHeader header, Durability durability = Durability::kSynced);
 
   // Whole-number types: rounded half to even; NaN or a value out of range is refused.
   void writeValues(const float* values, std::size_t count);

@@ -31,7 +31,9 @@ std::string trimmed(std::string_view text) {
   return std::string(text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1));
 }
 
-std::optional<int> parseInteger(std::string_view text) { return parsed<int>(text); }
+std::optional<int> parseInteger(std::string_view text) {
+  return parsed<int>(text);
+}
 
 std::optional<float> parseNumber(std::string_view text) {
   const std::optional<float> value = parsed<float>(text);

@@ -34,7 +34,9 @@ void requireLimits(Operation& op, Number initial, Number min, Number max) {
 }
 
 // A cancelled number dialog returns a value below the smallest allowed one.
-int below(int min) { return min > std::numeric_limits<int>::min() ? min - 1 : min; }
+int below(int min) {
+  return min > std::numeric_limits<int>::min() ? min - 1 : min;
+}
 float below(float min) {
   return std::min(min - 1.0F, std::nextafter(min, -std::numeric_limits<float>::infinity()));
 }
@@ -68,8 +70,9 @@ float zqGetFloatInput(const char* prompt, float initial, float min, float max) {
 int zqGetTextInput(const char* prompt, const char* initial, char* out) {
   return perform("zqGetTextInput", 0, [&](Operation& op) {
     char* buffer = &op.record(out, "text buffer");
-    return copyOut(op.frontEnd().askText({op.text(prompt, "prompt"), op.text(initial, "initial text"), kMaxTextBytes}),
-                   buffer);
+    return copyOut(
+        op.frontEnd().askText({op.text(prompt, "prompt"), op.text(initial, "initial text"), kMaxTextBytes}),
+        buffer);
   });
 }
 
@@ -87,7 +90,9 @@ int zqGetSaveFileName(const char* title, const char* folder, const char* filter,
   });
 }
 
-void zqUpdateActiveWindow() { perform("zqUpdateActiveWindow", [](Operation&) {}); }
+void zqUpdateActiveWindow() {
+  perform("zqUpdateActiveWindow", [](Operation&) {});
+}
 
 void zqShowBusyCursor() {
   perform("zqShowBusyCursor", [](Operation& op) { op.frontEnd().setBusy(true); });

@@ -14,12 +14,15 @@ constexpr int kAnatomyId = 0;
 constexpr int kAnatomyType = 1;
 constexpr int kNoDocument = -1;
 
-std::size_t nrOfDocuments(Operation& op) { return op.workspace().anatomy() ? 1 : 0; }
+std::size_t nrOfDocuments(Operation& op) {
+  return op.workspace().anatomy() ? 1 : 0;
+}
 
 }  // namespace
 
 int zqGetNumberOfDocsInWorkspace() {
-  return perform("zqGetNumberOfDocsInWorkspace", 0, [&](Operation& op) { return static_cast<int>(nrOfDocuments(op)); });
+  return perform("zqGetNumberOfDocsInWorkspace", 0,
+                 [&](Operation& op) { return static_cast<int>(nrOfDocuments(op)); });
 }
 
 int zqGetDocumentType(int index) {

@@ -41,8 +41,12 @@ int zqGetPluginsPath(char* path) {
 }
 
 // Every front end shows its log all the time.
-void zqShowLogPane() { perform("zqShowLogPane", [](Operation&) {}); }
-void zqShowLogTab() { perform("zqShowLogTab", [](Operation&) {}); }
+void zqShowLogPane() {
+  perform("zqShowLogPane", [](Operation&) {});
+}
+void zqShowLogTab() {
+  perform("zqShowLogTab", [](Operation&) {});
+}
 
 void zqLogText(const char* text) {
   perform("zqLogText", [&](Operation& op) { op.log(op.text(text, "text")); });

@@ -22,7 +22,8 @@ Protocol& currentProtocol(Operation& op) {
 
 ProtocolCondition& conditionAt(Operation& op, int index) {
   Protocol& protocol = currentProtocol(op);
-  ProtocolCondition& condition = protocol.conditions[op.index(index, protocol.conditions.size(), "condition")];
+  ProtocolCondition& condition =
+      protocol.conditions[op.index(index, protocol.conditions.size(), "condition")];
   op.require(condition.starts.intact() && condition.ends.intact(),
              "intervals were written outside condition " + std::to_string(index));
   return condition;
@@ -43,7 +44,8 @@ LentArray<std::int32_t> extended(const LentArray<std::int32_t>& values, std::int
 }
 
 void requireInterval(Operation& op, std::int32_t start, std::int32_t end) {
-  op.require(start <= end, "the interval (" + std::to_string(start) + ", " + std::to_string(end) + ") is inverted");
+  op.require(start <= end,
+             "the interval (" + std::to_string(start) + ", " + std::to_string(end) + ") is inverted");
 }
 
 ProtocolCondition conditionFrom(Operation& op, const ProtocolCondition_Header& header) {

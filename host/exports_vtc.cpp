@@ -15,7 +15,9 @@ using host::perform;
 
 constexpr std::int32_t kNoVtc = -1;
 
-void requireAnatomy(Operation& op) { op.require(op.workspace().anatomy().has_value(), "no anatomy is open"); }
+void requireAnatomy(Operation& op) {
+  op.require(op.workspace().anatomy().has_value(), "no anatomy is open");
+}
 
 LinkedVtc& currentVtc(Operation& op) {
   op.require(op.workspace().vtc().has_value(), "no VTC is linked");
@@ -89,7 +91,9 @@ int copyTimeCourses(Operation& op, int firstVtc, int lastVtc, float* out, CellIn
   return static_cast<int>(values.size());
 }
 
-int lastVtc(Operation& op) { return static_cast<int>(op.workspace().furtherVtcs().size()); }
+int lastVtc(Operation& op) {
+  return static_cast<int>(op.workspace().furtherVtcs().size());
+}
 
 }  // namespace
 
@@ -140,7 +144,8 @@ int zqGetVoxelTimeCourseOfVTC(int vtc, int cell, float* out) {
 
 int zqGetVoxelTimeCourseOfVTCs(int cell, float* out) {
   return perform("zqGetVoxelTimeCourseOfVTCs", 0, [&](Operation& op) {
-    return copyTimeCourses(op, 0, lastVtc(op), out, [&](const LinkedVtc& v) { return checkedCell(op, v, cell); });
+    return copyTimeCourses(op, 0, lastVtc(op), out,
+                           [&](const LinkedVtc& v) { return checkedCell(op, v, cell); });
   });
 }
 
@@ -152,6 +157,7 @@ int zqGetVoxelCoordsTimeCourseOfVTC(int vtc, int x, int y, int z, float* out) {
 
 int zqGetVoxelCoordsTimeCourseOfVTCs(int x, int y, int z, float* out) {
   return perform("zqGetVoxelCoordsTimeCourseOfVTCs", 0, [&](Operation& op) {
-    return copyTimeCourses(op, 0, lastVtc(op), out, [&](const LinkedVtc& v) { return cellOf(op, v, x, y, z); });
+    return copyTimeCourses(op, 0, lastVtc(op), out,
+                           [&](const LinkedVtc& v) { return cellOf(op, v, x, y, z); });
   });
 }

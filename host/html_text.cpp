@@ -15,9 +15,9 @@ struct Tag {
   std::size_t length = 0;
 };
 
-constexpr std::array<std::string_view, 19> kTags = {"b",  "i",  "u",    "em",   "strong", "font", "span",
-                                                    "p",  "br", "div",  "ul",   "ol",     "li",   "a",
-                                                    "h1", "h2", "h3",   "center", "tt"};
+constexpr std::array<std::string_view, 19> kTags = {"b",  "i",  "u",   "em",     "strong", "font", "span",
+                                                    "p",  "br", "div", "ul",     "ol",     "li",   "a",
+                                                    "h1", "h2", "h3",  "center", "tt"};
 
 bool known(std::string_view name) {
   for (std::string_view tag : kTags)
@@ -42,7 +42,8 @@ std::optional<Tag> tagAt(std::string_view text) {
   Tag tag;
   tag.length = end + 1;
   tag.closing = text[1] == '/';
-  for (std::size_t i = tag.closing ? 2 : 1; i < end && std::isalnum(static_cast<unsigned char>(text[i])) != 0; ++i)
+  for (std::size_t i = tag.closing ? 2 : 1; i < end && std::isalnum(static_cast<unsigned char>(text[i])) != 0;
+       ++i)
     tag.name += static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));
   if (!known(tag.name)) return std::nullopt;
   if (tag.name == "a") tag.target = linkTarget(text.substr(0, end));

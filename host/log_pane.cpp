@@ -33,7 +33,8 @@ bool reportsFailure(std::string_view line) {
 void LogPane::writeTo(const std::string& path) {
   file_.open(path, std::ios::binary | std::ios::trunc);
   if (!file_)
-    throw RunEnded{kExitBadInput, "Cannot write the log file " + path + ": check that its folder exists and is writable."};
+    throw RunEnded{kExitBadInput,
+                   "Cannot write the log file " + path + ": check that its folder exists and is writable."};
 }
 
 void LogPane::append(std::string_view html) {

@@ -56,15 +56,19 @@ Place placeOf(const Box& box, const Workspace& workspace) {
   }
   if (workspace.anatomy() && isGridOf(box, workspace.anatomy()->header.size))
     return {workspace.anatomy()->header.affine, spaceCodeOf(workspace.anatomy()->header)};
-  return {formats::talairachAffine(box.start[0], box.start[1], box.start[2], box.resolution), kTalairachSpace};
+  return {formats::talairachAffine(box.start[0], box.start[1], box.start[2], box.resolution),
+          kTalairachSpace};
 }
 
 std::unique_ptr<MapSet> readMaps(const std::string& path) {
   const formats::MapSet stored = formats::loadMapSet(path);
-  const Box box{{stored.xStart, stored.yStart, stored.zStart}, {stored.xEnd, stored.yEnd, stored.zEnd}, stored.resolution};
+  const Box box{{stored.xStart, stored.yStart, stored.zStart},
+                {stored.xEnd, stored.yEnd, stored.zEnd},
+                stored.resolution};
   auto maps = std::make_unique<MapSet>(box, static_cast<int>(stored.maps.size()),
                                        static_cast<int>(stored.thresholdNames.size()));
-  for (std::size_t i = 0; i < stored.thresholdNames.size(); ++i) maps->setThresholdName(i, stored.thresholdNames[i]);
+  for (std::size_t i = 0; i < stored.thresholdNames.size(); ++i)
+    maps->setThresholdName(i, stored.thresholdNames[i]);
   for (std::size_t i = 0; i < stored.maps.size(); ++i) fillMap(stored.maps[i], maps->maps()[i]);
   return maps;
 }
@@ -78,7 +82,8 @@ void writeMaps(const std::string& path, const MapSet& maps, const Place& place) 
   stored.resolution = box.resolution;
   stored.affine = place.affine;
   stored.spaceCode = place.spaceCode;
-  for (std::size_t i = 0; i < maps.nrOfThresholds(); ++i) stored.thresholdNames.push_back(maps.thresholdName(i));
+  for (std::size_t i = 0; i < maps.nrOfThresholds(); ++i)
+    stored.thresholdNames.push_back(maps.thresholdName(i));
   for (const MapSet::Map& map : maps.maps()) stored.maps.push_back(storedMap(map));
   formats::saveMapSet(path, stored);
 }

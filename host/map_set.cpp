@@ -7,7 +7,8 @@
 namespace host {
 
 std::size_t Box::nrOfCells() const {
-  return static_cast<std::size_t>(cells(0)) * static_cast<std::size_t>(cells(1)) * static_cast<std::size_t>(cells(2));
+  return static_cast<std::size_t>(cells(0)) * static_cast<std::size_t>(cells(1)) *
+         static_cast<std::size_t>(cells(2));
 }
 
 std::string Box::problem() const {
@@ -22,11 +23,15 @@ std::string Box::problem() const {
 }
 
 Box boxOf(const NR_VMPs_Header& header) {
-  return {{header.xStart, header.yStart, header.zStart}, {header.xEnd, header.yEnd, header.zEnd}, header.resolution};
+  return {{header.xStart, header.yStart, header.zStart},
+          {header.xEnd, header.yEnd, header.zEnd},
+          header.resolution};
 }
 
 Box boxOf(const VTC_Header& header) {
-  return {{header.xStart, header.yStart, header.zStart}, {header.xEnd, header.yEnd, header.zEnd}, header.resolution};
+  return {{header.xStart, header.yStart, header.zStart},
+          {header.xEnd, header.yEnd, header.zEnd},
+          header.resolution};
 }
 
 MapSet::MapSet(const Box& box, int nrOfMaps, int nrOfThresholds) : box_(box) {
@@ -69,7 +74,8 @@ std::string MapSet::damage() const {
   }
   for (std::size_t i = 0; i < maps_.size(); ++i) {
     if (!maps_[i].values.intact()) return "values were written outside map " + std::to_string(i);
-    if (!maps_[i].thresholds.intact()) return "thresholds were written outside the table of map " + std::to_string(i);
+    if (!maps_[i].thresholds.intact())
+      return "thresholds were written outside the table of map " + std::to_string(i);
   }
   return {};
 }

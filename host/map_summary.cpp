@@ -54,13 +54,15 @@ std::string voiAt(const VoiList* list, const Box& box, const std::array<int, 3>&
 }
 
 MapSummary summaryOf(const MapSet::Map& map, const Box& box, const Place& place, const VoiList* vois) {
-  MapSummary summary{map.header.name, {map.thresholds.begin(), map.thresholds.end()}, {},
+  MapSummary summary{map.header.name,           {map.thresholds.begin(), map.thresholds.end()},    {},
                      map.header.lowerThreshold, countAbove(map.values, map.header.lowerThreshold), {}};
   for (float threshold : summary.thresholds) summary.above.push_back(countAbove(map.values, threshold));
   if (const std::optional<std::size_t> peak = peakOf(map.values)) {
     const std::array<int, 3> cell = cellAt(box, *peak);
-    const formats::Point point{static_cast<double>(cell[0]), static_cast<double>(cell[1]), static_cast<double>(cell[2])};
-    summary.peak = {map.values.data()[*peak], cell, formats::apply(place.affine, point), voiAt(vois, box, cell)};
+    const formats::Point point{static_cast<double>(cell[0]), static_cast<double>(cell[1]),
+                               static_cast<double>(cell[2])};
+    summary.peak = {map.values.data()[*peak], cell, formats::apply(place.affine, point),
+                    voiAt(vois, box, cell)};
   }
   return summary;
 }
@@ -79,8 +81,8 @@ std::string shortText(float value) {
 std::string peakText(const MapPeak& peak) {
   char text[160];
   std::snprintf(text, sizeof text, "%.4g at cell (%d, %d, %d), (%.1f, %.1f, %.1f) mm",
-                static_cast<double>(peak.value), peak.cell[0], peak.cell[1], peak.cell[2], peak.millimetres[0],
-                peak.millimetres[1], peak.millimetres[2]);
+                static_cast<double>(peak.value), peak.cell[0], peak.cell[1], peak.cell[2],
+                peak.millimetres[0], peak.millimetres[1], peak.millimetres[2]);
   return peak.voi.empty() ? text : text + (" in " + peak.voi);
 }
 

@@ -15,19 +15,19 @@
 namespace host {
 
 struct MapPeak {
-  float value;               // of the largest magnitude
-  std::array<int, 3> cell;   // x, y, z from 0
+  float value;              // of the largest magnitude
+  std::array<int, 3> cell;  // x, y, z from 0
   formats::Point millimetres;
-  std::string voi;           // the first VOI of the list that the cell belongs to; or empty
+  std::string voi;  // the first VOI of the list that the cell belongs to; or empty
 };
 
 struct MapSummary {
   std::string name;
-  std::vector<float> thresholds;      // as the map stores them
-  std::vector<std::size_t> above;     // voxels of a magnitude above each threshold
+  std::vector<float> thresholds;   // as the map stores them
+  std::vector<std::size_t> above;  // voxels of a magnitude above each threshold
   float lowerThreshold;
   std::size_t aboveLowerThreshold;
-  std::optional<MapPeak> peak;        // none when every value is 0 or not finite
+  std::optional<MapPeak> peak;  // none when every value is 0 or not finite
 };
 
 std::vector<MapSummary> summaryOf(const MapSet& maps, const Workspace& workspace);

@@ -11,13 +11,18 @@ void Operation::misuse(const std::string& why) {
   throw RunEnded{kExitFailed, "The plug-in misused the host and was stopped: " + message};
 }
 
-void Operation::logError(const std::string& why) { log("ERROR: " + why); }
+void Operation::logError(const std::string& why) {
+  log("ERROR: " + why);
+}
 
-std::string Operation::text(const char* value, const char* what) { return &record(value, what); }
+std::string Operation::text(const char* value, const char* what) {
+  return &record(value, what);
+}
 
 std::size_t Operation::index(int value, std::size_t count, const char* what) {
   require(value >= 0 && static_cast<std::size_t>(value) < count,
-          std::string(what) + " " + std::to_string(value) + " does not exist, there are " + std::to_string(count));
+          std::string(what) + " " + std::to_string(value) + " does not exist, there are " +
+              std::to_string(count));
   return static_cast<std::size_t>(value);
 }
 
@@ -28,7 +33,8 @@ float Operation::number(float value, const char* what) {
 
 std::string Operation::field(const char* bytes, std::size_t size, const char* what) {
   const std::size_t length = strnlen(bytes, size);
-  require(length < size, std::string("the ") + what + " does not end within its " + std::to_string(size) + " bytes");
+  require(length < size,
+          std::string("the ") + what + " does not end within its " + std::to_string(size) + " bytes");
   return std::string(bytes, length);
 }
 

@@ -14,9 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<const char*, 7> kExports = {
-    "getPluginName", "getPluginDescription",                    "getAuthor",    "getHelpFile",
-    "getGUIScript",  "getRegistrationOfGenericComponentLoader", "createPlugin"};
+constexpr std::array<const char*, 7> kExports = {"getPluginName", "getPluginDescription",
+                                                 "getAuthor",     "getHelpFile",
+                                                 "getGUIScript",  "getRegistrationOfGenericComponentLoader",
+                                                 "createPlugin"};
 
 [[noreturn]] void refuse(const std::string& path, const std::string& why, const std::string& remedy) {
   throw RunEnded{kExitBadInput, "Cannot load the plug-in " + path + ": " + why + ". " + remedy};
@@ -25,7 +26,8 @@ constexpr std::array<const char*, 7> kExports = {
 void requireLibraryFile(const std::string& path) {
   std::error_code ignored;
   if (!fs::exists(path, ignored)) refuse(path, "there is no such file", "Check the path.");
-  if (!fs::is_regular_file(path, ignored)) refuse(path, "it is not a file", "Give the path of the .so itself.");
+  if (!fs::is_regular_file(path, ignored))
+    refuse(path, "it is not a file", "Give the path of the .so itself.");
   std::ifstream file(path, std::ios::binary);
   if (!file) refuse(path, "it cannot be read", "Check its permissions.");
   std::array<char, 4> magic{};
@@ -54,16 +56,21 @@ PluginLibrary::PluginLibrary(const std::string& path)
   }
 }
 
-PluginLibrary::~PluginLibrary() { dlclose(handle_); }
+PluginLibrary::~PluginLibrary() {
+  dlclose(handle_);
+}
 
-void* PluginLibrary::symbol(const char* name) const { return dlsym(handle_, name); }
+void* PluginLibrary::symbol(const char* name) const {
+  return dlsym(handle_, name);
+}
 
 void PluginLibrary::requireExports() const {
   std::string missing;
   for (const char* name : kExports)
     if (symbol(name) == nullptr) missing += (missing.empty() ? "" : ", ") + std::string(name);
   if (!missing.empty())
-    refuse(path_, "it does not export " + missing, "It is no plug-in of this kind, or was built without its exports.");
+    refuse(path_, "it does not export " + missing,
+           "It is no plug-in of this kind, or was built without its exports.");
 }
 
 std::string PluginLibrary::text(const char* name) const {
@@ -75,7 +82,8 @@ std::unique_ptr<CNZQPluginInterface> PluginLibrary::create() const {
   auto* create = reinterpret_cast<CNZQPluginInterface* (*)()>(symbol("createPlugin"));
   std::unique_ptr<CNZQPluginInterface> plugin(create());
   if (plugin == nullptr)
-    refuse(path_, "createPlugin returned a null pointer", "The plug-in could not be started; ask its makers.");
+    refuse(path_, "createPlugin returned a null pointer",
+           "The plug-in could not be started; ask its makers.");
   return plugin;
 }
 

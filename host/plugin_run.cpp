@@ -14,7 +14,8 @@ namespace {
 // the person still learns why.
 [[noreturn]] void endWithMessage() {
   const bool known = Run::isActive() && Run::active().ended().has_value();
-  std::cerr << "tavmap: " << (known ? Run::active().ended()->message : "the plug-in ended the program") << std::endl;
+  std::cerr << "tavmap: " << (known ? Run::active().ended()->message : "the plug-in ended the program")
+            << std::endl;
   std::_Exit(known ? Run::active().ended()->exitCode : kExitFailed);
 }
 
@@ -30,8 +31,9 @@ class TerminateHandler {
 };
 
 [[noreturn]] void endByException(const char* function, const std::string& what) {
-  throw RunEnded{kExitFailed, std::string("The plug-in ended ") + function + " with an exception (" + what +
-                                  "). Results that it had not saved are lost; report it to the plug-in's makers."};
+  throw RunEnded{kExitFailed,
+                 std::string("The plug-in ended ") + function + " with an exception (" + what +
+                     "). Results that it had not saved are lost; report it to the plug-in's makers."};
 }
 
 template <typename Call>
@@ -50,7 +52,8 @@ auto guarded(const char* function, Call call) {
 // Destroys the plug-in with the host no longer throwing, since destructors must not.
 class PluginObject {
  public:
-  PluginObject(std::unique_ptr<CNZQPluginInterface> plugin, Run& run) : plugin_(std::move(plugin)), run_(run) {}
+  PluginObject(std::unique_ptr<CNZQPluginInterface> plugin, Run& run)
+      : plugin_(std::move(plugin)), run_(run) {}
   ~PluginObject() {
     run_.stopThrowing();
     plugin_.reset();
@@ -74,7 +77,8 @@ RunOutcome outcomeOf(bool succeeded, const Run& run, const LogPane& logPane) {
 }  // namespace
 
 RunOutcome runPlugin(const std::string& path, Workspace& workspace, FrontEnd& frontEnd, LogPane& logPane,
-                     const HostIdentity& identity, const std::function<void(const PluginLibrary&)>& introduce) {
+                     const HostIdentity& identity,
+                     const std::function<void(const PluginLibrary&)>& introduce) {
   (void)exportedOperations();  // links them in
   Run run(workspace, frontEnd, logPane, identity);
   const TerminateHandler terminateHandler;

@@ -19,7 +19,8 @@ struct RunOutcome {
 // run from inside a dialog, comes back as an outcome, with the plug-in object destroyed and the
 // library closed. `introduce` is called with the loaded library before the plug-in is created.
 RunOutcome runPlugin(const std::string& path, Workspace& workspace, FrontEnd& frontEnd, LogPane& logPane,
-                     const HostIdentity& identity, const std::function<void(const PluginLibrary&)>& introduce);
+                     const HostIdentity& identity,
+                     const std::function<void(const PluginLibrary&)>& introduce);
 
 }  // namespace host
 

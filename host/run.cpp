@@ -15,9 +15,13 @@ Run::Run(Workspace& workspace, FrontEnd& frontEnd, LogPane& logPane, const HostI
   activeRun = this;
 }
 
-Run::~Run() { activeRun = nullptr; }
+Run::~Run() {
+  activeRun = nullptr;
+}
 
-bool Run::isActive() { return activeRun != nullptr; }
+bool Run::isActive() {
+  return activeRun != nullptr;
+}
 
 Run& Run::active() {
   if (activeRun == nullptr) throw std::logic_error("no plug-in run is active");

@@ -45,12 +45,15 @@ const Tag& knownTag(std::string_view name, const std::string& path, int line) {
   refuse(path, line, "unknown answer \"" + std::string(name) + "\"; the answers are " + names);
 }
 
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r';
+}
 
 // A '#' starts a comment when it stands alone, so that "run #2" is a text.
 std::string_view withoutComment(std::string_view line) {
   for (std::size_t at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1)) {
-    const bool standsAlone = (at == 0 || isBlank(line[at - 1])) && (at + 1 == line.size() || isBlank(line[at + 1]));
+    const bool standsAlone =
+        (at == 0 || isBlank(line[at - 1])) && (at + 1 == line.size() || isBlank(line[at + 1]));
     if (standsAlone || trimmed(line.substr(0, at)).empty()) return line.substr(0, at);
   }
   return line;

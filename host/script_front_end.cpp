@@ -17,13 +17,17 @@ std::string shown(const Answer& answer) {
   return answer.value.empty() ? text : text + " " + answer.value;
 }
 
-std::string atLine(const Script& script, int line) { return script.path + ":" + std::to_string(line) + ": "; }
+std::string atLine(const Script& script, int line) {
+  return script.path + ":" + std::to_string(line) + ": ";
+}
 
 }  // namespace
 
 ScriptFrontEnd::ScriptFrontEnd(Script script, std::ostream& out) : script_(std::move(script)), out_(out) {}
 
-void ScriptFrontEnd::log(std::string_view html) { out_ << logText(html) << '\n' << std::flush; }
+void ScriptFrontEnd::log(std::string_view html) {
+  out_ << logText(html) << '\n' << std::flush;
+}
 
 void ScriptFrontEnd::refuse(const Answer& answer, const Dialog& dialog, const std::string& why) const {
   throw RunEnded{kExitBadInput, atLine(script_, answer.line) + "\"" + shown(answer) +

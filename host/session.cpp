@@ -62,12 +62,14 @@ void showSavedMaps(Workspace& workspace, std::ostream& out) {
   out << "Maps of the last one:\n" << summaryText(*workspace.maps(), workspace) << std::flush;
 }
 
-RunOutcome finished(const RunOutcome& run, FrontEnd& frontEnd, LogPane& logPane, const SessionOptions& options) {
+RunOutcome finished(const RunOutcome& run, FrontEnd& frontEnd, LogPane& logPane,
+                    const SessionOptions& options) {
   const std::string left = frontEnd.finish();
   const bool logWritten = logPane.close();
   if (run.exitCode != kExitDone) return run;
   if (!logWritten)
-    return {kExitFailed, "The log file " + options.logPath + " could not be written to its end; check the free space."};
+    return {kExitFailed,
+            "The log file " + options.logPath + " could not be written to its end; check the free space."};
   if (!left.empty()) return {kExitBadInput, left};
   return run;
 }
@@ -79,9 +81,10 @@ RunOutcome sessionOutcome(const SessionOptions& options, FrontEnd& frontEnd, std
   if (!options.logPath.empty()) logPane.writeTo(options.logPath);
   Workspace workspace;
   openWorkspace(options, workspace, logPane);
-  const RunOutcome run = runPlugin(options.pluginPath, workspace, frontEnd, logPane, identity, [&](const PluginLibrary& library) {
-    if (!options.quiet) introduce(library, out);
-  });
+  const RunOutcome run = runPlugin(options.pluginPath, workspace, frontEnd, logPane, identity,
+                                   [&](const PluginLibrary& library) {
+                                     if (!options.quiet) introduce(library, out);
+                                   });
   if (!options.quiet) showSavedMaps(workspace, out);
   return finished(run, frontEnd, logPane, options);
 }
@@ -91,7 +94,8 @@ RunOutcome sessionOutcome(const SessionOptions& options, FrontEnd& frontEnd, std
 std::optional<HostVersion> parseVersion(const std::string& text) {
   HostVersion version;
   int used = 0;
-  const int fields = std::sscanf(text.c_str(), "%5d.%5d.%5d%n", &version.major, &version.minor, &version.patch, &used);
+  const int fields =
+      std::sscanf(text.c_str(), "%5d.%5d.%5d%n", &version.major, &version.minor, &version.patch, &used);
   if (fields != 3 || static_cast<std::size_t>(used) != text.size()) return std::nullopt;
   return version;
 }
@@ -101,7 +105,8 @@ void openWorkspace(const SessionOptions& options, Workspace& workspace, LogPane&
   if (!options.anatomyPath.empty()) workspace.openAnatomy(options.anatomyPath);
   if (!options.vtcPath.empty()) workspace.linkVtc(options.vtcPath);
   if (!options.voisPath.empty())
-    for (const std::string& remark : workspace.loadVois(options.voisPath, options.voiTablePath)) logPane.append(remark);
+    for (const std::string& remark : workspace.loadVois(options.voisPath, options.voiTablePath))
+      logPane.append(remark);
   if (!options.protocolPath.empty()) workspace.loadProtocol(options.protocolPath);
 }
 

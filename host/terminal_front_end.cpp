@@ -16,12 +16,18 @@ namespace {
 constexpr std::size_t kColumns = 78;
 const std::string kRule(kColumns, '-');
 
-bool saysYes(const std::string& answer) { return answer == "y" || answer == "yes"; }
-bool saysNo(const std::string& answer) { return answer == "n" || answer == "no"; }
+bool saysYes(const std::string& answer) {
+  return answer == "y" || answer == "yes";
+}
+bool saysNo(const std::string& answer) {
+  return answer == "n" || answer == "no";
+}
 
 }  // namespace
 
-void TerminalFrontEnd::log(std::string_view html) { out_ << logText(html) << '\n' << std::flush; }
+void TerminalFrontEnd::log(std::string_view html) {
+  out_ << logText(html) << '\n' << std::flush;
+}
 
 void TerminalFrontEnd::show(const std::string& text) {
   out_ << '\n' << kRule << '\n' << wrapped(text, kColumns) << "\n\n";

@@ -18,7 +18,8 @@ class TerminalFrontEnd : public FrontEnd {
  public:
   // Both streams must outlive the front end. With `echo` every line read is written as well: for
   // input that comes from a pipe or file, so that what is shown reads as it would at a terminal.
-  TerminalFrontEnd(std::istream& in, std::ostream& out, bool echo = false) : in_(in), out_(out), echo_(echo) {}
+  TerminalFrontEnd(std::istream& in, std::ostream& out, bool echo = false)
+      : in_(in), out_(out), echo_(echo) {}
 
   void log(std::string_view html) override;
   void showMessage(const std::string& html) override;

@@ -21,7 +21,8 @@ std::string absolutePath(const std::string& path) {
 }
 
 bool endsWith(const std::string& text, const std::string& ending) {
-  return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+  return text.size() >= ending.size() &&
+         text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
 
 LinkedVtc openVtc(const std::string& path) {
@@ -31,7 +32,9 @@ LinkedVtc openVtc(const std::string& path) {
   return {absolutePath(path), formats::readVtcFileHeader(path)};
 }
 
-bool isJson(const std::string& path) { return endsWith(path, ".json"); }
+bool isJson(const std::string& path) {
+  return endsWith(path, ".json");
+}
 
 // An imported series keeps the grid of its image, so its cells must be the anatomy's voxels: VOIs
 // are given in them. A VTC without a sidecar lies in the anatomical space of old.
@@ -63,9 +66,11 @@ formats::Voi storedVoi(const Voi& voi) {
 std::vector<std::string> remarksOn(const formats::LabelVois& vois, const std::string& path) {
   std::vector<std::string> remarks;
   for (std::int32_t label : vois.unnamed)
-    remarks.push_back("WARNING: label " + std::to_string(label) + " of " + path + " has no name in its table");
+    remarks.push_back("WARNING: label " + std::to_string(label) + " of " + path +
+                      " has no name in its table");
   for (const formats::Label& label : vois.absent)
-    remarks.push_back("WARNING: label " + std::to_string(label.index) + " (" + label.name + ") has no voxel in " + path);
+    remarks.push_back("WARNING: label " + std::to_string(label.index) + " (" + label.name +
+                      ") has no voxel in " + path);
   return remarks;
 }
 
@@ -98,7 +103,9 @@ void Workspace::linkVtc(const std::string& path) {
   vtc_ = std::move(vtc);
 }
 
-void Workspace::addFurtherVtc(const std::string& path) { furtherVtcs_.push_back(openVtc(path)); }
+void Workspace::addFurtherVtc(const std::string& path) {
+  furtherVtcs_.push_back(openVtc(path));
+}
 
 std::vector<std::string> Workspace::loadVois(const std::string& path, const std::string& tablePath) {
   if (anatomy_ && !isJson(path))
@@ -142,7 +149,9 @@ MapSet& Workspace::createMaps(const Box& box, int nrOfMaps, int nrOfThresholds) 
   return *maps_;
 }
 
-void Workspace::loadMaps(const std::string& path) { maps_ = readMaps(path); }
+void Workspace::loadMaps(const std::string& path) {
+  maps_ = readMaps(path);
+}
 
 void Workspace::saveMaps(const std::string& path) {
   writeMaps(path, *maps_, placeOf(maps_->box(), *this));
@@ -156,7 +165,8 @@ void appendTimeCourse(const LinkedVtc& vtc, std::size_t cell, std::vector<float>
   std::ifstream file(vtc.path, std::ios::binary);
   file.seekg(vtc.header.dataOffset + static_cast<std::streamoff>(cell * bytes.size()));
   if (!file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
-    throw formats::FileError(vtc.path, "a time course could not be read", "Check that the file is still there");
+    throw formats::FileError(vtc.path, "a time course could not be read",
+                             "Check that the file is still there");
   for (std::size_t i = 0; i < volumes; ++i) {
     float value = 0;
     std::uint16_t whole = 0;

@@ -116,6 +116,11 @@ Request groupRequest(const BidsGroup& group, const BidsOptions& options) {
 }  // namespace
 
 std::vector<Request> bidsRequests(const BidsOptions& options) {
+  std::error_code error;
+  if (std::filesystem::equivalent(options.bidsDir, options.outDir, error)) {
+    throw InputError("the output folder is the data set itself, which is only read; give another, such as " +
+                     (options.bidsDir / "derivatives" / "tavmap").string());
+  }
   std::vector<Request> requests;
   for (const BidsGroup& group : findBidsGroups(options.bidsDir, options.derivatives, options.query)) {
     requests.push_back(groupRequest(group, options));

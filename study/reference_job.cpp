@@ -34,7 +34,8 @@ std::string thresholdLine(const MapResult& map, const ThresholdResult& result) {
   if (result.voxelsPassing == 0) {
     line << "no voxel survives\n";
   } else {
-    line << result.voxelsPassing << " voxels reach the threshold " << *result.threshold << "\n";
+    line << result.voxelsPassing << " voxels reach the threshold " << *result.threshold << ", "
+         << result.outsideReference << " of them outside the reference\n";
   }
   return line.str();
 }
@@ -97,11 +98,11 @@ std::string finishedRecord(const StudyPlan& plan, std::size_t region) {
   const std::string text = formats::readTextFile((folder / names.record()).string());
   const auto json = nlohmann::ordered_json::parse(text, nullptr, false);
   if (!json.is_object() || json.value("Key", "") != resultKey(plan, region)) return "";
-  for (const auto& condition : json["Conditions"]) {
-    if (!fs::exists(folder / condition.value("StatusFile", "?"))) return "";
-    for (const auto& map : condition["Maps"]) {
-      if (!fs::exists(folder / map.value("File", "?"))) return "";
-    }
+  const nlohmann::ordered_json files = json.value("Files", nlohmann::ordered_json::object());
+  for (const auto& [name, size] : files.items()) {
+    std::error_code missing;
+    const std::uintmax_t found = fs::file_size(folder / name, missing);
+    if (missing || size != found) return "";
   }
   return text;
 }

@@ -48,6 +48,7 @@ Json thresholdsJson(const MapResult& map) {
     if (result.threshold) json["Threshold"] = *result.threshold;
     json["AnyVoxelPasses"] = result.voxelsPassing > 0;
     json["VoxelsPassing"] = result.voxelsPassing;
+    json["VoxelsPassingOutsideReference"] = result.outsideReference;
     list.push_back(json);
   }
   return list;

@@ -36,10 +36,21 @@ formats::ImageHeader resultHeader(const RunPlan& run) {
   return header;
 }
 
-std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map, const std::vector<double>& qValues) {
+std::size_t passingOutside(const tav::MapOutcome& map, float threshold, const std::vector<std::uint8_t>& codes) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    const bool outside = codes[i] != static_cast<std::uint8_t>(StatusCode::kInsideReference);
+    if (outside && map.values[i] != 0 && std::abs(map.values[i]) >= threshold) ++count;
+  }
+  return count;
+}
+
+std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map, const std::vector<double>& qValues,
+                                          const std::vector<std::uint8_t>& codes) {
   std::vector<ThresholdResult> results;
   for (std::size_t i = 0; i < map.thresholds.size(); ++i) {
-    ThresholdResult result{qValues[i], std::nullopt, map.thresholds[i].nrPassing};
+    ThresholdResult result{qValues[i], std::nullopt, map.thresholds[i].nrPassing, 0};
+    if (result.voxelsPassing > 0) result.outsideReference = passingOutside(map, map.thresholds[i].threshold, codes);
     if (std::isfinite(map.thresholds[i].threshold)) result.threshold = withDigitsOf(map.thresholds[i].threshold);
     results.push_back(result);
   }
@@ -89,6 +100,16 @@ ConditionResult emptyResult(const PlannedCondition& planned) {
 std::string numberText(double value) {
   char text[32];
   return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
+
+// Name and size of every file of a result. A repeated command trusts a result only when they are
+// all as they were, so that nothing but the record has to wait for the disk.
+nlohmann::ordered_json fileSizes(const std::filesystem::path& folder) {
+  std::map<std::string, std::uintmax_t> sizes;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    sizes[entry.path().filename().string()] = entry.file_size();
+  }
+  return sizes;
 }
 
 std::string statusTableText() {
@@ -142,7 +163,7 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   MapResult result;
   result.type = map.type;
   result.file = names().map(label, map.type);
-  result.thresholds = thresholdsOf(map, plan_.request.settings.qValues);
+  result.thresholds = thresholdsOf(map, plan_.request.settings.qValues, codes_);
   const std::size_t peak = peakOf(map.values, codes_);
   result.peak = withDigitsOf(map.values[peak]);
   result.peakVoxel = grid.voxelAt(peak);
@@ -150,7 +171,7 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   formats::ImageHeader header = header_;
   header.dataType = formats::DataType::kFloat32;
   header.description = mapLabel(map.type);
-  formats::NiftiWriter writer(staging_->path(result.file).string(), header);
+  formats::NiftiWriter writer(staging_->path(result.file).string(), header, formats::Durability::kCached);
   writer.writeValues(map.values, grid.voxels());
   writer.commit();
   return result;
@@ -170,14 +191,18 @@ void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::
   formats::ImageHeader header = header_;
   header.dataType = formats::DataType::kUint8;
   header.intentCode = formats::kLabelIntent;
-  formats::NiftiWriter writer(staging_->path(condition.statusFile).string(), header);
+  formats::NiftiWriter writer(staging_->path(condition.statusFile).string(), header, formats::Durability::kCached);
   writer.writeStored(codes_.data(), codes_.size());
   writer.commit();
-  formats::writeTextFile(staging_->path(names().statusTable(label)).string(), statusTableText());
+  writeText(names().statusTable(label), statusTableText());
 }
 
 void ResultWriter::writeJson(const std::string& file, const nlohmann::ordered_json& json) const {
-  formats::writeTextFile(staging_->path(file).string(), json.dump(2) + "\n");
+  writeText(file, json.dump(2) + "\n");
+}
+
+void ResultWriter::writeText(const std::string& file, const std::string& text) const {
+  formats::writeTextFile(staging_->path(file).string(), text, formats::Durability::kCached);
 }
 
 void ResultWriter::writeSidecars() {
@@ -220,7 +245,7 @@ void ResultWriter::writeCourses(const OutputNames& names) {
     }
     table += "\n";
   }
-  formats::writeTextFile(staging_->path(names.courses()).string(), table);
+  writeText(names.courses(), table);
   writeJson(OutputNames::sidecarOf(names.courses()),
             {{"Description", "mean time course of " + plan_.regions[region()].name +
                                  " after preparation, one column per run, one row per volume of the stored image"},
@@ -233,7 +258,7 @@ void ResultWriter::appendToLog(const tav::TAV_VOI_Pars& voi) {
   std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '_');
   const std::string log = enginePrefix() + "_" + name + ".log";
   const std::string text = formats::readTextFile(log);
-  formats::writeTextFile(log, text + logAppendix(plan_, region(), result_));
+  formats::writeTextFile(log, text + logAppendix(plan_, region(), result_), formats::Durability::kCached);
 }
 
 void ResultWriter::onVoi(const tav::TAV_VOI_Pars& voi) {
@@ -243,7 +268,9 @@ void ResultWriter::onVoi(const tav::TAV_VOI_Pars& voi) {
   writeSidecars();
   writeCourses(names());
   appendToLog(voi);
-  writeJson(names().record(), referenceRecord(context(), result_, resultKey(plan_, region())));
+  nlohmann::ordered_json record = referenceRecord(context(), result_, resultKey(plan_, region()));
+  record["Files"] = fileSizes(staging_->folder());
+  formats::writeTextFile(staging_->path(names().record()).string(), record.dump(2) + "\n");
   staging_->publish(names().record());
   result_ = {};
   ++current_;

@@ -40,6 +40,7 @@ class ResultWriter : public tav::RunObserver {
   void writeSidecars();
   void writeCourses(const OutputNames& names);
   void appendToLog(const tav::TAV_VOI_Pars& voi);
+  void writeText(const std::string& file, const std::string& text) const;
   void writeJson(const std::string& file, const nlohmann::ordered_json& json) const;
 
   const StudyPlan& plan_;

@@ -22,7 +22,8 @@ std::string placeOf(const Json& peak) {
 std::string thresholdText(const Json& threshold) {
   const std::string begin = "q = " + threshold["Q"].dump() + ": ";
   if (!threshold["AnyVoxelPasses"].get<bool>()) return begin + "no voxel survives";
-  const auto count = threshold["VoxelsPassing"].get<std::size_t>();
+  const auto count = threshold["VoxelsPassingOutsideReference"].get<std::size_t>();
+  if (count == 0) return begin + "voxels of the reference alone";
   return begin + std::to_string(count) + (count == 1 ? " voxel at " : " voxels at ") +
          fixed(threshold["Threshold"].get<double>(), 3) + " or more";
 }

@@ -10,8 +10,9 @@
 namespace tav {
 namespace {
 
-// A piece of this size is still in the second-level cache when its voxels are computed.
-constexpr std::size_t kPieceBytes = 256 * 1024;
+// A piece of this size is still in the processor's cache when its voxels are computed, and large
+// enough that the cost of a call does not count.
+constexpr std::size_t kPieceBytes = 1024 * 1024;
 
 std::size_t voxelsInPiece(const VTC_Header& header) {
   const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);

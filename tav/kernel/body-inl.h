@@ -88,6 +88,7 @@ class GroupKernel {
       factor_.rows[p + i] = lane(layout_.xRows + i * p + i * (i + 1) / 2);
     }
     factor_.inverse = lane(layout_.inverse);
+    factor_.probe = lane(layout_.probe);
   }
 
   // A factor of x's lags alone, in the place of the joint one.
@@ -95,6 +96,7 @@ class GroupKernel {
     Factor factor{};
     for (int i = 0; i < plan_.order; ++i) factor.rows[i] = factor_.rows[plan_.order + i];
     factor.inverse = lane(layout_.inverse + plan_.order);
+    factor.probe = lane(layout_.probe + plan_.order);
     return factor;
   }
 
@@ -271,7 +273,7 @@ class GroupKernel {
     demandRange<S>(at<S>(x.own, 0) * at<S>(y().own, 0), kSmallProduct, kLargeProduct, doubts);
     const JointErrors<S> joint =
         fitJoint<S>(plan_, x, y(), cross, yError_, factor_, lane(layout_.yLast), lane(layout_.xLast), doubts);
-    return measure<S>(xError, yError_, joint, doubts);
+    return measure<S>(xError, yError_, at<S>(y().own, 0), joint, doubts);
   }
 
   void store(float* const* planes, std::size_t start, const Measures<S>& measures) const {

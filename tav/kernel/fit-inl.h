@@ -19,11 +19,13 @@
 // the interval's end. Along a diagonal each element loses one product more:
 //       M(m, k) = M(m - 1, k - 1) - sum over intervals of tail(m - 1) tail(k - 1).
 //
-// A pivot counts as certain when it is further from 0 than kCertain times the series' sum of
-// squares, from which its moment was got by subtraction: the rounding error of moments and
-// factorisation is about 2p eps = 2.4e-6 of it, here as in the reference, so that a certain pivot
-// has the same sign in both whatever the order of variables. Behind a small pivot errors have
-// grown by its inverse, and the margin grows with them.
+// When is the sign of a pivot certain? Moments and factor carry errors of about 2p eps = 2.4e-6 of
+// the series' sum of squares (from which the moments were got by subtraction), here as in the
+// reference. They change a pivot by that times the squared norm of the inverse factor's row. Its
+// size is estimated as in Cline, Moler, Stewart & Wilkinson 1979 (SIAM J. Numer. Anal. 16, 368):
+// along with the factor L the system L u = e is solved, the signs of e being chosen so that u
+// grows. A pivot further from 0 than kCertain and than kPerGrowth |u|^2, both relative to the sum
+// of squares, has the same sign in the reference, whatever the order of variables.
 #ifndef TAVMAP_TAV_KERNEL_FIT_INL_H
 #define TAVMAP_TAV_KERNEL_FIT_INL_H
 
@@ -33,7 +35,7 @@
 namespace tav::kernel {
 namespace {
 
-inline constexpr float kCertain = 1e-4F, kCertainPerGrowth = 1e-5F;
+inline constexpr float kCertain = 1e-4F, kPerGrowth = 4e-6F;
 
 // Lanes whose model certainly does not exist, and lanes that the reference path has to decide.
 template <class S>
@@ -41,16 +43,13 @@ struct Doubts {
   typename S::Mask failed = 0;
   typename S::Mask unsure = 0;
   typename S::Mask flat = 0;              // no variance at all: failed, whatever else is unsure
-  typename S::Floats growth = S::zero();  // largest sum of squares over pivot so far
+  typename S::Floats growth = S::zero();  // |u|^2 so far
 
   // `value` must be positive; `squares` is the sum of squares behind it. NaN passes.
   void check(typename S::Floats value, typename S::Floats squares) {
-    const auto margin = squares * S::larger(S::all(kCertain), growth * S::all(kCertainPerGrowth));
+    const auto margin = squares * S::larger(S::all(kCertain), growth * S::all(kPerGrowth));
     unsure |= S::lessEqual(S::magnitude(value), margin);
     failed |= S::less(value, S::zero() - margin);
-  }
-  void noteGrowth(typename S::Floats squares, typename S::Floats inverseRoot) {
-    growth = S::larger(squares * inverseRoot * inverseRoot, growth);
   }
 };
 
@@ -60,10 +59,11 @@ struct Series {
   const float* tails;  // [interval][distance from the end]
 };
 
-// Rows of a lower factor: pointers to [column] in lanes, and 1 / diagonal.
+// Rows of a lower factor: pointers to [column] in lanes, 1 / diagonal, and u.
 struct Factor {
   float* rows[2 * kMaxOrder];
   float* inverse;
+  float* probe;
 };
 
 template <class S>
@@ -90,9 +90,14 @@ typename S::Floats sumOfSquares(const float* row, int first, int end) {
 
 template <class S>
 typename S::Floats dot(const float* a, const float* b, int end) {
-  auto sum = S::zero();
-  for (int i = 0; i < end; ++i) sum = S::madd(at<S>(a, i), at<S>(b, i), sum);
-  return sum;
+  auto even = S::zero(), odd = S::zero();
+  int i = 0;
+  for (; i + 1 < end; i += 2) {
+    even = S::madd(at<S>(a, i), at<S>(b, i), even);
+    odd = S::madd(at<S>(a, i + 1), at<S>(b, i + 1), odd);
+  }
+  if (i < end) even = S::madd(at<S>(a, i), at<S>(b, i), even);
+  return even + odd;
 }
 
 // Turns moments into factor elements in columns first ... end - 1 of kRows rows; the columns
@@ -139,9 +144,12 @@ void takePivot(const Factor& factor, int i, typename S::Floats squares, Doubts<S
   doubts.check(pivot, squares);
   const auto diagonal = S::root(pivot);
   const auto inverse = S::all(1.0F) / diagonal;
-  doubts.noteGrowth(squares, inverse);
   put<S>(factor.rows[i], i, diagonal);
   put<S>(factor.inverse, i, inverse);
+  const auto sum = dot<S>(factor.rows[i], factor.probe, i);
+  const auto probe = (sum + S::withSign(S::root(squares), sum)) * inverse;
+  put<S>(factor.probe, i, S::zero() - probe);
+  doubts.growth = S::madd(probe, probe, doubts.growth);
 }
 
 // Factors rows first ... end - 1, which hold moments, behind the finished rows before them.

@@ -11,6 +11,7 @@
 //     yRows      lower factor of the voxel's lags, row after row
 //     xRows      rows of the reference's lags: p columns for the voxel's lags, then their own
 //     inverse    1 / diagonal of the 2p rows
+//     probe      u of L u = e, see fit-inl.h
 //     yLast      row of the voxel's current value against all 2p lags
 //     xLast      row of the reference's current value
 #ifndef TAVMAP_TAV_KERNEL_LAYOUT_H
@@ -34,13 +35,14 @@ struct LaneLayout {
         yRows(cross + 2 * (2 * p + 1)),
         xRows(yRows + p * (p + 1) / 2),
         inverse(xRows + p * p + p * (p + 1) / 2),
-        yLast(inverse + 2 * p),
+        probe(inverse + 2 * p),
+        yLast(probe + 2 * p),
         xLast(yLast + 2 * p),
         size(xLast + 2 * p) {}
 
   int p;
   int seriesSize;  // own sums and tails of one series
-  int own, truth, drawn, first, mean, slope, cross, yRows, xRows, inverse, yLast, xLast;
+  int own, truth, drawn, first, mean, slope, cross, yRows, xRows, inverse, probe, yLast, xLast;
   int size;
 };
 

@@ -43,10 +43,10 @@ void demandRange(typename S::Floats value, float low, float high, Doubts<S>& dou
 }
 
 template <class S>
-Measures<S> measure(typename S::Floats xError, typename S::Floats yError, const JointErrors<S>& joint,
-                    Doubts<S>& doubts) {
+Measures<S> measure(typename S::Floats xError, typename S::Floats yError, typename S::Floats ySquares,
+                    const JointErrors<S>& joint, Doubts<S>& doubts) {
   const auto yGivenX = joint.yy - joint.xy * (joint.xy / joint.xx);
-  doubts.check(yGivenX, joint.yy);
+  doubts.check(yGivenX, ySquares);
   const auto toVoxel = yError / joint.yy, toReference = xError / joint.xx, both = joint.yy / yGivenX;
   demandRange<S>(toVoxel, 1e-6F, 1e6F, doubts);
   demandRange<S>(toReference, 1e-6F, 1e6F, doubts);

@@ -30,6 +30,9 @@ struct Simd {
   static Floats msub(Floats a, Floats b, Floats c) { return _mm256_fnmadd_ps(a, b, c); }
   static Floats root(Floats v) { return _mm256_sqrt_ps(v); }
   static Floats magnitude(Floats v) { return _mm256_andnot_ps(all(-0.0F), v); }
+  static Floats withSign(Floats size, Floats sign) {
+    return _mm256_or_ps(_mm256_andnot_ps(all(-0.0F), size), _mm256_and_ps(sign, all(-0.0F)));
+  }
   static Floats larger(Floats a, Floats b) { return _mm256_max_ps(a, b); }
   static Floats keepFirst(Floats v, int n) { return _mm256_and_ps(v, fromBits(firstLanes(n))); }
   static void pin(Floats& v) { __asm__("" : "+x"(v)); }

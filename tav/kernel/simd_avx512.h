@@ -27,6 +27,9 @@ struct Simd {
   static Floats msub(Floats a, Floats b, Floats c) { return _mm512_fnmadd_ps(a, b, c); }
   static Floats root(Floats v) { return _mm512_sqrt_ps(v); }
   static Floats magnitude(Floats v) { return _mm512_abs_ps(v); }
+  static Floats withSign(Floats size, Floats sign) {
+    return _mm512_or_ps(_mm512_abs_ps(size), _mm512_and_ps(sign, all(-0.0F)));
+  }
   static Floats larger(Floats a, Floats b) { return _mm512_max_ps(a, b); }
   static Floats keepFirst(Floats v, int n) { return _mm512_maskz_mov_ps(firstLanes(n), v); }
   static void pin(Floats& v) { __asm__("" : "+v"(v)); }

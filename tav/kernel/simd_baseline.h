@@ -31,6 +31,9 @@ struct Simd {
   static Floats msub(Floats a, Floats b, Floats c) { return _mm_sub_ps(c, _mm_mul_ps(a, b)); }
   static Floats root(Floats v) { return _mm_sqrt_ps(v); }
   static Floats magnitude(Floats v) { return _mm_andnot_ps(all(-0.0F), v); }
+  static Floats withSign(Floats size, Floats sign) {
+    return _mm_or_ps(_mm_andnot_ps(all(-0.0F), size), _mm_and_ps(sign, all(-0.0F)));
+  }
   static Floats larger(Floats a, Floats b) { return _mm_max_ps(a, b); }
   static Floats keepFirst(Floats v, int n) { return _mm_and_ps(v, fromBits(firstLanes(n))); }
   static void pin(Floats& v) { __asm__("" : "+x"(v)); }

@@ -3,6 +3,7 @@
 //   load, store        aligned to the vector; loadAny, storeAny not
 //   madd(a, b, c)      c + a * b;  msub(a, b, c)  c - a * b; one rounding or two, as the CPU does
 //   keepFirst(v, n)    v with 0 in the lanes from n on, 0 <= n <= kWidth
+//   withSign(a, b)     the size of a with the sign of b
 //   larger(a, b)       the larger one; b when either is NaN
 //   pin(v)             keeps v in a register: without it g++ 12 reloads a shifted row for every
 //                      product that it enters
@@ -36,6 +37,7 @@ struct Simd {
   static Floats msub(Floats a, Floats b, Floats c) { return c - a * b; }
   static Floats root(Floats v) { return __builtin_sqrtf(v); }
   static Floats magnitude(Floats v) { return __builtin_fabsf(v); }
+  static Floats withSign(Floats size, Floats sign) { return __builtin_copysignf(size, sign); }
   static Floats larger(Floats a, Floats b) { return a > b ? a : b; }
   static Floats keepFirst(Floats v, int n) { return n > 0 ? v : 0.0F; }
   static void pin(Floats&) {}

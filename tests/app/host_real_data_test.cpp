@@ -8,7 +8,6 @@
 
 #include "formats/map_set.h"
 #include "formats/nifti.h"
-#include "formats/vtc_import.h"
 #include "tests/app/program.h"
 #include "tests/host/temporary_folder.h"
 
@@ -39,10 +38,10 @@ struct RealSession : testing::Test {
   host_test::TemporaryFolder folder;
 
   void SetUp() override {
-    formats::ImportOptions options;
-    options.maskPath = kExample + "mask_small.nii.gz";
-    options.durability = formats::Durability::kCached;
-    formats::importVtc(kExample + "bold_small.nii.gz", folder / "bold.vtc", options);
+    const Finished converted = runTavmap(
+        {"convert", kExample + "bold_small.nii.gz", "bold.vtc", "--mask", kExample + "mask_small.nii.gz"},
+        folder.path());
+    ASSERT_EQ(converted.exitCode, 0) << converted.err;
     folder.write("events.prt", host_test::contentOf(kExample + "events.tsv"));
     folder.write("TAVPlugin.ini", "NumSurrogateSimulations= 200\n");
     folder.write("answers.txt", kAnswers);
@@ -59,7 +58,8 @@ struct RealSession : testing::Test {
 };
 
 std::size_t nonZero(const std::vector<float>& values) {
-  return static_cast<std::size_t>(std::count_if(values.begin(), values.end(), [](float v) { return v != 0.0F; }));
+  return static_cast<std::size_t>(
+      std::count_if(values.begin(), values.end(), [](float v) { return v != 0.0F; }));
 }
 
 TEST_F(RealSession, ComputesMapsOfTheMaskedBrain) {
@@ -76,7 +76,8 @@ TEST_F(RealSession, ComputesMapsOfTheMaskedBrain) {
       outside += mask.labels[i] == 0 && map.values[i] != 0.0F ? 1U : 0U;
     EXPECT_EQ(outside, 0U) << map.name;
   }
-  for (std::size_t type = 0; type < 5; ++type) EXPECT_GT(set.maps[type].thresholds[0], 0.0F) << set.maps[type].name;
+  for (std::size_t type = 0; type < 5; ++type)
+    EXPECT_GT(set.maps[type].thresholds[0], 0.0F) << set.maps[type].name;
 }
 
 TEST_F(RealSession, PlacesTheMapsWhereTheRunLies) {
@@ -90,8 +91,9 @@ TEST_F(RealSession, PlacesTheMapsWhereTheRunLies) {
 TEST_F(RealSession, LogsBlocksAndCountsOfTheRun) {
   ASSERT_EQ(run("11").exitCode, 0);
   // Two blocks of faces at TR 2 s: 12.0 to 27.9 s and 228.0 to 243.9 s, see the events table.
-  EXPECT_THAT(log(), AllOf(HasSubstr("\tintv(s):\n\t\t7\t-\t14\n\t\t115\t-\t122\n"), HasSubstr("Effective nr. time-points: 14\n"),
-                           HasSubstr("\tVoxels skipped: 12402\t(")));
+  EXPECT_THAT(log(),
+              AllOf(HasSubstr("\tintv(s):\n\t\t7\t-\t14\n\t\t115\t-\t122\n"),
+                    HasSubstr("Effective nr. time-points: 14\n"), HasSubstr("\tVoxels skipped: 12402\t(")));
 }
 
 TEST_F(RealSession, RepeatsBitForBitWithTheSameSeed) {

@@ -23,13 +23,12 @@ using testing::Not;
 
 // The answers of a session, one a dialog.
 const std::vector<std::string> kManual = {
-    "integer 1", "integer 0",      "integer 1",  "text all",    "open run1.vtc", "integer 1",
-    "integer 120", "open run2.vtc", "integer 10", "integer 110", "cancel",        "text",
-    "save maps"};
+    "integer 1",     "integer 0",  "integer 1",   "text all", "open run1.vtc", "integer 1", "integer 120",
+    "open run2.vtc", "integer 10", "integer 110", "cancel",   "text",          "save maps"};
 const std::vector<std::string> kProtocol = {
-    "integer 3",       "integer 2",       "text face",  "open run1.vtc", "open events.tsv", "integer 1",
-    "cancel",          "text second half", "open run2.vtc", "open volumes.tsv", "integer 2", "cancel",
-    "text",            "save maps"};
+    "integer 3", "integer 2",        "text face",     "open run1.vtc",    "open events.tsv", "integer 1",
+    "cancel",    "text second half", "open run2.vtc", "open volumes.tsv", "integer 2",       "cancel",
+    "text",      "save maps"};
 
 std::string asScript(const std::vector<std::string>& answers) {
   std::string script;
@@ -54,8 +53,8 @@ struct HostSession : testing::Test {
   NoiseData data;
 
   std::vector<std::string> arguments(std::vector<std::string> more) const {
-    std::vector<std::string> all = {"host",   APP_TEST_PLUGIN,    "--anatomy", "t1.nii", "--vtc",
-                                    "run1.vtc", "--vois",           "vois.json", "--plugins-folder", "."};
+    std::vector<std::string> all = {"host",     APP_TEST_PLUGIN, "--anatomy", "t1.nii",           "--vtc",
+                                    "run1.vtc", "--vois",        "vois.json", "--plugins-folder", "."};
     all.insert(all.end(), more.begin(), more.end());
     return all;
   }
@@ -103,14 +102,16 @@ TEST_F(HostSession, ComputesAndSavesMapsThatShowTheInfluence) {
 
 TEST_F(HostSession, WritesTheLogBesideTheMaps) {
   ASSERT_EQ(scripted(kManual).exitCode, 0);
-  EXPECT_THAT(content("maps_driver.log"),
-              AllOf(HasSubstr("Created by TAV-plugin version 1.5\n"), HasSubstr("NumSurrogateSimulations= 50\n"),
-                    HasSubstr("\t\t10\t-\t110\n"), HasSubstr("Voxels skipped: 48\t(25%)")));
+  EXPECT_THAT(
+      content("maps_driver.log"),
+      AllOf(HasSubstr("Created by TAV-plugin version 1.5\n"), HasSubstr("NumSurrogateSimulations= 50\n"),
+            HasSubstr("\t\t10\t-\t110\n"), HasSubstr("Voxels skipped: 48\t(25%)")));
 }
 
 TEST_F(HostSession, PrintsLogAndSummary) {
   const Finished run = scripted(kManual);
-  EXPECT_THAT(run.out, AllOf(HasSubstr("Tavmap Mapping (TAV) v1.5\n"), HasSubstr("// TAV> Done, all computations succesful\n"),
+  EXPECT_THAT(run.out, AllOf(HasSubstr("Tavmap Mapping (TAV) v1.5\n"),
+                             HasSubstr("// TAV> Done, all computations succesful\n"),
                              HasSubstr("Map sets written:\n  " + (data.folder / "maps_driver.tav") + "\n"),
                              HasSubstr("  all: Ref2Vox\n    thres q=0.010: "), HasSubstr("    peak: ")));
   EXPECT_THAT(run.out, Not(HasSubstr("<b>")));
@@ -142,7 +143,8 @@ TEST_F(HostSession, TakesIntervalsFromProtocolsOfEitherTimeUnit) {
   const Finished run = scripted(kProtocol);
   EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
   for (const std::string name : {"maps_driver.log", "maps_other.log"})
-    EXPECT_THAT(content(name), AllOf(HasSubstr("\t\t1\t-\t30\n\t\t61\t-\t90\n"), HasSubstr("\t\t61\t-\t120\n")));
+    EXPECT_THAT(content(name),
+                AllOf(HasSubstr("\t\t1\t-\t30\n\t\t61\t-\t90\n"), HasSubstr("\t\t61\t-\t120\n")));
   EXPECT_EQ(formats::loadMapSet(data.folder / "maps_other.tav").maps.size(), 12U);
 }
 
@@ -198,8 +200,11 @@ TEST_F(HostSession, EndsWithTheDialogsTextWhenTheScriptDoesNotFit) {
   }
   const Finished run = scripted({"integer 4"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_THAT(run.err, AllOf(HasSubstr("a whole number from 0 to 3"),
-                             HasSubstr("Add a VOI as a reference region:\n0. Stop selecting\n1. driver\n2. other\n3. Add all\n")));
+  EXPECT_THAT(
+      run.err,
+      AllOf(HasSubstr("a whole number from 0 to 3"),
+            HasSubstr(
+                "Add a VOI as a reference region:\n0. Stop selecting\n1. driver\n2. other\n3. Add all\n")));
 }
 
 TEST_F(HostSession, TakesControlDAtATerminalAsOneCancelledDialog) {
@@ -232,13 +237,18 @@ TEST_F(HostSession, ShowsWhatIsMissing) {
   data.folder.write("voi.txt", "message No VOI file\n");
   EXPECT_EQ(runTavmap({"host", plugin, "--script", "vmr.txt"}, folder).exitCode, 1);
   EXPECT_EQ(runTavmap({"host", plugin, "--script", "vtc.txt", "--anatomy", "t1.nii"}, folder).exitCode, 1);
-  EXPECT_EQ(runTavmap({"host", plugin, "--script", "voi.txt", "--anatomy", "t1.nii", "--vtc", "run1.vtc"}, folder).exitCode, 1);
+  EXPECT_EQ(
+      runTavmap({"host", plugin, "--script", "voi.txt", "--anatomy", "t1.nii", "--vtc", "run1.vtc"}, folder)
+          .exitCode,
+      1);
 }
 
 TEST_F(HostSession, LetsThePluginRefuseAnOldHost) {
-  data.folder.write("old.txt", "message Sorry, can not execute the TAV plugin - CorvaneZQ version 2.1.0 or higher required.\n");
-  const Finished run =
-      runTavmap({"host", APP_TEST_PLUGIN, "--host-version", "2.0.9", "--script", "old.txt"}, data.folder.path());
+  data.folder.write(
+      "old.txt",
+      "message Sorry, can not execute the TAV plugin - CorvaneZQ version 2.1.0 or higher required.\n");
+  const Finished run = runTavmap({"host", APP_TEST_PLUGIN, "--host-version", "2.0.9", "--script", "old.txt"},
+                                 data.folder.path());
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.err, "tavmap: The plug-in refused to start: its initPlugin returned false.\n");
 }
@@ -246,7 +256,8 @@ TEST_F(HostSession, LetsThePluginRefuseAnOldHost) {
 TEST_F(HostSession, GoesOnWithoutASettingsFile) {
   std::filesystem::remove(data.folder / "TAVPlugin.ini");
   const Finished run = scripted({"cancel"});
-  EXPECT_THAT(run.out, HasSubstr("// TAV> WARNING: Could not find or open " + (data.folder / "TAVPlugin.ini") + "\n"));
+  EXPECT_THAT(run.out,
+              HasSubstr("// TAV> WARNING: Could not find or open " + (data.folder / "TAVPlugin.ini") + "\n"));
 }
 
 TEST_F(HostSession, LeavesNoProtocolWhenItsFileIsNone) {
@@ -293,7 +304,8 @@ TEST_F(HostSession, RefusesWrongUsage) {
 TEST_F(HostSession, ExplainsItself) {
   const Finished run = runTavmap({"host", "--help"}, data.folder.path());
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(run.out, AllOf(HasSubstr("Examples:"), HasSubstr("--protocol"), HasSubstr("Exit codes: 0 done")));
+  EXPECT_THAT(run.out,
+              AllOf(HasSubstr("Examples:"), HasSubstr("--protocol"), HasSubstr("Exit codes: 0 done")));
 }
 
 }  // namespace

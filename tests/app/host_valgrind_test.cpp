@@ -16,10 +16,11 @@ struct SessionUnderValgrind : testing::Test {
   app_test::NoiseData data;
   app_test::Finished run(const std::string& script) const {
     data.folder.write("answers.txt", script);
-    return app_test::runUnder(kValgrind,
-                              {"host", APP_TEST_PLUGIN, "--anatomy", "t1.nii", "--vtc", "run1.vtc", "--vois",
-                               "vois.json", "--plugins-folder", ".", "--seed", "1", "--script", "answers.txt"},
-                              data.folder.path());
+    return app_test::runUnder(
+        kValgrind,
+        {"host", APP_TEST_PLUGIN, "--anatomy", "t1.nii", "--vtc", "run1.vtc", "--vois", "vois.json",
+         "--plugins-folder", ".", "--seed", "1", "--script", "answers.txt"},
+        data.folder.path());
   }
 };
 

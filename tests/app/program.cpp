@@ -17,21 +17,25 @@ std::string quoted(const std::string& word) {
 
 }  // namespace
 
-Finished runTavmap(const std::vector<std::string>& arguments, const std::string& folder, const std::string& input) {
+Finished runTavmap(const std::vector<std::string>& arguments, const std::string& folder,
+                   const std::string& input) {
   return runUnder("", arguments, folder, input);
 }
 
-Finished runUnder(const std::string& checker, const std::vector<std::string>& arguments, const std::string& folder,
-                  const std::string& input) {
+Finished runUnder(const std::string& checker, const std::vector<std::string>& arguments,
+                  const std::string& folder, const std::string& input) {
   const fakes::TempFolder streams;
   fakes::writeBytes(streams.file("in"), input);
   std::string command = "cd " + quoted(folder) + " && " + checker + " " + quoted(APP_TEST_TAVMAP);
   for (const std::string& argument : arguments) command += " " + quoted(argument);
   for (const std::string redirection : {"< ", "> ", "2> "})
-    command += " " + redirection + quoted(streams.file(redirection == "< " ? "in" : redirection == "> " ? "out" : "err"));
+    command += " " + redirection +
+               quoted(streams.file(redirection == "< "   ? "in"
+                                   : redirection == "> " ? "out"
+                                                         : "err"));
   const int status = std::system(command.c_str());
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), fakes::readBytes(streams.file("out")),
-          fakes::readBytes(streams.file("err"))};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+          fakes::readBytes(streams.file("out")), fakes::readBytes(streams.file("err"))};
 }
 
 }  // namespace app_test

@@ -17,8 +17,8 @@ Finished runTavmap(const std::vector<std::string>& arguments, const std::string&
                    const std::string& input = "");
 
 // The same with a command before it, such as a memory checker.
-Finished runUnder(const std::string& checker, const std::vector<std::string>& arguments, const std::string& folder,
-                  const std::string& input = "");
+Finished runUnder(const std::string& checker, const std::vector<std::string>& arguments,
+                  const std::string& folder, const std::string& input = "");
 
 }  // namespace app_test
 

@@ -57,7 +57,8 @@ TEST(DialogOperations, ShowTheBusyCursor) {
 
 TEST(DialogOperations, RefuseNullTexts) {
   char out[16];
-  EXPECT_EQ(complaintAbout(nothing, [] { zqMessageBox(nullptr); }), "zqMessageBox: the text is a null pointer");
+  EXPECT_EQ(complaintAbout(nothing, [] { zqMessageBox(nullptr); }),
+            "zqMessageBox: the text is a null pointer");
   EXPECT_EQ(complaintAbout(nothing, [] { zqYesNoMessageBox(nullptr); }),
             "zqYesNoMessageBox: the text is a null pointer");
   EXPECT_EQ(complaintAbout(nothing, [] { zqGetIntegerInput(nullptr, 1, 0, 2); }),

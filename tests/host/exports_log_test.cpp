@@ -55,7 +55,8 @@ TEST(HostOperations, KeepEndingARunThatHasEnded) {
   ActiveRun active;
   EXPECT_EQ(host_test::endingOf([] { zqLogText(nullptr); }).exitCode, host::kExitFailed);
   const auto again = host_test::endingOf([] { zqLogText("still here"); });
-  EXPECT_EQ(again.message, "The plug-in misused the host and was stopped: zqLogText: the text is a null pointer");
+  EXPECT_EQ(again.message,
+            "The plug-in misused the host and was stopped: zqLogText: the text is a null pointer");
   EXPECT_EQ(active.log.str().find("still here"), std::string::npos);
 }
 
@@ -76,7 +77,9 @@ TEST(HostOperations, DoNotThrowWhileAnExceptionPasses) {
   EXPECT_TRUE(active.run.ended().has_value());
 }
 
-TEST(HostOperations, NeedAnActiveRun) { EXPECT_THROW(zqShowLogTab(), std::logic_error); }
+TEST(HostOperations, NeedAnActiveRun) {
+  EXPECT_THROW(zqShowLogTab(), std::logic_error);
+}
 
 TEST(ExportedOperations, AreFoundByNameInTheRunningProgram) {
   EXPECT_GT(host::exportedOperations().size(), 50U);
@@ -86,7 +89,8 @@ TEST(ExportedOperations, AreFoundByNameInTheRunningProgram) {
 
 TEST(ExportedOperations, AreAllThatAPluginFinds) {
   std::size_t found = 0;
-#define ZQ_OPERATION(result, name, parameters, arguments) found += dlsym(RTLD_DEFAULT, #name) != nullptr ? 1U : 0U;
+#define ZQ_OPERATION(result, name, parameters, arguments) \
+  found += dlsym(RTLD_DEFAULT, #name) != nullptr ? 1U : 0U;
 #include "hostapi/zq_functions.def"
 #undef ZQ_OPERATION
   EXPECT_EQ(found, host::exportedOperations().size());

@@ -126,12 +126,14 @@ TEST_F(MapOperations, PlaceTheCellsAsTheAnatomysVoxels) {
 
 TEST_F(MapOperations, PlaceAnyOtherBoxInTalairachSpace) {
   NR_VMPs_Header box = sampleBox();
-  box.xStart = 57, box.xEnd = 66, box.yStart = 52, box.yEnd = 61, box.zStart = 59, box.zEnd = 68, box.resolution = 3;
+  box.xStart = 57, box.xEnd = 66, box.yStart = 52, box.yEnd = 61, box.zStart = 59, box.zEnd = 68,
+  box.resolution = 3;
   ASSERT_EQ(zqCreateNRVMPsForCurrentVMR(1, 0, 0, &box), 1);
   const std::string path = files.folder / "maps.tav";
   ASSERT_EQ(zqSaveNRVMPsOfCurrentVMR(path.c_str()), 1);
   const formats::MapSet saved = formats::loadMapSet(path);
-  EXPECT_EQ(formats::apply(saved.affine, {1, 2, 3}), (formats::Point{128 - (59 + 9), 128 - (57 + 3), 128 - (52 + 6)}));
+  EXPECT_EQ(formats::apply(saved.affine, {1, 2, 3}),
+            (formats::Point{128 - (59 + 9), 128 - (57 + 3), 128 - (52 + 6)}));
   EXPECT_EQ(saved.spaceCode, 3);
 }
 
@@ -162,7 +164,9 @@ TEST_F(MapOperations, LogAnErrorForAFileThatIsNoMapSetAndKeepTheMaps) {
 
 // --- misuse ---
 
-void anatomyOnly(host::Workspace& workspace) { workspace.openAnatomy(SampleFiles().anatomy()); }
+void anatomyOnly(host::Workspace& workspace) {
+  workspace.openAnatomy(SampleFiles().anatomy());
+}
 
 void twoMaps(host::Workspace& workspace) {
   anatomyOnly(workspace);

@@ -102,7 +102,9 @@ TEST(ProtocolOperations, LogAnErrorForAFileThatIsNoProtocol) {
   EXPECT_TRUE(active.pane.reportedFailure());
 }
 
-void sampleProtocol(host::Workspace& workspace) { workspace.loadProtocol(SampleFiles().volumeTable()); }
+void sampleProtocol(host::Workspace& workspace) {
+  workspace.loadProtocol(SampleFiles().volumeTable());
+}
 void nothing(host::Workspace&) {}
 
 TEST(ProtocolMisuse, IsNamed) {
@@ -114,7 +116,8 @@ TEST(ProtocolMisuse, IsNamed) {
             "zqGetProtocolCondition: condition 2 does not exist, there are 2");
   EXPECT_EQ(complaintAbout(sampleProtocol, [] { zqGetProtocolCondition(0, nullptr); }),
             "zqGetProtocolCondition: the header is a null pointer");
-  EXPECT_EQ(complaintAbout(nothing, [] { zqGetProtocol(nullptr); }), "zqGetProtocol: the header is a null pointer");
+  EXPECT_EQ(complaintAbout(nothing, [] { zqGetProtocol(nullptr); }),
+            "zqGetProtocol: the header is a null pointer");
   EXPECT_EQ(complaintAbout(nothing, [&] { zqSetProtocol(&header); }),
             "zqSetProtocol: the time resolution is neither 1 (volumes) nor 2 (milliseconds)");
   EXPECT_EQ(complaintAbout(sampleProtocol, [] { zqAddProtocolConditionInterval(0, 5, 4); }),

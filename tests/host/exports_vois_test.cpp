@@ -42,8 +42,8 @@ TEST(VoiOperations, KeepCoordinatesInPlaceAcrossCalls) {
 TEST(VoiOperations, PassTheTalairachFlagOn) {
   const SampleFiles files;
   ActiveRun active;
-  const std::string path =
-      files.folder.write("tal.json", R"({"talairach": true, "vois": [{"name": "a", "voxels": [[-40, 10, 5]]}]})");
+  const std::string path = files.folder.write(
+      "tal.json", R"({"talairach": true, "vois": [{"name": "a", "voxels": [[-40, 10, 5]]}]})");
   ASSERT_EQ(zqLoadVOIs(path.c_str()), 1);
   VOIs_Header list{};
   ASSERT_EQ(zqGetVOIs(&list), 1);
@@ -83,15 +83,20 @@ TEST(VoiOperations, LogAnErrorAndKeepTheListWhenAFileCannotBeRead) {
   EXPECT_EQ(zqGetVOIs(&list), 1);
 }
 
-void sampleVois(host::Workspace& workspace) { workspace.loadVois(SampleFiles().vois(), ""); }
+void sampleVois(host::Workspace& workspace) {
+  workspace.loadVois(SampleFiles().vois(), "");
+}
 void nothing(host::Workspace&) {}
 
 TEST(VoiMisuse, IsNamed) {
   VOI_Header voi{};
   EXPECT_EQ(complaintAbout(nothing, [&] { zqGetVOI(0, &voi); }), "zqGetVOI: no VOIs are loaded");
-  EXPECT_EQ(complaintAbout(sampleVois, [&] { zqGetVOI(2, &voi); }), "zqGetVOI: VOI 2 does not exist, there are 2");
-  EXPECT_EQ(complaintAbout(sampleVois, [&] { zqGetVOI(-1, &voi); }), "zqGetVOI: VOI -1 does not exist, there are 2");
-  EXPECT_EQ(complaintAbout(sampleVois, [] { zqGetVOI(0, nullptr); }), "zqGetVOI: the header is a null pointer");
+  EXPECT_EQ(complaintAbout(sampleVois, [&] { zqGetVOI(2, &voi); }),
+            "zqGetVOI: VOI 2 does not exist, there are 2");
+  EXPECT_EQ(complaintAbout(sampleVois, [&] { zqGetVOI(-1, &voi); }),
+            "zqGetVOI: VOI -1 does not exist, there are 2");
+  EXPECT_EQ(complaintAbout(sampleVois, [] { zqGetVOI(0, nullptr); }),
+            "zqGetVOI: the header is a null pointer");
   EXPECT_EQ(complaintAbout(nothing, [] { zqGetVOIs(nullptr); }), "zqGetVOIs: the header is a null pointer");
   EXPECT_EQ(complaintAbout(nothing, [] { zqSaveVOIs("x.json"); }), "zqSaveVOIs: no VOIs are loaded");
 }

@@ -101,8 +101,9 @@ TEST_F(VtcOperations, LinkAnotherVtc) {
 
 TEST_F(VtcOperations, SayHowANiftiSeriesBecomesAVtc) {
   EXPECT_EQ(zqLinkVTCToCurrentVMR("run1.nii.gz", 0), 0);
-  EXPECT_THAT(active.log.str(), HasSubstr("ERROR: run1.nii.gz: this is a NIfTI series, a VTC is needed. Make one "
-                                          "with \"tavmap convert run1.nii.gz NAME.vtc\""));
+  EXPECT_THAT(active.log.str(),
+              HasSubstr("ERROR: run1.nii.gz: this is a NIfTI series, a VTC is needed. Make one "
+                        "with \"tavmap convert run1.nii.gz NAME.vtc\""));
   EXPECT_EQ(active.workspace.vtc()->path, files.folder / "run1.vtc");
 }
 
@@ -156,8 +157,9 @@ TEST(VtcMisuse, NoticesAProtocolPathWithoutItsEnd) {
 }
 
 TEST(VtcMisuse, RefusesAChangedGrid) {
-  EXPECT_EQ(complaintAfter([](VTC_Header& header) { header.xEnd = 100; }),
-            "zqSetVTCParametersOfCurrentVMR: the box, the resolution and the number of volumes cannot be changed");
+  EXPECT_EQ(
+      complaintAfter([](VTC_Header& header) { header.xEnd = 100; }),
+      "zqSetVTCParametersOfCurrentVMR: the box, the resolution and the number of volumes cannot be changed");
   EXPECT_EQ(complaintAfter([](VTC_Header& header) { header.tr = -1; }),
             "zqSetVTCParametersOfCurrentVMR: the repetition time is negative");
 }

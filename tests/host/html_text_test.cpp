@@ -16,7 +16,8 @@ TEST(DialogText, BreaksLinesAtBrAndDropsEmphasis) {
 }
 
 TEST(DialogText, CollapsesWhiteSpaceAsABrowserDoes) {
-  EXPECT_EQ(dialogText("VOI-definitions.\n Make  sure\tnow <br> next"), "VOI-definitions. Make sure now\nnext");
+  EXPECT_EQ(dialogText("VOI-definitions.\n Make  sure\tnow <br> next"),
+            "VOI-definitions. Make sure now\nnext");
 }
 
 TEST(DialogText, ShowsALinksTargetBehindIt) {
@@ -32,14 +33,17 @@ TEST(DialogText, KeepsWhatIsNoTag) {
   EXPECT_EQ(dialogText(""), "");
 }
 
-TEST(DialogText, DecodesEntities) { EXPECT_EQ(dialogText("1 &lt; 2 &amp;&amp; &quot;x&quot; &y;"), "1 < 2 && \"x\" &y;"); }
+TEST(DialogText, DecodesEntities) {
+  EXPECT_EQ(dialogText("1 &lt; 2 &amp;&amp; &quot;x&quot; &y;"), "1 < 2 && \"x\" &y;");
+}
 
 TEST(DialogText, StartsBlocksAndItemsOnTheirOwnLines) {
   EXPECT_EQ(dialogText("<h1>Title</h1>text<ul><li>one<li>two</ul>end"), "Title\ntext\n- one\n- two\nend");
 }
 
 TEST(LogText, DropsTagsAndKeepsWhiteSpace) {
-  EXPECT_EQ(logText("\n//  <b>TAV</b> -  CNZQ Plugin\n\t5\t-\t100  "), "\n//  TAV -  CNZQ Plugin\n\t5\t-\t100  ");
+  EXPECT_EQ(logText("\n//  <b>TAV</b> -  CNZQ Plugin\n\t5\t-\t100  "),
+            "\n//  TAV -  CNZQ Plugin\n\t5\t-\t100  ");
   EXPECT_EQ(logText("one<br>two"), "one\ntwo");
 }
 
@@ -50,6 +54,8 @@ TEST(Wrapped, BreaksAtBlanksAndKeepsLongWordsWhole) {
   EXPECT_EQ(wrapped("", 10), "");
 }
 
-TEST(Wrapped, CountsCharactersNotBytes) { EXPECT_EQ(wrapped("éé éé éé", 5), "éé éé\néé"); }
+TEST(Wrapped, CountsCharactersNotBytes) {
+  EXPECT_EQ(wrapped("éé éé éé", 5), "éé éé\néé");
+}
 
 }  // namespace

@@ -47,8 +47,9 @@ TEST(LogPane, SaysWhichLogFileCannotBeWritten) {
   Pane p;
   const auto end = endingOf([&] { p.pane.writeTo("/no/such/folder/host.log"); });
   EXPECT_EQ(end.exitCode, host::kExitBadInput);
-  EXPECT_EQ(end.message,
-            "Cannot write the log file /no/such/folder/host.log: check that its folder exists and is writable.");
+  EXPECT_EQ(
+      end.message,
+      "Cannot write the log file /no/such/folder/host.log: check that its folder exists and is writable.");
 }
 
 TEST(LogPane, TellsWhenTheLogFileCouldNotBeWrittenToTheEnd) {

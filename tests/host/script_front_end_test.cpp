@@ -50,13 +50,15 @@ TEST(ScriptFrontEnd, EndsTheRunAtADialogThatTheAnswerDoesNotFit) {
   Scripted s("text faces\n");
   const auto end = endingOf([&] { s.frontEnd.askInteger(kChoice); });
   EXPECT_EQ(end.exitCode, host::kExitBadInput);
-  EXPECT_EQ(end.message,
-            "s.txt:1: \"text faces\" does not answer this dialog, which expects \"integer\" with a whole number "
-            "from 1 to 2:\nChoose\n1. one\n2. two");
+  EXPECT_EQ(
+      end.message,
+      "s.txt:1: \"text faces\" does not answer this dialog, which expects \"integer\" with a whole number "
+      "from 1 to 2:\nChoose\n1. one\n2. two");
 }
 
 TEST(ScriptFrontEnd, EndsTheRunAtAnAnswerOutOfRange) {
-  for (const std::string answer : {"integer 3", "integer 0", "integer 1.5", "integer two", "integer 99999999999"}) {
+  for (const std::string answer :
+       {"integer 3", "integer 0", "integer 1.5", "integer two", "integer 99999999999"}) {
     Scripted s(answer);
     EXPECT_EQ(endingOf([&] { s.frontEnd.askInteger(kChoice); }).exitCode, host::kExitBadInput) << answer;
   }
@@ -103,10 +105,13 @@ TEST(ScriptFrontEnd, RefusesFilesThatADialogCouldNotGive) {
     Scripted s(answer, folder / "s.txt");
     return endingOf([&] { s.frontEnd.askFileToOpen({"Open", "", "", 260}); });
   };
-  EXPECT_THAT(openEnding("open absent.vtc").message, HasSubstr("(there is no file " + (folder / "absent.vtc") + ")"));
+  EXPECT_THAT(openEnding("open absent.vtc").message,
+              HasSubstr("(there is no file " + (folder / "absent.vtc") + ")"));
   EXPECT_THAT(openEnding("open .").message, HasSubstr("this is a folder, not a file"));
   Scripted s("save absent/maps", folder / "s.txt");
-  EXPECT_THAT(endingOf([&] { s.frontEnd.askFileToSave({"Save", "", "", 260}); }).message,
+  EXPECT_THAT(endingOf([&] {
+                s.frontEnd.askFileToSave({"Save", "", "", 260});
+              }).message,
               HasSubstr("(there is no folder " + (folder / "absent") + ")"));
 }
 
@@ -114,7 +119,9 @@ TEST(ScriptFrontEnd, RefusesAPathThatIsTooLongForPlugins) {
   const TemporaryFolder folder;
   const std::string path = folder.write(std::string(250, 'x'), "");
   Scripted s("open " + path, folder / "s.txt");
-  EXPECT_THAT(endingOf([&] { s.frontEnd.askFileToOpen({"Open", "", "", 260}); }).message,
+  EXPECT_THAT(endingOf([&] {
+                s.frontEnd.askFileToOpen({"Open", "", "", 260});
+              }).message,
               HasSubstr("bytes, plug-ins take 260: " + path));
 }
 

@@ -17,7 +17,8 @@ using host_test::endingOf;
 using testing::HasSubstr;
 
 TEST(Script, ReadsOneAnswerPerLine) {
-  const Script script = parseScript("# comment\n\ninteger 3\n  text  two words \r\nopen a b.vtc\ncancel\n", "dir/s.txt");
+  const Script script =
+      parseScript("# comment\n\ninteger 3\n  text  two words \r\nopen a b.vtc\ncancel\n", "dir/s.txt");
   ASSERT_EQ(script.answers.size(), 4U);
   EXPECT_EQ(script.answers[0].kind, AnswerKind::kInteger);
   EXPECT_EQ(script.answers[0].value, "3");
@@ -39,7 +40,8 @@ TEST(Script, TakesAnEmptyText) {
 }
 
 TEST(Script, IgnoresCommentsBehindAnswersButKeepsNumberSigns) {
-  const Script script = parseScript("integer 3   # the reference\ntext run #2\ntext a#b # c # d\n  #no blank\ntext\t#\n", "s.txt");
+  const Script script = parseScript(
+      "integer 3   # the reference\ntext run #2\ntext a#b # c # d\n  #no blank\ntext\t#\n", "s.txt");
   ASSERT_EQ(script.answers.size(), 4U);
   EXPECT_EQ(script.answers[0].value, "3");
   EXPECT_EQ(script.answers[1].value, "run #2");
@@ -56,7 +58,8 @@ TEST(Script, NamesLineAndKnownTagsForAnUnknownOne) {
 }
 
 TEST(Script, RefusesAMissingOrASuperfluousValue) {
-  EXPECT_EQ(endingOf([] { parseScript("integer", "s.txt"); }).message, "s.txt:1: \"integer\" needs a value after it");
+  EXPECT_EQ(endingOf([] { parseScript("integer", "s.txt"); }).message,
+            "s.txt:1: \"integer\" needs a value after it");
   EXPECT_EQ(endingOf([] { parseScript("yes please", "s.txt"); }).message, "s.txt:1: \"yes\" takes no value");
 }
 

@@ -83,16 +83,20 @@ TEST_F(Sessions, SayThatAFileIsNoLibrary) {
   for (const std::string content : {"", "#!/bin/sh\n"}) {
     options.pluginPath = files.folder.write("text.so", content);
     EXPECT_EQ(run(""), 2);
-    EXPECT_EQ(err, "tavmap: Cannot load the plug-in " + options.pluginPath +
-                       ": it is not a shared library. Give a plug-in built for Linux, such as TAVPlugin.so.\n");
+    EXPECT_EQ(err,
+              "tavmap: Cannot load the plug-in " + options.pluginPath +
+                  ": it is not a shared library. Give a plug-in built for Linux, such as TAVPlugin.so.\n");
   }
 }
 
 TEST_F(Sessions, PassOnWhyALibraryCannotBeLoaded) {
-  options.pluginPath = files.folder.write("cut.so", "\x7f" "ELF and nothing else");
+  options.pluginPath = files.folder.write("cut.so",
+                                          "\x7f"
+                                          "ELF and nothing else");
   EXPECT_EQ(run(""), 2);
   EXPECT_THAT(err, HasSubstr("Cannot load the plug-in " + options.pluginPath + ": "));
-  EXPECT_THAT(err, EndsWith(". It must be built for this machine and need no library that is not installed.\n"));
+  EXPECT_THAT(err,
+              EndsWith(". It must be built for this machine and need no library that is not installed.\n"));
 }
 
 TEST_F(Sessions, ResolveEverySymbolAtOnce) {
@@ -104,12 +108,15 @@ TEST_F(Sessions, ResolveEverySymbolAtOnce) {
 TEST_F(Sessions, NameMissingExports) {
   options.pluginPath = HOST_TEST_NO_PLUGIN;
   EXPECT_EQ(run(""), 2);
-  EXPECT_THAT(err, EndsWith(": it does not export getPluginDescription, getHelpFile, getGUIScript, "
-                            "getRegistrationOfGenericComponentLoader, createPlugin. It is no plug-in of this kind, "
-                            "or was built without its exports.\n"));
+  EXPECT_THAT(
+      err, EndsWith(": it does not export getPluginDescription, getHelpFile, getGUIScript, "
+                    "getRegistrationOfGenericComponentLoader, createPlugin. It is no plug-in of this kind, "
+                    "or was built without its exports.\n"));
 }
 
-TEST_F(Sessions, TakeANullTextAsEmpty) { EXPECT_EQ(run("null-text"), 0); }
+TEST_F(Sessions, TakeANullTextAsEmpty) {
+  EXPECT_EQ(run("null-text"), 0);
+}
 
 TEST_F(Sessions, RefuseANullObject) {
   EXPECT_EQ(run("null-object"), 2);
@@ -119,8 +126,7 @@ TEST_F(Sessions, RefuseANullObject) {
 // --- how runs end ---
 
 TEST_F(Sessions, CatchEveryExceptionThatLeavesThePlugin) {
-  const std::string remedy =
-      " Results that it had not saved are lost; report it to the plug-in's makers.\n";
+  const std::string remedy = " Results that it had not saved are lost; report it to the plug-in's makers.\n";
   EXPECT_EQ(run("throw"), 1);
   EXPECT_EQ(err, "tavmap: The plug-in ended execute with an exception (out of luck)." + remedy);
   EXPECT_TRUE(destroyed());
@@ -159,7 +165,8 @@ TEST_F(Sessions, FailWhenTheLogReportsAnError) {
 
 TEST_F(Sessions, StopAPluginThatMisusesTheHost) {
   EXPECT_EQ(run("misuse"), 1);
-  EXPECT_EQ(err, "tavmap: The plug-in misused the host and was stopped: zqLogText: the text is a null pointer\n");
+  EXPECT_EQ(err,
+            "tavmap: The plug-in misused the host and was stopped: zqLogText: the text is a null pointer\n");
   EXPECT_THAT(out, HasSubstr("PLUG-IN MISBEHAVIOUR: zqLogText: the text is a null pointer\n"));
   EXPECT_TRUE(destroyed());
 }
@@ -190,12 +197,14 @@ TEST_F(Sessions, DoNotThrowWhileThePluginIsDestroyed) {
 
 TEST_F(Sessions, SayWhyARunEndsInAFunctionThatMustNotThrow) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(run("noexcept", "integer 9\n"), testing::ExitedWithCode(2), "\"integer 9\" does not answer this dialog");
+  EXPECT_EXIT(run("noexcept", "integer 9\n"), testing::ExitedWithCode(2),
+              "\"integer 9\" does not answer this dialog");
 }
 
 TEST_F(Sessions, ReportAnswersThatAreLeftOver) {
   EXPECT_EQ(run("ask", "integer 0\ntext a\n"), 2);
-  EXPECT_EQ(err, "tavmap: " + (files.folder / "s.txt") + ":2: 1 answer was not asked for, beginning with \"text a\"\n");
+  EXPECT_EQ(err, "tavmap: " + (files.folder / "s.txt") +
+                     ":2: 1 answer was not asked for, beginning with \"text a\"\n");
   EXPECT_EQ(run("fail", "text a\n"), 1) << "an earlier failure counts";
 }
 
@@ -203,7 +212,8 @@ TEST_F(Sessions, ReportAnswersThatAreLeftOver) {
 
 TEST_F(Sessions, GiveTheSeedAndThePluginsFolder) {
   EXPECT_EQ(run("log-environment"), 0);
-  EXPECT_THAT(out, HasSubstr("no time base\n" + std::filesystem::path(options.pluginPath).parent_path().string() + "\n"));
+  EXPECT_THAT(out, HasSubstr("no time base\n" +
+                             std::filesystem::path(options.pluginPath).parent_path().string() + "\n"));
   options.seed = 42;
   options.pluginsFolder = files.folder.path() + "/";
   EXPECT_EQ(run("log-environment"), 0);
@@ -213,13 +223,15 @@ TEST_F(Sessions, GiveTheSeedAndThePluginsFolder) {
 TEST_F(Sessions, RefuseAPluginsFolderThatDoesNotExist) {
   options.pluginsFolder = files.folder / "absent";
   EXPECT_EQ(run("nothing"), 2);
-  EXPECT_EQ(err, "tavmap: There is no plug-ins folder " + (files.folder / "absent") + ". Check --plugins-folder.\n");
+  EXPECT_EQ(err, "tavmap: There is no plug-ins folder " + (files.folder / "absent") +
+                     ". Check --plugins-folder.\n");
 }
 
 TEST_F(Sessions, RefuseAVtcWithoutAnAnatomy) {
   options.vtcPath = files.vtc();
   EXPECT_EQ(run("nothing"), 2);
-  EXPECT_EQ(err, "tavmap: " + options.vtcPath + " needs an anatomy to be attached to. Give one with --anatomy.\n");
+  EXPECT_EQ(err,
+            "tavmap: " + options.vtcPath + " needs an anatomy to be attached to. Give one with --anatomy.\n");
 }
 
 TEST_F(Sessions, NameAnInputThatCannotBeRead) {

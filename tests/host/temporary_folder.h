@@ -18,7 +18,9 @@ struct TemporaryFolder : fakes::TempFolder {
   }
 };
 
-inline std::string contentOf(const std::string& path) { return fakes::readBytes(path); }
+inline std::string contentOf(const std::string& path) {
+  return fakes::readBytes(path);
+}
 
 }  // namespace host_test
 

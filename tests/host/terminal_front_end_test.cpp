@@ -53,7 +53,8 @@ TEST(TerminalFrontEnd, TakesTheInitialValueForEnter) {
 TEST(TerminalFrontEnd, AsksAgainUntilTheNumberIsInRange) {
   Typed t("0\nthree\n3\n 2 \n");
   EXPECT_EQ(t.frontEnd.askInteger(kChoice), 2);
-  EXPECT_THAT(t.out.str(), HasSubstr("Please type a whole number from 1 to 2, or cancel.\nNumber, 1 to 2 [1]: "));
+  EXPECT_THAT(t.out.str(),
+              HasSubstr("Please type a whole number from 1 to 2, or cancel.\nNumber, 1 to 2 [1]: "));
   Typed f("7\n0.25\n");
   EXPECT_EQ(f.frontEnd.askNumber({"q", 0.5F, 0.0F, 1.0F}), 0.25F);
   EXPECT_THAT(f.out.str(), HasSubstr("Number, 0 to 1 [0.5]: Please type a number from 0 to 1, or cancel.\n"));
@@ -112,8 +113,10 @@ TEST(TerminalFrontEnd, AsksAgainForAFileThatDoesNotExist) {
   const std::string vtc = folder.write("run1.vtc", "x");
   Typed t((folder / "absent.vtc") + "\n\n" + vtc + "\n");
   EXPECT_EQ(t.frontEnd.askFileToOpen(kFile), vtc);
-  EXPECT_THAT(t.out.str(), HasSubstr("Pick a file\nVolume Time Course Files (*.vtc)\n\nFile to open: Not possible: "
-                                     "there is no file " + (folder / "absent.vtc") + "\n"));
+  EXPECT_THAT(t.out.str(),
+              HasSubstr("Pick a file\nVolume Time Course Files (*.vtc)\n\nFile to open: Not possible: "
+                        "there is no file " +
+                        (folder / "absent.vtc") + "\n"));
 }
 
 TEST(TerminalFrontEnd, GivesAbsolutePathsFromTheStartFolder) {

@@ -98,7 +98,8 @@ TEST(Workspace, PlacesTheBoxOfAnImportedSeriesAsItsSidecarSays) {
 TEST(Workspace, SaysWhyAVtcCannotBeLinked) {
   const SampleFiles files;
   Workspace workspace;
-  EXPECT_THAT(errorOf([&] { workspace.linkVtc(files.folder / "absent.vtc"); }), HasSubstr(files.folder / "absent.vtc"));
+  EXPECT_THAT(errorOf([&] { workspace.linkVtc(files.folder / "absent.vtc"); }),
+              HasSubstr(files.folder / "absent.vtc"));
   const std::string cut = files.folder.write("cut.vtc", "\3");
   EXPECT_THAT(errorOf([&] { workspace.linkVtc(cut); }), HasSubstr(cut));
 }

@@ -157,6 +157,19 @@ TEST_F(BidsCommand, InputIsOnlyRead) {
   EXPECT_EQ(filesBelow(folder() / "raw"), before);
 }
 
+TEST_F(BidsCommand, TheDataSetItselfIsNoOutputFolder) {
+  const std::string raw = (folder() / "raw").string();
+  const ProgramResult result = tavmap({"bids", raw, raw, "participant"}, folder());
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("the output folder is the data set itself, which is only read"), std::string::npos);
+}
+
+TEST_F(BidsCommand, FilesOfOthersInTheOutputFolderStay) {
+  scratch_.write("out/README", "my notes\n");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  EXPECT_EQ(filesBelow(out()).at("README"), "my notes\n");
+}
+
 TEST_F(BidsCommand, MissingConfoundsAndReferencesAreNamed) {
   fs::remove(folder() / "raw/derivatives/fmriprep/sub-02/func/sub-02_task-blocks_run-1_desc-confounds_timeseries.tsv");
   const ProgramResult result = run({"--confounds", "6motion", "--participant-label", "02"});

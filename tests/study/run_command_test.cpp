@@ -350,6 +350,33 @@ TEST_F(RunCommand, ThePlainCaseNeedsImageMaskAndSeedOnly) {
   EXPECT_TRUE(fs::exists(results() / "tavmap_seed-seed_contrast-wholeRef2Vox_stat-effect_statmap.nii.gz"));
 }
 
+TEST_F(RunCommand, PairsTakeTheReferenceFromOneRunAndTheVoxelsFromTheOther) {
+  const fs::path request = write("", "[[condition]]\nname = 'across'\nwhole_run = true\npairs = [['run1', 'run2']]\n");
+  const ProgramResult result = run(request);
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json sidecar = read("small_seed-A_contrast-acrossRef2Vox_stat-effect_statmap.json");
+  EXPECT_EQ(sidecar["Runs"][0]["Run"], "run2");
+  EXPECT_EQ(sidecar["Runs"][0]["ReferenceFromRun"], "run1");
+  // Independent runs: what drives region B within a run is absent across runs.
+  const formats::Image3D within = formats::readImage((results() / (kMap + ".nii.gz")).string());
+  const formats::Image3D across =
+      formats::readImage((results() / "small_seed-A_contrast-acrossRef2Vox_stat-effect_statmap.nii.gz").string());
+  EXPECT_LT(across.at(8, 5, 4), within.at(8, 5, 4) / 5);
+}
+
+TEST_F(RunCommand, StandardisedDataStayInTheMaskAfterRegression) {
+  small_study::writeBold(folder() / "bold1.nii.gz", 1, 0);
+  std::string table = "noise\n";
+  for (int v = 0; v < small_study::kVolumes; ++v) table += std::to_string((v * 7919) % 101 - 50) + "\n";
+  scratch_.write("confounds.tsv", table);
+  std::string text = small_study::request();
+  text.replace(text.find("name = 'run1'\n"), 14, "name = 'run1'\nconfounds = 'confounds.tsv'\nregress = 'noise'\n");
+  ASSERT_EQ(run(scratch_.write("r.toml", text)).exitCode, 0);
+  const json record = read("small_seed-A_tavmap.json");
+  EXPECT_EQ(record["Conditions"][0]["Voxels"]["below the inclusion threshold"], 0);
+  EXPECT_EQ(record["Conditions"][0]["Runs"][0]["ConfoundDegreesOfFreedom"], 1);
+}
+
 TEST_F(RunCommand, OrdersAreChosenByACriterionAndTheirCurvesSaved) {
   ASSERT_EQ(run(write("order = 'bic'\nmax_order = 4\norder_sample = 20")).exitCode, 0);
   const json sidecar = read(kMap + ".json");

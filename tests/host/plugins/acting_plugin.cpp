@@ -43,7 +43,9 @@ struct LogsWhenDestroyed {
 };
 
 // NOLINTNEXTLINE: the exception that meets this noexcept is what the test is about.
-void askWithoutExceptions() noexcept { askUntilZero(); }
+void askWithoutExceptions() noexcept {
+  askUntilZero();
+}
 
 void writeAMap() {
   NR_VMPs_Header box = {};
@@ -101,15 +103,25 @@ class ActingPlugin : public CNZQPluginInterface {
 
 }  // namespace
 
-PLUGIN_EXPORT const char* getPluginName() { return "Acting <b>plug-in</b>"; }
+PLUGIN_EXPORT const char* getPluginName() {
+  return "Acting <b>plug-in</b>";
+}
 PLUGIN_EXPORT const char* getPluginDescription() {
   if (act() == "throw-in-description") throw std::runtime_error("no words");
   return "Does what it is told.<br>";
 }
-PLUGIN_EXPORT const char* getAuthor() { return "<i>The authors</i>"; }
-PLUGIN_EXPORT const char* getHelpFile() { return act() == "null-text" ? nullptr : "help.html"; }
-PLUGIN_EXPORT const char* getRegistrationOfGenericComponentLoader() { return ""; }
-PLUGIN_EXPORT const char* getGUIScript() { return ""; }
+PLUGIN_EXPORT const char* getAuthor() {
+  return "<i>The authors</i>";
+}
+PLUGIN_EXPORT const char* getHelpFile() {
+  return act() == "null-text" ? nullptr : "help.html";
+}
+PLUGIN_EXPORT const char* getRegistrationOfGenericComponentLoader() {
+  return "";
+}
+PLUGIN_EXPORT const char* getGUIScript() {
+  return "";
+}
 PLUGIN_EXPORT CNZQPluginInterface* createPlugin() {
   if (act() == "null-object") return nullptr;
   if (act() == "throw-in-create") throw std::bad_alloc();

@@ -1,3 +1,7 @@
 // A library that has two of a plug-in's exports only.
-extern "C" __attribute__((visibility("default"))) const char* getPluginName() { return "half"; }
-extern "C" __attribute__((visibility("default"))) const char* getAuthor() { return "nobody"; }
+extern "C" __attribute__((visibility("default"))) const char* getPluginName() {
+  return "half";
+}
+extern "C" __attribute__((visibility("default"))) const char* getAuthor() {
+  return "nobody";
+}

@@ -35,4 +35,16 @@ InclusionPlan planInclusion(const std::vector<float>& firstValues, const std::ve
   return plan;
 }
 
+double meanChange(const std::vector<float>& a, const std::vector<float>& b, const std::vector<std::uint8_t>& inMask) {
+  double sum = 0;
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const double change = std::abs(static_cast<double>(a[i]) - static_cast<double>(b[i]));
+    if ((!inMask.empty() && inMask[i] == 0) || !std::isfinite(change)) continue;
+    sum += change;
+    ++count;
+  }
+  return count > 0 ? sum / static_cast<double>(count) : 0;
+}
+
 }  // namespace formats

@@ -22,6 +22,11 @@ struct InclusionPlan {
 [[nodiscard]] InclusionPlan planInclusion(const std::vector<float>& firstValues, const std::vector<std::uint8_t>& inMask,
                                           double threshold, bool rounded);
 
+// Mean magnitude of the change between two volumes inside the mask, over voxels where both are
+// finite; 0 without any.
+[[nodiscard]] double meanChange(const std::vector<float>& a, const std::vector<float>& b,
+                                const std::vector<std::uint8_t>& inMask);
+
 }  // namespace formats
 
 #endif

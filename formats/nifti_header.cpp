@@ -126,7 +126,9 @@ NiftiTransforms readTransforms(const Header& raw) {
   std::copy_n(raw.srow_x, 4, t.sform.begin());
   std::copy_n(raw.srow_y, 4, t.sform.begin() + 4);
   std::copy_n(raw.srow_z, 4, t.sform.begin() + 8);
-  t.quaternion = {raw.quatern_b, raw.quatern_c, raw.quatern_d, raw.qoffset_x, raw.qoffset_y, raw.qoffset_z};
+  const decltype(raw.quatern_b) quaternion[] = {raw.quatern_b, raw.quatern_c, raw.quatern_d,
+                                                raw.qoffset_x, raw.qoffset_y, raw.qoffset_z};
+  std::copy_n(quaternion, 6, t.quaternion.begin());
   std::copy_n(raw.pixdim, 4, t.pixdim.begin());
   return t;
 }

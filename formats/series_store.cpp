@@ -92,6 +92,11 @@ void SeriesStore::readFromFile(char* to, std::size_t bytes, std::size_t offset) 
   }
 }
 
+void SeriesStore::copyVolume(std::size_t volume, char* to) {
+  if (fd_ >= 0) return readFromFile(to, volumeBytes_, volume * volumeBytes_);
+  std::memcpy(to, bytes_.get() + volume * volumeBytes_, volumeBytes_);
+}
+
 SeriesSlab SeriesStore::slab(std::size_t firstVoxel, std::size_t count) {
   const std::size_t offset = firstVoxel * valueBytes_;
   if (fd_ < 0) return {bytes_.get() + offset, volumeBytes_};

@@ -30,6 +30,8 @@ class SeriesStore {
 
   // Voxels that one slab may have so that it fits its share of the memory; at least 1.
   [[nodiscard]] std::size_t slabVoxels() const { return slabVoxels_; }
+  // One whole volume, as stored. Precondition: `to` has room for it.
+  void copyVolume(std::size_t volume, char* to);
   // Valid until the next call. Precondition: count <= slabVoxels().
   [[nodiscard]] SeriesSlab slab(std::size_t firstVoxel, std::size_t count);
 

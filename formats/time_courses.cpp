@@ -99,15 +99,15 @@ template <>
 struct Lanes<float> {
   static constexpr std::size_t kCount = 4;
   using Vector = float __attribute__((vector_size(16)));
-  using Index = std::int32_t __attribute__((vector_size(16)));
-  static constexpr Index kLow{0, 4, 1, 5}, kHigh{2, 6, 3, 7};
+  static Vector low(Vector a, Vector b) { return __builtin_shufflevector(a, b, 0, 4, 1, 5); }
+  static Vector high(Vector a, Vector b) { return __builtin_shufflevector(a, b, 2, 6, 3, 7); }
 };
 template <>
 struct Lanes<std::uint16_t> {
   static constexpr std::size_t kCount = 8;
   using Vector = std::uint16_t __attribute__((vector_size(16)));
-  using Index = std::int16_t __attribute__((vector_size(16)));
-  static constexpr Index kLow{0, 8, 1, 9, 2, 10, 3, 11}, kHigh{4, 12, 5, 13, 6, 14, 7, 15};
+  static Vector low(Vector a, Vector b) { return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11); }
+  static Vector high(Vector a, Vector b) { return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15); }
 };
 
 // A square block of n rows by n lanes. Interleaving row i with row i + n/2 is a perfect shuffle of
@@ -124,8 +124,8 @@ inline void turnSquare(const Value* from, std::size_t fromStep, Value* to, std::
   for (std::size_t pass = 1; pass < n; pass *= 2) {
 #pragma GCC unroll 4
     for (std::size_t i = 0; i < n / 2; ++i) {
-      shuffled[2 * i] = __builtin_shuffle(rows[i], rows[i + n / 2], L::kLow);
-      shuffled[2 * i + 1] = __builtin_shuffle(rows[i], rows[i + n / 2], L::kHigh);
+      shuffled[2 * i] = L::low(rows[i], rows[i + n / 2]);
+      shuffled[2 * i + 1] = L::high(rows[i], rows[i + n / 2]);
     }
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < n; ++i) rows[i] = shuffled[i];

@@ -35,6 +35,7 @@ struct ImportReport {
   std::size_t voxelsIncluded = 0;   // whose first value exceeds the threshold, after the shift
   std::size_t voxelsInMask = 0;     // all voxels when there is no mask
   std::size_t notFinite = 0;        // inside the mask, first value not a number: never included
+  double meanChange = 0;            // inside the mask, between the first two volumes, in magnitude
   std::vector<std::string> warnings;
 };
 

@@ -47,4 +47,10 @@ TEST(Inclusion, LeavesValuesThatAreNotFiniteOutOfTheChoice) {
   EXPECT_EQ(planInclusion({nan}, {1}, 100, false).shift, 0);
 }
 
+TEST(MeanChange, CountsFiniteVoxelsOfTheMask) {
+  EXPECT_EQ(formats::meanChange({1, 2, std::nanf(""), 100}, {3, -2, 1, 0}, {1, 1, 1, 0}), 3);
+  EXPECT_EQ(formats::meanChange({1}, {5}, {}), 4);
+  EXPECT_EQ(formats::meanChange({1}, {5}, {0}), 0);
+}
+
 }  // namespace

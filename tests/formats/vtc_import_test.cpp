@@ -238,6 +238,25 @@ TEST(VtcImport, WarnsOfVoxelsThatNoMapCanHold) {
                 "give a mask with --mask"}));
 }
 
+TEST(VtcImport, WarnsWhenTheShiftRoundsTheValues) {
+  const TempFolder folder;
+  NiftiSpec spec = seriesSpec();
+  spec.dataType = 16;
+  spec.bitsPerValue = 32;
+  const auto warningsFor = [&](double scale) {
+    std::vector<double> values;
+    for (int i = 0; i < kVoxels * kVolumes; ++i) values.push_back(scale * (i % 7));
+    fakes::writeBytes(folder.file("run.nii"), niftiHeader(spec) + niftiData(spec, values));
+    ImportOptions options;
+    options.maskPath = writeMask(folder);
+    return formats::importVtc(folder.file("run.nii"), folder.file("run.vtc"), options).warnings;
+  };
+  EXPECT_TRUE(warningsFor(1).empty());
+  EXPECT_EQ(warningsFor(1e-4), (std::vector<std::string>{
+                "its values change so little from volume to volume that adding the constant rounds them: "
+                "multiply the image by a large number first"}));
+}
+
 TEST(VtcImport, RefusesMoreVolumesThanAVtcHolds) {
   const TempFolder folder;
   NiftiSpec spec;

@@ -10,7 +10,8 @@ namespace study {
 namespace {
 
 namespace fs = std::filesystem;
-constexpr const char* kStagingPrefix = ".tavmap-";
+// "+" occurs in no prefix of entities, so that one prefix cannot be the beginning of another's name.
+std::string stagingBegin(const std::string& prefix) { return ".tavmap-" + prefix + "+"; }
 
 }  // namespace
 
@@ -54,8 +55,8 @@ std::string OutputNames::sidecarOf(const std::string& file) {
   return file + ".json";
 }
 
-Staging::Staging(const fs::path& outputFolder, const std::string& name)
-    : output_(outputFolder), folder_(outputFolder / (kStagingPrefix + name)) {
+Staging::Staging(const fs::path& outputFolder, const std::string& prefix, const std::string& label)
+    : output_(outputFolder), folder_(outputFolder / (stagingBegin(prefix) + label)) {
   std::error_code error;
   fs::remove_all(folder_, error);
   fs::create_directories(folder_, error);
@@ -86,11 +87,11 @@ std::vector<std::string> Staging::publish(const std::string& record) {
   return files;
 }
 
-void removeOldStaging(const fs::path& outputFolder) {
+void removeOldStaging(const fs::path& outputFolder, const std::string& prefix) {
   std::error_code ignored;
   std::vector<fs::path> old;
   for (const auto& entry : fs::directory_iterator(outputFolder, ignored)) {
-    if (entry.path().filename().string().rfind(kStagingPrefix, 0) == 0) old.push_back(entry.path());
+    if (entry.path().filename().string().rfind(stagingBegin(prefix), 0) == 0) old.push_back(entry.path());
   }
   for (const fs::path& folder : old) fs::remove_all(folder, ignored);
 }

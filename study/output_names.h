@@ -38,7 +38,8 @@ class OutputNames {
 // the output folder, the record last, so that a result either has its record or does not count.
 class Staging {
  public:
-  Staging(const std::filesystem::path& outputFolder, const std::string& name);
+  // prefix: that of the request; label: the reference's.
+  Staging(const std::filesystem::path& outputFolder, const std::string& prefix, const std::string& label);
   ~Staging();  // removes what is left
   Staging(const Staging&) = delete;
   Staging& operator=(const Staging&) = delete;
@@ -51,9 +52,9 @@ class Staging {
   std::filesystem::path output_, folder_;
 };
 
-// Removes staging folders that killed runs have left in an output folder. Only when no other run
-// works there.
-void removeOldStaging(const std::filesystem::path& outputFolder);
+// Removes staging folders that a killed run of this prefix has left in an output folder. Runs of
+// other prefixes may be at work there.
+void removeOldStaging(const std::filesystem::path& outputFolder, const std::string& prefix);
 
 }  // namespace study
 

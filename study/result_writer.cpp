@@ -125,8 +125,8 @@ std::string statusTableText() {
 ResultWriter::ResultWriter(const StudyPlan& plan, const std::vector<std::size_t>& regions,
                            std::function<void(int)> conditionDone)
     : plan_(plan), regions_(regions), conditionDone_(std::move(conditionDone)), header_(resultHeader(plan.runs[0])) {
-  const std::string name = plan.request.output.prefix + "_" + plan.regionLabels[regions[0]];
-  staging_ = std::make_unique<Staging>(plan.request.output.folder, name);
+  staging_ = std::make_unique<Staging>(plan.request.output.folder, plan.request.output.prefix,
+                                       plan.regionLabels[regions[0]]);
 }
 
 ResultWriter::~ResultWriter() = default;

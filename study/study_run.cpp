@@ -78,7 +78,7 @@ double RequestRun::workOfReferences() const {
 void RequestRun::start() {
   fs::create_directories(plan_.workFolder);
   fs::create_directories(plan_.request.output.folder);
-  removeOldStaging(plan_.request.output.folder);
+  removeOldStaging(plan_.request.output.folder, plan_.request.output.prefix);
   pool_.expect(workOfReferences());
   for (std::size_t i = 0; i < plan_.runs.size(); ++i) {
     if (!isPrepared(plan_.runs[i], plan_.workFolder)) addImport(i);

@@ -117,7 +117,7 @@ std::pair<char, std::string> doWork(const WorkPiece& piece, WorkerChannel& chann
 }
 
 void prepareChild(pid_t parent) {
-  std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGINT, SIG_IGN);  // Ctrl-C reaches the whole group; the parent ends its workers itself
   std::signal(SIGTERM, SIG_DFL);
   prctl(PR_SET_PDEATHSIG, SIGKILL);  // a killed parent must not leave writers behind
   if (getppid() != parent) _exit(1);

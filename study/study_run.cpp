@@ -152,7 +152,9 @@ bool RequestRun::keep(std::size_t region) {
 }
 
 void RequestRun::addReferences() {
-  outcome_.cautions.insert(outcome_.cautions.end(), plan_.cautions.begin(), plan_.cautions.end());
+  // In a data set of many participants a warning says whose it is.
+  const std::string begin = options_.datasetFolder.empty() ? "" : plan_.request.title + ": ";
+  for (const std::string& caution : plan_.cautions) outcome_.cautions.push_back(begin + caution);
   std::vector<std::size_t> all;
   for (std::size_t i = 0; i < plan_.regions.size(); ++i) all.push_back(i);
   if (plan_.request.settings.method == Method::kCalibrated) {

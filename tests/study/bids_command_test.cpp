@@ -118,6 +118,8 @@ TEST_F(BidsCommand, DropsRegressesAndCensorsAndSaysSo) {
   const ProgramResult result = run({"--labels", "A", "--participant-label", "01"});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json run1 = read(out() / "sub-01/func" / (kFirst + ".json"))["Runs"][0];
+  EXPECT_NE(result.out.find("WARNING: sub-01_task-blocks_space-MNI: condition 'whole': run 'run-1': 5 of 160 volumes "
+                            "dropped or censored"), std::string::npos) << result.out;
   EXPECT_EQ(run1["VolumesDropped"], 2);
   EXPECT_EQ(run1["VolumesCensored"], 2);
   EXPECT_EQ(run1["Intervals"], json::parse("[[3, 60], [64, 160]]"));  // volume 62 alone is too short

@@ -2,10 +2,14 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <sstream>
+#include <string>
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
 #include "formats/file_error.h"
+#include "tav/voxel_path.h"
 
 namespace {
 
@@ -14,9 +18,17 @@ int report(const std::exception& error, int exitCode) {
   return exitCode;
 }
 
+// The version, and the compute path that a run would take here and now.
+std::string versionText() {
+  std::ostringstream trouble;
+  const std::unique_ptr<tav::VoxelPath> path = tav::makeVoxelPath(trouble);
+  return std::string("tavmap " TAVMAP_VERSION ", kernel ") + (path ? path->name() : "unusable: " + trouble.str());
+}
+
 int run(int argc, char** argv) {
   CLI::App program{"Whole-brain maps of directed influence from fMRI", "tavmap"};
   program.require_subcommand(1);
+  program.set_version_flag("--version", versionText, "Print the version and the kernel in use");
   app::addRunCommand(program);
   app::addBidsCommand(program);
   app::addOrderCommand(program);

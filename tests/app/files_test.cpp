@@ -28,6 +28,13 @@ formats::Json infoOf(const TempFolder& folder, std::vector<std::string> argument
   return formats::parseJson(run.out, "info");
 }
 
+TEST(Version, NamesTheKernelInUse) {
+  const TempFolder folder;
+  const auto run = runTavmap({"--version"}, folder.path());
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_THAT(run.out, testing::MatchesRegex("tavmap [0-9.]+, kernel (reference|scalar|baseline|avx2|avx512)\n"));
+}
+
 TEST(ConvertCommand, ImportsARealRunAndGivesItBack) {
   const TempFolder folder;
   auto run = runTavmap({"convert", kExample + "bold_small.nii.gz", "run.vtc", "--mask", kExample + "mask_small.nii.gz"},

@@ -64,14 +64,12 @@ void setRange(const formats::MapSet& set, const formats::Map& map, double q, ren
   if (hasThresholds(map)) {
     const float threshold = map.thresholds[thresholdIndex(set, q)];
     const float factor = map.lowerThreshold > 0 ? map.upperThreshold / map.lowerThreshold : 3.0F;
-    picture.lower = std::isfinite(threshold) ? threshold : HUGE_VALF;
-    picture.upper = std::isfinite(threshold) ? factor * threshold : HUGE_VALF;
-    std::snprintf(caption, sizeof caption, "false discovery rate q = %g: %s", q,
-                  std::isfinite(threshold) ? "" : "no voxel survives");
-    if (std::isfinite(threshold)) {
-      std::snprintf(caption, sizeof caption, "false discovery rate q = %g: threshold %.3g", q,
-                    static_cast<double>(threshold));
-    }
+    const bool anyPasses = std::isfinite(threshold);
+    picture.lower = anyPasses ? threshold : HUGE_VALF;
+    picture.upper = anyPasses ? factor * threshold : HUGE_VALF;
+    std::snprintf(caption, sizeof caption, anyPasses ? "false discovery rate q = %g: threshold %.3g"
+                                                     : "false discovery rate q = %g: no voxel survives",
+                  q, static_cast<double>(threshold));
   }
   picture.caption = caption;
 }

@@ -25,7 +25,8 @@
 // size is estimated as in Cline, Moler, Stewart & Wilkinson 1979 (SIAM J. Numer. Anal. 16, 368):
 // along with the factor L the system L u = e is solved, the signs of e being chosen so that u
 // grows. A pivot further from 0 than kCertain and than kPerGrowth |u|^2, both relative to the sum
-// of squares, has the same sign in the reference, whatever the order of variables.
+// of squares or, where it is larger, to what was subtracted from it, has the same sign in the
+// reference, whatever the order of variables.
 #ifndef TAVMAP_TAV_KERNEL_FIT_INL_H
 #define TAVMAP_TAV_KERNEL_FIT_INL_H
 
@@ -45,9 +46,11 @@ struct Doubts {
   typename S::Mask flat = 0;              // no variance at all: failed, whatever else is unsure
   typename S::Floats growth = S::zero();  // |u|^2 so far
 
-  // `value` must be positive; `squares` is the sum of squares behind it. NaN passes.
+  // `value` must be positive; it is `squares`, a sum of squares, less what the rows before explain.
+  // NaN passes.
   void check(typename S::Floats value, typename S::Floats squares) {
-    const auto margin = squares * S::larger(S::all(kCertain), growth * S::all(kPerGrowth));
+    const auto size = S::larger(squares, squares - value);
+    const auto margin = size * S::larger(S::all(kCertain), growth * S::all(kPerGrowth));
     unsure |= S::lessEqual(S::magnitude(value), margin);
     failed |= S::less(value, S::zero() - margin);
   }
@@ -137,6 +140,14 @@ void eliminate(const Factor& factor, float* const* rows, int first, int end) {
   }
 }
 
+// Element i of u, from the first i elements of its row of the factor and 1 / diagonal.
+template <class S>
+typename S::Floats nextProbe(const Factor& factor, const float* row, int i, typename S::Floats squares,
+                             typename S::Floats inverse) {
+  const auto sum = dot<S>(row, factor.probe, i);
+  return S::zero() - (sum + S::withSign(S::root(squares), sum)) * inverse;
+}
+
 // Completes row i, whose columns before i are done. `squares`: the series' sum of squares.
 template <class S>
 void takePivot(const Factor& factor, int i, typename S::Floats squares, Doubts<S>& doubts) {
@@ -146,9 +157,8 @@ void takePivot(const Factor& factor, int i, typename S::Floats squares, Doubts<S
   const auto inverse = S::all(1.0F) / diagonal;
   put<S>(factor.rows[i], i, diagonal);
   put<S>(factor.inverse, i, inverse);
-  const auto sum = dot<S>(factor.rows[i], factor.probe, i);
-  const auto probe = (sum + S::withSign(S::root(squares), sum)) * inverse;
-  put<S>(factor.probe, i, S::zero() - probe);
+  const auto probe = nextProbe<S>(factor, factor.rows[i], i, squares, inverse);
+  put<S>(factor.probe, i, probe);
   doubts.growth = S::madd(probe, probe, doubts.growth);
 }
 
@@ -229,7 +239,7 @@ struct JointErrors {
 };
 
 // Behind fitAlone() of y with the same factor: adds the p rows of x. `cross` points at shift 0;
-// `yError` is E_y.
+// `yError` is E_y. The doubts then hold for a pivot behind x's current value as well.
 template <class S>
 JointErrors<S> fitJoint(const PlanView& plan, const Series& x, const Series& y, const float* cross,
                         typename S::Floats yError, const Factor& factor, float* yLast, float* xLast,
@@ -251,6 +261,8 @@ JointErrors<S> fitJoint(const PlanView& plan, const Series& x, const Series& y, 
   const auto yy = yError - sumOfSquares<S>(yLast, p, 2 * p);
   doubts.check(xx, at<S>(x.own, 0));
   doubts.check(yy, at<S>(y.own, 0));
+  const auto probe = nextProbe<S>(factor, xLast, 2 * p, at<S>(x.own, 0), S::all(1.0F) / S::root(xx));
+  doubts.growth = S::madd(probe, probe, doubts.growth);
   return {xx, at<S>(cross, 0) - dot<S>(xLast, yLast, 2 * p), yy};
 }
 

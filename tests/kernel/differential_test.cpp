@@ -17,6 +17,11 @@ TEST_P(KernelAgainstReference, AgreesOnRandomJobs) {
     ASSERT_EQ(differential::check(kernel(), seed), "") << "seed " << seed;
 }
 
+// Jobs in which kernels once decided about a voxel that the reference fits.
+TEST_P(KernelAgainstReference, LeavesNearlyDegenerateVoxelsToTheReference) {
+  EXPECT_EQ(differential::check(kernel(), 766219), "");
+}
+
 TEST_P(KernelAgainstReference, GivesTheSameBitsWhateverTheSizeOfCalls) {
   for (std::uint32_t seed = 1; seed <= 40; ++seed) {
     differential::Case made;

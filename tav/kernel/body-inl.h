@@ -50,10 +50,8 @@ class GroupKernel {
     yError_ = fitAlone<S>(plan_, y(), factor_, lane(layout_.yLast), own_);
     computeTruth();
     computeNull(0, crossAt(1));
-    for (int draw = 1; draw < plan_.draws; ++draw) {
-      collectCross(draw);
-      computeNull(draw, crossAt(0));
-    }
+    for (int draw = 1; draw < plan_.draws; draw += kMaxRows)
+      computeDraws(draw, lesser(kMaxRows, plan_.draws - draw));
   }
 
  private:
@@ -64,7 +62,7 @@ class GroupKernel {
   float* lane(int variable) const { return work_.lanes + static_cast<std::ptrdiff_t>(variable) * kWidth; }
   Series seriesAt(int variable) const { return {lane(variable), lane(variable + plan_.order + 1)}; }
   Series y() const { return seriesAt(layout_.own); }
-  // Shift 0 of row 0 or 1 of the cross sums.
+  // Shift 0 of a row of the cross sums.
   const float* crossAt(int row) const { return lane(layout_.cross + crossStatistic(plan_.order, row, 0)); }
   std::size_t voxelOf(int l) const { return first_ + static_cast<std::size_t>(l < nrOfVoxels_ ? l : 0); }
   const float* tableOf(const IntervalView& interval, std::ptrdiff_t row) const {
@@ -194,6 +192,8 @@ class GroupKernel {
     }
   }
 
+  static int lesser(int a, int b) { return a < b ? a : b; }
+
   static const float* surrogateRow(const IntervalView& interval, std::size_t row) {
     return interval.surrogates + row * static_cast<std::size_t>(interval.paddedLength);
   }
@@ -217,26 +217,38 @@ class GroupKernel {
     }
   }
 
-  // Cross sums and tables of a further draw.
-  void collectCross(int draw) {
-    const int statistics = 2 * plan_.order + 1;
+  // Further draws first ... first + count - 1, at most kMaxRows.
+  void computeDraws(int first, int count) {
+    const int statistics = count * (2 * plan_.order + 1);
     clearPartials(statistics);
-    clearSeries(layout_.drawn);
-    for (int l = 0; l < kWidth; ++l) addCrossPass(l, draw);
+    for (int l = 0; l < kWidth; ++l) addCrossPass(l, first, count);
     sumPartials(0, statistics, layout_.cross);
+    for (int row = 0; row < count; ++row) {
+      collectTables(first + row);
+      computeNull(first + row, crossAt(row));
+    }
   }
 
-  void addCrossPass(int l, int draw) {
+  void addCrossPass(int l, int first, int count) {
     for (int n = 0; n < plan_.nrOfIntervals; ++n) {
       const IntervalView& interval = plan_.intervals[n];
-      const std::size_t drawn = surrogateOf(l, n, draw);
-      const float* row = surrogateRow(interval, drawn);
-      if (l + 1 < kWidth)
-        prefetch(surrogateRow(interval, surrogateOf(l + 1, n, draw)), interval.paddedLength);
-      work_.segments[n] = {rowOf(l, interval), {row, row}, interval.paddedLength};
-      addTable(tableOf(interval, static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
+      LagRows& rows = work_.segments[n];
+      rows.voxel = rowOf(l, interval);
+      rows.paddedLength = interval.paddedLength;
+      for (int row = 0; row < count; ++row)
+        rows.references[row] = surrogateRow(interval, surrogateOf(l, n, first + row));
     }
-    addCrossLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
+    addCrossLags<S>({work_.segments, plan_.nrOfIntervals}, count, plan_.order, partialsOf(l));
+  }
+
+  void collectTables(int draw) {
+    clearSeries(layout_.drawn);
+    for (int l = 0; l < kWidth; ++l) {
+      for (int n = 0; n < plan_.nrOfIntervals; ++n) {
+        const std::size_t drawn = surrogateOf(l, n, draw);
+        addTable(tableOf(plan_.intervals[n], static_cast<std::ptrdiff_t>(drawn)), n, layout_.drawn, l);
+      }
+    }
   }
 
   // A sum of squares of 0 is a flat voxel, unless a slope was removed, or its values are so small

@@ -8,8 +8,8 @@
 //                            x(0) x(1) ...  x(N-1) | 0 0
 //
 // so that sum x(t) y(t-j) for j = -order ... order needs no case for the interval's ends. Each
-// shifted vector is loaded once and enters up to three products: with the reference, with a
-// surrogate and with the voxel itself.
+// shifted vector is loaded once and enters up to four products: with the reference, with a
+// surrogate and with the voxel itself; or with several surrogates.
 //
 // The sums over the W lanes are left to a later step that does them for W voxels at once:
 // `partials` is [statistic][voxel lane][W], see statistics below.
@@ -21,8 +21,8 @@
 namespace tav::kernel {
 namespace {
 
-// Statistics of a pass: cross sums of row 0 at shifts -order ... order, the same of row 1, then
-// own sums at lags 0 ... order.
+// Statistics of a pass: cross sums of row 0 at shifts -order ... order, the same of the next rows;
+// behind two rows, own sums at lags 0 ... order.
 constexpr int crossStatistic(int order, int row, int shift) {
   return row * (2 * order + 1) + order + shift;
 }
@@ -61,7 +61,7 @@ struct LagProducts {
     const float* shifted = rows.voxel - first;
     for (int t = start; t < end; t += S::kWidth) {
       Floats left[extent(kRows)];
-#pragma GCC unroll 2
+#pragma GCC unroll 4
       for (int r = 0; r < kRows; ++r) left[r] = S::load(rows.references[r] + t);
       Floats self = S::zero();
       if constexpr (kOwn > 0) self = S::load(rows.voxel + t);
@@ -69,7 +69,7 @@ struct LagProducts {
       for (int j = 0; j < kShifts; ++j) {
         Floats right = S::loadAny(shifted + t - j);
         S::pin(right);
-#pragma GCC unroll 2
+#pragma GCC unroll 4
         for (int r = 0; r < kRows; ++r) cross[r][j] = S::madd(left[r], right, cross[r][j]);
         if (j >= kOwnFrom) own[j - kOwnFrom] = S::madd(self, right, own[j - kOwnFrom]);
       }
@@ -112,13 +112,11 @@ template <class S, int kRows, int kShifts, int kOwnFrom>
 
 using LagFunction = void (*)(const LagRowsList&, int, int, float*);
 
-// Most shifts that a loop carries: with own products, and without for one or two rows.
+// Most shifts that a loop carries: of two rows with own products, and of some rows without.
 template <class S>
 inline constexpr int kShiftsWithOwn = S::kAccumulators / 3;
-template <class S>
-inline constexpr int kShiftsOfTwo = S::kAccumulators / 2;
-template <class S>
-inline constexpr int kShiftsOfOne = S::kAccumulators < 12 ? S::kAccumulators : 12;
+template <class S, int kRows>
+inline constexpr int kShiftsOf = S::kAccumulators / kRows < 12 ? S::kAccumulators / kRows : 12;
 
 // table[n - 1]: n shifts, all with own products or none.
 template <class S, int kRows, bool kWithOwn, int... kCounts>
@@ -164,14 +162,28 @@ void addAllLags(const LagRowsList& rows, int order, float* partials) {
     if (order == 3) return addLagProducts<S, 2, 7, 3>(rows, order, -3, partials);
     if (order == 4) return addLagProducts<S, 2, 9, 4>(rows, order, -4, partials);
   }
-  addShifts<S, 2, false, kShiftsOfTwo<S>>(rows, order, -order, -1, partials);
+  addShifts<S, 2, false, kShiftsOf<S, 2>>(rows, order, -order, -1, partials);
   addShifts<S, 2, true, kShiftsWithOwn<S>>(rows, order, 0, order, partials);
 }
 
-// The cross statistics of row 0 alone.
-template <class S>
+template <class S, int kRows>
 void addCrossLags(const LagRowsList& rows, int order, float* partials) {
-  addShifts<S, 1, false, kShiftsOfOne<S>>(rows, order, -order, order, partials);
+  addShifts<S, kRows, false, kShiftsOf<S, kRows>>(rows, order, -order, order, partials);
+}
+
+// The cross statistics of the first `nrOfRows` rows, 1 ... kMaxRows.
+template <class S>
+void addCrossLags(const LagRowsList& rows, int nrOfRows, int order, float* partials) {
+  switch (nrOfRows) {
+    case 1:
+      return addCrossLags<S, 1>(rows, order, partials);
+    case 2:
+      return addCrossLags<S, 2>(rows, order, partials);
+    case 3:
+      return addCrossLags<S, 3>(rows, order, partials);
+    default:
+      return addCrossLags<S, 4>(rows, order, partials);
+  }
 }
 
 }  // namespace

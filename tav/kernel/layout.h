@@ -7,7 +7,8 @@
 //     drawn      own and tails of each lane's surrogate
 //     first      first value of each interval
 //     mean, slope  of each interval
-//     cross      lag sums with the reference, then with the surrogate, at shifts -p ... p
+//     cross      lag sums with the rows of a pass at shifts -p ... p: with the reference and the first
+//                surrogate, then with further surrogates
 //     yRows      lower factor of the voxel's lags, row after row
 //     xRows      rows of the reference's lags: p columns for the voxel's lags, then their own
 //     inverse    1 / diagonal of the 2p rows
@@ -18,6 +19,8 @@
 #define TAVMAP_TAV_KERNEL_LAYOUT_H
 
 #include <cstddef>
+
+#include "tav/kernel/plan_view.h"
 
 namespace tav::kernel {
 
@@ -32,7 +35,7 @@ struct LaneLayout {
         mean(first + nrOfIntervals),
         slope(mean + nrOfIntervals),
         cross(slope + nrOfIntervals),
-        yRows(cross + 2 * (2 * p + 1)),
+        yRows(cross + kMaxRows * (2 * p + 1)),
         xRows(yRows + p * (p + 1) / 2),
         inverse(xRows + p * p + p * (p + 1) / 2),
         probe(inverse + 2 * p),
@@ -46,10 +49,15 @@ struct LaneLayout {
   int size;
 };
 
-// Statistics of one pass of lag sums.
+// Statistics of the first pass of lag sums, and at most of any pass.
 constexpr int nrOfStatistics(int order) {
   return 2 * (2 * order + 1) + order + 1;
 }
+constexpr int mostStatistics(int order) {
+  return kMaxRows * (2 * order + 1);
+}
+static_assert(mostStatistics(1) >= nrOfStatistics(1) &&
+              mostStatistics(kMaxOrder) >= nrOfStatistics(kMaxOrder));
 
 }  // namespace tav::kernel
 

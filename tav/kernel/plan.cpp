@@ -117,7 +117,7 @@ void Plan::prepare(const PlanSpec& spec) {
 Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   const auto lanes = static_cast<std::size_t>(width);
   const auto slots = plan.draws > 1 ? lanes : 1;
-  const auto statistics = static_cast<std::size_t>(nrOfStatistics(plan.order));
+  const auto statistics = static_cast<std::size_t>(mostStatistics(plan.order));
   const auto variables = static_cast<std::size_t>(LaneLayout(plan.order, plan.nrOfIntervals).size);
   rows_ = AlignedFloats(slots * plan.rowSize);
   partials_ = AlignedFloats(statistics * lanes * lanes);

@@ -93,10 +93,13 @@ struct RowsView {
   float* tables;  // see IntervalView::tables
 };
 
+// Rows of references and surrogates that one pass of lag sums takes at most.
+inline constexpr int kMaxRows = 4;
+
 // The rows of one interval that a voxel's lag sums are made of.
 struct LagRows {
   const float* voxel;  // zeros around it
-  const float* references[2];
+  const float* references[kMaxRows];
   int paddedLength;
 };
 

@@ -21,55 +21,12 @@ std::optional<std::int64_t> baseSetByEnvironment() {
   return text == nullptr ? std::nullopt : parseTimeBase(text);
 }
 
-#if defined(__GLIBC__)
-
-// The C library's additive feedback generator at its default size, in storage of our own.
-class Generator {
- public:
-  void seed(unsigned value) {
-    if (started_) {
-      srandom_r(value, &data_);
-    } else {
-      initstate_r(value, buffer_, sizeof buffer_, &data_);
-      started_ = true;
-    }
-  }
-  int next() {
-    if (!started_) seed(1);
-    std::int32_t number = 0;
-    random_r(&data_, &number);
-    return number;
-  }
-
- private:
-  random_data data_{};  // points into buffer_: the generator must not move
-  alignas(std::int32_t) char buffer_[128]{};
-  bool started_ = false;
-};
-
-thread_local constinit Generator generator;
-
-#else
-
-static_assert(RAND_MAX == kRandomMax, "the normal numbers need rand() to reach 2^31 - 1");
-
-struct Generator {
-  void seed(unsigned value) { std::srand(value); }
-  int next() { return std::rand(); }
-};
-
-Generator generator;
-
-#endif
+thread_local constinit RandomStream stream;
 
 }  // namespace
 
-void seedRandom(unsigned seed) {
-  generator.seed(seed);
-}
-
-int nextRandom() {
-  return generator.next();
+RandomStream& randomStream() {
+  return stream;
 }
 
 std::int64_t timeBase() {

@@ -6,23 +6,13 @@
 #include <optional>
 #include <string_view>
 
+#include "simo/random_stream.h"
+
 namespace simo {
 
-// The generator draws the numbers of the C library's srand and rand, in their order, from a state
-// of its own: no lock, and nothing that a host draws from its generator disturbs a run. Each thread
-// has one state, so a run must seed and draw on one thread, as it does. Before the first seeding it
-// behaves as seeded with 1, like the C library's.
-// Where the C library has no re-entrant form of its generator, srand and rand themselves are used:
-// one state for the process.
-
-// The largest number drawn; the normal numbers rely on exactly this range.
-inline constexpr int kRandomMax = 2147483647;
-
-// Restarts the sequence, as srand(seed) would.
-void seedRandom(unsigned seed);
-
-// The next number, 0 ... kRandomMax, as rand() would give.
-[[nodiscard]] int nextRandom();
+// The stream of the calling thread: a run seeds and draws on one thread. Before the first seeding it
+// is as seeded with 1.
+[[nodiscard]] RandomStream& randomStream();
 
 // The number that seeds are counted from: the base set by setTimeBase; else TAV_TIME_BASE of the
 // environment, if it holds a whole number; else the wall-clock second. Seeds use its low 32 bits.

@@ -13,4 +13,19 @@ const float* rawTAVMaps::values(int measure) const {
   return plane(measure).elements();
 }
 
+void FurtherNulls::Block::resize(std::size_t nrOfVoxels, std::size_t drawsPerVoxel) {
+  nrOfVoxels_ = nrOfVoxels;
+  planeSize_ = nrOfVoxels * drawsPerVoxel;
+  if (planeSize_ * kNrOfMeasures <= capacity_) return;
+  capacity_ = planeSize_ * kNrOfMeasures;
+  values_ = std::make_unique_for_overwrite<float[]>(capacity_);
+}
+
+FurtherNulls::Block& FurtherNulls::append(std::size_t nrOfVoxels) {
+  if (used_ == blocks_.size()) blocks_.emplace_back();
+  Block& block = blocks_[used_++];
+  block.resize(nrOfVoxels, drawsPerVoxel_);
+  return block;
+}
+
 }  // namespace tav

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "simo/smatrix.h"
@@ -39,33 +41,44 @@ class FurtherNulls {
  public:
   explicit FurtherNulls(int drawsPerVoxel) : drawsPerVoxel_(static_cast<std::size_t>(drawsPerVoxel)) {}
 
+  // The voxels of one call: for each measure, draw after draw, one value per voxel, in the order of the
+  // grid. Not initialised.
   class Block {
    public:
-    Block(std::size_t nrOfVoxels, std::size_t drawsPerVoxel)
-        : planeSize_(nrOfVoxels * drawsPerVoxel), values_(planeSize_ * kNrOfMeasures) {}
-    // Values [voxel][draw] of one measure, voxels in the order of the grid.
+    // planeSize() values of one measure.
     [[nodiscard]] float* plane(int measure) {
-      return values_.data() + planeSize_ * static_cast<std::size_t>(measure);
+      return values_.get() + planeSize_ * static_cast<std::size_t>(measure);
     }
     [[nodiscard]] const float* plane(int measure) const {
-      return values_.data() + planeSize_ * static_cast<std::size_t>(measure);
+      return values_.get() + planeSize_ * static_cast<std::size_t>(measure);
     }
+    // nrOfVoxels() values of one measure and further draw, from 0.
+    [[nodiscard]] float* draw(int measure, std::size_t draw) { return plane(measure) + draw * nrOfVoxels_; }
+    [[nodiscard]] const float* draw(int measure, std::size_t draw) const {
+      return plane(measure) + draw * nrOfVoxels_;
+    }
+    [[nodiscard]] std::size_t nrOfVoxels() const { return nrOfVoxels_; }
     [[nodiscard]] std::size_t planeSize() const { return planeSize_; }
 
    private:
-    std::size_t planeSize_;
-    std::vector<float> values_;
+    friend class FurtherNulls;
+    void resize(std::size_t nrOfVoxels, std::size_t drawsPerVoxel);
+
+    std::size_t nrOfVoxels_ = 0, planeSize_ = 0, capacity_ = 0;
+    std::unique_ptr<float[]> values_;
   };
 
-  // Room for further voxels, zero-filled. The reference holds until the next call.
-  Block& append(std::size_t nrOfVoxels) { return blocks_.emplace_back(nrOfVoxels, drawsPerVoxel_); }
-  void clear() { blocks_.clear(); }
+  // Room for further voxels. The reference holds until the next call.
+  Block& append(std::size_t nrOfVoxels);
+  // Forgets the values and keeps the memory for the next ones.
+  void clear() { used_ = 0; }
   [[nodiscard]] std::size_t drawsPerVoxel() const { return drawsPerVoxel_; }
-  [[nodiscard]] const std::vector<Block>& blocks() const { return blocks_; }
+  [[nodiscard]] std::span<const Block> blocks() const { return {blocks_.data(), used_}; }
 
  private:
   std::size_t drawsPerVoxel_;
   std::vector<Block> blocks_;
+  std::size_t used_ = 0;
 };
 
 }  // namespace tav

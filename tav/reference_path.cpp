@@ -1,131 +1,35 @@
 #include "tav/reference_path.h"
 
-#include <algorithm>
-
 #include "tav/result_writer.h"
 
 namespace tav {
-ReferencePath::Segment::Segment(const VoxelSet& set, const TAV_intv& interval)
-    : first(interval.first),
-      length(interval.last - interval.first + 1),
-      reference(1, length, 0, 0),
-      surrogates(set.surrogates->nRows, length, 0, 0) {
-  const simo::Matrix<float>& course = *set.reference;
-  const simo::Matrix<float>& rows = *set.surrogates;
-  simo::dtrendRowsToRes(course, course.rowBase, course.rowBase + 1, first, first + length, reference, 0, 0);
-  simo::dtrendRowsToRes(rows, rows.rowBase, rows.rowEnd, first, first + length, surrogates, 0, 0);
-}
+namespace {
 
-void ReferencePath::begin(const VoxelJob& job) {
-  job_ = job;
-  sets_.clear();
-  nrOfSegments_ = 0;
-  int longest = 1;
-  for (const VoxelSet& set : job.sets) {
-    Set& own = sets_.emplace_back();
-    own.file = set.file;
-    for (const TAV_intv& interval : set.intervals) {
-      longest = std::max(longest, own.segments.emplace_back(set, interval).length);
-      ++nrOfSegments_;
-    }
-  }
-  int mostVolumes = 1;
-  for (const VoxelFile& file : job.files) mostVolumes = std::max(mostVolumes, file.nrOfVolumes);
-  timeCourse_ = std::make_unique<simo::Matrix<float>>(1, mostVolumes, 0, 1);
-  work_ = std::make_unique<simo::Matrix<float>>(2, longest, 0, 0);
-  averages_ = std::make_unique<simo::FosAvg<float>>(2, job.order);
-  nullAverages_.clear();
-  for (int k = 0; k < job.nullDraws; ++k)
-    nullAverages_.push_back(std::make_unique<simo::FosAvg<float>>(2, job.order));
-  joint_ = std::make_unique<simo::FosOrth<float>>(2, job.order);
-  single1_ = std::make_unique<simo::FosOrth<float>>(1, job.order);
-  single2_ = std::make_unique<simo::FosOrth<float>>(1, job.order);
-}
-
-void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
-                            const VoxelResults& results, VoxelCounts& counts) {
-  const Inclusion inclusion(job_, data);
-  ResultWriter writer(job_, inclusion.count(nrOfVoxels), results, counts);
+void computeVoxels(const VoxelJob& job, ReferenceFits& fits, std::size_t nrOfVoxels,
+                   std::span<const VoxelData> data, const VoxelResults& results) {
+  const Inclusion inclusion(job, data);
+  ResultWriter writer(job, inclusion.count(nrOfVoxels), results);
   for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) {
     if (inclusion.includes(voxel)) {
-      computeVoxel(voxel, data);
-      writer.write(voxel, measures_);
+      writer.write(voxel, fits.compute(voxel, data));
     } else {
       writer.skip(voxel);
     }
   }
 }
 
-const VoxelMeasures& ReferencePath::computeDrawn(std::size_t voxel, std::span<const VoxelData> data,
-                                                 const std::uint32_t* drawn) {
-  drawn_ = drawn;
-  computeVoxel(voxel, data);
-  drawn_ = nullptr;
-  return measures_;
+}  // namespace
+
+void ReferencePath::begin(std::span<const VoxelJob> jobs) {
+  jobs_.assign(jobs.begin(), jobs.end());
+  fits_.clear();
+  for (const VoxelJob& job : jobs_) fits_.emplace_back(job);
 }
 
-void ReferencePath::computeVoxel(std::size_t voxel, std::span<const VoxelData> data) {
-  accumulate(voxel, data);
-  measures_.nulls.assign(nullAverages_.size(), {});
-  measures_.nullsIllDefined = 0;
-  measures_.isDefined = fit(*averages_, measures_.truth);
-  if (!measures_.isDefined) return;
-  for (std::size_t draw = 0; draw < nullAverages_.size(); ++draw) {
-    if (!fit(*nullAverages_[draw], measures_.nulls[draw])) ++measures_.nullsIllDefined;
-  }
-}
-
-// Fills the true averages and those of every null draw from all intervals of all sets.
-void ReferencePath::accumulate(std::size_t voxel, std::span<const VoxelData> data) {
-  averages_->clear();
-  for (const auto& averages : nullAverages_) averages->clear();
-  for (const Set& set : sets_) {
-    const auto file = static_cast<std::size_t>(set.file);
-    loadTimeCourse(voxel, data[file], job_.files[file].nrOfVolumes);
-    for (const Segment& segment : set.segments) accumulateSegment(segment);
-  }
-  // The null averages stay sums, deliberately: the measures do not depend on a common factor, but
-  // their last bits do.
-  if (nrOfSegments_ > 0) averages_->scale(1.0F / static_cast<float>(nrOfSegments_));
-}
-
-void ReferencePath::accumulateSegment(const Segment& segment) {
-  const int end = segment.first + segment.length;
-  loadReference(segment.reference, 0, segment.length);
-  simo::dtrendRowsToRes(*timeCourse_, 0, 1, segment.first, end, *work_, 1, 0);
-  simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages_, job_.lagPairForm);
-  if (job_.nrOfSurrogates < 1) return;
-  for (const auto& averages : nullAverages_) {
-    loadReference(segment.surrogates, static_cast<int>(nextRow()), segment.length);
-    simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages, job_.lagPairForm);
-  }
-}
-
-unsigned ReferencePath::nextRow() {
-  if (drawn_ != nullptr) return *drawn_++;
-  return static_cast<unsigned>(simo::nextRandom()) % static_cast<unsigned>(job_.nrOfSurrogates);
-}
-
-void ReferencePath::loadTimeCourse(std::size_t voxel, const VoxelData& data, int nrOfVolumes) {
-  const auto count = static_cast<std::size_t>(nrOfVolumes);
-  if (data.floats != nullptr) {
-    std::copy_n(data.floats + voxel * count, count, timeCourse_->elements());
-  } else {
-    std::copy_n(data.shorts + voxel * count, count, timeCourse_->elements());
-  }
-}
-
-void ReferencePath::loadReference(const simo::Matrix<float>& rows, int row, int length) {
-  std::copy_n(rows[row], length, (*work_)[0]);
-}
-
-bool ReferencePath::fit(const simo::FosAvg<float>& averages, std::array<float, kNrOfMeasures>& measures) {
-  measures = {};
-  if (simo::gewekeX2Y(averages, 0, 1, *joint_, *single1_, *single2_, measures[0], measures[1], measures[2])) {
-    return true;
-  }
-  measures = {};
-  return false;
+void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
+                            std::span<const VoxelResults> results) {
+  for (std::size_t i = 0; i < jobs_.size(); ++i)
+    computeVoxels(jobs_[i], fits_[i], nrOfVoxels, data, results[i]);
 }
 
 }  // namespace tav

@@ -1,72 +1,25 @@
-// The readable voxel path: one voxel after the other through simo.
+// The readable voxel path.
 #ifndef TAVMAP_TAV_REFERENCE_PATH_H
 #define TAVMAP_TAV_REFERENCE_PATH_H
 
-#include <array>
-#include <cstdint>
 #include <deque>
-#include <memory>
-#include <vector>
 
-#include "simo/smatrix.h"
+#include "tav/reference_fits.h"
 #include "tav/voxel_path.h"
 
 namespace tav {
 
-// The measures of one included voxel.
-struct VoxelMeasures {
-  bool isDefined;  // false: all values are 0 and no null was fitted
-  std::array<float, kNrOfMeasures> truth;
-  std::vector<std::array<float, kNrOfMeasures>> nulls;  // per draw; 0 where the fit failed
-  int nullsIllDefined;
-};
-
-// What every other path is held to. References and surrogates are detrended once per set and
-// interval, which gives the same numbers as doing so for every voxel, at the cost of one further
-// copy of the surrogates over the intervals. Nothing is allocated per voxel.
+// Reference after reference, voxel after voxel.
 class ReferencePath : public VoxelPath {
  public:
   [[nodiscard]] const char* name() const override { return "reference"; }
-  void begin(const VoxelJob& job) override;
-  void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data, const VoxelResults& results,
-               VoxelCounts& counts) override;
-
-  // One voxel of the current job whose surrogates are drawn already, [interval][draw]. The result
-  // holds until the next call.
-  const VoxelMeasures& computeDrawn(std::size_t voxel, std::span<const VoxelData> data,
-                                    const std::uint32_t* drawn);
+  void begin(std::span<const VoxelJob> jobs) override;
+  void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
+               std::span<const VoxelResults> results) override;
 
  private:
-  // One interval of one set with its detrended references.
-  struct Segment {
-    Segment(const VoxelSet& set, const TAV_intv& interval);
-    int first, length;
-    simo::Matrix<float> reference;   // 1 x length, 0-based
-    simo::Matrix<float> surrogates;  // surrogates x length, 0-based
-  };
-  struct Set {
-    int file;
-    std::deque<Segment> segments;
-  };
-
-  void accumulate(std::size_t voxel, std::span<const VoxelData> data);
-  void accumulateSegment(const Segment& segment);
-  void loadTimeCourse(std::size_t voxel, const VoxelData& data, int nrOfVolumes);
-  void loadReference(const simo::Matrix<float>& rows, int row, int length);
-  [[nodiscard]] unsigned nextRow();
-  [[nodiscard]] bool fit(const simo::FosAvg<float>& averages, std::array<float, kNrOfMeasures>& measures);
-  void computeVoxel(std::size_t voxel, std::span<const VoxelData> data);
-
-  VoxelJob job_;
-  std::deque<Set> sets_;
-  int nrOfSegments_ = 0;
-  std::unique_ptr<simo::Matrix<float>> timeCourse_;  // one voxel: row 0, column = volume
-  std::unique_ptr<simo::Matrix<float>> work_;        // row 0: reference, row 1: voxel; 0-based
-  std::unique_ptr<simo::FosAvg<float>> averages_;
-  std::vector<std::unique_ptr<simo::FosAvg<float>>> nullAverages_;  // one per draw
-  std::unique_ptr<simo::FosOrth<float>> joint_, single1_, single2_;
-  const std::uint32_t* drawn_ = nullptr;  // surrogates to take instead of drawing
-  VoxelMeasures measures_{};
+  std::vector<VoxelJob> jobs_;
+  std::deque<ReferenceFits> fits_;  // per job
 };
 
 }  // namespace tav

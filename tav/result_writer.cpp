@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tav/reference_path.h"
+#include "tav/reference_fits.h"
 
 namespace tav {
 namespace {
@@ -29,10 +29,8 @@ std::size_t Inclusion::count(std::size_t nrOfVoxels) const {
   return n;
 }
 
-ResultWriter::ResultWriter(const VoxelJob& job, std::size_t nrIncluded, const VoxelResults& results,
-                           VoxelCounts& counts)
+ResultWriter::ResultWriter(const VoxelJob& job, std::size_t nrIncluded, const VoxelResults& results)
     : results_(results),
-      counts_(counts),
       furtherDraws_(static_cast<std::size_t>(job.nullDraws) - 1),
       further_(results.furtherNulls == nullptr ? nullptr : &results.furtherNulls->append(nrIncluded)) {}
 
@@ -40,40 +38,52 @@ void ResultWriter::skip(std::size_t voxel) {
   put(results_.measures, voxel, {});
   put(results_.nullMeasures, voxel, {});
   results_.status[voxel] = VoxelStatus::kBelowInclusion;
-  ++counts_.skipped;
+  ++results_.counts->skipped;
 }
 
 void ResultWriter::write(std::size_t voxel, const VoxelMeasures& measures) {
   if (!measures.isDefined) return writeIllDefined(voxel);
-  writeTruth(voxel, measures.truth);
-  counts_.surrogatesIllDefined += measures.nullsIllDefined;
-  for (std::size_t draw = 0; draw < measures.nulls.size(); ++draw)
-    writeNull(voxel, draw, true, measures.nulls[draw]);
+  writeTruth(voxel, measures.truth, measures.nulls[0]);
+  results_.counts->surrogatesIllDefined += measures.nullsIllDefined;
+  for (std::size_t draw = 1; draw < measures.nulls.size(); ++draw) writeFurther(draw, measures.nulls[draw]);
 }
 
-// A further draw's values are 0 from the start.
+void ResultWriter::takeFurtherDraws(std::size_t count,
+                                    const std::array<const float*, kNrOfMeasures>& measures,
+                                    std::size_t stride) {
+  for (int measure = 0; measure < kNrOfMeasures; ++measure) {
+    const float* from = measures[static_cast<std::size_t>(measure)];
+    for (std::size_t draw = 0; draw < furtherDraws_; ++draw, from += stride)
+      std::copy_n(from, count, further_->draw(measure, draw) + nrWritten_);
+  }
+}
+
 void ResultWriter::writeIllDefined(std::size_t voxel) {
   put(results_.measures, voxel, {});
   put(results_.nullMeasures, voxel, {});
   results_.status[voxel] = VoxelStatus::kIllDefined;
-  ++counts_.illDefined;
+  ++results_.counts->illDefined;
   ++nrWritten_;
+  for (std::size_t draw = 1; draw <= furtherDraws_; ++draw) writeFurther(draw, {});
 }
 
-void ResultWriter::writeTruth(std::size_t voxel, const Values& values) {
+void ResultWriter::writeTruth(std::size_t voxel, const Values& values, const Values& firstNull) {
   put(results_.measures, voxel, values);
+  put(results_.nullMeasures, voxel, firstNull);
   results_.status[voxel] = VoxelStatus::kComputed;
   ++nrWritten_;
 }
 
-void ResultWriter::writeNull(std::size_t voxel, std::size_t draw, bool isDefined, const Values& values) {
-  if (!isDefined) ++counts_.surrogatesIllDefined;
-  const Values shown = isDefined ? values : Values{};
-  if (draw == 0) return put(results_.nullMeasures, voxel, shown);
-  const std::size_t position = (nrWritten_ - 1) * furtherDraws_ + draw - 1;
-  for (int measure = 0; measure < kNrOfMeasures; ++measure) {
-    further_->plane(measure)[position] = shown[static_cast<std::size_t>(measure)];
-  }
+void ResultWriter::writeNullIllDefined(std::size_t voxel, std::size_t draw) {
+  ++results_.counts->surrogatesIllDefined;
+  if (draw == 0) return put(results_.nullMeasures, voxel, {});
+  writeFurther(draw, {});
+}
+
+// Of the voxel written last.
+void ResultWriter::writeFurther(std::size_t draw, const Values& values) {
+  for (int measure = 0; measure < kNrOfMeasures; ++measure)
+    further_->draw(measure, draw - 1)[nrWritten_ - 1] = values[static_cast<std::size_t>(measure)];
 }
 
 }  // namespace tav

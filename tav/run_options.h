@@ -3,6 +3,9 @@
 #ifndef TAVMAP_TAV_RUN_OPTIONS_H
 #define TAVMAP_TAV_RUN_OPTIONS_H
 
+#include <cstdint>
+#include <vector>
+
 #include "simo/lag_pair_form.h"
 
 namespace tav {
@@ -19,6 +22,9 @@ struct RunOptions {
   bool poolSurrogateModels = true;
   int nullDraws = 1;  // surrogates per voxel, 1 ... 100
   ThresholdRule thresholdRule = ThresholdRule::kWalk;
+  // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the
+  // request, from which alone its surrogates and draws follow, whatever the other references are.
+  std::vector<std::int64_t> voiTimeBases;
 
   friend bool operator==(const RunOptions&, const RunOptions&) = default;
 };

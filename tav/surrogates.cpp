@@ -2,8 +2,10 @@
 // They share its spectrum and variance and nothing with any voxel.
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <set>
 
+#include "simo/randomness.h"
 #include "tav/log_pane.h"
 #include "tav/tav.h"
 
@@ -88,6 +90,24 @@ void reportMissing(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, std::ostr
          << cond.name << "' (internal error)";
 }
 
+// Begins one reference's random numbers anew, if it has a time base of its own, for one scope.
+class OwnTimeBase {
+ public:
+  OwnTimeBase(const RunOptions& options, std::size_t voi) : isOwn_(voi < options.voiTimeBases.size()) {
+    if (!isOwn_) return;
+    simo::setTimeBase(options.voiTimeBases[voi]);
+    simo::randomStream().seed(static_cast<unsigned>(options.voiTimeBases[voi]));
+  }
+  ~OwnTimeBase() {
+    if (isOwn_) simo::setTimeBase(std::nullopt);
+  }
+  OwnTimeBase(const OwnTimeBase&) = delete;
+  OwnTimeBase& operator=(const OwnTimeBase&) = delete;
+
+ private:
+  bool isOwn_;
+};
+
 }  // namespace
 
 int Computer::simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& /*log*/, std::ostream& errors) {
@@ -97,8 +117,11 @@ int Computer::simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& /*
   fosAvg1->clear();
   SurrogateMaker maker(request, longestCourse(request, voiTcs), options_.poolSurrogateModels, *fosAvg1,
                        *fosOrth1a);
+  passes_ = std::make_unique<VoxelPasses>(*this, options_);
   std::set<const VoiTc*> done;
-  for (const TAV_VOI_Pars& voi : request.vois) {
+  for (std::size_t i = 0; i < request.vois.size(); ++i) {
+    const TAV_VOI_Pars& voi = request.vois[i];
+    const OwnTimeBase ownTimeBase(options_, i);
     for (const TAV_Cond_Pars& cond : request.conds) {
       for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
         VoiTc* const voiTc = getFetchedVoiTc(voi.name, set.srcVtcName);
@@ -113,6 +136,7 @@ int Computer::simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& /*
         if (!maker.make(*voiTc)) reportNoSurrogates(*voiTc, errors);
       }
     }
+    if (!options_.voiTimeBases.empty()) passes_->addStart(simo::randomStream());
   }
   return kSuccess;
 }

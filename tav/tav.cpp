@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "io/cnvtcfile.h"
 #include "tav/condition.h"
 #include "tav/log_pane.h"
 #include "tav/parameter_log.h"
 #include "tav/result_maps.h"
-#include "tav/voxel_loop.h"
 
 namespace tav {
 namespace {
@@ -119,6 +119,11 @@ int Computer::computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& con
 
 int Computer::Init(const TAV_Pars& request, std::ostream& errors) {
   computeGrid(request);
+  if (!options_.voiTimeBases.empty() && options_.voiTimeBases.size() != request.vois.size()) {
+    errors << "The run has " << options_.voiTimeBases.size() << " time bases for " << request.vois.size()
+           << " references; it needs one for each, or none";
+    return kInvalidParameters;
+  }
   crdBuf = std::make_unique_for_overwrite<std::int32_t[]>(3 * static_cast<std::size_t>(kInitialCrdCapacity));
   crdBufCapacity = kInitialCrdCapacity;
   voxelPath_ = makeVoxelPath(errors);
@@ -136,6 +141,7 @@ void Computer::makeStores(const TAV_Pars& request) {
   const auto nz = static_cast<unsigned>(request.dimZ);
   rawMaps1 = std::make_unique<rawTAVMaps>(nx, ny, nz);
   rawMaps2 = std::make_unique<rawTAVMaps>(nx, ny, nz);
+  passes_ = std::make_unique<VoxelPasses>(*this, options_);
   if (options_.nullDraws > 1) furtherNulls = std::make_unique<FurtherNulls>(options_.nullDraws - 1);
   fosAvg1 = std::make_unique<simo::FosAvg<float>>(2, request.arOrder);
   fosOrth1a = std::make_unique<simo::FosOrth<float>>(1, request.arOrder);
@@ -152,9 +158,7 @@ int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars&
   CheckedCondition checked;
   int status = checkCondition(*this, voi, cond, request, log, errors, checked);
   if (status != kSuccess) return status;
-  const ConditionJob job = makeConditionJob(cond, checked.references, request, options_);
-  const RawStores stores{*rawMaps1, *rawMaps2, furtherNulls.get()};
-  status = runVoxelLoop(job, request, *voxelPath_, stores, outcome_.status, outcome_.counts, errors);
+  status = computeRawMaps(voi, cond, request, errors);
   if (status != kSuccess) return status;
   reportCounts(outcome_.counts, request, log);
   if (observer_ != nullptr) markNotFinite(*rawMaps1, outcome_.status);
@@ -163,6 +167,21 @@ int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars&
   outcome_.totalTimePoints = checked.totalTimePoints;
   outcome_.effectiveTimePoints = checked.effectiveTimePoints;
   return kSuccess;
+}
+
+int Computer::computeRawMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
+                             std::ostream& errors) {
+  RawResult result;
+  result.observed = std::move(rawMaps1);
+  result.null = std::move(rawMaps2);
+  result.furtherNulls = std::move(furtherNulls);
+  const int status = passes_->compute(request, voi, cond, *voxelPath_, result, errors);
+  rawMaps1 = std::move(result.observed);
+  rawMaps2 = std::move(result.null);
+  furtherNulls = std::move(result.furtherNulls);
+  outcome_.status = std::move(result.status);
+  outcome_.counts = result.counts;
+  return status;
 }
 
 }  // namespace tav

@@ -14,6 +14,7 @@
 #include "tav/run_observer.h"
 #include "tav/run_options.h"
 #include "tav/tav_pars.h"
+#include "tav/voxel_passes.h"
 #include "tav/voxel_path.h"
 #include "tav/vtc_cache.h"
 
@@ -52,7 +53,8 @@ class Computer {
   // Replaces the host's map set by one with a map per condition and map type.
   [[nodiscard]] int createVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request,
                                        std::ostream& errors);
-  // Fills the raw map stores.
+  // Fills the raw map stores. References that follow in the request may be computed along, so that
+  // their turn takes no time; the results are the same.
   [[nodiscard]] int compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
                                          const TAV_Pars& request, std::ostringstream& log,
                                          std::ostream& errors);
@@ -84,10 +86,13 @@ class Computer {
   int computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                        const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
   void makeStores(const TAV_Pars& request);
+  int computeRawMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
+                     std::ostream& errors);
 
   RunOptions options_;
   RunObserver* observer_;
   std::unique_ptr<VoxelPath> voxelPath_;
+  std::unique_ptr<VoxelPasses> passes_;
   ConditionOutcome outcome_;  // of the condition computed last
 };
 

@@ -1,6 +1,7 @@
 // From raw measures to a condition's maps in the host: values, thresholds, display settings.
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <span>
 
 #include "hostapi/CNZQPluginInterfaceExtern.h"
@@ -76,11 +77,9 @@ class NullMaps {
   }
 
   [[nodiscard]] const MapPieces& of(MapType type) {
-    std::size_t size = 0;
-    for (const RawValues& raw : raw_) size += raw.size;
-    values_.resize(size);
+    if (values_ == nullptr) values_ = std::make_unique_for_overwrite<float[]>(size());
     pieces_.clear();
-    float* values = values_.data();
+    float* values = values_.get();
     for (const RawValues& raw : raw_) {
       computeMapValues(type, raw, request_, values);
       pieces_.emplace_back(values, raw.size);
@@ -90,9 +89,15 @@ class NullMaps {
   }
 
  private:
+  [[nodiscard]] std::size_t size() const {
+    std::size_t size = 0;
+    for (const RawValues& raw : raw_) size += raw.size;
+    return size;
+  }
+
   const TAV_Pars& request_;
   std::vector<RawValues> raw_;
-  std::vector<float> values_;
+  std::unique_ptr<float[]> values_;
   MapPieces pieces_;
 };
 

@@ -8,13 +8,21 @@
 namespace tav {
 namespace {
 
-int fileIndexOf(VtcFile* file, ConditionJob& condition) {
-  auto& files = condition.files;
+int fileIndexOf(VtcFile* file, std::vector<VtcFile*>& files) {
   const auto found = std::find(files.begin(), files.end(), file);
   if (found != files.end()) return static_cast<int>(found - files.begin());
   files.push_back(file);
-  condition.job.files.push_back({file->isFloat(), file->header.nrOfVolumes});
   return static_cast<int>(files.size()) - 1;
+}
+
+VoxelJob makeJob(const TAV_Pars& request, const RunOptions& options) {
+  VoxelJob job;
+  job.order = request.arOrder;
+  job.inclusionThreshold = request.firstTpInclThres;
+  job.nrOfSurrogates = request.nSurrogateSims;
+  job.nullDraws = options.nullDraws;
+  job.lagPairForm = options.lagPairForm;
+  return job;
 }
 
 // Prints 0%, 10%, ... 100%, each once; 0% for a single slice.
@@ -57,56 +65,72 @@ bool readPiece(const std::vector<VtcFile*>& files, std::size_t nrOfVoxels, std::
   return true;
 }
 
-VoxelResults resultsFrom(std::size_t voxel, const RawStores& stores, std::vector<VoxelStatus>& status) {
-  VoxelResults results{{}, {}, status.data() + voxel, stores.furtherNulls};
+VoxelResults resultsFrom(std::size_t voxel, RawResult& result) {
+  VoxelResults results{{}, {}, result.status.data() + voxel, result.furtherNulls.get(), &result.counts};
   for (int measure = 0; measure < kNrOfMeasures; ++measure) {
-    results.measures[static_cast<std::size_t>(measure)] = stores.observed.values(measure) + voxel;
-    results.nullMeasures[static_cast<std::size_t>(measure)] = stores.null.values(measure) + voxel;
+    results.measures[static_cast<std::size_t>(measure)] = result.observed->values(measure) + voxel;
+    results.nullMeasures[static_cast<std::size_t>(measure)] = result.null->values(measure) + voxel;
   }
   return results;
 }
 
+void startResult(RawResult& result) {
+  if (result.furtherNulls != nullptr) result.furtherNulls->clear();
+  result.status.assign(result.observed->nrOfVoxels(), VoxelStatus::kComputed);
+  result.counts = {};
+}
+
 }  // namespace
 
-ConditionJob makeConditionJob(const TAV_Cond_Pars& cond, const std::vector<const VoiTc*>& references,
-                              const TAV_Pars& request, const RunOptions& options) {
-  ConditionJob condition;
-  VoxelJob& job = condition.job;
-  job.order = request.arOrder;
-  job.inclusionThreshold = request.firstTpInclThres;
-  job.nrOfSurrogates = request.nSurrogateSims;
-  job.nullDraws = options.nullDraws;
-  job.lagPairForm = options.lagPairForm;
-  for (std::size_t i = 0; i < references.size(); ++i) {
-    const TAV_VTC_intv_set& set = cond.vtcIntvSets[i];
-    const int file = fileIndexOf(set.trgVtc, condition);
-    job.sets.push_back({file, &references[i]->tc, &references[i]->surrogates, set.intervals});
+ConditionJobs makeConditionJobs(const TAV_Cond_Pars& cond, const std::vector<PassReference>& references,
+                                const TAV_Pars& request, const RunOptions& options) {
+  ConditionJobs condition;
+  std::vector<int> fileOfSet;
+  for (const TAV_VTC_intv_set& set : cond.vtcIntvSets)
+    fileOfSet.push_back(fileIndexOf(set.trgVtc, condition.files));
+  VoxelJob job = makeJob(request, options);
+  for (const VtcFile* const file : condition.files)
+    job.files.push_back({file->isFloat(), file->header.nrOfVolumes});
+  for (const PassReference& reference : references) {
+    job.random = reference.random;
+    job.sets.clear();
+    for (std::size_t i = 0; i < reference.courses.size(); ++i) {
+      const VoiTc& course = *reference.courses[i];
+      job.sets.push_back({fileOfSet[i], &course.tc, &course.surrogates, cond.vtcIntvSets[i].intervals});
+    }
+    condition.jobs.push_back(job);
   }
   return condition;
 }
 
-int runVoxelLoop(const ConditionJob& condition, const TAV_Pars& request, VoxelPath& path,
-                 const RawStores& stores, std::vector<VoxelStatus>& status, VoxelCounts& counts,
-                 std::ostream& errors) {
+int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
+                 std::span<RawResult* const> results, std::ostream& errors) {
   const std::size_t sliceVoxels =
       static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
-  if (stores.furtherNulls != nullptr) stores.furtherNulls->clear();
-  status.assign(stores.observed.nrOfVoxels(), VoxelStatus::kComputed);
+  for (RawResult* const result : results) startResult(*result);
   for (VtcFile* const file : condition.files) file->rewind();
-  path.begin(condition.job);
+  path.begin(condition.jobs);
   const std::size_t pieceVoxels = std::min(voxelsPerPiece(condition.files), sliceVoxels);
   std::vector<VoxelData> data;
+  std::vector<VoxelResults> places;
   Progress progress(request.showVerboseProgress, request.dimZ);
   for (int z = 0; z < request.dimZ; ++z) {
     progress.atSlice(z);
     for (std::size_t first = 0; first < sliceVoxels; first += pieceVoxels) {
       const std::size_t count = std::min(pieceVoxels, sliceVoxels - first);
       if (!readPiece(condition.files, count, data, errors)) return kTerminalError;
-      const VoxelResults results = resultsFrom(static_cast<std::size_t>(z) * sliceVoxels + first, stores, status);
-      path.compute(count, data, results, counts);
+      places.clear();
+      for (RawResult* const result : results)
+        places.push_back(resultsFrom(static_cast<std::size_t>(z) * sliceVoxels + first, *result));
+      path.compute(count, data, places);
     }
   }
   return kSuccess;
+}
+
+void reportLoopDone(const TAV_Pars& request) {
+  Progress progress(request.showVerboseProgress, request.dimZ);
+  for (int z = 0; z < request.dimZ; ++z) progress.atSlice(z);
 }
 
 }  // namespace tav

@@ -1,12 +1,12 @@
-// Streams a condition's VTCs slice by slice through a voxel path into the raw map stores.
+// Streams a condition's VTCs slice by slice through a voxel path into raw results.
 #ifndef TAVMAP_TAV_VOXEL_LOOP_H
 #define TAVMAP_TAV_VOXEL_LOOP_H
 
 #include <ostream>
+#include <span>
 #include <vector>
 
-#include "tav/raw_maps.h"
-#include "tav/run_observer.h"
+#include "tav/raw_result.h"
 #include "tav/run_options.h"
 #include "tav/tav_pars.h"
 #include "tav/voxel_path.h"
@@ -14,29 +14,32 @@
 
 namespace tav {
 
-// A condition ready to be computed: the job, and the open files behind job.files.
-struct ConditionJob {
-  VoxelJob job;
+// One reference of a pass: its time course in every interval set's source, and its random numbers.
+struct PassReference {
+  std::vector<const VoiTc*> courses;
+  simo::RandomStream* random;
+};
+
+// A condition ready to be computed: a job per reference, and the open files behind their files.
+struct ConditionJobs {
+  std::vector<VoxelJob> jobs;
   std::vector<VtcFile*> files;
 };
 
-// Sets that share a target file share one entry, so that each file is read once per slice.
-[[nodiscard]] ConditionJob makeConditionJob(const TAV_Cond_Pars& cond,
-                                            const std::vector<const VoiTc*>& references,
-                                            const TAV_Pars& request, const RunOptions& options);
+// At least one reference. Sets that share a target file share one entry, so that each file is read
+// once per slice.
+[[nodiscard]] ConditionJobs makeConditionJobs(const TAV_Cond_Pars& cond,
+                                              const std::vector<PassReference>& references,
+                                              const TAV_Pars& request, const RunOptions& options);
 
-struct RawStores {
-  rawTAVMaps& observed;
-  rawTAVMaps& null;            // of the first draw
-  FurtherNulls* furtherNulls;  // null when one surrogate is drawn per voxel
-};
-
-// Computes every voxel of the request's grid; every value of both stores and of `status` is
+// Computes every voxel of the request's grid for every job; every value of the jobs' results is
 // written. Returns a Status: 3 when a file ends before its last slice. Progress goes to the host's
 // log pane in steps of ten per cent.
-[[nodiscard]] int runVoxelLoop(const ConditionJob& condition, const TAV_Pars& request, VoxelPath& path,
-                               const RawStores& stores, std::vector<VoxelStatus>& status, VoxelCounts& counts,
-                               std::ostream& errors);
+[[nodiscard]] int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
+                               std::span<RawResult* const> results, std::ostream& errors);
+
+// Reports the progress of a loop that ran along with an earlier one.
+void reportLoopDone(const TAV_Pars& request);
 
 }  // namespace tav
 

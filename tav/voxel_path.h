@@ -1,10 +1,13 @@
 // The seam behind which the measures of the voxels are computed. The run reads the slices and
 // owns the stores; a path turns consecutive voxels into measures.
 //
+// Several references may share one pass over the voxels. Each has its own stream of random numbers,
+// so that its results do not depend on the others.
+//
 // Every path gives the same results, up to a documented tolerance, the same counters and status,
-// and draws the same random numbers: from simo/randomness.h, in voxel order, for every voxel that
-// is not skipped, for each set, for each of its intervals, nullDraws numbers in a row. A path may
-// draw ahead for the voxels of one call, but not across calls.
+// and draws the same random numbers: from the reference's stream, in voxel order, for every voxel
+// that is not skipped, for each set, for each of its intervals, nullDraws numbers in a row. A path
+// may draw ahead for the voxels of one call, but not across calls.
 #ifndef TAVMAP_TAV_VOXEL_PATH_H
 #define TAVMAP_TAV_VOXEL_PATH_H
 
@@ -17,6 +20,7 @@
 #include <vector>
 
 #include "simo/lag_pair_form.h"
+#include "simo/random_stream.h"
 #include "tav/raw_maps.h"
 #include "tav/run_observer.h"
 #include "tav/tav_pars.h"
@@ -46,6 +50,7 @@ struct VoxelJob {
   int nrOfSurrogates = 0;
   int nullDraws = 1;
   simo::LagPairForm lagPairForm = simo::LagPairForm::kWritten;
+  simo::RandomStream* random = nullptr;  // of the surrogates; outlives the job
 };
 
 // Time courses of consecutive voxels in one file, voxel after voxel. One pointer is null.
@@ -54,12 +59,13 @@ struct VoxelData {
   const std::uint16_t* shorts;
 };
 
-// Where the results of consecutive voxels go. All values of all voxels are written.
+// Where the results of consecutive voxels and one reference go. All values of all voxels are written.
 struct VoxelResults {
   std::array<float*, kNrOfMeasures> measures;
   std::array<float*, kNrOfMeasures> nullMeasures;  // of the first draw
   VoxelStatus* status;                             // every status but kNotFinite
   FurtherNulls* furtherNulls;                      // null when nullDraws is 1
+  VoxelCounts* counts;                             // added to
 };
 
 class VoxelPath {
@@ -67,11 +73,12 @@ class VoxelPath {
   virtual ~VoxelPath() = default;
   // The name by which TAVMAP_KERNEL forces this path.
   [[nodiscard]] virtual const char* name() const = 0;
-  // Prepares everything that depends on references and surrogates alone. Draws nothing.
-  virtual void begin(const VoxelJob& job) = 0;
-  // Computes `nrOfVoxels` voxels; `data` has one entry per file of the job. Adds to `counts`.
-  virtual void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data, const VoxelResults& results,
-                       VoxelCounts& counts) = 0;
+  // Prepares everything that depends on references and surrogates alone, one job per reference. The
+  // jobs differ in nothing but references, surrogates and streams. Draws nothing.
+  virtual void begin(std::span<const VoxelJob> jobs) = 0;
+  // Computes `nrOfVoxels` voxels; `data` has one entry per file of the jobs, `results` one per job.
+  virtual void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
+                       std::span<const VoxelResults> results) = 0;
 };
 
 // The path that this run uses: the one that the environment variable TAVMAP_KERNEL names

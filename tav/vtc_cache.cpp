@@ -107,6 +107,7 @@ int Computer::CleanUp() {
   rawMaps1.reset();
   rawMaps2.reset();
   furtherNulls.reset();
+  passes_.reset();
   voxelPath_.reset();  // refers to the time courses
   voiTcs.clear();
   vtcFiles.clear();

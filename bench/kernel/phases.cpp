@@ -22,14 +22,14 @@ class TimedPath : public tav::VoxelPath {
  public:
   explicit TimedPath(tav::VoxelPath& path) : path_(path) {}
   [[nodiscard]] const char* name() const override { return path_.name(); }
-  void begin(const tav::VoxelJob& job) override {
+  void begin(std::span<const tav::VoxelJob> jobs) override {
     const Stopwatch watch;
-    path_.begin(job);
+    path_.begin(jobs);
     beginSeconds = watch.seconds();
   }
-  void compute(std::size_t nrOfVoxels, std::span<const tav::VoxelData> data, const tav::VoxelResults& results,
-               tav::VoxelCounts& counts) override {
-    path_.compute(nrOfVoxels, data, results, counts);
+  void compute(std::size_t nrOfVoxels, std::span<const tav::VoxelData> data,
+               std::span<const tav::VoxelResults> results) override {
+    path_.compute(nrOfVoxels, data, results);
   }
   double beginSeconds = 0.0;
 
@@ -84,16 +84,22 @@ class PhaseTimer {
     require(
         tav::checkCondition(computer_, request_.vois[0], request_.conds[0], request_, log, errors_, checked),
         errors_);
-    const auto job = tav::makeConditionJob(request_.conds[0], checked.references, request_, options_);
-    const tav::RawStores stores{*computer_.rawMaps1, *computer_.rawMaps2, computer_.furtherNulls.get()};
-    tav::VoxelCounts counts;
+    const auto jobs = tav::makeConditionJobs(request_.conds[0], {{checked.references, &simo::randomStream()}},
+                                             request_, options_);
+    std::swap(result_.observed, computer_.rawMaps1);
+    std::swap(result_.null, computer_.rawMaps2);
+    std::swap(result_.furtherNulls, computer_.furtherNulls);
+    tav::RawResult* const results[] = {&result_};
     TimedPath timed(*path_);
     const Stopwatch watch;
-    require(tav::runVoxelLoop(job, request_, timed, stores, status_, counts, errors_), errors_);
+    require(tav::runVoxelLoop(jobs, request_, timed, results, errors_), errors_);
     best.loop = std::min(best.loop, watch.seconds() - timed.beginSeconds);
     best.prepare = std::min(best.prepare, timed.beginSeconds);
-    best.illDefined = counts.illDefined;
-    best.surrogatesIllDefined = counts.surrogatesIllDefined;
+    best.illDefined = result_.counts.illDefined;
+    best.surrogatesIllDefined = result_.counts.surrogatesIllDefined;
+    std::swap(result_.observed, computer_.rawMaps1);
+    std::swap(result_.null, computer_.rawMaps2);
+    std::swap(result_.furtherNulls, computer_.furtherNulls);
     best.checksum = 0.0;
     for (int m = 0; m < tav::kNrOfMeasures; ++m) {
       const float* values = computer_.rawMaps1->values(m);
@@ -126,7 +132,7 @@ class PhaseTimer {
   tav::RunOptions options_;
   tav::Computer computer_;
   std::unique_ptr<tav::VoxelPath> path_;
-  std::vector<tav::VoxelStatus> status_;
+  tav::RawResult result_;
   std::ostringstream errors_;
 };
 

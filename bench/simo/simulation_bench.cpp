@@ -17,14 +17,14 @@ void DrawCLibrary(benchmark::State& state) {
 BENCHMARK(DrawCLibrary);
 
 void DrawOwnState(benchmark::State& state) {
-  simo::seedRandom(1);
-  for (auto _ : state) benchmark::DoNotOptimize(simo::nextRandom());
+  simo::randomStream().seed(1);
+  for (auto _ : state) benchmark::DoNotOptimize(simo::randomStream().next());
 }
 BENCHMARK(DrawOwnState);
 
 void Seed(benchmark::State& state) {
   unsigned seed = 0;
-  for (auto _ : state) simo::seedRandom(++seed);
+  for (auto _ : state) simo::randomStream().seed(++seed);
 }
 BENCHMARK(Seed);
 

@@ -161,9 +161,16 @@ void addAllLags(const LagRowsList& rows, int order, float* partials) {
     if (order == 2) return addLagProducts<S, 2, 5, 2>(rows, order, -2, partials);
     if (order == 3) return addLagProducts<S, 2, 7, 3>(rows, order, -3, partials);
     if (order == 4) return addLagProducts<S, 2, 9, 4>(rows, order, -4, partials);
+    if (order == 5) return addLagProducts<S, 2, 11, 5>(rows, order, -5, partials);
   }
   addShifts<S, 2, false, kShiftsOf<S, 2>>(rows, order, -order, -1, partials);
   addShifts<S, 2, true, kShiftsWithOwn<S>>(rows, order, 0, order, partials);
+}
+
+// Row 0 at shifts 0 ... order, where row 0 is the voxel's own.
+template <class S>
+void addOwnLags(const LagRowsList& rows, int order, float* partials) {
+  addShifts<S, 1, false, kShiftsOf<S, 1>>(rows, order, 0, order, partials);
 }
 
 template <class S, int kRows>

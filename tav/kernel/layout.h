@@ -3,7 +3,7 @@
 //
 //     own        lag sums of the voxel at lags 0 ... p
 //     ownTails   last p values of its row, latest first, interval after interval
-//     truth      own and tails of the reference, the same value in every lane
+//     truth      own and tails of each reference, the same value in every lane
 //     drawn      own and tails of each lane's surrogate
 //     first      first value of each interval
 //     mean, slope  of each interval
@@ -25,12 +25,12 @@
 namespace tav::kernel {
 
 struct LaneLayout {
-  constexpr LaneLayout(int order, int nrOfIntervals)
+  constexpr LaneLayout(int order, int nrOfIntervals, int nrOfReferences)
       : p(order),
         seriesSize(p + 1 + nrOfIntervals * p),
         own(0),
         truth(own + seriesSize),
-        drawn(truth + seriesSize),
+        drawn(truth + nrOfReferences * seriesSize),
         first(drawn + seriesSize),
         mean(first + nrOfIntervals),
         slope(mean + nrOfIntervals),
@@ -48,6 +48,11 @@ struct LaneLayout {
   int own, truth, drawn, first, mean, slope, cross, yRows, xRows, inverse, probe, yLast, xLast;
   int size;
 };
+
+// Whether the rows of all voxels of a group are kept, for further passes over them.
+constexpr bool keepsRows(const PlanView& plan) {
+  return plan.draws > 1 || plan.nrOfReferences > 1;
+}
 
 // Statistics of the first pass of lag sums, and at most of any pass.
 constexpr int nrOfStatistics(int order) {

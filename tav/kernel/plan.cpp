@@ -23,6 +23,9 @@ void requireValid(const PlanSpec& spec) {
   if (spec.draws < 1 || spec.draws > kMaxDraws)
     throw std::invalid_argument("kernel plan: draws out of range");
   for (const SetSpec& set : spec.sets) {
+    const std::size_t references = set.references.size();
+    if (references < 1 || references > extent(kMaxReferences) || references != spec.sets[0].references.size())
+      throw std::invalid_argument("kernel plan: references out of range");
     for (const Interval& interval : set.intervals) {
       if (interval.length <= spec.order) throw std::invalid_argument("kernel plan: interval too short");
     }
@@ -68,6 +71,7 @@ Plan::Plan(const PlanSpec& spec, const Kernel& kernel) : kernel_(&kernel), view_
   view_.draws = spec.draws;
   view_.consistentPairs = spec.consistentPairs;
   view_.nrOfSets = static_cast<int>(spec.sets.size());
+  view_.nrOfReferences = spec.sets.empty() ? 0 : static_cast<int>(spec.sets[0].references.size());
   for (const SetSpec& set : spec.sets) elements_.push_back(set.element);
   addIntervals(spec);
   view_.nrOfIntervals = static_cast<int>(intervals_.size());
@@ -97,28 +101,35 @@ void Plan::addIntervals(const PlanSpec& spec) {
 
 void Plan::prepare(const PlanSpec& spec) {
   const Workspace work(view_, kernel_->width);
-  const auto surrogates = static_cast<std::size_t>(spec.nrOfSurrogates);
-  for (IntervalView& interval : intervals_) {
-    const SetSpec& set = spec.sets[static_cast<std::size_t>(interval.set)];
-    const auto length = static_cast<std::size_t>(interval.paddedLength);
-    float* rows = memory_.emplace_back((surrogates + 1) * length).data();
-    float* tables = memory_.emplace_back((surrogates + 1) * interval.tableStride).data();
-    interval.reference = rows;
-    interval.surrogates = rows + length;
-    interval.tables = tables + interval.tableStride;
-    kernel_->prepare(interval, {spec.order, 1, set.reference + interval.first, 0, rows, tables}, work.view());
-    kernel_->prepare(interval,
-                     {spec.order, spec.nrOfSurrogates, set.surrogates + interval.first, set.surrogateStride,
-                      rows + length, tables + interval.tableStride},
-                     work.view());
+  for (std::size_t r = 0; r < extent(view_.nrOfReferences); ++r) {
+    for (const IntervalView& interval : intervals_) {
+      const SetSpec& set = spec.sets[static_cast<std::size_t>(interval.set)];
+      rows_.push_back(prepareRows(spec, interval, set.references[r], work.view()));
+    }
   }
+  view_.rows = rows_.data();
+}
+
+ReferenceRows Plan::prepareRows(const PlanSpec& spec, const IntervalView& interval,
+                                const ReferenceSpec& reference, const WorkView& work) {
+  const auto surrogates = static_cast<std::size_t>(spec.nrOfSurrogates);
+  const auto length = static_cast<std::size_t>(interval.paddedLength);
+  float* rows = memory_.emplace_back((surrogates + 1) * length).data();
+  float* tables = memory_.emplace_back((surrogates + 1) * interval.tableStride).data();
+  kernel_->prepare(interval, {spec.order, 1, reference.course + interval.first, 0, rows, tables}, work);
+  kernel_->prepare(interval,
+                   {spec.order, spec.nrOfSurrogates, reference.surrogates + interval.first,
+                    reference.surrogateStride, rows + length, tables + interval.tableStride},
+                   work);
+  return {rows, rows + length, tables + interval.tableStride};
 }
 
 Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   const auto lanes = static_cast<std::size_t>(width);
-  const auto slots = plan.draws > 1 ? lanes : 1;
+  const auto slots = keepsRows(plan) ? lanes : 1;
   const auto statistics = static_cast<std::size_t>(mostStatistics(plan.order));
-  const auto variables = static_cast<std::size_t>(LaneLayout(plan.order, plan.nrOfIntervals).size);
+  const auto variables =
+      static_cast<std::size_t>(LaneLayout(plan.order, plan.nrOfIntervals, plan.nrOfReferences).size);
   rows_ = AlignedFloats(slots * plan.rowSize);
   partials_ = AlignedFloats(statistics * lanes * lanes);
   lanes_ = AlignedFloats(variables * lanes);

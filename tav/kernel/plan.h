@@ -1,4 +1,4 @@
-// Everything that depends on a reference and its surrogates alone, prepared once for all voxels of
+// Everything that depends on references and their surrogates alone, prepared once for all voxels of
 // a condition, and the scratch memory of the kernels.
 #ifndef TAVMAP_TAV_KERNEL_PLAN_H
 #define TAVMAP_TAV_KERNEL_PLAN_H
@@ -18,12 +18,17 @@ struct Interval {
   int length;
 };
 
-// One course per voxel, with the reference's own course and its surrogates over the same volumes.
-struct SetSpec {
-  Element element;
-  const float* reference;
+// A reference's own course in one set, and its surrogates over the same volumes.
+struct ReferenceSpec {
+  const float* course;
   const float* surrogates;      // row after row
   std::size_t surrogateStride;  // values from row to row
+};
+
+// One course per voxel, and the references with which it is compared, in the same order in all sets.
+struct SetSpec {
+  Element element;
+  std::vector<ReferenceSpec> references;
   std::vector<Interval> intervals;
 };
 
@@ -49,10 +54,10 @@ class AlignedFloats {
   std::unique_ptr<float, Free> floats_;
 };
 
-// The tables of one reference and one condition. What the spec points at is not needed after the
-// construction. Order 1 ... kMaxOrder, draws 1 ... kMaxDraws, intervals longer than the order;
-// other values throw std::invalid_argument.
-// Memory: 4 bytes x surrogates x (values of all intervals + 2 order + 1).
+// The tables of some references and one condition. What the spec points at is not needed after the
+// construction. Order 1 ... kMaxOrder, draws 1 ... kMaxDraws, 1 ... kMaxReferences references,
+// intervals longer than the order; other values throw std::invalid_argument.
+// Memory: 4 bytes x references x surrogates x (values of all intervals + 2 order + 1).
 class Plan {
  public:
   Plan(const PlanSpec& spec, const Kernel& kernel);
@@ -63,16 +68,19 @@ class Plan {
  private:
   void addIntervals(const PlanSpec& spec);
   void prepare(const PlanSpec& spec);
+  ReferenceRows prepareRows(const PlanSpec& spec, const IntervalView& interval,
+                            const ReferenceSpec& reference, const WorkView& work);
 
   const Kernel* kernel_;
   PlanView view_;
   std::vector<Element> elements_;
   std::vector<IntervalView> intervals_;
+  std::vector<ReferenceRows> rows_;
   std::vector<AlignedFloats> memory_;
 };
 
 // Scratch memory for one thread's calls with one plan: at most about 0.6 MB, and for several draws
-// 16 rows of all intervals.
+// or references 16 rows of all intervals.
 class Workspace {
  public:
   explicit Workspace(const PlanView& plan, int width);

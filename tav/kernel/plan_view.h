@@ -14,6 +14,7 @@ namespace tav::kernel {
 
 inline constexpr int kMaxOrder = 20;
 inline constexpr int kMaxDraws = 100;
+inline constexpr int kMaxReferences = 8;  // of one plan
 // Voxels that the widest kernel computes at once; arrays of results hold a multiple of it.
 inline constexpr int kMaxLanes = 16;
 // Rows have a multiple of this many values; those behind the interval's end are 0.
@@ -41,25 +42,31 @@ struct IntervalView {
   float scale;            // sqrt(longest length / length)
   float rampSquares;      // sum of squares of ramp
   const float* ramp;      // t / (length - 1) - 0.5, then zeros; paddedLength values
+  std::size_t tableStride;
+};
+
+// One reference over one interval.
+struct ReferenceRows {
   // Detrended and scaled: the reference, and one row of paddedLength values per surrogate.
   const float* reference;
   const float* surrogates;
-  // Per surrogate: order + 1 own lag sums at lags 0 ... order, then the `order` last values of
-  // its row, latest first. The reference has the same in front, as row -1 of the table.
+  // Per surrogate tableStride values: order + 1 own lag sums at lags 0 ... order, then the `order`
+  // last values of its row, latest first. The reference has the same in front, as row -1.
   const float* tables;
-  std::size_t tableStride;
 };
 
 struct PlanView {
   int order;     // 1 ... kMaxOrder
-  int draws;     // surrogates per voxel, 1 ... kMaxDraws
+  int draws;     // surrogates per voxel and reference, 1 ... kMaxDraws
   int nrOfSets;  // courses per voxel
   int nrOfIntervals;
+  int nrOfReferences;  // 1 ... kMaxReferences
   // Rows of the lag-pair averages belong to the later lag; false: the plug-in's written form.
   bool consistentPairs;
   std::size_t rowSize;      // values of one voxel's row buffer, all intervals
   const Element* elements;  // per set
   const IntervalView* intervals;
+  const ReferenceRows* rows;  // [reference][interval]
 };
 
 // What became of a voxel.
@@ -69,18 +76,23 @@ enum class Verdict : std::uint8_t {
   kUnsure = 2       // too close to singular, or out of range: the reference has to decide
 };
 
-// `nrOfVoxels` voxels whose results go to consecutive elements.
-struct BatchView {
-  std::size_t nrOfVoxels;
-  const void* const* courses;       // [voxel][set]: first value of the course
+// Draws and results of one reference. Arrays of results hold nrOfVoxels rounded up to kMaxLanes.
+// Measures: 0 reference to voxel, 1 voxel to reference, 2 instantaneous. Nulls of draw k start at
+// k * nullStride.
+struct ReferenceBatch {
   const std::uint32_t* surrogates;  // [voxel][interval][draw]: row of the interval's surrogates
-  // Arrays for nrOfVoxels rounded up to kMaxLanes. Measures: 0 reference to voxel, 1 voxel to
-  // reference, 2 instantaneous. Nulls of draw k start at k * nullStride.
   float* measures[3];
   Verdict* verdicts;
   float* nullMeasures[3];
   Verdict* nullVerdicts;
   std::size_t nullStride;
+};
+
+// `nrOfVoxels` voxels whose results go to consecutive elements.
+struct BatchView {
+  std::size_t nrOfVoxels;
+  const void* const* courses;        // [voxel][set]: first value of the course
+  const ReferenceBatch* references;  // per reference
 };
 
 // Rows to detrend and tabulate: the reference or surrogates over one interval.
@@ -90,7 +102,7 @@ struct RowsView {
   const float* source;  // first value of the interval in the first row
   std::size_t sourceStride;
   float* rows;    // nrOfRows x paddedLength
-  float* tables;  // see IntervalView::tables
+  float* tables;  // see ReferenceRows::tables
 };
 
 // Rows of references and surrogates that one pass of lag sums takes at most.

@@ -42,7 +42,7 @@ void tabulate(const IntervalView& interval, int order, const float* row, float* 
   for (int lag = 0; lag <= order; ++lag)
     S::store(partials + crossStatistic(order, 0, lag) * kStep, S::zero());
   const LagRows rows{row, {row}, interval.paddedLength};
-  addShifts<S, 1, false, kShiftsOf<S, 1>>({&rows, 1}, order, 0, order, partials);
+  addOwnLags<S>({&rows, 1}, order, partials);
   for (int lag = 0; lag <= order; ++lag)
     table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];

@@ -98,8 +98,10 @@ tav::kernel::PlanSpec specOf(const Condition& condition, std::vector<std::vector
   }
   for (std::size_t s = 0; s < condition.sets.size(); ++s) {
     const Set& set = condition.sets[s];
-    spec.sets.push_back({set.element, rows[2 * s + 1].data(), rows[2 * s].data(),
-                         static_cast<std::size_t>(set.nrOfVolumes), set.intervals});
+    spec.sets.push_back(
+        {set.element,
+         {{rows[2 * s + 1].data(), rows[2 * s].data(), static_cast<std::size_t>(set.nrOfVolumes)}},
+         set.intervals});
   }
   return spec;
 }
@@ -142,9 +144,7 @@ Results run(const tav::kernel::Kernel& kernel, const Condition& condition, std::
   results.verdicts.resize(n + tav::kernel::kMaxLanes);
   results.nullVerdicts.resize(results.nullStride * draws);
   for (std::size_t first = 0; first < n; first += batchSize) {
-    const tav::kernel::BatchView batch{
-        std::min(batchSize, n - first),
-        pointers.data() + first * condition.sets.size(),
+    const tav::kernel::ReferenceBatch reference{
         condition.drawn.data() + first * condition.nrOfIntervals() * draws,
         {results.measures[0].data() + first, results.measures[1].data() + first,
          results.measures[2].data() + first},
@@ -152,6 +152,8 @@ Results run(const tav::kernel::Kernel& kernel, const Condition& condition, std::
         {results.nulls[0].data() + first, results.nulls[1].data() + first, results.nulls[2].data() + first},
         results.nullVerdicts.data() + first,
         results.nullStride};
+    const tav::kernel::BatchView batch{std::min(batchSize, n - first),
+                                       pointers.data() + first * condition.sets.size(), &reference};
     tav::kernel::run(kernel, plan.view(), batch, work.view());
   }
   return results;

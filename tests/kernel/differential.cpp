@@ -5,7 +5,6 @@
 #include <limits>
 #include <sstream>
 
-#include "simo/randomness.h"
 #include "tav/kernel_path.h"
 #include "tav/reference_path.h"
 #include "tests/kernel/oracle.h"
@@ -156,14 +155,43 @@ class Maker {
   Case& case_;
 };
 
-tav::VoxelResults resultsAt(std::size_t voxel, Outcome& outcome, tav::FurtherNulls* further) {
-  tav::VoxelResults results{{}, {}, outcome.status.data() + voxel, further};
-  for (std::size_t m = 0; m < tav::kNrOfMeasures; ++m) {
-    results.measures[m] = outcome.measures[m].data() + voxel;
-    results.nullMeasures[m] = outcome.nulls[m].data() + voxel;
+// One job of a run: where its results go.
+struct Place {
+  explicit Place(const Case& made) : further(made.job.nullDraws - 1) {
+    for (auto& plane : outcome.measures) plane.resize(made.nrOfVoxels, kNan);
+    for (auto& plane : outcome.nulls) plane.resize(made.nrOfVoxels, kNan);
+    outcome.status.resize(made.nrOfVoxels);
   }
-  return results;
-}
+
+  tav::VoxelResults resultsAt(std::size_t voxel) {
+    const bool hasFurther = further.drawsPerVoxel() > 0;
+    tav::VoxelResults results{
+        {}, {}, outcome.status.data() + voxel, hasFurther ? &further : nullptr, &outcome.counts};
+    for (std::size_t m = 0; m < tav::kNrOfMeasures; ++m) {
+      results.measures[m] = outcome.measures[m].data() + voxel;
+      results.nullMeasures[m] = outcome.nulls[m].data() + voxel;
+    }
+    return results;
+  }
+
+  // Further draws voxel after voxel.
+  Outcome finish() {
+    outcome.nextDraw = random.next();
+    for (const auto& block : further.blocks()) {
+      for (std::size_t voxel = 0; voxel < block.nrOfVoxels(); ++voxel) {
+        for (std::size_t draw = 0; draw < further.drawsPerVoxel(); ++draw) {
+          for (int m = 0; m < tav::kNrOfMeasures; ++m)
+            outcome.further[m].push_back(block.draw(m, draw)[voxel]);
+        }
+      }
+    }
+    return std::move(outcome);
+  }
+
+  simo::RandomStream random;
+  tav::FurtherNulls further;
+  Outcome outcome;
+};
 
 std::vector<tav::VoxelData> dataFrom(std::size_t voxel, const Case& made) {
   std::vector<tav::VoxelData> data = made.data;
@@ -212,12 +240,12 @@ bool isSame(float a, float b) {
 
 // The surrogates of every included voxel, drawn once more.
 std::vector<std::uint32_t> drawnFor(const Case& made, const Outcome& outcome, std::size_t perVoxel) {
-  simo::seedRandom(1);
+  simo::RandomStream random;
   std::vector<std::uint32_t> drawn;
   for (const tav::VoxelStatus status : outcome.status) {
     for (std::size_t i = 0; i < perVoxel; ++i) {
       const bool isDrawn = status != tav::VoxelStatus::kBelowInclusion;
-      drawn.push_back(isDrawn ? static_cast<unsigned>(simo::nextRandom()) %
+      drawn.push_back(isDrawn ? static_cast<unsigned>(random.next()) %
                                     static_cast<unsigned>(made.job.nrOfSurrogates)
                               : 0U);
     }
@@ -313,25 +341,23 @@ void makeCase(std::uint32_t seed, Case& made) {
   Maker(seed, made).make();
 }
 
-Outcome run(tav::VoxelPath& path, const Case& made, std::size_t voxelsPerCall) {
-  Outcome outcome;
-  for (auto& plane : outcome.measures) plane.resize(made.nrOfVoxels, kNan);
-  for (auto& plane : outcome.nulls) plane.resize(made.nrOfVoxels, kNan);
-  outcome.status.resize(made.nrOfVoxels);
-  tav::FurtherNulls further(made.job.nullDraws - 1);
-  simo::seedRandom(1);
-  path.begin(made.job);
+std::vector<Outcome> run(tav::VoxelPath& path, const Case& made, std::vector<tav::VoxelJob> jobs,
+                         std::size_t voxelsPerCall) {
+  std::deque<Place> places;
+  for (tav::VoxelJob& job : jobs) job.random = &places.emplace_back(made).random;
+  path.begin(jobs);
   for (std::size_t voxel = 0; voxel < made.nrOfVoxels; voxel += voxelsPerCall) {
-    path.compute(std::min(voxelsPerCall, made.nrOfVoxels - voxel), dataFrom(voxel, made),
-                 resultsAt(voxel, outcome, made.job.nullDraws > 1 ? &further : nullptr), outcome.counts);
+    std::vector<tav::VoxelResults> results;
+    for (Place& place : places) results.push_back(place.resultsAt(voxel));
+    path.compute(std::min(voxelsPerCall, made.nrOfVoxels - voxel), dataFrom(voxel, made), results);
   }
-  outcome.nextDraw = simo::nextRandom();
-  for (const auto& block : further.blocks()) {
-    for (int m = 0; m < tav::kNrOfMeasures; ++m) {
-      outcome.further[m].insert(outcome.further[m].end(), block.plane(m), block.plane(m) + block.planeSize());
-    }
-  }
-  return outcome;
+  std::vector<Outcome> outcomes;
+  for (Place& place : places) outcomes.push_back(place.finish());
+  return outcomes;
+}
+
+Outcome run(tav::VoxelPath& path, const Case& made, std::size_t voxelsPerCall) {
+  return run(path, made, std::vector{made.job}, voxelsPerCall)[0];
 }
 
 std::string difference(const Case& made, const Outcome& kernel, const Outcome& reference) {

@@ -40,6 +40,9 @@ struct Outcome {
 
 // `voxelsPerCall`: how the voxels are cut into calls.
 Outcome run(tav::VoxelPath& path, const Case& made, std::size_t voxelsPerCall);
+// Several jobs over the case's data in one pass, each with a stream that starts anew.
+std::vector<Outcome> run(tav::VoxelPath& path, const Case& made, std::vector<tav::VoxelJob> jobs,
+                         std::size_t voxelsPerCall);
 
 // Empty when they agree: the same status, counts and following random number, and measures equal
 // within rounding; else what differs first. Measures of one voxel may differ by

@@ -6,6 +6,7 @@
 #include <random>
 #include <vector>
 
+#include "tav/reference_path.h"
 #include "tests/kernel/differential.h"
 #include "tests/kernel/every_kernel.h"
 
@@ -34,7 +35,8 @@ void makeCase(const std::vector<std::vector<float>>& voxels, differential::Case&
     const auto row = noise(10U + static_cast<std::uint32_t>(s), 0.0F);
     for (int t = 0; t < kVolumes; ++t) surrogates[s][t + 1] = row[static_cast<std::size_t>(t)];
   }
-  made.job.sets.push_back({0, &reference, &surrogates, made.intervals.emplace_back(1, tav::TAV_intv{1, kVolumes})});
+  made.job.sets.push_back(
+      {0, &reference, &surrogates, made.intervals.emplace_back(1, tav::TAV_intv{1, kVolumes})});
   auto& data = made.floats.emplace_back();
   for (const auto& voxel : voxels) data.insert(data.end(), voxel.begin(), voxel.end());
   made.data.push_back({data.data(), nullptr});

@@ -21,7 +21,8 @@ struct Source {
             draws,
             false,
             2,
-            {{tav::kernel::Element::kFloat, reference.data(), surrogates.data(), reference.size(),
+            {{tav::kernel::Element::kFloat,
+              {{reference.data(), surrogates.data(), reference.size()}},
               std::move(intervals)}}};
   }
 };
@@ -48,18 +49,19 @@ TEST_P(KernelPlan, HoldsDetrendedRowsWithZerosBehindThem) {
   const oracle::Series expected =
       oracle::detrended({source.reference.begin() + 3, source.reference.begin() + 33});
   for (std::size_t t = 0; t < 30; ++t)
-    EXPECT_NEAR(static_cast<double>(interval.reference[t]), expected[t], 1e-4);
-  EXPECT_EQ(interval.reference[30], 0.0F);
-  EXPECT_EQ(interval.reference[31], 0.0F);
+    EXPECT_NEAR(static_cast<double>(plan.view().rows[0].reference[t]), expected[t], 1e-4);
+  EXPECT_EQ(plan.view().rows[0].reference[30], 0.0F);
+  EXPECT_EQ(plan.view().rows[0].reference[31], 0.0F);
 }
 
 TEST_P(KernelPlan, TabulatesLagSumsAndTails) {
   const Source source = makeSource(40);
   const Plan plan(source.spec(3, {{0, 40}}), kernel());
   const auto& interval = plan.view().intervals[0];
+  const auto& rows = plan.view().rows[0];
   for (std::ptrdiff_t row = -1; row < 2; ++row) {
-    const float* values = row < 0 ? interval.reference : interval.surrogates + row * interval.paddedLength;
-    const float* table = interval.tables + row * static_cast<std::ptrdiff_t>(interval.tableStride);
+    const float* values = row < 0 ? rows.reference : rows.surrogates + row * interval.paddedLength;
+    const float* table = rows.tables + row * static_cast<std::ptrdiff_t>(interval.tableStride);
     for (int lag = 0; lag <= 3; ++lag) {
       double sum = 0.0;
       for (int t = lag; t < 40; ++t)
@@ -83,9 +85,9 @@ TEST_P(KernelPlan, DoesNotTrustRowsThatAreNothingButATrend) {
   for (std::size_t t = 0; t < 40; ++t) source.surrogates[t] = 7.0F + 0.1F * static_cast<float>(t);
   for (std::size_t t = 40; t < 80; ++t) source.surrogates[t] = 0.0F;
   const Plan plan(source.spec(1, {{0, 40}}), kernel());
-  const auto& interval = plan.view().intervals[0];
-  EXPECT_TRUE(std::isnan(interval.tables[0])) << "a straight line";
-  EXPECT_EQ(interval.tables[interval.tableStride], 0.0F) << "a constant is exactly flat";
+  const float* const tables = plan.view().rows[0].tables;
+  EXPECT_TRUE(std::isnan(tables[0])) << "a straight line";
+  EXPECT_EQ(tables[plan.view().intervals[0].tableStride], 0.0F) << "a constant is exactly flat";
 }
 
 TEST_P(KernelPlan, RefusesWhatIsOutOfRange) {
@@ -95,6 +97,11 @@ TEST_P(KernelPlan, RefusesWhatIsOutOfRange) {
   EXPECT_THROW(Plan(source.spec(5, {{0, 5}}), kernel()), std::invalid_argument);
   EXPECT_THROW(Plan(source.spec(1, {{0, 40}}, 101), kernel()), std::invalid_argument);
   EXPECT_THROW(Plan(source.spec(1, {{0, 40}}, 0), kernel()), std::invalid_argument);
+  PlanSpec spec = source.spec(1, {{0, 40}});
+  spec.sets[0].references.clear();
+  EXPECT_THROW(Plan(spec, kernel()), std::invalid_argument);
+  spec.sets[0].references.resize(9, {source.reference.data(), source.surrogates.data(), 40});
+  EXPECT_THROW(Plan(spec, kernel()), std::invalid_argument);
 }
 
 INSTANTIATE_KERNELS(KernelPlan);

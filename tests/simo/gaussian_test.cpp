@@ -70,7 +70,7 @@ TEST_F(Randn, FollowsThePolarMethodDrawByDraw) {
           ASSERT_EQ(m[r][1 + c], expected[static_cast<std::size_t>(c)]) << seed << ' ' << r << ' ' << c;
       }
       // Both generators stand at the same draw.
-      EXPECT_EQ(simo::nextRandom(), std::rand());
+      EXPECT_EQ(simo::randomStream().next(), std::rand());
     }
 }
 
@@ -106,7 +106,7 @@ TEST_F(Randn, SeedsEvenWhenThereIsNothingToFill) {
   for (const auto& [rowEnd, colEnd] : {std::pair{0, 2}, std::pair{1, 0}}) {
     simo::randn(m, 0, rowEnd, 0, colEnd, 3);
     std::srand(kBase + 3);
-    EXPECT_EQ(simo::nextRandom(), std::rand());
+    EXPECT_EQ(simo::randomStream().next(), std::rand());
   }
   EXPECT_EQ(m[0][0], 5.F);
 }

@@ -106,14 +106,14 @@ TEST_F(Varsim, IsFittedBackToItsCoefficients) {
 
 TEST_F(Varsim, RefusesACovarianceThatIsNotPositiveDefiniteAndDrawsNothing) {
   simo::Matrix<float> x(2, 10, 0, 0, 6.F);
-  simo::seedRandom(12);
-  const int next = simo::nextRandom();
-  simo::seedRandom(12);
+  simo::randomStream().seed(12);
+  const int next = simo::randomStream().next();
+  simo::randomStream().seed(12);
   EXPECT_FALSE(simo::varsim(x, noCoefficients(), covariance(1, 0, 0), 1));
   EXPECT_FALSE(simo::varsim(x, noCoefficients(), covariance(0, 0, 1), 1));
   EXPECT_FALSE(simo::varsim(x, noCoefficients(), covariance(1, 2, 1), 1));
   for (std::size_t e = 0; e < x.size(); ++e) EXPECT_EQ(x.elements()[e], 6.F);
-  EXPECT_EQ(simo::nextRandom(), next);
+  EXPECT_EQ(simo::randomStream().next(), next);
 }
 
 TEST_F(Varsim, StartsColdForAsManyColumnsAsTheOrder) {

@@ -20,7 +20,7 @@ struct Case {
 };
 
 tav::RunOptions calibrated() {
-  return {simo::LagPairForm::kConsistent, false, 3, tav::ThresholdRule::kStepUp};
+  return {simo::LagPairForm::kConsistent, false, 3, tav::ThresholdRule::kStepUp, {}};
 }
 
 std::vector<Case> cases() {
@@ -95,8 +95,11 @@ TEST_P(LiteralRun, GivesTheSameMeasuresDrawByDraw) {
   std::vector<float> furtherValues[3];
   if (further > 0) {
     for (const auto& block : computer.furtherNulls->blocks()) {
-      for (int m = 0; m < 3; ++m)
-        furtherValues[m].insert(furtherValues[m].end(), block.plane(m), block.plane(m) + block.planeSize());
+      for (std::size_t v = 0; v < block.nrOfVoxels(); ++v) {
+        for (std::size_t d = 0; d < further; ++d) {
+          for (int m = 0; m < 3; ++m) furtherValues[m].push_back(block.draw(m, d)[v]);
+        }
+      }
     }
   }
   std::size_t included = 0;
@@ -120,7 +123,7 @@ TEST_P(LiteralRun, GivesTheSameMeasuresDrawByDraw) {
   }
   EXPECT_EQ(included, spec.nrOfVoxels() - 2) << "the case has skipped voxels";
   EXPECT_EQ(furtherValues[0].size(), included * further);
-  EXPECT_EQ(simo::nextRandom(), rand()) << "both have drawn equally often";
+  EXPECT_EQ(simo::randomStream().next(), rand()) << "both have drawn equally often";
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, LiteralRun, ::testing::ValuesIn(cases()),

@@ -51,7 +51,7 @@ TEST(RunOptionsLog, IsSilentAboutThePlugInsOwnWay) {
 
 TEST(RunOptionsLog, NamesWhatDiffers) {
   std::ostringstream out;
-  tav::writeRunOptionsLog({simo::LagPairForm::kConsistent, false, 20, tav::ThresholdRule::kStepUp}, out);
+  tav::writeRunOptionsLog({simo::LagPairForm::kConsistent, false, 20, tav::ThresholdRule::kStepUp, {}}, out);
   EXPECT_EQ(out.str(),
             "Run options (not those of the plug-in)\n"
             "--------------------------------------\n"

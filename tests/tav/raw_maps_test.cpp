@@ -25,12 +25,13 @@ TEST(RawMaps, OfAnEmptyGridHoldNothing) {
   EXPECT_EQ(tav::rawTAVMaps(5, 5, 0).nrOfVoxels(), 0U);
 }
 
-TEST(FurtherNulls, KeepDrawsPerVoxelAndMeasure) {
+TEST(FurtherNulls, KeepDrawAfterDrawPerMeasure) {
   tav::FurtherNulls nulls(3);
   tav::FurtherNulls::Block& block = nulls.append(2);
   EXPECT_EQ(block.planeSize(), 6U);
   EXPECT_EQ(block.plane(1) - block.plane(0), 6);
-  EXPECT_EQ(block.plane(2)[5], 0.0F);
+  EXPECT_EQ(block.nrOfVoxels(), 2U);
+  EXPECT_EQ(block.draw(2, 1) - block.plane(2), 2);
   nulls.append(0);
   EXPECT_EQ(nulls.blocks().size(), 2U);
   nulls.clear();

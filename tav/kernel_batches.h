@@ -1,0 +1,70 @@
+// References that share a kernel's plan: batches of voxels through the kernel, and what it is not
+// sure of through the reference fits.
+#ifndef TAVMAP_TAV_KERNEL_BATCHES_H
+#define TAVMAP_TAV_KERNEL_BATCHES_H
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "tav/kernel/dispatch.h"
+#include "tav/kernel/plan.h"
+#include "tav/reference_fits.h"
+#include "tav/result_writer.h"
+#include "tav/voxel_path.h"
+
+namespace tav {
+
+class KernelBatches {
+ public:
+  // One job per reference, at most kernel::kMaxReferences, within the kernels' limits.
+  KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kernel& kernel);
+
+  // As VoxelPath::compute().
+  void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
+               std::span<const VoxelResults> results);
+
+  // Voxels that the reference fits had to decide, counted per reference.
+  [[nodiscard]] std::size_t nrReferred() const { return nrReferred_; }
+
+ private:
+  // One reference's side of the batch: its draws and the kernel's answers.
+  struct Reference {
+    Reference(const VoxelJob& job, std::size_t drawsPerVoxel);
+    [[nodiscard]] kernel::ReferenceBatch view();
+    [[nodiscard]] ReferenceFits& fits();
+
+    VoxelJob job;
+    std::size_t draws, drawsPerVoxel;  // of one interval, of all
+    std::vector<std::uint32_t> drawn;
+    std::vector<float> measures[kNrOfMeasures], nulls[kNrOfMeasures];
+    std::vector<kernel::Verdict> verdicts, nullVerdicts;
+    std::vector<std::uint8_t> doubts;        // 0: the voxel's verdicts are all kDone
+    std::unique_ptr<ReferenceFits> ownFits;  // made when first needed: for most jobs never
+  };
+
+  void addVoxel(std::size_t voxel, std::span<const VoxelData> data);
+  void finishBatch(std::span<const VoxelData> data, std::deque<ResultWriter>& writers);
+  void store(Reference& reference, std::span<const VoxelData> data, ResultWriter& writer);
+  void storeDoubtful(Reference& reference, std::size_t i, std::span<const VoxelData> data,
+                     ResultWriter& writer);
+  [[nodiscard]] const void* courseOf(std::size_t voxel, std::size_t set, std::span<const VoxelData> data);
+  [[nodiscard]] bool mayReadBehind(std::size_t voxel, int nrOfVolumes, std::size_t valueBytes) const;
+
+  const kernel::Kernel& kernel_;
+  kernel::Plan plan_;
+  kernel::Workspace work_;
+  std::deque<Reference> references_;
+  std::size_t nrReferred_ = 0;
+
+  // The batch: which voxels, and their courses.
+  std::size_t nrInCall_ = 0;
+  std::vector<std::size_t> voxels_;
+  std::vector<const void*> courses_;
+  std::vector<std::unique_ptr<unsigned char[]>> copies_;  // of courses at the end of the data
+};
+
+}  // namespace tav
+
+#endif

@@ -22,6 +22,15 @@ std::vector<const Region*> chosen(const StudyPlan& plan, const std::vector<std::
   return regions;
 }
 
+// With method "plugin" the references share one sequence of random numbers; otherwise each has its
+// own.
+tav::RunOptions runOptions(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
+  tav::RunOptions options = engineOptions(plan.request.settings);
+  if (plan.request.settings.method == Method::kPlugin) return options;
+  for (const std::size_t region : regions) options.voiTimeBases.push_back(seedOf(plan, region));
+  return options;
+}
+
 void throwStatus(int status, const std::string& errors) {
   if (status == tav::kSuccess) return;
   if (status == tav::kInvalidParameters) throw InputError(errors);
@@ -42,9 +51,10 @@ std::string thresholdLine(const MapResult& map, const ThresholdResult& result) {
 
 void describePreparation(const StudyPlan& plan, std::ostream& out) {
   for (const RunPlan& run : plan.runs) {
-    out << "\t" << run.request.name << ": " << run.volumes.volumes << " volumes, TR " << run.volumes.trSeconds << " s, "
-        << run.volumes.dropped << " dropped, " << run.censored << " censored, " << run.confoundNames.size()
-        << " confounds regressed (" << run.confoundRank << " degrees of freedom)\n";
+    out << "\t" << run.request.name << ": " << run.volumes.volumes << " volumes, TR " << run.volumes.trSeconds
+        << " s, " << run.volumes.dropped << " dropped, " << run.censored << " censored, "
+        << run.confoundNames.size() << " confounds regressed (" << run.confoundRank
+        << " degrees of freedom)\n";
     if (run.volumes.dropped > 0) {
       out << "\t\tvolume v above is volume v + " << run.volumes.dropped << " of the stored image\n";
     }
@@ -57,8 +67,8 @@ std::string logAppendix(const StudyPlan& plan, std::size_t region, const Referen
   std::ostringstream out;
   out << "\nMethod " << methodDescription(plan.request.settings.method) << "\n";
   out << "Model order " << plan.order << " (" << orderChoiceName(plan.request.settings.orderChoice) << "), "
-      << plan.request.settings.nullDraws << " surrogates per voxel, seed " << plan.seed << " (of this reference "
-      << result.seed << "), Tavmap " << plan.version << "\n";
+      << plan.request.settings.nullDraws << " surrogates per voxel, seed " << plan.seed
+      << " (of this reference " << result.seed << "), Tavmap " << plan.version << "\n";
   out << "\nRuns\n";
   describePreparation(plan, out);
   for (const ConditionResult& condition : result.conditions) {
@@ -86,7 +96,7 @@ void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& re
   const tav::TAV_Pars pars = engineRequest(plan.request.settings, plan.order, plan.runs, plan.conditions,
                                            chosen(plan, regions), writer.enginePrefix());
   std::ostringstream errors;
-  tav::Computer computer(engineOptions(plan.request.settings), &writer);
+  tav::Computer computer(runOptions(plan, regions), &writer);
   throwStatus(computer.computeTAVs(pars, errors), errors.str());
   if (!host.complaints().empty()) throw RunError(host.complaints());
 }

@@ -27,7 +27,8 @@ using Json = nlohmann::ordered_json;
 // A seed that is drawn once is kept beside the imported runs, so that repeating an interrupted
 // command goes on with it.
 std::uint32_t drawnSeed(const Request& request) {
-  const fs::path work = request.output.workFolder.empty() ? request.output.folder / "work" : request.output.workFolder;
+  const fs::path work =
+      request.output.workFolder.empty() ? request.output.folder / "work" : request.output.workFolder;
   const fs::path file = work / (request.output.prefix + ".seed");
   std::ifstream kept(file);
   std::uint32_t seed = 0;
@@ -47,13 +48,16 @@ class RequestRun {
   void start();
 
  private:
-  bool choosesOrder() const { return plan_.request.settings.orderChoice != OrderChoice::kFixed || options_.ordersOnly; }
+  bool choosesOrder() const {
+    return plan_.request.settings.orderChoice != OrderChoice::kFixed || options_.ordersOnly;
+  }
   double workOfReferences() const;
   void addImport(std::size_t run);
   void afterImports();
   void addOrder();
   void takeOrder(const WorkOutcome& work);
   void addReferences();
+  static std::vector<std::vector<std::size_t>> sharedOut(const std::vector<std::size_t>& regions, int jobs);
   void addReferenceJob(const std::vector<std::size_t>& regions);
   void fail(const WorkOutcome& work, const std::string& what);
   bool keep(std::size_t region);
@@ -119,7 +123,8 @@ void RequestRun::addOrder() {
     std::vector<const Region*> regions;
     for (const Region& region : plan_.regions) regions.push_back(&region);
     const Settings& settings = plan_.request.settings;
-    const tav::TAV_Pars pars = engineRequest(settings, settings.maxOrder, plan_.runs, plan_.conditions, regions, "");
+    const tav::TAV_Pars pars =
+        engineRequest(settings, settings.maxOrder, plan_.runs, plan_.conditions, regions, "");
     channel.result(orderJson(gatherOrderEvidence(pars, settings.maxOrder, settings.orderSample)).dump());
   };
   pool_.add({name, 1, work, [this, name](const WorkOutcome& done) {
@@ -131,7 +136,8 @@ void RequestRun::addOrder() {
 void RequestRun::takeOrder(const WorkOutcome& work) {
   Json json = Json::parse(work.result);
   const OrderEvidence evidence = orderFromJson(json);
-  const fs::path file = plan_.request.output.folder / (plan_.request.output.prefix + "_desc-order_timeseries.tsv");
+  const fs::path file =
+      plan_.request.output.folder / (plan_.request.output.prefix + "_desc-order_timeseries.tsv");
   formats::writeTextFile(file.string(), orderTable(evidence));
   json["Request"] = plan_.request.title;
   outcome_.orders.push_back(json);
@@ -147,7 +153,8 @@ void RequestRun::takeOrder(const WorkOutcome& work) {
 bool RequestRun::keep(std::size_t region) {
   const std::string record = options_.force ? "" : finishedRecord(plan_, region);
   if (record.empty()) return false;
-  outcome_.references.push_back({plan_.request.title, plan_.regions[region].name, true, true, "", Json::parse(record)});
+  outcome_.references.push_back(
+      {plan_.request.title, plan_.regions[region].name, true, true, "", Json::parse(record)});
   return true;
 }
 
@@ -158,9 +165,8 @@ void RequestRun::addReferences() {
   std::vector<std::size_t> all;
   for (std::size_t i = 0; i < plan_.regions.size(); ++i) all.push_back(i);
   if (plan_.request.settings.method == Method::kCalibrated) {
-    for (const std::size_t i : all) {
-      if (!keep(i)) addReferenceJob({i});
-    }
+    std::erase_if(all, [&](std::size_t i) { return keep(i); });
+    for (const auto& together : sharedOut(all, options_.jobs)) addReferenceJob(together);
     return;
   }
   // The plug-in's numbers of a reference depend on those before it: all or none.
@@ -171,29 +177,49 @@ void RequestRun::addReferences() {
   for (const std::size_t i : all) keep(i);
 }
 
+// References that one worker computes share its passes over the voxels. As many for each worker, and
+// not so many that their surrogates fill the memory.
+std::vector<std::vector<std::size_t>> RequestRun::sharedOut(const std::vector<std::size_t>& regions,
+                                                            int jobs) {
+  constexpr std::size_t kMostTogether = 10;
+  const std::size_t rounds = (regions.size() + kMostTogether * static_cast<std::size_t>(jobs) - 1) /
+                             (kMostTogether * static_cast<std::size_t>(jobs));
+  const std::size_t groups = std::min(rounds * static_cast<std::size_t>(jobs), regions.size());
+  std::vector<std::vector<std::size_t>> shares(groups);
+  for (std::size_t i = 0; i < regions.size(); ++i) shares[i * groups / regions.size()].push_back(regions[i]);
+  return shares;
+}
+
 void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions) {
   std::string name = plan_.request.title + ": " + plan_.regions[regions[0]].name;
   if (regions.size() > 1) name += " and " + std::to_string(regions.size() - 1) + " more";
   const auto work = [this, regions](WorkerChannel& channel) {
     computeReferences(plan_, regions, [&](double share) { channel.progress(share); });
   };
-  const double weight = workOfReferences() * static_cast<double>(regions.size()) / static_cast<double>(plan_.regions.size());
+  const double weight =
+      workOfReferences() * static_cast<double>(regions.size()) / static_cast<double>(plan_.regions.size());
   pool_.add({name, weight, work, [this, regions](const WorkOutcome& done) { settleResults(regions, done); }});
 }
 
+// A worker with several references may have finished some before it failed. The others of a method
+// that lets them go on alone get a worker each, so that one bad reference takes no other with it.
 void RequestRun::settleResults(const std::vector<std::size_t>& regions, const WorkOutcome& work) {
+  const bool alone = regions.size() == 1 || plan_.request.settings.method == Method::kPlugin;
+  const bool retry = !work.done && !alone && !options_.stopOnFirstCrash;
   for (const std::size_t i : regions) {
     ReferenceOutcome reference{plan_.request.title, plan_.regions[i].name, false, false, work.message, {}};
     const std::string record = finishedRecord(plan_, i);
-    // A worker with several references may have finished some before it failed.
     if (!record.empty() && (work.done || regions.size() > 1)) {
       reference = {plan_.request.title, plan_.regions[i].name, true, false, "", Json::parse(record)};
+    } else if (retry) {
+      addReferenceJob({i});
+      continue;
     } else if (work.done) {
       reference.message = "its files are missing";
     }
     outcome_.references.push_back(std::move(reference));
   }
-  outcome_.inputProblem = outcome_.inputProblem || work.inputProblem;
+  outcome_.inputProblem = outcome_.inputProblem || (work.inputProblem && !retry);
   if (!work.done && options_.stopOnFirstCrash) pool_.cancelWaiting();
 }
 
@@ -214,9 +240,11 @@ void writeUnlessForeign(const fs::path& file, const std::string& text) {
 }
 
 void writeDescription(const Request& request, const StudyOptions& options) {
-  const fs::path folder = options.datasetFolder.empty() ? request.output.folder : fs::path(options.datasetFolder);
+  const fs::path folder =
+      options.datasetFolder.empty() ? request.output.folder : fs::path(options.datasetFolder);
   fs::create_directories(folder);
-  writeUnlessForeign(folder / "dataset_description.json", datasetDescription(request, options.version).dump(2) + "\n");
+  writeUnlessForeign(folder / "dataset_description.json",
+                     datasetDescription(request, options.version).dump(2) + "\n");
   writeUnlessForeign(folder / "README", kReadme);
   // Names that no published version of the standard knows yet, or never will.
   writeUnlessForeign(folder / ".bidsignore", "*.tav\n*.log\n*_tavmap.json\n*_statmap.*\n*_seed-*\nwork/\n");
@@ -238,7 +266,8 @@ void sortOutcome(const std::vector<StudyPlan>& plans, StudyOutcome& outcome) {
                    [&](const ReferenceOutcome& a, const ReferenceOutcome& b) { return place(a) < place(b); });
 }
 
-std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const StudyOptions& options, StudyOutcome& outcome) {
+std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const StudyOptions& options,
+                               StudyOutcome& outcome) {
   std::vector<StudyPlan> plans;
   const auto plan = [&](const Request& request) {
     const auto given = options.seed ? options.seed : request.seed;
@@ -269,7 +298,8 @@ bool StudyOutcome::failed() const {
                                           [](const ReferenceOutcome& reference) { return !reference.done; });
 }
 
-StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options, ProgressBar& progress) {
+StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options,
+                      ProgressBar& progress) {
   StudyOutcome outcome;
   const std::vector<StudyPlan> plans = planAll(requests, options, outcome);
   const InterruptGuard guard;

@@ -1,102 +1,104 @@
-// Measures whether the thresholds keep their promise: many simulated runs through the whole
-// engine, with and without influence, and what passed. One line of tab-separated values per
-// setting and q on standard output.
+// Measures whether the thresholds keep their promise: many simulated data sets, with and without
+// influence, through all that `tavmap run` does, and what passed. One line of tab-separated values
+// per setting and q on standard output.
 //
-// Usage: calibration_table [RUNS [FIRST_SETTING END_SETTING]]
-// The settings are numbered from 0; a part of them can be measured alone.
-#include <cmath>
+// Usage: calibration_table [RUNS [FIRST END]]
+// The kinds of data are numbered from 0; a part of them can be measured alone.
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
+#include <utility>
+#include <vector>
 
-#include "tests/calibration/simulated_run.h"
-#include "tests/fakes/vtc_file.h"
+#include "tests/calibration/chain_run.h"
+#include "tests/calibration/rates.h"
 
 namespace {
 
+using calibration::Analysis;
+using calibration::DataSetting;
 using calibration::Discoveries;
-using calibration::Setting;
+using calibration::Rates;
 
-constexpr unsigned kFirstSeed = 1;
+constexpr unsigned kSeedsPerKind = 100000;  // the kinds of data are independent of each other
 
-struct Mean {
-  double sum = 0, squares = 0;
-  int n = 0;
-  void add(double value) {
-    sum += value;
-    squares += value * value;
-    ++n;
-  }
-  [[nodiscard]] double mean() const { return sum / n; }
-  [[nodiscard]] double standardError() const {
-    return n < 2 ? 0 : std::sqrt(std::max(0.0, squares / n - mean() * mean()) / (n - 1));
-  }
-};
+std::vector<DataSetting> kindsOfData() {
+  std::vector<DataSetting> kinds;
+  for (const auto& [inside, regionAcross] : {std::pair(false, 3), {true, 3}, {true, 10}})
+    for (const double autocorrelation : {0.0, 0.8})
+      for (const double driven : {0.0, 0.001, 0.01, 0.1}) {
+        DataSetting& kind = kinds.emplace_back();
+        kind.referenceInside = inside;
+        kind.regionAcross = regionAcross;
+        kind.autocorrelation = autocorrelation;
+        kind.drivenShare = driven;
+      }
+  return kinds;
+}
 
-struct Tally {
-  Mean anyPasses, falseShare, power;
-};
+std::vector<Analysis> analysesOf(const DataSetting& kind) {
+  std::vector<Analysis> analyses;
+  for (const char* method : {"calibrated", "plugin"})
+    for (const int cv : {1, 2})
+      for (const int order : {1, 2, 3}) {
+        if (kind.referenceInside && order > 1) continue;
+        Analysis& analysis = analyses.emplace_back();
+        analysis.method = method;
+        analysis.cvConstant = cv;
+        analysis.order = order;
+      }
+  return analyses;
+}
 
-std::vector<Tally> measure(const Setting& setting, int runs, unsigned firstSeed, const std::string& folder) {
-  std::vector<Tally> tallies(setting.qs.size());
+// One entry per condition and q of every analysis.
+using RatesOfAll = std::vector<std::vector<Rates>>;
+
+RatesOfAll measure(const DataSetting& kind, const std::vector<Analysis>& analyses, int runs,
+                   unsigned firstSeed) {
+  RatesOfAll rates(analyses.size());
   for (int run = 0; run < runs; ++run) {
-    const auto found = calibration::simulateRun(setting, firstSeed + static_cast<unsigned>(run), folder);
-    for (std::size_t q = 0; q < found.size(); ++q) {
-      tallies[q].anyPasses.add(found[q].truly + found[q].falsely > 0 ? 1 : 0);
-      tallies[q].falseShare.add(found[q].falseShare());
-      tallies[q].power.add(found[q].power());
+    const calibration::SimulatedData data(kind, firstSeed + static_cast<unsigned>(run));
+    for (std::size_t a = 0; a < analyses.size(); ++a) {
+      const std::vector<Discoveries> found = calibration::analyse(data, analyses[a]);
+      rates[a].resize(found.size());
+      for (std::size_t i = 0; i < found.size(); ++i) rates[a][i].add(found[i]);
     }
   }
-  return tallies;
+  return rates;
 }
 
-void print(const Setting& s, const std::vector<Tally>& tallies, int runs) {
-  for (std::size_t q = 0; q < tallies.size(); ++q) {
-    const Tally& t = tallies[q];
-    std::printf("%s\t%d\t%d\t%d\t%g\t%g\t%g\t%d\t%.3f\t%.3f\t%.4f\t%.4f\t%.3f\n", s.calibrated ? "calibrated" : "plugin",
-                s.cvConstant, s.order, s.nrOfIntervals, s.autocorrelation, s.drivenShare, static_cast<double>(s.qs[q]),
-                runs, t.anyPasses.mean(), t.anyPasses.standardError(), t.falseShare.mean(),
-                t.falseShare.standardError(), t.power.mean());
+void print(const DataSetting& kind, const Analysis& analysis, const std::vector<Rates>& rates, int runs) {
+  for (std::size_t i = 0; i < rates.size(); ++i) {
+    const Rates& t = rates[i];
+    std::printf("%s\t%d\t%s\t%d\t%d\t%d\t%g\t%g\t%g\t%d\t%.3f\t%.3f\t%.4f\t%.4f\t%.4f\t%.4f\t%.3f\n",
+                kind.referenceInside ? "inside" : "apart", kind.regionAcross * kind.regionAcross,
+                analysis.method.c_str(), analysis.cvConstant, analysis.order,
+                analysis.intervals[i / analysis.qs.size()], kind.autocorrelation, kind.drivenShare,
+                analysis.qs[i % analysis.qs.size()], runs, t.anyPasses.mean(), t.anyPasses.standardError(),
+                t.falseShare.mean(), t.falseShare.standardError(), t.falseShareOfAll.mean(),
+                t.falseShareOfAll.standardError(), t.power.mean());
   }
   std::fflush(stdout);
-}
-
-template <typename Visit>
-void forEachSetting(Visit visit) {
-  Setting s;
-  for (const bool calibrated : {true, false})
-    for (const int cv : {1, 2})
-      for (const int order : {1, 2, 3})
-        for (const int intervals : {1, 4})
-          for (const double autocorrelation : {0.0, 0.8})
-            for (const double driven : {0.0, 0.001, 0.01, 0.1}) {
-              s.calibrated = calibrated;
-              s.cvConstant = cv;
-              s.order = order;
-              s.nrOfIntervals = intervals;
-              s.autocorrelation = autocorrelation;
-              s.drivenShare = driven;
-              visit(s);
-            }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const int runs = argc > 1 ? std::atoi(argv[1]) : 100;
-  const int first = argc > 3 ? std::atoi(argv[2]) : 0;
-  const int end = argc > 3 ? std::atoi(argv[3]) : std::numeric_limits<int>::max();
-  if (runs < 2) {
-    std::fprintf(stderr, "usage: %s [RUNS [FIRST_SETTING END_SETTING]], with at least 2 runs\n", argv[0]);
+  const std::vector<DataSetting> kinds = kindsOfData();
+  const std::size_t first = argc > 3 ? static_cast<std::size_t>(std::atoi(argv[2])) : 0;
+  const std::size_t end = argc > 3 ? static_cast<std::size_t>(std::atoi(argv[3])) : kinds.size();
+  if (runs < 2 || end > kinds.size()) {
+    std::fprintf(stderr, "usage: %s [RUNS [FIRST END]], with at least 2 runs and END up to %zu\n", argv[0],
+                 kinds.size());
     return 2;
   }
-  const fakes::TempFolder folder;
   std::printf(
-      "method\tcv\torder\tintervals\tautocorrelation\tdriven\tq\truns\tany\tany_se\tfdr\tfdr_se\tpower\n");
-  int number = 0;
-  forEachSetting([&](const Setting& s) {
-    if (number >= first && number < end) print(s, measure(s, runs, kFirstSeed, folder.path()), runs);
-    ++number;
-  });
+      "reference\tregion\tmethod\tcv\torder\tintervals\tautocorrelation\tdriven\tq\truns\t"
+      "any\tany_se\tfdr\tfdr_se\tfdr_all\tfdr_all_se\tpower\n");
+  for (std::size_t k = first; k < end; ++k) {
+    const std::vector<Analysis> analyses = analysesOf(kinds[k]);
+    const RatesOfAll rates = measure(kinds[k], analyses, runs, static_cast<unsigned>(k) * kSeedsPerKind);
+    for (std::size_t a = 0; a < analyses.size(); ++a) print(kinds[k], analyses[a], rates[a], runs);
+  }
   return 0;
 }

@@ -84,6 +84,7 @@ tav::RunOptions engineOptions(const Settings& settings) {
   options.poolSurrogateModels = false;
   options.nullDraws = settings.nullDraws;
   options.thresholdRule = tav::ThresholdRule::kStepUp;
+  options.searchOutsideReference = true;
   return options;
 }
 

@@ -43,8 +43,12 @@ std::string thresholdLine(const MapResult& map, const ThresholdResult& result) {
   if (result.voxelsPassing == 0) {
     line << "no voxel survives\n";
   } else {
-    line << result.voxelsPassing << " voxels reach the threshold " << *result.threshold << ", "
-         << result.outsideReference << " of them outside the reference\n";
+    line << result.voxelsPassing << " voxels reach the threshold " << *result.threshold << ", ";
+    if (result.outsideReference == result.voxelsPassing) {
+      line << "all outside the reference\n";
+    } else {
+      line << result.outsideReference << " of them outside the reference\n";
+    }
   }
   return line.str();
 }

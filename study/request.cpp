@@ -21,9 +21,9 @@ const char* methodDescription(Method method) {
            "thresholds by the walk from the strongest voxel down.";
   }
   return "calibrated: unlike the plug-in, lag-pair averages in the consistent form (matters from order 2 on), "
-         "surrogates from each course's own model, several surrogates per voxel, and thresholds by step-up with "
-         "p = (1 + exceeding null magnitudes) / (null magnitudes + 1), so that the false discovery rate stays "
-         "below q.";
+         "surrogates from each course's own model, several surrogates per voxel, and thresholds over the voxels "
+         "outside the reference by step-up with p = (1 + exceeding null magnitudes) / (null magnitudes + 1), so "
+         "that their false discovery rate stays below q.";
 }
 
 }  // namespace study

@@ -18,7 +18,7 @@ namespace study {
 struct ThresholdResult {
   double q = 0;
   std::optional<double> threshold;  // unset: no voxel survives, or there is none to find
-  std::size_t voxelsPassing = 0;    // inside the reference too, as the procedure counts them
+  std::size_t voxelsPassing = 0;    // as the search counts them: with method "plugin" inside the reference too
   std::size_t outsideReference = 0; // of them: a voxel of the reference is no finding
 };
 

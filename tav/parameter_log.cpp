@@ -31,7 +31,8 @@ void writeRunOptionsLog(const RunOptions& options, std::ostream& out) {
   out << "LagPairAverages= " << (consistent ? "consistent" : "written") << "\n";
   out << "SurrogateModels= " << (options.poolSurrogateModels ? "pooled" : "per-course") << "\n";
   out << "NullDrawsPerVoxel= " << options.nullDraws << "\n";
-  out << "ThresholdRule= " << (stepUp ? "step-up" : "walk") << "\n\n";
+  out << "ThresholdRule= " << (stepUp ? "step-up" : "walk") << "\n";
+  out << "ThresholdSearch= " << (options.searchOutsideReference ? "outside the reference" : "all voxels") << "\n\n";
 }
 
 }  // namespace tav

@@ -22,6 +22,9 @@ struct RunOptions {
   bool poolSurrogateModels = true;
   int nullDraws = 1;  // surrogates per voxel, 1 ... 100
   ThresholdRule thresholdRule = ThresholdRule::kWalk;
+  // True: the reference's own voxels, which are related to their mean by construction, are mapped but
+  // take no part in the search for thresholds.
+  bool searchOutsideReference = false;
   // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the
   // request, from which alone its surrogates and draws follow, whatever the other references are.
   std::vector<std::int64_t> voiTimeBases;

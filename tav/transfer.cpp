@@ -3,8 +3,11 @@
 #include <cstdio>
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "hostapi/CNZQPluginInterfaceExtern.h"
+#include "io/cnvtcfile.h"
+#include "io/crdutils.h"
 #include "tav/fdr_thresholds.h"
 #include "tav/map_values.h"
 #include "tav/tail_thresholds.h"
@@ -70,7 +73,8 @@ RawValues rawValues(const FurtherNulls::Block& block) {
 // The null map of each map type, in pieces. Keeps its buffers from type to type.
 class NullMaps {
  public:
-  NullMaps(const TAV_Pars& request, const rawTAVMaps& first, const FurtherNulls* further) : request_(request) {
+  NullMaps(const TAV_Pars& request, const rawTAVMaps& first, const FurtherNulls* further)
+      : request_(request) {
     raw_.push_back(rawValues(first));
     if (further == nullptr) return;
     for (const FurtherNulls::Block& block : further->blocks()) raw_.push_back(rawValues(block));
@@ -101,12 +105,59 @@ class NullMaps {
   MapPieces pieces_;
 };
 
+// All files have the request's grid.
+VTC_Header gridHeader(const TAV_Pars& request) {
+  VTC_Header header{};
+  header.xStart = request.vtcXStart;
+  header.xEnd = request.vtcXEnd;
+  header.yStart = request.vtcYStart;
+  header.yEnd = request.vtcYEnd;
+  header.zStart = request.vtcZStart;
+  header.zEnd = request.vtcZEnd;
+  header.resolution = request.vtcResolution;
+  return header;
+}
+
+// The reference's cells of the grid, ascending.
+std::vector<std::size_t> cellsOf(const TAV_VOI_Pars& voi, const TAV_Pars& request) {
+  const VTC_Header header = gridHeader(request);
+  const VtcGrid grid = gridOf(header);
+  std::vector<std::int32_t> coordinates(3 * static_cast<std::size_t>(voi.nVoxels));
+  toAnatomicalCoordinates(voi.voxels, voi.nVoxels, voi.talCoords != 0, coordinates.data());
+  std::vector<std::size_t> cells;
+  for (const voicrd& cell : cellsOfVoxels(header, coordinates.data(), voi.nVoxels).cells) {
+    const std::int64_t index = (std::int64_t{cell.z} * grid.dimY + cell.y) * grid.dimX + cell.x;
+    cells.push_back(static_cast<std::size_t>(index));
+  }
+  std::sort(cells.begin(), cells.end());
+  return cells;
+}
+
+// What lies between the left-out values, whose indices ascend.
+MapPieces without(const std::vector<std::size_t>& leftOut, std::span<const float> values) {
+  MapPieces pieces;
+  std::size_t first = 0;
+  for (const std::size_t index : leftOut) {
+    pieces.push_back(values.subspan(first, index - first));
+    first = index + 1;
+  }
+  pieces.push_back(values.subspan(first));
+  return pieces;
+}
+
 // One condition's way into the host's map set.
 class MapTransfer {
  public:
+  // `leftOut`: voxels that take no part in the search for thresholds.
   MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, ThresholdRule rule, const RawValues& raw,
-              NullMaps& nulls, std::ostream& errors)
-      : cond_(cond), request_(request), rule_(rule), raw_(raw), nulls_(nulls), errors_(errors) {}
+              NullMaps& nulls, std::vector<std::size_t> leftOut, std::ostream& errors)
+      : cond_(cond),
+        request_(request),
+        rule_(rule),
+        raw_(raw),
+        nulls_(nulls),
+        leftOut_(std::move(leftOut)),
+        errors_(errors) {}
 
   // Fills the host's map `values` and its header, and stores the header.
   MapOutcome transfer(MapType type, int index, float* values, NR_VMP_Header& header) {
@@ -122,7 +173,8 @@ class MapTransfer {
  private:
   std::vector<MapThreshold> search(MapType type, std::span<const float> values) {
     checkCvConstant(request_.cvConstant, errors_);
-    return searchTailThresholds(rule_, request_.qThresholds, {values}, nulls_.of(type), request_.cvConstant);
+    return searchTailThresholds(rule_, request_.qThresholds, without(leftOut_, values), nulls_.of(type),
+                                request_.cvConstant);
   }
 
   const TAV_Cond_Pars& cond_;
@@ -130,6 +182,7 @@ class MapTransfer {
   ThresholdRule rule_;
   RawValues raw_;
   NullMaps& nulls_;
+  std::vector<std::size_t> leftOut_;
   std::ostream& errors_;
 };
 
@@ -138,7 +191,10 @@ class MapTransfer {
 int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                                        const TAV_Pars& request, std::ostream& errors) {
   NullMaps nulls(request, *rawMaps2, furtherNulls.get());
-  MapTransfer maps(cond, request, options_.thresholdRule, rawValues(*rawMaps1), nulls, errors);
+  std::vector<std::size_t> leftOut;
+  if (options_.searchOutsideReference) leftOut = cellsOf(voi, request);
+  MapTransfer maps(cond, request, options_.thresholdRule, rawValues(*rawMaps1), nulls, std::move(leftOut),
+                   errors);
   int index = static_cast<int>(request.mapTypes.size()) * condIndex;
   for (const MapType type : request.mapTypes) {
     NR_VMP_Header header{};

@@ -41,7 +41,8 @@ for path in maps:
     assert numpy.isfinite(values).all(), path
     sidecar = json.loads(path.with_name(path.name.replace(".nii.gz", ".json")).read_text())
     for threshold in sidecar.get("Thresholds", []):
-        passing = 0 if threshold["Threshold"] is None else int((abs(values) >= numpy.float32(threshold["Threshold"])).sum())
+        passes = abs(values) >= numpy.float32(numpy.inf if threshold["Threshold"] is None else threshold["Threshold"])
+        passing = int(passes[~region].sum())
         assert passing == threshold["VoxelsPassing"], (path, threshold, passing)
 
 # Known values: the instantaneous influence is largest within the reference itself, and so is its

@@ -20,7 +20,7 @@ struct Case {
 };
 
 tav::RunOptions calibrated() {
-  return {simo::LagPairForm::kConsistent, false, 3, tav::ThresholdRule::kStepUp, {}};
+  return {simo::LagPairForm::kConsistent, false, 3, tav::ThresholdRule::kStepUp, false, {}};
 }
 
 std::vector<Case> cases() {

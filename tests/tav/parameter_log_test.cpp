@@ -51,7 +51,7 @@ TEST(RunOptionsLog, IsSilentAboutThePlugInsOwnWay) {
 
 TEST(RunOptionsLog, NamesWhatDiffers) {
   std::ostringstream out;
-  tav::writeRunOptionsLog({simo::LagPairForm::kConsistent, false, 20, tav::ThresholdRule::kStepUp, {}}, out);
+  tav::writeRunOptionsLog({simo::LagPairForm::kConsistent, false, 20, tav::ThresholdRule::kStepUp, false, {}}, out);
   EXPECT_EQ(out.str(),
             "Run options (not those of the plug-in)\n"
             "--------------------------------------\n"
@@ -59,5 +59,6 @@ TEST(RunOptionsLog, NamesWhatDiffers) {
             "SurrogateModels= per-course\n"
             "NullDrawsPerVoxel= 20\n"
             "ThresholdRule= step-up\n"
+            "ThresholdSearch= all voxels\n"
             "\n");
 }

@@ -174,3 +174,31 @@ TEST_F(Transfer, FurtherNullsEnterTheThresholds) {
   const float largest = *std::max_element(map(0).values.begin(), map(0).values.end());
   EXPECT_EQ(map(0).thresholds[0], largest) << "two of three null values exceed everything";
 }
+
+TEST_F(Transfer, TheReferencesOwnVoxelsMayStayOutOfTheSearch) {
+  pars.mapTypes = {tav::INST};
+  // At the first q the other 22 strong voxels fall just short; two more would do.
+  pars.qThresholds = {0.043F, 0.1F};
+  pars.cvConstant = 1;
+  const std::size_t voxels = 10 * 5 * 4;
+  const std::array<std::size_t, 2> own = {0, voxels - 50};  // the first voxels of the first and last slices
+  const auto thresholdsWith = [&](bool outside, float ownValue) {
+    tav::RunOptions options;
+    options.thresholdRule = tav::ThresholdRule::kStepUp;
+    options.searchOutsideReference = outside;
+    prepare(options);
+    for (std::size_t voxel = 30; voxel < voxels; ++voxel)
+      computer->rawMaps1->values(2)[voxel] = voxel % 4 == 0 ? 0.0F : 1e-6F;
+    for (const std::size_t voxel : own) computer->rawMaps1->values(2)[voxel] = ownValue;
+    EXPECT_EQ(transfer(0), tav::kSuccess);
+    for (const std::size_t voxel : own)
+      EXPECT_EQ(map(0).values[voxel], ownValue * pars.mapScaleFactor) << "it is mapped";
+    return map(0).thresholds;
+  };
+  const auto withoutThem = thresholdsWith(false, 0.0F);
+  EXPECT_TRUE(std::isinf(withoutThem[0]));
+  EXPECT_GT(withoutThem[1], 0.9F);
+  EXPECT_EQ(thresholdsWith(true, 9.0F), withoutThem);
+  EXPECT_EQ(thresholdsWith(true, 0.0F), withoutThem);
+  EXPECT_NE(thresholdsWith(false, 9.0F), withoutThem);
+}

@@ -43,12 +43,13 @@ Discoveries countPassing(const Voxels& voxels, const Json& threshold) {
   return found;
 }
 
-void requireCounts(const Discoveries& found, const Json& threshold, const std::string& map) {
+// The plug-in's search counts the reference's voxels, the calibrated one does not.
+void requireCounts(const Discoveries& found, const Json& threshold, bool countsReference,
+                   const std::string& map) {
   const int outside = found.truly + found.falsely;
-  if (threshold.at("VoxelsPassing") == outside + found.inReference &&
-      threshold.at("VoxelsPassingOutsideReference") == outside) {
+  const int counted = outside + (countsReference ? found.inReference : 0);
+  if (threshold.at("VoxelsPassing") == counted && threshold.at("VoxelsPassingOutsideReference") == outside)
     return;
-  }
   throw std::runtime_error(map + ": " + std::to_string(outside) + " voxels outside the reference and " +
                            std::to_string(found.inReference) + " inside pass, but the record says " +
                            threshold.dump());
@@ -62,6 +63,7 @@ std::vector<Discoveries> readDiscoveries(const fs::path& record, const std::vect
   const auto pathOf = [&](const Json& name) {
     return (record.parent_path() / name.get<std::string>()).string();
   };
+  const bool countsReference = json.at("Method") == "plugin";
   std::vector<Discoveries> all;
   for (const Json& condition : json.at("Conditions")) {
     const std::vector<std::int32_t> status =
@@ -71,7 +73,7 @@ std::vector<Discoveries> readDiscoveries(const fs::path& record, const std::vect
       const Voxels voxels{formats::readImage(file).values, status, driven};
       for (const Json& threshold : map.at("Thresholds")) {
         Discoveries found = countPassing(voxels, threshold);
-        requireCounts(found, threshold, file);
+        requireCounts(found, threshold, countsReference, file);
         found.condition = condition.at("Name").get<std::string>();
         all.push_back(found);
       }

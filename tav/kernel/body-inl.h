@@ -170,6 +170,10 @@ class GroupKernel {
   static void storeVerdicts(Verdict* verdicts, const Doubts<S>& doubts) {
     const Mask illDefined = doubts.flat | (doubts.failed & ~doubts.unsure),
                unsure = doubts.unsure & ~doubts.flat;
+    if ((illDefined | unsure) == 0) {
+      for (int l = 0; l < kWidth; ++l) verdicts[l] = Verdict::kDone;
+      return;
+    }
     for (int l = 0; l < kWidth; ++l) {
       const unsigned code = ((illDefined >> l) & 1U) + 2U * ((unsure >> l) & 1U);
       verdicts[l] = static_cast<Verdict>(code);

@@ -47,14 +47,12 @@ class Collector {
   // Cross sums of the draws first ... first + count - 1, at most kMaxRows, in rows 0 ... count - 1.
   void collectCross(int reference, int first, int count) {
     const int statistics = count * (2 * plan_.order + 1);
-    clearPartials(0, statistics);
-    for (int l = 0; l < kWidth; ++l) addCrossPass(reference, l, first, count);
+    for (int l = 0; l < kWidth; ++l) sumCrossPass(reference, l, first, count);
     sumPartials(0, statistics, layout_.cross);
   }
 
   // Own sums and tails of a draw into the series at `variable`.
   void collectSeries(int reference, int draw, int variable) {
-    for (int i = 0; i <= plan_.order; ++i) S::store(group_.lane(variable + i), S::zero());
     for (int l = 0; l < kWidth; ++l) {
       for (int n = 0; n < plan_.nrOfIntervals; ++n)
         addTable(group_.tableOf(reference, n, group_.drawnRow(reference, l, n, draw)), n, variable, l);
@@ -98,7 +96,6 @@ class Collector {
 
   void collectAtOnce() {
     const int statistics = nrOfStatistics(plan_.order), own = ownStatistic(plan_.order, 0);
-    clearPartials(0, statistics);
     for (int l = 0; l < kWidth; ++l) {
       for (int n = 0; n < plan_.nrOfIntervals; ++n) {
         const float* row = writeRow(l, n);
@@ -106,7 +103,7 @@ class Collector {
         work_.segments[n] = {
             row, {courseOf(0, l, n, kTruth), courseOf(0, l, n, 0)}, plan_.intervals[n].paddedLength};
       }
-      addAllLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
+      sumAllLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
     }
     sumPartials(0, own, layout_.cross);
     sumPartials(own, statistics, layout_.own);
@@ -115,18 +112,17 @@ class Collector {
   // A row against itself, at lags 0 ... order.
   void collectOwn() {
     const int lag0 = crossStatistic(plan_.order, 0, 0);
-    clearPartials(lag0, lag0 + plan_.order + 1);
     for (int l = 0; l < kWidth; ++l) {
       for (int n = 0; n < plan_.nrOfIntervals; ++n) {
         const float* row = writeRow(l, n);
         work_.segments[n] = {row, {row}, plan_.intervals[n].paddedLength};
       }
-      addOwnLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
+      sumOwnLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
     }
     sumPartials(lag0, lag0 + plan_.order + 1, layout_.own);
   }
 
-  void addCrossPass(int reference, int l, int first, int count) {
+  void sumCrossPass(int reference, int l, int first, int count) {
     for (int n = 0; n < plan_.nrOfIntervals; ++n) {
       LagRows& rows = work_.segments[n];
       rows.voxel = group_.rowOf(l, plan_.intervals[n]);
@@ -136,7 +132,7 @@ class Collector {
         if (plan_.draws == 1 && first + row != kTruth) prefetchNext(reference, l, n, first + row);
       }
     }
-    addCrossLags<S>({work_.segments, plan_.nrOfIntervals}, count, plan_.order, partialsOf(l));
+    sumCrossLags<S>({work_.segments, plan_.nrOfIntervals}, count, plan_.order, partialsOf(l));
   }
 
   const float* courseOf(int reference, int l, int interval, int draw) const {
@@ -155,7 +151,11 @@ class Collector {
   void addTable(const float* table, int interval, int variable, int l) const {
     const int p = plan_.order;
     float* own = group_.lane(variable) + l;
-    for (int i = 0; i <= p; ++i) own[i * kWidth] += table[i];
+    if (interval == 0) {
+      for (int i = 0; i <= p; ++i) own[i * kWidth] = table[i];
+    } else {
+      for (int i = 0; i <= p; ++i) own[i * kWidth] += table[i];
+    }
     float* tails = group_.lane(variable + p + 1 + interval * p) + l;
     for (int i = 0; i < p; ++i) tails[i * kWidth] = table[p + 1 + i];
   }
@@ -165,11 +165,6 @@ class Collector {
   }
   [[nodiscard]] float* partialsOfStatistic(int s) const {
     return work_.partials + static_cast<std::ptrdiff_t>(s) * kWidth * kWidth;
-  }
-
-  void clearPartials(int first, int end) const {
-    float* const last = partialsOfStatistic(end);
-    for (float* p = partialsOfStatistic(first); p < last; p += kWidth) S::store(p, S::zero());
   }
 
   void sumPartials(int first, int end, int variable) const {

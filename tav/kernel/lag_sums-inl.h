@@ -76,30 +76,40 @@ struct LagProducts {
     }
   }
 
-  void addTo(float* partials, int order, int first) const {
-    const auto add = [&](int statistic, Floats v) {
-      float* p = partials + kStep * statistic;
-      S::store(p, S::load(p) + v);
-    };
+  // Calls `use` with each sum and its place.
+  template <class Use>
+  [[gnu::always_inline]] void forEach(float* partials, int order, int first, Use use) const {
     for (int r = 0; r < kRows; ++r) {
-      for (int j = 0; j < kShifts; ++j) add(crossStatistic(order, r, first + j), cross[r][j]);
+      for (int j = 0; j < kShifts; ++j)
+        use(partials + kStep * crossStatistic(order, r, first + j), cross[r][j]);
     }
-    for (int j = kOwnFrom; j < kShifts; ++j) add(ownStatistic(order, first + j), own[j - kOwnFrom]);
+    for (int j = kOwnFrom; j < kShifts; ++j)
+      use(partials + kStep * ownStatistic(order, first + j), own[j - kOwnFrom]);
+  }
+
+  void putTo(float* partials, int order, int first, bool isFirst) const {
+    if (isFirst) {
+      forEach(partials, order, first, [](float* place, Floats v) { S::store(place, v); });
+    } else {
+      forEach(partials, order, first, [](float* place, Floats v) { S::store(place, S::load(place) + v); });
+    }
   }
 };
 
-// Adds them for all intervals to the voxel's lane, at which `partials` points.
+// Sums them over all intervals into the voxel's lane, at which `partials` points.
 template <class S, int kRows, int kShifts, int kOwnFrom>
-[[gnu::noinline]] void addLagProducts(const LagRowsList& rows, int order, int first, float* partials) {
+[[gnu::noinline]] void sumLagProducts(const LagRowsList& rows, int order, int first, float* partials) {
   LagProducts<S, kRows, kShifts, kOwnFrom> products;
   products.clear();
+  bool isFirst = true;
   int vectors = 0;
   for (int i = 0; i < rows.count; ++i) {
     const LagRows& interval = rows.intervals[i];
     for (int start = 0; start < interval.paddedLength; start += kVectorsPerSum * S::kWidth) {
       if (vectors >= kVectorsPerSum) {
-        products.addTo(partials, order, first);
+        products.putTo(partials, order, first, isFirst);
         products.clear();
+        isFirst = false;
         vectors = 0;
       }
       const int left = interval.paddedLength - start, most = kVectorsPerSum * S::kWidth;
@@ -107,7 +117,7 @@ template <class S, int kRows, int kShifts, int kOwnFrom>
       vectors += (left < most ? left : most) / S::kWidth;
     }
   }
-  products.addTo(partials, order, first);
+  products.putTo(partials, order, first, isFirst);
 }
 
 using LagFunction = void (*)(const LagRowsList&, int, int, float*);
@@ -121,7 +131,7 @@ inline constexpr int kShiftsOf = S::kAccumulators / kRows < 12 ? S::kAccumulator
 // table[n - 1]: n shifts, all with own products or none.
 template <class S, int kRows, bool kWithOwn, int... kCounts>
 LagFunction pick(int n) {
-  static constexpr LagFunction table[] = {&addLagProducts < S, kRows, kCounts + 1,
+  static constexpr LagFunction table[] = {&sumLagProducts < S, kRows, kCounts + 1,
                                           kWithOwn ? 0 : kCounts + 1 > ...};
   return table[n - 1];
 }
@@ -141,9 +151,9 @@ struct Picker<S, kRows, kWithOwn, Counts<kCounts...>> {
   static LagFunction of(int n) { return pick<S, kRows, kWithOwn, kCounts...>(n); }
 };
 
-// Adds shifts first ... last in loops of at most kMost.
+// Sums shifts first ... last in loops of at most kMost.
 template <class S, int kRows, bool kWithOwn, int kMost>
-void addShifts(const LagRowsList& rows, int order, int first, int last, float* partials) {
+void sumShifts(const LagRowsList& rows, int order, int first, int last, float* partials) {
   using Loops = Picker<S, kRows, kWithOwn, typename CountsTo<kMost>::Type>;
   const int loops = (last - first + kMost) / kMost;
   for (int loop = loops; loop > 0; --loop) {
@@ -155,41 +165,41 @@ void addShifts(const LagRowsList& rows, int order, int first, int last, float* p
 
 // All statistics of a voxel with two rows.
 template <class S>
-void addAllLags(const LagRowsList& rows, int order, float* partials) {
-  if (order == 1) return addLagProducts<S, 2, 3, 1>(rows, order, -1, partials);
+void sumAllLags(const LagRowsList& rows, int order, float* partials) {
+  if (order == 1) return sumLagProducts<S, 2, 3, 1>(rows, order, -1, partials);
   if constexpr (S::kAccumulators >= 23) {
-    if (order == 2) return addLagProducts<S, 2, 5, 2>(rows, order, -2, partials);
-    if (order == 3) return addLagProducts<S, 2, 7, 3>(rows, order, -3, partials);
-    if (order == 4) return addLagProducts<S, 2, 9, 4>(rows, order, -4, partials);
-    if (order == 5) return addLagProducts<S, 2, 11, 5>(rows, order, -5, partials);
+    if (order == 2) return sumLagProducts<S, 2, 5, 2>(rows, order, -2, partials);
+    if (order == 3) return sumLagProducts<S, 2, 7, 3>(rows, order, -3, partials);
+    if (order == 4) return sumLagProducts<S, 2, 9, 4>(rows, order, -4, partials);
+    if (order == 5) return sumLagProducts<S, 2, 11, 5>(rows, order, -5, partials);
   }
-  addShifts<S, 2, false, kShiftsOf<S, 2>>(rows, order, -order, -1, partials);
-  addShifts<S, 2, true, kShiftsWithOwn<S>>(rows, order, 0, order, partials);
+  sumShifts<S, 2, false, kShiftsOf<S, 2>>(rows, order, -order, -1, partials);
+  sumShifts<S, 2, true, kShiftsWithOwn<S>>(rows, order, 0, order, partials);
 }
 
 // Row 0 at shifts 0 ... order, where row 0 is the voxel's own.
 template <class S>
-void addOwnLags(const LagRowsList& rows, int order, float* partials) {
-  addShifts<S, 1, false, kShiftsOf<S, 1>>(rows, order, 0, order, partials);
+void sumOwnLags(const LagRowsList& rows, int order, float* partials) {
+  sumShifts<S, 1, false, kShiftsOf<S, 1>>(rows, order, 0, order, partials);
 }
 
 template <class S, int kRows>
-void addCrossLags(const LagRowsList& rows, int order, float* partials) {
-  addShifts<S, kRows, false, kShiftsOf<S, kRows>>(rows, order, -order, order, partials);
+void sumCrossLags(const LagRowsList& rows, int order, float* partials) {
+  sumShifts<S, kRows, false, kShiftsOf<S, kRows>>(rows, order, -order, order, partials);
 }
 
 // The cross statistics of the first `nrOfRows` rows, 1 ... kMaxRows.
 template <class S>
-void addCrossLags(const LagRowsList& rows, int nrOfRows, int order, float* partials) {
+void sumCrossLags(const LagRowsList& rows, int nrOfRows, int order, float* partials) {
   switch (nrOfRows) {
     case 1:
-      return addCrossLags<S, 1>(rows, order, partials);
+      return sumCrossLags<S, 1>(rows, order, partials);
     case 2:
-      return addCrossLags<S, 2>(rows, order, partials);
+      return sumCrossLags<S, 2>(rows, order, partials);
     case 3:
-      return addCrossLags<S, 3>(rows, order, partials);
+      return sumCrossLags<S, 3>(rows, order, partials);
     default:
-      return addCrossLags<S, 4>(rows, order, partials);
+      return sumCrossLags<S, 4>(rows, order, partials);
   }
 }
 

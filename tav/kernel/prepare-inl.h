@@ -39,10 +39,8 @@ float firstLane(typename S::Floats v) {
 template <class S>
 void tabulate(const IntervalView& interval, int order, const float* row, float* partials, float* table) {
   constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
-  for (int lag = 0; lag <= order; ++lag)
-    S::store(partials + crossStatistic(order, 0, lag) * kStep, S::zero());
   const LagRows rows{row, {row}, interval.paddedLength};
-  addOwnLags<S>({&rows, 1}, order, partials);
+  sumOwnLags<S>({&rows, 1}, order, partials);
   for (int lag = 0; lag <= order; ++lag)
     table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];

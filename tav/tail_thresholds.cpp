@@ -29,12 +29,6 @@ struct Tail {
   std::size_t numbers = 0;        // non-zero and not NaN
 };
 
-std::size_t sizeOf(const MapPieces& pieces) {
-  std::size_t size = 0;
-  for (const auto& piece : pieces) size += piece.size();
-  return size;
-}
-
 // Positive floats order as their bits do; NaN above infinity.
 constexpr std::int32_t kInfinityBits = 0x7F800000;
 
@@ -120,31 +114,26 @@ void sortDescending(std::vector<float>& magnitudes) {
   }
 }
 
-Tail selectTail(const MapPieces& pieces, float cut) {
+Tail selectTail(const MapSource& map, float cut) {
   TailSelector selector(cut);
-  for (const auto& piece : pieces) selector.add(piece);
+  map.forEachPiece([&](MapSource::Piece piece) { selector.add(piece); });
   Tail tail = selector.take();
   sortDescending(tail.magnitudes);
   return tail;
 }
 
 // Every non-zero magnitude.
-Tail selectAll(const MapPieces& pieces) {
-  Tail tail = selectTail(pieces, std::numeric_limits<float>::denorm_min());
+Tail selectAll(const MapSource& map) {
+  Tail tail = selectTail(map, std::numeric_limits<float>::denorm_min());
   tail.magnitudes.resize(tail.nonZero, -1.0F);
   return tail;
 }
 
 // Evenly spread non-zero magnitudes, in descending order.
-Tail sample(const MapPieces& pieces) {
-  const std::size_t stride = std::max<std::size_t>(sizeOf(pieces) / kSamples, 1);
+Tail sample(const MapSource& map) {
   Tail samples;
-  std::size_t next = 0;
-  for (const auto& piece : pieces) {
-    for (; next < piece.size(); next += stride) {
-      if (std::fabs(piece[next]) > 0.0F) samples.magnitudes.push_back(std::fabs(piece[next]));
-    }
-    next -= piece.size();
+  for (const float value : map.every(std::max<std::size_t>(map.size() / kSamples, 1))) {
+    if (std::fabs(value) > 0.0F) samples.magnitudes.push_back(std::fabs(value));
   }
   samples.nonZero = samples.numbers = samples.magnitudes.size();
   sortDescending(samples.magnitudes);
@@ -239,7 +228,7 @@ double expectedShare(ThresholdRule rule, const std::vector<float>& qs, int cvCon
 }  // namespace
 
 std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs,
-                                               const MapPieces& observed, const MapPieces& null,
+                                               const MapSource& observed, const MapSource& null,
                                                int cvConstant) {
   std::sort(qs.begin(), qs.end());
   const Tail samples = sample(observed);

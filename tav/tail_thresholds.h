@@ -5,21 +5,18 @@
 #ifndef TAVMAP_TAV_TAIL_THRESHOLDS_H
 #define TAVMAP_TAV_TAIL_THRESHOLDS_H
 
-#include <span>
 #include <vector>
 
+#include "tav/map_source.h"
 #include "tav/run_observer.h"
 #include "tav/run_options.h"
 
 namespace tav {
 
-// A map's values as they are, in as many pieces as they come: signs, zeros and NaN included.
-using MapPieces = std::vector<std::span<const float>>;
-
-// The results of searchThresholds() over the pieces' magnitudes. Cost: a pass over both maps and a
+// The results of searchThresholds() over the maps' magnitudes. Cost: a pass over both maps and a
 // linear sort of their tails, which also take twice their memory.
 [[nodiscard]] std::vector<MapThreshold> searchTailThresholds(ThresholdRule rule, std::vector<float> qs,
-                                                             const MapPieces& observed, const MapPieces& null,
+                                                             const MapSource& observed, const MapSource& null,
                                                              int cvConstant);
 
 }  // namespace tav

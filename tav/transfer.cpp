@@ -1,7 +1,6 @@
 // From raw measures to a condition's maps in the host: values, thresholds, display settings.
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <span>
 #include <utility>
 
@@ -70,40 +69,13 @@ RawValues rawValues(const FurtherNulls::Block& block) {
   return {{block.plane(0), block.plane(1), block.plane(2)}, block.planeSize()};
 }
 
-// The null map of each map type, in pieces. Keeps its buffers from type to type.
-class NullMaps {
- public:
-  NullMaps(const TAV_Pars& request, const rawTAVMaps& first, const FurtherNulls* further)
-      : request_(request) {
-    raw_.push_back(rawValues(first));
-    if (further == nullptr) return;
-    for (const FurtherNulls::Block& block : further->blocks()) raw_.push_back(rawValues(block));
-  }
-
-  [[nodiscard]] const MapPieces& of(MapType type) {
-    if (values_ == nullptr) values_ = std::make_unique_for_overwrite<float[]>(size());
-    pieces_.clear();
-    float* values = values_.get();
-    for (const RawValues& raw : raw_) {
-      computeMapValues(type, raw, request_, values);
-      pieces_.emplace_back(values, raw.size);
-      values += raw.size;
-    }
-    return pieces_;
-  }
-
- private:
-  [[nodiscard]] std::size_t size() const {
-    std::size_t size = 0;
-    for (const RawValues& raw : raw_) size += raw.size;
-    return size;
-  }
-
-  const TAV_Pars& request_;
-  std::vector<RawValues> raw_;
-  std::unique_ptr<float[]> values_;
-  MapPieces pieces_;
-};
+// Raw null measures of all draws.
+std::vector<RawValues> rawNulls(const rawTAVMaps& first, const FurtherNulls* further) {
+  std::vector<RawValues> raw{rawValues(first)};
+  if (further == nullptr) return raw;
+  for (const FurtherNulls::Block& block : further->blocks()) raw.push_back(rawValues(block));
+  return raw;
+}
 
 // All files have the request's grid.
 VTC_Header gridHeader(const TAV_Pars& request) {
@@ -150,7 +122,7 @@ class MapTransfer {
  public:
   // `leftOut`: voxels that take no part in the search for thresholds.
   MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, ThresholdRule rule, const RawValues& raw,
-              NullMaps& nulls, std::vector<std::size_t> leftOut, std::ostream& errors)
+              const std::vector<RawValues>& nulls, std::vector<std::size_t> leftOut, std::ostream& errors)
       : cond_(cond),
         request_(request),
         rule_(rule),
@@ -173,15 +145,15 @@ class MapTransfer {
  private:
   std::vector<MapThreshold> search(MapType type, std::span<const float> values) {
     checkCvConstant(request_.cvConstant, errors_);
-    return searchTailThresholds(rule_, request_.qThresholds, without(leftOut_, values), nulls_.of(type),
-                                request_.cvConstant);
+    return searchTailThresholds(rule_, request_.qThresholds, StoredMap(without(leftOut_, values)),
+                                ComputedMap(type, nulls_, request_), request_.cvConstant);
   }
 
   const TAV_Cond_Pars& cond_;
   const TAV_Pars& request_;
   ThresholdRule rule_;
   RawValues raw_;
-  NullMaps& nulls_;
+  const std::vector<RawValues>& nulls_;
   std::vector<std::size_t> leftOut_;
   std::ostream& errors_;
 };
@@ -190,7 +162,7 @@ class MapTransfer {
 
 int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                                        const TAV_Pars& request, std::ostream& errors) {
-  NullMaps nulls(request, *rawMaps2, furtherNulls.get());
+  const std::vector<RawValues> nulls = rawNulls(*rawMaps2, furtherNulls.get());
   std::vector<std::size_t> leftOut;
   if (options_.searchOutsideReference) leftOut = cellsOf(voi, request);
   MapTransfer maps(cond, request, options_.thresholdRule, rawValues(*rawMaps1), nulls, std::move(leftOut),

@@ -117,7 +117,8 @@ class PhaseTimer {
       tav::computeMapValues(type, rawValues(*computer_.rawMaps1), request_, observed.data());
       tav::computeMapValues(type, rawValues(*computer_.rawMaps2), request_, null.data());
       sum += bestSeconds(1, [&] {
-        (void)tav::searchTailThresholds(options_.thresholdRule, request_.qThresholds, {observed}, {null},
+        (void)tav::searchTailThresholds(options_.thresholdRule, request_.qThresholds,
+                                        tav::StoredMap({observed}), tav::StoredMap({null}),
                                         request_.cvConstant);
       });
     }

@@ -55,7 +55,8 @@ void expectSame(ThresholdRule rule, std::size_t maxSize, int rounds) {
     const std::vector<float> qs = {0.1F, 0.01F, 0.05F, 0.9F};
     const int cv = 1 + round % 3 % 2;
     const auto expected = tav::searchThresholds(rule, qs, observedMagnitudes, nullMagnitudes, cv);
-    const auto found = tav::searchTailThresholds(rule, qs, cut(observed, random), cut(null, random), cv);
+    const auto found = tav::searchTailThresholds(rule, qs, tav::StoredMap(cut(observed, random)),
+                                                 tav::StoredMap(cut(null, random)), cv);
     ASSERT_EQ(found.size(), expected.size());
     for (std::size_t k = 0; k < found.size(); ++k) {
       ASSERT_EQ(found[k].q, expected[k].q);
@@ -79,8 +80,8 @@ TEST(TailThresholds, StepUpLikeAFullSortOnLargeMaps) {
 }
 
 TEST(TailThresholds, AreZeroForEmptyMaps) {
-  for (const MapThreshold& result :
-       tav::searchTailThresholds(ThresholdRule::kWalk, {0.05F, 0.01F}, {}, {}, 2)) {
+  for (const MapThreshold& result : tav::searchTailThresholds(ThresholdRule::kWalk, {0.05F, 0.01F},
+                                                              tav::StoredMap({}), tav::StoredMap({}), 2)) {
     EXPECT_EQ(result.threshold, 0.0F);
     EXPECT_FALSE(result.anyPasses());
   }

@@ -1,0 +1,59 @@
+// A map's values for the search for thresholds: as they stand in memory, or computed as they are
+// looked at, so that the null maps of many draws need no memory of their own.
+#ifndef TAVMAP_TAV_MAP_SOURCE_H
+#define TAVMAP_TAV_MAP_SOURCE_H
+
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "tav/map_values.h"
+
+namespace tav {
+
+// Values as they are: signs, zeros and NaN included.
+class MapSource {
+ public:
+  using Piece = std::span<const float>;
+
+  virtual ~MapSource() = default;
+  [[nodiscard]] virtual std::size_t size() const = 0;
+  // Calls `use` with all values in their order, piece after piece. A piece holds during its call.
+  virtual void forEachPiece(const std::function<void(Piece)>& use) const = 0;
+  // The values at 0, stride, 2 stride ...
+  [[nodiscard]] virtual std::vector<float> every(std::size_t stride) const = 0;
+};
+
+using MapPieces = std::vector<std::span<const float>>;
+
+class StoredMap : public MapSource {
+ public:
+  explicit StoredMap(MapPieces pieces) : pieces_(std::move(pieces)) {}
+  [[nodiscard]] std::size_t size() const override;
+  void forEachPiece(const std::function<void(Piece)>& use) const override;
+  [[nodiscard]] std::vector<float> every(std::size_t stride) const override;
+
+ private:
+  MapPieces pieces_;
+};
+
+// One type's map of raw measures. What `raw` and `pars` refer to outlives it.
+class ComputedMap : public MapSource {
+ public:
+  ComputedMap(MapType type, const std::vector<RawValues>& raw, const TAV_Pars& pars)
+      : type_(type), raw_(raw), pars_(pars) {}
+  [[nodiscard]] std::size_t size() const override;
+  void forEachPiece(const std::function<void(Piece)>& use) const override;
+  [[nodiscard]] std::vector<float> every(std::size_t stride) const override;
+
+ private:
+  MapType type_;
+  const std::vector<RawValues>& raw_;
+  const TAV_Pars& pars_;
+};
+
+}  // namespace tav
+
+#endif

@@ -1,8 +1,10 @@
 #include "formats/atomic_file.h"
 
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -17,6 +19,8 @@ namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{256} << 10U;
 constexpr std::size_t kDirectBytes = std::size_t{64} << 10U;  // not worth a copy into the buffer
+constexpr std::size_t kHoleBytes = kDirectBytes;              // shorter ones are not worth the calls either
+constexpr std::size_t kPieces = 64;                           // rows per call
 constexpr int kNewFileMode = 0666;  // less the user's umask
 
 std::string folderOf(const std::string& path) {
@@ -31,6 +35,19 @@ std::string nextTemporaryName(const std::string& path) {
   const std::string name = "." + whole.filename().string() + "." + std::to_string(::getpid()) + "-" +
                            std::to_string(++counter) + ".part";
   return (whole.parent_path() / name).string();
+}
+
+// The rows from byte `done` of all of them on, as many as there are places in `pieces`.
+int gatherRows(const char* rows, std::size_t count, std::size_t rowBytes, std::size_t stride,
+               std::size_t done, iovec (&pieces)[kPieces]) {
+  int gathered = 0;
+  std::size_t within = done % rowBytes;
+  for (std::size_t row = done / rowBytes; row < count && gathered < static_cast<int>(kPieces); ++row) {
+    // The call only reads what an iovec points to.
+    pieces[gathered++] = {const_cast<char*>(rows) + row * stride + within, rowBytes - within};
+    within = 0;
+  }
+  return gathered;
 }
 
 const char* remedyFor(int error) {
@@ -56,7 +73,7 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
   openNameless(folderOf(path_));
   if (fd_ < 0) {
     temporaryPath_ = nextTemporaryName(path_);
-    fd_ = ::open(temporaryPath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+    fd_ = ::open(temporaryPath_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
   }
   if (fd_ < 0) {
     temporaryPath_.clear();
@@ -70,7 +87,7 @@ AtomicFile::~AtomicFile() { discard(); }
 // A nameless file vanishes with the process, however that ends.
 void AtomicFile::openNameless(const std::string& folder) {
 #ifdef O_TMPFILE
-  fd_ = ::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, kNewFileMode);
+  fd_ = ::open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, kNewFileMode);
 #else
   (void)folder;
 #endif
@@ -114,8 +131,50 @@ void AtomicFile::writeThrough(const char* data, std::size_t bytes) {
   }
 }
 
+void AtomicFile::reserve(std::size_t bytes) {
+  int refused = 0;
+  do {
+    refused = systemCalls().fallocate(fd_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(bytes));
+  } while (refused != 0 && errno == EINTR);
+  if (refused != 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) fail("write");
+}
+
+void AtomicFile::skip(std::size_t bytes) {
+  if (bytes < kHoleBytes) {
+    static constexpr char kZeros[kHoleBytes] = {};
+    return write(kZeros, bytes);
+  }
+  flush();
+  if (::lseek(fd_, static_cast<off_t>(bytes), SEEK_CUR) < 0) fail("write");
+  endsInHole_ = true;
+}
+
+void AtomicFile::writeRowsAt(const char* rows, std::size_t count, std::size_t rowBytes, std::size_t stride,
+                             std::size_t offset) {
+  for (std::size_t done = 0; done < count * rowBytes;) {
+    iovec pieces[kPieces];
+    const int gathered = gatherRows(rows, count, rowBytes, stride, done, pieces);
+    const ssize_t written = systemCalls().pwritev(fd_, pieces, gathered, static_cast<off_t>(offset + done));
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) fail("write");
+    done += static_cast<std::size_t>(written);
+  }
+}
+
+void AtomicFile::readAt(void* data, std::size_t bytes, std::size_t offset) {
+  auto* to = static_cast<char*>(data);
+  for (std::size_t done = 0; done < bytes;) {
+    const ssize_t got = systemCalls().pread(fd_, to + done, bytes - done, static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got == 0) errno = EIO;  // the file is shorter than what was written to it
+    if (got <= 0) fail("read back");
+    done += static_cast<std::size_t>(got);
+  }
+}
+
 void AtomicFile::commit() {
   flush();
+  if (endsInHole_ && ::ftruncate(fd_, ::lseek(fd_, 0, SEEK_CUR)) != 0) fail("write");
   if (durability_ == Durability::kSynced && systemCalls().fsync(fd_) != 0) fail("write");
   if (temporaryPath_.empty()) giveName();
   // Some file systems report a full disk only here.

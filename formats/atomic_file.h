@@ -26,6 +26,19 @@ class AtomicFile {
   // Appends. Small pieces are gathered in a buffer of 256 KB.
   void write(const void* data, std::size_t bytes);
   void write(std::string_view text) { write(text.data(), text.size()); }
+  // Takes the space for so many bytes in one piece, where the file system can do that: writing is
+  // then faster, and a disk that has not so much left is reported now.
+  void reserve(std::size_t bytes);
+  // Appends zeros; large stretches become holes, which take neither time nor space on the disk.
+  // Precondition: nothing was written there with writeRowsAt().
+  void skip(std::size_t bytes);
+
+  // Beside the appending, which goes on where it was. `count` rows of `rowBytes` that lie `stride`
+  // bytes apart in memory, one behind the other from `offset` of the file on.
+  void writeRowsAt(const char* rows, std::size_t count, std::size_t rowBytes, std::size_t stride,
+                   std::size_t offset);
+  // Precondition: the bytes were written with writeRowsAt().
+  void readAt(void* data, std::size_t bytes, std::size_t offset);
 
   // Makes the file visible under its name, replacing an older one. Nothing may follow.
   void commit();
@@ -44,6 +57,7 @@ class AtomicFile {
   std::string temporaryPath_;  // empty while the file has no name
   Durability durability_;
   int fd_ = -1;
+  bool endsInHole_ = false;
   std::vector<char> buffer_;
 };
 

@@ -1,51 +1,61 @@
 #include "formats/gzip_writer.h"
 
 #include <algorithm>
-#include <new>
+
+#include "formats/gzip_deflater.h"
 
 namespace formats {
 namespace {
 
+// Where the input is cut decides where a library ends its blocks, so it is always cut alike.
+constexpr std::size_t kPieceBytes = std::size_t{256} << 10U;
 constexpr std::size_t kOutputBytes = std::size_t{128} << 10U;
-constexpr std::size_t kMaxStepBytes = std::size_t{1} << 30U;
-constexpr int kGzipWindowBits = 15 + 16;  // 32 KB window, gzip wrapper
-constexpr int kMemoryLevel = 8;           // zlib's default
 
 }  // namespace
 
-GzipWriter::GzipWriter(AtomicFile& file, int level) : file_(file), output_(kOutputBytes) {
-  if (deflateInit2(&state_, level, Z_DEFLATED, kGzipWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
-    throw std::bad_alloc();
-  }
+class GzipWriter::Deflater : public MemberDeflater {};
+
+GzipWriter::GzipWriter(AtomicFile& file)
+    : file_(file), deflater_(std::make_unique<Deflater>()), output_(kOutputBytes) {
+  piece_.reserve(kPieceBytes);
 }
 
-GzipWriter::~GzipWriter() { deflateEnd(&state_); }
+GzipWriter::~GzipWriter() = default;
+
+const char* GzipWriter::engineName() {
+  return MemberDeflater::kName;
+}
 
 void GzipWriter::write(const void* data, std::size_t bytes) {
   const auto* from = static_cast<const unsigned char*>(data);
   while (bytes > 0) {
-    const std::size_t now = std::min(bytes, kMaxStepBytes);
-    state_.next_in = const_cast<unsigned char*>(from);  // zlib only reads it
-    state_.avail_in = static_cast<uInt>(now);
-    pump(Z_NO_FLUSH);
+    const std::size_t now = std::min(bytes, kPieceBytes - piece_.size());
+    if (now == kPieceBytes) {
+      compress(from, now, false);
+    } else {
+      piece_.insert(piece_.end(), from, from + now);
+      if (piece_.size() == kPieceBytes) {
+        compress(piece_.data(), kPieceBytes, false);
+        piece_.clear();
+      }
+    }
     from += now;
     bytes -= now;
   }
 }
 
 void GzipWriter::finish() {
-  state_.avail_in = 0;
-  pump(Z_FINISH);
+  compress(piece_.data(), piece_.size(), true);
 }
 
-// Until zlib leaves room in the output buffer, it has more to give.
-void GzipWriter::pump(int flush) {
+// As long as the output buffer gets full, there may be more to come.
+void GzipWriter::compress(const unsigned char* piece, std::size_t bytes, bool last) {
+  deflater_->give(piece, bytes, last);
+  std::size_t got = 0;
   do {
-    state_.next_out = output_.data();
-    state_.avail_out = static_cast<uInt>(output_.size());
-    deflate(&state_, flush);
-    file_.write(output_.data(), output_.size() - state_.avail_out);
-  } while (state_.avail_out == 0);
+    got = deflater_->take(output_.data(), output_.size());
+    file_.write(output_.data(), got);
+  } while (got == output_.size());
 }
 
 }  // namespace formats

@@ -1,55 +1,44 @@
 #include "formats/series_store.h"
 
-#include <fcntl.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <new>
-
-#include "formats/file_error.h"
-#include "formats/system_calls.h"
 
 namespace formats {
 namespace {
 
-int openNameless(const std::string& nearPath) {
-  const auto parent = std::filesystem::path(nearPath).parent_path().string();
-  const std::string folder = parent.empty() ? "." : parent;
-#ifdef O_TMPFILE
-  const int fd = ::open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0600);
-  if (fd >= 0) return fd;
-#endif
-  std::string name = folder + "/.tavmap-series-XXXXXX";
-  const int named = ::mkostemp(name.data(), O_CLOEXEC);
-  if (named >= 0) ::unlink(name.c_str());
-  return named;
+constexpr std::size_t kChunkBytes = std::size_t{2} << 20U;  // stays in the second-level cache
+constexpr std::size_t kChunkUnit = 64;                      // voxels: the width of a tile of time_courses.cpp
+constexpr std::size_t kGatherBytes = std::size_t{64} << 20U;  // volumes on their way to the file
+
+std::size_t voxelsPerChunk(std::size_t bytesPerVoxel) {
+  return std::max<std::size_t>(kChunkBytes / bytesPerVoxel / kChunkUnit, 1) * kChunkUnit;
 }
 
 }  // namespace
 
-SeriesStore::SeriesStore(NiftiStream& stream, int volumes, std::size_t memoryBytes, const std::string& nearPath)
-    : volumes_(static_cast<std::size_t>(volumes)),
-      volumeBytes_(stream.volumeBytes()),
-      valueBytes_(volumeBytes_ / stream.header().size.voxels()),
-      slabVoxels_(stream.header().size.voxels()),
-      path_(nearPath) {
-  if (volumes_ * volumeBytes_ <= memoryBytes) {
-    allocate(volumes_ * volumeBytes_);
-    stream.readStored(bytes_.get(), volumes_ * volumeBytes_);
-    return;
+SeriesStore::SeriesStore(const VoxelRuns& kept, std::size_t volumes, std::size_t valueBytes,
+                         std::size_t courseValueBytes, std::size_t memoryBytes, VtcWriter& writer)
+    : kept_(kept),
+      volumes_(volumes),
+      valueBytes_(valueBytes),
+      writer_(writer),
+      rowBytes_(kept.count() * valueBytes),
+      rows_(volumes),
+      chunkVoxels_(voxelsPerChunk(volumes * valueBytes)) {
+  if (volumes_ * rowBytes_ > memoryBytes) {
+    rows_ = std::clamp<std::size_t>(std::min(kGatherBytes, memoryBytes) / rowBytes_, 1, volumes_ - 1);
+    chunk_.resize(std::min(chunkVoxels_, kept.count()) * volumes_ * valueBytes_);
   }
-  spill(stream, nearPath);
-  slabVoxels_ = std::clamp<std::size_t>(memoryBytes / 4 / (volumes_ * valueBytes_), 1, slabVoxels_);
-  allocate(slabVoxels_ * volumes_ * valueBytes_);
+  planChunks(volumes * courseValueBytes);
+  allocate(rows_ * rowBytes_);
 }
 
-SeriesStore::~SeriesStore() {
-  if (fd_ >= 0) ::close(fd_);
+void SeriesStore::planChunks(std::size_t courseBytes) {
+  for (std::size_t rank = 0; rank < kept_.count(); rank += chunkVoxels_) {
+    chunkStart_.push_back(kept_.voxelOf(rank) * courseBytes);
+  }
 }
 
 // Not cleared: every byte is written before it is read. Large pages, where the system has them, save
@@ -64,50 +53,32 @@ void SeriesStore::allocate(std::size_t bytes) {
 #endif
 }
 
-void SeriesStore::spill(NiftiStream& stream, const std::string& nearPath) {
-  fd_ = openNameless(nearPath);
-  if (fd_ < 0) fail("create");
-  std::vector<char> volume(volumeBytes_);
-  for (std::size_t t = 0; t < volumes_; ++t) {
-    stream.readStored(volume.data(), volume.size());
-    writeToFile(volume);
+char* SeriesStore::nextVolume() {
+  if (filled_ == rows_) flushRows();
+  return bytes_.get() + filled_++ * rowBytes_;
+}
+
+void SeriesStore::finish() {
+  if (waitsInFile()) flushRows();
+}
+
+void SeriesStore::flushRows() {
+  for (std::size_t c = 0; c < chunks(); ++c) {
+    const std::size_t rank = c * chunkVoxels_;
+    const std::size_t bytes = std::min(chunkVoxels_, kept_.count() - rank) * valueBytes_;
+    writer_.writeRowsAt(bytes_.get() + rank * valueBytes_, filled_, bytes, rowBytes_,
+                        chunkStart_[c] + flushed_ * bytes);
   }
+  flushed_ += filled_;
+  filled_ = 0;
 }
 
-void SeriesStore::writeToFile(const std::vector<char>& bytes) {
-  for (std::size_t done = 0; done < bytes.size();) {
-    const ssize_t now = systemCalls().write(fd_, bytes.data() + done, bytes.size() - done);
-    if (now < 0 && errno == EINTR) continue;
-    if (now < 0) fail("write");
-    done += static_cast<std::size_t>(now);
-  }
-}
-
-void SeriesStore::readFromFile(char* to, std::size_t bytes, std::size_t offset) {
-  for (std::size_t done = 0; done < bytes;) {
-    const ssize_t now = ::pread(fd_, to + done, bytes - done, static_cast<off_t>(offset + done));
-    if (now < 0 && errno == EINTR) continue;
-    if (now <= 0) fail("read");
-    done += static_cast<std::size_t>(now);
-  }
-}
-
-void SeriesStore::copyVolume(std::size_t volume, char* to) {
-  if (fd_ >= 0) return readFromFile(to, volumeBytes_, volume * volumeBytes_);
-  std::memcpy(to, bytes_.get() + volume * volumeBytes_, volumeBytes_);
-}
-
-SeriesSlab SeriesStore::slab(std::size_t firstVoxel, std::size_t count) {
-  const std::size_t offset = firstVoxel * valueBytes_;
-  if (fd_ < 0) return {bytes_.get() + offset, volumeBytes_};
+SeriesChunk SeriesStore::chunk(std::size_t index) {
+  const std::size_t rank = index * chunkVoxels_, count = std::min(chunkVoxels_, kept_.count() - rank);
+  if (!waitsInFile()) return {rank, count, {bytes_.get() + rank * valueBytes_, rowBytes_}, 0};
   const std::size_t bytes = count * valueBytes_;
-  for (std::size_t t = 0; t < volumes_; ++t) readFromFile(bytes_.get() + t * bytes, bytes, t * volumeBytes_ + offset);
-  return {bytes_.get(), bytes};
-}
-
-void SeriesStore::fail(const char* doing) const {
-  throw FileError(path_, std::string("cannot ") + doing + " a temporary file beside it (" + std::strerror(errno) + ")",
-                  "Free some space in that folder", Fault::kSystem);
+  writer_.readAt(chunk_.data(), volumes_ * bytes, chunkStart_[index]);
+  return {rank, count, {chunk_.data(), bytes}, chunkStart_[index] + volumes_ * bytes};
 }
 
 }  // namespace formats

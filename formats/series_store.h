@@ -1,15 +1,24 @@
-// A time series as stored in its file, volume after volume, of which columns of voxels are wanted:
-// in memory, or in a nameless file when it is larger than a given budget.
+// A time series on its way from volume-major to time-contiguous order: taken volume by volume,
+// given back as chunks of neighbouring voxels with all their volumes.
+//
+// It stays in memory when it fits a given budget. Otherwise it waits in the output file itself: the
+// volumes of a chunk go to the place where the time courses of the same chunk will be written,
+//
+//   chunk:      0                    1                    2
+//   waiting   [ t0 t1 t2 ... |    ][ t0 t1 t2 ... |    ][ ...      (values of the chunk's voxels at t)
+//   written   [ v0 v1 v2 ...      ][ v5 v6 v7 ...      ][ ...      (courses of its voxels)
+//
+// which needs no second file, and no second page of the system's file cache for any value.
 #ifndef TAVMAP_FORMATS_SERIES_STORE_H
 #define TAVMAP_FORMATS_SERIES_STORE_H
 
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
-#include <string>
 #include <vector>
 
-#include "formats/nifti_stream.h"
+#include "formats/voxel_runs.h"
+#include "formats/vtc_writer.h"
 
 namespace formats {
 
@@ -19,38 +28,49 @@ struct SeriesSlab {
   std::size_t volumeStride;  // bytes
 };
 
+struct SeriesChunk {
+  std::size_t rank, count;  // voxels of the mask, see VoxelRuns
+  SeriesSlab slab;
+  std::size_t waitedUpTo;  // bytes of the courses of all voxels: until here the file is not empty
+};
+
 class SeriesStore {
  public:
-  // Takes the `volumes` volumes that the stream stands before. `nearPath` names a file whose
-  // folder takes the nameless file. Throws FileError.
-  SeriesStore(NiftiStream& stream, int volumes, std::size_t memoryBytes, const std::string& nearPath);
-  ~SeriesStore();
-  SeriesStore(const SeriesStore&) = delete;
-  SeriesStore& operator=(const SeriesStore&) = delete;
+  // `volumes` volumes of values of `valueBytes` each for the voxels of `kept`, which become courses
+  // of values of `courseValueBytes` in `writer`. Both must live as long.
+  // Precondition: volumes >= 2, 1 <= valueBytes <= courseValueBytes.
+  SeriesStore(const VoxelRuns& kept, std::size_t volumes, std::size_t valueBytes,
+              std::size_t courseValueBytes, std::size_t memoryBytes, VtcWriter& writer);
 
-  // Voxels that one slab may have so that it fits its share of the memory; at least 1.
-  [[nodiscard]] std::size_t slabVoxels() const { return slabVoxels_; }
-  // One whole volume, as stored. Precondition: `to` has room for it.
-  void copyVolume(std::size_t volume, char* to);
-  // Valid until the next call. Precondition: count <= slabVoxels().
-  [[nodiscard]] SeriesSlab slab(std::size_t firstVoxel, std::size_t count);
+  // The place for the values of the next volume, kept.count() of them. Throws FileError.
+  [[nodiscard]] char* nextVolume();
+  // To be called when the last volume is in its place. Throws FileError.
+  void finish();
+
+  [[nodiscard]] std::size_t chunks() const { return chunkStart_.size(); }
+  // Valid until the next call. Precondition: courses of earlier chunks only have been written.
+  [[nodiscard]] SeriesChunk chunk(std::size_t index);
 
  private:
+  [[nodiscard]] bool waitsInFile() const { return rows_ < volumes_; }
+  void planChunks(std::size_t courseBytes);
+  void flushRows();
   void allocate(std::size_t bytes);
-  void spill(NiftiStream& stream, const std::string& nearPath);
-  void writeToFile(const std::vector<char>& bytes);
-  void readFromFile(char* to, std::size_t bytes, std::size_t offset);
-  [[noreturn]] void fail(const char* doing) const;
 
   struct Free {
     void operator()(char* bytes) const { std::free(bytes); }
   };
 
-  std::size_t volumes_, volumeBytes_, valueBytes_;
-  std::size_t slabVoxels_;
-  std::unique_ptr<char[], Free> bytes_;  // the whole series, or one slab of it
-  std::string path_;
-  int fd_ = -1;
+  const VoxelRuns& kept_;
+  std::size_t volumes_, valueBytes_;
+  VtcWriter& writer_;
+  std::size_t rowBytes_;                  // of one volume
+  std::size_t rows_;                      // volumes in memory
+  std::size_t filled_ = 0, flushed_ = 0;  // rows of them; volumes in the file
+  std::size_t chunkVoxels_;
+  std::vector<std::size_t> chunkStart_;  // bytes of the courses of all voxels before it
+  std::unique_ptr<char[], Free> bytes_;
+  std::vector<char> chunk_;  // read back
 };
 
 }  // namespace formats

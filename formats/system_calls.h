@@ -4,6 +4,7 @@
 #define TAVMAP_FORMATS_SYSTEM_CALLS_H
 
 #include <sys/types.h>
+#include <sys/uio.h>
 
 #include <cstddef>
 
@@ -12,6 +13,9 @@ namespace formats {
 struct SystemCalls {
   ssize_t (*write)(int fd, const void* data, std::size_t bytes);
   ssize_t (*read)(int fd, void* data, std::size_t bytes);
+  ssize_t (*pwritev)(int fd, const struct iovec* pieces, int count, off_t offset);
+  ssize_t (*pread)(int fd, void* data, std::size_t bytes, off_t offset);
+  int (*fallocate)(int fd, int mode, off_t offset, off_t bytes);
   int (*fsync)(int fd);
   int (*rename)(const char* from, const char* to);
 };

@@ -1,6 +1,7 @@
 #include "formats/time_courses.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -16,25 +17,42 @@ namespace {
 //   (far apart)  convert                 turn
 constexpr std::size_t kTileVolumes = 16, kTileVoxels = 64;
 
+// Adding 1.5 * 2^23 to a float, or 1.5 * 2^52 to a double, rounds it to a whole number, half to
+// even, which the lowest bits of the sum then hold.
+template <typename Real>
+struct Push;
+template <>
+struct Push<float> {
+  using Bits = std::uint32_t;
+  static constexpr float kValue = 12582912;
+};
+template <>
+struct Push<double> {
+  using Bits = std::uint64_t;
+  static constexpr double kValue = 6755399441055744;
+};
 
-// Rounds half to even by pushing the fraction out of the 53 bits of a double; exact for magnitudes
-// below 2^51, which is far beyond what fits.
-inline double roundToEven(double value) {
-  constexpr double kPush = 6755399441055744.0;  // 1.5 * 2^52
-  return (value + kPush) - kPush;
+// True when all values fit, as they nearly always do: all other bits are then those of the constant.
+template <typename Real, typename Stored, typename Scale>
+bool pushTile(const Stored* stored, Scale scale, std::uint16_t* out) {
+  using Bits = typename Push<Real>::Bits;
+  Bits different = 0;
+  for (std::size_t i = 0; i < kTileVoxels; ++i) {
+    const Bits bits = std::bit_cast<Bits>(scale(static_cast<Real>(stored[i])) + Push<Real>::kValue);
+    different |= bits ^ std::bit_cast<Bits>(Push<Real>::kValue);
+    out[i] = static_cast<std::uint16_t>(bits);
+  }
+  return different >> 16U == 0;
 }
 
+// For a tile with values that do not fit.
 template <typename Stored>
-bool roundTile(const Stored* stored, const Scaling& scaling, std::uint16_t* out) {
+void roundTile(const Stored* stored, const Scaling& scaling, std::uint16_t* out) {
   constexpr double kLargest = std::numeric_limits<std::uint16_t>::max();
-  int misfits = 0;
   for (std::size_t i = 0; i < kTileVoxels; ++i) {
-    const double value = roundToEven(scaling.slope * static_cast<double>(stored[i]) + scaling.intercept);
-    const bool fits = value >= 0 && value <= kLargest;
-    misfits += fits ? 0 : 1;
-    out[i] = static_cast<std::uint16_t>(static_cast<std::int32_t>(fits ? value : 0));
+    const double value = std::nearbyint(scaling.slope * static_cast<double>(stored[i]) + scaling.intercept);
+    out[i] = static_cast<std::uint16_t>(value >= 0 && value <= kLargest ? value : 0);
   }
-  return misfits == 0;
 }
 
 // Small whole numbers plus a whole constant need no floating point.
@@ -52,13 +70,26 @@ bool addTile(const Stored* stored, std::int32_t constant, std::uint16_t* out) {
 bool isSmallWholeNumber(double value) { return value == std::nearbyint(value) && std::abs(value) < 1e9; }
 
 template <typename Stored>
-bool convertTile(const Stored* stored, const Scaling& scaling, std::uint16_t* out) {
+bool tryTile(const Stored* stored, const Scaling& scaling, std::uint16_t* out) {
   if constexpr (std::is_integral_v<Stored> && sizeof(Stored) <= 2) {
     if (scaling.slope == 1 && isSmallWholeNumber(scaling.intercept)) {
-      if (addTile(stored, static_cast<std::int32_t>(scaling.intercept), out)) return true;
+      return addTile(stored, static_cast<std::int32_t>(scaling.intercept), out);
     }
   }
-  return roundTile(stored, scaling, out);
+  if constexpr (std::is_same_v<Stored, float>) {
+    if (scaling.isIdentity())
+      return pushTile<float>(
+          stored, [](float value) { return value; }, out);
+  }
+  return pushTile<double>(
+      stored, [&](double value) { return scaling.slope * value + scaling.intercept; }, out);
+}
+
+template <typename Stored>
+bool convertTile(const Stored* stored, const Scaling& scaling, std::uint16_t* out) {
+  const bool fits = tryTile(stored, scaling, out);
+  if (!fits) roundTile(stored, scaling, out);
+  return fits;
 }
 
 template <typename Stored>

@@ -1,23 +1,18 @@
 #include "formats/vtc_import.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <filesystem>
-#include <limits>
-#include <utility>
 
 #include "formats/file_error.h"
 #include "formats/inclusion.h"
 #include "formats/nifti.h"
-#include "formats/series_store.h"
-#include "formats/time_courses.h"
+#include "formats/series_transport.h"
 #include "formats/vtc_sidecar.h"
 
 namespace formats {
 namespace {
 
-constexpr std::size_t kStripBytes = std::size_t{256} << 10U;  // of output: stays in the second-level cache
 constexpr double kLeastTrMs = 20, kLargestTrMs = 60000;
 
 using MaskFlags = std::vector<std::uint8_t>;
@@ -57,77 +52,30 @@ MaskFlags readMask(const std::string& maskPath, const ImageHeader& image, const 
   return flags;
 }
 
-std::vector<float> volumeValues(SeriesStore& store, const StoredForm& form, std::size_t volume, std::size_t voxels) {
-  std::vector<char> stored(voxels * bytesOf(form.type));
-  store.copyVolume(volume, stored.data());
+std::vector<float> volumeValues(const StoredForm& form, const char* stored, std::size_t voxels) {
   std::vector<float> values(voxels);
-  (void)convertRow(form, stored.data(), voxels, values.data());  // floats take any value
+  (void)convertRow(form, stored, voxels, values.data());  // floats take any value
   return values;
 }
 
-// Time courses strip by strip; a strip without a voxel inside the mask is written without a look.
-template <typename Out>
-class CourseWriter {
- public:
-  CourseWriter(const StoredForm& form, const MaskFlags& mask, int volumes, VtcWriter& writer)
-      : form_(form), mask_(mask), volumes_(static_cast<std::size_t>(volumes)), writer_(writer) {
-    stripVoxels_ = std::max<std::size_t>(kStripBytes / (volumes_ * sizeof(Out)), 1);
-    strip_.resize(stripVoxels_ * volumes_);
-  }
+// The first two volumes as stored: the first decides what is included.
+std::vector<char> readOpening(NiftiStream& stream) {
+  std::vector<char> opening(2 * stream.volumeBytes());
+  stream.readStored(opening.data(), opening.size());
+  return opening;
+}
 
-  // Voxels [first, first + count) of the image, which the slab holds. False: a value did not fit.
-  bool write(const SeriesSlab& slab, std::size_t first, std::size_t count) {
-    bool fits = true;
-    for (std::size_t v = 0; v < count; v += stripVoxels_) {
-      const std::size_t now = std::min(stripVoxels_, count - v);
-      fits = fillStrip(slab, v, first + v, now) && fits;
-      writer_.write(strip_.data(), now * volumes_ * sizeof(Out));
-    }
-    return fits;
-  }
-
- private:
-  bool fillStrip(const SeriesSlab& slab, std::size_t inSlab, std::size_t voxel, std::size_t count) {
-    if (mask_.empty()) return toTimeCourses(form_, slab, inSlab, count, volumes_, strip_.data());
-    std::fill_n(strip_.begin(), count * volumes_, Out{0});
-    bool fits = true;
-    for (std::size_t v = 0; v < count;) {
-      if (mask_[voxel + v] == 0) {
-        ++v;
-        continue;
-      }
-      const std::size_t runLength = insideFrom(voxel + v, count - v);
-      fits = toTimeCourses(form_, slab, inSlab + v, runLength, volumes_, strip_.data() + v * volumes_) && fits;
-      v += runLength;
-    }
-    return fits;
-  }
-
-  // Neighbours inside the mask, from a voxel inside on: rows of a brain are long.
-  [[nodiscard]] std::size_t insideFrom(std::size_t voxel, std::size_t limit) const {
-    std::size_t count = 1;
-    while (count < limit && mask_[voxel + count] != 0) ++count;
-    return count;
-  }
-
-  const StoredForm& form_;
-  const MaskFlags& mask_;
-  std::size_t volumes_, stripVoxels_ = 1;
-  VtcWriter& writer_;
-  std::vector<Out> strip_;
-};
-
-template <typename Out>
-bool writeCourses(SeriesStore& store, const StoredForm& form, const MaskFlags& mask, std::size_t voxels, int volumes,
-                  VtcWriter& writer) {
-  CourseWriter<Out> courses(form, mask, volumes, writer);
-  const std::size_t step = store.slabVoxels();
-  bool fits = true;
-  for (std::size_t v = 0; v < voxels && fits; v += step) {
-    const std::size_t count = std::min(step, voxels - v);
-    fits = courses.write(store.slab(v, count), v, count);
-  }
-  return fits;
+void reportOpening(const std::vector<char>& opening, const StoredForm& form, const MaskFlags& mask,
+                   const ImportOptions& options, ImportReport& report) {
+  const std::size_t voxels = report.image.size.voxels();
+  const std::vector<float> first = volumeValues(form, opening.data(), voxels);
+  const InclusionPlan plan = planInclusion(first, mask, options.threshold, options.type == VtcType::kUint16);
+  report.shift = plan.shift;
+  report.voxelsInMask = plan.voxelsInMask;
+  report.voxelsIncluded = plan.voxelsIncluded;
+  report.notFinite = plan.notFinite;
+  report.meanChange =
+      meanChange(first, volumeValues(form, opening.data() + opening.size() / 2, voxels), mask);
 }
 
 std::vector<std::string> warningsOf(const ImportReport& report, const ImportOptions& options) {
@@ -179,27 +127,18 @@ ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath,
   const MaskFlags mask = readMask(options.maskPath, image, imagePath);
 
   stream.skip(static_cast<std::size_t>(options.skipVolumes) * stream.volumeBytes());
-  SeriesStore store(stream, report.volumes, options.memoryBytes, vtcPath);
-  stream.finish();
-
   StoredForm form{image.dataType, stream.layout().swapped, {image.slope, image.intercept}};
-  const bool rounded = options.type == VtcType::kUint16;
-  const std::size_t voxels = image.size.voxels();
-  const std::vector<float> first = volumeValues(store, form, 0, voxels);
-  const InclusionPlan plan = planInclusion(first, mask, options.threshold, rounded);
-  report.shift = plan.shift;
-  report.voxelsInMask = plan.voxelsInMask;
-  report.voxelsIncluded = plan.voxelsIncluded;
-  report.notFinite = plan.notFinite;
-  report.meanChange = meanChange(first, volumeValues(store, form, 1, voxels), mask);
+  const std::vector<char> opening = readOpening(stream);
+  reportOpening(opening, form, mask, options, report);
   report.warnings = warningsOf(report, options);
-  form.scaling.intercept += plan.shift;
+  form.scaling.intercept += report.shift;
 
   AtomicFile sidecar(sidecarPathOf(vtcPath), options.durability);
   sidecar.write(encodeVtcSidecar(sidecarOf(imagePath, options, report)));
   VtcWriter writer(vtcPath, header, static_cast<float>(report.trMs), options.durability);
-  const bool fits = rounded ? writeCourses<std::uint16_t>(store, form, mask, voxels, report.volumes, writer)
-                            : writeCourses<float>(store, form, mask, voxels, report.volumes, writer);
+  const SeriesTransport transport{form, static_cast<std::size_t>(report.volumes), options.type,
+                                  options.memoryBytes};
+  const bool fits = transportSeries(transport, opening, stream, VoxelRuns(mask, image.size.voxels()), writer);
   if (!fits) {
     throw FileError(imagePath, "some of its values do not fit 16 bits (0 to 65,535)", "Choose --type float32");
   }

@@ -1,8 +1,9 @@
 // Import of a NIfTI time series into a VTC file with a sidecar.
 //
 // The image keeps its grid: box from 0, resolution 1, cell (x, y, z) = voxel (i, j, k) as stored.
-// The series is decompressed once, held in memory or, when it is large, in an unnamed file of the
-// output folder, and transposed in blocks from volume-major to time-contiguous order.
+// The series is decompressed once, held in memory or, when it is large, in the output file itself,
+// and transposed in chunks from volume-major to time-contiguous order (series_store.h). Voxels outside
+// a mask are held nowhere, and large stretches of them are holes of the file.
 #ifndef TAVMAP_FORMATS_VTC_IMPORT_H
 #define TAVMAP_FORMATS_VTC_IMPORT_H
 
@@ -16,7 +17,6 @@
 
 namespace formats {
 
-
 struct ImportOptions {
   std::string maskPath;      // empty: no mask
   VtcType type = VtcType::kFloat32;
@@ -24,7 +24,7 @@ struct ImportOptions {
   double threshold = 100;    // inclusion threshold: a voxel counts when its first value exceeds it
   int skipVolumes = 0;       // leave out so many volumes at the start
   Durability durability = Durability::kSynced;
-  std::size_t memoryBytes = std::size_t{160} << 20U;  // for the series as stored; above: a file
+  std::size_t memoryBytes = std::size_t{160} << 20U;  // for the series; a larger one waits in the file
 };
 
 struct ImportReport {

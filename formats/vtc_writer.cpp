@@ -69,7 +69,9 @@ VTC_Header nativeVtcHeader(const std::string& path, const GridSize& size, int vo
 
 VtcWriter::VtcWriter(const std::string& path, const VTC_Header& header, float trMs, Durability durability)
     : file_(path, durability) {
-  file_.write(encodeHeader(header, trMs));
+  const std::string bytes = encodeHeader(header, trMs);
+  file_.write(bytes);
+  headerBytes_ = bytes.size();
 }
 
 }  // namespace formats

@@ -25,10 +25,23 @@ class VtcWriter {
   VtcWriter(const std::string& path, const VTC_Header& header, float trMs,
             Durability durability = Durability::kSynced);
   void write(const void* values, std::size_t bytes) { file_.write(values, bytes); }
+  // Space for so many bytes of values, see AtomicFile.
+  void reserve(std::size_t bytes) { file_.reserve(headerBytes_ + bytes); }
+  // So many bytes of zeros, see AtomicFile.
+  void skip(std::size_t bytes) { file_.skip(bytes); }
+  // See AtomicFile; `offset` counts from the first value.
+  void writeRowsAt(const char* rows, std::size_t count, std::size_t rowBytes, std::size_t stride,
+                   std::size_t offset) {
+    file_.writeRowsAt(rows, count, rowBytes, stride, headerBytes_ + offset);
+  }
+  void readAt(void* data, std::size_t bytes, std::size_t offset) {
+    file_.readAt(data, bytes, headerBytes_ + offset);
+  }
   void commit() { file_.commit(); }
 
  private:
   AtomicFile file_;
+  std::size_t headerBytes_;
 };
 
 }  // namespace formats

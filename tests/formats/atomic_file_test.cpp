@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -164,6 +165,104 @@ TEST(FileError, ReadsAsPathReasonRemedy) {
   const formats::FileError error("a/b.nii", "it is odd", "Mend it");
   EXPECT_STREQ(error.what(), "a/b.nii: it is odd. Mend it.");
   EXPECT_EQ(error.fault(), formats::Fault::kInput);
+}
+
+TEST(AtomicFile, SkipsShortAndLongStretches) {
+  const TempFolder folder;
+  std::string expected = "start";
+  AtomicFile file(folder.file("a.bin"));
+  file.write("start");
+  for (const std::size_t gap :
+       {std::size_t{1}, std::size_t{65535}, std::size_t{65536}, std::size_t{1000001}}) {
+    file.skip(gap);
+    file.write("x");
+    expected += std::string(gap, '\0') + 'x';
+  }
+  file.commit();
+  EXPECT_EQ(readBytes(folder.file("a.bin")), expected);
+}
+
+TEST(AtomicFile, MayEndInAHole) {
+  const TempFolder folder;
+  AtomicFile file(folder.file("a.bin"));
+  file.write("start");
+  file.skip(200000);
+  file.commit();
+  EXPECT_EQ(readBytes(folder.file("a.bin")), "start" + std::string(200000, '\0'));
+}
+
+// 100 rows are more than one call takes.
+TEST(AtomicFile, WritesRowsBesideAndReadsThemBack) {
+  const TempFolder folder;
+  std::string rows, gathered(500, '.');
+  for (int i = 0; i < 100; ++i) rows += "row" + std::to_string(100 + i).substr(1) + "....";
+  std::string expected = "ab";
+  for (std::size_t i = 0; i < 100; ++i) expected += rows.substr(i * 9, 5);
+  for (const bool isShort : {false, true}) {
+    const ScopedSystemCalls calls;
+    if (isShort) {
+      formats::systemCalls().pwritev = [](int fd, const iovec* pieces, int, off_t offset) -> ssize_t {
+        static int count = 0;
+        if (++count % 2 == 1) {
+          errno = EINTR;
+          return -1;
+        }
+        return ::pwrite(fd, pieces[0].iov_base, std::min<std::size_t>(pieces[0].iov_len, 3), offset);
+      };
+      formats::systemCalls().pread = [](int fd, void* data, std::size_t bytes, off_t offset) -> ssize_t {
+        static int count = 0;
+        if (++count % 2 == 1) {
+          errno = EINTR;
+          return -1;
+        }
+        return ::pread(fd, data, std::min<std::size_t>(bytes, 7), offset);
+      };
+    }
+    AtomicFile file(folder.file("a.bin"));
+    file.write("ab");
+    file.writeRowsAt(rows.data(), 100, 5, 9, 2);
+    file.readAt(gathered.data(), 500, 2);
+    EXPECT_EQ("ab" + gathered, expected) << isShort;
+    file.commit();
+    EXPECT_EQ(readBytes(folder.file("a.bin")), expected) << isShort;
+  }
+}
+
+TEST(AtomicFile, TellsWhenBytesAreMissing) {
+  const TempFolder folder;
+  AtomicFile file(folder.file("a.bin"));
+  char byte = 0;
+  EXPECT_EQ(messageOf([&] { file.readAt(&byte, 1, 0); }),
+            "cannot read back the file (Input/output error). Check the disk and the path.");
+}
+
+TEST(AtomicFile, ReservesSpaceWithoutGrowing) {
+  const TempFolder folder;
+  AtomicFile file(folder.file("a.bin"));
+  file.reserve(1000000);
+  file.write("text");
+  file.commit();
+  EXPECT_EQ(readBytes(folder.file("a.bin")), "text");
+}
+
+TEST(AtomicFile, ReportsADiskWithoutTheSpaceToReserveAndPassesOverOneThatCannotReserve) {
+  const TempFolder folder;
+  const ScopedSystemCalls calls;
+  formats::systemCalls().fallocate = [](int, int, off_t, off_t) {
+    errno = ENOSPC;
+    return -1;
+  };
+  EXPECT_EQ(messageOf([&] { AtomicFile(folder.file("a.bin")).reserve(10); }),
+            "cannot write the file (No space left on device). Free some space or choose another folder.");
+  formats::systemCalls().fallocate = [](int, int, off_t, off_t) {
+    errno = EOPNOTSUPP;
+    return -1;
+  };
+  AtomicFile file(folder.file("a.bin"));
+  file.reserve(10);
+  file.write("text");
+  file.commit();
+  EXPECT_EQ(readBytes(folder.file("a.bin")), "text");
 }
 
 }  // namespace

@@ -92,14 +92,14 @@ TEST(GzipReader, NoticesDamage) {
 
 // The same tests run on both libraries; this says on which one.
 TEST(GzipReader, UsesTheConfiguredLibrary) {
-  EXPECT_STREQ(formats::GzipReader::engineName(), GZIP_READER_TEST_ENGINE);
+  EXPECT_STREQ(formats::GzipReader::engineName(), GZIP_TEST_ENGINE);
 }
 
 TEST(GzipReader, RefusesWhatIsNoGzip) {
   EXPECT_EQ(messageOf([&] { unzip("plain text"); }), "this is no gzip file. Check that it is the right file.");
 }
 
-TEST(GzipWriter, WritesWhatTheReaderReads) {
+TEST(GzipReader, ReadsWhatTheWriterWrites) {
   const fakes::TempFolder folder;
   const std::string text = sampleText(1000000);
   formats::AtomicFile file(folder.file("t.gz"));
@@ -109,18 +109,6 @@ TEST(GzipWriter, WritesWhatTheReaderReads) {
   writer.finish();
   file.commit();
   EXPECT_EQ(unzip(fakes::readBytes(folder.file("t.gz"))), text);
-}
-
-TEST(GzipWriter, GivesEqualFilesForEqualData) {
-  const fakes::TempFolder folder;
-  for (const char* name : {"a.gz", "b.gz"}) {
-    formats::AtomicFile file(folder.file(name));
-    formats::GzipWriter writer(file);
-    writer.write("same", 4);
-    writer.finish();
-    file.commit();
-  }
-  EXPECT_EQ(fakes::readBytes(folder.file("a.gz")), fakes::readBytes(folder.file("b.gz")));
 }
 
 }  // namespace

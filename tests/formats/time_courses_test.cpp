@@ -90,6 +90,35 @@ TEST(TimeCourses, TellValuesThatDoNotFitSixteenBits) {
   EXPECT_EQ(out, (std::vector<std::uint16_t>{6, 0, 8}));
 }
 
+// Whole tiles of values around every place where rounding or fitting could go wrong, without and with
+// scaling: the two take different ways.
+TEST(TimeCourses, RoundEveryKindOfValueToSixteenBits) {
+  std::vector<float> kinds;
+  for (const double power : {0.0, 256.0, 65535.0, 65536.0, 8388608.0, 12582912.0, 16777216.0, 4294967296.0,
+                             6755399441055744.0, 1e38}) {
+    for (const double step : {-1.5, -1.0, -0.5, -0.25, 0.0, 0.5, 1.0, 2.5}) {
+      kinds.push_back(static_cast<float>(power + step));
+      kinds.push_back(static_cast<float>(-power - step));
+    }
+  }
+  kinds.insert(kinds.end(), {std::nanf(""), INFINITY, -INFINITY, std::nextafter(65535.5F, 0.0F),
+                             std::nextafter(-0.5F, -1.0F)});
+  for (const float kind : kinds) {
+    for (const double slope : {1.0, 0.5}) {
+      const std::vector<float> stored(64, kind);
+      const double rounded = std::nearbyint(slope * static_cast<double>(kind));
+      const bool fits = rounded >= 0 && rounded <= 65535;
+      std::vector<std::uint16_t> out(64);
+      EXPECT_EQ(
+          toTimeCourses({DataType::kFloat32, false, {slope, 0}}, slabOf(stored, 64), 0, 64, 1, out.data()),
+          fits)
+          << kind << ' ' << slope;
+      EXPECT_EQ(out, std::vector<std::uint16_t>(64, static_cast<std::uint16_t>(fits ? rounded : 0)))
+          << kind << ' ' << slope;
+    }
+  }
+}
+
 TEST(TimeCourses, ConvertARowOfAnyLength) {
   for (const std::size_t count : {1U, 63U, 64U, 129U}) {
     const auto stored = series<std::uint8_t>(count, 1);

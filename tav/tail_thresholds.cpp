@@ -40,16 +40,18 @@ std::int32_t magnitudeBits(float value) {
 constexpr std::size_t kBlock = 64;
 
 struct BlockSummary {
-  std::int32_t largest = 0, nonZero = 0, numbers = 0;
+  std::int32_t reaching = 0;  // values at the cut or above, NaN included
+  std::int32_t zero = 0, nan = 0;
 };
 
-BlockSummary summarise(const float* values, std::size_t count) {
+// Comparisons and sums alone, which the compiler turns into vector instructions.
+BlockSummary summarise(const float* values, std::size_t count, std::int32_t cutBits) {
   BlockSummary summary;
   for (std::size_t i = 0; i < count; ++i) {
     const std::int32_t bits = magnitudeBits(values[i]);
-    summary.largest = std::max(summary.largest, bits);
-    summary.nonZero += bits != 0 ? 1 : 0;
-    summary.numbers += bits != 0 && bits <= kInfinityBits ? 1 : 0;
+    summary.reaching += bits >= cutBits ? 1 : 0;
+    summary.zero += bits == 0 ? 1 : 0;
+    summary.nan += bits > kInfinityBits ? 1 : 0;
   }
   return summary;
 }
@@ -64,7 +66,7 @@ class TailSelector {
       const std::size_t left = piece.size() - first;
       const float* const values = piece.data() + first;
       addBlock(values, std::min(left, kBlock),
-               left >= kBlock ? summarise(values, kBlock) : summarise(values, left));
+               left >= kBlock ? summarise(values, kBlock, cutBits_) : summarise(values, left, cutBits_));
     }
   }
 
@@ -77,9 +79,9 @@ class TailSelector {
  private:
   // Without a branch per value: writes each and moves on past those that belong.
   void addBlock(const float* values, std::size_t count, const BlockSummary& summary) {
-    tail_.nonZero += static_cast<std::size_t>(summary.nonZero);
-    tail_.numbers += static_cast<std::size_t>(summary.numbers);
-    if (summary.largest < cutBits_) return;
+    tail_.nonZero += count - static_cast<std::size_t>(summary.zero);
+    tail_.numbers += count - static_cast<std::size_t>(summary.zero + summary.nan);
+    if (summary.reaching == 0) return;
     if (tail_.magnitudes.size() < used_ + kBlock) tail_.magnitudes.resize(2 * used_ + kBlock);
     for (std::size_t i = 0; i < count; ++i) {
       const std::int32_t bits = magnitudeBits(values[i]);

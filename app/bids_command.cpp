@@ -5,8 +5,12 @@
 #include "app/commands.h"
 #include "app/exit_codes.h"
 #include "app/study_options.h"
+#include "study/bids_group.h"
+#include "study/bids_group_summary.h"
+#include "study/bids_group_table.h"
 #include "study/bids_study.h"
 #include "study/confounds.h"
+#include "study/output_folder.h"
 #include "study/problem.h"
 
 namespace app {
@@ -52,14 +56,29 @@ int participants(const BidsArguments& arguments) {
   return runRequests(study::bidsRequests(options), run, arguments.study);
 }
 
-int bids(const BidsArguments& arguments) {
-  if (arguments.level == "group") {
-    throw UsageError("the group level is not available in this version; run the participant level");
+int group(const BidsArguments& arguments) {
+  study::requireOutputElsewhere(arguments.bidsDir, arguments.outDir);
+  const study::GroupResult result = study::readGroup(arguments.outDir, arguments.options.query);
+  for (const std::string& failure : result.failures) std::cerr << "tavmap: " << failure << "\n";
+  if (result.records.empty()) {
+    throw study::RunError("no record could be read; " + std::string(study::kGroupTable) + " is not written");
   }
+  const std::size_t rows = study::writeGroupTable(result, arguments.outDir);
+  study::explainOutputFolder(arguments.outDir);
+  if (arguments.study.json) {
+    std::cout << study::groupJson(result, softwareVersion()).dump(2) << "\n";
+  } else if (!arguments.study.quiet) {
+    study::printGroup(result, std::cout);
+    std::cout << "Wrote " << study::kGroupTable << ", " << rows << " rows\n";
+  }
+  return result.failures.empty() ? kDone : kFailed;
+}
+
+int bids(const BidsArguments& arguments) {
   if (arguments.reportsOnly) {
     throw UsageError("--reports-only: there are no reports in this version; run without it");
   }
-  return participants(arguments);
+  return arguments.level == "group" ? group(arguments) : participants(arguments);
 }
 
 // Both spellings are in use; schedulers pass either.
@@ -105,11 +124,15 @@ void addSchedulerOptions(CLI::App& command, BidsArguments& arguments) {
 constexpr const char* kFooter =
     "Several runs of a participant, session and task are pooled into one model as intervals, never stitched.\n"
     "Statistic maps are named SOURCE_seed-REFERENCE_contrast-CONDITIONMAP_stat-effect_statmap.nii.gz.\n\n"
+    "The group level gathers what the participant level left in OUT into group_tavmap.tsv: thresholds, numbers of\n"
+    "voxels that pass, peaks; one row per record, condition, map and q. It computes no map and tests nothing. Options\n"
+    "that apply to it: --participant-label, --session-label, --task-label, --space, --quiet, --json.\n\n"
     "Examples:\n"
     "  tavmap bids /data /out participant --derivatives /data/derivatives/fmriprep \\\n"
     "      --participant-label 01 02 --task-id rest --atlas atlas_dseg.nii.gz --labels LH-V1\n"
     "  tavmap bids /data /out participant --config-file study.toml --space MNI152NLin2009cAsym --jobs 8\n"
-    "Exit codes: 0 done, 1 a participant failed, 2 wrong usage or input, 130 interrupted.";
+    "  tavmap bids /data /out group\n"
+    "Exit codes: 0 done, 1 a participant or a record failed, 2 wrong usage or input, 130 interrupted.";
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <tuple>
 
+#include "study/bids_filter.h"
 #include "study/nearest_name.h"
 #include "study/problem.h"
 
@@ -91,43 +92,10 @@ fs::path findEvents(const std::vector<fs::path>& rawFiles, const BidsName& run) 
   return best;
 }
 
-Names valuesOf(const std::vector<BidsRun>& runs, std::string_view key) {
-  std::set<std::string> values;
-  for (const BidsRun& run : runs) {
-    if (run.name.has(key)) values.insert(run.name.get(key));
-  }
-  return {values.begin(), values.end()};
-}
-
-bool labelMatches(std::string_view key, const std::string& have, const std::string& wanted) {
-  return key == "run" || key == "echo" ? sameLabel(have, wanted) : have == wanted;
-}
-
-// Keeps the runs whose entity is one of the labels; every label must match something.
-void filterBy(std::string_view key, const char* what, const Names& labels, std::vector<BidsRun>& runs) {
-  if (labels.empty()) return;
-  const Names known = valuesOf(runs, key);
-  std::vector<BidsRun> kept;
-  for (const std::string& given : labels) {
-    const std::string label = withoutPrefix(given, key);
-    const std::size_t before = kept.size();
-    std::copy_if(runs.begin(), runs.end(), std::back_inserter(kept),
-                 [&](const BidsRun& run) { return labelMatches(key, run.name.get(key), label); });
-    if (kept.size() == before) {
-      throw InputError(std::string("no preprocessed run of ") + what + " '" + label + "'" + suggestion(label, known));
-    }
-  }
-  runs = std::move(kept);
-}
+constexpr const char* kKind = "preprocessed run";
 
 void filterEntities(const std::map<std::string, std::string>& entities, std::vector<BidsRun>& runs) {
-  for (const auto& [key, value] : entities) filterBy(key, key.c_str(), {value}, runs);
-}
-
-std::string spaceOf(const BidsName& name) {
-  std::string space = name.has("space") ? name.get("space") : "native";
-  if (name.has("res")) space += "_res-" + name.get("res");
-  return space;
+  for (const auto& [key, value] : entities) filterBy(key, kKind, key, {value}, runs);
 }
 
 void chooseSpace(const std::string& wanted, std::vector<BidsRun>& runs) {
@@ -140,9 +108,7 @@ void chooseSpace(const std::string& wanted, std::vector<BidsRun>& runs) {
     for (const std::string& space : known) list += (list.empty() ? "" : ", ") + space;
     throw InputError("preprocessed runs exist in several spaces (" + list + "); choose one with --space");
   }
-  std::erase_if(runs, [&](const BidsRun& run) {
-    return spaceOf(run.name) != wanted && (run.name.has("space") ? run.name.get("space") : "native") != wanted;
-  });
+  std::erase_if(runs, [&](const BidsRun& run) { return !isInSpace(run.name, wanted); });
   if (runs.empty()) throw InputError("no preprocessed run in space '" + wanted + "'" + suggestion(wanted, known));
   std::set<std::string> left;
   for (const BidsRun& run : runs) left.insert(spaceOf(run.name));
@@ -231,10 +197,10 @@ std::vector<BidsGroup> findBidsGroups(const fs::path& bidsDir, const std::vector
                                       const BidsQuery& query) {
   if (!fs::is_directory(bidsDir)) throw InputError("no folder " + bidsDir.string() + "; give the BIDS data set");
   std::vector<BidsRun> runs = collectRuns(bidsDir, derivatives);
-  filterBy("sub", "participant", query.participants, runs);
-  filterBy("ses", "session", query.sessions, runs);
-  filterBy("task", "task", query.tasks, runs);
-  filterBy("run", "run", query.runs, runs);
+  filterBy("sub", kKind, "participant", query.participants, runs);
+  filterBy("ses", kKind, "session", query.sessions, runs);
+  filterBy("task", kKind, "task", query.tasks, runs);
+  filterBy("run", kKind, "run", query.runs, runs);
   filterEntities(query.entities, runs);
   preferPreprocessed(runs);
   chooseSpace(query.space, runs);

@@ -115,12 +115,16 @@ Request groupRequest(const BidsGroup& group, const BidsOptions& options) {
 
 }  // namespace
 
-std::vector<Request> bidsRequests(const BidsOptions& options) {
+void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::filesystem::path& outDir) {
   std::error_code error;
-  if (std::filesystem::equivalent(options.bidsDir, options.outDir, error)) {
+  if (std::filesystem::equivalent(bidsDir, outDir, error)) {
     throw InputError("the output folder is the data set itself, which is only read; give another, such as " +
-                     (options.bidsDir / "derivatives" / "tavmap").string());
+                     (bidsDir / "derivatives" / "tavmap").string());
   }
+}
+
+std::vector<Request> bidsRequests(const BidsOptions& options) {
+  requireOutputElsewhere(options.bidsDir, options.outDir);
   std::vector<Request> requests;
   for (const BidsGroup& group : findBidsGroups(options.bidsDir, options.derivatives, options.query)) {
     requests.push_back(groupRequest(group, options));

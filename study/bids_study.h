@@ -23,6 +23,9 @@ struct BidsOptions {
   RequestTemplate configuration;
 };
 
+// Throws InputError when the output would go into the data set's own top folder.
+void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::filesystem::path& outDir);
+
 // Throws InputError as findBidsGroups does, and when there is no reference, when a run lacks the
 // events or confounds that it needs, or when an option and the configuration contradict each other.
 // Outputs are named after the entities that the runs of a group share.

@@ -12,6 +12,7 @@
 #include "study/engine_host.h"
 #include "study/engine_request.h"
 #include "study/order_evidence.h"
+#include "study/output_folder.h"
 #include "study/output_names.h"
 #include "study/prepare.h"
 #include "study/problem.h"
@@ -223,31 +224,13 @@ void RequestRun::settleResults(const std::vector<std::size_t>& regions, const Wo
   if (!work.done && options_.stopOnFirstCrash) pool_.cancelWaiting();
 }
 
-constexpr const char* kReadme =
-    "Maps of directed influence between reference regions and every voxel, made by Tavmap.\n\n"
-    "*_stat-effect_statmap.nii.gz   one effect map each; its JSON sidecar says direction, model, thresholds\n"
-    "*_dseg.nii.gz                  why each voxel has the value it has; codes in the .tsv beside it\n"
-    "*_timeseries.tsv               the reference's mean time course after preparation\n"
-    "*_tavmap.json                  everything about one reference; written last\n"
-    "*.tav, *.log                   the same maps as one file with the text of the computation\n\n"
-    "Names of statistic maps follow a draft of the standard that other tools use as well; validators\n"
-    "are told by .bidsignore.\n";
-
-// A file of the user's, or of another tool, stays.
-void writeUnlessForeign(const fs::path& file, const std::string& text) {
-  if (fs::exists(file) && formats::readTextFile(file.string()).find("avmap") == std::string::npos) return;
-  formats::writeTextFile(file.string(), text);
-}
-
 void writeDescription(const Request& request, const StudyOptions& options) {
   const fs::path folder =
       options.datasetFolder.empty() ? request.output.folder : fs::path(options.datasetFolder);
   fs::create_directories(folder);
   writeUnlessForeign(folder / "dataset_description.json",
                      datasetDescription(request, options.version).dump(2) + "\n");
-  writeUnlessForeign(folder / "README", kReadme);
-  // Names that no published version of the standard knows yet, or never will.
-  writeUnlessForeign(folder / ".bidsignore", "*.tav\n*.log\n*_tavmap.json\n*_statmap.*\n*_seed-*\nwork/\n");
+  explainOutputFolder(folder);
 }
 
 // Outcomes arrive in the order in which workers finish; reports must not depend on it.

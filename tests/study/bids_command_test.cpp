@@ -183,10 +183,4 @@ TEST_F(BidsCommand, MissingConfoundsAndReferencesAreNamed) {
             std::string::npos);
 }
 
-TEST_F(BidsCommand, TheGroupLevelSaysThatItIsNotThere) {
-  const ProgramResult result = tavmap({"bids", (folder() / "raw").string(), out().string(), "group"}, folder());
-  EXPECT_EQ(result.exitCode, 2);
-  EXPECT_NE(result.err.find("the group level is not available in this version"), std::string::npos);
-}
-
 }  // namespace

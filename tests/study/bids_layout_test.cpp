@@ -73,6 +73,15 @@ TEST_F(BidsLayout, LabelsComeWithOrWithoutTheirKey) {
   EXPECT_EQ(find(query).size(), 1U);
 }
 
+TEST_F(BidsLayout, ALabelGivenTwiceTakesItsRunsOnce) {
+  BidsQuery query;
+  query.participants = {"01", "sub-01"};
+  query.runs = {"1", "2", "01"};
+  const auto groups = find(query);
+  ASSERT_EQ(groups.size(), 1U);
+  EXPECT_EQ(groups[0].runs.size(), 2U);
+}
+
 TEST_F(BidsLayout, AWrongLabelIsAnErrorThatNamesTheNearest) {
   BidsQuery query;
   query.participants = {"01", "03"};

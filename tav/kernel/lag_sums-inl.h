@@ -45,6 +45,9 @@ inline constexpr int kVectorsPerSum = 64;
 template <class S, int kRows, int kShifts, int kOwnFrom>
 struct LagProducts {
   static constexpr int kOwn = kShifts - kOwnFrom;
+  // Whether there are registers for the rows beside the sums and two shifted vectors; left to itself
+  // the compiler loads a row's vector again for every product.
+  static constexpr bool kKeepsRows = kRows * kShifts + kOwn + kRows + 2 <= S::kRegisters;
   static constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
   using Floats = typename S::Floats;
 
@@ -62,7 +65,10 @@ struct LagProducts {
     for (int t = start; t < end; t += S::kWidth) {
       Floats left[extent(kRows)];
 #pragma GCC unroll 4
-      for (int r = 0; r < kRows; ++r) left[r] = S::load(rows.references[r] + t);
+      for (int r = 0; r < kRows; ++r) {
+        left[r] = S::load(rows.references[r] + t);
+        if constexpr (kKeepsRows) S::pin(left[r]);
+      }
       Floats self = S::zero();
       if constexpr (kOwn > 0) self = S::load(rows.voxel + t);
 #pragma GCC unroll 16

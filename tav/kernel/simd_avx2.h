@@ -16,6 +16,7 @@ alignas(64) constexpr std::int32_t kLaneMasks[16] = {-1, -1, -1, -1, -1, -1, -1,
 struct Simd {
   static constexpr int kWidth = 8;
   static constexpr int kAccumulators = 12;
+  static constexpr int kRegisters = 16;
   using Floats = __m256;
   using Ints = __m256i;
   using Mask = std::uint32_t;

@@ -13,6 +13,7 @@ namespace {
 struct Simd {
   static constexpr int kWidth = 16;
   static constexpr int kAccumulators = 24;
+  static constexpr int kRegisters = 32;
   using Floats = __m512;
   using Ints = __m512i;
   using Mask = std::uint32_t;

@@ -17,6 +17,7 @@ alignas(64) constexpr std::int32_t kLaneMasks[8] = {-1, -1, -1, -1, 0, 0, 0, 0};
 struct Simd {
   static constexpr int kWidth = 4;
   static constexpr int kAccumulators = 9;  // the products need registers of their own
+  static constexpr int kRegisters = 16;
   using Floats = __m128;
   using Ints = __m128i;
   using Mask = std::uint32_t;

@@ -11,6 +11,7 @@
 //   sumRows(rows)      lane i: the sum of the kWidth values of row i of kWidth rows. Every lane
 //                      adds in the same order, so that a voxel's lane does not change its result.
 //   kAccumulators      sums that a loop may carry without spilling
+//   kRegisters         vectors that the CPU holds
 #ifndef TAVMAP_TAV_KERNEL_SIMD_SCALAR_H
 #define TAVMAP_TAV_KERNEL_SIMD_SCALAR_H
 
@@ -23,6 +24,7 @@ namespace {
 struct Simd {
   static constexpr int kWidth = 1;
   static constexpr int kAccumulators = 9;
+  static constexpr int kRegisters = 16;
   using Floats = float;
   using Ints = std::int32_t;
   using Mask = std::uint32_t;

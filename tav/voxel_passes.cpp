@@ -9,9 +9,10 @@
 namespace tav {
 namespace {
 
-// What the results of companions may take, and how many there are at most: beyond these a further
-// one saves little.
-constexpr std::size_t kCompanionBytes = std::size_t{128} << 20U;
+// What the results of companions may take: more would leave the processor's cache before their turn
+// comes, and cost more than a pass of their own. And how many there are at most: beyond these a
+// further one saves little.
+constexpr std::size_t kCompanionBytes = std::size_t{32} << 20U;
 constexpr std::size_t kMostCompanions = 7;
 
 // The element's index, or the list's size when it is none of the list's.

@@ -46,10 +46,7 @@ void printWorkload(const std::string& folder, const Workload& workload, const be
   double reference = 0.0;
   for (const std::string& path : paths()) {
     const bool isReference = path == "reference";
-    const Phases phases = bench::measurePhases(workload, file, path,
-                                               isReference        ? 1
-                                               : workload.isFloat ? 3
-                                                                  : 7);
+    const Phases phases = bench::measurePhases(workload, file, path, isReference ? 1 : 7);
     if (isReference) reference = phases.whole;
     printRow(workload, path, phases, limit, reference);
   }

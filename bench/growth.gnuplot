@@ -13,6 +13,9 @@ set xtics nomirror autofreq
 set ytics nomirror
 do for [size in "voxels volumes order intervals 'null draws' surrogates references"] {
   set title size
+  set xtics nomirror autofreq
+  if (size eq "volumes") { set xtics nomirror 0,300 }
+  set format x (size eq "volumes" ? "%g" : "%.0s%c")
   plot "< grep '^".size."\t' docs/performance-growth.tsv" using 2:3 with linespoints lw 2 pt 7 ps 0.6 lc rgb "#2a6099"
 }
 unset multiplot

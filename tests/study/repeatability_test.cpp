@@ -99,6 +99,26 @@ TEST_F(Repeatability, ADeadWorkerIsNamedAndTheOthersFinish) {
   EXPECT_TRUE(fs::exists(results() / "small_seed-Cleft_tavmap.json"));
 }
 
+TEST_F(Repeatability, ReferencesOfADeadWorkerAreTriedAgainOneByOne) {
+  std::string text = small_study::request("null_draws = 100");
+  text.replace(text.find("surrogates = 60"), 15, "surrogates = 10000");
+  const fs::path request = scratch_.write("r.toml", text);
+  ASSERT_EQ(run(request, {"--jobs", "1"}).exitCode, 0);
+  const auto undisturbed = filesBelow(results());
+  Program program({"run", request.string(), "--jobs", "1", "--force"}, folder());
+  pid_t victim = -1;
+  for (int i = 0; i < 20000 && victim < 0 && program.running(); ++i) {
+    usleep(1000);
+    // The imports are kept, so that the first child has all references.
+    const std::vector<pid_t> children = program.children();
+    if (children.size() == 1) victim = children[0];
+  }
+  ASSERT_GT(victim, 0);
+  kill(victim, SIGKILL);
+  EXPECT_EQ(program.wait().exitCode, 0);
+  EXPECT_EQ(filesBelow(results()), undisturbed);
+}
+
 TEST_F(Repeatability, InterruptingSaysSoAndLeavesNoHalfFile) {
   std::string text = small_study::request("null_draws = 100");
   text.replace(text.find("surrogates = 60"), 15, "surrogates = 10000");

@@ -12,7 +12,7 @@ namespace {
 
 // A piece of this size is still in the processor's cache when its voxels are computed, and large
 // enough that the cost of a call does not count.
-constexpr std::size_t kPieceBytes = 1024 * 1024;
+constexpr std::size_t kPieceBytes = 2 * 1024 * 1024;
 
 std::size_t voxelsInPiece(const VTC_Header& header) {
   const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);

@@ -44,8 +44,11 @@ int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const
     reportLoopDone(request);
     return kSuccess;
   }
-  if (!isKnown) companions_.clear();
-  if (isKnown && condIndex == 0) startGroup(request, voiIndex);
+  if (isKnown && condIndex == 0) {
+    startGroup(request, voiIndex);
+  } else if (!isKnown || !continuesGroup(voiIndex, condIndex)) {
+    companions_.clear();
+  }
   std::vector<PassReference> references{{coursesOf(voi, cond), &simo::randomStream()}};
   std::vector<RawResult*> results{&result};
   for (Companion& companion : companions_) {
@@ -57,6 +60,12 @@ int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const
   for (Companion& companion : companions_) companion.results.back().after = companion.random;
   if (status == kSuccess && voiIndex == 0 && condIndex == condsNoted_) noteFirst(condition, result);
   return status;
+}
+
+// Companions take part in the conditions of the reference before them, one after the other.
+bool VoxelPasses::continuesGroup(std::size_t voi, std::size_t cond) const {
+  return !companions_.empty() && companions_.front().voi == voi + 1 &&
+         companions_.front().results.size() == cond;
 }
 
 // The result's stores go back for the next pass.

@@ -49,6 +49,7 @@ class VoxelPasses {
 
   [[nodiscard]] bool takeResult(std::size_t voi, std::size_t cond, RawResult& result);
   void startGroup(const TAV_Pars& request, std::size_t voi);
+  [[nodiscard]] bool continuesGroup(std::size_t voi, std::size_t cond) const;
   [[nodiscard]] std::size_t nrOfCompanions(const TAV_Pars& request, std::size_t voi) const;
   [[nodiscard]] std::size_t bytesPerReference(const TAV_Pars& request) const;
   [[nodiscard]] bool isFirstDone(const TAV_Pars& request) const;

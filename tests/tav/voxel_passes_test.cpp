@@ -31,7 +31,8 @@ class VoxelPasses : public RunTest, public ::testing::WithParamInterface<int> {
   enum class Ask : std::uint8_t { kByRequest, kByCopies };
 
   // Asked for copies of its references, a run cannot know which one follows.
-  Results run(Ask ask) {
+  // repeated: a reference whose last condition is asked for twice, or -1.
+  Results run(Ask ask, int repeated = -1) {
     tav::Computer computer(options);
     std::ostringstream log;
     EXPECT_EQ(computer.Init(pars, errors), tav::kSuccess) << errors.str();
@@ -39,11 +40,13 @@ class VoxelPasses : public RunTest, public ::testing::WithParamInterface<int> {
     Results results;
     for (const tav::TAV_VOI_Pars& voi : pars.vois) {
       const tav::TAV_VOI_Pars copy = voi;
+      const tav::TAV_VOI_Pars& asked = ask == Ask::kByCopies ? copy : voi;
       for (const tav::TAV_Cond_Pars& cond : pars.conds) {
-        const tav::TAV_VOI_Pars& asked = ask == Ask::kByCopies ? copy : voi;
         EXPECT_EQ(computer.compVOIConditionTAVs(asked, cond, pars, log, errors), tav::kSuccess);
         results.push_back(bitsOf(computer));
       }
+      if (&voi - pars.vois.data() != repeated) continue;
+      EXPECT_EQ(computer.compVOIConditionTAVs(asked, pars.conds.back(), pars, log, errors), tav::kSuccess);
     }
     results.push_back({static_cast<std::uint32_t>(simo::randomStream().next())});
     logs_.push_back(log.str());
@@ -89,6 +92,10 @@ TEST_P(VoxelPasses, OfOneSequenceOfRandomNumbersGiveWhatTheReferencesGiveOneByOn
   // Several draws take turns in the kernel, whoever shares the pass.
   const bool sharesBatches = GetParam() == 1;
   EXPECT_EQ(between - start < (batchesRun() - between) / 2, sharesBatches);
+}
+
+TEST_P(VoxelPasses, NoticeAConditionThatIsAskedForTwice) {
+  EXPECT_EQ(run(Ask::kByRequest, 1), run(Ask::kByCopies, 1));
 }
 
 TEST_P(VoxelPasses, OfReferencesWithTimeBasesOfTheirOwnGiveWhatEachGivesAlone) {

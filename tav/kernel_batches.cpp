@@ -32,6 +32,10 @@ kernel::PlanSpec planSpec(std::span<const VoxelJob> jobs) {
   return spec;
 }
 
+ResultWriter::Rows rowsFrom(const std::vector<float> (&measures)[kNrOfMeasures], std::size_t i) {
+  return {measures[0].data() + i, measures[1].data() + i, measures[2].data() + i};
+}
+
 // A voxel's verdicts in one number, 0 when they are all kDone. Draws stand kBatch apart.
 void combineVerdicts(const std::vector<kernel::Verdict>& verdicts, const std::vector<kernel::Verdict>& nulls,
                      std::vector<std::uint8_t>& combined) {
@@ -45,7 +49,11 @@ void combineVerdicts(const std::vector<kernel::Verdict>& verdicts, const std::ve
 }  // namespace
 
 KernelBatches::Reference::Reference(const VoxelJob& voxelJob, std::size_t perVoxel)
-    : job(voxelJob), draws(static_cast<std::size_t>(voxelJob.nullDraws)), drawsPerVoxel(perVoxel) {
+    : job(voxelJob),
+      draws(static_cast<std::size_t>(voxelJob.nullDraws)),
+      drawsPerVoxel(perVoxel),
+      rowOf(static_cast<std::uint32_t>(voxelJob.nrOfSurrogates)) {
+  drawn.resize(kBatch * perVoxel);
   for (auto& plane : measures) plane.resize(kBatch);
   for (auto& plane : nulls) plane.resize(kBatch * draws);
   verdicts.resize(kBatch);
@@ -59,6 +67,11 @@ kernel::ReferenceBatch KernelBatches::Reference::view() {
           nullVerdicts.data(), kBatch};
 }
 
+void KernelBatches::Reference::draw(std::size_t nrOfVoxels) {
+  for (std::size_t i = 0; i < nrOfVoxels * drawsPerVoxel; ++i)
+    drawn[i] = rowOf(static_cast<std::uint32_t>(job.random->next()));
+}
+
 ReferenceFits& KernelBatches::Reference::fits() {
   if (ownFits == nullptr) ownFits = std::make_unique<ReferenceFits>(job);
   return *ownFits;
@@ -67,6 +80,12 @@ ReferenceFits& KernelBatches::Reference::fits() {
 KernelBatches::KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kernel& kernel)
     : kernel_(kernel), plan_(planSpec(jobs), kernel), work_(plan_.view(), kernel.width) {
   const auto draws = static_cast<std::size_t>(jobs[0].nullDraws);
+  for (const VoxelSet& set : jobs[0].sets) {
+    const auto file = static_cast<std::size_t>(set.file);
+    const VoxelFile& of = jobs[0].files[file];
+    coursesOfSets_.push_back({file, static_cast<std::size_t>(of.nrOfVolumes) *
+                                        (of.isFloat ? sizeof(float) : sizeof(std::uint16_t))});
+  }
   for (const VoxelJob& job : jobs)
     references_.emplace_back(job, static_cast<std::size_t>(plan_.view().nrOfIntervals) * draws);
 }
@@ -74,79 +93,68 @@ KernelBatches::KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kerne
 void KernelBatches::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                             std::span<const VoxelResults> results) {
   const VoxelJob& any = references_.front().job;
-  const Inclusion inclusion(any, data);
-  const std::size_t nrIncluded = any.nullDraws > 1 ? inclusion.count(nrOfVoxels) : 0;
+  const Inclusion inclusion(any, data, nrOfVoxels);
   std::deque<ResultWriter> writers;
   for (std::size_t i = 0; i < references_.size(); ++i)
-    writers.emplace_back(references_[i].job, nrIncluded, results[i]);
-  nrInCall_ = nrOfVoxels;
+    writers.emplace_back(references_[i].job, inclusion.count(), results[i]);
   copies_.clear();
-  for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) {
+  for (std::size_t voxel = 0, end = 0; voxel < nrOfVoxels; voxel = end) {
+    end = inclusion.runEnd(voxel);
     if (inclusion.includes(voxel)) {
-      addVoxel(voxel, data);
+      end = std::min(end, voxel + kBatch - voxels_.size());
+      addVoxels(voxel, end, nrOfVoxels, data);
       if (voxels_.size() == kBatch) finishBatch(data, writers);
     } else {
-      for (ResultWriter& writer : writers) writer.skip(voxel);
+      for (ResultWriter& writer : writers) writer.skip(voxel, end - voxel);
     }
   }
   if (!voxels_.empty()) finishBatch(data, writers);
 }
 
-void KernelBatches::addVoxel(std::size_t voxel, std::span<const VoxelData> data) {
-  voxels_.push_back(voxel);
-  for (std::size_t set = 0; set < references_.front().job.sets.size(); ++set)
-    courses_.push_back(courseOf(voxel, set, data));
-  for (Reference& reference : references_) {
-    const auto surrogates = static_cast<unsigned>(reference.job.nrOfSurrogates);
-    for (std::size_t i = 0; i < reference.drawsPerVoxel; ++i)
-      reference.drawn.push_back(static_cast<unsigned>(reference.job.random->next()) % surrogates);
+void KernelBatches::addVoxels(std::size_t first, std::size_t end, std::size_t nrInCall,
+                              std::span<const VoxelData> data) {
+  for (std::size_t voxel = first; voxel < end; ++voxel) {
+    voxels_.push_back(voxel);
+    for (const CourseOfSet& course : coursesOfSets_) {
+      const VoxelData& values = data[course.file];
+      const void* const firsts =
+          values.floats != nullptr ? static_cast<const void*>(values.floats) : values.shorts;
+      const auto* const bytes = static_cast<const unsigned char*>(firsts) + voxel * course.bytes;
+      // Kernels read a little behind a course: the next one, but for the last courses of the data.
+      const bool mayReadBehind = (nrInCall - 1 - voxel) * course.bytes >= kernel::extent(kernel::kReadSlack);
+      courses_.push_back(mayReadBehind ? bytes : copyOf(bytes, course.bytes));
+    }
   }
 }
 
-// Kernels read a little behind a course: the next one, but for the last courses of the data.
-bool KernelBatches::mayReadBehind(std::size_t voxel, int nrOfVolumes, std::size_t valueBytes) const {
-  const std::size_t bytesBehind =
-      (nrInCall_ - 1 - voxel) * static_cast<std::size_t>(nrOfVolumes) * valueBytes;
-  return bytesBehind >= static_cast<std::size_t>(kernel::kReadSlack);
-}
-
-const void* KernelBatches::courseOf(std::size_t voxel, std::size_t set, std::span<const VoxelData> data) {
-  const VoxelJob& any = references_.front().job;
-  const auto file = static_cast<std::size_t>(any.sets[set].file);
-  const int nrOfVolumes = any.files[file].nrOfVolumes;
-  const std::size_t valueBytes = data[file].floats != nullptr ? sizeof(float) : sizeof(std::uint16_t);
-  const std::size_t courseBytes = static_cast<std::size_t>(nrOfVolumes) * valueBytes;
-  const void* const values =
-      data[file].floats != nullptr ? static_cast<const void*>(data[file].floats) : data[file].shorts;
-  const auto* const course = static_cast<const unsigned char*>(values) + voxel * courseBytes;
-  if (mayReadBehind(voxel, nrOfVolumes, valueBytes)) return course;
-  auto& copy = copies_.emplace_back(std::make_unique<unsigned char[]>(courseBytes + kernel::kReadSlack));
-  std::memcpy(copy.get(), course, courseBytes);
+const void* KernelBatches::copyOf(const unsigned char* course, std::size_t bytes) {
+  auto& copy =
+      copies_.emplace_back(std::make_unique<unsigned char[]>(bytes + kernel::extent(kernel::kReadSlack)));
+  std::memcpy(copy.get(), course, bytes);
   return copy.get();
 }
 
 void KernelBatches::finishBatch(std::span<const VoxelData> data, std::deque<ResultWriter>& writers) {
   std::vector<kernel::ReferenceBatch> views;
-  for (Reference& reference : references_) views.push_back(reference.view());
-  kernel::run(kernel_, plan_.view(), {voxels_.size(), courses_.data(), views.data()}, work_.view());
-  for (std::size_t i = 0; i < references_.size(); ++i) {
-    store(references_[i], data, writers[i]);
-    references_[i].drawn.clear();
+  for (Reference& reference : references_) {
+    reference.draw(voxels_.size());
+    views.push_back(reference.view());
   }
+  kernel::run(kernel_, plan_.view(), {voxels_.size(), courses_.data(), views.data()}, work_.view());
+  for (std::size_t i = 0; i < references_.size(); ++i) store(references_[i], data, writers[i]);
   voxels_.clear();
   courses_.clear();
 }
 
 void KernelBatches::store(Reference& reference, std::span<const VoxelData> data, ResultWriter& writer) {
-  const auto& [m0, m1, m2] = reference.measures;
-  const auto& [n0, n1, n2] = reference.nulls;
   combineVerdicts(reference.verdicts, reference.nullVerdicts, reference.doubts);
-  if (reference.draws > 1)
-    writer.takeFurtherDraws(voxels_.size(), {n0.data() + kBatch, n1.data() + kBatch, n2.data() + kBatch},
-                            kBatch);
-  for (std::size_t i = 0; i < voxels_.size(); ++i) {
+  if (reference.draws > 1) writer.takeFurtherDraws(voxels_.size(), rowsFrom(reference.nulls, kBatch), kBatch);
+  for (std::size_t i = 0, end = 0; i < voxels_.size(); i = end) {
+    end = i + 1;
     if (reference.doubts[i] == 0) {
-      writer.writeTruth(voxels_[i], {m0[i], m1[i], m2[i]}, {n0[i], n1[i], n2[i]});
+      while (end < voxels_.size() && reference.doubts[end] == 0 && voxels_[end] == voxels_[end - 1] + 1)
+        ++end;
+      writer.writeTruths(voxels_[i], end - i, rowsFrom(reference.measures, i), rowsFrom(reference.nulls, i));
     } else {
       storeDoubtful(reference, i, data, writer);
     }
@@ -168,9 +176,7 @@ void KernelBatches::storeDoubtful(Reference& reference, std::size_t i, std::span
     return writer.write(voxels_[i], reference.fits().computeDrawn(voxels_[i], data, drawn));
   }
   if (reference.verdicts[i] == Verdict::kIllDefined) return writer.writeIllDefined(voxels_[i]);
-  const auto& [m0, m1, m2] = reference.measures;
-  const auto& [n0, n1, n2] = reference.nulls;
-  writer.writeTruth(voxels_[i], {m0[i], m1[i], m2[i]}, {n0[i], n1[i], n2[i]});
+  writer.writeTruths(voxels_[i], 1, rowsFrom(reference.measures, i), rowsFrom(reference.nulls, i));
   for (std::size_t draw = 0; draw < reference.draws; ++draw) {
     if (isNull(draw, Verdict::kIllDefined)) writer.writeNullIllDefined(voxels_[i], draw);
   }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "simo/remainder.h"
 #include "tav/kernel/dispatch.h"
 #include "tav/kernel/plan.h"
 #include "tav/reference_fits.h"
@@ -32,11 +33,14 @@ class KernelBatches {
   // One reference's side of the batch: its draws and the kernel's answers.
   struct Reference {
     Reference(const VoxelJob& job, std::size_t drawsPerVoxel);
+    // Surrogates for the next included voxels, at most a batch.
+    void draw(std::size_t nrOfVoxels);
     [[nodiscard]] kernel::ReferenceBatch view();
     [[nodiscard]] ReferenceFits& fits();
 
     VoxelJob job;
     std::size_t draws, drawsPerVoxel;  // of one interval, of all
+    simo::Remainder rowOf;
     std::vector<std::uint32_t> drawn;
     std::vector<float> measures[kNrOfMeasures], nulls[kNrOfMeasures];
     std::vector<kernel::Verdict> verdicts, nullVerdicts;
@@ -44,22 +48,28 @@ class KernelBatches {
     std::unique_ptr<ReferenceFits> ownFits;  // made when first needed: for most jobs never
   };
 
-  void addVoxel(std::size_t voxel, std::span<const VoxelData> data);
+  // Where the courses of one set stand.
+  struct CourseOfSet {
+    std::size_t file;   // index into the data of a call
+    std::size_t bytes;  // of one voxel's course
+  };
+
+  // Voxels first ... end - 1 of the nrInCall ones whose data follow each other; there is room for them.
+  void addVoxels(std::size_t first, std::size_t end, std::size_t nrInCall, std::span<const VoxelData> data);
+  [[nodiscard]] const void* copyOf(const unsigned char* course, std::size_t bytes);
   void finishBatch(std::span<const VoxelData> data, std::deque<ResultWriter>& writers);
   void store(Reference& reference, std::span<const VoxelData> data, ResultWriter& writer);
   void storeDoubtful(Reference& reference, std::size_t i, std::span<const VoxelData> data,
                      ResultWriter& writer);
-  [[nodiscard]] const void* courseOf(std::size_t voxel, std::size_t set, std::span<const VoxelData> data);
-  [[nodiscard]] bool mayReadBehind(std::size_t voxel, int nrOfVolumes, std::size_t valueBytes) const;
 
   const kernel::Kernel& kernel_;
   kernel::Plan plan_;
   kernel::Workspace work_;
+  std::vector<CourseOfSet> coursesOfSets_;
   std::deque<Reference> references_;
   std::size_t nrReferred_ = 0;
 
   // The batch: which voxels, and their courses.
-  std::size_t nrInCall_ = 0;
   std::vector<std::size_t> voxels_;
   std::vector<const void*> courses_;
   std::vector<std::unique_ptr<unsigned char[]>> copies_;  // of courses at the end of the data

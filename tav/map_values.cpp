@@ -14,17 +14,15 @@ void difference(const RawValues& raw, float* out) {
 }
 
 void zeroWhereBelow(const float* measure, float threshold, std::size_t size, float* out) {
-  for (std::size_t i = 0; i < size; ++i) {
-    if (measure[i] < threshold) out[i] = 0.0F;
-  }
+  for (std::size_t i = 0; i < size; ++i) out[i] = measure[i] < threshold ? 0.0F : out[i];
 }
 
 // From differences to their share in difference plus instantaneous feedback, cut above.
 void relativeToInstantaneous(const float* instantaneous, float upper, std::size_t size, float* out) {
   for (std::size_t i = 0; i < size; ++i) {
     const float denominator = std::fabs(out[i]) + instantaneous[i];
-    out[i] = denominator == 0.0F ? 0.0F : out[i] / denominator;
-    if (out[i] > upper) out[i] = 0.0F;
+    const float share = denominator == 0.0F ? 0.0F : out[i] / denominator;
+    out[i] = share > upper ? 0.0F : share;
   }
 }
 

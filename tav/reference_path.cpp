@@ -7,13 +7,13 @@ namespace {
 
 void computeVoxels(const VoxelJob& job, ReferenceFits& fits, std::size_t nrOfVoxels,
                    std::span<const VoxelData> data, const VoxelResults& results) {
-  const Inclusion inclusion(job, data);
-  ResultWriter writer(job, inclusion.count(nrOfVoxels), results);
+  const Inclusion inclusion(job, data, nrOfVoxels);
+  ResultWriter writer(job, inclusion.count(), results);
   for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) {
     if (inclusion.includes(voxel)) {
       writer.write(voxel, fits.compute(voxel, data));
     } else {
-      writer.skip(voxel);
+      writer.skip(voxel, 1);
     }
   }
 }

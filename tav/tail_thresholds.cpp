@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "tav/fdr_thresholds.h"
+#include "tav/kernel/dispatch.h"
 
 namespace tav {
 namespace {
@@ -29,68 +30,35 @@ struct Tail {
   std::size_t numbers = 0;        // non-zero and not NaN
 };
 
-// Positive floats order as their bits do; NaN above infinity.
-constexpr std::int32_t kInfinityBits = 0x7F800000;
-
-std::int32_t magnitudeBits(float value) {
-  return std::bit_cast<std::int32_t>(value) & 0x7FFFFFFF;
-}
-
-// Values that are looked at together: most blocks hold nothing of the tail.
-constexpr std::size_t kBlock = 64;
-
-struct BlockSummary {
-  std::int32_t reaching = 0;  // values at the cut or above, NaN included
-  std::int32_t zero = 0, nan = 0;
-};
-
-// Comparisons and sums alone, which the compiler turns into vector instructions.
-BlockSummary summarise(const float* values, std::size_t count, std::int32_t cutBits) {
-  BlockSummary summary;
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::int32_t bits = magnitudeBits(values[i]);
-    summary.reaching += bits >= cutBits ? 1 : 0;
-    summary.zero += bits == 0 ? 1 : 0;
-    summary.nan += bits > kInfinityBits ? 1 : 0;
-  }
-  return summary;
-}
-
 class TailSelector {
  public:
-  explicit TailSelector(float cut) : cutBits_(magnitudeBits(cut)) {}
+  explicit TailSelector(float cut) : cut_(cut) {}
 
   void add(std::span<const float> piece) {
-    for (std::size_t first = 0; first < piece.size(); first += kBlock) {
-      // The constant count lets the compiler use vectors.
-      const std::size_t left = piece.size() - first;
-      const float* const values = piece.data() + first;
-      addBlock(values, std::min(left, kBlock),
-               left >= kBlock ? summarise(values, kBlock, cutBits_) : summarise(values, left, cutBits_));
-    }
+    for (; piece.size() > kStep; piece = piece.subspan(kStep)) take(piece.first(kStep));
+    take(piece);
   }
 
   // The selected magnitudes, in no order.
-  Tail take() {
+  Tail finish() {
     tail_.magnitudes.resize(used_);
     return std::move(tail_);
   }
 
  private:
-  // Without a branch per value: writes each and moves on past those that belong.
-  void addBlock(const float* values, std::size_t count, const BlockSummary& summary) {
-    tail_.nonZero += count - static_cast<std::size_t>(summary.zero);
-    tail_.numbers += count - static_cast<std::size_t>(summary.zero + summary.nan);
-    if (summary.reaching == 0) return;
-    if (tail_.magnitudes.size() < used_ + kBlock) tail_.magnitudes.resize(2 * used_ + kBlock);
-    for (std::size_t i = 0; i < count; ++i) {
-      const std::int32_t bits = magnitudeBits(values[i]);
-      tail_.magnitudes[used_] = std::bit_cast<float>(bits);
-      used_ += bits >= cutBits_ && bits <= kInfinityBits ? 1U : 0U;
-    }
+  static constexpr std::size_t kStep = 2048;  // for which there is always room
+
+  void take(std::span<const float> values) {
+    if (tail_.magnitudes.size() < used_ + kStep) tail_.magnitudes.resize(2 * used_ + kStep);
+    const kernel::TailCounts counts =
+        kernel_.selectTail(values.data(), values.size(), cut_, tail_.magnitudes.data() + used_);
+    used_ += counts.selected;
+    tail_.nonZero += values.size() - counts.zeros;
+    tail_.numbers += values.size() - counts.zeros - counts.nans;
   }
 
-  std::int32_t cutBits_;
+  const kernel::Kernel& kernel_ = kernel::bestKernel();
+  float cut_;
   Tail tail_;
   std::size_t used_ = 0;
 };
@@ -119,7 +87,7 @@ void sortDescending(std::vector<float>& magnitudes) {
 Tail selectTail(const MapSource& map, float cut) {
   TailSelector selector(cut);
   map.forEachPiece([&](MapSource::Piece piece) { selector.add(piece); });
-  Tail tail = selector.take();
+  Tail tail = selector.finish();
   sortDescending(tail.magnitudes);
   return tail;
 }

@@ -94,14 +94,20 @@ class Collector {
     return row;
   }
 
+  void writeRows(int l) {
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) writeRow(l, n);
+  }
+
   void collectAtOnce() {
     const int statistics = nrOfStatistics(plan_.order), own = ownStatistic(plan_.order, 0);
+    writeRows(0);
     for (int l = 0; l < kWidth; ++l) {
+      for (int n = 0; n < plan_.nrOfIntervals; ++n) prefetchNext(0, l, n, 0);
+      if (l + 1 < kWidth) writeRows(l + 1);
       for (int n = 0; n < plan_.nrOfIntervals; ++n) {
-        const float* row = writeRow(l, n);
-        prefetchNext(0, l, n, 0);
-        work_.segments[n] = {
-            row, {courseOf(0, l, n, kTruth), courseOf(0, l, n, 0)}, plan_.intervals[n].paddedLength};
+        work_.segments[n] = {group_.rowOf(l, plan_.intervals[n]),
+                             {courseOf(0, l, n, kTruth), courseOf(0, l, n, 0)},
+                             plan_.intervals[n].paddedLength};
       }
       sumAllLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
     }

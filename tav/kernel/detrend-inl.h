@@ -24,6 +24,22 @@ typename S::Floats loadValues(const std::uint16_t* y) {
   return S::toFloats(S::loadInts(y));
 }
 
+// Vectors that a loop takes in one step, each with sums of its own: a single chain of additions would
+// wait for every one of them.
+inline constexpr int kChains = 4;
+
+// Calls use(t, chain) for the whole vectors of n values, and returns where they end.
+template <class S, class Use>
+[[gnu::always_inline]] inline int forWholeVectors(int n, Use use) {
+  int t = 0;
+  for (; t + kChains * S::kWidth <= n; t += kChains * S::kWidth) {
+#pragma GCC unroll 4
+    for (int chain = 0; chain < kChains; ++chain) use(t + chain * S::kWidth, chain);
+  }
+  for (; t + S::kWidth <= n; t += S::kWidth) use(t, 0);
+  return t;
+}
+
 // Vectors of partial sums of y(t) - y(0) and of ramp(t) (y(t) - y(0)), to be summed over the width.
 template <class S>
 struct TrendSums {
@@ -32,21 +48,20 @@ struct TrendSums {
 
 template <class S, class T>
 TrendSums<S> trendSums(const IntervalView& interval, const T* y) {
+  using Floats = typename S::Floats;
   const auto first = S::all(static_cast<float>(y[0]));
-  TrendSums<S> sums{S::zero(), S::zero()};
+  const float* const ramp = interval.ramp;
+  Floats values[extent(kChains)] = {}, products[extent(kChains)] = {};
+  const auto add = [&](int t, int chain, Floats value) {
+    values[chain] = values[chain] + value;
+    products[chain] = S::madd(S::load(ramp + t), value, products[chain]);
+  };
   const int n = interval.length;
-  int t = 0;
-  for (; t + S::kWidth <= n; t += S::kWidth) {
-    const auto value = loadValues<S>(y + t) - first;
-    sums.values = sums.values + value;
-    sums.products = S::madd(S::load(interval.ramp + t), value, sums.products);
-  }
-  if (t < n) {
-    const auto value = S::keepFirst(loadValues<S>(y + t) - first, n - t);
-    sums.values = sums.values + value;
-    sums.products = S::madd(S::load(interval.ramp + t), value, sums.products);
-  }
-  return sums;
+  const int end =
+      forWholeVectors<S>(n, [&](int t, int chain) { add(t, chain, loadValues<S>(y + t) - first); });
+  if (end < n) add(end, 0, S::keepFirst(loadValues<S>(y + end) - first, n - end));
+  return {(values[0] + values[1]) + (values[2] + values[3]),
+          (products[0] + products[1]) + (products[2] + products[3])};
 }
 
 // Mean and slope against the interval's ramp, of one course per lane, and the sum of squares below
@@ -72,14 +87,14 @@ Trends<S> trendsFrom(const IntervalView& interval, typename S::Floats first, typ
 template <class S, class T>
 void writeResiduals(const IntervalView& interval, float meanOfAll, float slopeOfAll, const T* y, float* row) {
   const auto mean = S::all(meanOfAll), slope = S::all(slopeOfAll), scale = S::all(interval.scale);
+  const float* const ramp = interval.ramp;
+  const auto residuals = [&](int t) {
+    return S::msub(S::load(ramp + t), slope, loadValues<S>(y + t) - mean) * scale;
+  };
   const int n = interval.length;
-  int t = 0;
-  for (; t + S::kWidth <= n; t += S::kWidth) {
-    S::store(row + t, S::msub(S::load(interval.ramp + t), slope, loadValues<S>(y + t) - mean) * scale);
-  }
+  int t = forWholeVectors<S>(n, [&](int whole, int) { S::store(row + whole, residuals(whole)); });
   if (t < n) {
-    const auto last = S::msub(S::load(interval.ramp + t), slope, loadValues<S>(y + t) - mean) * scale;
-    S::store(row + t, S::keepFirst(last, n - t));
+    S::store(row + t, S::keepFirst(residuals(t), n - t));
     t += S::kWidth;
   }
   for (; t < interval.paddedLength; t += S::kWidth) S::store(row + t, S::zero());

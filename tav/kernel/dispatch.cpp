@@ -25,14 +25,14 @@ bool hasAvx2() {
 }
 
 constexpr std::array kKernels = {
-    Kernel{"avx512", 16, &hasAvx512, &computeAvx512, &prepareAvx512},
-    Kernel{"avx2", 8, &hasAvx2, &computeAvx2, &prepareAvx2},
-    Kernel{"baseline", 4, &always, &computeBaseline, &prepareBaseline},
-    Kernel{"scalar", 1, &always, &computeScalar, &prepareScalar},
+    Kernel{"avx512", 16, &hasAvx512, &computeAvx512, &prepareAvx512, &selectTailAvx512},
+    Kernel{"avx2", 8, &hasAvx2, &computeAvx2, &prepareAvx2, &selectTailAvx2},
+    Kernel{"baseline", 4, &always, &computeBaseline, &prepareBaseline, &selectTailBaseline},
+    Kernel{"scalar", 1, &always, &computeScalar, &prepareScalar, &selectTailScalar},
 };
 #else
 constexpr std::array kKernels = {
-    Kernel{"scalar", 1, &always, &computeScalar, &prepareScalar},
+    Kernel{"scalar", 1, &always, &computeScalar, &prepareScalar, &selectTailScalar},
 };
 #endif
 

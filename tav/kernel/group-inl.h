@@ -49,7 +49,7 @@ struct Group {
   }
   // Every lane keeps its rows only when further passes need them.
   [[nodiscard]] float* rowOf(int l, const IntervalView& interval) const {
-    const std::size_t slot = keepsRows(plan) ? static_cast<std::size_t>(l) : 0;
+    const std::size_t slot = static_cast<std::size_t>(keepsRows(plan) ? l : l % 2);
     return work.rows + slot * plan.rowSize + interval.rowOffset;
   }
   [[nodiscard]] const ReferenceRows& rowsOf(int reference, int interval) const {

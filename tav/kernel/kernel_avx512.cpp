@@ -3,6 +3,7 @@
 #include "tav/kernel/entries.h"
 #include "tav/kernel/prepare-inl.h"
 #include "tav/kernel/simd_avx512.h"
+#include "tav/kernel/tail-inl.h"
 
 namespace tav::kernel {
 
@@ -12,6 +13,10 @@ void computeAvx512(const PlanView& plan, const BatchView& batch, const WorkView&
 
 void prepareAvx512(const IntervalView& interval, const RowsView& rows, const WorkView& work) {
   prepareRows<Simd>(interval, rows, work);
+}
+
+TailCounts selectTailAvx512(const float* values, std::size_t count, float cut, float* tail) {
+  return selectTail<Simd>(values, count, cut, tail);
 }
 
 }  // namespace tav::kernel

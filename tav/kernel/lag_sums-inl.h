@@ -62,6 +62,7 @@ struct LagProducts {
 
   [[gnu::always_inline]] void add(const LagRows& rows, int first, int start, int end) {
     const float* shifted = rows.voxel - first;
+    Floats before = S::loadAny(shifted + start - S::kWidth);
     for (int t = start; t < end; t += S::kWidth) {
       Floats left[extent(kRows)];
 #pragma GCC unroll 4
@@ -71,15 +72,22 @@ struct LagProducts {
       }
       Floats self = S::zero();
       if constexpr (kOwn > 0) self = S::load(rows.voxel + t);
-#pragma GCC unroll 16
-      for (int j = 0; j < kShifts; ++j) {
-        Floats right = S::loadAny(shifted + t - j);
-        S::pin(right);
-#pragma GCC unroll 4
-        for (int r = 0; r < kRows; ++r) cross[r][j] = S::madd(left[r], right, cross[r][j]);
-        if (j >= kOwnFrom) own[j - kOwnFrom] = S::madd(self, right, own[j - kOwnFrom]);
-      }
+      const Floats here = S::loadAny(shifted + t);
+      addShifts<0>(left, self, shifted + t, here, before);
+      before = here;
     }
+  }
+
+  // The products at shift kShift and those behind it. `here`: what stands at `shifted`; `before`: the
+  // vector in front of it.
+  template <int kShift>
+  [[gnu::always_inline]] void addShifts(const Floats* left, Floats self, const float* shifted, Floats here,
+                                        Floats before) {
+    const Floats right = S::template shifted<kShift>(shifted, here, before);
+#pragma GCC unroll 4
+    for (int r = 0; r < kRows; ++r) cross[r][kShift] = S::madd(left[r], right, cross[r][kShift]);
+    if constexpr (kShift >= kOwnFrom) own[kShift - kOwnFrom] = S::madd(self, right, own[kShift - kOwnFrom]);
+    if constexpr (kShift + 1 < kShifts) addShifts<kShift + 1>(left, self, shifted, here, before);
   }
 
   // Calls `use` with each sum and its place.

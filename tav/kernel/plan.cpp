@@ -126,7 +126,7 @@ ReferenceRows Plan::prepareRows(const PlanSpec& spec, const IntervalView& interv
 
 Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   const auto lanes = static_cast<std::size_t>(width);
-  const auto slots = keepsRows(plan) ? lanes : 1;
+  const auto slots = keepsRows(plan) ? lanes : 2;
   const auto statistics = static_cast<std::size_t>(mostStatistics(plan.order));
   const auto variables =
       static_cast<std::size_t>(LaneLayout(plan.order, plan.nrOfIntervals, plan.nrOfReferences).size);

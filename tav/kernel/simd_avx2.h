@@ -36,6 +36,12 @@ struct Simd {
   }
   static Floats larger(Floats a, Floats b) { return _mm256_max_ps(a, b); }
   static Floats keepFirst(Floats v, int n) { return _mm256_and_ps(v, fromBits(firstLanes(n))); }
+  template <int kShift>
+  static Floats shifted(const float* p, Floats, Floats) {
+    Floats v = loadAny(p - kShift);
+    pin(v);
+    return v;
+  }
   static void pin(Floats& v) { __asm__("" : "+x"(v)); }
 
   static Mask less(Floats a, Floats b) { return mask(_mm256_cmp_ps(a, b, _CMP_LT_OQ)); }

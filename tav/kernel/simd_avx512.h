@@ -33,6 +33,11 @@ struct Simd {
   }
   static Floats larger(Floats a, Floats b) { return _mm512_max_ps(a, b); }
   static Floats keepFirst(Floats v, int n) { return _mm512_maskz_mov_ps(firstLanes(n), v); }
+  template <int kShift>
+  static Floats shifted(const float*, Floats here, Floats before) {
+    if constexpr (kShift == 0) return here;
+    return fromBits(_mm512_alignr_epi32(bits(here), bits(before), (kWidth - kShift) % kWidth));
+  }
   static void pin(Floats& v) { __asm__("" : "+v"(v)); }
 
   static Mask less(Floats a, Floats b) { return _mm512_cmp_ps_mask(a, b, _CMP_LT_OQ); }

@@ -42,6 +42,12 @@ struct Simd {
   static Floats withSign(Floats size, Floats sign) { return __builtin_copysignf(size, sign); }
   static Floats larger(Floats a, Floats b) { return a > b ? a : b; }
   static Floats keepFirst(Floats v, int n) { return n > 0 ? v : 0.0F; }
+  template <int kShift>
+  static Floats shifted(const float* p, Floats, Floats) {
+    Floats v = loadAny(p - kShift);
+    pin(v);
+    return v;
+  }
   static void pin(Floats&) {}
 
   static Mask less(Floats a, Floats b) { return a < b ? 1U : 0U; }

@@ -1,6 +1,9 @@
 #include "study/worker_pool.h"
 
 #include <fcntl.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -116,7 +119,17 @@ std::pair<char, std::string> doWork(const WorkPiece& piece, WorkerChannel& chann
   }
 }
 
+// References take blocks of the same sizes again and again; given back to the system in between, their
+// pages would have to be cleared each time.
+void keepFreedMemory() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);  // the most that the library takes
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+#endif
+}
+
 void prepareChild(pid_t parent) {
+  keepFreedMemory();
   std::signal(SIGINT, SIG_IGN);  // Ctrl-C reaches the whole group; the parent ends its workers itself
   std::signal(SIGTERM, SIG_DFL);
   prctl(PR_SET_PDEATHSIG, SIGKILL);  // a killed parent must not leave writers behind

@@ -68,8 +68,17 @@ kernel::ReferenceBatch KernelBatches::Reference::view() {
 }
 
 void KernelBatches::Reference::draw(std::size_t nrOfVoxels) {
-  for (std::size_t i = 0; i < nrOfVoxels * drawsPerVoxel; ++i)
-    drawn[i] = rowOf(static_cast<std::uint32_t>(job.random->next()));
+  simo::RandomStream& random = *job.random;
+  for (std::size_t i = 0; i < nrOfVoxels; ++i) {
+    for (std::size_t cell = 0; cell < drawsPerVoxel; ++cell)
+      drawn[cell * kBatch + i] = rowOf(static_cast<std::uint32_t>(random.next()));
+  }
+}
+
+std::vector<std::uint32_t> KernelBatches::Reference::drawnFor(std::size_t i) const {
+  std::vector<std::uint32_t> rows;
+  for (std::size_t cell = 0; cell < drawsPerVoxel; ++cell) rows.push_back(drawn[cell * kBatch + i]);
+  return rows;
 }
 
 ReferenceFits& KernelBatches::Reference::fits() {
@@ -172,8 +181,8 @@ void KernelBatches::storeDoubtful(Reference& reference, std::size_t i, std::span
     isUnsure = isUnsure || isNull(draw, Verdict::kUnsure);
   if (isUnsure) {
     ++nrReferred_;
-    const std::uint32_t* const drawn = reference.drawn.data() + i * reference.drawsPerVoxel;
-    return writer.write(voxels_[i], reference.fits().computeDrawn(voxels_[i], data, drawn));
+    const std::vector<std::uint32_t> drawn = reference.drawnFor(i);
+    return writer.write(voxels_[i], reference.fits().computeDrawn(voxels_[i], data, drawn.data()));
   }
   if (reference.verdicts[i] == Verdict::kIllDefined) return writer.writeIllDefined(voxels_[i]);
   writer.writeTruths(voxels_[i], 1, rowsFrom(reference.measures, i), rowsFrom(reference.nulls, i));

@@ -35,13 +35,15 @@ class KernelBatches {
     Reference(const VoxelJob& job, std::size_t drawsPerVoxel);
     // Surrogates for the next included voxels, at most a batch.
     void draw(std::size_t nrOfVoxels);
+    // Those of the batch's voxel i, [interval][draw].
+    [[nodiscard]] std::vector<std::uint32_t> drawnFor(std::size_t i) const;
     [[nodiscard]] kernel::ReferenceBatch view();
     [[nodiscard]] ReferenceFits& fits();
 
     VoxelJob job;
     std::size_t draws, drawsPerVoxel;  // of one interval, of all
     simo::Remainder rowOf;
-    std::vector<std::uint32_t> drawn;
+    std::vector<std::uint32_t> drawn;  // [interval][draw][voxel of a batch]
     std::vector<float> measures[kNrOfMeasures], nulls[kNrOfMeasures];
     std::vector<kernel::Verdict> verdicts, nullVerdicts;
     std::vector<std::uint8_t> doubts;        // 0: the voxel's verdicts are all kDone

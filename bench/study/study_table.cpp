@@ -89,10 +89,37 @@ class Engine {
   study::StudyPlan plan_;
 };
 
+// A new folder for every run of the program. The files of the one before are emptied, which frees their
+// memory, and removed at the end: some file systems take long to reuse inodes deleted a moment ago.
+class ResultFolders {
+ public:
+  explicit ResultFolders(fs::path parent) : parent_(std::move(parent)) { fs::remove_all(parent_); }
+  ~ResultFolders() {
+    std::error_code ignored;
+    fs::remove_all(parent_, ignored);
+  }
+  ResultFolders(const ResultFolders&) = delete;
+  ResultFolders& operator=(const ResultFolders&) = delete;
+
+  fs::path next() {
+    const fs::path last = parent_ / std::to_string(count_);
+    if (fs::exists(last)) {
+      for (const fs::directory_entry& entry : fs::recursive_directory_iterator(last)) {
+        if (entry.is_regular_file()) fs::resize_file(entry.path(), 0);
+      }
+    }
+    return parent_ / std::to_string(++count_);
+  }
+
+ private:
+  fs::path parent_;
+  int count_ = 0;
+};
+
 class StudyTable {
  public:
   StudyTable(std::string program, fs::path folder)
-      : program_(std::move(program)), folder_(std::move(folder)) {}
+      : program_(std::move(program)), folder_(std::move(folder)), results_(folder_ / "results") {}
 
   void print() {
     const fs::path bold = bench::boldFile(folder_, kRun);
@@ -116,7 +143,7 @@ class StudyTable {
     row("tavmap run, twenty, two workers", twoJobs_, twoJobs_ / oneJob_, 0.6, "of one worker");
   }
 
-  void printLarge() const {
+  void printLarge() {
     const bench::Cost cost = run(kLargeRun, 1, 1);
     std::printf(
         "91 x 109 x 91 voxels, 400 volumes, float: %.1f s of CPU time, peak memory %.0f MB (300 at most)\n",
@@ -124,10 +151,11 @@ class StudyTable {
   }
 
  private:
-  bench::Cost run(const bench::MadeRun& made, int references, int jobs) const {
+  bench::Cost run(const bench::MadeRun& made, int references, int jobs) {
     const fs::path request = bench::requestFile(folder_, made, references, "results");
-    fs::remove_all(request.parent_path() / "results");
-    return bench::runChild({program_, "run", request.string(), "--jobs", std::to_string(jobs)});
+    const fs::path results = results_.next();
+    return bench::runChild({program_, "run", request.string(), "--jobs", std::to_string(jobs), "--out",
+                            results.string(), "--work-dir", (results / "work").string()});
   }
 
   static void lower(double& best, double seconds) {
@@ -140,6 +168,7 @@ class StudyTable {
 
   std::string program_;
   fs::path folder_;
+  ResultFolders results_;
   double decompression_ = 0, import_ = 0, engine_ = 0, one_ = 0, ten_ = 0, oneJob_ = 0, twoJobs_ = 0;
 };
 

@@ -33,10 +33,10 @@ struct SingleFit {
   typename S::Floats error{};
 };
 
-template <class S>
+template <class S, class Plan>
 class GroupKernel {
  public:
-  GroupKernel(const PlanView& plan, const BatchView& batch, const WorkView& work)
+  GroupKernel(const Plan& plan, const BatchView& batch, const WorkView& work)
       : plan_(plan), batch_(batch), group_(plan, batch, work), layout_(group_.layout), collector_(group_) {
     linkFactor();
     for (int r = 0; r < plan.nrOfReferences; ++r) fitReference(r);
@@ -144,7 +144,7 @@ class GroupKernel {
     SingleFit<S> alone = fitX(x, voxels_.doubts);
     const Measures<S> measures = computeJoint(x, cross, alone);
     const ReferenceBatch& out = batch_.references[reference];
-    const std::size_t start = static_cast<std::size_t>(draw) * out.nullStride;
+    const std::size_t start = static_cast<std::size_t>(draw) * out.stride;
     store(out.nullMeasures, start, measures);
     storeVerdicts(out.nullVerdicts + start + group_.first, alone.doubts);
   }
@@ -180,20 +180,35 @@ class GroupKernel {
     }
   }
 
-  const PlanView& plan_;
+  const Plan& plan_;
   const BatchView& batch_;
-  Group<S> group_;
+  Group<S, Plan> group_;
   const LaneLayout& layout_;
-  Collector<S> collector_;
+  Collector<S, Plan> collector_;
   Factor factor_;
   SingleFit<S> truth_[extent(kMaxReferences)];  // the references alone
   SingleFit<S> voxels_;                         // the group's voxels alone
 };
 
+template <class S, int kOrder>
+[[gnu::always_inline]] inline void computeGroups(const PlanView& plan, const BatchView& batch,
+                                                 const WorkView& work) {
+  const PlanOf<kOrder> ordered(plan);
+  GroupKernel<S, PlanOf<kOrder>> kernel(ordered, batch, work);
+  for (std::size_t first = 0; first < batch.nrOfVoxels; first += S::kWidth) kernel.compute(first);
+}
+
+// Of order 1 everything is inlined: its loops vanish, and what is left is mostly arithmetic.
+template <class S>
+[[gnu::flatten, gnu::noinline]] void computeOrder1(const PlanView& plan, const BatchView& batch,
+                                                   const WorkView& work) {
+  computeGroups<S, 1>(plan, batch, work);
+}
+
 template <class S>
 void computeBatch(const PlanView& plan, const BatchView& batch, const WorkView& work) {
-  GroupKernel<S> kernel(plan, batch, work);
-  for (std::size_t first = 0; first < batch.nrOfVoxels; first += S::kWidth) kernel.compute(first);
+  if (plan.order == 1) return computeOrder1<S>(plan, batch, work);
+  computeGroups<S, 0>(plan, batch, work);
 }
 
 }  // namespace

@@ -26,11 +26,18 @@ struct TrendNotes {
   typename S::Mask sloped;   // lanes with a slope in any interval
 };
 
-template <class S>
+template <class S, class Plan>
 class Collector {
  public:
-  explicit Collector(const Group<S>& group)
-      : group_(group), plan_(group.plan), work_(group.work), layout_(group.layout) {}
+  explicit Collector(const Group<S, Plan>& group)
+      : group_(group),
+        plan_(group.plan),
+        work_(group.work),
+        layout_(group.layout),
+        all_(loopsForAll<S>(plan_.order)),
+        own_(loopsForOwn<S>(plan_.order)) {
+    for (int rows = 1; rows <= kMaxRows; ++rows) cross_[rows - 1] = loopsForCross<S>(plan_.order, rows);
+  }
 
   // Rows and own sums; with one reference also the cross sums of kTruth and draw 0, in rows 0 and 1.
   TrendNotes<S> collectVoxels() {
@@ -46,16 +53,24 @@ class Collector {
 
   // Cross sums of the draws first ... first + count - 1, at most kMaxRows, in rows 0 ... count - 1.
   void collectCross(int reference, int first, int count) {
-    const int statistics = count * (2 * plan_.order + 1);
-    for (int l = 0; l < kWidth; ++l) sumCrossPass(reference, l, first, count);
-    sumPartials(0, statistics, layout_.cross);
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) placeRows(reference, n, first, count);
+    for (int l = 0; l < kWidth; ++l) {
+      if (plan_.draws == 1) prefetchRows(l + 1, count);
+      cross_[count - 1].run(rowsOf(l), plan_.order, partialsOf(l));
+    }
+    sumPartials(0, count * (2 * plan_.order + 1), layout_.cross);
   }
 
   // Own sums and tails of a draw into the series at `variable`.
   void collectSeries(int reference, int draw, int variable) {
-    for (int l = 0; l < kWidth; ++l) {
-      for (int n = 0; n < plan_.nrOfIntervals; ++n)
-        addTable(group_.tableOf(reference, n, group_.drawnRow(reference, l, n, draw)), n, variable, l);
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) {
+      const float* const tables = group_.rowsOf(reference, n).tables;
+      const auto stride = static_cast<std::ptrdiff_t>(plan_.intervals[n].tableStride);
+      const std::uint32_t* const drawn = draw == kTruth ? nullptr : group_.drawnRows(reference, n, draw);
+      const float* ofLanes[extent(kWidth)];
+      for (int l = 0; l < kWidth; ++l)
+        ofLanes[l] = tables + (drawn == nullptr ? -stride : static_cast<std::ptrdiff_t>(drawn[l]) * stride);
+      addTables(ofLanes, n, variable);
     }
   }
 
@@ -98,72 +113,82 @@ class Collector {
     for (int n = 0; n < plan_.nrOfIntervals; ++n) writeRow(l, n);
   }
 
+  // The next lane's row is written before a lane's is summed: what was stored just now cannot be
+  // loaded at another alignment yet.
   void collectAtOnce() {
-    const int statistics = nrOfStatistics(plan_.order), own = ownStatistic(plan_.order, 0);
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) placeRows(0, n, kTruth, 2);
     writeRows(0);
     for (int l = 0; l < kWidth; ++l) {
-      for (int n = 0; n < plan_.nrOfIntervals; ++n) prefetchNext(0, l, n, 0);
+      prefetchRows(l + 1, 2);
       if (l + 1 < kWidth) writeRows(l + 1);
-      for (int n = 0; n < plan_.nrOfIntervals; ++n) {
-        work_.segments[n] = {group_.rowOf(l, plan_.intervals[n]),
-                             {courseOf(0, l, n, kTruth), courseOf(0, l, n, 0)},
-                             plan_.intervals[n].paddedLength};
-      }
-      sumAllLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
+      all_.run(rowsOf(l), plan_.order, partialsOf(l));
     }
+    const int statistics = nrOfStatistics(plan_.order), own = ownStatistic(plan_.order, 0);
     sumPartials(0, own, layout_.cross);
     sumPartials(own, statistics, layout_.own);
   }
 
   // A row against itself, at lags 0 ... order.
   void collectOwn() {
-    const int lag0 = crossStatistic(plan_.order, 0, 0);
     for (int l = 0; l < kWidth; ++l) {
       for (int n = 0; n < plan_.nrOfIntervals; ++n) {
         const float* row = writeRow(l, n);
-        work_.segments[n] = {row, {row}, plan_.intervals[n].paddedLength};
+        placeOf(l, n) = {row, {row}, plan_.intervals[n].paddedLength};
       }
-      sumOwnLags<S>({work_.segments, plan_.nrOfIntervals}, plan_.order, partialsOf(l));
+      own_.run(rowsOf(l), plan_.order, partialsOf(l));
     }
+    const int lag0 = crossStatistic(plan_.order, 0, 0);
     sumPartials(lag0, lag0 + plan_.order + 1, layout_.own);
   }
 
-  void sumCrossPass(int reference, int l, int first, int count) {
-    for (int n = 0; n < plan_.nrOfIntervals; ++n) {
-      LagRows& rows = work_.segments[n];
-      rows.voxel = group_.rowOf(l, plan_.intervals[n]);
-      rows.paddedLength = plan_.intervals[n].paddedLength;
-      for (int row = 0; row < count; ++row) {
-        rows.references[row] = courseOf(reference, l, n, first + row);
-        if (plan_.draws == 1 && first + row != kTruth) prefetchNext(reference, l, n, first + row);
-      }
-    }
-    sumCrossLags<S>({work_.segments, plan_.nrOfIntervals}, count, plan_.order, partialsOf(l));
+  [[nodiscard]] LagRows& placeOf(int l, int interval) const {
+    return work_.segments[l * plan_.nrOfIntervals + interval];
   }
+  [[nodiscard]] LagRowsList rowsOf(int l) const { return {&placeOf(l, 0), plan_.nrOfIntervals}; }
 
-  const float* courseOf(int reference, int l, int interval, int draw) const {
-    return group_.courseOf(reference, interval, group_.drawnRow(reference, l, interval, draw));
+  // Where one interval's rows of all lanes are: the voxels' and those of `count` draws.
+  void placeRows(int reference, int n, int first, int count) {
+    const IntervalView& interval = plan_.intervals[n];
+    const ReferenceRows& rows = group_.rowsOf(reference, n);
+    for (int l = 0; l < kWidth; ++l) {
+      placeOf(l, n).voxel = group_.rowOf(l, interval);
+      placeOf(l, n).paddedLength = interval.paddedLength;
+    }
+    for (int row = 0; row < count; ++row) {
+      if (first + row == kTruth) {
+        for (int l = 0; l < kWidth; ++l) placeOf(l, n).references[row] = rows.reference;
+        continue;
+      }
+      const std::uint32_t* const drawn = group_.drawnRows(reference, n, first + row);
+      for (int l = 0; l < kWidth; ++l)
+        placeOf(l, n).references[row] = rows.surrogates + static_cast<std::size_t>(drawn[l]) *
+                                                              static_cast<std::size_t>(interval.paddedLength);
+    }
   }
 
   // Rows are drawn at random, so the processor cannot guess the next lane's. With several draws they
   // come up so often that they stay in its cache.
-  void prefetchNext(int reference, int l, int interval, int draw) const {
-    if (l + 1 == kWidth) return;
-    const float* row = courseOf(reference, l + 1, interval, draw);
-    for (int t = 0; t < plan_.intervals[interval].paddedLength; t += 16) __builtin_prefetch(row + t);
+  void prefetchRows(int l, int count) const {
+    if (l == kWidth) return;
+    for (int n = 0; n < plan_.nrOfIntervals; ++n) {
+      const LagRows& rows = placeOf(l, n);
+      const float* const last = rows.references[count - 1];
+      for (int t = 0; t < rows.paddedLength; t += 16) __builtin_prefetch(last + t);
+    }
   }
 
-  // Own sums are added up over intervals, tails stand beside each other.
-  void addTable(const float* table, int interval, int variable, int l) const {
-    const int p = plan_.order;
-    float* own = group_.lane(variable) + l;
-    if (interval == 0) {
-      for (int i = 0; i <= p; ++i) own[i * kWidth] = table[i];
-    } else {
-      for (int i = 0; i <= p; ++i) own[i * kWidth] += table[i];
+  // One table per lane: own sums are added up over intervals, tails stand beside each other.
+  void addTables(const float* const* tables, int interval, int variable) const {
+    const int p = plan_.order, size = 2 * p + 1;
+    for (int first = 0; first < size; first += kTableAlign) {
+      typename S::Floats values[extent(kTableAlign)];
+      S::loadQuads(tables, first, values);
+      for (int i = first; i < first + kTableAlign && i < size; ++i) {
+        float* const lanes = group_.lane(variable + (i <= p ? i : i + interval * p));
+        const bool isSum = i <= p && interval > 0;
+        S::store(lanes, isSum ? S::load(lanes) + values[i - first] : values[i - first]);
+      }
     }
-    float* tails = group_.lane(variable + p + 1 + interval * p) + l;
-    for (int i = 0; i < p; ++i) tails[i * kWidth] = table[p + 1 + i];
   }
 
   [[nodiscard]] float* partialsOf(int l) const {
@@ -178,10 +203,11 @@ class Collector {
       S::store(group_.lane(variable + s - first), S::sumRows(partialsOfStatistic(s)));
   }
 
-  const Group<S>& group_;
-  const PlanView& plan_;
+  const Group<S, Plan>& group_;
+  const Plan& plan_;
   const WorkView& work_;
   const LaneLayout& layout_;
+  LagLoops<S> all_, own_, cross_[extent(kMaxRows)];
   TrendNotes<S> notes_{};
 };
 

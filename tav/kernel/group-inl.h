@@ -17,11 +17,23 @@ namespace {
 // The true reference, where a draw is asked for.
 inline constexpr int kTruth = -1;
 
-template <class S>
+// A plan whose order the compiler knows, so that the many short loops over it vanish; of kOrder 0, any
+// plan.
+template <int kOrder>
+struct PlanOf : PlanView {
+  explicit PlanOf(const PlanView& plan) : PlanView(plan) {}
+  static constexpr int order = kOrder;
+};
+template <>
+struct PlanOf<0> : PlanView {
+  explicit PlanOf(const PlanView& plan) : PlanView(plan) {}
+};
+
+template <class S, class Plan>
 struct Group {
   static constexpr int kWidth = S::kWidth;
 
-  Group(const PlanView& planView, const BatchView& batchView, const WorkView& workView)
+  Group(const Plan& planView, const BatchView& batchView, const WorkView& workView)
       : plan(planView),
         batch(batchView),
         work(workView),
@@ -55,21 +67,10 @@ struct Group {
   [[nodiscard]] const ReferenceRows& rowsOf(int reference, int interval) const {
     return plan.rows[static_cast<std::ptrdiff_t>(reference) * plan.nrOfIntervals + interval];
   }
-  // Row of a draw among the interval's surrogates, or kTruth.
-  [[nodiscard]] std::ptrdiff_t drawnRow(int reference, int l, int interval, int draw) const {
-    if (draw == kTruth) return kTruth;
-    const std::size_t cell =
-        voxelOf(l) * static_cast<std::size_t>(plan.nrOfIntervals) + static_cast<std::size_t>(interval);
-    return batch.references[reference]
-        .surrogates[cell * static_cast<std::size_t>(plan.draws) + static_cast<std::size_t>(draw)];
-  }
-  [[nodiscard]] const float* courseOf(int reference, int interval, std::ptrdiff_t row) const {
-    const ReferenceRows& rows = rowsOf(reference, interval);
-    return row == kTruth ? rows.reference : rows.surrogates + row * plan.intervals[interval].paddedLength;
-  }
-  [[nodiscard]] const float* tableOf(int reference, int interval, std::ptrdiff_t row) const {
-    return rowsOf(reference, interval).tables +
-           row * static_cast<std::ptrdiff_t>(plan.intervals[interval].tableStride);
+  // A draw's rows of the interval's surrogates, one per lane.
+  [[nodiscard]] const std::uint32_t* drawnRows(int reference, int interval, int draw) const {
+    const ReferenceBatch& of = batch.references[reference];
+    return of.surrogates + static_cast<std::size_t>(interval * plan.draws + draw) * of.stride + first;
   }
 
   // Calls `use` with the interval's first value of lane l's course, in the type of the data.
@@ -85,7 +86,7 @@ struct Group {
     }
   }
 
-  const PlanView& plan;
+  const Plan& plan;
   const BatchView& batch;
   const WorkView& work;
   LaneLayout layout;

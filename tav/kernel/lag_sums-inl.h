@@ -30,6 +30,16 @@ constexpr int ownStatistic(int order, int lag) {
   return 2 * (2 * order + 1) + lag;
 }
 
+// CountsTo<n>::Type is Counts<0, 1, ... n - 1>.
+template <int... kCounts>
+struct Counts {};
+template <int kN, int... kCounts>
+struct CountsTo : CountsTo<kN - 1, kN - 1, kCounts...> {};
+template <int... kCounts>
+struct CountsTo<0, kCounts...> {
+  using Type = Counts<kCounts...>;
+};
+
 // The rows of all intervals that are summed together.
 struct LagRowsList {
   const LagRows* intervals;
@@ -51,14 +61,7 @@ struct LagProducts {
   static constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
   using Floats = typename S::Floats;
 
-  Floats cross[extent(kRows)][extent(kShifts)], own[extent(kOwn + 1)];
-
-  void clear() {
-    for (auto& row : cross) {
-      for (auto& sum : row) sum = S::zero();
-    }
-    for (auto& sum : own) sum = S::zero();
-  }
+  Floats cross[extent(kRows)][extent(kShifts)] = {}, own[extent(kOwn + 1)] = {};
 
   [[gnu::always_inline]] void add(const LagRows& rows, int first, int start, int end) {
     const float* shifted = rows.voxel - first;
@@ -90,48 +93,56 @@ struct LagProducts {
     if constexpr (kShift + 1 < kShifts) addShifts<kShift + 1>(left, self, shifted, here, before);
   }
 
-  // Calls `use` with each sum and its place.
-  template <class Use>
-  [[gnu::always_inline]] void forEach(float* partials, int order, int first, Use use) const {
-    for (int r = 0; r < kRows; ++r) {
-      for (int j = 0; j < kShifts; ++j)
-        use(partials + kStep * crossStatistic(order, r, first + j), cross[r][j]);
+  // Puts the sums, or adds them, to the statistics of a voxel, at whose lane `partials` points.
+  template <bool kAdds>
+  [[gnu::always_inline]] void putTo(float* partials, int order, int first) const {
+    float* const atCross = partials + kStep * crossStatistic(order, 0, first);
+    const std::ptrdiff_t rowStep = kStep * (2 * order + 1);
+    putAll<kAdds>(cross[0], atCross, rowStep, typename CountsTo<kRows * kShifts>::Type());
+    if constexpr (kOwn > 0) {
+      float* const atOwn = partials + kStep * ownStatistic(order, first + kOwnFrom);
+      putAll<kAdds>(own, atOwn, 0, typename CountsTo<kOwn>::Type());
     }
-    for (int j = kOwnFrom; j < kShifts; ++j)
-      use(partials + kStep * ownStatistic(order, first + j), own[j - kOwnFrom]);
   }
 
-  void putTo(float* partials, int order, int first, bool isFirst) const {
-    if (isFirst) {
-      forEach(partials, order, first, [](float* place, Floats v) { S::store(place, v); });
-    } else {
-      forEach(partials, order, first, [](float* place, Floats v) { S::store(place, S::load(place) + v); });
-    }
+  // By constant indices, without which the compiler keeps the sums in memory.
+  template <bool kAdds, int... i>
+  [[gnu::always_inline]] static void putAll(const Floats* sums, float* place, std::ptrdiff_t rowStep,
+                                            Counts<i...>) {
+    (put<kAdds>(place + i / kShifts * rowStep + i % kShifts * kStep, sums[i]), ...);
+  }
+
+  template <bool kAdds>
+  [[gnu::always_inline]] static void put(float* place, Floats sum) {
+    S::store(place, kAdds ? S::load(place) + sum : sum);
   }
 };
 
 // Sums them over all intervals into the voxel's lane, at which `partials` points.
 template <class S, int kRows, int kShifts, int kOwnFrom>
 [[gnu::noinline]] void sumLagProducts(const LagRowsList& rows, int order, int first, float* partials) {
-  LagProducts<S, kRows, kShifts, kOwnFrom> products;
-  products.clear();
+  using Products = LagProducts<S, kRows, kShifts, kOwnFrom>;
+  constexpr int kMost = kVectorsPerSum * S::kWidth;
+  Products products;
   bool isFirst = true;
   int vectors = 0;
   for (int i = 0; i < rows.count; ++i) {
     const LagRows& interval = rows.intervals[i];
-    for (int start = 0; start < interval.paddedLength; start += kVectorsPerSum * S::kWidth) {
+    for (int start = 0; start < interval.paddedLength; start += kMost) {
       if (vectors >= kVectorsPerSum) {
-        products.putTo(partials, order, first, isFirst);
-        products.clear();
+        isFirst ? products.template putTo<false>(partials, order, first)
+                : products.template putTo<true>(partials, order, first);
+        products = Products();
         isFirst = false;
         vectors = 0;
       }
-      const int left = interval.paddedLength - start, most = kVectorsPerSum * S::kWidth;
-      products.add(interval, first, start, start + (left < most ? left : most));
-      vectors += (left < most ? left : most) / S::kWidth;
+      const int left = interval.paddedLength - start, count = left < kMost ? left : kMost;
+      products.add(interval, first, start, start + count);
+      vectors += count / S::kWidth;
     }
   }
-  products.putTo(partials, order, first, isFirst);
+  isFirst ? products.template putTo<false>(partials, order, first)
+          : products.template putTo<true>(partials, order, first);
 }
 
 using LagFunction = void (*)(const LagRowsList&, int, int, float*);
@@ -152,69 +163,94 @@ LagFunction pick(int n) {
 
 template <class S, int kRows, bool kWithOwn, class List>
 struct Picker;
-template <int... kCounts>
-struct Counts {};
-template <int kN, int... kCounts>
-struct CountsTo : CountsTo<kN - 1, kN - 1, kCounts...> {};
-template <int... kCounts>
-struct CountsTo<0, kCounts...> {
-  using Type = Counts<kCounts...>;
-};
 template <class S, int kRows, bool kWithOwn, int... kCounts>
 struct Picker<S, kRows, kWithOwn, Counts<kCounts...>> {
   static LagFunction of(int n) { return pick<S, kRows, kWithOwn, kCounts...>(n); }
 };
 
-// Sums shifts first ... last in loops of at most kMost.
-template <class S, int kRows, bool kWithOwn, int kMost>
-void sumShifts(const LagRowsList& rows, int order, int first, int last, float* partials) {
-  using Loops = Picker<S, kRows, kWithOwn, typename CountsTo<kMost>::Type>;
-  const int loops = (last - first + kMost) / kMost;
-  for (int loop = loops; loop > 0; --loop) {
-    const int count = (last - first + 1) / loop;  // even shares
-    Loops::of(count)(rows, order, first, partials);
-    first += count;
+// The loops that together sum all statistics of a kind of pass, chosen once for many voxels.
+template <class S>
+class LagLoops {
+ public:
+  void add(LagFunction sum, int firstShift) { loops_[count_++] = {sum, firstShift}; }
+
+  // Shifts first ... last of kRows rows in loops of at most kMost shifts.
+  template <int kRows, bool kWithOwn, int kMost>
+  void addShifts(int first, int last) {
+    using Loops = Picker<S, kRows, kWithOwn, typename CountsTo<kMost>::Type>;
+    for (int loop = (last - first + kMost) / kMost; loop > 0; --loop) {
+      const int count = (last - first + 1) / loop;  // even shares
+      add(Loops::of(count), first);
+      first += count;
+    }
   }
-}
+
+  // Into the voxel's lane, at which `partials` points.
+  void run(const LagRowsList& rows, int order, float* partials) const {
+    for (int i = 0; i < count_; ++i) loops_[i].sum(rows, order, loops_[i].firstShift, partials);
+  }
+
+ private:
+  struct Loop {
+    LagFunction sum;
+    int firstShift;
+  };
+  // Cross sums of kMaxRows rows at all shifts, at least two in a loop.
+  static_assert(kShiftsOf<S, kMaxRows> >= 2);
+  static constexpr int kMost = kMaxOrder + 1;
+
+  Loop loops_[extent(kMost)];
+  int count_ = 0;
+};
 
 // All statistics of a voxel with two rows.
 template <class S>
-void sumAllLags(const LagRowsList& rows, int order, float* partials) {
-  if (order == 1) return sumLagProducts<S, 2, 3, 1>(rows, order, -1, partials);
+LagLoops<S> loopsForAll(int order) {
+  LagLoops<S> loops;
   if constexpr (S::kAccumulators >= 23) {
-    if (order == 2) return sumLagProducts<S, 2, 5, 2>(rows, order, -2, partials);
-    if (order == 3) return sumLagProducts<S, 2, 7, 3>(rows, order, -3, partials);
-    if (order == 4) return sumLagProducts<S, 2, 9, 4>(rows, order, -4, partials);
-    if (order == 5) return sumLagProducts<S, 2, 11, 5>(rows, order, -5, partials);
+    constexpr LagFunction kTogether[] = {&sumLagProducts<S, 2, 3, 1>, &sumLagProducts<S, 2, 5, 2>,
+                                         &sumLagProducts<S, 2, 7, 3>, &sumLagProducts<S, 2, 9, 4>,
+                                         &sumLagProducts<S, 2, 11, 5>};
+    if (order <= 5) {
+      loops.add(kTogether[order - 1], -order);
+      return loops;
+    }
   }
-  sumShifts<S, 2, false, kShiftsOf<S, 2>>(rows, order, -order, -1, partials);
-  sumShifts<S, 2, true, kShiftsWithOwn<S>>(rows, order, 0, order, partials);
+  if (order == 1) {
+    loops.add(&sumLagProducts<S, 2, 3, 1>, -1);
+    return loops;
+  }
+  loops.template addShifts<2, false, kShiftsOf<S, 2>>(-order, -1);
+  loops.template addShifts<2, true, kShiftsWithOwn<S>>(0, order);
+  return loops;
 }
 
 // Row 0 at shifts 0 ... order, where row 0 is the voxel's own.
 template <class S>
-void sumOwnLags(const LagRowsList& rows, int order, float* partials) {
-  sumShifts<S, 1, false, kShiftsOf<S, 1>>(rows, order, 0, order, partials);
-}
-
-template <class S, int kRows>
-void sumCrossLags(const LagRowsList& rows, int order, float* partials) {
-  sumShifts<S, kRows, false, kShiftsOf<S, kRows>>(rows, order, -order, order, partials);
+LagLoops<S> loopsForOwn(int order) {
+  LagLoops<S> loops;
+  loops.template addShifts<1, false, kShiftsOf<S, 1>>(0, order);
+  return loops;
 }
 
 // The cross statistics of the first `nrOfRows` rows, 1 ... kMaxRows.
 template <class S>
-void sumCrossLags(const LagRowsList& rows, int nrOfRows, int order, float* partials) {
+LagLoops<S> loopsForCross(int order, int nrOfRows) {
+  LagLoops<S> loops;
   switch (nrOfRows) {
     case 1:
-      return sumCrossLags<S, 1>(rows, order, partials);
+      loops.template addShifts<1, false, kShiftsOf<S, 1>>(-order, order);
+      break;
     case 2:
-      return sumCrossLags<S, 2>(rows, order, partials);
+      loops.template addShifts<2, false, kShiftsOf<S, 2>>(-order, order);
+      break;
     case 3:
-      return sumCrossLags<S, 3>(rows, order, partials);
+      loops.template addShifts<3, false, kShiftsOf<S, 3>>(-order, order);
+      break;
     default:
-      return sumCrossLags<S, 4>(rows, order, partials);
+      loops.template addShifts<4, false, kShiftsOf<S, 4>>(-order, order);
   }
+  return loops;
 }
 
 }  // namespace

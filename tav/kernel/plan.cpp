@@ -91,7 +91,7 @@ void Plan::addIntervals(const PlanSpec& spec) {
       view.paddedLength = roundedUp(interval.length, kRowAlign);
       view.rowOffset = view_.rowSize + kRowPad;
       view.scale = static_cast<float>(std::sqrt(longest / interval.length));
-      view.tableStride = static_cast<std::size_t>(2 * spec.order + 1);
+      view.tableStride = static_cast<std::size_t>(roundedUp(2 * spec.order + 1, kTableAlign));
       view_.rowSize += static_cast<std::size_t>(view.paddedLength + 2 * kRowPad);
       memory_.push_back(makeRamp(view));
       intervals_.push_back(view);
@@ -133,7 +133,7 @@ Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   rows_ = AlignedFloats(slots * plan.rowSize);
   partials_ = AlignedFloats(statistics * lanes * lanes);
   lanes_ = AlignedFloats(variables * lanes);
-  segments_.resize(static_cast<std::size_t>(plan.nrOfIntervals));
+  segments_.resize(lanes * static_cast<std::size_t>(plan.nrOfIntervals));
   view_ = {rows_.data(), partials_.data(), lanes_.data(), segments_.data()};
 }
 

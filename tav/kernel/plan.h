@@ -57,7 +57,7 @@ class AlignedFloats {
 // The tables of some references and one condition. What the spec points at is not needed after the
 // construction. Order 1 ... kMaxOrder, draws 1 ... kMaxDraws, 1 ... kMaxReferences references,
 // intervals longer than the order; other values throw std::invalid_argument.
-// Memory: 4 bytes x references x surrogates x (values of all intervals + 2 order + 1).
+// Memory: 4 bytes x references x surrogates x (values of all intervals + 2 order + 4).
 class Plan {
  public:
   Plan(const PlanSpec& spec, const Kernel& kernel);

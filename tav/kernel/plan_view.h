@@ -19,6 +19,8 @@ inline constexpr int kMaxReferences = 8;  // of one plan
 inline constexpr int kMaxLanes = 16;
 // Rows have a multiple of this many values; those behind the interval's end are 0.
 inline constexpr int kRowAlign = 16;
+// Tables have a multiple of this many values.
+inline constexpr int kTableAlign = 4;
 // Zeros before a voxel's row and behind it, so that a product at any lag up to the order reads
 // zeros beyond the interval's ends instead of branching.
 inline constexpr int kRowPad = 32;
@@ -34,15 +36,15 @@ enum class Element : std::uint8_t { kUint16, kFloat };
 
 // One interval of one course.
 struct IntervalView {
-  int set;                // index into a voxel's courses
-  int first;              // first value of the interval in the course, 0-based
-  int length;             // values, above the order
-  int paddedLength;       // rounded up to kRowAlign
-  std::size_t rowOffset;  // of this interval's zone in a voxel's row buffer
-  float scale;            // sqrt(longest length / length)
-  float rampSquares;      // sum of squares of ramp
-  const float* ramp;      // t / (length - 1) - 0.5, then zeros; paddedLength values
-  std::size_t tableStride;
+  int set;                  // index into a voxel's courses
+  int first;                // first value of the interval in the course, 0-based
+  int length;               // values, above the order
+  int paddedLength;         // rounded up to kRowAlign
+  std::size_t rowOffset;    // of this interval's zone in a voxel's row buffer
+  float scale;              // sqrt(longest length / length)
+  float rampSquares;        // sum of squares of ramp
+  const float* ramp;        // t / (length - 1) - 0.5, then zeros; paddedLength values
+  std::size_t tableStride;  // a multiple of kTableAlign
 };
 
 // One reference over one interval.
@@ -51,7 +53,7 @@ struct ReferenceRows {
   const float* reference;
   const float* surrogates;
   // Per surrogate tableStride values: order + 1 own lag sums at lags 0 ... order, then the `order`
-  // last values of its row, latest first. The reference has the same in front, as row -1.
+  // last values of its row, latest first, then zeros. The reference has the same in front, as row -1.
   const float* tables;
 };
 
@@ -76,16 +78,17 @@ enum class Verdict : std::uint8_t {
   kUnsure = 2       // too close to singular, or out of range: the reference has to decide
 };
 
-// Draws and results of one reference. Arrays of results hold nrOfVoxels rounded up to kMaxLanes.
-// Measures: 0 reference to voxel, 1 voxel to reference, 2 instantaneous. Nulls of draw k start at
-// k * nullStride.
+// Draws and results of one reference, one array element per voxel; arrays hold nrOfVoxels rounded up
+// to kMaxLanes, the draws behind nrOfVoxels being any that exist. What belongs to draw k starts at
+// k * stride, the draws of interval n at n * draws * stride.
+// Measures: 0 reference to voxel, 1 voxel to reference, 2 instantaneous.
 struct ReferenceBatch {
-  const std::uint32_t* surrogates;  // [voxel][interval][draw]: row of the interval's surrogates
+  const std::uint32_t* surrogates;  // rows of the interval's surrogates
   float* measures[3];
   Verdict* verdicts;
   float* nullMeasures[3];
   Verdict* nullVerdicts;
-  std::size_t nullStride;
+  std::size_t stride;
 };
 
 // `nrOfVoxels` voxels whose results go to consecutive elements.
@@ -120,7 +123,7 @@ struct WorkView {
   float* rows;        // detrended voxel rows; their padding is 0 and stays so
   float* partials;    // [statistic][lane][width]: lag sums before the sum over the width
   float* lanes;       // [variable][width]: everything that has one value per voxel, see layout.h
-  LagRows* segments;  // per interval
+  LagRows* segments;  // [lane][interval]
 };
 
 }  // namespace tav::kernel

@@ -37,10 +37,11 @@ float firstLane(typename S::Floats v) {
 
 // Fills one table from a row with zeros around it.
 template <class S>
-void tabulate(const IntervalView& interval, int order, const float* row, float* partials, float* table) {
+void tabulate(const IntervalView& interval, int order, const LagLoops<S>& own, const float* row,
+              float* partials, float* table) {
   constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
   const LagRows rows{row, {row}, interval.paddedLength};
-  sumOwnLags<S>({&rows, 1}, order, partials);
+  own.run({&rows, 1}, order, partials);
   for (int lag = 0; lag <= order; ++lag)
     table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];
@@ -68,6 +69,7 @@ inline bool isTrusted(const IntervalView& interval, const RowTrend& trend, const
 template <class S>
 void prepareRows(const IntervalView& interval, const RowsView& task, const WorkView& work) {
   float* row = work.rows + interval.rowOffset;
+  const LagLoops<S> own = loopsForOwn<S>(task.order);
   const auto length = static_cast<std::size_t>(interval.length),
              padded = static_cast<std::size_t>(interval.paddedLength);
   for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {
@@ -76,7 +78,7 @@ void prepareRows(const IntervalView& interval, const RowsView& task, const WorkV
     const RowTrend trend = rowTrend<S>(interval, row);
     writeResiduals<S>(interval, trend.mean, trend.slope, row, row);
     float* table = task.tables + r * interval.tableStride;
-    tabulate<S>(interval, task.order, row, work.partials, table);
+    tabulate<S>(interval, task.order, own, row, work.partials, table);
     if (!isTrusted(interval, trend, row, table[0])) table[0] = kUntrusted;
     float* copy = task.rows + r * padded;
     for (std::size_t t = 0; t < padded; t += S::kWidth) S::store(copy + t, S::load(row + t));

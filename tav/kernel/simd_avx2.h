@@ -62,12 +62,30 @@ struct Simd {
     return _mm256_srai_epi32(v, kBits);
   }
 
+  static void loadQuads(const float* const* rows, int first, Floats* out) {
+    Floats v[4];
+    for (int i = 0; i < 4; ++i) {
+      const __m128 upper = _mm_loadu_ps(rows[i + 4] + first);
+      v[i] = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(rows[i] + first)), upper, 1);
+    }
+    turn(v, out);
+  }
+
   static Floats sumRows(const float* rows) {
     const Floats a = half(rows), b = half(rows + 4 * kWidth);
     return _mm256_add_ps(_mm256_permute2f128_ps(a, b, 0x20), _mm256_permute2f128_ps(a, b, 0x31));
   }
 
  private:
+  // The 4 x 4 elements of each block of four lanes, rows into columns.
+  static void turn(const Floats* v, Floats* out) {
+    const Floats a = _mm256_unpacklo_ps(v[0], v[1]), b = _mm256_unpackhi_ps(v[0], v[1]);
+    const Floats c = _mm256_unpacklo_ps(v[2], v[3]), d = _mm256_unpackhi_ps(v[2], v[3]);
+    out[0] = _mm256_shuffle_ps(a, c, 0x44);
+    out[1] = _mm256_shuffle_ps(a, c, 0xEE);
+    out[2] = _mm256_shuffle_ps(b, d, 0x44);
+    out[3] = _mm256_shuffle_ps(b, d, 0xEE);
+  }
   static Mask mask(Floats v) { return static_cast<Mask>(_mm256_movemask_ps(v)); }
   static Ints firstLanes(int n) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(kLaneMasks + kWidth - n));

@@ -58,6 +58,17 @@ struct Simd {
     return _mm512_srai_epi32(v, kBits);
   }
 
+  static void loadQuads(const float* const* rows, int first, Floats* out) {
+    Floats v[4];
+    for (int i = 0; i < 4; ++i) {
+      v[i] = _mm512_castps128_ps512(_mm_loadu_ps(rows[i] + first));
+      v[i] = _mm512_insertf32x4(v[i], _mm_loadu_ps(rows[i + 4] + first), 1);
+      v[i] = _mm512_insertf32x4(v[i], _mm_loadu_ps(rows[i + 8] + first), 2);
+      v[i] = _mm512_insertf32x4(v[i], _mm_loadu_ps(rows[i + 12] + first), 3);
+    }
+    turn(v, out);
+  }
+
   static Floats sumRows(const float* rows) {
     const Floats a = quarter(rows), b = quarter(rows + 4 * kWidth);
     const Floats c = quarter(rows + 8 * kWidth), d = quarter(rows + 12 * kWidth);
@@ -66,6 +77,15 @@ struct Simd {
   }
 
  private:
+  // The 4 x 4 elements of each block of four lanes, rows into columns.
+  static void turn(const Floats* v, Floats* out) {
+    const Floats a = _mm512_unpacklo_ps(v[0], v[1]), b = _mm512_unpackhi_ps(v[0], v[1]);
+    const Floats c = _mm512_unpacklo_ps(v[2], v[3]), d = _mm512_unpackhi_ps(v[2], v[3]);
+    out[0] = _mm512_shuffle_ps(a, c, 0x44);
+    out[1] = _mm512_shuffle_ps(a, c, 0xEE);
+    out[2] = _mm512_shuffle_ps(b, d, 0x44);
+    out[3] = _mm512_shuffle_ps(b, d, 0xEE);
+  }
   static __mmask16 firstLanes(int n) { return static_cast<__mmask16>((1U << n) - 1U); }
   static Floats foldPair(Floats a, Floats b) {
     return _mm512_add_ps(_mm512_unpacklo_ps(a, b), _mm512_unpackhi_ps(a, b));

@@ -64,6 +64,12 @@ struct Simd {
     return _mm_srai_epi32(v, kBits);
   }
 
+  static void loadQuads(const float* const* rows, int first, Floats* out) {
+    Floats v[4];
+    for (int i = 0; i < 4; ++i) v[i] = loadAny(rows[i] + first);
+    turn(v, out);
+  }
+
   static Floats sumRows(const float* rows) {
     const Floats a = foldPair(load(rows), load(rows + kWidth));
     const Floats b = foldPair(load(rows + 2 * kWidth), load(rows + 3 * kWidth));
@@ -71,6 +77,15 @@ struct Simd {
   }
 
  private:
+  // The 4 x 4 elements of each block of four lanes, rows into columns.
+  static void turn(const Floats* v, Floats* out) {
+    const Floats a = _mm_unpacklo_ps(v[0], v[1]), b = _mm_unpackhi_ps(v[0], v[1]);
+    const Floats c = _mm_unpacklo_ps(v[2], v[3]), d = _mm_unpackhi_ps(v[2], v[3]);
+    out[0] = _mm_shuffle_ps(a, c, 0x44);
+    out[1] = _mm_shuffle_ps(a, c, 0xEE);
+    out[2] = _mm_shuffle_ps(b, d, 0x44);
+    out[3] = _mm_shuffle_ps(b, d, 0xEE);
+  }
   static Mask mask(Floats v) { return static_cast<Mask>(_mm_movemask_ps(v)); }
   static Ints firstLanes(int n) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(kLaneMasks + kWidth - n));

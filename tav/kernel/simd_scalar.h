@@ -10,6 +10,7 @@
 //   less, lessEqual    bit i: the comparison holds in lane i (never with NaN)
 //   sumRows(rows)      lane i: the sum of the kWidth values of row i of kWidth rows. Every lane
 //                      adds in the same order, so that a voxel's lane does not change its result.
+//   loadQuads(rows, first, out)  lane l of out[i], i = 0 ... 3: value first + i of row l
 //   kAccumulators      sums that a loop may carry without spilling
 //   kRegisters         vectors that the CPU holds
 #ifndef TAVMAP_TAV_KERNEL_SIMD_SCALAR_H
@@ -66,6 +67,10 @@ struct Simd {
   template <int kBits>
   static Ints shiftRight(Ints v) {
     return v >> kBits;
+  }
+
+  static void loadQuads(const float* const* rows, int first, Floats* out) {
+    for (int i = 0; i < 4; ++i) out[i] = rows[0][first + i];
   }
 
   static Floats sumRows(const float* rows) { return *rows; }

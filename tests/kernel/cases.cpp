@@ -106,6 +106,15 @@ tav::kernel::PlanSpec specOf(const Condition& condition, std::vector<std::vector
   return spec;
 }
 
+// From [voxel][cell] to [cell][voxel], `stride` values a cell.
+std::vector<std::uint32_t> drawnByCell(const Condition& condition, std::size_t stride) {
+  const std::size_t cells = condition.nrOfIntervals() * static_cast<std::size_t>(condition.draws);
+  std::vector<std::uint32_t> drawn(cells * stride);
+  for (std::size_t i = 0; i < condition.drawn.size(); ++i)
+    drawn[i % cells * stride + i / cells] = condition.drawn[i];
+  return drawn;
+}
+
 }  // namespace
 
 std::size_t Condition::nrOfIntervals() const {
@@ -143,9 +152,10 @@ Results run(const tav::kernel::Kernel& kernel, const Condition& condition, std::
   for (auto& plane : results.nulls) plane.resize(results.nullStride * draws);
   results.verdicts.resize(n + tav::kernel::kMaxLanes);
   results.nullVerdicts.resize(results.nullStride * draws);
+  const std::vector<std::uint32_t> drawn = drawnByCell(condition, results.nullStride);
   for (std::size_t first = 0; first < n; first += batchSize) {
     const tav::kernel::ReferenceBatch reference{
-        condition.drawn.data() + first * condition.nrOfIntervals() * draws,
+        drawn.data() + first,
         {results.measures[0].data() + first, results.measures[1].data() + first,
          results.measures[2].data() + first},
         results.verdicts.data() + first,

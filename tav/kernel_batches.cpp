@@ -68,11 +68,12 @@ kernel::ReferenceBatch KernelBatches::Reference::view() {
 }
 
 void KernelBatches::Reference::draw(std::size_t nrOfVoxels) {
-  simo::RandomStream& random = *job.random;
+  simo::RandomStream random = *job.random;  // its own, which nothing else can refer to, is faster
   for (std::size_t i = 0; i < nrOfVoxels; ++i) {
     for (std::size_t cell = 0; cell < drawsPerVoxel; ++cell)
       drawn[cell * kBatch + i] = rowOf(static_cast<std::uint32_t>(random.next()));
   }
+  *job.random = random;
 }
 
 std::vector<std::uint32_t> KernelBatches::Reference::drawnFor(std::size_t i) const {

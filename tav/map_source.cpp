@@ -55,8 +55,7 @@ void ComputedMap::forEachPiece(const std::function<void(Piece)>& use) const {
   for (const RawValues& raw : raw_) {
     for (std::size_t first = 0; first < raw.size; first += kChunk) {
       const std::size_t count = std::min(kChunk, raw.size - first);
-      computeMapValues(type_, part(raw, first, count), pars_, values.data());
-      use({values.data(), count});
+      use({unscaledMapValues(type_, part(raw, first, count), pars_, values.data()), count});
     }
   }
 }

@@ -20,9 +20,12 @@ class MapSource {
 
   virtual ~MapSource() = default;
   [[nodiscard]] virtual std::size_t size() const = 0;
-  // Calls `use` with all values in their order, piece after piece. A piece holds during its call.
+  // What every piece is to be multiplied by.
+  [[nodiscard]] virtual float scale() const { return 1.0F; }
+  // Calls `use` with all values in their order, piece after piece, before they are scaled. A piece holds
+  // during its call.
   virtual void forEachPiece(const std::function<void(Piece)>& use) const = 0;
-  // The values at 0, stride, 2 stride ...
+  // The values at 0, stride, 2 stride ..., scaled.
   [[nodiscard]] virtual std::vector<float> every(std::size_t stride) const = 0;
 };
 
@@ -45,6 +48,7 @@ class ComputedMap : public MapSource {
   ComputedMap(MapType type, const std::vector<RawValues>& raw, const TAV_Pars& pars)
       : type_(type), raw_(raw), pars_(pars) {}
   [[nodiscard]] std::size_t size() const override;
+  [[nodiscard]] float scale() const override { return mapScale(type_, pars_); }
   void forEachPiece(const std::function<void(Piece)>& use) const override;
   [[nodiscard]] std::vector<float> every(std::size_t stride) const override;
 

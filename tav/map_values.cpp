@@ -5,10 +5,6 @@
 namespace tav {
 namespace {
 
-void scaled(const float* measure, std::size_t size, float scale, float* out) {
-  for (std::size_t i = 0; i < size; ++i) out[i] = measure[i] * scale;
-}
-
 void difference(const RawValues& raw, float* out) {
   for (std::size_t i = 0; i < raw.size; ++i) out[i] = raw.measures[0][i] - raw.measures[1][i];
 }
@@ -28,19 +24,23 @@ void relativeToInstantaneous(const float* instantaneous, float upper, std::size_
 
 }  // namespace
 
-void computeMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars, float* out) {
+const float* unscaledMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars, float* buffer) {
+  if (type <= INST) return raw.measures[static_cast<std::size_t>(type)];
   const float* const instantaneous = raw.measures[2];
-  if (type <= INST) {
-    scaled(raw.measures[static_cast<std::size_t>(type)], raw.size, pars.mapScaleFactor, out);
-    return;
-  }
-  difference(raw, out);
-  if (type != DTAV) zeroWhereBelow(instantaneous, pars.instLowerThres, raw.size, out);
-  if (type == DTAV_RC) {
-    relativeToInstantaneous(instantaneous, pars.rcUpperThres, raw.size, out);
-  } else {
-    scaled(out, raw.size, pars.mapScaleFactor, out);
-  }
+  difference(raw, buffer);
+  if (type != DTAV) zeroWhereBelow(instantaneous, pars.instLowerThres, raw.size, buffer);
+  if (type == DTAV_RC) relativeToInstantaneous(instantaneous, pars.rcUpperThres, raw.size, buffer);
+  return buffer;
+}
+
+float mapScale(MapType type, const TAV_Pars& pars) {
+  return type == DTAV_RC ? 1.0F : pars.mapScaleFactor;
+}
+
+void computeMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars, float* out) {
+  const float* const unscaled = unscaledMapValues(type, raw, pars, out);
+  const float scale = mapScale(type, pars);
+  for (std::size_t i = 0; i < raw.size; ++i) out[i] = unscaled[i] * scale;
 }
 
 }  // namespace tav

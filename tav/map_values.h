@@ -26,6 +26,12 @@ struct RawValues {
 // Comparisons with a value that is not a number are false, so NaN stays NaN.
 void computeMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars, float* out);
 
+// The same in two parts: values without the scale factor, which stand in `raw` itself or in `buffer`,
+// and the factor (1 for DTAV_RC).
+[[nodiscard]] const float* unscaledMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars,
+                                             float* buffer);
+[[nodiscard]] float mapScale(MapType type, const TAV_Pars& pars);
+
 }  // namespace tav
 
 #endif

@@ -32,7 +32,7 @@ struct Tail {
 
 class TailSelector {
  public:
-  explicit TailSelector(float cut) : cut_(cut) {}
+  TailSelector(float scale, float cut) : scale_(scale), cut_(cut) {}
 
   void add(std::span<const float> piece) {
     for (; piece.size() > kStep; piece = piece.subspan(kStep)) take(piece.first(kStep));
@@ -51,14 +51,14 @@ class TailSelector {
   void take(std::span<const float> values) {
     if (tail_.magnitudes.size() < used_ + kStep) tail_.magnitudes.resize(2 * used_ + kStep);
     const kernel::TailCounts counts =
-        kernel_.selectTail(values.data(), values.size(), cut_, tail_.magnitudes.data() + used_);
+        kernel_.selectTail(values.data(), values.size(), scale_, cut_, tail_.magnitudes.data() + used_);
     used_ += counts.selected;
     tail_.nonZero += values.size() - counts.zeros;
     tail_.numbers += values.size() - counts.zeros - counts.nans;
   }
 
   const kernel::Kernel& kernel_ = kernel::bestKernel();
-  float cut_;
+  float scale_, cut_;
   Tail tail_;
   std::size_t used_ = 0;
 };
@@ -85,7 +85,7 @@ void sortDescending(std::vector<float>& magnitudes) {
 }
 
 Tail selectTail(const MapSource& map, float cut) {
-  TailSelector selector(cut);
+  TailSelector selector(map.scale(), cut);
   map.forEachPiece([&](MapSource::Piece piece) { selector.add(piece); });
   Tail tail = selector.finish();
   sortDescending(tail.magnitudes);

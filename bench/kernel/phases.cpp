@@ -1,5 +1,6 @@
 #include "bench/kernel/phases.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
@@ -151,6 +152,12 @@ double wholeRun(const Workload& workload, const std::string& file, fakes::FakeHo
 }
 
 }  // namespace
+
+void Phases::lower(const Phases& other) {
+  for (double Phases::*phase : {&Phases::surrogates, &Phases::prepare, &Phases::loop, &Phases::transfer,
+                                &Phases::thresholds, &Phases::whole})
+    this->*phase = std::min(this->*phase, other.*phase);
+}
 
 Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel,
                      int repetitions, int draws) {

@@ -18,6 +18,9 @@ struct Phases {
   double whole;       // Init to saved files
   int illDefined, surrogatesIllDefined;
   double checksum;  // sum of all measures, so that two paths can be compared at a glance
+
+  // Takes the lower of each phase.
+  void lower(const Phases& other);
 };
 
 // With the path that TAVMAP_KERNEL would name `kernel`, and `draws` surrogates per voxel.

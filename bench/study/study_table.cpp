@@ -29,7 +29,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kRepetitions = 5;
+constexpr int kRepetitions = 8;
 const bench::MadeRun kRun{"made", {80, 80, 35}, 156, formats::DataType::kInt16};
 const bench::MadeRun kLargeRun{"large", {91, 109, 91}, 400, formats::DataType::kFloat32};
 

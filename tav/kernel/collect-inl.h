@@ -28,16 +28,18 @@ struct TrendNotes {
 
 template <class S, class Plan>
 class Collector {
+  static constexpr int kOrder = Plan::kKnownOrder;
+
  public:
   explicit Collector(const Group<S, Plan>& group)
       : group_(group),
         plan_(group.plan),
         work_(group.work),
         layout_(group.layout),
-        all_(loopsForAll<S>(plan_.order)),
-        own_(loopsForOwn<S>(plan_.order)) {
-    for (int rows = 1; rows <= kMaxRows; ++rows) cross_[rows - 1] = loopsForCross<S>(plan_.order, rows);
-  }
+        all_(loopsForAll<S, kOrder>(plan_.order)),
+        own_(loopsForOwn<S, kOrder>(plan_.order)),
+        cross_{loopsForCross<S, kOrder, 1>(plan_.order), loopsForCross<S, kOrder, 2>(plan_.order),
+               loopsForCross<S, kOrder, 3>(plan_.order), loopsForCross<S, kOrder, 4>(plan_.order)} {}
 
   // Rows and own sums; with one reference also the cross sums of kTruth and draw 0, in rows 0 and 1.
   TrendNotes<S> collectVoxels() {
@@ -207,7 +209,7 @@ class Collector {
   const Plan& plan_;
   const WorkView& work_;
   const LaneLayout& layout_;
-  LagLoops<S> all_, own_, cross_[extent(kMaxRows)];
+  LagLoops<S, kOrder> all_, own_, cross_[extent(kMaxRows)];
   TrendNotes<S> notes_{};
 };
 

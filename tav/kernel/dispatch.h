@@ -18,9 +18,9 @@ struct Kernel {
   bool (*isSupported)();
   void (*compute)(const PlanView&, const BatchView&, const WorkView&);
   void (*prepare)(const IntervalView&, const RowsView&, const WorkView&);
-  // Writes the magnitudes among `count` values that are at least `cut`, above 0, to `tail`, which has
-  // room for all; the same for every kernel.
-  TailCounts (*selectTail)(const float* values, std::size_t count, float cut, float* tail);
+  // Writes the magnitudes among `count` values times `scale` that are at least `cut`, above 0, to
+  // `tail`, which has room for all; the same for every kernel.
+  TailCounts (*selectTail)(const float* values, std::size_t count, float scale, float cut, float* tail);
 };
 
 // All kernels of this build, the fastest first. The last runs everywhere.

@@ -18,10 +18,10 @@ void prepareBaseline(const IntervalView& interval, const RowsView& rows, const W
 void prepareAvx2(const IntervalView& interval, const RowsView& rows, const WorkView& work);
 void prepareAvx512(const IntervalView& interval, const RowsView& rows, const WorkView& work);
 
-TailCounts selectTailScalar(const float* values, std::size_t count, float cut, float* tail);
-TailCounts selectTailBaseline(const float* values, std::size_t count, float cut, float* tail);
-TailCounts selectTailAvx2(const float* values, std::size_t count, float cut, float* tail);
-TailCounts selectTailAvx512(const float* values, std::size_t count, float cut, float* tail);
+TailCounts selectTailScalar(const float* values, std::size_t count, float scale, float cut, float* tail);
+TailCounts selectTailBaseline(const float* values, std::size_t count, float scale, float cut, float* tail);
+TailCounts selectTailAvx2(const float* values, std::size_t count, float scale, float cut, float* tail);
+TailCounts selectTailAvx512(const float* values, std::size_t count, float scale, float cut, float* tail);
 
 }  // namespace tav::kernel
 

@@ -22,11 +22,12 @@ inline constexpr int kTruth = -1;
 template <int kOrder>
 struct PlanOf : PlanView {
   explicit PlanOf(const PlanView& plan) : PlanView(plan) {}
-  static constexpr int order = kOrder;
+  static constexpr int kKnownOrder = kOrder, order = kOrder;
 };
 template <>
 struct PlanOf<0> : PlanView {
   explicit PlanOf(const PlanView& plan) : PlanView(plan) {}
+  static constexpr int kKnownOrder = 0;
 };
 
 template <class S, class Plan>

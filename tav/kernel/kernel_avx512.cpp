@@ -15,8 +15,8 @@ void prepareAvx512(const IntervalView& interval, const RowsView& rows, const Wor
   prepareRows<Simd>(interval, rows, work);
 }
 
-TailCounts selectTailAvx512(const float* values, std::size_t count, float cut, float* tail) {
-  return selectTail<Simd>(values, count, cut, tail);
+TailCounts selectTailAvx512(const float* values, std::size_t count, float scale, float cut, float* tail) {
+  return selectTail<Simd>(values, count, scale, cut, tail);
 }
 
 }  // namespace tav::kernel

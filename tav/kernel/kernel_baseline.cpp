@@ -15,8 +15,8 @@ void prepareBaseline(const IntervalView& interval, const RowsView& rows, const W
   prepareRows<Simd>(interval, rows, work);
 }
 
-TailCounts selectTailBaseline(const float* values, std::size_t count, float cut, float* tail) {
-  return selectTail<Simd>(values, count, cut, tail);
+TailCounts selectTailBaseline(const float* values, std::size_t count, float scale, float cut, float* tail) {
+  return selectTail<Simd>(values, count, scale, cut, tail);
 }
 
 }  // namespace tav::kernel

@@ -118,12 +118,18 @@ struct LagProducts {
   }
 };
 
-// Sums them over all intervals into the voxel's lane, at which `partials` points.
-template <class S, int kRows, int kShifts, int kOwnFrom>
-[[gnu::noinline]] void sumLagProducts(const LagRowsList& rows, int order, int first, float* partials) {
+// Sums them over all intervals into the voxel's lane, at which `partials` points. kOrder: the order,
+// when the compiler knows it, or 0.
+template <class S, int kRows, int kShifts, int kOwnFrom, int kOrder>
+[[gnu::noinline]] void sumLagProducts(const LagRowsList& rows, int anyOrder, int first, float* partials) {
   using Products = LagProducts<S, kRows, kShifts, kOwnFrom>;
   constexpr int kMost = kVectorsPerSum * S::kWidth;
+  const int order = kOrder > 0 ? kOrder : anyOrder;
   Products products;
+  if (rows.count == 1 && rows.intervals->paddedLength <= kMost) {
+    products.add(*rows.intervals, first, 0, rows.intervals->paddedLength);
+    return products.template putTo<false>(partials, order, first);
+  }
   bool isFirst = true;
   int vectors = 0;
   for (int i = 0; i < rows.count; ++i) {
@@ -154,33 +160,39 @@ template <class S, int kRows>
 inline constexpr int kShiftsOf = S::kAccumulators / kRows < 12 ? S::kAccumulators / kRows : 12;
 
 // table[n - 1]: n shifts, all with own products or none.
-template <class S, int kRows, bool kWithOwn, int... kCounts>
+template <class S, int kOrder, int kRows, bool kWithOwn, int... kCounts>
 LagFunction pick(int n) {
-  static constexpr LagFunction table[] = {&sumLagProducts < S, kRows, kCounts + 1,
-                                          kWithOwn ? 0 : kCounts + 1 > ...};
+  static constexpr LagFunction table[] = {&sumLagProducts < S, kRows, kCounts + 1, kWithOwn ? 0 : kCounts + 1,
+                                          kOrder > ...};
   return table[n - 1];
 }
 
-template <class S, int kRows, bool kWithOwn, class List>
+template <class S, int kOrder, int kRows, bool kWithOwn, class List>
 struct Picker;
-template <class S, int kRows, bool kWithOwn, int... kCounts>
-struct Picker<S, kRows, kWithOwn, Counts<kCounts...>> {
-  static LagFunction of(int n) { return pick<S, kRows, kWithOwn, kCounts...>(n); }
+template <class S, int kOrder, int kRows, bool kWithOwn, int... kCounts>
+struct Picker<S, kOrder, kRows, kWithOwn, Counts<kCounts...>> {
+  static LagFunction of(int n) { return pick<S, kOrder, kRows, kWithOwn, kCounts...>(n); }
 };
 
-// The loops that together sum all statistics of a kind of pass, chosen once for many voxels.
-template <class S>
+// The loops that together sum all statistics of a kind of pass, chosen once for many voxels. kOrder as
+// in sumLagProducts.
+template <class S, int kOrder>
 class LagLoops {
  public:
-  void add(LagFunction sum, int firstShift) { loops_[count_++] = {sum, firstShift}; }
+  template <int kRows, int kShifts, int kOwnFrom>
+  void add(int firstShift) {
+    loops_[count_++] = {&sumLagProducts<S, kRows, kShifts, kOwnFrom, kOrder>, firstShift};
+  }
 
-  // Shifts first ... last of kRows rows in loops of at most kMost shifts.
+  // Shifts first ... last of kRows rows, with their own products if there are any, in loops of at most
+  // kMost shifts.
   template <int kRows, bool kWithOwn, int kMost>
   void addShifts(int first, int last) {
-    using Loops = Picker<S, kRows, kWithOwn, typename CountsTo<kMost>::Type>;
+    constexpr int kAll = 2 * kOrder + 1;
+    using Counted = typename CountsTo<(kOrder > 0 && kAll < kMost ? kAll : kMost)>::Type;
     for (int loop = (last - first + kMost) / kMost; loop > 0; --loop) {
       const int count = (last - first + 1) / loop;  // even shares
-      add(Loops::of(count), first);
+      loops_[count_++] = {Picker<S, kOrder, kRows, kWithOwn, Counted>::of(count), first};
       first += count;
     }
   }
@@ -197,28 +209,25 @@ class LagLoops {
   };
   // Cross sums of kMaxRows rows at all shifts, at least two in a loop.
   static_assert(kShiftsOf<S, kMaxRows> >= 2);
-  static constexpr int kMost = kMaxOrder + 1;
+  static constexpr int kMostLoops = kMaxOrder + 1;
 
-  Loop loops_[extent(kMost)];
+  Loop loops_[extent(kMostLoops)];
   int count_ = 0;
 };
 
 // All statistics of a voxel with two rows.
-template <class S>
-LagLoops<S> loopsForAll(int order) {
-  LagLoops<S> loops;
-  if constexpr (S::kAccumulators >= 23) {
-    constexpr LagFunction kTogether[] = {&sumLagProducts<S, 2, 3, 1>, &sumLagProducts<S, 2, 5, 2>,
-                                         &sumLagProducts<S, 2, 7, 3>, &sumLagProducts<S, 2, 9, 4>,
-                                         &sumLagProducts<S, 2, 11, 5>};
-    if (order <= 5) {
-      loops.add(kTogether[order - 1], -order);
-      return loops;
-    }
-  }
-  if (order == 1) {
-    loops.add(&sumLagProducts<S, 2, 3, 1>, -1);
+template <class S, int kOrder>
+LagLoops<S, kOrder> loopsForAll(int order) {
+  LagLoops<S, kOrder> loops;
+  if constexpr (kOrder == 1) {
+    loops.template add<2, 3, 1>(-1);
     return loops;
+  } else if constexpr (S::kAccumulators >= 23) {
+    if (order == 2) loops.template add<2, 5, 2>(-2);
+    if (order == 3) loops.template add<2, 7, 3>(-3);
+    if (order == 4) loops.template add<2, 9, 4>(-4);
+    if (order == 5) loops.template add<2, 11, 5>(-5);
+    if (order >= 2 && order <= 5) return loops;
   }
   loops.template addShifts<2, false, kShiftsOf<S, 2>>(-order, -1);
   loops.template addShifts<2, true, kShiftsWithOwn<S>>(0, order);
@@ -226,30 +235,18 @@ LagLoops<S> loopsForAll(int order) {
 }
 
 // Row 0 at shifts 0 ... order, where row 0 is the voxel's own.
-template <class S>
-LagLoops<S> loopsForOwn(int order) {
-  LagLoops<S> loops;
+template <class S, int kOrder>
+LagLoops<S, kOrder> loopsForOwn(int order) {
+  LagLoops<S, kOrder> loops;
   loops.template addShifts<1, false, kShiftsOf<S, 1>>(0, order);
   return loops;
 }
 
-// The cross statistics of the first `nrOfRows` rows, 1 ... kMaxRows.
-template <class S>
-LagLoops<S> loopsForCross(int order, int nrOfRows) {
-  LagLoops<S> loops;
-  switch (nrOfRows) {
-    case 1:
-      loops.template addShifts<1, false, kShiftsOf<S, 1>>(-order, order);
-      break;
-    case 2:
-      loops.template addShifts<2, false, kShiftsOf<S, 2>>(-order, order);
-      break;
-    case 3:
-      loops.template addShifts<3, false, kShiftsOf<S, 3>>(-order, order);
-      break;
-    default:
-      loops.template addShifts<4, false, kShiftsOf<S, 4>>(-order, order);
-  }
+// The cross statistics of the first kRows rows.
+template <class S, int kOrder, int kRows>
+LagLoops<S, kOrder> loopsForCross(int order) {
+  LagLoops<S, kOrder> loops;
+  loops.template addShifts<kRows, false, kShiftsOf<S, kRows>>(-order, order);
   return loops;
 }
 

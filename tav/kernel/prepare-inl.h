@@ -37,7 +37,7 @@ float firstLane(typename S::Floats v) {
 
 // Fills one table from a row with zeros around it.
 template <class S>
-void tabulate(const IntervalView& interval, int order, const LagLoops<S>& own, const float* row,
+void tabulate(const IntervalView& interval, int order, const LagLoops<S, 0>& own, const float* row,
               float* partials, float* table) {
   constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
   const LagRows rows{row, {row}, interval.paddedLength};
@@ -69,7 +69,7 @@ inline bool isTrusted(const IntervalView& interval, const RowTrend& trend, const
 template <class S>
 void prepareRows(const IntervalView& interval, const RowsView& task, const WorkView& work) {
   float* row = work.rows + interval.rowOffset;
-  const LagLoops<S> own = loopsForOwn<S>(task.order);
+  const LagLoops<S, 0> own = loopsForOwn<S, 0>(task.order);
   const auto length = static_cast<std::size_t>(interval.length),
              padded = static_cast<std::size_t>(interval.paddedLength);
   for (std::size_t r = 0; r < static_cast<std::size_t>(task.nrOfRows); ++r) {

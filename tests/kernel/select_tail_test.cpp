@@ -20,9 +20,10 @@ struct Selection {
   bool operator==(const Selection&) const = default;
 };
 
-Selection expected(const std::vector<float>& values, float cut) {
+Selection expected(const std::vector<float>& values, float scale, float cut) {
   Selection selection;
-  for (const float value : values) {
+  for (const float unscaled : values) {
+    const float value = unscaled * scale;
     if (value == 0.0F) ++selection.zeros;
     if (std::isnan(value)) ++selection.nans;
     if (std::fabs(value) >= cut) selection.magnitudes.push_back(std::fabs(value));
@@ -32,10 +33,12 @@ Selection expected(const std::vector<float>& values, float cut) {
 
 using SelectTail = EveryKernel;
 
-Selection selectedBy(const tav::kernel::Kernel& kernel, const std::vector<float>& values, float cut) {
+Selection selectedBy(const tav::kernel::Kernel& kernel, const std::vector<float>& values, float scale,
+                     float cut) {
   // Exactly as large as it must be: the sanitizers see a write behind it.
   Selection selection{std::vector<float>(values.size()), 0, 0};
-  const auto counts = kernel.selectTail(values.data(), values.size(), cut, selection.magnitudes.data());
+  const auto counts =
+      kernel.selectTail(values.data(), values.size(), scale, cut, selection.magnitudes.data());
   selection.magnitudes.resize(counts.selected);
   selection.zeros = counts.zeros;
   selection.nans = counts.nans;
@@ -45,9 +48,11 @@ Selection selectedBy(const tav::kernel::Kernel& kernel, const std::vector<float>
 TEST_P(SelectTail, TakesMagnitudesFromTheCutOn) {
   const std::vector<float> values = {0.0F, -0.0F,     1.0F,      -2.0F, kNan,       2.0F,
                                      1.9F, kInfinity, kDenormal, -kNan, -kInfinity, -1.0F};
-  EXPECT_EQ(selectedBy(kernel(), values, 2.0F), expected(values, 2.0F));
-  EXPECT_EQ(selectedBy(kernel(), values, kDenormal), expected(values, kDenormal));
-  EXPECT_EQ(selectedBy(kernel(), values, kInfinity), expected(values, kInfinity));
+  for (const float scale : {1.0F, 100.0F, 0.3F, -2.0F, 1e-3F}) {
+    for (const float cut : {2.0F, 190.0F, kDenormal, kInfinity})
+      EXPECT_EQ(selectedBy(kernel(), values, scale, cut), expected(values, scale, cut))
+          << scale << ' ' << cut;
+  }
 }
 
 TEST_P(SelectTail, AgreesForEveryLength) {
@@ -60,7 +65,8 @@ TEST_P(SelectTail, AgreesForEveryLength) {
       const int k = kind(random);
       value = k == 0 ? 0.0F : k == 1 ? kNan : k == 2 ? kInfinity : normal(random);
     }
-    EXPECT_EQ(selectedBy(kernel(), values, 1.5F), expected(values, 1.5F)) << size << " values";
+    EXPECT_EQ(selectedBy(kernel(), values, 10.0F, 15.0F), expected(values, 10.0F, 15.0F))
+        << size << " values";
   }
 }
 

@@ -33,10 +33,10 @@ struct SingleFit {
   typename S::Floats error{};
 };
 
-template <class S, class Plan>
+template <class S, class View>
 class GroupKernel {
  public:
-  GroupKernel(const Plan& plan, const BatchView& batch, const WorkView& work)
+  GroupKernel(const View& plan, const BatchView& batch, const WorkView& work)
       : plan_(plan), batch_(batch), group_(plan, batch, work), layout_(group_.layout), collector_(group_) {
     linkFactor();
     for (int r = 0; r < plan.nrOfReferences; ++r) fitReference(r);
@@ -180,11 +180,11 @@ class GroupKernel {
     }
   }
 
-  const Plan& plan_;
+  const View& plan_;
   const BatchView& batch_;
-  Group<S, Plan> group_;
+  Group<S, View> group_;
   const LaneLayout& layout_;
-  Collector<S, Plan> collector_;
+  Collector<S, View> collector_;
   Factor factor_;
   SingleFit<S> truth_[extent(kMaxReferences)];  // the references alone
   SingleFit<S> voxels_;                         // the group's voxels alone
@@ -193,8 +193,8 @@ class GroupKernel {
 template <class S, int kOrder>
 [[gnu::always_inline]] inline void computeGroups(const PlanView& plan, const BatchView& batch,
                                                  const WorkView& work) {
-  const PlanOf<kOrder> ordered(plan);
-  GroupKernel<S, PlanOf<kOrder>> kernel(ordered, batch, work);
+  const OrderedPlan<kOrder> ordered(plan);
+  GroupKernel<S, OrderedPlan<kOrder>> kernel(ordered, batch, work);
   for (std::size_t first = 0; first < batch.nrOfVoxels; first += S::kWidth) kernel.compute(first);
 }
 

@@ -26,12 +26,12 @@ struct TrendNotes {
   typename S::Mask sloped;   // lanes with a slope in any interval
 };
 
-template <class S, class Plan>
+template <class S, class View>
 class Collector {
-  static constexpr int kOrder = Plan::kKnownOrder;
+  static constexpr int kOrder = View::kKnownOrder;
 
  public:
-  explicit Collector(const Group<S, Plan>& group)
+  explicit Collector(const Group<S, View>& group)
       : group_(group),
         plan_(group.plan),
         work_(group.work),
@@ -58,7 +58,7 @@ class Collector {
     for (int n = 0; n < plan_.nrOfIntervals; ++n) placeRows(reference, n, first, count);
     for (int l = 0; l < kWidth; ++l) {
       if (plan_.draws == 1) prefetchRows(l + 1, count);
-      cross_[count - 1].run(rowsOf(l), plan_.order, partialsOf(l));
+      cross_[count - 1].run(placesOf(l), plan_.order, partialsOf(l));
     }
     sumPartials(0, count * (2 * plan_.order + 1), layout_.cross);
   }
@@ -123,7 +123,7 @@ class Collector {
     for (int l = 0; l < kWidth; ++l) {
       prefetchRows(l + 1, 2);
       if (l + 1 < kWidth) writeRows(l + 1);
-      all_.run(rowsOf(l), plan_.order, partialsOf(l));
+      all_.run(placesOf(l), plan_.order, partialsOf(l));
     }
     const int statistics = nrOfStatistics(plan_.order), own = ownStatistic(plan_.order, 0);
     sumPartials(0, own, layout_.cross);
@@ -137,7 +137,7 @@ class Collector {
         const float* row = writeRow(l, n);
         placeOf(l, n) = {row, {row}, plan_.intervals[n].paddedLength};
       }
-      own_.run(rowsOf(l), plan_.order, partialsOf(l));
+      own_.run(placesOf(l), plan_.order, partialsOf(l));
     }
     const int lag0 = crossStatistic(plan_.order, 0, 0);
     sumPartials(lag0, lag0 + plan_.order + 1, layout_.own);
@@ -146,7 +146,7 @@ class Collector {
   [[nodiscard]] LagRows& placeOf(int l, int interval) const {
     return work_.segments[l * plan_.nrOfIntervals + interval];
   }
-  [[nodiscard]] LagRowsList rowsOf(int l) const { return {&placeOf(l, 0), plan_.nrOfIntervals}; }
+  [[nodiscard]] LagRowsList placesOf(int l) const { return {&placeOf(l, 0), plan_.nrOfIntervals}; }
 
   // Where one interval's rows of all lanes are: the voxels' and those of `count` draws.
   void placeRows(int reference, int n, int first, int count) {
@@ -205,8 +205,8 @@ class Collector {
       S::store(group_.lane(variable + s - first), S::sumRows(partialsOfStatistic(s)));
   }
 
-  const Group<S, Plan>& group_;
-  const Plan& plan_;
+  const Group<S, View>& group_;
+  const View& plan_;
   const WorkView& work_;
   const LaneLayout& layout_;
   LagLoops<S, kOrder> all_, own_, cross_[extent(kMaxRows)];

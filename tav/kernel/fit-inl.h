@@ -189,8 +189,8 @@ typename S::Floats edge(const Series& a, int i, const Series& b, int j, int orde
 }
 
 // Moments of a series' lags among themselves into columns column ... of the rows.
-template <class S, class Plan>
-void fillOwnMoments(const Plan& plan, const Series& series, float* const* rows, int column) {
+template <class S, class View>
+void fillOwnMoments(const View& plan, const Series& series, float* const* rows, int column) {
   const int p = plan.order;
   for (int distance = 0; distance < p; ++distance) {
     auto moment = at<S>(series.own, distance);
@@ -203,8 +203,8 @@ void fillOwnMoments(const Plan& plan, const Series& series, float* const* rows, 
 }
 
 // Moments of the reference's lags (rows) with the voxel's (columns). `cross` points at shift 0.
-template <class S, class Plan>
-void fillCrossMoments(const Plan& plan, const Series& x, const Series& y, const float* cross,
+template <class S, class View>
+void fillCrossMoments(const View& plan, const Series& x, const Series& y, const float* cross,
                       float* const* rows) {
   const int p = plan.order;
   for (int distance = 1 - p; distance < p; ++distance) {
@@ -218,8 +218,8 @@ void fillCrossMoments(const Plan& plan, const Series& x, const Series& y, const 
 }
 
 // Fits one series alone: factors its p rows, fills `last`, returns the error variance.
-template <class S, class Plan>
-typename S::Floats fitAlone(const Plan& plan, const Series& series, const Factor& factor, float* last,
+template <class S, class View>
+typename S::Floats fitAlone(const View& plan, const Series& series, const Factor& factor, float* last,
                             Doubts<S>& doubts) {
   const int p = plan.order;
   const auto variance = at<S>(series.own, 0);
@@ -240,8 +240,8 @@ struct JointErrors {
 
 // Behind fitAlone() of y with the same factor: adds the p rows of x. `cross` points at shift 0;
 // `yError` is E_y. The doubts then hold for a pivot behind x's current value as well.
-template <class S, class Plan>
-JointErrors<S> fitJoint(const Plan& plan, const Series& x, const Series& y, const float* cross,
+template <class S, class View>
+JointErrors<S> fitJoint(const View& plan, const Series& x, const Series& y, const float* cross,
                         typename S::Floats yError, const Factor& factor, float* yLast, float* xLast,
                         Doubts<S>& doubts) {
   const int p = plan.order;

@@ -20,21 +20,21 @@ inline constexpr int kTruth = -1;
 // A plan whose order the compiler knows, so that the many short loops over it vanish; of kOrder 0, any
 // plan.
 template <int kOrder>
-struct PlanOf : PlanView {
-  explicit PlanOf(const PlanView& plan) : PlanView(plan) {}
+struct OrderedPlan : PlanView {
+  explicit OrderedPlan(const PlanView& plan) : PlanView(plan) {}
   static constexpr int kKnownOrder = kOrder, order = kOrder;
 };
 template <>
-struct PlanOf<0> : PlanView {
-  explicit PlanOf(const PlanView& plan) : PlanView(plan) {}
+struct OrderedPlan<0> : PlanView {
+  explicit OrderedPlan(const PlanView& plan) : PlanView(plan) {}
   static constexpr int kKnownOrder = 0;
 };
 
-template <class S, class Plan>
+template <class S, class View>
 struct Group {
   static constexpr int kWidth = S::kWidth;
 
-  Group(const Plan& planView, const BatchView& batchView, const WorkView& workView)
+  Group(const View& planView, const BatchView& batchView, const WorkView& workView)
       : plan(planView),
         batch(batchView),
         work(workView),
@@ -87,7 +87,7 @@ struct Group {
     }
   }
 
-  const Plan& plan;
+  const View& plan;
   const BatchView& batch;
   const WorkView& work;
   LaneLayout layout;

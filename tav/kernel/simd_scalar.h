@@ -5,6 +5,8 @@
 //   keepFirst(v, n)    v with 0 in the lanes from n on, 0 <= n <= kWidth
 //   withSign(a, b)     the size of a with the sign of b
 //   larger(a, b)       the larger one; b when either is NaN
+//   shifted<k>(p, here, before)  the values k before p. `here` is what stands at p, `before` what stands
+//                      in front of it, for CPUs that shift faster than they load across lines
 //   pin(v)             keeps v in a register: without it g++ 12 reloads a shifted row for every
 //                      product that it enters
 //   less, lessEqual    bit i: the comparison holds in lane i (never with NaN)

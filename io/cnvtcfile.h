@@ -21,9 +21,13 @@
 // computed from a header that fails.
 [[nodiscard]] bool hasUsableGeometry(const VTC_Header& header);
 
-// Voxels along each axis; voxel (x, y, z) has the index (z * y-size + y) * x-size + x.
+// Voxels along each axis.
 struct VtcGrid {
   std::int32_t dimX, dimY, dimZ;
+  // The place of a voxel's course in a file, and of its value in a map; 0-based.
+  [[nodiscard]] std::int64_t indexOf(std::int32_t x, std::int32_t y, std::int32_t z) const {
+    return (std::int64_t{z} * dimY + y) * dimX + x;
+  }
   friend bool operator==(const VtcGrid&, const VtcGrid&) = default;
 };
 [[nodiscard]] VtcGrid gridOf(const VTC_Header& header);

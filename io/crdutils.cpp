@@ -31,7 +31,7 @@ class CellCounter {
   explicit CellCounter(const VtcGrid& grid) : grid_(grid) {}
 
   void count(const voicrd& cell) {
-    const std::int64_t key = (std::int64_t{cell.z} * grid_.dimY + cell.y) * grid_.dimX + cell.x;
+    const std::int64_t key = grid_.indexOf(cell.x, cell.y, cell.z);
     const auto [entry, isNew] = positions_.try_emplace(key, cells_.size());
     if (isNew) {
       cells_.push_back(cell);

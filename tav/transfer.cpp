@@ -97,10 +97,8 @@ std::vector<std::size_t> cellsOf(const TAV_VOI_Pars& voi, const TAV_Pars& reques
   std::vector<std::int32_t> coordinates(3 * static_cast<std::size_t>(voi.nVoxels));
   toAnatomicalCoordinates(voi.voxels, voi.nVoxels, voi.talCoords != 0, coordinates.data());
   std::vector<std::size_t> cells;
-  for (const voicrd& cell : cellsOfVoxels(header, coordinates.data(), voi.nVoxels).cells) {
-    const std::int64_t index = (std::int64_t{cell.z} * grid.dimY + cell.y) * grid.dimX + cell.x;
-    cells.push_back(static_cast<std::size_t>(index));
-  }
+  for (const voicrd& cell : cellsOfVoxels(header, coordinates.data(), voi.nVoxels).cells)
+    cells.push_back(static_cast<std::size_t>(grid.indexOf(cell.x, cell.y, cell.z)));
   std::sort(cells.begin(), cells.end());
   return cells;
 }

@@ -22,8 +22,9 @@ inline constexpr int kRowAlign = 16;
 // Tables have a multiple of this many values.
 inline constexpr int kTableAlign = 4;
 // Zeros before a voxel's row and behind it, so that a product at any lag up to the order reads
-// zeros beyond the interval's ends instead of branching.
-inline constexpr int kRowPad = 32;
+// zeros beyond the interval's ends instead of branching, and the vector before the first at that lag.
+inline constexpr int kRowPad = 48;
+static_assert(kRowPad >= kMaxOrder + kMaxLanes && kRowPad % kRowAlign == 0);
 // Bytes behind the last value of a course that a kernel may read (and ignores).
 inline constexpr int kReadSlack = 64;
 

@@ -61,7 +61,7 @@ struct LagProducts {
   static constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
   using Floats = typename S::Floats;
 
-  Floats cross[extent(kRows)][extent(kShifts)] = {}, own[extent(kOwn + 1)] = {};
+  Floats cross[extent(kRows * kShifts)] = {}, own[extent(kOwn + 1)] = {};  // cross: row after row
 
   [[gnu::always_inline]] void add(const LagRows& rows, int first, int start, int end) {
     const float* shifted = rows.voxel - first;
@@ -88,7 +88,10 @@ struct LagProducts {
                                         Floats before) {
     const Floats right = S::template shifted<kShift>(shifted, here, before);
 #pragma GCC unroll 4
-    for (int r = 0; r < kRows; ++r) cross[r][kShift] = S::madd(left[r], right, cross[r][kShift]);
+    for (int r = 0; r < kRows; ++r) {
+      Floats& sum = cross[r * kShifts + kShift];
+      sum = S::madd(left[r], right, sum);
+    }
     if constexpr (kShift >= kOwnFrom) own[kShift - kOwnFrom] = S::madd(self, right, own[kShift - kOwnFrom]);
     if constexpr (kShift + 1 < kShifts) addShifts<kShift + 1>(left, self, shifted, here, before);
   }
@@ -98,7 +101,7 @@ struct LagProducts {
   [[gnu::always_inline]] void putTo(float* partials, int order, int first) const {
     float* const atCross = partials + kStep * crossStatistic(order, 0, first);
     const std::ptrdiff_t rowStep = kStep * (2 * order + 1);
-    putAll<kAdds>(cross[0], atCross, rowStep, typename CountsTo<kRows * kShifts>::Type());
+    putAll<kAdds>(cross, atCross, rowStep, typename CountsTo<kRows * kShifts>::Type());
     if constexpr (kOwn > 0) {
       float* const atOwn = partials + kStep * ownStatistic(order, first + kOwnFrom);
       putAll<kAdds>(own, atOwn, 0, typename CountsTo<kOwn>::Type());

@@ -19,15 +19,25 @@ int cells(std::int32_t start, std::int32_t end, std::int32_t resolution) {
   return static_cast<int>((static_cast<std::int64_t>(end) - start) / resolution);
 }
 
-void requireConsistent(const std::string& path, const MapSet& set) {
+using Values = std::vector<std::span<const float>>;
+
+void requireConsistent(const std::string& path, const MapSet& set, const Values& values) {
   const std::size_t voxels = set.grid().voxels();
-  if (voxels == 0) throw FileError(path, "the map set has an empty bounding box", "Give a box of at least one cell");
+  if (voxels == 0)
+    throw FileError(path, "the map set has an empty bounding box", "Give a box of at least one cell");
   if (set.maps.empty()) throw FileError(path, "the map set has no maps", "Compute at least one map");
-  for (const auto& map : set.maps) {
-    if (map.values.size() != voxels || map.thresholds.size() != set.thresholdNames.size()) {
+  for (std::size_t i = 0; i < set.maps.size(); ++i) {
+    const Map& map = set.maps[i];
+    const bool fits = i < values.size() && values[i].size() == voxels;
+    if (!fits || map.thresholds.size() != set.thresholdNames.size())
       throw FileError(path, "the map \"" + map.name + "\" does not fit its map set", "Compute it again");
-    }
   }
+}
+
+Values valuesOf(const MapSet& set) {
+  Values values;
+  for (const Map& map : set.maps) values.emplace_back(map.values);
+  return values;
 }
 
 ImageHeader headerOf(const MapSet& set) {
@@ -56,9 +66,13 @@ GridSize MapSet::grid() const {
 }
 
 void saveMapSet(const std::string& path, const MapSet& set) {
-  requireConsistent(path, set);
+  saveMapSet(path, set, valuesOf(set));
+}
+
+void saveMapSet(const std::string& path, const MapSet& set, const Values& values) {
+  requireConsistent(path, set, values);
   NiftiWriter writer(path, headerOf(set));
-  for (const auto& map : set.maps) writer.writeValues(map.values.data(), map.values.size());
+  for (std::size_t i = 0; i < set.maps.size(); ++i) writer.writeValues(values[i].data(), values[i].size());
   writer.commit();
 }
 

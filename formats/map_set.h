@@ -7,6 +7,7 @@
 #define TAVMAP_FORMATS_MAP_SET_H
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -30,8 +31,8 @@ struct MapSet {
   // Bounding box in anatomical coordinates, ends exclusive, and the edge of one cell.
   std::int32_t xStart = 0, xEnd = 0, yStart = 0, yEnd = 0, zStart = 0, zEnd = 0;
   std::int32_t resolution = 1;
-  Affine affine;       // cell index to millimetres
-  int spaceCode = 2;   // NIfTI form code of the affine: 1 scanner, 2 aligned, 3 Talairach, 4 MNI
+  Affine affine;      // cell index to millimetres
+  int spaceCode = 2;  // NIfTI form code of the affine: 1 scanner, 2 aligned, 3 Talairach, 4 MNI
   std::string engineVersion;
   std::vector<std::string> thresholdNames;  // "thres q=0.050"
   std::vector<Map> maps;
@@ -42,6 +43,9 @@ struct MapSet {
 // Replaces the file as a whole. Throws FileError; also for a set without maps or with a map whose
 // size is not the grid's.
 void saveMapSet(const std::string& path, const MapSet& set);
+// The same with values that stand elsewhere, one span per map; those in `set` are not looked at.
+void saveMapSet(const std::string& path, const MapSet& set,
+                const std::vector<std::span<const float>>& values);
 
 // Throws FileError for a file that is no map set, or whose extension and data disagree.
 [[nodiscard]] MapSet loadMapSet(const std::string& path);

@@ -21,6 +21,7 @@ int spaceCodeOf(const formats::ImageHeader& header) {
   return header.sformCode > 0 ? header.sformCode : std::max(header.qformCode, 1);
 }
 
+// Without its values.
 formats::Map storedMap(const MapSet::Map& map) {
   const NR_VMP_Header& header = map.header;
   formats::Map stored;
@@ -31,7 +32,6 @@ formats::Map storedMap(const MapSet::Map& map) {
   stored.negativeColorFrom = header.negativeColorFrom, stored.negativeColorTo = header.negativeColorTo;
   stored.useColors = header.useColors != 0;
   stored.thresholds.assign(map.thresholds.begin(), map.thresholds.end());
-  stored.values.assign(map.values.begin(), map.values.end());
   return stored;
 }
 
@@ -84,8 +84,12 @@ void writeMaps(const std::string& path, const MapSet& maps, const Place& place) 
   stored.spaceCode = place.spaceCode;
   for (std::size_t i = 0; i < maps.nrOfThresholds(); ++i)
     stored.thresholdNames.push_back(maps.thresholdName(i));
-  for (const MapSet::Map& map : maps.maps()) stored.maps.push_back(storedMap(map));
-  formats::saveMapSet(path, stored);
+  std::vector<std::span<const float>> values;
+  for (const MapSet::Map& map : maps.maps()) {
+    stored.maps.push_back(storedMap(map));
+    values.emplace_back(map.values.begin(), map.values.end());
+  }
+  formats::saveMapSet(path, stored, values);
 }
 
 }  // namespace host

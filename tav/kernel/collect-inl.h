@@ -181,6 +181,7 @@ class Collector {
 
   // One table per lane: own sums are added up over intervals, tails stand beside each other.
   void addTables(const float* const* tables, int interval, int variable) const {
+    static_assert(kTableAlign == 4, "tables are read in quads");
     const int p = plan_.order, size = 2 * p + 1;
     for (int first = 0; first < size; first += kTableAlign) {
       typename S::Floats values[extent(kTableAlign)];

@@ -60,7 +60,7 @@ struct Group {
   [[nodiscard]] std::size_t voxelOf(int l) const {
     return first + static_cast<std::size_t>(l < nrOfVoxels ? l : 0);
   }
-  // Every lane keeps its rows only when further passes need them.
+  // Every lane keeps its rows when further passes need them; otherwise neighbours take turns.
   [[nodiscard]] float* rowOf(int l, const IntervalView& interval) const {
     const std::size_t slot = static_cast<std::size_t>(keepsRows(plan) ? l : l % 2);
     return work.rows + slot * plan.rowSize + interval.rowOffset;

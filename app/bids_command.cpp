@@ -5,13 +5,13 @@
 #include "app/commands.h"
 #include "app/exit_codes.h"
 #include "app/study_options.h"
-#include "study/bids_group.h"
-#include "study/bids_group_summary.h"
-#include "study/bids_group_table.h"
-#include "study/bids_study.h"
-#include "study/confounds.h"
-#include "study/output_folder.h"
-#include "study/problem.h"
+#include "bids/bids_study.h"
+#include "group/group.h"
+#include "group/group_summary.h"
+#include "group/group_table.h"
+#include "request/confound_terms.h"
+#include "request/problem.h"
+#include "results/output_folder.h"
 
 namespace app {
 namespace {
@@ -22,7 +22,7 @@ struct BidsArguments {
   std::vector<std::string> derivatives, confounds;
   double fdThreshold = -1;
   bool stopOnFirstCrash = false, reportsOnly = false;
-  bool ignored = false;          // flags that schedulers pass and nothing here needs
+  bool ignored = false;  // flags that schedulers pass and nothing here needs
   double ignoredMegabytes = 0;
   StudyArguments study;
 };
@@ -37,8 +37,10 @@ void readConfiguration(const BidsArguments& arguments, study::BidsOptions& optio
   }
   if (!arguments.confounds.empty()) preparation.confoundTerms = arguments.confounds;
   if (arguments.fdThreshold >= 0) preparation.censoring.fdThresholdMm = arguments.fdThreshold;
-  if (arguments.drop == "auto") preparation.dropVolumes = study::kDropFromConfounds;
-  else if (!arguments.drop.empty()) preparation.dropVolumes = std::stoi(arguments.drop);
+  if (arguments.drop == "auto")
+    preparation.dropVolumes = study::kDropFromConfounds;
+  else if (!arguments.drop.empty())
+    preparation.dropVolumes = std::stoi(arguments.drop);
 }
 
 int participants(const BidsArguments& arguments) {
@@ -83,49 +85,67 @@ int bids(const BidsArguments& arguments) {
 
 // Both spellings are in use; schedulers pass either.
 void addQueryOptions(CLI::App& command, study::BidsQuery& query) {
-  command.add_option("--participant-label,--participant_label", query.participants, "Participants, with or without 'sub-'");
+  command.add_option("--participant-label,--participant_label", query.participants,
+                     "Participants, with or without 'sub-'");
   command.add_option("--session-label,--session_label,--session-id,--session_id", query.sessions, "Sessions");
   command.add_option("--task-label,--task_label,--task-id,--task_id,-t", query.tasks, "Tasks");
   command.add_option("--run-label,--run_label,--run-id,--run_id", query.runs, "Runs; 1 and 01 are the same");
-  command.add_option("--space", query.space, "Space of the preprocessed runs, such as MNI152NLin2009cAsym or native");
+  command.add_option("--space", query.space,
+                     "Space of the preprocessed runs, such as MNI152NLin2009cAsym or native");
 }
 
 void addInputOptions(CLI::App& command, BidsArguments& arguments) {
   command.add_option("-d,--derivatives,--datasets", arguments.derivatives,
                      "Folders of preprocessed data; default: searched below BIDS_DIR");
-  command.add_option("--bids-filter-file,--bids_filter_file", arguments.filterFile, "JSON file of further entities");
+  command.add_option("--bids-filter-file,--bids_filter_file", arguments.filterFile,
+                     "JSON file of further entities");
   command.add_option("--config-file,--config_file", arguments.configFile,
                      "TOML file with [settings], [preparation], [[reference]], [[condition]]");
   command.add_option("--atlas", arguments.atlas, "Label image whose regions are the references");
-  command.add_option("--atlas-table", arguments.atlasTable, "Names of its labels; default: the .tsv beside it");
+  command.add_option("--atlas-table", arguments.atlasTable,
+                     "Names of its labels; default: the .tsv beside it");
   command.add_option("--labels", arguments.options.labels, "Labels to take, names or indices; default: all");
   command.add_option("--trial-types,--trial_types", arguments.options.trialTypes,
                      "Trial types, one condition each; default: whole runs");
-  command.add_option("--delay", arguments.options.delaySeconds, "Seconds added to onsets for the haemodynamic delay");
-  command.add_option("--confounds", arguments.confounds, "What to regress out: presets (24motion, acompcor5, ...) or columns");
-  command.add_option("--fd-threshold,--fd_threshold", arguments.fdThreshold, "Censor volumes that moved more, millimetres")
+  command
+      .add_option("--delay", arguments.options.delaySeconds,
+                  "Seconds added to onsets for the haemodynamic delay")
+      ->check(CLI::Range(-1000.0, 1000.0));
+  command.add_option("--confounds", arguments.confounds,
+                     "What to regress out: presets (24motion, acompcor5, ...) or columns");
+  command
+      .add_option("--fd-threshold,--fd_threshold", arguments.fdThreshold,
+                  "Censor volumes that moved more, millimetres")
       ->check(CLI::Range(0.0, 100.0));
   command.add_option("--drop-volumes", arguments.drop, "Leading volumes to drop, or 'auto'")
       ->check([](const std::string& text) {
-        const bool number = !text.empty() && text.size() < 5 && text.find_first_not_of("0123456789") == std::string::npos;
+        const bool number =
+            !text.empty() && text.size() < 5 && text.find_first_not_of("0123456789") == std::string::npos;
         return number || text == "auto" ? std::string() : std::string("must be a whole number or 'auto'");
       });
 }
 
 void addSchedulerOptions(CLI::App& command, BidsArguments& arguments) {
-  command.add_option("-w,--work-dir,--work_dir", arguments.workDir, "Work folder for imported runs; default: OUT_DIR/work");
-  command.add_flag("--stop-on-first-crash,--stop_on_first_crash", arguments.stopOnFirstCrash, "Start nothing new after a failure");
+  command.add_option("-w,--work-dir,--work_dir", arguments.workDir,
+                     "Work folder for imported runs; default: OUT_DIR/work");
+  command.add_flag("--stop-on-first-crash,--stop_on_first_crash", arguments.stopOnFirstCrash,
+                   "Start nothing new after a failure");
   command.add_flag("--reports-only,--reports_only", arguments.reportsOnly, "Rebuild reports only");
   command.add_flag("--notrack", arguments.ignored, "Accepted for schedulers; nothing is ever tracked");
-  command.add_flag("--skip-bids-validation,--skip_bids_validation", arguments.ignored, "Accepted; the data set is not validated here");
-  command.add_option("--mem-mb,--mem_mb", arguments.ignoredMegabytes, "Accepted; a worker needs less than 300 MB");
+  command.add_flag("--skip-bids-validation,--skip_bids_validation", arguments.ignored,
+                   "Accepted; the data set is not validated here");
+  command.add_option("--mem-mb,--mem_mb", arguments.ignoredMegabytes,
+                     "Accepted; a worker needs less than 300 MB");
 }
 
 constexpr const char* kFooter =
-    "Several runs of a participant, session and task are pooled into one model as intervals, never stitched.\n"
+    "Several runs of a participant, session and task are pooled into one model as intervals, never "
+    "stitched.\n"
     "Statistic maps are named SOURCE_seed-REFERENCE_contrast-CONDITIONMAP_stat-effect_statmap.nii.gz.\n\n"
-    "The group level gathers what the participant level left in OUT into group_tavmap.tsv: thresholds, numbers of\n"
-    "voxels that pass, peaks; one row per record, condition, map and q. It computes no map and tests nothing. Options\n"
+    "The group level gathers what the participant level left in OUT into group_tavmap.tsv: thresholds, "
+    "numbers of\n"
+    "voxels that pass, peaks; one row per record, condition, map and q. It computes no map and tests "
+    "nothing. Options\n"
     "that apply to it: --participant-label, --session-label, --task-label, --space, --quiet, --json.\n\n"
     "Examples:\n"
     "  tavmap bids /data /out participant --derivatives /data/derivatives/fmriprep \\\n"

@@ -17,6 +17,7 @@ void addPictureCommand(CLI::App& program);
 void addRecoverCommand(CLI::App& program);
 void addRunCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
+void addWorkerCommand(CLI::App& program);
 
 }  // namespace app
 

@@ -8,7 +8,7 @@
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
-#include "app/paths.h"
+#include "formats/file_kinds.h"
 #include "formats/vtc_export.h"
 #include "formats/vtc_import.h"
 #include "formats/vtc_sidecar.h"
@@ -25,10 +25,11 @@ struct ConvertOptions {
 
 void toVtc(const ConvertOptions& options) {
   const formats::ImportReport report = formats::importVtc(options.in, options.out, options.import);
-  for (const auto& warning : report.warnings) std::cerr << "tavmap: " << options.in << ": " << warning << '\n';
+  for (const auto& warning : report.warnings)
+    std::cerr << "tavmap: " << options.in << ": " << warning << '\n';
   if (options.quiet) return;
-  std::cout << options.out << ": " << toText(report.image.size) << " voxels, " << report.volumes << " volumes, TR "
-            << report.trMs << " ms\n"
+  std::cout << options.out << ": " << toText(report.image.size) << " voxels, " << report.volumes
+            << " volumes, TR " << report.trMs << " ms\n"
             << report.voxelsIncluded << " of " << report.image.size.voxels()
             << " voxels exceed the inclusion threshold of " << options.import.threshold << '\n';
   if (report.shift > 0) std::cout << "added " << report.shift << " to every voxel inside the mask\n";
@@ -42,15 +43,17 @@ void toNifti(const ConvertOptions& options) {
   formats::exportVtc(options.in, options.out);
   if (options.quiet) return;
   std::cout << options.out << ": written"
-            << (hasSidecar ? "" : " (there is no " + formats::sidecarPathOf(options.in) +
-                                      ", so its voxels are taken to lie in Talairach space)")
+            << (hasSidecar ? ""
+                           : " (there is no " + formats::sidecarPathOf(options.in) +
+                                 ", so its voxels are taken to lie in Talairach space)")
             << '\n';
 }
 
 void convert(const ConvertOptions& options) {
-  if (isNiftiName(options.in) && isVtcName(options.out)) return toVtc(options);
-  if (isVtcName(options.in) && isNiftiName(options.out)) return toNifti(options);
-  throw UsageError("convert needs one .vtc and one .nii or .nii.gz file, not " + options.in + " and " + options.out);
+  if (formats::isNiftiName(options.in) && formats::isVtcName(options.out)) return toVtc(options);
+  if (formats::isVtcName(options.in) && formats::isNiftiName(options.out)) return toNifti(options);
+  throw UsageError("convert needs one .vtc and one .nii or .nii.gz file, not " + options.in + " and " +
+                   options.out);
 }
 
 constexpr const char* kExamples = R"(
@@ -78,9 +81,12 @@ void addConvertCommand(CLI::App& program) {
                                                       {"uint16", formats::VtcType::kUint16}};
   import->add_option("--type", o.type, "float32 (default) or uint16: half the size, whole numbers only")
       ->transform(CLI::CheckedTransformer(types));
-  import->add_option("--tr", o.trMs, "repetition time in milliseconds instead of the header's")->check(CLI::PositiveNumber);
-  import->add_option("--threshold", o.threshold, "inclusion threshold of the later run")->capture_default_str();
-  import->add_option("--skip", o.skipVolumes, "volumes to leave out at the start")->check(CLI::NonNegativeNumber);
+  import->add_option("--tr", o.trMs, "repetition time in milliseconds instead of the header's")
+      ->check(CLI::PositiveNumber);
+  import->add_option("--threshold", o.threshold, "inclusion threshold of the later run")
+      ->capture_default_str();
+  import->add_option("--skip", o.skipVolumes, "volumes to leave out at the start")
+      ->check(CLI::NonNegativeNumber);
   verb->add_flag("-q,--quiet", options->quiet, "say nothing but warnings and errors");
   verb->footer(kExamples);
   verb->callback([options, import] {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "app/commands.h"
-#include "app/paths.h"
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
+#include "formats/file_kinds.h"
 #include "formats/json_file.h"
 #include "formats/map_set.h"
 #include "formats/map_set_json.h"
@@ -46,7 +46,9 @@ std::string freeName(const std::string& stem, std::set<std::string>& taken) {
   return name;
 }
 
-Json numberOrNull(float value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
+Json numberOrNull(float value) {
+  return std::isfinite(value) ? Json(value) : Json(nullptr);
+}
 
 std::string sidecarText(const std::string& source, const MapSet& set, const Map& map) {
   Json json;
@@ -58,8 +60,10 @@ std::string sidecarText(const std::string& source, const MapSet& set, const Map&
     json["Thresholds"][set.thresholdNames[i]] = numberOrNull(map.thresholds[i]);
   }
   json["DisplayRange"] = {numberOrNull(map.lowerThreshold), numberOrNull(map.upperThreshold)};
-  json["PositiveColors"] = {formats::colorText(map.positiveColorFrom), formats::colorText(map.positiveColorTo)};
-  json["NegativeColors"] = {formats::colorText(map.negativeColorFrom), formats::colorText(map.negativeColorTo)};
+  json["PositiveColors"] = {formats::colorText(map.positiveColorFrom),
+                            formats::colorText(map.positiveColorTo)};
+  json["NegativeColors"] = {formats::colorText(map.negativeColorFrom),
+                            formats::colorText(map.negativeColorTo)};
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
@@ -100,7 +104,8 @@ void exportMaps(const ExportOptions& options) {
 
 void addExportCommand(CLI::App& program) {
   const auto options = std::make_shared<ExportOptions>();
-  CLI::App* verb = program.add_subcommand("export", "Write every map of a .tav file as NIfTI image with JSON sidecar");
+  CLI::App* verb =
+      program.add_subcommand("export", "Write every map of a .tav file as NIfTI image with JSON sidecar");
   verb->add_option("FILE", options->in, "map set (.tav)")->required();
   verb->add_option("DIR", options->folder, "folder for the images; made when it is missing")->required();
   verb->add_flag("-q,--quiet", options->quiet, "say nothing but warnings and errors");

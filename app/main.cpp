@@ -22,7 +22,8 @@ int report(const std::exception& error, int exitCode) {
 std::string versionText() {
   std::ostringstream trouble;
   const std::unique_ptr<tav::VoxelPath> path = tav::makeVoxelPath(trouble);
-  return std::string("tavmap " TAVMAP_VERSION ", kernel ") + (path ? path->name() : "unusable: " + trouble.str());
+  return std::string("tavmap " TAVMAP_VERSION ", kernel ") +
+         (path ? path->name() : "unusable: " + trouble.str());
 }
 
 int run(int argc, char** argv) {
@@ -39,6 +40,7 @@ int run(int argc, char** argv) {
   app::addRecoverCommand(program);
   app::addSimulateCommand(program);
   app::addHostCommand(program);
+  app::addWorkerCommand(program);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

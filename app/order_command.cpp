@@ -5,8 +5,8 @@
 #include "app/commands.h"
 #include "app/exit_codes.h"
 #include "app/study_options.h"
+#include "request/request_file.h"
 #include "study/order_evidence.h"
-#include "study/request_file.h"
 #include "study/study_summary.h"
 
 namespace app {
@@ -24,6 +24,7 @@ int order(const OrderArguments& arguments) {
   if (!arguments.work.empty()) request.output.workFolder = arguments.work;
   if (arguments.maxOrder > 0) request.settings.maxOrder = arguments.maxOrder;
   study::StudyOptions options;
+  options.program = kThisProgram;
   options.jobs = arguments.study.jobs;
   options.version = softwareVersion();
   options.ordersOnly = true;
@@ -33,8 +34,10 @@ int order(const OrderArguments& arguments) {
     outcome = study::runStudy({request}, options, progress);
   }
   if (outcome.failed()) return outcome.inputProblem ? kWrongInput : kFailed;
-  if (arguments.study.json) std::cout << study::summaryJson(outcome, options.version).dump(2) << "\n";
-  else study::printOrders(study::orderFromJson(outcome.orders.at(0)), std::cout);
+  if (arguments.study.json)
+    std::cout << study::summaryJson(outcome, options.version).dump(2) << "\n";
+  else
+    study::printOrders(study::orderFromJson(outcome.orders.at(0)), std::cout);
   return kDone;
 }
 
@@ -42,16 +45,18 @@ int order(const OrderArguments& arguments) {
 
 void addOrderCommand(CLI::App& program) {
   const auto arguments = std::make_shared<OrderArguments>();
-  CLI::App* command = program.add_subcommand("order", "Show which model order the data of a request speak for");
+  CLI::App* command =
+      program.add_subcommand("order", "Show which model order the data of a request speak for");
   command->add_option("request", arguments->request, "Request file (TOML)")->required();
   command->add_option("--max-order", arguments->maxOrder, "Highest order to try, instead of the request's")
       ->check(CLI::Range(1, 20));
   command->add_option("-o,--out", arguments->out, "Folder for the curves, instead of the request's");
   command->add_option("-w,--work-dir", arguments->work, "Work folder for imported runs");
   addStudyOptions(*command, arguments->study);
-  command->footer("Information criteria of the references' own courses and of joint models with a sample of voxels,\n"
-                  "Schwarz (BIC), Akaike (AIC) and Hannan-Quinn (HQC). The curves are saved in the output folder.\n"
-                  "Example:\n  tavmap order study.toml --max-order 6");
+  command->footer(
+      "Information criteria of the references' own courses and of joint models with a sample of voxels,\n"
+      "Schwarz (BIC), Akaike (AIC) and Hannan-Quinn (HQC). The curves are saved in the output folder.\n"
+      "Example:\n  tavmap order study.toml --max-order 6");
   command->callback([arguments] { leaveWith([&] { return order(*arguments); }); });
 }
 

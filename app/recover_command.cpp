@@ -82,7 +82,8 @@ void recover(const Arguments& arguments) {
 }  // namespace
 
 void addRecoverCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("recover", "Compare maps of simulated data with what was planted");
+  CLI::App* command =
+      program.add_subcommand("recover", "Compare maps of simulated data with what was planted");
   const auto arguments = std::make_shared<Arguments>();
   command->add_option("maps", arguments->maps, "Map set of the reference region (.tav)")->required();
   command->add_option("truth", arguments->truth, "truth.json of the data set")->required();

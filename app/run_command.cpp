@@ -5,7 +5,7 @@
 #include "app/commands.h"
 #include "app/exit_codes.h"
 #include "app/study_options.h"
-#include "study/request_file.h"
+#include "request/request_file.h"
 
 namespace app {
 namespace {
@@ -21,7 +21,8 @@ int run(const RunArguments& arguments) {
     std::cout << study::exampleRequest();
     return kDone;
   }
-  if (arguments.request.empty()) throw UsageError("run needs a request file; `tavmap run --example` prints one");
+  if (arguments.request.empty())
+    throw UsageError("run needs a request file; `tavmap run --example` prints one");
   study::Request request = study::readRequestFile(arguments.request);
   if (!arguments.out.empty()) request.output.folder = arguments.out;
   if (!arguments.work.empty()) request.output.workFolder = arguments.work;

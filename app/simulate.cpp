@@ -46,13 +46,15 @@ void simulate(Arguments& arguments) {
   else
     simulation::writeDataSet(arguments.folder, arguments.options);
   const int people = arguments.bids ? arguments.participants : 1;
-  std::cerr << "Wrote " << people * arguments.options.runs << " simulated runs to " << arguments.folder << '\n';
+  std::cerr << "Wrote " << people * arguments.options.runs << " simulated runs to " << arguments.folder
+            << '\n';
 }
 
 }  // namespace
 
 void addSimulateCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("simulate", "A data set with planted influences and the truth beside it");
+  CLI::App* command =
+      program.add_subcommand("simulate", "A data set with planted influences and the truth beside it");
   const auto arguments = std::make_shared<Arguments>();
   simulation::DataSetOptions& options = arguments->options;
   command->add_option("folder", arguments->folder, "Where to write; created when it is missing")->required();
@@ -65,8 +67,10 @@ void addSimulateCommand(CLI::App& program) {
       ->capture_default_str();
   command->add_option("--voxel", options.head.voxelMm, "Edge of a voxel in mm")->capture_default_str();
   command->add_option("--tr", options.trMs, "Repetition time in ms")->capture_default_str();
-  command->add_option("--strength", options.strength, "Scales all influences; 0 plants none")->capture_default_str();
-  CLI::Option* bids = command->add_flag("--bids", arguments->bids, "A BIDS tree with preprocessed derivatives instead");
+  command->add_option("--strength", options.strength, "Scales all influences; 0 plants none")
+      ->capture_default_str();
+  CLI::Option* bids =
+      command->add_flag("--bids", arguments->bids, "A BIDS tree with preprocessed derivatives instead");
   command->add_option("--participants", arguments->participants, "Participants of the BIDS tree")
       ->needs(bids)
       ->check(CLI::Range(1, simulation::kMostParticipants))

@@ -3,18 +3,24 @@
 #include <iostream>
 
 #include "app/exit_codes.h"
-#include "study/problem.h"
+#include "request/problem.h"
 #include "study/study_summary.h"
 
 namespace app {
 
-const char* softwareVersion() { return TAVMAP_VERSION; }
+const char* softwareVersion() {
+  return TAVMAP_VERSION;
+}
 
 void addStudyOptions(CLI::App& command, StudyArguments& arguments) {
-  command.add_option("-j,--jobs,--nthreads,--n-cpus", arguments.jobs, "Worker processes; results do not depend on it")
+  command
+      .add_option("-j,--jobs,--nthreads,--n-cpus", arguments.jobs,
+                  "Worker processes; results do not depend on it")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
-  command.add_option("--seed,--random-seed", arguments.seed, "Seed of all random numbers; stored with every result")
+  command
+      .add_option("--seed,--random-seed", arguments.seed,
+                  "Seed of all random numbers; stored with every result")
       ->check(CLI::Range(0U, 2147483647U));
   command.add_flag("--force", arguments.force, "Compute again what is finished");
   command.add_flag("-q,--quiet", arguments.quiet, "No progress and no summary; failures are still told");
@@ -23,6 +29,7 @@ void addStudyOptions(CLI::App& command, StudyArguments& arguments) {
 
 int runRequests(const std::vector<study::Request>& requests, study::StudyOptions options,
                 const StudyArguments& arguments) {
+  options.program = kThisProgram;
   options.jobs = arguments.jobs;
   options.force = arguments.force;
   options.seed = arguments.seed;

@@ -30,6 +30,8 @@ int runRequests(const std::vector<study::Request>& requests, study::StudyOptions
 void leaveWith(const std::function<int()>& action);
 
 const char* softwareVersion();
+// The file that runs, also when another version has taken its name since.
+inline constexpr const char* kThisProgram = "/proc/self/exe";
 
 }  // namespace app
 

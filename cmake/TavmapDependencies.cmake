@@ -5,6 +5,7 @@ find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(tomlplusplus REQUIRED)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
+pkg_check_modules(FFTW REQUIRED IMPORTED_TARGET fftw3)
 pkg_check_modules(ISAL IMPORTED_TARGET libisal)
 
 # The NIFTI package's own CMake file points at a library that Debian does not ship.

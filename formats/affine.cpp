@@ -26,7 +26,8 @@ Point apply(const Affine& affine, const Point& point) {
 Point voxelSize(const Affine& affine) {
   Point size{};
   for (int axis = 0; axis < 3; ++axis) {
-    size[static_cast<unsigned>(axis)] = std::hypot(affine.at(0, axis), affine.at(1, axis), affine.at(2, axis));
+    size[static_cast<unsigned>(axis)] =
+        std::hypot(affine.at(0, axis), affine.at(1, axis), affine.at(2, axis));
   }
   return size;
 }

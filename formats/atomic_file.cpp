@@ -12,6 +12,7 @@
 
 #include "formats/byte_source.h"
 #include "formats/file_error.h"
+#include "formats/file_lock.h"
 #include "formats/system_calls.h"
 
 namespace formats {
@@ -21,14 +22,14 @@ constexpr std::size_t kBufferBytes = std::size_t{256} << 10U;
 constexpr std::size_t kDirectBytes = std::size_t{64} << 10U;  // not worth a copy into the buffer
 constexpr std::size_t kHoleBytes = kDirectBytes;              // shorter ones are not worth the calls either
 constexpr std::size_t kPieces = 64;                           // rows per call
-constexpr int kNewFileMode = 0666;  // less the user's umask
+constexpr int kNewFileMode = 0666;                            // less the user's umask
 
 std::string folderOf(const std::string& path) {
   const auto folder = std::filesystem::path(path).parent_path().string();
   return folder.empty() ? "." : folder;
 }
 
-// A name beside the final one that no other file of this process gets.
+// ".NAME.PID-N.part" beside the final name, which no other file of this process gets.
 std::string nextTemporaryName(const std::string& path) {
   static unsigned counter = 0;
   const std::filesystem::path whole(path);
@@ -53,13 +54,17 @@ int gatherRows(const char* rows, std::size_t count, std::size_t rowBytes, std::s
 const char* remedyFor(int error) {
   switch (error) {
     case ENOSPC:
-    case EDQUOT: return "Free some space or choose another folder";
+    case EDQUOT:
+      return "Free some space or choose another folder";
     case ENOENT:
-    case ENOTDIR: return "Create the folder first";
+    case ENOTDIR:
+      return "Create the folder first";
     case EACCES:
     case EPERM:
-    case EROFS: return "Choose a folder that you may write to";
-    default: return "Check the disk and the path";
+    case EROFS:
+      return "Choose a folder that you may write to";
+    default:
+      return "Check the disk and the path";
   }
 }
 
@@ -71,35 +76,49 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
     throw FileError(path_, "cannot write the file, there is a folder of that name", "Choose another name");
   }
   openNameless(folderOf(path_));
-  if (fd_ < 0) {
-    temporaryPath_ = nextTemporaryName(path_);
-    fd_ = ::open(temporaryPath_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
-  }
-  if (fd_ < 0) {
-    temporaryPath_.clear();
-    fail("create");
-  }
+  while (fd_ < 0) createNamed();
   buffer_.reserve(kBufferBytes);
 }
 
-AtomicFile::~AtomicFile() { discard(); }
+AtomicFile::~AtomicFile() {
+  discard();
+}
 
 // A nameless file vanishes with the process, however that ends.
 void AtomicFile::openNameless(const std::string& folder) {
 #ifdef O_TMPFILE
-  fd_ = ::open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, kNewFileMode);
+  fd_ = systemCalls().open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, kNewFileMode);
 #else
   (void)folder;
 #endif
 }
 
-void AtomicFile::giveName() {
+// Leaves no file when the next name must be tried: a process of the same number in another container has this
+// one, or the file was swept away before it was locked.
+void AtomicFile::createNamed() {
   temporaryPath_ = nextTemporaryName(path_);
-  const std::string handle = "/proc/self/fd/" + std::to_string(fd_);
-  if (::linkat(AT_FDCWD, handle.c_str(), AT_FDCWD, temporaryPath_.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+  fd_ = systemCalls().open(temporaryPath_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+  if (fd_ < 0) {
     temporaryPath_.clear();
-    fail("name");
+    if (errno == EEXIST) return;
+    fail("create");
   }
+  const FileLock lock = tryLock(fd_);
+  if (lock == FileLock::kUnknown || (lock == FileLock::kMine && leadsTo(temporaryPath_, fd_))) return;
+  discard();
+}
+
+void AtomicFile::giveName() {
+  const std::string handle = "/proc/self/fd/" + std::to_string(fd_);
+  (void)tryLock(fd_);  // without a name nobody else can have it
+  int result = 0;
+  do {
+    temporaryPath_ = nextTemporaryName(path_);
+    result = ::linkat(AT_FDCWD, handle.c_str(), AT_FDCWD, temporaryPath_.c_str(), AT_SYMLINK_FOLLOW);
+  } while (result != 0 && errno == EEXIST);
+  if (result == 0) return;
+  temporaryPath_.clear();
+  fail("name");
 }
 
 void AtomicFile::write(const void* data, std::size_t bytes) {
@@ -177,14 +196,15 @@ void AtomicFile::commit() {
   if (endsInHole_ && ::ftruncate(fd_, ::lseek(fd_, 0, SEEK_CUR)) != 0) fail("write");
   if (durability_ == Durability::kSynced && systemCalls().fsync(fd_) != 0) fail("write");
   if (temporaryPath_.empty()) giveName();
+  const Descriptor locked(::fcntl(fd_, F_DUPFD_CLOEXEC, 0));  // holds the lock until the file has its name
   // Some file systems report a full disk only here.
-  if (::close(std::exchange(fd_, -1)) != 0) fail("write");
+  if (systemCalls().close(std::exchange(fd_, -1)) != 0) fail("write");
   if (systemCalls().rename(temporaryPath_.c_str(), path_.c_str()) != 0) fail("rename");
   temporaryPath_.clear();
 }
 
 void AtomicFile::discard() noexcept {
-  if (fd_ >= 0) ::close(std::exchange(fd_, -1));
+  if (fd_ >= 0) systemCalls().close(std::exchange(fd_, -1));
   if (!temporaryPath_.empty()) ::unlink(temporaryPath_.c_str());
   temporaryPath_.clear();
 }
@@ -194,6 +214,18 @@ void AtomicFile::fail(const char* doing) {
   discard();
   throw FileError(path_, std::string("cannot ") + doing + " the file (" + std::strerror(error) + ")",
                   remedyFor(error), Fault::kSystem);
+}
+
+// ".NAME.PROCESS-NUMBER.part"
+bool isTemporaryName(const std::string& name) {
+  constexpr std::string_view kEnd = ".part", kDigits = "0123456789";
+  if (!name.starts_with('.') || !name.ends_with(kEnd)) return false;
+  const std::string_view stem = std::string_view(name).substr(0, name.size() - kEnd.size());
+  const std::size_t dash = stem.find_last_not_of(kDigits);
+  if (dash == std::string_view::npos || dash == 0 || dash + 1 == stem.size() || stem[dash] != '-')
+    return false;
+  const std::size_t dot = stem.find_last_not_of(kDigits, dash - 1);
+  return dot != std::string_view::npos && dot > 1 && dot + 1 < dash && stem[dot] == '.';
 }
 
 void writeTextFile(const std::string& path, std::string_view text, Durability durability) {
@@ -208,7 +240,8 @@ std::string readTextFile(const std::string& path, std::size_t limitBytes) {
   std::vector<char> piece(kBufferBytes);
   while (const std::size_t got = source->read(piece.data(), piece.size())) {
     if (text.size() + got > limitBytes) {
-      throw FileError(path, "the file is too large for a text of its kind", "Check that it is the right file");
+      throw FileError(path, "the file is too large for a text of its kind",
+                      "Check that it is the right file");
     }
     text.append(piece.data(), got);
   }

@@ -1,6 +1,7 @@
 // A file that appears whole or not at all: written without a name (or, where the file system
 // cannot do that, under a temporary one) in its own folder, then flushed, synchronised and renamed.
-// Every output of this program is written through it.
+// Every output of this program is written through it. While a temporary file has a name it is
+// locked, so that removeAbandoned() (claimed_folder.h) knows it from one that a killed process left.
 #ifndef TAVMAP_FORMATS_ATOMIC_FILE_H
 #define TAVMAP_FORMATS_ATOMIC_FILE_H
 
@@ -50,6 +51,7 @@ class AtomicFile {
   void writeThrough(const char* data, std::size_t bytes);
   void discard() noexcept;
   void openNameless(const std::string& folder);
+  void createNamed();
   void giveName();
   [[noreturn]] void fail(const char* doing);
 
@@ -61,11 +63,16 @@ class AtomicFile {
   std::vector<char> buffer_;
 };
 
+// Whether a file name is one that AtomicFile gives until the file is whole.
+[[nodiscard]] bool isTemporaryName(const std::string& name);
+
 // Writes a whole text file in one go.
-void writeTextFile(const std::string& path, std::string_view text, Durability durability = Durability::kSynced);
+void writeTextFile(const std::string& path, std::string_view text,
+                   Durability durability = Durability::kSynced);
 
 // A whole text file, at most `limitBytes` of it: a longer one is a FileError.
-[[nodiscard]] std::string readTextFile(const std::string& path, std::size_t limitBytes = std::size_t{64} << 20U);
+[[nodiscard]] std::string readTextFile(const std::string& path,
+                                       std::size_t limitBytes = std::size_t{64} << 20U);
 
 }  // namespace formats
 

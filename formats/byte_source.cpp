@@ -17,8 +17,7 @@ namespace {
 
 class PlainFile : public ByteSource {
  public:
-  explicit PlainFile(const std::string& path)
-      : path_(path), fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+  explicit PlainFile(const std::string& path) : path_(path), fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
     if (fd_ < 0) {
       throw FileError(path, std::string("cannot open the file (") + std::strerror(errno) + ")",
                       "Check the path and its permissions");
@@ -54,8 +53,8 @@ class PlainFile : public ByteSource {
 
  private:
   [[noreturn]] void failReading() const {
-    throw FileError(path_, std::string("cannot read the file (") + std::strerror(errno) + ")", "Check the disk",
-                    Fault::kSystem);
+    throw FileError(path_, std::string("cannot read the file (") + std::strerror(errno) + ")",
+                    "Check the disk", Fault::kSystem);
   }
 
   std::string path_;
@@ -76,6 +75,8 @@ std::unique_ptr<ByteSource> openPlainOrGzip(const std::string& path) {
   return std::make_unique<GzipReader>(std::move(plain), path);
 }
 
-FileKind kindOfFile(const std::string& path) { return PlainFile(path).kind(); }
+FileKind kindOfFile(const std::string& path) {
+  return PlainFile(path).kind();
+}
 
 }  // namespace formats

@@ -13,32 +13,82 @@ namespace formats {
 
 template <typename T>
 struct TypeName;
-template <> struct TypeName<std::uint8_t> { static constexpr const char* kText = "uint8"; };
-template <> struct TypeName<std::int8_t> { static constexpr const char* kText = "int8"; };
-template <> struct TypeName<std::uint16_t> { static constexpr const char* kText = "uint16"; };
-template <> struct TypeName<std::int16_t> { static constexpr const char* kText = "int16"; };
-template <> struct TypeName<std::uint32_t> { static constexpr const char* kText = "uint32"; };
-template <> struct TypeName<std::int32_t> { static constexpr const char* kText = "int32"; };
-template <> struct TypeName<std::uint64_t> { static constexpr const char* kText = "uint64"; };
-template <> struct TypeName<std::int64_t> { static constexpr const char* kText = "int64"; };
-template <> struct TypeName<float> { static constexpr const char* kText = "float32"; };
-template <> struct TypeName<double> { static constexpr const char* kText = "float64"; };
+template <>
+struct TypeName<std::uint8_t> {
+  static constexpr const char* kText = "uint8";
+};
+template <>
+struct TypeName<std::int8_t> {
+  static constexpr const char* kText = "int8";
+};
+template <>
+struct TypeName<std::uint16_t> {
+  static constexpr const char* kText = "uint16";
+};
+template <>
+struct TypeName<std::int16_t> {
+  static constexpr const char* kText = "int16";
+};
+template <>
+struct TypeName<std::uint32_t> {
+  static constexpr const char* kText = "uint32";
+};
+template <>
+struct TypeName<std::int32_t> {
+  static constexpr const char* kText = "int32";
+};
+template <>
+struct TypeName<std::uint64_t> {
+  static constexpr const char* kText = "uint64";
+};
+template <>
+struct TypeName<std::int64_t> {
+  static constexpr const char* kText = "int64";
+};
+template <>
+struct TypeName<float> {
+  static constexpr const char* kText = "float32";
+};
+template <>
+struct TypeName<double> {
+  static constexpr const char* kText = "float64";
+};
 
 // Calls `action` with a value of the C++ type that `type` stands for: one decision per block of
 // values, none per value. False for a code that is no DataType; `action` is then not called.
 template <typename Action>
 bool withStoredType(DataType type, Action&& action) {
   switch (type) {
-    case DataType::kUint8: action(std::uint8_t{}); return true;
-    case DataType::kInt8: action(std::int8_t{}); return true;
-    case DataType::kUint16: action(std::uint16_t{}); return true;
-    case DataType::kInt16: action(std::int16_t{}); return true;
-    case DataType::kUint32: action(std::uint32_t{}); return true;
-    case DataType::kInt32: action(std::int32_t{}); return true;
-    case DataType::kUint64: action(std::uint64_t{}); return true;
-    case DataType::kInt64: action(std::int64_t{}); return true;
-    case DataType::kFloat32: action(float{}); return true;
-    case DataType::kFloat64: action(double{}); return true;
+    case DataType::kUint8:
+      action(std::uint8_t{});
+      return true;
+    case DataType::kInt8:
+      action(std::int8_t{});
+      return true;
+    case DataType::kUint16:
+      action(std::uint16_t{});
+      return true;
+    case DataType::kInt16:
+      action(std::int16_t{});
+      return true;
+    case DataType::kUint32:
+      action(std::uint32_t{});
+      return true;
+    case DataType::kInt32:
+      action(std::int32_t{});
+      return true;
+    case DataType::kUint64:
+      action(std::uint64_t{});
+      return true;
+    case DataType::kInt64:
+      action(std::int64_t{});
+      return true;
+    case DataType::kFloat32:
+      action(float{});
+      return true;
+    case DataType::kFloat64:
+      action(double{});
+      return true;
   }
   return false;
 }

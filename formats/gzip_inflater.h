@@ -80,7 +80,8 @@ class MemberInflater {
     const int result = inflate(&state_, Z_NO_FLUSH);
     InflateStep step{inBytes - state_.avail_in, outBytes - state_.avail_out, InflateStatus::kMore};
     if (result == Z_STREAM_END) step.status = InflateStatus::kMemberEnd;
-    if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) step.status = InflateStatus::kDamaged;
+    if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR)
+      step.status = InflateStatus::kDamaged;
     return step;
   }
   static constexpr const char* kName = "zlib";

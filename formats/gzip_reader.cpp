@@ -25,7 +25,9 @@ GzipReader::GzipReader(std::unique_ptr<ByteSource> compressed, std::string path,
 
 GzipReader::~GzipReader() = default;
 
-const char* GzipReader::engineName() { return MemberInflater::kName; }
+const char* GzipReader::engineName() {
+  return MemberInflater::kName;
+}
 
 std::size_t GzipReader::read(void* data, std::size_t bytes) {
   auto* to = static_cast<char*>(data);

@@ -43,15 +43,17 @@ std::size_t bytesOf(DataType type) {
 
 float Image3D::at(int x, int y, int z) const {
   const auto& size = header.size;
-  const auto row = static_cast<std::size_t>(z) * static_cast<std::size_t>(size.y) + static_cast<std::size_t>(y);
+  const auto row =
+      static_cast<std::size_t>(z) * static_cast<std::size_t>(size.y) + static_cast<std::size_t>(y);
   return values[row * static_cast<std::size_t>(size.x) + static_cast<std::size_t>(x)];
 }
 
 void requireSameGrid(const ImageHeader& a, const std::string& pathA, const ImageHeader& b,
                      const std::string& pathB) {
   if (a.size != b.size) {
-    throw FileError(pathB, "its grid of " + toText(b.size) + " voxels is not that of " + pathA + ", " + toText(a.size),
-                    "Resample one of them to the grid of the other");
+    throw FileError(
+        pathB, "its grid of " + toText(b.size) + " voxels is not that of " + pathA + ", " + toText(a.size),
+        "Resample one of them to the grid of the other");
   }
   const Point voxel = voxelSize(a.affine);
   const double allowed = kCornerTolerance * std::min({voxel[0], voxel[1], voxel[2]});

@@ -23,10 +23,18 @@ struct GridSize {
 
 // Data types by their NIfTI codes; no others are read.
 enum class DataType : std::int16_t {
-  kUint8 = 2, kInt16 = 4, kInt32 = 8, kFloat32 = 16, kFloat64 = 64,
-  kInt8 = 256, kUint16 = 512, kUint32 = 768, kInt64 = 1024, kUint64 = 1280,
+  kUint8 = 2,
+  kInt16 = 4,
+  kInt32 = 8,
+  kFloat32 = 16,
+  kFloat64 = 64,
+  kInt8 = 256,
+  kUint16 = 512,
+  kUint32 = 768,
+  kInt64 = 1024,
+  kUint64 = 1280,
 };
-[[nodiscard]] const char* nameOf(DataType type);        // "int16"
+[[nodiscard]] const char* nameOf(DataType type);  // "int16"
 [[nodiscard]] std::size_t bytesOf(DataType type);
 
 struct HeaderExtension {
@@ -41,11 +49,11 @@ struct ImageHeader {
   int volumes = 1;
   bool series = false;  // has a fourth dimension, be it of one volume
   DataType dataType = DataType::kFloat32;
-  double slope = 1, intercept = 0;  // value = slope * stored + intercept
-  Affine affine;                    // sform if coded, else qform, else voxel sizes from (0, 0, 0)
-  Affine qform;                     // meaningful when qformCode > 0
-  int sformCode = 0, qformCode = 0; // NIfTI codes; 0: not given
-  double trMs = 0;                  // milliseconds; 0: not given
+  double slope = 1, intercept = 0;   // value = slope * stored + intercept
+  Affine affine;                     // sform if coded, else qform, else voxel sizes from (0, 0, 0)
+  Affine qform;                      // meaningful when qformCode > 0
+  int sformCode = 0, qformCode = 0;  // NIfTI codes; 0: not given
+  double trMs = 0;                   // milliseconds; 0: not given
   int intentCode = 0;
   std::string intentName, description;
   std::vector<HeaderExtension> extensions;

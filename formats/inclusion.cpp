@@ -26,7 +26,8 @@ InclusionPlan planInclusion(const std::vector<float>& firstValues, const std::ve
     if (!std::isfinite(firstValues[i])) ++plan.notFinite;
     if (std::isfinite(firstValues[i])) least = std::min(least, firstValues[i]);
   }
-  const bool needed = !inMask.empty() && plan.voxelsInMask > plan.notFinite && !exceeds(least, 0, threshold, rounded);
+  const bool needed =
+      !inMask.empty() && plan.voxelsInMask > plan.notFinite && !exceeds(least, 0, threshold, rounded);
   // One more than needed, so that rounding cannot take a voxel back below the threshold.
   if (needed) plan.shift = std::ceil(threshold - static_cast<double>(least)) + 1;
   for (std::size_t i = 0; i < firstValues.size(); ++i) {
@@ -35,7 +36,8 @@ InclusionPlan planInclusion(const std::vector<float>& firstValues, const std::ve
   return plan;
 }
 
-double meanChange(const std::vector<float>& a, const std::vector<float>& b, const std::vector<std::uint8_t>& inMask) {
+double meanChange(const std::vector<float>& a, const std::vector<float>& b,
+                  const std::vector<std::uint8_t>& inMask) {
   double sum = 0;
   std::size_t count = 0;
   for (std::size_t i = 0; i < a.size(); ++i) {

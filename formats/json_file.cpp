@@ -40,11 +40,13 @@ std::string placeOfByte(const std::string& text, std::size_t byte) {
 }  // namespace
 
 Json parseJson(const std::string& text, const std::string& path) {
-  if (isTooDeep(text)) throw FileError(path, "the JSON text is nested too deeply", "Check that it is the right file");
+  if (isTooDeep(text))
+    throw FileError(path, "the JSON text is nested too deeply", "Check that it is the right file");
   try {
     return Json::parse(text);
   } catch (const Json::parse_error& error) {
-    throw FileError(path, placeOfByte(text, error.byte) + ": this is no valid JSON", "Correct the text there");
+    throw FileError(path, placeOfByte(text, error.byte) + ": this is no valid JSON",
+                    "Correct the text there");
   } catch (const Json::exception&) {
     throw FileError(path, "the JSON text holds a number out of range", "Correct the number");
   }
@@ -53,7 +55,8 @@ Json parseJson(const std::string& text, const std::string& path) {
 JsonPlace JsonPlace::member(const char* key) const {
   if (!value_->is_object()) fail("an object is expected", "Write { ... } there");
   const auto found = value_->find(key);
-  if (found == value_->end()) fail(std::string("\"") + key + "\" is missing", std::string("Add \"") + key + "\"");
+  if (found == value_->end())
+    fail(std::string("\"") + key + "\" is missing", std::string("Add \"") + key + "\"");
   return {*found, path_, where_.empty() ? key : where_ + "." + key};
 }
 
@@ -92,7 +95,8 @@ std::int32_t JsonPlace::integer() const {
 void JsonPlace::allowOnly(std::initializer_list<const char*> keys) const {
   if (!value_->is_object()) fail("an object is expected", "Write { ... } there");
   for (const auto& item : value_->items()) {
-    const bool known = std::any_of(keys.begin(), keys.end(), [&](const char* key) { return item.key() == key; });
+    const bool known =
+        std::any_of(keys.begin(), keys.end(), [&](const char* key) { return item.key() == key; });
     if (known) continue;
     std::string list;
     for (const char* key : keys) list += (list.empty() ? "" : ", ") + std::string(key);

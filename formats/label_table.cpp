@@ -28,12 +28,14 @@ std::optional<std::uint32_t> parseColor(const Table& table, std::size_t row, std
 }  // namespace
 
 const Label* LabelTable::find(std::int32_t index) const {
-  const auto found = std::find_if(labels.begin(), labels.end(), [&](const Label& l) { return l.index == index; });
+  const auto found =
+      std::find_if(labels.begin(), labels.end(), [&](const Label& l) { return l.index == index; });
   return found == labels.end() ? nullptr : &*found;
 }
 
 const Label* LabelTable::find(const std::string& name) const {
-  const auto found = std::find_if(labels.begin(), labels.end(), [&](const Label& l) { return l.name == name; });
+  const auto found =
+      std::find_if(labels.begin(), labels.end(), [&](const Label& l) { return l.name == name; });
   return found == labels.end() ? nullptr : &*found;
 }
 
@@ -51,7 +53,8 @@ LabelTable readLabelTable(const std::string& path) {
   for (std::size_t row = 0; row < table.rows(); ++row) {
     Label label{table.integer(row, index), table.cell(row, name), std::nullopt};
     if (!seen.insert(label.index).second) {
-      table.fail(row, "the index " + std::to_string(label.index) + " comes twice", "Give every region its own index");
+      table.fail(row, "the index " + std::to_string(label.index) + " comes twice",
+                 "Give every region its own index");
     }
     if (label.name.empty()) table.fail(row, "a region has no name", "Name it");
     if (color) label.color = parseColor(table, row, *color);
@@ -64,7 +67,8 @@ void writeLabelTable(const std::string& path, const LabelTable& table) {
   std::string text = "index\tname\tcolor\n";
   for (const auto& label : table.labels) {
     char color[16] = "n/a";
-    if (label.color) std::snprintf(color, sizeof color, "#%06x", static_cast<unsigned>(*label.color & 0xFFFFFFU));
+    if (label.color)
+      std::snprintf(color, sizeof color, "#%06x", static_cast<unsigned>(*label.color & 0xFFFFFFU));
     text += std::to_string(label.index) + "\t" + tsvCell(label.name) + "\t" + color + "\n";
   }
   writeTextFile(path, text);

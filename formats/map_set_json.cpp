@@ -14,7 +14,9 @@ constexpr const char* kFormatName = "tavmap-map-set";
 constexpr int kFormatVersion = 1;
 
 // JSON has no NaN; null stands for "there is none".
-Json numberOrNull(float value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
+Json numberOrNull(float value) {
+  return std::isfinite(value) ? Json(value) : Json(nullptr);
+}
 
 float floatOrNan(const JsonPlace& place) {
   if (place.value().is_null()) return std::numeric_limits<float>::quiet_NaN();
@@ -62,8 +64,10 @@ Map mapFrom(const JsonPlace& place, std::size_t nrOfThresholds) {
   readColors(place.member("positive_colors"), map.positiveColorFrom, map.positiveColorTo);
   readColors(place.member("negative_colors"), map.negativeColorFrom, map.negativeColorTo);
   const JsonPlace thresholds = place.member("thresholds");
-  for (std::size_t i = 0; i < thresholds.elements(); ++i) map.thresholds.push_back(floatOrNan(thresholds.element(i)));
-  if (map.thresholds.size() != nrOfThresholds) thresholds.fail("their number is not that of the names", "Compute the maps again");
+  for (std::size_t i = 0; i < thresholds.elements(); ++i)
+    map.thresholds.push_back(floatOrNan(thresholds.element(i)));
+  if (map.thresholds.size() != nrOfThresholds)
+    thresholds.fail("their number is not that of the names", "Compute the maps again");
   return map;
 }
 
@@ -78,7 +82,7 @@ void readBox(const JsonPlace& box, MapSet& set) {
 }
 
 Json boxToJson(const MapSet& set) {
-  return {{"x_start", set.xStart}, {"x_end", set.xEnd}, {"y_start", set.yStart}, {"y_end", set.yEnd},
+  return {{"x_start", set.xStart}, {"x_end", set.xEnd}, {"y_start", set.yStart},       {"y_end", set.yEnd},
           {"z_start", set.zStart}, {"z_end", set.zEnd}, {"resolution", set.resolution}};
 }
 
@@ -104,21 +108,24 @@ MapSet mapSetFromJson(const std::string& extension, const std::string& path) {
   const Json document = parseJson(extension.substr(0, extension.find('\0')), path);
   const JsonPlace root(document, path);
   const JsonPlace version = root.member("format_version");
-  if (version.integer() > kFormatVersion) version.fail("the map set is of a newer version", "Update this program");
+  if (version.integer() > kFormatVersion)
+    version.fail("the map set is of a newer version", "Update this program");
   MapSet set;
   set.engineVersion = root.member("engine_version").text();
   readBox(root.member("box"), set);
   const JsonPlace names = root.member("threshold_names");
   for (std::size_t i = 0; i < names.elements(); ++i) set.thresholdNames.push_back(names.element(i).text());
   const JsonPlace maps = root.member("maps");
-  for (std::size_t i = 0; i < maps.elements(); ++i) set.maps.push_back(mapFrom(maps.element(i), names.elements()));
+  for (std::size_t i = 0; i < maps.elements(); ++i)
+    set.maps.push_back(mapFrom(maps.element(i), names.elements()));
   return set;
 }
 
 std::string colorText(std::int32_t packed) {
   const auto bits = static_cast<std::uint32_t>(packed);
   char text[8];
-  std::snprintf(text, sizeof text, "#%02x%02x%02x", bits & 0xFFU, (bits >> 8U) & 0xFFU, (bits >> 16U) & 0xFFU);
+  std::snprintf(text, sizeof text, "#%02x%02x%02x", bits & 0xFFU, (bits >> 8U) & 0xFFU,
+                (bits >> 16U) & 0xFFU);
   return text;
 }
 

@@ -11,7 +11,8 @@ namespace {
 
 void requireOneVolume(const ImageHeader& header, const std::string& path) {
   if (header.volumes == 1) return;
-  throw FileError(path, "it is a series of " + std::to_string(header.volumes) + " volumes where one is expected",
+  throw FileError(path,
+                  "it is a series of " + std::to_string(header.volumes) + " volumes where one is expected",
                   "Give an image of one volume");
 }
 
@@ -27,7 +28,9 @@ std::int32_t toLabel(double value, const std::string& path) {
 
 }  // namespace
 
-ImageHeader readImageHeader(const std::string& path) { return NiftiStream(path).header(); }
+ImageHeader readImageHeader(const std::string& path) {
+  return NiftiStream(path).header();
+}
 
 Image3D readImage(const std::string& path) {
   requireOneVolume(readImageHeader(path), path);

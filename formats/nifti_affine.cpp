@@ -19,12 +19,15 @@ Affine sformOf(const NiftiTransforms& t) {
   return affine;
 }
 
-double usableSize(double size) { return std::isfinite(size) && size != 0 ? std::abs(size) : 1; }
+double usableSize(double size) {
+  return std::isfinite(size) && size != 0 ? std::abs(size) : 1;
+}
 
 Affine qformOf(const NiftiTransforms& t) {
   const auto& q = t.quaternion;
-  const nifti_dmat44 matrix = nifti_quatern_to_dmat44(q[0], q[1], q[2], q[3], q[4], q[5], usableSize(t.pixdim[1]),
-                                                      usableSize(t.pixdim[2]), usableSize(t.pixdim[3]), t.pixdim[0]);
+  const nifti_dmat44 matrix =
+      nifti_quatern_to_dmat44(q[0], q[1], q[2], q[3], q[4], q[5], usableSize(t.pixdim[1]),
+                              usableSize(t.pixdim[2]), usableSize(t.pixdim[3]), t.pixdim[0]);
   Affine affine;
   for (int row = 0; row < 3; ++row) {
     for (int column = 0; column < 4; ++column) affine.at(row, column) = matrix.m[row][column];
@@ -34,7 +37,8 @@ Affine qformOf(const NiftiTransforms& t) {
 
 Affine sizesOnly(const NiftiTransforms& t) {
   Affine affine;
-  for (int axis = 0; axis < 3; ++axis) affine.at(axis, axis) = usableSize(t.pixdim[static_cast<unsigned>(axis) + 1]);
+  for (int axis = 0; axis < 3; ++axis)
+    affine.at(axis, axis) = usableSize(t.pixdim[static_cast<unsigned>(axis) + 1]);
   return affine;
 }
 

@@ -11,9 +11,9 @@ namespace formats {
 // The fields that describe where voxels lie, widened to double.
 struct NiftiTransforms {
   int sformCode = 0, qformCode = 0;
-  std::array<double, 12> sform{};     // three rows
+  std::array<double, 12> sform{};      // three rows
   std::array<double, 6> quaternion{};  // b, c, d and the offset
-  std::array<double, 4> pixdim{};     // handedness, then voxel sizes
+  std::array<double, 4> pixdim{};      // handedness, then voxel sizes
 };
 
 // Fills affine, qform and both codes. A coded transform without inverse counts as not given.

@@ -34,12 +34,17 @@ std::string unsupportedTypeText(int code) {
   switch (code) {
     case 32:
     case 1792:
-    case 2048: return "it holds complex numbers";
+    case 2048:
+      return "it holds complex numbers";
     case 128:
-    case 2304: return "it holds colours";
-    case 1536: return "it holds 128-bit floating-point numbers";
-    case 1: return "it holds single bits";
-    default: return "its data type code " + std::to_string(code) + " is unknown";
+    case 2304:
+      return "it holds colours";
+    case 1536:
+      return "it holds 128-bit floating-point numbers";
+    case 1:
+      return "it holds single bits";
+    default:
+      return "its data type code " + std::to_string(code) + " is unknown";
   }
 }
 
@@ -50,7 +55,8 @@ void readDataType(const Header& raw, const std::string& path, ImageHeader& heade
     fail(path, unsupportedTypeText(raw.datatype), "Convert it to real numbers, for instance 32-bit floats");
   }
   if (raw.bitpix != static_cast<int>(8 * bytesOf(header.dataType))) {
-    fail(path, "its header gives " + std::to_string(raw.bitpix) + " bits for a value of type " + nameOf(header.dataType));
+    fail(path, "its header gives " + std::to_string(raw.bitpix) + " bits for a value of type " +
+                   nameOf(header.dataType));
   }
 }
 
@@ -59,7 +65,8 @@ int extentOf(const Header& raw, int dimension, const std::string& path) {
   if (dimension > raw.dim[0]) return 1;
   const auto extent = static_cast<std::int64_t>(raw.dim[dimension]);
   if (extent < 1 || extent > std::numeric_limits<std::int32_t>::max()) {
-    fail(path, "its header gives " + std::to_string(extent) + " as extent of dimension " + std::to_string(dimension));
+    fail(path, "its header gives " + std::to_string(extent) + " as extent of dimension " +
+                   std::to_string(dimension));
   }
   return static_cast<int>(extent);
 }
@@ -104,10 +111,14 @@ void readScaling(const Header& raw, ImageHeader& header) {
 double millisecondsPerUnit(int units) {
   switch (XYZT_TO_TIME(units)) {
     case NIFTI_UNITS_UNKNOWN:  // what everybody means then
-    case NIFTI_UNITS_SEC: return 1000;
-    case NIFTI_UNITS_MSEC: return 1;
-    case NIFTI_UNITS_USEC: return 0.001;
-    default: return 0;  // frequencies: no repetition time
+    case NIFTI_UNITS_SEC:
+      return 1000;
+    case NIFTI_UNITS_MSEC:
+      return 1;
+    case NIFTI_UNITS_USEC:
+      return 0.001;
+    default:
+      return 0;  // frequencies: no repetition time
   }
 }
 

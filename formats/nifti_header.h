@@ -15,8 +15,8 @@ inline constexpr std::size_t kNifti1Bytes = 348, kNifti2Bytes = 540;
 // What decoding finds beside the image model.
 struct NiftiLayout {
   ImageHeader header;
-  int version = 1;            // 1 or 2
-  bool swapped = false;       // stored in the other byte order than this machine's
+  int version = 1;       // 1 or 2
+  bool swapped = false;  // stored in the other byte order than this machine's
   std::uint64_t dataOffset = 0;
   std::uint64_t dataBytes = 0;
 };

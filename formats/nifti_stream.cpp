@@ -26,7 +26,9 @@ NiftiStream::NiftiStream(const std::string& path) : path_(path), source_(openPla
   requireEnoughData();
 }
 
-std::size_t NiftiStream::volumeBytes() const { return header().size.voxels() * bytesOf(header().dataType); }
+std::size_t NiftiStream::volumeBytes() const {
+  return header().size.voxels() * bytesOf(header().dataType);
+}
 
 void NiftiStream::readHeader() {
   std::string bytes(4, '\0');
@@ -47,9 +49,10 @@ void NiftiStream::requireEnoughData() const {
   const std::uint64_t needed = layout_.dataOffset + layout_.dataBytes;
   const bool enough = kind.gzip ? needed / kLargestGzipRatio <= kind.bytes : needed <= kind.bytes;
   if (!enough) {
-    throw FileError(path_, "the file is too short for the " + toText(header().size) + " x " +
-                               std::to_string(header().volumes) + " values of type " + nameOf(header().dataType) +
-                               " that its header describes",
+    throw FileError(path_,
+                    "the file is too short for the " + toText(header().size) + " x " +
+                        std::to_string(header().volumes) + " values of type " + nameOf(header().dataType) +
+                        " that its header describes",
                     "Get the file again from its source");
   }
 }
@@ -69,8 +72,12 @@ void NiftiStream::skip(std::size_t bytes) {
   }
 }
 
-void NiftiStream::readValues(float* values, std::size_t count) { readScaled(values, count); }
-void NiftiStream::readValues(double* values, std::size_t count) { readScaled(values, count); }
+void NiftiStream::readValues(float* values, std::size_t count) {
+  readScaled(values, count);
+}
+void NiftiStream::readValues(double* values, std::size_t count) {
+  readScaled(values, count);
+}
 
 template <typename Out>
 void NiftiStream::readScaled(Out* values, std::size_t count) {

@@ -21,8 +21,9 @@ bool endsIn(const std::string& text, const std::string& end) {
 ImageHeader checked(ImageHeader header, const std::string& path) {
   for (const int extent : {header.size.x, header.size.y, header.size.z, header.volumes}) {
     if (extent < 1 || extent > std::numeric_limits<std::int16_t>::max()) {
-      throw FileError(path, "an image of " + toText(header.size) + " x " + std::to_string(header.volumes) +
-                                " values does not fit a NIfTI-1 header",
+      throw FileError(path,
+                      "an image of " + toText(header.size) + " x " + std::to_string(header.volumes) +
+                          " values does not fit a NIfTI-1 header",
                       "Write smaller images, 32,767 along an axis at most");
     }
   }
@@ -68,13 +69,18 @@ void NiftiWriter::writeBytes(const void* data, std::size_t bytes) {
 }
 
 void NiftiWriter::writeStored(const void* values, std::size_t count) {
-  if (count > valuesLeft_) throw FileError(file_.path(), "too many values for the header", "Report this as an error of the program");
+  if (count > valuesLeft_)
+    throw FileError(file_.path(), "too many values for the header", "Report this as an error of the program");
   valuesLeft_ -= count;
   writeBytes(values, count * bytesOf(header_.dataType));
 }
 
-void NiftiWriter::writeValues(const float* values, std::size_t count) { convertAndWrite(values, count); }
-void NiftiWriter::writeValues(const std::int32_t* values, std::size_t count) { convertAndWrite(values, count); }
+void NiftiWriter::writeValues(const float* values, std::size_t count) {
+  convertAndWrite(values, count);
+}
+void NiftiWriter::writeValues(const std::int32_t* values, std::size_t count) {
+  convertAndWrite(values, count);
+}
 
 template <typename In>
 void NiftiWriter::convertAndWrite(const In* values, std::size_t count) {
@@ -83,7 +89,8 @@ void NiftiWriter::convertAndWrite(const In* values, std::size_t count) {
     for (std::size_t done = 0; done < count;) {
       const std::size_t now = std::min(count - done, piece.size());
       if (!store(values + done, now, piece.data())) {
-        throw FileError(file_.path(), std::string("a value does not fit the type ") + nameOf(header_.dataType),
+        throw FileError(file_.path(),
+                        std::string("a value does not fit the type ") + nameOf(header_.dataType),
                         "Choose float32");
       }
       writeStored(piece.data(), now);
@@ -93,7 +100,8 @@ void NiftiWriter::convertAndWrite(const In* values, std::size_t count) {
 }
 
 void NiftiWriter::commit() {
-  if (valuesLeft_ != 0) throw FileError(file_.path(), "too few values for the header", "Report this as an error of the program");
+  if (valuesLeft_ != 0)
+    throw FileError(file_.path(), "too few values for the header", "Report this as an error of the program");
   if (gzip_) gzip_->finish();
   file_.commit();
 }

@@ -53,8 +53,8 @@ std::int32_t toMilliseconds(const Table& table, std::size_t row, double seconds)
   return static_cast<std::int32_t>(ms);
 }
 
-void addEvent(const Table& table, std::size_t row, const std::string& condition, double onset, double duration,
-              Protocol& protocol) {
+void addEvent(const Table& table, std::size_t row, const std::string& condition, double onset,
+              double duration, Protocol& protocol) {
   if (duration < 0) table.fail(row, "the duration is negative", "Correct the duration");
   const Interval event{toMilliseconds(table, row, onset), toMilliseconds(table, row, onset + duration)};
   auto& intervals = intervalsOf(protocol, condition);
@@ -83,7 +83,8 @@ Protocol fromVolumes(const Table& table) {
   for (std::size_t row = 0; row < table.rows(); ++row) {
     const Interval interval{table.integer(row, first), table.integer(row, last)};
     if (interval.start < 1) table.fail(row, "the first volume is below 1", "Count volumes from 1");
-    if (interval.end < interval.start) table.fail(row, "the last volume comes before the first", "Correct the interval");
+    if (interval.end < interval.start)
+      table.fail(row, "the last volume comes before the first", "Correct the interval");
     if (isMissing(table.cell(row, name))) table.fail(row, "the condition has no name", "Name the condition");
     intervalsOf(protocol, table.cell(row, name)).push_back(interval);
   }
@@ -107,7 +108,9 @@ std::string lineOf(const Protocol& protocol, const ProtocolCondition& condition,
 
 }  // namespace
 
-Protocol readProtocol(const std::string& path, double trMs) { return parseProtocol(readTextFile(path), path, trMs); }
+Protocol readProtocol(const std::string& path, double trMs) {
+  return parseProtocol(readTextFile(path), path, trMs);
+}
 
 Protocol parseProtocol(const std::string& text, const std::string& path, double trMs) {
   const Table table = Table::parse(text, path);

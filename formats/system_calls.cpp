@@ -6,9 +6,17 @@
 #include <unistd.h>
 
 namespace formats {
+namespace {
+
+int openFile(const char* path, int flags, mode_t mode) {
+  return ::open(path, flags, mode);
+}
+
+}  // namespace
 
 SystemCalls& systemCalls() {
-  static SystemCalls calls{::write, ::read, ::pwritev, ::pread, ::fallocate, ::fsync, ::rename};
+  static SystemCalls calls{openFile, ::close,     ::write, ::read,  ::pwritev,
+                           ::pread,  ::fallocate, ::fsync, ::rename};
   return calls;
 }
 

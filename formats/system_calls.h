@@ -11,6 +11,8 @@
 namespace formats {
 
 struct SystemCalls {
+  int (*open)(const char* path, int flags, mode_t mode);
+  int (*close)(int fd);
   ssize_t (*write)(int fd, const void* data, std::size_t bytes);
   ssize_t (*read)(int fd, void* data, std::size_t bytes);
   ssize_t (*pwritev)(int fd, const struct iovec* pieces, int count, off_t offset);

@@ -85,7 +85,8 @@ class Table::Parser {
       cell += text_[at_];
       if (doubled) ++at_;
     }
-    throw FileError(path_, "line " + std::to_string(openedAt) + ": a quotation mark is not closed", "Close it");
+    throw FileError(path_, "line " + std::to_string(openedAt) + ": a quotation mark is not closed",
+                    "Close it");
   }
 
   // Text between a closing quote and the separator belongs to no cell.
@@ -114,9 +115,7 @@ class Table::Parser {
     ++line_;
   }
 
-  [[nodiscard]] bool isSeparator(char c) const {
-    return separator_ == kBlanks ? c == ' ' : c == separator_;
-  }
+  [[nodiscard]] bool isSeparator(char c) const { return separator_ == kBlanks ? c == ' ' : c == separator_; }
   [[nodiscard]] bool atLineEnd() const { return text_[at_] == '\n' || text_[at_] == '\r'; }
 
   std::string_view text_;
@@ -125,7 +124,9 @@ class Table::Parser {
   std::size_t at_ = 0, line_ = 1;
 };
 
-Table Table::read(const std::string& path) { return parse(readTextFile(path), path); }
+Table Table::read(const std::string& path) {
+  return parse(readTextFile(path), path);
+}
 
 Table Table::parse(std::string_view text, const std::string& path) {
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
@@ -142,9 +143,10 @@ Table Table::parse(std::string_view text, const std::string& path) {
     table.rows_.push_back(std::move(*row));
     const std::size_t cells = table.rows_.back().cells.size();
     if (cells != table.columns_.size()) {
-      table.fail(table.rows_.size() - 1,
-                 std::to_string(cells) + " cells under " + std::to_string(table.columns_.size()) + " column names",
-                 "Give every column a value, n/a where there is none");
+      table.fail(
+          table.rows_.size() - 1,
+          std::to_string(cells) + " cells under " + std::to_string(table.columns_.size()) + " column names",
+          "Give every column a value, n/a where there is none");
     }
   }
   return table;
@@ -180,7 +182,8 @@ std::int32_t Table::integer(std::size_t row, std::size_t column) const {
   const auto value = number(row, column);
   constexpr double kLargest = std::numeric_limits<std::int32_t>::max();
   if (!value || *value != std::nearbyint(*value) || std::abs(*value) > kLargest) {
-    fail(row, "\"" + cell(row, column) + "\" under " + columns_[column] + " is no whole number", "Write a whole number");
+    fail(row, "\"" + cell(row, column) + "\" under " + columns_[column] + " is no whole number",
+         "Write a whole number");
   }
   return static_cast<std::int32_t>(*value);
 }
@@ -189,7 +192,9 @@ void Table::fail(std::size_t row, const std::string& reason, const std::string& 
   throw FileError(path_, "line " + std::to_string(rows_[row].line) + ": " + reason, remedy);
 }
 
-bool isMissing(std::string_view cell) { return cell.empty() || equalInAnyCase(cell, "n/a"); }
+bool isMissing(std::string_view cell) {
+  return cell.empty() || equalInAnyCase(cell, "n/a");
+}
 
 std::string tsvCell(const std::string& text) {
   if (text.find_first_of("\t\n\r\"") == std::string::npos) return text;

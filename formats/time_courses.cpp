@@ -67,7 +67,9 @@ bool addTile(const Stored* stored, std::int32_t constant, std::uint16_t* out) {
   return high == 0;
 }
 
-bool isSmallWholeNumber(double value) { return value == std::nearbyint(value) && std::abs(value) < 1e9; }
+bool isSmallWholeNumber(double value) {
+  return value == std::nearbyint(value) && std::abs(value) < 1e9;
+}
 
 template <typename Stored>
 bool tryTile(const Stored* stored, const Scaling& scaling, std::uint16_t* out) {
@@ -168,7 +170,8 @@ inline void turnSquare(const Value* from, std::size_t fromStep, Value* to, std::
 template <typename Out>
 void turn(const Out (&tile)[kTileVolumes][kTileVoxels], std::size_t voxels, std::size_t volumesHere,
           std::size_t volumes, Out* out) {
-  if (voxels != kTileVoxels || volumesHere != kTileVolumes) return turnAny(tile, voxels, volumesHere, volumes, out);
+  if (voxels != kTileVoxels || volumesHere != kTileVolumes)
+    return turnAny(tile, voxels, volumesHere, volumes, out);
   constexpr std::size_t n = Lanes<Out>::kCount;
   for (std::size_t v = 0; v < kTileVoxels; v += n) {
     for (std::size_t t = 0; t < kTileVolumes; t += n) {
@@ -225,7 +228,8 @@ bool toTimeCourses(const StoredForm& form, const SeriesSlab& slab, std::size_t f
 
 template bool convertRow(const StoredForm&, const char*, std::size_t, float*);
 template bool convertRow(const StoredForm&, const char*, std::size_t, std::uint16_t*);
-template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t, std::size_t, float*);
+template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t, std::size_t,
+                            float*);
 template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t, std::size_t,
                             std::uint16_t*);
 

@@ -31,9 +31,10 @@ template <typename Out>
 
 extern template bool convertRow(const StoredForm&, const char*, std::size_t, float*);
 extern template bool convertRow(const StoredForm&, const char*, std::size_t, std::uint16_t*);
-extern template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t, std::size_t, float*);
-extern template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t, std::size_t,
-                                   std::uint16_t*);
+extern template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t,
+                                   std::size_t, float*);
+extern template bool toTimeCourses(const StoredForm&, const SeriesSlab&, std::size_t, std::size_t,
+                                   std::size_t, std::uint16_t*);
 
 }  // namespace formats
 

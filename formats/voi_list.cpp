@@ -27,7 +27,8 @@ Voi voiOf(const JsonPlace& place) {
 }
 
 std::string voxelText(const VoxelIndex& voxel) {
-  return "[" + std::to_string(voxel[0]) + ", " + std::to_string(voxel[1]) + ", " + std::to_string(voxel[2]) + "]";
+  return "[" + std::to_string(voxel[0]) + ", " + std::to_string(voxel[1]) + ", " + std::to_string(voxel[2]) +
+         "]";
 }
 
 // Voxel indices by label, in file order; background left out.
@@ -47,7 +48,9 @@ std::map<std::int32_t, std::vector<VoxelIndex>> voxelsByLabel(const LabelImage& 
 
 }  // namespace
 
-VoiList readVoiJson(const std::string& path) { return parseVoiJson(readTextFile(path), path); }
+VoiList readVoiJson(const std::string& path) {
+  return parseVoiJson(readTextFile(path), path);
+}
 
 VoiList parseVoiJson(const std::string& text, const std::string& path) {
   const Json document = parseJson(text, path);
@@ -63,7 +66,8 @@ VoiList parseVoiJson(const std::string& text, const std::string& path) {
 
 // One voxel per line, for people who compare lists.
 void writeVoiJson(const std::string& path, const VoiList& list) {
-  std::string text = std::string("{\n  \"talairach\": ") + (list.talairach ? "true" : "false") + ",\n  \"vois\": [";
+  std::string text =
+      std::string("{\n  \"talairach\": ") + (list.talairach ? "true" : "false") + ",\n  \"vois\": [";
   for (std::size_t v = 0; v < list.vois.size(); ++v) {
     text += (v == 0 ? "\n" : ",\n") + std::string("    {\"name\": ") +
             Json(list.vois[v].name).dump(-1, ' ', false, Json::error_handler_t::replace) + ", \"voxels\": [";

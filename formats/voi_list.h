@@ -31,7 +31,7 @@ struct VoiList {
 void writeVoiJson(const std::string& path, const VoiList& list);
 
 struct LabelVois {
-  VoiList list;  // by ascending index
+  VoiList list;                       // by ascending index
   std::vector<std::int32_t> unnamed;  // in the image, not in the table: named "label-7"
   std::vector<Label> absent;          // in the table, no voxel in the image: left out of the list
 };

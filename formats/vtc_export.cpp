@@ -49,7 +49,8 @@ bool isVersion2(std::FILE* file) {
   return low == 2 && high == 0;
 }
 
-ImageHeader imageHeaderOf(const std::string& vtcPath, const VTC_Header& header, std::FILE* file, bool isShifted) {
+ImageHeader imageHeaderOf(const std::string& vtcPath, const VTC_Header& header, std::FILE* file,
+                          bool isShifted) {
   const VtcPlace place = placeOf(vtcPath, header);
   ImageHeader image;
   image.size = sizeOf(header);
@@ -66,8 +67,13 @@ ImageHeader imageHeaderOf(const std::string& vtcPath, const VTC_Header& header, 
 template <typename Stored>
 class VolumeGatherer {
  public:
-  VolumeGatherer(std::FILE* file, const VTC_Header& header, const std::string& path, float shift, float threshold)
-      : file_(file), header_(header), path_(path), shift_(shift), threshold_(threshold),
+  VolumeGatherer(std::FILE* file, const VTC_Header& header, const std::string& path, float shift,
+                 float threshold)
+      : file_(file),
+        header_(header),
+        path_(path),
+        shift_(shift),
+        threshold_(threshold),
         volumes_(static_cast<std::size_t>(header.nrOfVolumes)),
         pieceVoxels_(std::max<std::size_t>(kPieceBytes / (volumes_ * sizeof(Stored)), 1)),
         piece_(pieceVoxels_ * volumes_) {}
@@ -85,10 +91,11 @@ class VolumeGatherer {
 
  private:
   // Voxels outside the mask were stored as 0 and got no shift.
-  void scatter(const Stored* course, std::size_t first, std::size_t count, std::size_t voxel, std::size_t voxels,
-               std::vector<float>& out) const {
+  void scatter(const Stored* course, std::size_t first, std::size_t count, std::size_t voxel,
+               std::size_t voxels, std::vector<float>& out) const {
     const float shift = static_cast<float>(course[0]) > threshold_ ? shift_ : 0.0F;
-    for (std::size_t t = 0; t < count; ++t) out[t * voxels + voxel] = static_cast<float>(course[first + t]) - shift;
+    for (std::size_t t = 0; t < count; ++t)
+      out[t * voxels + voxel] = static_cast<float>(course[first + t]) - shift;
   }
 
   std::FILE* file_;
@@ -100,8 +107,8 @@ class VolumeGatherer {
 };
 
 template <typename Stored>
-void writeVolumes(VolumeGatherer<Stored> gatherer, std::size_t voxels, std::size_t volumes, std::size_t memoryBytes,
-                  NiftiWriter& writer) {
+void writeVolumes(VolumeGatherer<Stored> gatherer, std::size_t voxels, std::size_t volumes,
+                  std::size_t memoryBytes, NiftiWriter& writer) {
   const std::size_t step = std::clamp<std::size_t>(memoryBytes / (voxels * sizeof(float)), 1, volumes);
   std::vector<float> block(step * voxels);
   for (std::size_t t = 0; t < volumes; t += step) {
@@ -131,7 +138,8 @@ VTC_Header readVtcFileHeader(const std::string& path) {
 
 VtcPlace placeOf(const std::string& vtcPath, const VTC_Header& header) {
   if (const auto sidecar = readVtcSidecar(vtcPath)) return {sidecar->affine, sidecar->spaceCode, true};
-  return {talairachAffine(header.xStart, header.yStart, header.zStart, header.resolution), kTalairachCode, false};
+  return {talairachAffine(header.xStart, header.yStart, header.zStart, header.resolution), kTalairachCode,
+          false};
 }
 
 void exportVtc(const std::string& vtcPath, const std::string& imagePath, std::size_t memoryBytes) {
@@ -143,11 +151,11 @@ void exportVtc(const std::string& vtcPath, const std::string& imagePath, std::si
   NiftiWriter writer(imagePath, imageHeaderOf(vtcPath, header, file.get(), shift > 0));
   const std::size_t voxels = sizeOf(header).voxels(), volumes = static_cast<std::size_t>(header.nrOfVolumes);
   if (header.dataType == kVtcFloatData) {
-    writeVolumes(VolumeGatherer<float>(file.get(), header, vtcPath, shift, threshold), voxels, volumes, memoryBytes,
-                 writer);
-  } else {
-    writeVolumes(VolumeGatherer<std::uint16_t>(file.get(), header, vtcPath, shift, threshold), voxels, volumes,
+    writeVolumes(VolumeGatherer<float>(file.get(), header, vtcPath, shift, threshold), voxels, volumes,
                  memoryBytes, writer);
+  } else {
+    writeVolumes(VolumeGatherer<std::uint16_t>(file.get(), header, vtcPath, shift, threshold), voxels,
+                 volumes, memoryBytes, writer);
   }
   writer.commit();
 }

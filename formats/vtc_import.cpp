@@ -17,7 +17,9 @@ constexpr double kLeastTrMs = 20, kLargestTrMs = 60000;
 
 using MaskFlags = std::vector<std::uint8_t>;
 
-std::string fileNameOf(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+std::string fileNameOf(const std::string& path) {
+  return std::filesystem::path(path).filename().string();
+}
 
 double chooseTr(const ImageHeader& header, const ImportOptions& options, const std::string& path) {
   if (options.trMs > 0) return options.trMs;
@@ -25,8 +27,9 @@ double chooseTr(const ImageHeader& header, const ImportOptions& options, const s
     throw FileError(path, "its header gives no repetition time", "Give it in milliseconds with --tr");
   }
   if (header.trMs < kLeastTrMs || header.trMs > kLargestTrMs) {
-    throw FileError(path, "its header gives an implausible repetition time of " + std::to_string(header.trMs) + " ms",
-                    "Give the right one in milliseconds with --tr");
+    throw FileError(
+        path, "its header gives an implausible repetition time of " + std::to_string(header.trMs) + " ms",
+        "Give the right one in milliseconds with --tr");
   }
   return header.trMs;
 }
@@ -34,8 +37,9 @@ double chooseTr(const ImageHeader& header, const ImportOptions& options, const s
 int volumesToTake(const ImageHeader& header, const ImportOptions& options, const std::string& path) {
   const int volumes = header.volumes - options.skipVolumes;
   if (volumes >= 2) return volumes;
-  throw FileError(path, "it has " + std::to_string(header.volumes) + " volumes, of which " +
-                            std::to_string(std::max(volumes, 0)) + " would be used",
+  throw FileError(path,
+                  "it has " + std::to_string(header.volumes) + " volumes, of which " +
+                      std::to_string(std::max(volumes, 0)) + " would be used",
                   "Give a series of at least two volumes");
 }
 
@@ -85,13 +89,15 @@ std::vector<std::string> warningsOf(const ImportReport& report, const ImportOpti
                        " voxels have no finite first value and will be left out of every map");
   }
   if (options.maskPath.empty() && report.voxelsIncluded == 0) {
-    warnings.push_back("no voxel exceeds the inclusion threshold at the first volume, so every map will be empty: "
-                       "give a mask with --mask");
+    warnings.push_back(
+        "no voxel exceeds the inclusion threshold at the first volume, so every map will be empty: "
+        "give a mask with --mask");
   }
   // A float near the threshold has steps of 1e-7 of it: a change of a thousand steps is kept well.
   if (report.shift > 0 && report.meanChange < 1e-4 * (options.threshold + report.shift)) {
-    warnings.push_back("its values change so little from volume to volume that adding the constant rounds them: "
-                       "multiply the image by a large number first");
+    warnings.push_back(
+        "its values change so little from volume to volume that adding the constant rounds them: "
+        "multiply the image by a large number first");
   }
   return warnings;
 }
@@ -99,7 +105,8 @@ std::vector<std::string> warningsOf(const ImportReport& report, const ImportOpti
 VtcSidecar sidecarOf(const std::string& imagePath, const ImportOptions& options, const ImportReport& report) {
   VtcSidecar sidecar;
   sidecar.affine = report.image.affine;
-  sidecar.spaceCode = std::max(report.image.sformCode > 0 ? report.image.sformCode : report.image.qformCode, 1);
+  sidecar.spaceCode =
+      std::max(report.image.sformCode > 0 ? report.image.sformCode : report.image.qformCode, 1);
   sidecar.source = fileNameOf(imagePath);
   if (!options.maskPath.empty()) sidecar.mask = fileNameOf(options.maskPath);
   sidecar.trMs = report.trMs;
@@ -115,7 +122,8 @@ void putName(const std::string& name, VTC_Header& header) {
 
 }  // namespace
 
-ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath, const ImportOptions& options) {
+ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath,
+                       const ImportOptions& options) {
   NiftiStream stream(imagePath);
   const ImageHeader& image = stream.header();
   ImportReport report;
@@ -140,7 +148,8 @@ ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath,
                                   options.memoryBytes};
   const bool fits = transportSeries(transport, opening, stream, VoxelRuns(mask, image.size.voxels()), writer);
   if (!fits) {
-    throw FileError(imagePath, "some of its values do not fit 16 bits (0 to 65,535)", "Choose --type float32");
+    throw FileError(imagePath, "some of its values do not fit 16 bits (0 to 65,535)",
+                    "Choose --type float32");
   }
   writer.commit();
   sidecar.commit();

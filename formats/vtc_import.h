@@ -18,11 +18,11 @@
 namespace formats {
 
 struct ImportOptions {
-  std::string maskPath;      // empty: no mask
+  std::string maskPath;  // empty: no mask
   VtcType type = VtcType::kFloat32;
-  double trMs = 0;           // 0: the header's
-  double threshold = 100;    // inclusion threshold: a voxel counts when its first value exceeds it
-  int skipVolumes = 0;       // leave out so many volumes at the start
+  double trMs = 0;         // 0: the header's
+  double threshold = 100;  // inclusion threshold: a voxel counts when its first value exceeds it
+  int skipVolumes = 0;     // leave out so many volumes at the start
   Durability durability = Durability::kSynced;
   std::size_t memoryBytes = std::size_t{160} << 20U;  // for the series; a larger one waits in the file
 };
@@ -32,10 +32,10 @@ struct ImportReport {
   int volumes = 0;
   double trMs = 0;
   double shift = 0;
-  std::size_t voxelsIncluded = 0;   // whose first value exceeds the threshold, after the shift
-  std::size_t voxelsInMask = 0;     // all voxels when there is no mask
-  std::size_t notFinite = 0;        // inside the mask, first value not a number: never included
-  double meanChange = 0;            // inside the mask, between the first two volumes, in magnitude
+  std::size_t voxelsIncluded = 0;  // whose first value exceeds the threshold, after the shift
+  std::size_t voxelsInMask = 0;    // all voxels when there is no mask
+  std::size_t notFinite = 0;       // inside the mask, first value not a number: never included
+  double meanChange = 0;           // inside the mask, between the first two volumes, in magnitude
   std::vector<std::string> warnings;
 };
 
@@ -43,7 +43,8 @@ struct ImportReport {
 // is needed for every one of them to exceed the threshold at its first time point, so that the
 // inclusion threshold selects exactly the mask. Without one: values as they are.
 // Throws FileError; then neither file exists (or both older ones stay).
-ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath, const ImportOptions& options);
+ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath,
+                       const ImportOptions& options);
 
 }  // namespace formats
 

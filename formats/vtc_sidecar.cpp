@@ -8,7 +8,9 @@
 
 namespace formats {
 
-std::string sidecarPathOf(const std::string& vtcPath) { return vtcPath + ".json"; }
+std::string sidecarPathOf(const std::string& vtcPath) {
+  return vtcPath + ".json";
+}
 
 std::optional<VtcSidecar> readVtcSidecar(const std::string& vtcPath) {
   const std::string path = sidecarPathOf(vtcPath);

@@ -11,12 +11,12 @@
 namespace formats {
 
 struct VtcSidecar {
-  Affine affine;         // cell index to millimetres, RAS+
-  int spaceCode = 1;     // NIfTI form code of the affine
-  std::string source;    // file name of the image, without its folder
-  std::string mask;      // file name of the mask; empty: none
+  Affine affine;       // cell index to millimetres, RAS+
+  int spaceCode = 1;   // NIfTI form code of the affine
+  std::string source;  // file name of the image, without its folder
+  std::string mask;    // file name of the mask; empty: none
   double trMs = 0;
-  double shift = 0;      // added to every voxel inside the mask
+  double shift = 0;        // added to every voxel inside the mask
   double threshold = 100;  // the inclusion threshold that the shift was chosen for
 };
 

@@ -37,7 +37,8 @@ std::string encodeHeader(const VTC_Header& header, float trMs) {
   putInt16(bytes, header.dataType);
   putInt16(bytes, header.nrOfVolumes);
   putInt16(bytes, header.resolution);
-  for (const std::int32_t bound : {header.xStart, header.xEnd, header.yStart, header.yEnd, header.zStart, header.zEnd}) {
+  for (const std::int32_t bound :
+       {header.xStart, header.xEnd, header.yStart, header.yEnd, header.zStart, header.zEnd}) {
     putInt16(bytes, bound);
   }
   bytes += '\0';
@@ -46,7 +47,9 @@ std::string encodeHeader(const VTC_Header& header, float trMs) {
   return bytes;
 }
 
-bool fitsInt16(std::int32_t value) { return value >= 0 && value <= std::numeric_limits<std::int16_t>::max(); }
+bool fitsInt16(std::int32_t value) {
+  return value >= 0 && value <= std::numeric_limits<std::int16_t>::max();
+}
 
 }  // namespace
 
@@ -61,7 +64,8 @@ VTC_Header nativeVtcHeader(const std::string& path, const GridSize& size, int vo
   header.spaceCode = kNativeSpace;
   const bool fits = fitsInt16(volumes) && fitsInt16(size.x) && fitsInt16(size.y) && fitsInt16(size.z);
   if (!fits || !hasUsableGeometry(header)) {
-    throw FileError(path, "a VTC cannot hold " + toText(size) + " voxels x " + std::to_string(volumes) + " volumes",
+    throw FileError(path,
+                    "a VTC cannot hold " + toText(size) + " voxels x " + std::to_string(volumes) + " volumes",
                     "Crop the image or split the run");
   }
   return header;

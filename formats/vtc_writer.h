@@ -15,7 +15,8 @@ enum class VtcType { kFloat32, kUint16 };
 
 // The header of a VTC on the grid of an image: box from 0, resolution 1. Throws FileError (for
 // `path`) when the grid or the number of volumes does not fit the file format.
-[[nodiscard]] VTC_Header nativeVtcHeader(const std::string& path, const GridSize& size, int volumes, VtcType type);
+[[nodiscard]] VTC_Header nativeVtcHeader(const std::string& path, const GridSize& size, int volumes,
+                                         VtcType type);
 
 // Header, then time courses, voxel by voxel, in the type of the header.
 class VtcWriter {

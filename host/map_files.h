@@ -6,7 +6,7 @@
 #include <string>
 
 #include "formats/affine.h"
-#include "host/map_set.h"
+#include "host/nr_map_set.h"
 
 namespace host {
 

@@ -9,7 +9,7 @@
 
 #include "formats/affine.h"
 #include "host/map_files.h"
-#include "host/map_set.h"
+#include "host/nr_map_set.h"
 #include "host/workspace.h"
 
 namespace host {

@@ -19,7 +19,7 @@
 #include "formats/affine.h"
 #include "formats/image.h"
 #include "host/lent_array.h"
-#include "host/map_set.h"
+#include "host/nr_map_set.h"
 #include "hostapi/zq_records.h"
 
 namespace host {

@@ -43,13 +43,17 @@ bool checkVersionGreaterEqualVersion(int a1, int a2, int a3, int b1, int b2, int
 
 }  // namespace static_intf
 
-bool InitZQAccess() { return static_intf::InitZQAccess(); }
+bool InitZQAccess() {
+  return static_intf::InitZQAccess();
+}
 
 bool checkVersionGreaterEqualVersion(int a1, int a2, int a3, int b1, int b2, int b3) {
   return static_intf::checkVersionGreaterEqualVersion(a1, a2, a3, b1, b2, b3);
 }
 
 #define ZQ_OPERATION(result, name, parameters, arguments) \
-  result name parameters { return static_intf::name arguments; }
+  result name parameters {                                \
+    return static_intf::name arguments;                   \
+  }
 #include "hostapi/zq_functions.def"
 #undef ZQ_OPERATION

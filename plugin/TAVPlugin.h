@@ -67,15 +67,18 @@ class TAVPlugin : public CNZQPluginInterface {
   };
 
   void writeBanner();
-  void readSettings(std::istream& file, const std::string& path, tav::TAV_Pars& pars, std::ostringstream& messages);
+  void readSettings(std::istream& file, const std::string& path, tav::TAV_Pars& pars,
+                    std::ostringstream& messages);
   bool compute(const tav::TAV_Pars& pars, std::ostringstream& messages);
   void explainFailure(const std::string& messages, const std::string& conclusion);
 
   void addVoi(tav::TAV_Pars& pars, const VOIs_Header& vois, int index);
   int addConditions(tav::TAV_Pars& pars, int method);
   int addCondition(tav::TAV_Pars& pars, const std::string& name, int method);
-  int addVtcPair(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& pair, int method);
-  int addVtcSet(const tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& set, int method);
+  int addVtcPair(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& pair,
+                 int method);
+  int addVtcSet(const tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& set,
+                int method);
   bool loadProtocol(const std::string& path, VTC_Header& vtc, Protocol_Header& protocol);
   int addProtocolIntervals(tav::TAV_VTC_intv_set& set, const ProtocolCondition_Header& condition,
                            const ProtocolTiming& timing);

@@ -17,8 +17,10 @@ void forgetGeometry(tav::TAV_Pars& pars) {
 
 int askIntervalMethod() {
   return zqGetIntegerInput(
-      "<b>Interval selection</b><br>How do you want to select the vtc-intervals (conditions) used to compute the "
-      "TAVs?<br><br><b>Choose an option:</b><br>1. Manually specify a single interval per VTC<br>2. Specify a "
+      "<b>Interval selection</b><br>How do you want to select the vtc-intervals (conditions) used to compute "
+      "the "
+      "TAVs?<br><br><b>Choose an option:</b><br>1. Manually specify a single interval per VTC<br>2. Specify "
+      "a "
       "condition from a loaded protocol (.prt) for every VTC to define the intervals",
       1, 1, 2);
 }
@@ -48,7 +50,8 @@ int TAVPlugin::tavGetParametersFromUser(tav::TAV_Pars& pars, VOIs_Header& vois) 
 int TAVPlugin::addConditions(tav::TAV_Pars& pars, int method) {
   while (true) {
     const auto name = askText(
-        "<b>Add a Condition</b><br> Give a name for a set of intervals (Condition) used to compute TAVs over (or "
+        "<b>Add a Condition</b><br> Give a name for a set of intervals (Condition) used to compute TAVs over "
+        "(or "
         "press OK while empty to stop adding):");
     if (!name) return tav::kCancelled;
     if (name->empty()) {
@@ -57,7 +60,8 @@ int TAVPlugin::addConditions(tav::TAV_Pars& pars, int method) {
       continue;
     }
     if (hasCondition(pars, *name)) {
-      refuseSelection("You have already selected that condition-name. Try again after closing this messagebox.");
+      refuseSelection(
+          "You have already selected that condition-name. Try again after closing this messagebox.");
       continue;
     }
     const int status = addCondition(pars, *name, method);

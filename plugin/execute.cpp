@@ -5,6 +5,7 @@
 #include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "plugin/TAVPlugin.h"
 #include "plugin/host_prompts.h"
+#include "plugin/host_store.h"
 #include "tav/ini_file.h"
 #include "tav/tav.h"
 
@@ -18,7 +19,8 @@ bool hasVmr() {
   int dimZ = 0;
   if (zqGetCurrentVMR(&dimX, &dimY, &dimZ) != 0) return true;
   zqMessageBox(
-      "<b>No VMR</b><br>The TAV-plugin requires a VMR to operate. Make sure that a VMR is open and that its window "
+      "<b>No VMR</b><br>The TAV-plugin requires a VMR to operate. Make sure that a VMR is open and that its "
+      "window "
       "is selected.");
   return false;
 }
@@ -28,7 +30,8 @@ bool hasLinkedVtc() {
   zqGetVTCOfCurrentVMR(&header);
   if (header.dataOffset != -1) return true;
   zqMessageBox(
-      "<b>No VTC</b><br>The TAV-plugin requires a referenced VTC to correctly access VOI-definitions.\n Make sure "
+      "<b>No VTC</b><br>The TAV-plugin requires a referenced VTC to correctly access VOI-definitions.\n Make "
+      "sure "
       "that a VTC is linked.");
   return false;
 }
@@ -37,7 +40,8 @@ bool hasVois(VOIs_Header& vois) {
   zqGetVOIs(&vois);
   if (vois.nrOfVOIs > 0) return true;
   zqMessageBox(
-      "<b>No VOI file</b><br>The TAV-plugin requires definitions of VOIs to operate.\n Make sure that an appropriate "
+      "<b>No VOI file</b><br>The TAV-plugin requires definitions of VOIs to operate.\n Make sure that an "
+      "appropriate "
       "VOI-file is loaded (Shift+R after closing this message).");
   return false;
 }
@@ -86,7 +90,9 @@ void TAVPlugin::readSettings(std::istream& file, const std::string& path, tav::T
 bool TAVPlugin::compute(const tav::TAV_Pars& pars, std::ostringstream& messages) {
   zqShowBusyCursor();
   tavLogText("Computing...");
-  tav::Computer computer;
+  HostStore store;
+  HostLog log;
+  tav::Computer computer({}, &log, &store);
   const int status = computer.computeTAVs(pars, messages);
   if (status == tav::kSuccess) {
     zqStopBusyCursor();
@@ -95,9 +101,10 @@ bool TAVPlugin::compute(const tav::TAV_Pars& pars, std::ostringstream& messages)
     return true;
   }
   if (status == tav::kInvalidParameters) {
-    explainFailure(messages.str(),
-                   "An invalid input parameter-set caused computation to terminate.\nTry again with a different "
-                   "parameter-set. Exiting...");
+    explainFailure(
+        messages.str(),
+        "An invalid input parameter-set caused computation to terminate.\nTry again with a different "
+        "parameter-set. Exiting...");
   }
   if (status == tav::kTerminalError) explainFailure(messages.str(), kTerminalErrorText);
   zqStopBusyCursor();

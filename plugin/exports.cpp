@@ -4,7 +4,9 @@
 
 #define TAV_EXPORT extern "C" __attribute__((visibility("default")))
 
-TAV_EXPORT const char* getPluginName() { return "Tavmap Mapping (TAV) v1.5"; }
+TAV_EXPORT const char* getPluginName() {
+  return "Tavmap Mapping (TAV) v1.5";
+}
 
 TAV_EXPORT const char* getPluginDescription() {
   return "Computes Tavmap Maps (<i>TAV</i>s) for selected reference regions (VOIs).<br><br>"
@@ -18,12 +20,20 @@ TAV_EXPORT const char* getAuthor() {
 }
 
 // Relative to the host's plug-ins folder.
-TAV_EXPORT const char* getHelpFile() { return "TAV_Help/main.html"; }
+TAV_EXPORT const char* getHelpFile() {
+  return "TAV_Help/main.html";
+}
 
-TAV_EXPORT const char* getRegistrationOfGenericComponentLoader() { return "Overlay Tavmap Maps (tav)"; }
+TAV_EXPORT const char* getRegistrationOfGenericComponentLoader() {
+  return "Overlay Tavmap Maps (tav)";
+}
 
 // No GUI script: an empty text, never null.
-TAV_EXPORT const char* getGUIScript() { return ""; }
+TAV_EXPORT const char* getGUIScript() {
+  return "";
+}
 
 // The host owns the object.
-TAV_EXPORT CNZQPluginInterface* createPlugin() { return new TAVPlugin; }
+TAV_EXPORT CNZQPluginInterface* createPlugin() {
+  return new TAVPlugin;
+}

@@ -20,7 +20,9 @@ std::optional<std::string> askSaveFile(const std::string& title) {
   return textOf(path);
 }
 
-void refuseSelection(const std::string& reason) { zqMessageBox(("<b>Invalid selection</b><br>" + reason).c_str()); }
+void refuseSelection(const std::string& reason) {
+  zqMessageBox(("<b>Invalid selection</b><br>" + reason).c_str());
+}
 
 std::string pluginsFolder() {
   char path[kHostTextBytes] = {};

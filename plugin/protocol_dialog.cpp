@@ -20,15 +20,17 @@ std::optional<std::string> askProtocolFile() {
   while (true) {
     auto path = askOpenFile("Specify a protocol file with VOLUME time-resolution", "Protocol Files (*.prt)");
     if (!path || path->size() <= kMaxProtocolPath) return path;
-    refuseSelection("The path of the protocol file has more than " + std::to_string(kMaxProtocolPath) +
-                    " characters. Move the file to a folder with a shorter path. Try again after closing this dialog");
+    refuseSelection(
+        "The path of the protocol file has more than " + std::to_string(kMaxProtocolPath) +
+        " characters. Move the file to a folder with a shorter path. Try again after closing this dialog");
   }
 }
 
 std::string protocolMenu(const Protocol_Header& protocol, const char* vtcName) {
   std::string menu =
-      std::string("<b>Select a PRT Condition</b><br>Select a single condition from the currently loaded protocol to "
-                  "specify the intervals for the current TAV condition in <i>") +
+      std::string(
+          "<b>Select a PRT Condition</b><br>Select a single condition from the currently loaded protocol to "
+          "specify the intervals for the current TAV condition in <i>") +
       vtcName + "</i><br><br><b>Select:</b><br>";
   for (int i = 0; i < protocol.nrOfConditions; ++i) {
     ProtocolCondition_Header condition{};
@@ -48,7 +50,9 @@ std::int32_t clampToInt32(long double value) {
 // 1), the end to the nearest border alone: deliberately asymmetric, so that blocks that follow one
 // another share no volume.
 tav::TAV_intv volumesOf(std::int32_t startMs, std::int32_t endMs, std::int32_t trMs) {
-  const auto border = [trMs](std::int32_t ms) { return std::trunc(static_cast<long double>(ms) / trMs + 0.5L); };
+  const auto border = [trMs](std::int32_t ms) {
+    return std::trunc(static_cast<long double>(ms) / trMs + 0.5L);
+  };
   const std::int32_t first = clampToInt32(border(startMs) + 1);
   return {first, std::max(first, clampToInt32(border(endMs)))};
 }
@@ -61,7 +65,8 @@ int TAVPlugin::tavGetVtcIntvsFromUser(tav::TAV_VTC_intv_set* set, const char* vt
   VTC_Header vtc{};
   Protocol_Header protocol{};
   if (!loadProtocol(*path, vtc, protocol)) return tav::kTerminalError;
-  const int choice = zqGetIntegerInput(protocolMenu(protocol, vtcName).c_str(), 1, 1, protocol.nrOfConditions);
+  const int choice =
+      zqGetIntegerInput(protocolMenu(protocol, vtcName).c_str(), 1, 1, protocol.nrOfConditions);
   if (choice < 1) return tav::kCancelled;
   ProtocolCondition_Header condition{};
   zqGetProtocolCondition(choice - 1, &condition);
@@ -90,7 +95,8 @@ int TAVPlugin::addProtocolIntervals(tav::TAV_VTC_intv_set& set, const ProtocolCo
   if (timing.resolution == kProtocolInMilliseconds) {
     tavLogText("\tWARNING: The specified protocol has millisecond resolution, TAV requires volumes");
     tavLogText(
-        "\tWARNING: Converting milliseconds to volumes (using current VTC's TR), please check intervals below or in "
+        "\tWARNING: Converting milliseconds to volumes (using current VTC's TR), please check intervals "
+        "below or in "
         "written log-file");
   }
   for (int i = 0; i < condition.nrOfIntervals; ++i) {
@@ -100,7 +106,8 @@ int TAVPlugin::addProtocolIntervals(tav::TAV_VTC_intv_set& set, const ProtocolCo
   return tav::kSuccess;
 }
 
-int TAVPlugin::addProtocolInterval(tav::TAV_VTC_intv_set& set, int start, int end, const ProtocolTiming& timing) {
+int TAVPlugin::addProtocolInterval(tav::TAV_VTC_intv_set& set, int start, int end,
+                                   const ProtocolTiming& timing) {
   if (timing.resolution == kProtocolInVolumes) {
     addInterval(set, {start, end});  // whatever its length
     return tav::kSuccess;
@@ -110,7 +117,8 @@ int TAVPlugin::addProtocolInterval(tav::TAV_VTC_intv_set& set, int start, int en
   return tav::kTerminalError;
 }
 
-int TAVPlugin::addMilliseconds(tav::TAV_VTC_intv_set& set, int startMs, int endMs, const ProtocolTiming& timing) {
+int TAVPlugin::addMilliseconds(tav::TAV_VTC_intv_set& set, int startMs, int endMs,
+                               const ProtocolTiming& timing) {
   if (timing.trMs < 1) {
     tavLogText("ERROR: The current VTC has no repetition time (TR) to convert milliseconds to volumes: " +
                std::to_string(timing.trMs) + " ms. Use a protocol in volumes or correct the VTC");
@@ -118,8 +126,9 @@ int TAVPlugin::addMilliseconds(tav::TAV_VTC_intv_set& set, int startMs, int endM
   }
   const tav::TAV_intv interval = volumesOf(startMs, endMs, timing.trMs);
   if (std::int64_t{interval.last} - interval.first < timing.arOrder) {
-    tavLogText("ERROR : The interval (" + std::to_string(interval.first) + ", " + std::to_string(interval.last) +
-               ") is invalid: last-first+1 must be greater than AR-order(" + std::to_string(timing.arOrder) + ")");
+    tavLogText("ERROR : The interval (" + std::to_string(interval.first) + ", " +
+               std::to_string(interval.last) + ") is invalid: last-first+1 must be greater than AR-order(" +
+               std::to_string(timing.arOrder) + ")");
     return tav::kInvalidParameters;
   }
   addInterval(set, interval);

@@ -10,7 +10,8 @@ namespace {
 std::string voiMenu(int nrOfVois) {
   std::string menu =
       "<b>Welcome to the TAV-Plugin</b><br><br><b>Select VOIs</b><br>Each TAV is computed with respect to a "
-      "selectable reference region (VOI). You can select multiple VOIs to compute multiple TAVs in one run of the "
+      "selectable reference region (VOI). You can select multiple VOIs to compute multiple TAVs in one run "
+      "of the "
       "TAV-plugin.<br><br><b>Add a VOI as a reference region:</b><br>0. <i>Stop selecting</i><br>";
   for (int i = 0; i < nrOfVois; ++i) {
     VOI_Header header{};

@@ -32,14 +32,17 @@ int TAVPlugin::tavGetVtcsForConditionFromUser(tav::TAV_Pars& pars, tav::TAV_Cond
     if (!path) {
       if (!cond.vtcIntvSets.empty()) return tav::kSuccess;
       refuseSelection(
-          "You have select at least one VTC and an interval within that VTC. Try again after closing this dialog");
+          "You have select at least one VTC and an interval within that VTC. Try again after closing this "
+          "dialog");
     } else if (hasSet(cond, *path, *path)) {
       refuseSelection(
           "You have already selected that VTC for this condition. Try again after closing this messagebox.");
     } else if (!checkVTC(pars, *path)) {
       refuseSelection(
-          "Either could not open vtc or the selected vtc is not of the same dimensions as previously selected ones. "
-          "Resolution (3mm, 2mm, or 1mm) and reference space (un-transformed, ACPC, or TAL) must be the same for all "
+          "Either could not open vtc or the selected vtc is not of the same dimensions as previously "
+          "selected ones. "
+          "Resolution (3mm, 2mm, or 1mm) and reference space (un-transformed, ACPC, or TAL) must be the same "
+          "for all "
           "VTCs.");
     } else {
       if (logUserSelections) tavLogText("\t" + *path);
@@ -59,7 +62,8 @@ int TAVPlugin::tavGetVtcPairsForConditionFromUser(tav::TAV_Pars& pars, tav::TAV_
     if (!source) {
       if (!cond.vtcIntvSets.empty()) return tav::kSuccess;
       refuseSelection(
-          "You have select at least one VTC-Pair (source and target) and an interval within those VTCs. Try again "
+          "You have select at least one VTC-Pair (source and target) and an interval within those VTCs. Try "
+          "again "
           "after closing this dialog");
       continue;
     }
@@ -75,14 +79,17 @@ int TAVPlugin::addVtcPair(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const t
                           int method) {
   if (hasSet(cond, pair.srcVtcName, pair.trgVtcName)) {
     refuseSelection(
-        "You have already selected that source-target VTC-pair for this condition. Try again after closing this "
+        "You have already selected that source-target VTC-pair for this condition. Try again after closing "
+        "this "
         "messagebox.");
     return tav::kSuccess;
   }
   if (!checkVTC(pars, pair.srcVtcName) || !checkVTC(pars, pair.trgVtcName)) {
     refuseSelection(
-        "Either could not open (one of) the (source or target) vtcs or (one of) the selected vtc is not of the same "
-        "dimensions as previously selected ones. Resolution (3mm, 2mm, or 1mm) and reference space (un-transformed, "
+        "Either could not open (one of) the (source or target) vtcs or (one of) the selected vtc is not of "
+        "the same "
+        "dimensions as previously selected ones. Resolution (3mm, 2mm, or 1mm) and reference space "
+        "(un-transformed, "
         "ACPC, or TAL) must be the same for all VTCs.");
     return tav::kSuccess;
   }
@@ -91,8 +98,8 @@ int TAVPlugin::addVtcPair(tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const t
 }
 
 // The set stays in the condition even when its intervals are cancelled.
-int TAVPlugin::addVtcSet(const tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond, const tav::TAV_VTC_intv_set& set,
-                         int method) {
+int TAVPlugin::addVtcSet(const tav::TAV_Pars& pars, tav::TAV_Cond_Pars& cond,
+                         const tav::TAV_VTC_intv_set& set, int method) {
   tav::TAV_VTC_intv_set& added = cond.vtcIntvSets.emplace_back(set);
   const char* name = set.srcVtcName.c_str();
   if (method == kTypedIntervals) return tavGetVtcBeginEndFromUser(&added, name, pars.arOrder);

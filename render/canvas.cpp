@@ -9,9 +9,13 @@
 namespace render {
 namespace {
 
-double channel(std::int32_t colour, int shift) { return ((colour >> shift) & 0xFF) / 255.0; }
+double channel(std::int32_t colour, int shift) {
+  return ((colour >> shift) & 0xFF) / 255.0;
+}
 
-double between(double from, double to, double share) { return from + (to - from) * share; }
+double between(double from, double to, double share) {
+  return from + (to - from) * share;
+}
 
 cairo_status_t append(void* text, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(text)->append(reinterpret_cast<const char*>(data), length);

@@ -10,7 +10,8 @@ namespace render {
 
 // At most `count` positions along the patient's top axis, from the bottom up, spread evenly over
 // the range of slices that hold non-zero anatomy (over all slices when there is none).
-[[nodiscard]] std::vector<int> chooseSlices(const Upright& view, const std::vector<float>& anatomy, int count);
+[[nodiscard]] std::vector<int> chooseSlices(const Upright& view, const std::vector<float>& anatomy,
+                                            int count);
 
 }  // namespace render
 

@@ -32,7 +32,8 @@ struct Layout {
 };
 
 void requireSize(std::size_t size, std::size_t voxels, const char* what) {
-  if (size != voxels) throw std::runtime_error(std::string("the ") + what + " does not fit the grid of the map");
+  if (size != voxels)
+    throw std::runtime_error(std::string("the ") + what + " does not fit the grid of the map");
 }
 
 void checkSizes(const SlicePicture& p) {

@@ -38,9 +38,9 @@ std::array<std::size_t, 3> closestAssignment(const Affine& affine) {
 }  // namespace
 
 Upright::Upright(const std::array<int, 3>& dims, const Affine& affine) {
-  const std::array<std::size_t, 3> storedStride = {1, static_cast<std::size_t>(dims[0]),
-                                                   static_cast<std::size_t>(dims[0]) *
-                                                       static_cast<std::size_t>(dims[1])};
+  const std::array<std::size_t, 3> storedStride = {
+      1, static_cast<std::size_t>(dims[0]),
+      static_cast<std::size_t>(dims[0]) * static_cast<std::size_t>(dims[1])};
   const auto storedAxisOf = closestAssignment(affine);
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const std::size_t stored = storedAxisOf[axis];

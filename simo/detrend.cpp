@@ -1,5 +1,9 @@
 #include "simo/detrend.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
 namespace simo {
 namespace {
 
@@ -51,6 +55,34 @@ void dtrendRowsToRes(const Matrix<T>& src, int rowFirst, int rowEnd, int colFirs
   }
 }
 
+// Sums run over the differences from the first value, so that constants leave exactly 0.
+template <class T>
+bool detrendRow(const T* values, int count, double* residuals) {
+  constexpr double kRounding = 1e-9;
+  const double first = static_cast<double>(values[0]), n = count;
+  double sum = 0, products = 0, rampSquares = 0;
+  for (int t = 0; t < count; ++t) {
+    const double u = t / (n - 1) - 0.5;
+    residuals[t] = static_cast<double>(values[t]) - first;
+    sum += residuals[t];
+    products += u * residuals[t];
+    rampSquares += u * u;
+  }
+  const double mean = sum / n, slope = products / rampSquares;
+  double squares = 0;
+  for (int t = 0; t < count; ++t) {
+    residuals[t] -= mean + slope * (t / (n - 1) - 0.5);
+    squares += residuals[t] * residuals[t];
+  }
+  const double size = kRounding * (std::abs(first) + std::abs(mean) + std::abs(slope));
+  if (!(squares <= n * size * size)) return true;
+  std::fill(residuals, residuals + count, 0.0);
+  return false;
+}
+
+template bool detrendRow<float>(const float*, int, double*);
+template bool detrendRow<double>(const double*, int, double*);
+template bool detrendRow<std::uint16_t>(const std::uint16_t*, int, double*);
 template void dtrendRowsToRes<float, float>(const Matrix<float>&, int, int, int, int, Matrix<float>&, int,
                                             int);
 

@@ -16,6 +16,13 @@ template <class T, class U>
 void dtrendRowsToRes(const Matrix<T>& src, int rowFirst, int rowEnd, int colFirst, int colEnd, Matrix<U>& dst,
                      int dstRow, int dstCol);
 
+// The same of one row of `count` values, at least 2, in double precision; instantiated for float,
+// double and std::uint16_t. False, with residuals of 0, when what is left is no more than rounding: a root
+// mean square below 1e-9 of the values' or the trend's size. Not finite values give residuals that are not
+// finite, and true.
+template <class T>
+[[nodiscard]] bool detrendRow(const T* values, int count, double* residuals);
+
 }  // namespace simo
 
 #endif

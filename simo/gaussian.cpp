@@ -47,11 +47,17 @@ void fillRow(RandomStream& random, T* row, int colFirst, int colEnd) {
 
 template <class T>
 void randn(Matrix<T>& m, int rowFirst, int rowEnd, int colFirst, int colEnd, unsigned int seed) {
-  RandomStream& random = randomStream();
-  random.seed(static_cast<unsigned>(timeBase()) + seed);
+  randn(m, rowFirst, rowEnd, colFirst, colEnd, randomStream(), static_cast<unsigned>(timeBase()) + seed);
+}
+
+template <class T>
+void randn(Matrix<T>& m, int rowFirst, int rowEnd, int colFirst, int colEnd, RandomStream& random,
+           unsigned int start) {
+  random.seed(start);
   for (int r = rowFirst; r < rowEnd; ++r) fillRow(random, m[r], colFirst, colEnd);
 }
 
 template void randn<float>(Matrix<float>&, int, int, int, int, unsigned int);
+template void randn<float>(Matrix<float>&, int, int, int, int, RandomStream&, unsigned int);
 
 }  // namespace simo

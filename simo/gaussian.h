@@ -3,6 +3,7 @@
 #define TAVMAP_SIMO_GAUSSIAN_H
 
 #include "simo/matrix.h"
+#include "simo/random_stream.h"
 
 namespace simo {
 
@@ -18,6 +19,11 @@ namespace simo {
 // Polar method: Marsaglia & Bray 1964, SIAM Review 6, 260-264, doi:10.1137/1006063.
 template <class T>
 void randn(Matrix<T>& m, int rowFirst, int rowEnd, int colFirst, int colEnd, unsigned int seed);
+
+// The same from the caller's stream, which starts anew with `start`.
+template <class T>
+void randn(Matrix<T>& m, int rowFirst, int rowEnd, int colFirst, int colEnd, RandomStream& random,
+           unsigned int start);
 
 }  // namespace simo
 

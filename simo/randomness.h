@@ -10,7 +10,7 @@
 
 namespace simo {
 
-// The stream of the calling thread: a run seeds and draws on one thread. Before the first seeding it
+// The stream of the calling thread, for callers without one of their own. Before the first seeding it
 // is as seeded with 1.
 [[nodiscard]] RandomStream& randomStream();
 

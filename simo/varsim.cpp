@@ -3,6 +3,7 @@
 #include "simo/cholesky.h"
 #include "simo/gaussian.h"
 #include "simo/lower_triangular.h"
+#include "simo/randomness.h"
 
 namespace simo {
 namespace {
@@ -36,9 +37,15 @@ void addPast(const Vector<Matrix<T>>& a, int i, int t, Matrix<T>& x) {
 
 template <class T>
 bool varsim(Matrix<T>& x, const Vector<Matrix<T>>& a, const Matrix<T>& sigma, unsigned int seed) {
+  return varsim(x, a, sigma, randomStream(), static_cast<unsigned>(timeBase()) + seed);
+}
+
+template <class T>
+bool varsim(Matrix<T>& x, const Vector<Matrix<T>>& a, const Matrix<T>& sigma, RandomStream& random,
+            unsigned int start) {
   LTMatrix<T> factor(sigma.nRows, sigma.rowBase, sigma.rowBase, T{0});
   if (!cholDcmpP(sigma, sigma.rowBase, sigma.rowEnd, factor)) return false;
-  randn(x, x.rowBase, x.rowEnd, x.colBase, x.colEnd, seed);
+  randn(x, x.rowBase, x.rowEnd, x.colBase, x.colEnd, random, start);
   colour(factor, x);
   for (int t = x.colBase + a.n; t < x.colEnd; ++t)
     for (int i = 0; i < x.nRows; ++i) addPast(a, i, t, x);
@@ -46,5 +53,7 @@ bool varsim(Matrix<T>& x, const Vector<Matrix<T>>& a, const Matrix<T>& sigma, un
 }
 
 template bool varsim<float>(Matrix<float>&, const Vector<Matrix<float>>&, const Matrix<float>&, unsigned int);
+template bool varsim<float>(Matrix<float>&, const Vector<Matrix<float>>&, const Matrix<float>&, RandomStream&,
+                            unsigned int);
 
 }  // namespace simo

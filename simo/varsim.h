@@ -3,6 +3,7 @@
 #define TAVMAP_SIMO_VARSIM_H
 
 #include "simo/matrix.h"
+#include "simo/random_stream.h"
 #include "simo/vector.h"
 
 namespace simo {
@@ -22,6 +23,11 @@ namespace simo {
 template <class T>
 [[nodiscard]] bool varsim(Matrix<T>& x, const Vector<Matrix<T>>& a, const Matrix<T>& sigma,
                           unsigned int seed);
+
+// The same with the noise of randn(x, ..., random, start).
+template <class T>
+[[nodiscard]] bool varsim(Matrix<T>& x, const Vector<Matrix<T>>& a, const Matrix<T>& sigma,
+                          RandomStream& random, unsigned int start);
 
 }  // namespace simo
 

@@ -8,8 +8,8 @@ namespace {
 constexpr const char* kOnlyFirstVoi = "# reference: the first VOI, then stop\ninteger 1\ninteger 0\n";
 
 std::string opening(int method, const std::string& what, const std::string& condition) {
-  return kOnlyFirstVoi + ("# intervals: " + what) + "\ninteger " + std::to_string(method) + "\n# a condition\ntext " +
-         condition + '\n';
+  return kOnlyFirstVoi + ("# intervals: " + what) + "\ninteger " + std::to_string(method) +
+         "\n# a condition\ntext " + condition + '\n';
 }
 
 std::string ending(const std::string& prefix) {

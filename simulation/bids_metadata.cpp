@@ -10,9 +10,13 @@ using Json = nlohmann::ordered_json;
 constexpr const char* kBidsVersion = "1.8.0";
 constexpr const char* kSimulator = "tavmap simulate";
 
-std::string textOf(const Json& json) { return json.dump(2) + '\n'; }
+std::string textOf(const Json& json) {
+  return json.dump(2) + '\n';
+}
 
-Json boldSidecar(double trMs) { return {{"TaskName", kTask}, {"RepetitionTime", trMs / 1000}}; }
+Json boldSidecar(double trMs) {
+  return {{"TaskName", kTask}, {"RepetitionTime", trMs / 1000}};
+}
 
 }  // namespace
 
@@ -36,12 +40,14 @@ std::string derivativeDescription(const std::string& name) {
 std::string readmeText() {
   return "Simulated scans with planted influences\n"
          "=======================================\n\n"
-         "No person was scanned. Every participant has the same nine regions: one reference, and regions that\n"
+         "No person was scanned. Every participant has the same nine regions: one reference, and regions "
+         "that\n"
          "it drives, that drive it, that share its noise, and that have nothing to do with it. The task has\n"
          "blocks of faces and houses, which change nothing: the influences hold throughout.\n\n"
          "derivatives/preprocessed holds the same runs with the names and the nuisance series of a\n"
          "preprocessing pipeline. Its nuisance series disturb the images as real ones do.\n"
-         "derivatives/atlas holds the regions as a label image, and sub-<label>_truth.json: what was planted.\n";
+         "derivatives/atlas holds the regions as a label image, and sub-<label>_truth.json: what was "
+         "planted.\n";
 }
 
 std::string participantsTable(int participants) {
@@ -52,7 +58,8 @@ std::string participantsTable(int participants) {
 }
 
 std::string participantsSidecar() {
-  return textOf({{"age", {{"Description", "Not given: the participants are simulated"}, {"Units", "years"}}}});
+  return textOf(
+      {{"age", {{"Description", "Not given: the participants are simulated"}, {"Units", "years"}}}});
 }
 
 std::string eventsSidecar() {
@@ -60,7 +67,9 @@ std::string eventsSidecar() {
   return textOf({{"trial_type", {{"Description", "What was shown"}, {"Levels", levels}}}});
 }
 
-std::string anatomySidecar() { return textOf({{"Modality", "MR"}, {"SkullStripped", true}}); }
+std::string anatomySidecar() {
+  return textOf({{"Modality", "MR"}, {"SkullStripped", true}});
+}
 
 std::string rawBoldSidecar(double trMs, int slices) {
   Json sidecar = boldSidecar(trMs);
@@ -76,7 +85,9 @@ std::string preprocessedBoldSidecar(double trMs) {
   return textOf(sidecar);
 }
 
-std::string maskSidecar() { return textOf({{"Type", "Brain"}}); }
+std::string maskSidecar() {
+  return textOf({{"Type", "Brain"}});
+}
 
 std::string confoundsSidecar(const std::vector<Confound>& confounds) {
   Json sidecar = Json::object();

@@ -34,7 +34,9 @@ std::string subjectName(int participant) {
   return (participant < 10 ? "sub-0" : "sub-") + std::to_string(participant);
 }
 
-std::string inSpace(const std::string& stem) { return stem + "_space-" + kSpace; }
+std::string inSpace(const std::string& stem) {
+  return stem + "_space-" + kSpace;
+}
 
 void writeTop(const Tree& tree, int participants) {
   using formats::writeTextFile;
@@ -47,7 +49,8 @@ void writeTop(const Tree& tree, int participants) {
   writeTextFile(tree.folder + "/task-" + kTask + "_events.json", eventsSidecar());
   writeTextFile(tree.derivatives() + "/dataset_description.json",
                 derivativeDescription("Simulated scans as if preprocessed"));
-  writeTextFile(tree.atlas() + "/dataset_description.json", derivativeDescription("Regions of the simulated head"));
+  writeTextFile(tree.atlas() + "/dataset_description.json",
+                derivativeDescription("Regions of the simulated head"));
 }
 
 void writeAtlas(const Tree& tree) {
@@ -57,7 +60,8 @@ void writeAtlas(const Tree& tree) {
 }
 
 void writeAnatomies(const Tree& tree, const std::string& subject) {
-  const std::string raw = tree.folder + '/' + subject + "/anat/", derived = tree.derivatives() + '/' + subject + "/anat/";
+  const std::string raw = tree.folder + '/' + subject + "/anat/",
+                    derived = tree.derivatives() + '/' + subject + "/anat/";
   makeFolder(raw);
   makeFolder(derived);
   const std::string preprocessed = inSpace(derived + subject);
@@ -76,10 +80,11 @@ formats::ImageHeader seriesHeader(const Tree& tree, formats::DataType type) {
 }
 
 // The raw series is the other one rounded to whole numbers, as scanners give it.
-void writeSeries(const Tree& tree, const Series& paths, const Artefacts& artefacts, RandomStream& random) {
+void writeSeries(const Tree& tree, const Series& paths, const Artefacts& artefacts, NoiseStream& random) {
   Scan scan(tree.head, tree.model, artefacts, tree.options.volumes, random);
   formats::NiftiWriter raw(paths.raw + ".nii.gz", seriesHeader(tree, formats::DataType::kInt16));
-  formats::NiftiWriter preprocessed(paths.preprocessed + ".nii.gz", seriesHeader(tree, formats::DataType::kFloat32));
+  formats::NiftiWriter preprocessed(paths.preprocessed + ".nii.gz",
+                                    seriesHeader(tree, formats::DataType::kFloat32));
   for (int volume = 0; volume < tree.options.volumes; ++volume) {
     const std::vector<float>& values = scan.nextVolume();
     raw.writeValues(values.data(), values.size());
@@ -108,9 +113,9 @@ void writeRun(const Tree& tree, int participant, int run) {
       '/' + subject + "/func/" + subject + "_task-" + kTask + "_run-" + std::to_string(run);
   const std::string raw = tree.folder + name, derived = tree.derivatives() + name;
   const auto person = static_cast<std::uint32_t>(participant), number = static_cast<std::uint32_t>(run);
-  RandomStream nuisance(tree.options.seed, person, kConfoundStreams + number);
+  NoiseStream nuisance(tree.options.seed, person, kConfoundStreams + number);
   const std::vector<Confound> confounds = drawConfounds(tree.options.volumes, nuisance);
-  RandomStream random(tree.options.seed, person, number);
+  NoiseStream random(tree.options.seed, person, number);
   writeSeries(tree, {raw + "_bold", inSpace(derived) + "_desc-preproc_bold"}, artefactsOf(confounds), random);
   writeRunMask(tree, derived);
   writeConfounds(derived, confounds);
@@ -134,7 +139,7 @@ void writeBidsTree(const std::string& folder, const DataSetOptions& options, int
   const InfluenceModel model = plantedModel(options.strength);
   HeadOptions headOptions = options.head;
   headOptions.spaceCode = kMniSpace;
-  RandomStream random(options.seed, kHeadParticipant, kHeadStream);
+  NoiseStream random(options.seed, kHeadParticipant, kHeadStream);
   const Head head = makeHead(headOptions, model, random);
   const Tree tree{folder, options, model, head};
   writeTop(tree, participants);

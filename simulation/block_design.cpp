@@ -16,7 +16,8 @@ using NamedBlock = std::pair<formats::Interval, std::string>;
 std::vector<NamedBlock> blocksByOnset(const formats::Protocol& design) {
   std::vector<NamedBlock> blocks;
   for (const formats::ProtocolCondition& condition : design.conditions)
-    for (const formats::Interval& interval : condition.intervals) blocks.emplace_back(interval, condition.name);
+    for (const formats::Interval& interval : condition.intervals)
+      blocks.emplace_back(interval, condition.name);
   std::sort(blocks.begin(), blocks.end(),
             [](const NamedBlock& a, const NamedBlock& b) { return a.first.start < b.first.start; });
   return blocks;
@@ -30,7 +31,8 @@ formats::Protocol blockDesign(int run, int volumes) {
   design.conditions = {{"faces", {}}, {"houses", {}}};
   if (run % 2 == 0) std::swap(design.conditions[0], design.conditions[1]);
   std::size_t next = 0;
-  for (int first = kRestVolumes + 1; first + kBlockVolumes - 1 <= volumes; first += kBlockVolumes + kRestVolumes) {
+  for (int first = kRestVolumes + 1; first + kBlockVolumes - 1 <= volumes;
+       first += kBlockVolumes + kRestVolumes) {
     design.conditions[next].intervals.push_back({first, first + kBlockVolumes - 1});
     next = 1 - next;
   }

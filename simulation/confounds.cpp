@@ -12,13 +12,14 @@ namespace {
 
 using Series = std::vector<double>;
 
-constexpr std::array<const char*, 6> kMotionNames = {"trans_x", "trans_y", "trans_z", "rot_x", "rot_y", "rot_z"};
+constexpr std::array<const char*, 6> kMotionNames = {"trans_x", "trans_y", "trans_z",
+                                                     "rot_x",   "rot_y",   "rot_z"};
 constexpr std::array<double, 2> kSaturation = {1.35, 1.08};
 constexpr int kComponents = 6;
 constexpr double kHeadRadiusMm = 50;
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
-Series drawMotion(int volumes, double step, RandomStream& random) {
+Series drawMotion(int volumes, double step, NoiseStream& random) {
   Series series;
   double position = 0;
   for (int t = 0; t < volumes; ++t) series.push_back(position = 0.98 * position + step * random.normal());
@@ -26,7 +27,7 @@ Series drawMotion(int volumes, double step, RandomStream& random) {
 }
 
 // For one volume the head is elsewhere: two large displacements, there and back.
-void addJerk(Series& transZ, RandomStream& random) {
+void addJerk(Series& transZ, NoiseStream& random) {
   const auto volume = static_cast<std::size_t>(random.between(0.4, 0.9) * static_cast<double>(transZ.size()));
   transZ[volume] += 0.9;
 }
@@ -59,7 +60,7 @@ Series framewiseDisplacement(const std::array<Series, 6>& motion) {
   return displacement;
 }
 
-Series drawComponent(int volumes, RandomStream& random) {
+Series drawComponent(int volumes, NoiseStream& random) {
   Series series;
   double value = 0;
   for (int t = 0; t < volumes; ++t) series.push_back(value = 0.7 * value + 0.7 * random.normal());
@@ -93,13 +94,14 @@ std::string cell(double value) {
 
 }  // namespace
 
-std::vector<Confound> drawConfounds(int volumes, RandomStream& random) {
+std::vector<Confound> drawConfounds(int volumes, NoiseStream& random) {
   std::array<Series, 6> motion;
   for (std::size_t axis = 0; axis < motion.size(); ++axis)
     motion[axis] = drawMotion(volumes, axis < 3 ? 0.02 : 0.0003, random);
   addJerk(motion[2], random);
   std::vector<Confound> table = {{"framewise_displacement", framewiseDisplacement(motion)}};
-  for (std::size_t axis = 0; axis < motion.size(); ++axis) appendExpansions(table, kMotionNames[axis], motion[axis]);
+  for (std::size_t axis = 0; axis < motion.size(); ++axis)
+    appendExpansions(table, kMotionNames[axis], motion[axis]);
   for (int component = 0; component < kComponents; ++component)
     table.push_back({"a_comp_cor_0" + std::to_string(component), drawComponent(volumes, random)});
   table.push_back({"cosine00", cosine(volumes)});

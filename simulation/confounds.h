@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "simulation/random_stream.h"
+#include "simulation/noise_stream.h"
 #include "simulation/scan.h"
 
 namespace simulation {
@@ -19,7 +19,7 @@ struct Confound {
 // displacement in mm (rotations on a sphere of 50 mm; Power et al. 2012, NeuroImage 59(3)); six
 // component series, a cosine, and one indicator for each volume that is not steady. In every run
 // the head jerks once by more than 0.5 mm.
-[[nodiscard]] std::vector<Confound> drawConfounds(int volumes, RandomStream& random);
+[[nodiscard]] std::vector<Confound> drawConfounds(int volumes, NoiseStream& random);
 
 // Weights on trans_y and a_comp_cor_00, and brighter first volumes: regressing those two columns
 // out of a run without its first volumes leaves what was planted.

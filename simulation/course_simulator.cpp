@@ -9,12 +9,14 @@ namespace {
 constexpr int kRunIn = 64;  // the slowest course, 0.5^64, has forgotten its start to rounding
 constexpr double kReferenceVoxelNoise = 0.5;
 
-std::size_t regionOf(std::int32_t label) { return static_cast<std::size_t>(label - 1); }
+std::size_t regionOf(std::int32_t label) {
+  return static_cast<std::size_t>(label - 1);
+}
 
 }  // namespace
 
 CourseSimulator::CourseSimulator(const InfluenceModel& model, std::vector<std::int32_t> labels,
-                                 RandomStream& random)
+                                 NoiseStream& random)
     : model_(model),
       labels_(std::move(labels)),
       random_(random),
@@ -49,8 +51,8 @@ double CourseSimulator::nextVoxel(std::size_t voxel, double lastReference, doubl
   if (label == 0) return kNoiseAutoregression * values_[voxel] + own;
   const RegionModel& region = model_.regions[regionOf(label)];
   if (region.kind == Kind::kReference) return kReferenceVoxelNoise * own;
-  const double unshared = std::sqrt(region.coherence) * regionNoise_[regionOf(label)] +
-                          std::sqrt(1 - region.coherence) * own;
+  const double unshared =
+      std::sqrt(region.coherence) * regionNoise_[regionOf(label)] + std::sqrt(1 - region.coherence) * own;
   return region.autoregression * values_[voxel] + region.follow * lastReference + region.share * innovation +
          std::sqrt(1 - region.share * region.share) * unshared;
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "simulation/influence_model.h"
-#include "simulation/random_stream.h"
+#include "simulation/noise_stream.h"
 
 namespace simulation {
 
@@ -21,7 +21,7 @@ class CourseSimulator {
   // `labels` of the brain's voxels: 0, or the number of a region from 1, each with a voxel at least.
   // Both references must outlive the simulator. Runs in before the first time point, long
   // enough that the start is forgotten.
-  CourseSimulator(const InfluenceModel& model, std::vector<std::int32_t> labels, RandomStream& random);
+  CourseSimulator(const InfluenceModel& model, std::vector<std::int32_t> labels, NoiseStream& random);
 
   // The next time point: one value per brain voxel, innovations of variance 1.
   const std::vector<double>& next();
@@ -37,7 +37,7 @@ class CourseSimulator {
 
   const InfluenceModel& model_;
   std::vector<std::int32_t> labels_;
-  RandomStream& random_;
+  NoiseStream& random_;
   std::vector<double> values_;
   std::vector<double> regionNoise_, means_;  // per region
   std::vector<std::size_t> regionVoxels_;

@@ -19,7 +19,9 @@ constexpr std::uint32_t kOnlyParticipant = 0;
 constexpr std::uint32_t kHeadStream = 0;  // runs have the streams from 1
 constexpr int kMostRuns = 99, kMostVolumes = 30000;
 
-bool within(int value, int smallest, int largest) { return value >= smallest && value <= largest; }
+bool within(int value, int smallest, int largest) {
+  return value >= smallest && value <= largest;
+}
 
 std::string rangeProblem(const char* what, int smallest, int largest) {
   return std::string(what) + " must be from " + std::to_string(smallest) + " to " + std::to_string(largest);
@@ -34,7 +36,7 @@ void writeHead(const std::string& folder, const Head& head, const InfluenceModel
 
 void writeBold(const std::string& path, const Head& head, const InfluenceModel& model,
                const DataSetOptions& options, int run) {
-  RandomStream random(options.seed, kOnlyParticipant, static_cast<std::uint32_t>(run));
+  NoiseStream random(options.seed, kOnlyParticipant, static_cast<std::uint32_t>(run));
   const Artefacts none;
   Scan scan(head, model, none, options.volumes, random);
   formats::ImageHeader header = headerOf(head, formats::DataType::kFloat32, "simulated run");
@@ -80,7 +82,8 @@ std::string problemWith(const DataSetOptions& options) {
   // Written so that NaN is a problem, too.
   if (!(options.trMs >= 1 && options.trMs <= 60000)) return "the repetition time must be from 1 to 60000 ms";
   if (!(options.strength >= 0 && options.strength <= 1.5)) return "the strength must be from 0 to 1.5";
-  if (!(options.head.voxelMm >= 0.1 && options.head.voxelMm <= 100)) return "a voxel must measure 0.1 to 100 mm";
+  if (!(options.head.voxelMm >= 0.1 && options.head.voxelMm <= 100))
+    return "a voxel must measure 0.1 to 100 mm";
   return "";
 }
 
@@ -94,7 +97,7 @@ void makeFolder(const std::string& folder) {
 
 void writeDataSet(const std::string& folder, const DataSetOptions& options) {
   const InfluenceModel model = plantedModel(options.strength);
-  RandomStream random(options.seed, kOnlyParticipant, kHeadStream);
+  NoiseStream random(options.seed, kOnlyParticipant, kHeadStream);
   const Head head = makeHead(options.head, model, random);
   makeFolder(folder + "/maps");
   writeHead(folder, head, model);

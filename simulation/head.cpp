@@ -45,18 +45,18 @@ std::int32_t labelAt(const Place& place, std::size_t regions) {
 }
 
 // White matter inside a grey shell whose inner border is folded.
-float anatomyAt(const Place& place, double squaredRadius, RandomStream& random) {
+float anatomyAt(const Place& place, double squaredRadius, NoiseStream& random) {
   const double fold = 0.12 * (place[0] * place[1] - place[2] * place[0] + 2 * place[1] * place[2]);
   const double tissue = squaredRadius < 0.55 + fold ? 1000 : 700;
   return static_cast<float>(std::floor(tissue + random.between(-30, 30)));
 }
 
-float baseAt(const Place& place, RandomStream& random) {
+float baseAt(const Place& place, NoiseStream& random) {
   const double smooth = 10000 + 900 * place[0] + 700 * place[1] * place[1] - 800 * place[2];
   return static_cast<float>(std::clamp(smooth + random.between(-400, 400), 8000.0, 12000.0));
 }
 
-void addBrainVoxel(Head& head, std::size_t index, const Place& place, RandomStream& random) {
+void addBrainVoxel(Head& head, std::size_t index, const Place& place, NoiseStream& random) {
   head.mask[index] = 1;
   head.labels[index] = labelAt(place, head.regionVoxels.size());
   if (head.labels[index] > 0) ++head.regionVoxels[static_cast<std::size_t>(head.labels[index] - 1)];
@@ -84,7 +84,7 @@ void writeVolume(const std::string& path, const Head& head, formats::DataType ty
 
 }  // namespace
 
-Head makeHead(const HeadOptions& options, const InfluenceModel& model, RandomStream& random) {
+Head makeHead(const HeadOptions& options, const InfluenceModel& model, NoiseStream& random) {
   const formats::GridSize& grid = options.grid;
   Head head;
   head.grid = grid;

@@ -10,7 +10,7 @@
 #include "formats/image.h"
 #include "formats/label_table.h"
 #include "simulation/influence_model.h"
-#include "simulation/random_stream.h"
+#include "simulation/noise_stream.h"
 
 namespace simulation {
 
@@ -25,11 +25,11 @@ struct Head {
   formats::GridSize grid;
   formats::Affine affine;  // RAS+, the middle of the grid at 0 mm
   int spaceCode = 1;
-  std::vector<float> mask;            // 1 in the brain
-  std::vector<std::int32_t> labels;   // 0, or the number of a region from 1
-  std::vector<float> anatomy;         // whole numbers
-  std::vector<std::size_t> brain;     // indices of the brain's voxels, ascending
-  std::vector<float> base;            // mean intensity of each of them, 8,000 to 12,000
+  std::vector<float> mask;                // 1 in the brain
+  std::vector<std::int32_t> labels;       // 0, or the number of a region from 1
+  std::vector<float> anatomy;             // whole numbers
+  std::vector<std::size_t> brain;         // indices of the brain's voxels, ascending
+  std::vector<float> base;                // mean intensity of each of them, 8,000 to 12,000
   std::vector<std::size_t> regionVoxels;  // voxels of region k, label k + 1
 };
 
@@ -38,7 +38,7 @@ inline constexpr int kSmallestExtent = 12;
 inline constexpr int kLargestExtent = 256;
 
 // Preconditions: at most nine regions, extents within the limits.
-[[nodiscard]] Head makeHead(const HeadOptions& options, const InfluenceModel& model, RandomStream& random);
+[[nodiscard]] Head makeHead(const HeadOptions& options, const InfluenceModel& model, NoiseStream& random);
 
 // Header of an image over the head's grid.
 [[nodiscard]] formats::ImageHeader headerOf(const Head& head, formats::DataType type,

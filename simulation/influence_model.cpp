@@ -58,7 +58,9 @@ Square product(const Square& a, const Square& b) {
   return c;
 }
 
-Square transpose(const Square& a) { return {{{a[0][0], a[1][0]}, {a[0][1], a[1][1]}}}; }
+Square transpose(const Square& a) {
+  return {{{a[0][0], a[1][0]}, {a[0][1], a[1][1]}}};
+}
 
 // The covariance G = a G a' + sigma, summed in doubling steps; the spectral radius of a is below 1.
 Square stationaryCovariance(Square a, Square covariance) {
@@ -76,7 +78,9 @@ double errorOfOwnPast(const Square& lag0, const Square& lag1, std::size_t i) {
   return lag0[i][i] - lag1[i][i] * lag1[i][i] / lag0[i][i];
 }
 
-RegionModel referenceRegion() { return {"Reference", Kind::kReference, 0.5, 0, 0, 0, 0}; }
+RegionModel referenceRegion() {
+  return {"Reference", Kind::kReference, 0.5, 0, 0, 0, 0};
+}
 RegionModel drivenRegion(const char* name, double follow) {
   return {name, Kind::kDriven, 0.3, follow, 0, 0, 0.3};
 }
@@ -121,7 +125,8 @@ Measures expectedMeasures(const InfluenceModel& model, const std::vector<std::si
   const Square lag0 = stationaryCovariance(pair.a, pair.sigma);
   const Square lag1 = product(pair.a, lag0);
   const Square& s = pair.sigma;
-  return {std::log(errorOfOwnPast(lag0, lag1, 1) / s[1][1]), std::log(errorOfOwnPast(lag0, lag1, 0) / s[0][0]),
+  return {std::log(errorOfOwnPast(lag0, lag1, 1) / s[1][1]),
+          std::log(errorOfOwnPast(lag0, lag1, 0) / s[0][0]),
           std::log(s[0][0] * s[1][1] / (s[0][0] * s[1][1] - s[0][1] * s[1][0]))};
 }
 

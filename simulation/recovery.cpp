@@ -62,10 +62,14 @@ ConditionMaps mapsOf(const formats::MapSet& maps, const std::string& condition, 
 // Which measure was planted in a region of a kind; kDirections: none.
 std::size_t plantedDirection(Kind kind) {
   switch (kind) {
-    case Kind::kDriven: return kRef2Vox;
-    case Kind::kDriving: return kVox2Ref;
-    case Kind::kInstantaneous: return kInst;
-    default: return kDirections;
+    case Kind::kDriven:
+      return kRef2Vox;
+    case Kind::kDriving:
+      return kVox2Ref;
+    case Kind::kInstantaneous:
+      return kInst;
+    default:
+      return kDirections;
   }
 }
 
@@ -107,21 +111,24 @@ RegionRecovery assessRegion(const TruthRegion& planted, const ConditionMaps& map
   return region;
 }
 
-void assessOutside(ConditionRecovery& recovery, const ConditionMaps& maps, const std::vector<std::int32_t>& labels) {
+void assessOutside(ConditionRecovery& recovery, const ConditionMaps& maps,
+                   const std::vector<std::int32_t>& labels) {
   for (std::size_t voxel = 0; voxel < labels.size(); ++voxel) {
     if (labels[voxel] != 0 || !maps.computed(voxel)) continue;
     ++recovery.outsideComputed;
-    for (std::size_t d = 0; d < kDirections; ++d) recovery.falsePositives[d] += maps.directions[d].passes(voxel) ? 1U : 0U;
+    for (std::size_t d = 0; d < kDirections; ++d)
+      recovery.falsePositives[d] += maps.directions[d].passes(voxel) ? 1U : 0U;
   }
   const std::size_t most = *std::max_element(recovery.falsePositives.begin(), recovery.falsePositives.end());
-  recovery.outsideQuiet = static_cast<double>(most) <= kOutsideShare * static_cast<double>(recovery.outsideComputed);
+  recovery.outsideQuiet =
+      static_cast<double>(most) <= kOutsideShare * static_cast<double>(recovery.outsideComputed);
 }
 
 }  // namespace
 
 bool ConditionRecovery::recovered() const {
-  return outsideQuiet &&
-         std::all_of(regions.begin(), regions.end(), [](const RegionRecovery& region) { return region.recovered; });
+  return outsideQuiet && std::all_of(regions.begin(), regions.end(),
+                                     [](const RegionRecovery& region) { return region.recovered; });
 }
 
 std::vector<std::string> conditionsOf(const formats::MapSet& maps) {
@@ -132,9 +139,10 @@ std::vector<std::string> conditionsOf(const formats::MapSet& maps) {
   return conditions;
 }
 
-ConditionRecovery assess(const formats::MapSet& maps, const std::string& condition, double q, const Truth& truth,
-                         const formats::LabelImage& labels) {
-  if (!(maps.grid() == labels.header.size)) throw std::invalid_argument("the maps and the label image differ in size");
+ConditionRecovery assess(const formats::MapSet& maps, const std::string& condition, double q,
+                         const Truth& truth, const formats::LabelImage& labels) {
+  if (!(maps.grid() == labels.header.size))
+    throw std::invalid_argument("the maps and the label image differ in size");
   const ConditionMaps conditionMaps = mapsOf(maps, condition, q);
   ConditionRecovery recovery;
   recovery.condition = condition;

@@ -28,7 +28,7 @@ struct RegionRecovery {
 struct ConditionRecovery {
   std::string condition;
   std::vector<RegionRecovery> regions;
-  std::size_t outsideComputed = 0;                       // voxels outside all regions
+  std::size_t outsideComputed = 0;                        // voxels outside all regions
   std::array<std::size_t, kDirections> falsePositives{};  // of them: that pass
   bool outsideQuiet = false;
 

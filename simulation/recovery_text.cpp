@@ -26,9 +26,10 @@ std::string lineOf(const RegionRecovery& region) {
 
 std::string outsideLine(const ConditionRecovery& recovery) {
   std::array<char, 256> line{};
-  std::snprintf(line.data(), line.size(), "  %-14s %-14s %6zu %9zu %9zu %9zu %10s   %s\n", "elsewhere", "voxels above:",
-                recovery.outsideComputed, recovery.falsePositives[kRef2Vox], recovery.falsePositives[kVox2Ref],
-                recovery.falsePositives[kInst], "", recovery.outsideQuiet ? "quiet" : "TOO MANY");
+  std::snprintf(line.data(), line.size(), "  %-14s %-14s %6zu %9zu %9zu %9zu %10s   %s\n", "elsewhere",
+                "voxels above:", recovery.outsideComputed, recovery.falsePositives[kRef2Vox],
+                recovery.falsePositives[kVox2Ref], recovery.falsePositives[kInst], "",
+                recovery.outsideQuiet ? "quiet" : "TOO MANY");
   return line.data();
 }
 
@@ -62,12 +63,14 @@ Json toJson(const ConditionRecovery& recovery) {
 
 std::string toText(const ConditionRecovery& recovery) {
   std::array<char, 160> head{};
-  std::snprintf(head.data(), head.size(), "  %-14s %-14s %6s %9s %9s %9s %10s\n", "region", "planted", "voxels",
-                "Ref2Vox", "Vox2Ref", "Inst", "dTAV sign");
-  std::string text = "Condition \"" + recovery.condition + "\": share of voxels above threshold\n" + head.data();
+  std::snprintf(head.data(), head.size(), "  %-14s %-14s %6s %9s %9s %9s %10s\n", "region", "planted",
+                "voxels", "Ref2Vox", "Vox2Ref", "Inst", "dTAV sign");
+  std::string text =
+      "Condition \"" + recovery.condition + "\": share of voxels above threshold\n" + head.data();
   for (const RegionRecovery& region : recovery.regions) text += lineOf(region);
   text += outsideLine(recovery);
-  return text + "  Verdict: the planted influences " + (recovery.recovered() ? "are" : "are NOT") + " recovered.\n";
+  return text + "  Verdict: the planted influences " + (recovery.recovered() ? "are" : "are NOT") +
+         " recovered.\n";
 }
 
 std::string toJsonText(const std::vector<ConditionRecovery>& recoveries, double q) {

@@ -6,7 +6,7 @@ namespace {
 constexpr double kLargestDrift = 0.01;
 constexpr double kBackground = 40;
 
-std::vector<double> drawn(std::size_t count, double low, double high, RandomStream& random) {
+std::vector<double> drawn(std::size_t count, double low, double high, NoiseStream& random) {
   std::vector<double> values(count);
   for (double& value : values) value = random.between(low, high);
   return values;
@@ -26,7 +26,7 @@ double saturationAt(const Artefacts& artefacts, std::size_t volume) {
 }  // namespace
 
 Scan::Scan(const Head& head, const InfluenceModel& model, const Artefacts& artefacts, int volumes,
-           RandomStream& random)
+           NoiseStream& random)
     : head_(head),
       artefacts_(artefacts),
       random_(random),
@@ -39,7 +39,8 @@ Scan::Scan(const Head& head, const InfluenceModel& model, const Artefacts& artef
 double Scan::artefactOf(std::size_t voxel) const {
   double sum = 0;
   for (std::size_t i = 0; i < artefacts_.courses.size(); ++i)
-    sum += weights_[voxel * artefacts_.courses.size() + i] * artefacts_.courses[i][static_cast<std::size_t>(volume_)];
+    sum += weights_[voxel * artefacts_.courses.size() + i] *
+           artefacts_.courses[i][static_cast<std::size_t>(volume_)];
   return sum;
 }
 

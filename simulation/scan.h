@@ -28,7 +28,7 @@ class Scan {
  public:
   // All references must outlive the scan. Precondition: volumes >= 2.
   Scan(const Head& head, const InfluenceModel& model, const Artefacts& artefacts, int volumes,
-       RandomStream& random);
+       NoiseStream& random);
 
   // The next volume, over the head's grid. Precondition: called at most `volumes` times.
   const std::vector<float>& nextVolume();
@@ -38,7 +38,7 @@ class Scan {
 
   const Head& head_;
   const Artefacts& artefacts_;
-  RandomStream& random_;
+  NoiseStream& random_;
   int volumes_, volume_ = 0;
   std::vector<double> slopes_;   // per brain voxel, of the base over the run
   std::vector<double> weights_;  // [brain voxel][artefact]

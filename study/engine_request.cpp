@@ -1,12 +1,16 @@
 #include "study/engine_request.h"
 
 #include <algorithm>
+#include <memory>
+
+#include "prepare/course_filter.h"
 
 namespace study {
 namespace {
 
 const RunPlan& runNamed(const std::vector<RunPlan>& runs, const std::string& name) {
-  return *std::find_if(runs.begin(), runs.end(), [&](const RunPlan& run) { return run.request.name == name; });
+  return *std::find_if(runs.begin(), runs.end(),
+                       [&](const RunPlan& run) { return run.request.name == name; });
 }
 
 void takeSettings(const Settings& settings, tav::TAV_Pars& pars) {
@@ -55,6 +59,24 @@ void takeGeometry(const std::vector<RunPlan>& runs, tav::TAV_Pars& pars) {
   }
 }
 
+std::vector<simo::Stretch> stretchesOf(const std::vector<bool>& kept) {
+  std::vector<simo::Stretch> stretches;
+  for (int t = 0; t < static_cast<int>(kept.size()); ++t) {
+    if (!kept[static_cast<std::size_t>(t)]) continue;
+    if (stretches.empty() || stretches.back().end != t) stretches.push_back({t, t});
+    stretches.back().end = t + 1;
+  }
+  return stretches;
+}
+
+tav::CourseTreatment treatmentOf(const RunPlan& run) {
+  const std::vector<bool> kept(run.kept.begin() + run.volumes.dropped, run.kept.end());
+  tav::CourseTreatment treatment{stretchesOf(kept), {}};
+  const auto filter = std::make_shared<CourseFilter>(static_cast<int>(kept.size()), 0, run.confounds, kept);
+  if (!filter->changesNothing()) treatment.apply = [filter](float* course) { filter->apply(course); };
+  return treatment;
+}
+
 }  // namespace
 
 tav::TAV_Pars engineRequest(const Settings& settings, int order, const std::vector<RunPlan>& runs,
@@ -77,11 +99,17 @@ tav::TAV_Pars engineRequest(const Settings& settings, int order, const std::vect
   return pars;
 }
 
+std::map<std::string, tav::CourseTreatment> courseTreatments(const std::vector<RunPlan>& runs) {
+  std::map<std::string, tav::CourseTreatment> treatments;
+  for (const RunPlan& run : runs) treatments[run.vtcName] = treatmentOf(run);
+  return treatments;
+}
+
 tav::RunOptions engineOptions(const Settings& settings) {
   tav::RunOptions options;
   if (settings.method == Method::kPlugin) return options;
-  options.lagPairForm = simo::LagPairForm::kConsistent;
-  options.poolSurrogateModels = false;
+  options.fitForm = tav::FitForm::kLeastSquares;
+  options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
   options.nullDraws = settings.nullDraws;
   options.thresholdRule = tav::ThresholdRule::kStepUp;
   options.searchOutsideReference = true;

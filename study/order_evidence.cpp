@@ -6,7 +6,7 @@
 #include <numeric>
 #include <sstream>
 
-#include "study/problem.h"
+#include "request/problem.h"
 #include "tav/tav.h"
 
 namespace study {
@@ -18,8 +18,10 @@ using Courses = std::vector<simo::Matrix<float>>;
 // Reads single voxels' courses out of open VTCs, in any order.
 class VoxelReader {
  public:
-  VoxelReader(const tav::TAV_Cond_Pars& cond, int inclusionThreshold) : cond_(cond), threshold_(inclusionThreshold) {
-    for (const tav::TAV_VTC_intv_set& set : cond.vtcIntvSets) courses_.emplace_back(1, set.trgVtc->header.nrOfVolumes, 1, 1);
+  VoxelReader(const tav::TAV_Cond_Pars& cond, int inclusionThreshold)
+      : cond_(cond), threshold_(inclusionThreshold) {
+    for (const tav::TAV_VTC_intv_set& set : cond.vtcIntvSets)
+      courses_.emplace_back(1, set.trgVtc->header.nrOfVolumes, 1, 1);
   }
 
   // False for a voxel that any file excludes, or that cannot be read.
@@ -66,7 +68,11 @@ class EvenWalk {
 class Gatherer {
  public:
   Gatherer(const tav::TAV_Pars& pars, const tav::Computer& computer, int maxOrder, int sample)
-      : pars_(pars), computer_(computer), maxOrder_(maxOrder), sample_(sample), fit_(maxOrder, pars.vtcMaxNrOfVolumes) {}
+      : pars_(pars),
+        computer_(computer),
+        maxOrder_(maxOrder),
+        sample_(sample),
+        fit_(maxOrder, pars.vtcMaxNrOfVolumes) {}
 
   OrderEvidence gather() {
     evidence_.maxOrder = maxOrder_;
@@ -83,7 +89,9 @@ class Gatherer {
   }
 
  private:
-  bool longEnough(const tav::TAV_intv& interval) const { return interval.last - interval.first + 1 > maxOrder_ + 2; }
+  bool longEnough(const tav::TAV_intv& interval) const {
+    return interval.last - interval.first + 1 > maxOrder_ + 2;
+  }
 
   int samplesOf(const tav::TAV_Cond_Pars& cond) const {
     int samples = 0;
@@ -93,8 +101,8 @@ class Gatherer {
       }
     }
     if (samples > 0) return samples;
-    throw InputError("condition '" + cond.name + "': no interval is long enough to try order " + std::to_string(maxOrder_) +
-                     "; lower 'max_order'");
+    throw InputError("condition '" + cond.name + "': no interval is long enough to try order " +
+                     std::to_string(maxOrder_) + "; lower 'max_order'");
   }
 
   std::vector<std::size_t> sampleVoxels(const tav::TAV_Cond_Pars& cond) const {
@@ -119,16 +127,19 @@ class Gatherer {
       const simo::Matrix<float>& reference = computer_.getFetchedVoiTc(voi.name, set.srcVtcName)->tc;
       for (const tav::TAV_intv& interval : set.intervals) {
         if (!longEnough(interval)) continue;
-        fit_.addInterval(reference, courses == nullptr ? reference : (*courses)[s], {interval.first, interval.last});
+        fit_.addInterval(reference, courses == nullptr ? reference : (*courses)[s],
+                         {interval.first, interval.last});
       }
     }
   }
 
-  void gatherEntry(const tav::TAV_VOI_Pars& voi, const tav::TAV_Cond_Pars& cond, const std::vector<std::size_t>& voxels) {
+  void gatherEntry(const tav::TAV_VOI_Pars& voi, const tav::TAV_Cond_Pars& cond,
+                   const std::vector<std::size_t>& voxels) {
     OrderEvidence::Entry entry{voi.name, cond.name, samplesOf(cond), 0, {}, {}};
     std::vector<double> curve, sum(static_cast<std::size_t>(maxOrder_), 0.0);
     fitIntervals(voi, cond, nullptr);
-    if (!fit_.ownFit(curve)) throw RunError("the course of reference '" + voi.name + "' has no model; is it constant?");
+    if (!fit_.ownFit(curve))
+      throw RunError("the course of reference '" + voi.name + "' has no model; is it constant?");
     entry.own = criteriaOf(curve, 1, entry.samples);
     VoxelReader reader(cond, pars_.firstTpInclThres);
     for (const std::size_t voxel : voxels) {
@@ -157,10 +168,15 @@ const std::vector<double>& curveOf(const Criteria& criteria, OrderChoice choice)
 
 }  // namespace
 
-int OrderEvidence::best(OrderChoice choice) const { return bestOrder(curveOf(total, choice)); }
+int OrderEvidence::best(OrderChoice choice) const {
+  return bestOrder(curveOf(total, choice));
+}
 
-OrderEvidence gatherOrderEvidence(const tav::TAV_Pars& pars, int maxOrder, int sampleVoxels) {
-  tav::Computer computer;
+OrderEvidence gatherOrderEvidence(const tav::TAV_Pars& pars, const std::filesystem::path& vtcFolder,
+                                  int maxOrder, int sampleVoxels) {
+  tav::RunOptions options;
+  options.vtcFolder = vtcFolder.string();
+  tav::Computer computer(options);
   std::ostringstream errors;
   try {
     if (computer.Init(pars, errors) != tav::kSuccess) throw RunError(errors.str());

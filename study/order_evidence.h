@@ -3,13 +3,14 @@
 #ifndef TAVMAP_STUDY_ORDER_EVIDENCE_H
 #define TAVMAP_STUDY_ORDER_EVIDENCE_H
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "request/request.h"
 #include "study/order_fit.h"
-#include "study/request.h"
 #include "tav/tav_pars.h"
 
 namespace study {
@@ -17,9 +18,9 @@ namespace study {
 struct OrderEvidence {
   struct Entry {
     std::string reference, condition;
-    int samples = 0;        // effective volumes, the same for every order
-    int voxels = 0;         // joint models that could be fitted
-    Criteria own, joint;    // means over what was fitted, per sample
+    int samples = 0;      // effective volumes, the same for every order
+    int voxels = 0;       // joint models that could be fitted
+    Criteria own, joint;  // means over what was fitted, per sample
   };
   int maxOrder = 0;
   std::vector<Entry> entries;
@@ -29,12 +30,14 @@ struct OrderEvidence {
   int best(OrderChoice choice) const;
 };
 
-// pars: the engine's record with arOrder = maxOrder; its VTCs must exist. sampleVoxels: joint fits
+// pars: the engine's record with arOrder = maxOrder; its VTCs, named relative to vtcFolder, must exist.
+// sampleVoxels: joint fits
 // per reference and condition, spread evenly over the included voxels (fewer when there are fewer).
 // Intervals that are not longer than maxOrder + 2 volumes are left out, so that every order sees the
-// same data. The host's operations must be bound. Throws InputError when no interval is long
+// same data. Throws InputError when no interval is long
 // enough, RunError when the engine cannot read the data.
-OrderEvidence gatherOrderEvidence(const tav::TAV_Pars& pars, int maxOrder, int sampleVoxels);
+OrderEvidence gatherOrderEvidence(const tav::TAV_Pars& pars, const std::filesystem::path& vtcFolder,
+                                  int maxOrder, int sampleVoxels);
 
 nlohmann::ordered_json orderJson(const OrderEvidence& evidence);
 OrderEvidence orderFromJson(const nlohmann::ordered_json& json);

@@ -2,50 +2,58 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace study {
 namespace {
 
-double logDeterminant(const simo::Matrix<float>& covariance) {
-  const auto at = [&](int r, int c) { return static_cast<double>(covariance[r][c]); };
-  const double determinant = covariance.nRows == 1 ? at(0, 0) : at(0, 0) * at(1, 1) - at(0, 1) * at(1, 0);
-  return std::log(determinant);
-}
-
-// ln|E| of orders 1 ... maxOrder of the first `series` series.
-bool fitAll(const simo::FosAvg<float>& averages, int series, std::vector<double>& logError) {
-  logError.clear();
-  for (int order = 1; order <= averages.p; ++order) {
-    simo::FosOrth<float> model(series, order);
-    if (!simo::fitModel(averages, 0, model)) return false;
-    logError.push_back(logDeterminant(model.errCov));
-    if (!std::isfinite(logError.back())) return false;
-  }
-  return true;
+std::span<double> residualsOf(const simo::Matrix<float>& series, const VolumeRange& range,
+                              std::vector<double>& residuals) {
+  const float* const first = series[series.rowBase] + range.first;
+  (void)simo::detrendRow(first, length(range), residuals.data());  // nothing left: no model fits
+  return {residuals.data(), static_cast<std::size_t>(length(range))};
 }
 
 }  // namespace
 
 OrderFit::OrderFit(int maxOrder, int maxVolumes)
-    : maxOrder_(maxOrder), work_(2, maxVolumes, 0, 0), averages_(2, maxOrder) {}
+    : maxOrder_(maxOrder), reference_(maxOrder), voxel_(maxOrder), cross_(maxOrder) {
+  for (auto& residuals : residuals_) residuals.resize(static_cast<std::size_t>(maxVolumes));
+}
 
 void OrderFit::begin() {
-  averages_.clear();
-  intervals_ = 0;
+  for (simo::LaggedMoments* const moments : {&reference_, &voxel_, &cross_}) moments->clear();
+  samples_ = 0;
 }
 
 void OrderFit::addInterval(const simo::Matrix<float>& reference, const simo::Matrix<float>& voxel,
                            const VolumeRange& range) {
-  simo::dtrendRowsToRes(reference, reference.rowBase, reference.rowBase + 1, range.first, range.last + 1, work_, 0, 0);
-  simo::dtrendRowsToRes(voxel, voxel.rowBase, voxel.rowBase + 1, range.first, range.last + 1, work_, 1, 0);
-  simo::accum_actavgs(work_, 0, 2, 0, length(range), averages_, simo::LagPairForm::kConsistent);
-  ++intervals_;
+  const auto x = residualsOf(reference, range, residuals_[0]);
+  const auto y = residualsOf(voxel, range, residuals_[1]);
+  reference_.add(x.data(), x.data(), length(range));
+  voxel_.add(y.data(), y.data(), length(range));
+  cross_.add(x.data(), y.data(), length(range));
+  samples_ += std::max(0, length(range) - maxOrder_);
 }
 
-bool OrderFit::ownFit(std::vector<double>& logVariance) { return intervals_ > 0 && fitAll(averages_, 1, logVariance); }
+bool OrderFit::ownFit(std::vector<double>& logVariance) {
+  logVariance.clear();
+  for (int order = 1; order <= maxOrder_; ++order) {
+    const auto error = simo::PairFit(order).singleError(reference_);
+    if (!error) return false;
+    logVariance.push_back(std::log(*error / samples_));
+  }
+  return true;
+}
 
 bool OrderFit::jointFit(std::vector<double>& logDeterminant) {
-  return intervals_ > 0 && fitAll(averages_, 2, logDeterminant);
+  logDeterminant.clear();
+  for (int order = 1; order <= maxOrder_; ++order) {
+    const auto errors = simo::PairFit(order).errors(reference_, voxel_, cross_);
+    if (!errors) return false;
+    logDeterminant.push_back(std::log(errors->determinant) - 2 * std::log(samples_));
+  }
+  return true;
 }
 
 Criteria criteriaOf(const std::vector<double>& logError, int parametersPerOrder, int samples) {

@@ -5,20 +5,22 @@
 
 #include <vector>
 
-#include "study/volume_ranges.h"
+#include "request/volume_ranges.h"
 #include "tav/tav.h"
 
 namespace study {
 
-// Fits orders 1 ... maxOrder to the intervals of a reference and a voxel, in the consistent form of
-// the lag-pair averages, each interval detrended by itself.
+// Fits orders 1 ... maxOrder by least squares to the intervals of a reference and a voxel, each
+// interval detrended by itself. All orders are fitted to the same samples, those behind the first
+// maxOrder volumes of each interval.
 class OrderFit {
  public:
   OrderFit(int maxOrder, int maxVolumes);
 
   void begin();
   // Adds an interval of both series, counted from 1. Row `row` of each matrix, columns = volumes.
-  void addInterval(const simo::Matrix<float>& reference, const simo::Matrix<float>& voxel, const VolumeRange& range);
+  void addInterval(const simo::Matrix<float>& reference, const simo::Matrix<float>& voxel,
+                   const VolumeRange& range);
 
   // ln of the error variance of the reference alone, and ln of the determinant of the joint error
   // covariance, one value per order. False when a model is degenerate or not finite.
@@ -27,9 +29,9 @@ class OrderFit {
 
  private:
   int maxOrder_;
-  int intervals_ = 0;
-  simo::Matrix<float> work_;  // 2 x maxVolumes, detrended
-  simo::FosAvg<float> averages_;
+  int samples_ = 0;
+  std::vector<double> residuals_[2];  // of one interval: reference, voxel
+  simo::LaggedMoments reference_, voxel_, cross_;
 };
 
 // Information criteria per sample, ln|E| + penalty(n) k / n, for k parameters and n samples:

@@ -34,7 +34,8 @@ void addRows(const std::string& begin, const char* kind, const Criteria& criteri
 }  // namespace
 
 Json orderJson(const OrderEvidence& evidence) {
-  Json json = {{"MaxOrder", evidence.maxOrder}, {"Total", criteriaJson(evidence.total)}, {"Entries", Json::array()}};
+  Json json = {
+      {"MaxOrder", evidence.maxOrder}, {"Total", criteriaJson(evidence.total)}, {"Entries", Json::array()}};
   for (const OrderEvidence::Entry& entry : evidence.entries) {
     json["Entries"].push_back({{"Reference", entry.reference},
                                {"Condition", entry.condition},
@@ -53,7 +54,8 @@ OrderEvidence orderFromJson(const Json& json) {
   evidence.total = criteriaFrom(json.at("Total"));
   for (const Json& entry : json.at("Entries")) {
     evidence.entries.push_back({entry.at("Reference"), entry.at("Condition"), entry.at("EffectiveVolumes"),
-                                entry.at("Voxels"), criteriaFrom(entry.at("Own")), criteriaFrom(entry.at("Joint"))});
+                                entry.at("Voxels"), criteriaFrom(entry.at("Own")),
+                                criteriaFrom(entry.at("Joint"))});
   }
   return evidence;
 }
@@ -69,18 +71,20 @@ std::string orderTable(const OrderEvidence& evidence) {
 }
 
 void printOrders(const OrderEvidence& evidence, std::ostream& out) {
-  out << "order        BIC        AIC        HQC   (means over references and conditions; smaller is better)\n";
+  out << "order        BIC        AIC        HQC   (means over references and conditions; smaller is "
+         "better)\n";
   for (std::size_t i = 0; i < evidence.total.bic.size(); ++i) {
     char line[96];
     const int order = static_cast<int>(i) + 1;
     const auto mark = [&](OrderChoice choice) { return evidence.best(choice) == order ? '*' : ' '; };
-    std::snprintf(line, sizeof line, "%5d %10.5f%c%10.5f%c%10.5f%c\n", order, evidence.total.bic[i], mark(OrderChoice::kBic),
-                  evidence.total.aic[i], mark(OrderChoice::kAic), evidence.total.hqc[i], mark(OrderChoice::kHqc));
+    std::snprintf(line, sizeof line, "%5d %10.5f%c%10.5f%c%10.5f%c\n", order, evidence.total.bic[i],
+                  mark(OrderChoice::kBic), evidence.total.aic[i], mark(OrderChoice::kAic),
+                  evidence.total.hqc[i], mark(OrderChoice::kHqc));
     out << line;
   }
   for (const OrderEvidence::Entry& entry : evidence.entries) {
-    out << entry.reference << ", " << entry.condition << ": own course BIC " << bestOrder(entry.own.bic) << ", AIC "
-        << bestOrder(entry.own.aic) << ", HQC " << bestOrder(entry.own.hqc);
+    out << entry.reference << ", " << entry.condition << ": own course BIC " << bestOrder(entry.own.bic)
+        << ", AIC " << bestOrder(entry.own.aic) << ", HQC " << bestOrder(entry.own.hqc);
     if (entry.voxels > 0) {
       out << "; with " << entry.voxels << " voxels BIC " << bestOrder(entry.joint.bic) << ", AIC "
           << bestOrder(entry.joint.aic) << ", HQC " << bestOrder(entry.joint.hqc);

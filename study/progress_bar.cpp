@@ -47,7 +47,9 @@ std::string progressLine(double fraction, double elapsedSeconds) {
 }
 
 ProgressBar::ProgressBar(std::ostream& stream, ProgressStyle style) : stream_(stream), style_(style) {}
-ProgressBar::~ProgressBar() { clearLine(); }
+ProgressBar::~ProgressBar() {
+  clearLine();
+}
 
 void ProgressBar::clearLine() {
   if (shown_.empty()) return;

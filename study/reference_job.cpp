@@ -1,13 +1,12 @@
 #include "study/reference_job.h"
 
-#include <cstdlib>
-#include <nlohmann/json.hpp>
+#include <algorithm>
 #include <sstream>
 
-#include "formats/atomic_file.h"
-#include "study/engine_host.h"
+#include "formats/file_error.h"
+#include "request/problem.h"
+#include "results/record_json.h"
 #include "study/engine_request.h"
-#include "study/problem.h"
 #include "study/result_writer.h"
 #include "tav/tav.h"
 
@@ -26,7 +25,10 @@ std::vector<const Region*> chosen(const StudyPlan& plan, const std::vector<std::
 // own.
 tav::RunOptions runOptions(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
   tav::RunOptions options = engineOptions(plan.request.settings);
+  options.vtcFolder = plan.workFolder.string();
+  options.timeBase = seedOf(plan, regions[0]);
   if (plan.request.settings.method == Method::kPlugin) return options;
+  options.treatments = courseTreatments(plan.runs);
   for (const std::size_t region : regions) options.voiTimeBases.push_back(seedOf(plan, region));
   return options;
 }
@@ -65,6 +67,14 @@ void describePreparation(const StudyPlan& plan, std::ostream& out) {
   }
 }
 
+bool filesAreThere(const Record& record, const fs::path& folder) {
+  return std::all_of(record.files.begin(), record.files.end(), [&folder](const auto& file) {
+    std::error_code missing;
+    const std::uintmax_t size = fs::file_size(folder / file.first, missing);
+    return !missing && size == file.second;
+  });
+}
+
 }  // namespace
 
 std::string logAppendix(const StudyPlan& plan, std::size_t region, const ReferenceResult& result) {
@@ -90,35 +100,24 @@ std::string logAppendix(const StudyPlan& plan, std::size_t region, const Referen
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
                        const std::function<void(double)>& progress) {
   fs::create_directories(plan.request.output.folder);
-  fs::current_path(plan.workFolder);
-  setenv("TAV_TIME_BASE", std::to_string(seedOf(plan, regions[0])).c_str(), 1);
-  const double conditions = static_cast<double>(plan.conditions.size() * regions.size());
-  int done = 0;
-  EngineHost host(plan.runs[0].request.bold, plan.runs[0].vtcName,
-                  [&](int percent) { progress((done + percent / 100.0) / conditions); });
-  ResultWriter writer(plan, regions, [&](int count) { progress((done = count) / conditions); });
+  ResultWriter writer(plan, regions, progress);
   const tav::TAV_Pars pars = engineRequest(plan.request.settings, plan.order, plan.runs, plan.conditions,
-                                           chosen(plan, regions), writer.enginePrefix());
+                                           chosen(plan, regions), plan.request.output.prefix);
   std::ostringstream errors;
-  tav::Computer computer(runOptions(plan, regions), &writer);
+  tav::Computer computer(runOptions(plan, regions), &writer, &writer.store());
   throwStatus(computer.computeTAVs(pars, errors), errors.str());
-  if (!host.complaints().empty()) throw RunError(host.complaints());
 }
 
-std::string finishedRecord(const StudyPlan& plan, std::size_t region) {
+std::optional<Record> finishedRecord(const StudyPlan& plan, std::size_t region) {
   const OutputNames names(plan.request.output.prefix, plan.regionLabels[region]);
   const fs::path folder = plan.request.output.folder;
-  if (!fs::exists(folder / names.record())) return "";
-  const std::string text = formats::readTextFile((folder / names.record()).string());
-  const auto json = nlohmann::ordered_json::parse(text, nullptr, false);
-  if (!json.is_object() || json.value("Key", "") != resultKey(plan, region)) return "";
-  const nlohmann::ordered_json files = json.value("Files", nlohmann::ordered_json::object());
-  for (const auto& [name, size] : files.items()) {
-    std::error_code missing;
-    const std::uintmax_t found = fs::file_size(folder / name, missing);
-    if (missing || size != found) return "";
+  if (!fs::exists(folder / names.record())) return std::nullopt;
+  try {
+    Record record = readRecordFile((folder / names.record()).string());
+    if (record.key == resultKey(plan, region) && filesAreThere(record, folder)) return record;
+  } catch (const formats::FileError&) {  // what is no whole record vouches for nothing
   }
-  return text;
+  return std::nullopt;
 }
 
 }  // namespace study

@@ -5,27 +5,28 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "results/record.h"
 #include "study/study_plan.h"
 
 namespace study {
 
 // Computes the regions with these indices and publishes their files in the output folder, each
-// reference's record last. Meant for a process of its own: changes the working folder, the
-// environment's TAV_TIME_BASE and the engine's host. progress receives 0 to 1. Throws RunError,
-// InputError and formats::FileError.
+// reference's record last. Runs on the caller's thread and changes nothing of the process. progress
+// receives 0 to 1. Throws RunError, InputError and formats::FileError.
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
                        const std::function<void(double)>& progress);
 
 // What the log of a reference says beyond the engine's own text: method, preparation, warnings,
 // thresholds in words.
-std::string logAppendix(const StudyPlan& plan, std::size_t region, const struct ReferenceResult& result);
+std::string logAppendix(const StudyPlan& plan, std::size_t region, const ReferenceResult& result);
 
-// The record of a finished reference when it was made under this key and its files are there; empty
-// otherwise.
-std::string finishedRecord(const StudyPlan& plan, std::size_t region);
+// The record of a finished reference when it was made under this key and its files are there, each of
+// its size; unset otherwise.
+std::optional<Record> finishedRecord(const StudyPlan& plan, std::size_t region);
 
 }  // namespace study
 

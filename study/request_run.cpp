@@ -1,99 +1,174 @@
+#include "study/request_run.h"
+
 #include <algorithm>
 
-#include "study/confounds.h"
-#include "study/nearest_name.h"
-#include "study/request_tables.h"
+#include "formats/atomic_file.h"
+#include "prepare/prepare.h"
+#include "request/problem.h"
+#include "study/child_process.h"
+#include "study/order_evidence.h"
+#include "study/reference_job.h"
 
 namespace study {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
 namespace {
 
-const std::vector<std::string> kRunKeys = {"name",         "bold",       "mask",         "events",
-                                           "confounds",    "regress",    "drop_volumes", "tr",
-                                           "fd_threshold", "min_segment", "censor_before", "censor_after"};
-
-std::vector<std::string> namesIn(const std::filesystem::path& folder) {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-void parseDrop(const TomlTable& table, RunRequest& run) {
-  if (table.has("drop_volumes") && table.texts("drop_volumes", true) == std::vector<std::string>{"auto"}) {
-    run.dropVolumes = kDropFromConfounds;
-  } else {
-    run.dropVolumes = table.integer("drop_volumes", 0, 0, 10000);
-  }
-}
-
-void parseTerms(const TomlTable& table, RunRequest& run) {
-  run.confoundTerms = table.texts("regress");
-  for (const std::string& term : run.confoundTerms) {
-    const std::string problem = confoundTermProblem(term);
-    if (!problem.empty()) table.fail("regress", problem);
-  }
-}
-
-void parseCensoring(const TomlTable& table, CensorSettings& censoring) {
-  censoring.fdThresholdMm = table.number("fd_threshold", 0, 0, 100);
-  censoring.minimumSegment = table.integer("min_segment", censoring.minimumSegment, 1, 100000);
-  censoring.alsoBefore = table.integer("censor_before", 0, 0, 100);
-  censoring.alsoAfter = table.integer("censor_after", 0, 0, 100);
-}
-
-void parsePreparationKeys(const TomlTable& table, RunRequest& run) {
-  run.trSeconds = table.number("tr", 0, 0.01, 100);
-  parseCensoring(table, run.censoring);
-  parseDrop(table, run);
-  parseTerms(table, run);
-}
-
-void requireConfounds(const TomlTable& table, const RunRequest& run) {
-  const bool needed = !run.confoundTerms.empty() || run.censoring.fdThresholdMm > 0 ||
-                      run.dropVolumes == kDropFromConfounds;
-  if (needed && run.confounds.empty()) {
-    failAt(table.file(), table.line(),
-           "run '" + run.name + "' asks for regression, censoring or automatic dropping, which need a table: "
-           "add 'confounds = \"...tsv\"'");
-  }
+std::vector<std::string> workerCommand(const StudyOptions& options, const fs::path& job) {
+  if (options.program.empty()) throw RunError("no program is known that could do the work");
+  return {options.program, "worker", job.string(), "--report-to", std::to_string(kReportDescriptor)};
 }
 
 }  // namespace
 
-std::filesystem::path existingFile(const TomlTable& table, std::string_view key, const RequestPlace& place) {
-  const std::string text = table.text(key);
-  if (text.empty()) return {};
-  const std::filesystem::path path = (place.folder / text).lexically_normal();
-  std::error_code error;
-  if (std::filesystem::is_regular_file(path, error)) return path;
-  table.fail(key, "names a file that does not exist: " + path.string() +
-                      suggestion(path.filename().string(), namesIn(path.parent_path())));
+RequestRun::RequestRun(StudyPlan plan, const StudyOptions& options, WorkerPool& pool, StudyFolders& folders,
+                       StudyOutcome& outcome)
+    : plan_(std::move(plan)), options_(options), pool_(pool), folders_(folders), outcome_(outcome) {}
+
+bool RequestRun::choosesOrder() const {
+  return plan_.request.settings.orderChoice != OrderChoice::kFixed || options_.ordersOnly;
 }
 
-RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::size_t number) {
-  const TomlTable table(node, place.file, "[[run]]", kRunKeys);
-  RunRequest run;
-  run.line = table.line();
-  run.name = table.text("name", "run" + std::to_string(number));
-  run.bold = existingFile(table, "bold", place);
-  if (run.bold.empty()) failAt(place.file, run.line, "[[run]] '" + run.name + "' needs 'bold', a 4-D NIfTI image");
-  run.mask = existingFile(table, "mask", place);
-  run.events = existingFile(table, "events", place);
-  run.confounds = existingFile(table, "confounds", place);
-  parsePreparationKeys(table, run);
-  requireConfounds(table, run);
-  return run;
+// In units of one import, which is about as long as one reference of a run with few draws.
+double RequestRun::workOfReferences() const {
+  const double perReference = static_cast<double>(plan_.runs.size()) *
+                              (1 + 0.2 * static_cast<double>(plan_.request.settings.nullDraws)) *
+                              static_cast<double>(plan_.request.conditions.size());
+  return options_.ordersOnly ? 0 : perReference * static_cast<double>(plan_.regions.size());
 }
 
-RunRequest parsePreparation(const toml::table& node, const std::string& file) {
-  const TomlTable table(node, file, "[preparation]",
-                        {"regress", "drop_volumes", "tr", "fd_threshold", "min_segment", "censor_before", "censor_after"});
-  RunRequest preparation;
-  parsePreparationKeys(table, preparation);
-  return preparation;
+void RequestRun::start() {
+  folders_.enter(plan_.workFolder);
+  folders_.enter(plan_.request.output.folder);
+  pool_.expect(workOfReferences());
+  for (std::size_t i = 0; i < plan_.runs.size(); ++i) {
+    if (!isPrepared(plan_.runs[i], plan_.workFolder)) addImport(i);
+  }
+  if (importsLeft_ == 0) afterImports();
+}
+
+// What a worker finds in its job file, it plans again; see worker_job.h.
+void RequestRun::addWork(const std::string& name, double weight, const WorkerJob& job,
+                         std::function<void(const WorkOutcome&)> finished) {
+  const fs::path file = folders_.writeJob(plan_.workFolder, jobText(job));
+  pool_.add({plan_.request.title + ": " + name, weight, workerCommand(options_, file), std::move(finished)});
+}
+
+void RequestRun::addImport(std::size_t run) {
+  ++importsLeft_;
+  const std::string name = "import of " + plan_.runs[run].request.name;
+  addWork(name, 1, importJob(plan_, run), [this, name](const WorkOutcome& done) {
+    if (!done.done) fail(done, plan_.request.title + ": " + name);
+    if (--importsLeft_ == 0 && !failed_) afterImports();
+  });
+}
+
+void RequestRun::fail(const WorkOutcome& work, const std::string& what) {
+  failed_ = true;
+  outcome_.failures.push_back(what + ": " + work.message);
+  outcome_.inputProblem = outcome_.inputProblem || work.inputProblem;
+  if (options_.stopOnFirstCrash) pool_.cancelWaiting();
+}
+
+void RequestRun::afterImports() {
+  if (choosesOrder()) return addOrder();
+  addReferences();
+}
+
+void RequestRun::addOrder() {
+  addWork("model order", 1, orderJob(plan_), [this](const WorkOutcome& done) {
+    if (!done.done) return fail(done, plan_.request.title + ": model order");
+    takeOrder(done);
+  });
+}
+
+void RequestRun::takeOrder(const WorkOutcome& work) {
+  Json json = Json::parse(work.result);
+  const OrderEvidence evidence = orderFromJson(json);
+  const fs::path file =
+      plan_.request.output.folder / (plan_.request.output.prefix + "_desc-order_timeseries.tsv");
+  formats::writeTextFile(file.string(), orderTable(evidence));
+  json["Request"] = plan_.request.title;
+  outcome_.orders.push_back(json);
+  if (options_.ordersOnly) return;
+  try {
+    settleOrder(plan_, evidence.best(plan_.request.settings.orderChoice));
+  } catch (const InputError& error) {
+    return fail({false, true, error.what(), ""}, plan_.request.title);
+  }
+  addReferences();
+}
+
+bool RequestRun::keep(std::size_t region) {
+  const auto record = options_.force ? std::nullopt : finishedRecord(plan_, region);
+  if (!record) return false;
+  outcome_.references.push_back({plan_.request.title, plan_.regions[region].name, true, true, "", *record});
+  return true;
+}
+
+void RequestRun::addReferences() {
+  // In a data set of many participants a warning says whose it is.
+  const std::string begin = options_.datasetFolder.empty() ? "" : plan_.request.title + ": ";
+  for (const std::string& caution : plan_.cautions) outcome_.cautions.push_back(begin + caution);
+  std::vector<std::size_t> all;
+  for (std::size_t i = 0; i < plan_.regions.size(); ++i) all.push_back(i);
+  if (plan_.request.settings.method == Method::kCalibrated) {
+    std::erase_if(all, [&](std::size_t i) { return keep(i); });
+    for (const auto& together : sharedOut(all, options_.jobs)) addReferenceJob(together);
+    return;
+  }
+  // The plug-in's numbers of a reference depend on those before it: all or none.
+  const bool finished = !options_.force && std::all_of(all.begin(), all.end(), [&](std::size_t i) {
+    return finishedRecord(plan_, i).has_value();
+  });
+  if (!finished) return addReferenceJob(all);
+  for (const std::size_t i : all) keep(i);
+}
+
+// References that one worker computes share its passes over the voxels. As many for each worker, and
+// not so many that their surrogates fill the memory.
+std::vector<std::vector<std::size_t>> RequestRun::sharedOut(const std::vector<std::size_t>& regions,
+                                                            int jobs) {
+  constexpr std::size_t kMostTogether = 10;
+  const std::size_t rounds = (regions.size() + kMostTogether * static_cast<std::size_t>(jobs) - 1) /
+                             (kMostTogether * static_cast<std::size_t>(jobs));
+  const std::size_t groups = std::min(rounds * static_cast<std::size_t>(jobs), regions.size());
+  std::vector<std::vector<std::size_t>> shares(groups);
+  for (std::size_t i = 0; i < regions.size(); ++i) shares[i * groups / regions.size()].push_back(regions[i]);
+  return shares;
+}
+
+void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions) {
+  std::string name = plan_.regions[regions[0]].name;
+  if (regions.size() > 1) name += " and " + std::to_string(regions.size() - 1) + " more";
+  const double weight =
+      workOfReferences() * static_cast<double>(regions.size()) / static_cast<double>(plan_.regions.size());
+  addWork(name, weight, referencesJob(plan_, regions),
+          [this, regions](const WorkOutcome& done) { settleResults(regions, done); });
+}
+
+// A worker with several references may have finished some before it failed. The others of a method
+// that lets them go on alone get a worker each, so that one bad reference takes no other with it.
+void RequestRun::settleResults(const std::vector<std::size_t>& regions, const WorkOutcome& work) {
+  const bool alone = regions.size() == 1 || plan_.request.settings.method == Method::kPlugin;
+  const bool retry = !work.done && !alone && !options_.stopOnFirstCrash;
+  for (const std::size_t i : regions) {
+    ReferenceOutcome reference{plan_.request.title, plan_.regions[i].name, false, false, work.message, {}};
+    const auto record = finishedRecord(plan_, i);
+    if (record && (work.done || regions.size() > 1)) {
+      reference = {plan_.request.title, plan_.regions[i].name, true, false, "", *record};
+    } else if (retry) {
+      addReferenceJob({i});
+      continue;
+    } else if (work.done) {
+      reference.message = "its files are missing";
+    }
+    outcome_.references.push_back(std::move(reference));
+  }
+  outcome_.inputProblem = outcome_.inputProblem || (work.inputProblem && !retry);
+  if (!work.done && options_.stopOnFirstCrash) pool_.cancelWaiting();
 }
 
 }  // namespace study

@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "formats/image.h"
-#include "study/output_names.h"
-#include "study/result_json.h"
+#include "results/output_names.h"
+#include "results/result_json.h"
+#include "study/file_store.h"
 #include "study/study_plan.h"
 #include "tav/run_observer.h"
 
@@ -19,13 +20,14 @@ namespace study {
 class ResultWriter : public tav::RunObserver {
  public:
   // regions: indices into the plan, in the order in which the engine computes them. All arguments
-  // must outlive the writer. progress receives finished conditions.
-  ResultWriter(const StudyPlan& plan, const std::vector<std::size_t>& regions, std::function<void(int)> conditionDone);
-  ~ResultWriter() override;
+  // must outlive the writer. progress receives 0 to 1.
+  ResultWriter(const StudyPlan& plan, const std::vector<std::size_t>& regions,
+               std::function<void(double)> progress);
 
-  // Where the engine saves its own files: a path and name prefix in the staging folder.
-  std::string enginePrefix() const;
+  // Where the engine puts its maps: files of the staging folder.
+  tav::MapStore& store() { return store_; }
 
+  void onProgress(int percent) override;
   void onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) override;
   void onCondition(const tav::ConditionOutcome& outcome) override;
   // Writes the rest and publishes everything.
@@ -36,20 +38,23 @@ class ResultWriter : public tav::RunObserver {
   OutputNames names() const;
   ResultContext context() const;
   MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
-  void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
+  void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
+                   ConditionResult& condition);
   void writeSidecars();
   void writeCourses(const OutputNames& names);
-  void appendToLog(const tav::TAV_VOI_Pars& voi);
+  void writeLog() const;
+  void report(double conditionsDone) const;
   void writeText(const std::string& file, const std::string& text) const;
   void writeJson(const std::string& file, const nlohmann::ordered_json& json) const;
 
   const StudyPlan& plan_;
   const std::vector<std::size_t>& regions_;
-  std::function<void(int)> conditionDone_;
+  std::function<void(double)> progress_;
   int conditionsDone_ = 0;
   std::size_t current_ = 0;  // index into regions_
   formats::ImageHeader header_;
-  std::unique_ptr<Staging> staging_;
+  Staging staging_;
+  FileStore store_;
   ReferenceResult result_;
   std::vector<std::uint8_t> codes_;  // status codes of the condition at hand
   std::map<std::pair<std::string, std::string>, std::vector<float>> courses_;  // by reference and VTC

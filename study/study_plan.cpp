@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
-#include "study/cautions.h"
-#include "study/fingerprint.h"
-#include "study/output_names.h"
-#include "study/region_files.h"
+#include "prepare/cautions.h"
+#include "prepare/fingerprint.h"
+#include "prepare/region_files.h"
+#include "request/settings_table.h"
+#include "results/output_names.h"
 
 namespace study {
 namespace {
@@ -72,13 +73,11 @@ std::vector<RunVolumes> runVolumes(const StudyPlan& plan) {
 }
 
 void addSettings(const StudyPlan& plan, Fingerprint& key) {
-  const Settings& s = plan.request.settings;
-  key.add("method", methodName(s.method)).add("order", plan.order).add("choice", orderChoiceName(s.orderChoice));
-  key.add("draws", s.nullDraws).add("cv", s.cvConstant).add("surrogates", s.surrogates);
-  key.add("discarded", s.discardedTimePoints).add("inclusion", s.inclusionThreshold);
-  key.add("inst", s.instantaneousLower).add("rc", s.rcUpper).add("scale", s.mapScale);
-  for (const tav::MapType type : s.mapTypes) key.add("map", static_cast<int>(type));
-  for (const double q : s.qValues) key.add("q", q);
+  Settings settings = plan.request.settings;
+  settings.order = plan.order;
+  for (const auto& [name, value] : keyParts(settings)) {
+    std::visit([&key, begin = name](const auto& v) { key.add(begin, v); }, value);
+  }
   key.add("seed", static_cast<std::int64_t>(plan.seed)).add("prefix", plan.request.output.prefix.c_str());
 }
 

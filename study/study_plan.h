@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "study/interval_plan.h"
-#include "study/regions.h"
-#include "study/request.h"
-#include "study/run_plan.h"
+#include "prepare/interval_plan.h"
+#include "prepare/regions.h"
+#include "prepare/run_plan.h"
+#include "request/request.h"
 
 namespace study {
 

@@ -11,20 +11,22 @@
 #include <string>
 #include <vector>
 
+#include "request/request.h"
+#include "results/record.h"
 #include "study/progress_bar.h"
-#include "study/request.h"
 #include "study/study_plan.h"
 
 namespace study {
 
 struct StudyOptions {
+  std::string program;  // the path of `tavmap`, which does the work: PROGRAM worker JOB
   int jobs = 1;
-  bool force = false;           // recompute what is finished
+  bool force = false;  // recompute what is finished
   bool stopOnFirstCrash = false;
-  bool ordersOnly = false;      // gather evidence for the order and stop there
+  bool ordersOnly = false;            // gather evidence for the order and stop there
   std::optional<std::uint32_t> seed;  // overrides the requests'
-  std::string version;          // of the software, for sidecars and keys
-  std::string datasetFolder;    // where dataset_description.json goes; empty: each request's folder
+  std::string version;                // of the software, for sidecars and keys
+  std::string datasetFolder;          // where dataset_description.json goes; empty: each request's folder
 };
 
 // What became of one reference.
@@ -32,21 +34,23 @@ struct ReferenceOutcome {
   std::string request, reference;
   bool done = false, kept = false;  // kept: finished before, not computed again
   std::string message;              // of a failure
-  nlohmann::ordered_json record;    // when done
+  Record record;                    // when done
 };
 
 struct StudyOutcome {
   std::vector<ReferenceOutcome> references;
   std::vector<std::string> failures;  // of requests as a whole, in words
   std::vector<std::string> cautions;
-  bool inputProblem = false;          // at least one failure is the request's fault
+  bool inputProblem = false;                   // at least one failure is the request's fault
   std::vector<nlohmann::ordered_json> orders;  // evidence, one per request that asked for it
   bool failed() const;
 };
 
 // Requests are planned before anything is computed: an InputError in one of them throws at once when
-// it is the only one, and is a failure among others otherwise. Throws Interrupted.
-StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options, ProgressBar& progress);
+// it is the only one, and is a failure among others otherwise. Throws Interrupted. What workers and
+// killed runs have left in the folders is gone at the end, however that comes.
+StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options,
+                      ProgressBar& progress);
 
 }  // namespace study
 

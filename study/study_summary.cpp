@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "results/record_json.h"
+
 namespace study {
 namespace {
 
@@ -14,34 +16,41 @@ std::string fixed(double value, int digits) {
   return text;
 }
 
-std::string placeOf(const Json& peak) {
-  const Json& mm = peak["Millimetres"];
-  return "(" + fixed(mm[0], 0) + ", " + fixed(mm[1], 0) + ", " + fixed(mm[2], 0) + ") mm";
+// As in the files, so that a number can be searched for there.
+std::string numberText(double value) {
+  return Json(value).dump();
 }
 
-std::string thresholdText(const Json& threshold) {
-  const std::string begin = "q = " + threshold["Q"].dump() + ": ";
-  if (!threshold["AnyVoxelPasses"].get<bool>()) return begin + "no voxel survives";
-  const auto count = threshold["VoxelsPassingOutsideReference"].get<std::size_t>();
+std::string peakText(const MapResult& map) {
+  const auto& mm = map.peakMm;
+  return "peak " + fixed(map.peak, 3) + " at (" + fixed(mm[0], 0) + ", " + fixed(mm[1], 0) + ", " +
+         fixed(mm[2], 0) + ") mm";
+}
+
+std::string thresholdText(const ThresholdResult& result) {
+  const std::string begin = "q = " + numberText(result.q) + ": ";
+  if (result.voxelsPassing == 0 || !result.threshold) return begin + "no voxel survives";
+  const std::size_t count = result.outsideReference;
   if (count == 0) return begin + "voxels of the reference alone";
   return begin + std::to_string(count) + (count == 1 ? " voxel at " : " voxels at ") +
-         fixed(threshold["Threshold"].get<double>(), 3) + " or more";
+         fixed(*result.threshold, 3) + " or more";
 }
 
-// One line per map; q-values without any voxel are said once when they all are.
-void printMap(const Json& map, std::ostream& out) {
-  out << "    " << map["MapType"].get<std::string>() << ": ";
-  const Json thresholds = map.value("Thresholds", Json::array());
+// q-values without any voxel are said once when they all are.
+std::string thresholdsText(const std::vector<ThresholdResult>& thresholds) {
+  if (thresholds.empty()) return "no thresholds";
   const bool none = std::all_of(thresholds.begin(), thresholds.end(),
-                                [](const Json& threshold) { return !threshold["AnyVoxelPasses"].get<bool>(); });
-  if (thresholds.empty()) {
-    out << "no thresholds";
-  } else if (none) {
-    out << "no voxel survives at any q";
-  } else {
-    for (std::size_t i = 0; i < thresholds.size(); ++i) out << (i > 0 ? "; " : "") << thresholdText(thresholds[i]);
-  }
-  out << "; peak " << fixed(map["Peak"]["Value"].get<double>(), 3) << " at " << placeOf(map["Peak"]) << "\n";
+                                [](const ThresholdResult& result) { return result.voxelsPassing == 0; });
+  if (none) return "no voxel survives at any q";
+  std::string text;
+  for (const ThresholdResult& result : thresholds) text += (text.empty() ? "" : "; ") + thresholdText(result);
+  return text;
+}
+
+void printMap(const ConditionRecord& condition, const MapResult& map, std::ostream& out) {
+  out << "    " << tav::MAPTYPE_NAMES[static_cast<std::size_t>(map.type)] << ": "
+      << thresholdsText(map.thresholds) << "; " << (hasPeak(condition, map) ? peakText(map) : "no peak")
+      << "\n";
 }
 
 void printReference(const ReferenceOutcome& reference, std::ostream& out) {
@@ -50,10 +59,10 @@ void printReference(const ReferenceOutcome& reference, std::ostream& out) {
     out << "  FAILED: " << reference.message << "\n";
     return;
   }
-  for (const Json& condition : reference.record["Conditions"]) {
-    out << "  " << condition["Name"].get<std::string>() << ": " << condition["EffectiveVolumes"] << " effective volumes, "
-        << condition["Voxels"]["computed"] << " voxels computed\n";
-    for (const Json& map : condition["Maps"]) printMap(map, out);
+  for (const ConditionRecord& condition : reference.record.conditions) {
+    out << "  " << condition.name << ": " << condition.effectiveVolumes << " effective volumes, "
+        << condition.voxelsComputed() << " voxels computed\n";
+    for (const MapResult& map : condition.maps) printMap(condition, map, out);
   }
 }
 
@@ -73,10 +82,14 @@ void printSummary(const StudyOutcome& outcome, std::ostream& out) {
 Json summaryJson(const StudyOutcome& outcome, const std::string& version) {
   Json json = {{"SoftwareVersion", version}, {"Failed", outcome.failed()}, {"References", Json::array()}};
   for (const ReferenceOutcome& reference : outcome.references) {
-    Json entry = {{"Request", reference.request}, {"Reference", reference.reference}, {"Done", reference.done},
+    Json entry = {{"Request", reference.request},
+                  {"Reference", reference.reference},
+                  {"Done", reference.done},
                   {"Kept", reference.kept}};
-    if (reference.done) entry["Record"] = reference.record;
-    else entry["Message"] = reference.message;
+    if (reference.done)
+      entry["Record"] = recordJson(reference.record);
+    else
+      entry["Message"] = reference.message;
     json["References"].push_back(std::move(entry));
   }
   json["Warnings"] = outcome.cautions;

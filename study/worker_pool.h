@@ -1,9 +1,7 @@
-// Work in child processes: independent pieces, a limited number at a time, each in a process of
-// its own, so that a crash takes one piece with it and not the others.
+// Work in child processes: independent commands, a limited number at a time, so that a crash takes one
+// piece of work with it and not the others.
 #ifndef TAVMAP_STUDY_WORKER_POOL_H
 #define TAVMAP_STUDY_WORKER_POOL_H
-
-#include <sys/types.h>
 
 #include <functional>
 #include <list>
@@ -13,30 +11,17 @@
 
 namespace study {
 
-// A worker's line to the pool.
-class WorkerChannel {
- public:
-  explicit WorkerChannel(int fd) : fd_(fd) {}
-  void progress(double fraction);           // 0 to 1
-  void result(const std::string& text);     // what `finished` receives; the last one counts
- private:
-  friend class WorkerPool;
-  void send(char kind, const std::string& text);
-  int fd_;
-};
-
 struct WorkOutcome {
   bool done = false;
-  bool inputProblem = false;  // an InputError: the request is at fault
-  std::string message;        // of a failure: what the worker threw, or how it died
+  bool inputProblem = false;  // the request is at fault
+  std::string message;        // of a failure: what the worker said, or how it died
   std::string result;
 };
 
 struct WorkPiece {
-  std::string name;  // for progress and for reports of a dead worker
-  double weight = 1; // expected share of the time
-  // Runs in the child. May throw.
-  std::function<void(WorkerChannel&)> work;
+  std::string name;                  // for progress and for reports of a dead worker
+  double weight = 1;                 // expected share of the time
+  std::vector<std::string> command;  // reports as worker_channel.h says, on kReportDescriptor
   // Runs in the parent, in order of completion; may add pieces to the pool.
   std::function<void(const WorkOutcome&)> finished;
 };
@@ -70,7 +55,6 @@ class WorkerPool {
   struct Worker;
   void start();
   void waitForNews();
-  void readFrom(Worker& worker);
   void finish(Worker& worker);
   void report();
   void endAll();
@@ -81,16 +65,6 @@ class WorkerPool {
   std::list<std::unique_ptr<Worker>> running_;
   double doneWeight_ = 0, totalWeight_ = 0, expectedWeight_ = 0;
 };
-
-// Turns SIGINT and SIGTERM into a flag for the life of the object. One at a time.
-class InterruptGuard {
- public:
-  InterruptGuard();
-  ~InterruptGuard();
-  InterruptGuard(const InterruptGuard&) = delete;
-  InterruptGuard& operator=(const InterruptGuard&) = delete;
-};
-bool interruptRequested();
 
 }  // namespace study
 

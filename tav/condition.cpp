@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "tav/log_pane.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -92,11 +91,12 @@ int checkCondition(const Computer& computer, const TAV_VOI_Pars& voi, const TAV_
   return kSuccess;
 }
 
-void reportCounts(const VoxelCounts& counts, const TAV_Pars& request, std::ostream& log) {
+void reportCounts(const VoxelCounts& counts, const TAV_Pars& request, const RunLog& runLog,
+                  std::ostream& log) {
   const double nrOfVoxels = static_cast<double>(request.dimX) * request.dimY * request.dimZ;
   const auto percent = [&](int count) { return nrOfVoxels > 0 ? count / nrOfVoxels * 100.0 : 0.0; };
   if (request.showVerboseProgress) {
-    logLine<128>(
+    runLog.line<128>(
         "%s\tVoxels skipped: %d\t(%3.1f%%)\n%s\tVoxels ill-defined: %d\t(%3.1f%%)\n%s\tSurrogates "
         "ill-defined: "
         "%d\t(%3.1f%%)",

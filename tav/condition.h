@@ -6,7 +6,7 @@
 #include <ostream>
 #include <vector>
 
-#include "tav/run_observer.h"
+#include "tav/run_log.h"
 #include "tav/tav_pars.h"
 #include "tav/vtc_cache.h"
 
@@ -28,8 +28,9 @@ struct CheckedCondition {
                                  CheckedCondition& checked);
 
 // Writes the counters and their shares of all voxels to `log` and, when the request wants
-// progress, to the host's log pane.
-void reportCounts(const VoxelCounts& counts, const TAV_Pars& request, std::ostream& log);
+// progress, to the run's.
+void reportCounts(const VoxelCounts& counts, const TAV_Pars& request, const RunLog& runLog,
+                  std::ostream& log);
 
 }  // namespace tav
 

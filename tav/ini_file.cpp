@@ -1,11 +1,12 @@
 #include "tav/ini_file.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
 #include <sstream>
 #include <vector>
+
+#include "tav/map_kinds.h"
 
 namespace tav {
 namespace {
@@ -202,12 +203,12 @@ bool loadINIFile(std::istream& file, TAV_Pars& pars, std::ostream& err) {
 }
 
 bool addMapType(const std::string& keyword, std::set<MapType>& types, std::ostream& err) {
-  const auto found = std::find(MAPTYPE_NAMES.begin(), MAPTYPE_NAMES.end(), keyword);
-  if (found == MAPTYPE_NAMES.end()) {
+  const std::optional<MapType> type = findMapType(keyword);
+  if (!type) {
     err << "Unknown type-string for '" << MAPTYPES_INI_STR << "' in TAVPlugin.ini: '" << keyword << "'";
     return false;
   }
-  types.insert(static_cast<MapType>(found - MAPTYPE_NAMES.begin()));
+  types.insert(*type);
   return true;
 }
 

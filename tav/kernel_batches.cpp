@@ -26,13 +26,13 @@ kernel::SetSpec setSpec(std::span<const VoxelJob> jobs, std::size_t index) {
 
 kernel::PlanSpec planSpec(std::span<const VoxelJob> jobs) {
   const VoxelJob& any = jobs[0];
-  const bool consistent = any.lagPairForm == simo::LagPairForm::kConsistent;
-  kernel::PlanSpec spec{any.order, any.nullDraws, consistent, any.nrOfSurrogates, {}};
+  const bool leastSquares = any.fitForm == FitForm::kLeastSquares;
+  kernel::PlanSpec spec{any.order, any.nullDraws, leastSquares, any.nrOfSurrogates, {}};
   for (std::size_t set = 0; set < any.sets.size(); ++set) spec.sets.push_back(setSpec(jobs, set));
   return spec;
 }
 
-ResultWriter::Rows rowsFrom(const std::vector<float> (&measures)[kNrOfMeasures], std::size_t i) {
+VoxelWriter::Rows rowsFrom(const std::vector<float> (&measures)[kNrOfMeasures], std::size_t i) {
   return {measures[0].data() + i, measures[1].data() + i, measures[2].data() + i};
 }
 
@@ -54,6 +54,9 @@ KernelBatches::Reference::Reference(const VoxelJob& voxelJob, std::size_t perVox
       drawsPerVoxel(perVoxel),
       rowOf(static_cast<std::uint32_t>(voxelJob.nrOfSurrogates)) {
   drawn.resize(kBatch * perVoxel);
+  for (std::size_t cell = 0; job.commonFirst && cell < perVoxel; ++cell)
+    std::fill_n(drawn.begin() + static_cast<std::ptrdiff_t>(cell * kBatch), kBatch,
+                *job.commonFirst + static_cast<std::uint32_t>(cell));
   for (auto& plane : measures) plane.resize(kBatch);
   for (auto& plane : nulls) plane.resize(kBatch * draws);
   verdicts.resize(kBatch);
@@ -68,6 +71,7 @@ kernel::ReferenceBatch KernelBatches::Reference::view() {
 }
 
 void KernelBatches::Reference::draw(std::size_t nrOfVoxels) {
+  if (job.commonFirst) return;              // set once and for all
   simo::RandomStream random = *job.random;  // its own, which nothing else can refer to, is faster
   for (std::size_t i = 0; i < nrOfVoxels; ++i) {
     for (std::size_t cell = 0; cell < drawsPerVoxel; ++cell)
@@ -82,29 +86,27 @@ std::vector<std::uint32_t> KernelBatches::Reference::drawnFor(std::size_t i) con
   return rows;
 }
 
-ReferenceFits& KernelBatches::Reference::fits() {
-  if (ownFits == nullptr) ownFits = std::make_unique<ReferenceFits>(job);
+VoxelFits& KernelBatches::Reference::fits() {
+  if (ownFits == nullptr) ownFits = makeVoxelFits(job);
   return *ownFits;
 }
 
 KernelBatches::KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kernel& kernel)
     : kernel_(kernel), plan_(planSpec(jobs), kernel), work_(plan_.view(), kernel.width) {
-  const auto draws = static_cast<std::size_t>(jobs[0].nullDraws);
   for (const VoxelSet& set : jobs[0].sets) {
     const auto file = static_cast<std::size_t>(set.file);
     const VoxelFile& of = jobs[0].files[file];
     coursesOfSets_.push_back({file, static_cast<std::size_t>(of.nrOfVolumes) *
                                         (of.isFloat ? sizeof(float) : sizeof(std::uint16_t))});
   }
-  for (const VoxelJob& job : jobs)
-    references_.emplace_back(job, static_cast<std::size_t>(plan_.view().nrOfIntervals) * draws);
+  for (const VoxelJob& job : jobs) references_.emplace_back(job, drawsPerVoxel(job));
 }
 
 void KernelBatches::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                             std::span<const VoxelResults> results) {
   const VoxelJob& any = references_.front().job;
   const Inclusion inclusion(any, data, nrOfVoxels);
-  std::deque<ResultWriter> writers;
+  std::deque<VoxelWriter> writers;
   for (std::size_t i = 0; i < references_.size(); ++i)
     writers.emplace_back(references_[i].job, inclusion.count(), results[i]);
   copies_.clear();
@@ -115,7 +117,7 @@ void KernelBatches::compute(std::size_t nrOfVoxels, std::span<const VoxelData> d
       addVoxels(voxel, end, nrOfVoxels, data);
       if (voxels_.size() == kBatch) finishBatch(data, writers);
     } else {
-      for (ResultWriter& writer : writers) writer.skip(voxel, end - voxel);
+      for (VoxelWriter& writer : writers) writer.skip(voxel, end - voxel);
     }
   }
   if (!voxels_.empty()) finishBatch(data, writers);
@@ -144,7 +146,7 @@ const void* KernelBatches::copyOf(const unsigned char* course, std::size_t bytes
   return copy.get();
 }
 
-void KernelBatches::finishBatch(std::span<const VoxelData> data, std::deque<ResultWriter>& writers) {
+void KernelBatches::finishBatch(std::span<const VoxelData> data, std::deque<VoxelWriter>& writers) {
   std::vector<kernel::ReferenceBatch> views;
   for (Reference& reference : references_) {
     reference.draw(voxels_.size());
@@ -156,7 +158,7 @@ void KernelBatches::finishBatch(std::span<const VoxelData> data, std::deque<Resu
   courses_.clear();
 }
 
-void KernelBatches::store(Reference& reference, std::span<const VoxelData> data, ResultWriter& writer) {
+void KernelBatches::store(Reference& reference, std::span<const VoxelData> data, VoxelWriter& writer) {
   combineVerdicts(reference.verdicts, reference.nullVerdicts, reference.doubts);
   if (reference.draws > 1) writer.takeFurtherDraws(voxels_.size(), rowsFrom(reference.nulls, kBatch), kBatch);
   for (std::size_t i = 0, end = 0; i < voxels_.size(); i = end) {
@@ -172,7 +174,7 @@ void KernelBatches::store(Reference& reference, std::span<const VoxelData> data,
 }
 
 void KernelBatches::storeDoubtful(Reference& reference, std::size_t i, std::span<const VoxelData> data,
-                                  ResultWriter& writer) {
+                                  VoxelWriter& writer) {
   using kernel::Verdict;
   const auto isNull = [&](std::size_t draw, Verdict verdict) {
     return reference.nullVerdicts[draw * kBatch + i] == verdict;

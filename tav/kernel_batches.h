@@ -11,9 +11,9 @@
 #include "simo/remainder.h"
 #include "tav/kernel/dispatch.h"
 #include "tav/kernel/plan.h"
-#include "tav/reference_fits.h"
-#include "tav/result_writer.h"
+#include "tav/voxel_fits.h"
 #include "tav/voxel_path.h"
+#include "tav/voxel_writer.h"
 
 namespace tav {
 
@@ -35,19 +35,19 @@ class KernelBatches {
     Reference(const VoxelJob& job, std::size_t drawsPerVoxel);
     // Surrogates for the next included voxels, at most a batch.
     void draw(std::size_t nrOfVoxels);
-    // Those of the batch's voxel i, [interval][draw].
+    // Those of the batch's voxel i, in the order in which they were drawn.
     [[nodiscard]] std::vector<std::uint32_t> drawnFor(std::size_t i) const;
     [[nodiscard]] kernel::ReferenceBatch view();
-    [[nodiscard]] ReferenceFits& fits();
+    [[nodiscard]] VoxelFits& fits();
 
     VoxelJob job;
     std::size_t draws, drawsPerVoxel;  // of one interval, of all
     simo::Remainder rowOf;
-    std::vector<std::uint32_t> drawn;  // [interval][draw][voxel of a batch]
+    std::vector<std::uint32_t> drawn;  // [interval, in least squares only one][draw][voxel of a batch]
     std::vector<float> measures[kNrOfMeasures], nulls[kNrOfMeasures];
     std::vector<kernel::Verdict> verdicts, nullVerdicts;
-    std::vector<std::uint8_t> doubts;        // 0: the voxel's verdicts are all kDone
-    std::unique_ptr<ReferenceFits> ownFits;  // made when first needed: for most jobs never
+    std::vector<std::uint8_t> doubts;    // 0: the voxel's verdicts are all kDone
+    std::unique_ptr<VoxelFits> ownFits;  // made when first needed: for most jobs never
   };
 
   // Where the courses of one set stand.
@@ -59,10 +59,10 @@ class KernelBatches {
   // Voxels first ... end - 1 of the nrInCall ones whose data follow each other; there is room for them.
   void addVoxels(std::size_t first, std::size_t end, std::size_t nrInCall, std::span<const VoxelData> data);
   [[nodiscard]] const void* copyOf(const unsigned char* course, std::size_t bytes);
-  void finishBatch(std::span<const VoxelData> data, std::deque<ResultWriter>& writers);
-  void store(Reference& reference, std::span<const VoxelData> data, ResultWriter& writer);
+  void finishBatch(std::span<const VoxelData> data, std::deque<VoxelWriter>& writers);
+  void store(Reference& reference, std::span<const VoxelData> data, VoxelWriter& writer);
   void storeDoubtful(Reference& reference, std::size_t i, std::span<const VoxelData> data,
-                     ResultWriter& writer);
+                     VoxelWriter& writer);
 
   const kernel::Kernel& kernel_;
   kernel::Plan plan_;

@@ -1,4 +1,4 @@
-// The formulas by which raw measures become the values of the six map types.
+// From raw measures to the values of a map, by the formula of its kind.
 #ifndef TAVMAP_TAV_MAP_VALUES_H
 #define TAVMAP_TAV_MAP_VALUES_H
 
@@ -16,18 +16,12 @@ struct RawValues {
   std::size_t size;
 };
 
-// Writes the values of one map into `out`, which holds raw.size values. With r, v, i for the
-// measures from the reference, from the voxel and instantaneous:
-//   REF2VOX r, VOX2REF v, INST i, DTAV r - v, each times the scale factor;
-//   DTAV_IT as DTAV, 0 where i < instLowerThres;
-//   DTAV_RC d / (|d| + i) with d = r - v, 0 where i < instLowerThres; 0 where the denominator is
-//     exactly 0; values above rcUpperThres become 0, those below -rcUpperThres stay (deliberately
-//     one-sided); not scaled.
-// Comparisons with a value that is not a number are false, so NaN stays NaN.
+// Writes the values of one map into `out`, which holds raw.size values. The formulas are those of
+// map_kinds.def. The type must be a known one.
 void computeMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars, float* out);
 
 // The same in two parts: values without the scale factor, which stand in `raw` itself or in `buffer`,
-// and the factor (1 for DTAV_RC).
+// and the factor (1 for a kind that is not scaled).
 [[nodiscard]] const float* unscaledMapValues(MapType type, const RawValues& raw, const TAV_Pars& pars,
                                              float* buffer);
 [[nodiscard]] float mapScale(MapType type, const TAV_Pars& pars);

@@ -1,6 +1,6 @@
 #include "tav/parameter_log.h"
 
-#include "tav/tav_defs.h"
+#include "tav/map_kinds.h"
 
 namespace tav {
 
@@ -9,7 +9,7 @@ void writeParameterLog(const TAV_Pars& pars, std::ostream& out) {
   out << "Global parameter values \n";
   out << "------------------------\n";
   out << MAPTYPES_INI_STR << " ";
-  for (const MapType type : pars.mapTypes) out << MAPTYPE_NAMES[static_cast<std::size_t>(type)] << " ";
+  for (const MapType type : pars.mapTypes) out << mapKind(type).keyword << " ";
   out << "\n" << INST_LTHRES_INI_STR << " " << static_cast<double>(pars.instLowerThres) << "\n";
   out << QS_INI_STR << " ";
   for (const float q : pars.qThresholds) out << static_cast<double>(q) << " ";
@@ -23,16 +23,20 @@ void writeParameterLog(const TAV_Pars& pars, std::ostream& out) {
 }
 
 void writeRunOptionsLog(const RunOptions& options, std::ostream& out) {
-  if (options == RunOptions{}) return;
-  const bool consistent = options.lagPairForm == simo::LagPairForm::kConsistent;
+  if (options.isPlugin()) return;
+  const bool leastSquares = options.fitForm == FitForm::kLeastSquares;
+  const bool ownResiduals = options.surrogateKind == SurrogateKind::kOwnResiduals;
   const bool stepUp = options.thresholdRule == ThresholdRule::kStepUp;
   out << "Run options (not those of the plug-in)\n";
   out << "--------------------------------------\n";
-  out << "LagPairAverages= " << (consistent ? "consistent" : "written") << "\n";
-  out << "SurrogateModels= " << (options.poolSurrogateModels ? "pooled" : "per-course") << "\n";
+  out << "Models= " << (leastSquares ? "least squares over common samples" : "written") << "\n";
+  out << "Surrogates= " << (ownResiduals ? "own residuals with random signs" : "pooled models") << "\n";
   out << "NullDrawsPerVoxel= " << options.nullDraws << "\n";
   out << "ThresholdRule= " << (stepUp ? "step-up" : "walk") << "\n";
-  out << "ThresholdSearch= " << (options.searchOutsideReference ? "outside the reference" : "all voxels") << "\n\n";
+  if (options.fdrConstant > 0) out << "FDRConstant= " << options.fdrConstant << "\n";
+  if (options.fweDraws > 0) out << "FamilyWiseDraws= " << options.fweDraws << "\n";
+  out << "ThresholdSearch= " << (options.searchOutsideReference ? "outside the reference" : "all voxels")
+      << "\n\n";
 }
 
 }  // namespace tav

@@ -74,11 +74,11 @@ void ReferenceFits::accumulateSegment(const Segment& segment) {
   const int end = segment.first + segment.length;
   loadReference(segment.reference, 0, segment.length);
   simo::dtrendRowsToRes(*timeCourse_, 0, 1, segment.first, end, *work_, 1, 0);
-  simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages_, job_.lagPairForm);
+  simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages_);
   if (job_.nrOfSurrogates < 1) return;
   for (const auto& averages : nullAverages_) {
     loadReference(segment.surrogates, static_cast<int>(nextRow()), segment.length);
-    simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages, job_.lagPairForm);
+    simo::accum_actavgs(*work_, 0, 2, 0, segment.length, *averages);
   }
 }
 

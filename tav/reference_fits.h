@@ -1,4 +1,5 @@
-// The readable computation of one reference's measures: one voxel after the other through simo.
+// The readable computation of one reference's measures in the written form: one voxel after the other
+// through simo.
 #ifndef TAVMAP_TAV_REFERENCE_FITS_H
 #define TAVMAP_TAV_REFERENCE_FITS_H
 
@@ -9,31 +10,20 @@
 #include <vector>
 
 #include "simo/smatrix.h"
-#include "tav/voxel_path.h"
+#include "tav/voxel_fits.h"
 
 namespace tav {
-
-// The measures of one included voxel.
-struct VoxelMeasures {
-  bool isDefined;  // false: all values are 0 and no null was fitted
-  std::array<float, kNrOfMeasures> truth;
-  std::vector<std::array<float, kNrOfMeasures>> nulls;  // per draw; 0 where the fit failed
-  int nullsIllDefined;
-};
 
 // What every other path is held to. References and surrogates are detrended once per set and
 // interval, which gives the same numbers as doing so for every voxel, at the cost of one further
 // copy of the surrogates over the intervals. Nothing is allocated per voxel.
-class ReferenceFits {
+class ReferenceFits : public VoxelFits {
  public:
   explicit ReferenceFits(const VoxelJob& job);
 
-  // One voxel, with surrogates from the job's stream. The result holds until the next call.
-  const VoxelMeasures& compute(std::size_t voxel, std::span<const VoxelData> data);
-  // One voxel whose surrogates are drawn already, [interval][draw]. The result holds until the next
-  // call.
+  const VoxelMeasures& compute(std::size_t voxel, std::span<const VoxelData> data) override;
   const VoxelMeasures& computeDrawn(std::size_t voxel, std::span<const VoxelData> data,
-                                    const std::uint32_t* drawn);
+                                    const std::uint32_t* drawn) override;
 
  private:
   // One interval of one set with its detrended references.

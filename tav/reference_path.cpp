@@ -1,14 +1,14 @@
 #include "tav/reference_path.h"
 
-#include "tav/result_writer.h"
+#include "tav/voxel_writer.h"
 
 namespace tav {
 namespace {
 
-void computeVoxels(const VoxelJob& job, ReferenceFits& fits, std::size_t nrOfVoxels,
+void computeVoxels(const VoxelJob& job, VoxelFits& fits, std::size_t nrOfVoxels,
                    std::span<const VoxelData> data, const VoxelResults& results) {
   const Inclusion inclusion(job, data, nrOfVoxels);
-  ResultWriter writer(job, inclusion.count(), results);
+  VoxelWriter writer(job, inclusion.count(), results);
   for (std::size_t voxel = 0; voxel < nrOfVoxels; ++voxel) {
     if (inclusion.includes(voxel)) {
       writer.write(voxel, fits.compute(voxel, data));
@@ -23,13 +23,13 @@ void computeVoxels(const VoxelJob& job, ReferenceFits& fits, std::size_t nrOfVox
 void ReferencePath::begin(std::span<const VoxelJob> jobs) {
   jobs_.assign(jobs.begin(), jobs.end());
   fits_.clear();
-  for (const VoxelJob& job : jobs_) fits_.emplace_back(job);
+  for (const VoxelJob& job : jobs_) fits_.push_back(makeVoxelFits(job));
 }
 
 void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                             std::span<const VoxelResults> results) {
   for (std::size_t i = 0; i < jobs_.size(); ++i)
-    computeVoxels(jobs_[i], fits_[i], nrOfVoxels, data, results[i]);
+    computeVoxels(jobs_[i], *fits_[i], nrOfVoxels, data, results[i]);
 }
 
 }  // namespace tav

@@ -2,9 +2,10 @@
 #ifndef TAVMAP_TAV_REFERENCE_PATH_H
 #define TAVMAP_TAV_REFERENCE_PATH_H
 
-#include <deque>
+#include <memory>
+#include <vector>
 
-#include "tav/reference_fits.h"
+#include "tav/voxel_fits.h"
 #include "tav/voxel_path.h"
 
 namespace tav {
@@ -19,7 +20,7 @@ class ReferencePath : public VoxelPath {
 
  private:
   std::vector<VoxelJob> jobs_;
-  std::deque<ReferenceFits> fits_;  // per job
+  std::vector<std::unique_ptr<VoxelFits>> fits_;  // per job
 };
 
 }  // namespace tav

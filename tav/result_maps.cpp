@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "hostapi/CNZQPluginInterfaceExtern.h"
-#include "tav/log_pane.h"
-#include "tav/save_text.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -13,46 +10,29 @@ namespace {
 
 constexpr std::size_t kBaseNameBytes = 512;
 
-NR_VMPs_Header mapSetHeader(const TAV_Pars& pars) {
-  NR_VMPs_Header header{};
-  header.nrOfMaps = nrOfMapsOf(pars);
-  header.nrOfFDRThresholds = static_cast<std::int32_t>(pars.qThresholds.size());
-  header.xStart = pars.vtcXStart;
-  header.xEnd = pars.vtcXEnd;
-  header.yStart = pars.vtcYStart;
-  header.yEnd = pars.vtcYEnd;
-  header.zStart = pars.vtcZStart;
-  header.zEnd = pars.vtcZEnd;
-  header.resolution = pars.vtcResolution;
-  return header;
-}
-
 // The names keep the order of the settings although thresholds come by ascending q, deliberately.
-void nameThresholds(const TAV_Pars& pars, const NR_VMPs_Header& header) {
-  for (std::size_t i = 0; i < pars.qThresholds.size(); ++i) {
-    std::snprintf(header.fdrThresholdNames[i], kThresholdNameBytes, "thres q=%1.3f",
-                  static_cast<double>(pars.qThresholds[i]));
-  }
+std::string thresholdName(float q) {
+  char name[64];
+  std::snprintf(name, sizeof name, "thres q=%1.3f", static_cast<double>(q));
+  return name;
 }
 
-void saveLog(const std::string& path, const std::string& text) {
-  const std::string reason = saveTextWhole(path, text);
-  if (reason.empty()) {
-    zqLogText((std::string(TAV_PROMPT) + " Written  log: " + path).c_str());
-  } else {
-    zqLogText((std::string(TAV_PROMPT) + " WARNING: Could not write the log " + path + " (" + reason +
-               "). Check the folder and the free space, then repeat the run.")
-                  .c_str());
-  }
+MapSetShape mapSetShape(const TAV_Pars& pars) {
+  MapSetShape shape{nrOfMapsOf(pars),
+                    {pars.vtcXStart, pars.vtcXEnd, pars.vtcYStart, pars.vtcYEnd, pars.vtcZStart, pars.vtcZEnd,
+                     pars.vtcResolution},
+                    {}};
+  for (const float q : pars.qThresholds) shape.thresholdNames.push_back(thresholdName(q));
+  return shape;
 }
 
 // Time courses are looked up by name, so equal names share the first one's as well.
-void warnOfEqualNames(const TAV_Pars& pars, const TAV_VOI_Pars& a, const TAV_VOI_Pars& b) {
+void warnOfEqualNames(const TAV_Pars& pars, const TAV_VOI_Pars& a, const TAV_VOI_Pars& b, const RunLog& log) {
   std::string text = std::string(TAV_PROMPT) + " WARNING: VOI " + std::to_string(a.voiIndex + 1) + " '" +
                      a.name + "' and VOI " + std::to_string(b.voiIndex + 1) + " '" + b.name +
                      "' share the result files " + resultBaseName(pars, a) + ".tav and .log";
   text += a.name == b.name ? " and the time course of the first" : "";
-  zqLogText((text + ": the later results replace the earlier ones. Rename one of the two.").c_str());
+  log.text(text + ": the later results replace the earlier ones. Rename one of the two.");
 }
 
 }  // namespace
@@ -70,40 +50,34 @@ std::string resultBaseName(const TAV_Pars& pars, const TAV_VOI_Pars& voi) {
   return base;
 }
 
-void warnOfEqualResultNames(const TAV_Pars& pars) {
+void warnOfEqualResultNames(const TAV_Pars& pars, const RunLog& log) {
   for (auto a = pars.vois.begin(); a != pars.vois.end(); ++a) {
     for (auto b = a + 1; b != pars.vois.end(); ++b) {
-      if (resultBaseName(pars, *a) == resultBaseName(pars, *b)) warnOfEqualNames(pars, *a, *b);
+      if (resultBaseName(pars, *a) == resultBaseName(pars, *b)) warnOfEqualNames(pars, *a, *b, log);
     }
   }
 }
 
 int Computer::createVOIResultMAP(const TAV_VOI_Pars& /*voi*/, const TAV_Pars& request, std::ostream& errors) {
-  zqDeleteNRVMPsOfCurrentVMR();
-  NR_VMPs_Header header = mapSetHeader(request);
-  if (header.nrOfMaps < 1) {
-    errors << "An invalid number of maps have to be computed: " << header.nrOfMaps
+  store_->discard();
+  const MapSetShape shape = mapSetShape(request);
+  if (shape.nrOfMaps < 1) {
+    errors << "An invalid number of maps have to be computed: " << shape.nrOfMaps
            << "Number of conditions, and/or number of map types were possibly invalid";
     return kInvalidParameters;
   }
-  if (zqCreateNRVMPsForCurrentVMR(header.nrOfMaps, 0, header.nrOfFDRThresholds, &header) == 0) {
-    errors << "Could not create an CMP map-structure to write TAV results";
-    return kTerminalError;
-  }
-  if (zqGetNRVMPsOfCurrentVMR(&header) == 0) {
-    errors << "Could not get access to created CMP map-structure for write TAV results";
-    return kTerminalError;
-  }
-  nameThresholds(request, header);
-  return kSuccess;
+  return store_->create(shape, errors) ? kSuccess : kTerminalError;
 }
 
 int Computer::saveVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostringstream& log,
                                std::ostream& /*errors*/) {
-  const std::string base = resultBaseName(request, voi);
-  zqSaveNRVMPsOfCurrentVMR((base + ".tav").c_str());  // the host reports its own failures
-  zqLogText((std::string(TAV_PROMPT) + "\n" + TAV_PROMPT + " Written data: " + base + ".tav").c_str());
-  saveLog(base + ".log", log.str());
+  const std::string base = resultBaseName(request, voi), prompt = TAV_PROMPT;
+  store_->saveMaps(base + ".tav");
+  runLog_.text(prompt + "\n" + prompt + " Written data: " + base + ".tav");
+  const std::string path = base + ".log", reason = store_->saveLog(path, log.str());
+  runLog_.text(reason.empty() ? prompt + " Written  log: " + path
+                              : prompt + " WARNING: Could not write the log " + path + " (" + reason +
+                                    "). Check the folder and the free space, then repeat the run.");
   return kSuccess;
 }
 

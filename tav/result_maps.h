@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "tav/run_log.h"
 #include "tav/tav_pars.h"
 
 namespace tav {
@@ -17,7 +18,7 @@ namespace tav {
 [[nodiscard]] std::string resultBaseName(const TAV_Pars& pars, const TAV_VOI_Pars& voi);
 
 // Logs a warning for every two references whose result files have the same name.
-void warnOfEqualResultNames(const TAV_Pars& pars);
+void warnOfEqualResultNames(const TAV_Pars& pars, const RunLog& log);
 
 }  // namespace tav
 

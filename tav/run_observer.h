@@ -1,13 +1,17 @@
-// What a caller outside the plug-in can learn from a run, beside the maps in the host.
+// What a run tells while it runs, beside the maps in its store.
 #ifndef TAVMAP_TAV_RUN_OBSERVER_H
 #define TAVMAP_TAV_RUN_OBSERVER_H
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
+#include "tav/map_values.h"
+#include "tav/null_maxima.h"
 #include "tav/tav_pars.h"
 
 namespace tav {
@@ -31,7 +35,7 @@ struct VoxelCounts {
 // The threshold of one map for one q.
 struct MapThreshold {
   float q;
-  // What the host's table holds: +infinity when the step-up rule finds no voxel, 0 when every
+  // What the map's table holds: +infinity when the step-up rule finds no voxel, 0 when every
   // non-zero voxel passes or nothing could be searched.
   float threshold;
   // Voxels whose magnitude reaches the threshold. 0 when the search ended without any, whatever
@@ -41,10 +45,13 @@ struct MapThreshold {
   [[nodiscard]] bool anyPasses() const { return nrPassing > 0; }
 };
 
+// Per map kind with thresholds, the maxima over whole null maps of one reference and condition.
+using FamilyWise = std::map<MapType, NullMaxima>;
+
 struct MapOutcome {
   MapType type;
-  const float* values;                   // [z][y][x], in the host's map set
-  std::vector<MapThreshold> thresholds;  // by ascending q; empty for DTAV_RC
+  const float* values;                   // [z][y][x], in the store
+  std::vector<MapThreshold> thresholds;  // by ascending q; empty for a kind without any
 };
 
 struct ConditionOutcome {
@@ -56,15 +63,24 @@ struct ConditionOutcome {
   VoxelCounts counts;
   std::vector<VoxelStatus> status;  // [z][y][x]
   std::vector<MapOutcome> maps;     // in map-type order
+  FamilyWise familyWise;            // empty unless it was asked for
+  // Raw null measures of all draws, in pieces; 0 where there is none. Valid during the call.
+  std::vector<RawValues> nulls;
 };
 
 // Called on the thread of the run. Everything passed is valid during the call only.
 class RunObserver {
  public:
   virtual ~RunObserver() = default;
+  // For the user: one or more lines, HTML fragments, without the last line end. Most of them come only
+  // when the request wants progress.
+  virtual void onLog(const std::string& /*text*/) {}
+  // How much of a condition's voxels is done: 0, 10, ... 100 for each, also when they were computed
+  // along with an earlier reference; a single slice is 0 alone.
+  virtual void onProgress(int /*percent*/) {}
   // After the surrogates are made: every reference course with its model and its surrogates.
   virtual void onReferences(const std::vector<std::unique_ptr<VoiTc>>& /*voiTcs*/) {}
-  // After a condition's maps are in the host's map set.
+  // After a condition's maps are in the store.
   virtual void onCondition(const ConditionOutcome& /*outcome*/) {}
   // After a reference's map set and log are saved.
   virtual void onVoi(const TAV_VOI_Pars& /*voi*/) {}

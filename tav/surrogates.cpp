@@ -1,12 +1,14 @@
-// Surrogate reference courses: realisations of an autoregressive model of the reference alone.
-// They share its spectrum and variance and nothing with any voxel.
+// Surrogate reference courses: realisations of a model of the reference alone. They share its spectrum and
+// variance, with own residuals its envelope, and nothing with any voxel.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 
 #include "simo/randomness.h"
-#include "tav/log_pane.h"
+#include "simo/residual_surrogates.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -18,20 +20,30 @@ int longestCourse(const TAV_Pars& request, const std::vector<std::unique_ptr<Voi
   return longest;
 }
 
-// The scratch matrices of one call, and the steps for one course.
 class SurrogateMaker {
  public:
-  SurrogateMaker(const TAV_Pars& request, int longest, bool pool, simo::FosAvg<float>& averages,
-                 simo::FosOrth<float>& model)
+  virtual ~SurrogateMaker() = default;
+  // Seeds count from `base`; none: from what the environment or the clock says at each.
+  virtual void setTimeBase(std::optional<std::int64_t> base) = 0;
+  // Fits the course and fills its surrogates; false, and all are 0, when that fails.
+  [[nodiscard]] virtual bool make(VoiTc& voiTc) = 0;
+};
+
+// The scratch matrices of one call, and the steps for one course.
+class PooledModels : public SurrogateMaker {
+ public:
+  PooledModels(const TAV_Pars& request, int longest, simo::RandomStream& random)
       : nrOfSurrogates_(request.nSurrogateSims),
-        pool_(pool),
-        averages_(averages),
-        model_(model),
+        random_(random),
+        averages_(2, request.arOrder),
+        model_(1, request.arOrder),
         residuals_(1, longest, 1, 1, 0.0F),
         simulated_(1, longest + request.nDiscardedSimTps, 1, 1, 0.0F) {}
 
-  // Fits the course and fills its surrogates; they are all 0 when that fails.
-  [[nodiscard]] bool make(VoiTc& voiTc) {
+  void setTimeBase(std::optional<std::int64_t> base) override { timeBase_ = base; }
+
+  // A course is fitted each time it comes up, with other averages.
+  [[nodiscard]] bool make(VoiTc& voiTc) override {
     voiTc.surrogates.fill(0.0F);
     return fit(voiTc) && simulate(voiTc);
   }
@@ -42,42 +54,92 @@ class SurrogateMaker {
   [[nodiscard]] bool addToAverages(const VoiTc& voiTc);
 
   int nrOfSurrogates_;
-  bool pool_;
-  simo::FosAvg<float>& averages_;
-  simo::FosOrth<float>& model_;
+  simo::RandomStream& random_;
+  simo::FosAvg<float> averages_;  // of dimension 2; only its first series is used
+  simo::FosOrth<float> model_;
   simo::Matrix<float> residuals_;
   simo::Matrix<float> simulated_;
+  std::optional<std::int64_t> timeBase_;
 };
 
 // A course with missing values is not added: it would make every later pooled model undefined.
-bool SurrogateMaker::addToAverages(const VoiTc& voiTc) {
+bool PooledModels::addToAverages(const VoiTc& voiTc) {
   const int length = voiTc.tc.nCols;
   if (length <= averages_.p) return false;
   simo::dtrendRowsToRes(voiTc.tc, 1, 2, 1, length + 1, residuals_, 1, 1);
   const float* const first = residuals_.elements();
   if (!std::all_of(first, first + length, [](float value) { return std::isfinite(value); })) return false;
-  // Not cleared between courses when pooling, deliberately: each model then sees the averages of
-  // all courses before it. Clearing would change every surrogate after the first course.
-  if (!pool_) averages_.clear();
+  // Not cleared between courses, deliberately: each model sees the averages of all courses before it.
+  // Clearing would change every surrogate after the first course.
   simo::accum_actavgs(residuals_, 1, 2, 1, length + 1, averages_);
   return true;
 }
 
-bool SurrogateMaker::fit(VoiTc& voiTc) {
+bool PooledModels::fit(VoiTc& voiTc) {
   if (!addToAverages(voiTc) || !simo::fitModel(averages_, 0, model_)) return false;
   voiTc.noiseCov.assign(model_.errCov, 0, 0);
   simo::arCoefficients(model_.coefs, model_.invFactors, model_.alphas, model_.p, voiTc.arCoefs);
   return std::isfinite(voiTc.noiseCov[0][0]);
 }
 
-bool SurrogateMaker::simulate(VoiTc& voiTc) {
+bool PooledModels::simulate(VoiTc& voiTc) {
   const int length = voiTc.tc.nCols;
   for (int s = 0; s < nrOfSurrogates_; ++s) {
-    if (!simo::varsim(simulated_, voiTc.arCoefs, voiTc.noiseCov, static_cast<unsigned>(s))) return false;
+    const std::int64_t base = timeBase_ ? *timeBase_ : simo::timeBase();
+    const unsigned start = static_cast<unsigned>(base) + static_cast<unsigned>(s);
+    if (!simo::varsim(simulated_, voiTc.arCoefs, voiTc.noiseCov, random_, start)) return false;
     const float* const end = simulated_.elements() + simulated_.nCols;
     std::copy(end - length, end, voiTc.surrogates[voiTc.surrogates.rowBase + s] + voiTc.surrogates.colBase);
   }
   return true;
+}
+
+// Each course's own residuals, and everything that was done to the course.
+class OwnResiduals : public SurrogateMaker {
+ public:
+  OwnResiduals(const RunOptions& options, simo::RandomStream& random) : options_(options), random_(random) {}
+
+  // One sequence for a reference: its seed is set where it starts.
+  void setTimeBase(std::optional<std::int64_t> base) override {
+    if (options_.voiTimeBases.empty() && !isSeeded_)
+      random_.seed(static_cast<unsigned>(base ? *base : simo::timeBase()));
+    isSeeded_ = true;
+  }
+
+  // Once for each course.
+  [[nodiscard]] bool make(VoiTc& voiTc) override {
+    if (!done_.insert(&voiTc).second) return true;
+    voiTc.surrogates.fill(0.0F);
+    const CourseTreatment treatment = treatmentOf(voiTc);
+    const auto volumes = static_cast<std::size_t>(voiTc.tc.nCols);
+    simo::ResidualSurrogates surrogates({voiTc.tc.elements(), volumes}, treatment.known);
+    if (!surrogates.isDefined()) return false;
+    for (int s = 0; s < voiTc.surrogates.nRows; ++s) {
+      float* const row = voiTc.surrogates[voiTc.surrogates.rowBase + s] + voiTc.surrogates.colBase;
+      surrogates.draw(random_, {row, volumes});
+      if (treatment.apply) treatment.apply(row);
+    }
+    return true;
+  }
+
+ private:
+  [[nodiscard]] CourseTreatment treatmentOf(const VoiTc& voiTc) const {
+    const auto found = options_.treatments.find(voiTc.vtcName);
+    if (found != options_.treatments.end()) return found->second;
+    return {{{0, voiTc.tc.nCols}}, {}};
+  }
+
+  const RunOptions& options_;
+  simo::RandomStream& random_;
+  bool isSeeded_ = false;
+  std::set<const VoiTc*> done_;
+};
+
+std::unique_ptr<SurrogateMaker> makerFor(const RunOptions& options, const TAV_Pars& request, int longest,
+                                         simo::RandomStream& random) {
+  if (options.surrogateKind == SurrogateKind::kOwnResiduals)
+    return std::make_unique<OwnResiduals>(options, random);
+  return std::make_unique<PooledModels>(request, longest, random);
 }
 
 void reportNoSurrogates(const VoiTc& voiTc, std::ostream& errors) {
@@ -90,53 +152,36 @@ void reportMissing(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, std::ostr
          << cond.name << "' (internal error)";
 }
 
-// Begins one reference's random numbers anew, if it has a time base of its own, for one scope.
-class OwnTimeBase {
- public:
-  OwnTimeBase(const RunOptions& options, std::size_t voi) : isOwn_(voi < options.voiTimeBases.size()) {
-    if (!isOwn_) return;
-    simo::setTimeBase(options.voiTimeBases[voi]);
-    simo::randomStream().seed(static_cast<unsigned>(options.voiTimeBases[voi]));
+// Makes the surrogates of all courses of one reference. False when one was not fetched.
+bool makeAll(const TAV_VOI_Pars& voi, const TAV_Pars& request, const Computer& computer,
+             SurrogateMaker& maker, std::ostream& errors) {
+  for (const TAV_Cond_Pars& cond : request.conds) {
+    for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
+      VoiTc* const voiTc = computer.getFetchedVoiTc(voi.name, set.srcVtcName);
+      if (voiTc == nullptr) {
+        reportMissing(voi, cond, errors);
+        return false;
+      }
+      if (!maker.make(*voiTc)) reportNoSurrogates(*voiTc, errors);
+    }
   }
-  ~OwnTimeBase() {
-    if (isOwn_) simo::setTimeBase(std::nullopt);
-  }
-  OwnTimeBase(const OwnTimeBase&) = delete;
-  OwnTimeBase& operator=(const OwnTimeBase&) = delete;
-
- private:
-  bool isOwn_;
-};
+  return true;
+}
 
 }  // namespace
 
 int Computer::simSurrogateVOITCs(const TAV_Pars& request, std::ostringstream& /*log*/, std::ostream& errors) {
   if (request.showVerboseProgress) {
-    logLine<128>("%s\n%s Generating surrogate ref time-courses...", TAV_PROMPT, TAV_PROMPT);
+    runLog_.line<128>("%s\n%s Generating surrogate ref time-courses...", TAV_PROMPT, TAV_PROMPT);
   }
-  fosAvg1->clear();
-  SurrogateMaker maker(request, longestCourse(request, voiTcs), options_.poolSurrogateModels, *fosAvg1,
-                       *fosOrth1a);
-  passes_ = std::make_unique<VoxelPasses>(*this, options_);
-  std::set<const VoiTc*> done;
+  const auto maker = makerFor(options_, request, longestCourse(request, voiTcs), random);
+  passes_ = std::make_unique<VoxelPasses>(*this, options_, random, runLog_);
   for (std::size_t i = 0; i < request.vois.size(); ++i) {
-    const TAV_VOI_Pars& voi = request.vois[i];
-    const OwnTimeBase ownTimeBase(options_, i);
-    for (const TAV_Cond_Pars& cond : request.conds) {
-      for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {
-        VoiTc* const voiTc = getFetchedVoiTc(voi.name, set.srcVtcName);
-        if (voiTc == nullptr) {
-          reportMissing(voi, cond, errors);
-          return kTerminalError;
-        }
-        // Pooling refits a course each time it comes up, with other averages; its own model alone
-        // would only be made again.
-        const bool isRepeat = !done.insert(voiTc).second;
-        if (isRepeat && !options_.poolSurrogateModels) continue;
-        if (!maker.make(*voiTc)) reportNoSurrogates(*voiTc, errors);
-      }
-    }
-    if (!options_.voiTimeBases.empty()) passes_->addStart(simo::randomStream());
+    const bool startsAnew = i < options_.voiTimeBases.size();
+    if (startsAnew) random.seed(static_cast<unsigned>(options_.voiTimeBases[i]));
+    maker->setTimeBase(startsAnew ? options_.voiTimeBases[i] : options_.timeBase);
+    if (!makeAll(request.vois[i], request, *this, *maker, errors)) return kTerminalError;
+    if (startsAnew) passes_->addStart(random);
   }
   return kSuccess;
 }

@@ -6,7 +6,6 @@
 
 #include "io/cnvtcfile.h"
 #include "tav/condition.h"
-#include "tav/log_pane.h"
 #include "tav/parameter_log.h"
 #include "tav/result_maps.h"
 
@@ -47,13 +46,13 @@ void markNotFinite(const rawTAVMaps& maps, std::vector<VoxelStatus>& status) {
   }
 }
 
-void startVoi(const TAV_VOI_Pars& voi, bool verbose, std::ostream& log) {
-  if (verbose) logLine<128>("%s\n%s VOI: <b>%s</b>", TAV_PROMPT, TAV_PROMPT, voi.name.c_str());
+void startVoi(const TAV_VOI_Pars& voi, bool verbose, const RunLog& runLog, std::ostream& log) {
+  if (verbose) runLog.line<128>("%s\n%s VOI: <b>%s</b>", TAV_PROMPT, TAV_PROMPT, voi.name.c_str());
   log << "VOI: " << voi.name << "\n" << std::string(voi.name.size() + 5, '*') << "\n";
 }
 
-void startCondition(const TAV_Cond_Pars& cond, bool verbose, std::ostream& log) {
-  if (verbose) logLine<512>("%s\n%s\tCondition: <em>%s</em>", TAV_PROMPT, TAV_PROMPT, cond.name.c_str());
+void startCondition(const TAV_Cond_Pars& cond, bool verbose, const RunLog& runLog, std::ostream& log) {
+  if (verbose) runLog.line<512>("%s\n%s\tCondition: <em>%s</em>", TAV_PROMPT, TAV_PROMPT, cond.name.c_str());
   log << "\n\tCondition: " << cond.name << "\n\t" << std::string(cond.name.size() + 11, '-') << "\n";
 }
 
@@ -71,15 +70,18 @@ class CleanUpAtEnd {
 
 }  // namespace
 
-Computer::Computer(const RunOptions& options, RunObserver* observer)
-    : options_(options), observer_(observer) {
+Computer::Computer(const RunOptions& options, RunObserver* observer, MapStore* store)
+    : options_(options),
+      observer_(observer),
+      runLog_(observer),
+      store_(store == nullptr ? &ownStore_ : store) {
   options_.nullDraws = std::clamp(options_.nullDraws, 1, kMaxNullDraws);
 }
 
 int Computer::computeTAVs(const TAV_Pars& request, std::ostream& errors) {
   const CleanUpAtEnd cleanUp(*this);
   std::ostringstream voiLog;
-  warnOfEqualResultNames(request);
+  warnOfEqualResultNames(request, runLog_);
   int status = Init(request, errors);
   if (status != kSuccess) return status;
   status = simSurrogateVOITCs(request, voiLog, errors);
@@ -97,7 +99,7 @@ int Computer::computeTAVs(const TAV_Pars& request, std::ostream& errors) {
 int Computer::computeVoi(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::ostringstream& log,
                          std::ostream& errors) {
   logGlobalParameters(request, log);
-  startVoi(voi, request.showVerboseProgress, log);
+  startVoi(voi, request.showVerboseProgress, runLog_, log);
   int status = createVOIResultMAP(voi, request, errors);
   int condIndex = 0;
   for (auto cond = request.conds.begin(); status == kSuccess && cond != request.conds.end(); ++cond) {
@@ -108,11 +110,11 @@ int Computer::computeVoi(const TAV_VOI_Pars& voi, const TAV_Pars& request, std::
 
 int Computer::computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                                const TAV_Pars& request, std::ostringstream& log, std::ostream& errors) {
-  startCondition(cond, request.showVerboseProgress, log);
+  startCondition(cond, request.showVerboseProgress, runLog_, log);
   const int status = compVOIConditionTAVs(voi, cond, request, log, errors);
   if (status != kSuccess) return status;
   if (request.showVerboseProgress) {
-    logLine<128>("%s\n%s\tComputing maps and thresholds... ", TAV_PROMPT, TAV_PROMPT);
+    runLog_.line<128>("%s\n%s\tComputing maps and thresholds... ", TAV_PROMPT, TAV_PROMPT);
   }
   return transferConditionResults(voi, cond, condIndex, request, errors);
 }
@@ -126,7 +128,7 @@ int Computer::Init(const TAV_Pars& request, std::ostream& errors) {
   }
   crdBuf = std::make_unique_for_overwrite<std::int32_t[]>(3 * static_cast<std::size_t>(kInitialCrdCapacity));
   crdBufCapacity = kInitialCrdCapacity;
-  voxelPath_ = makeVoxelPath(errors);
+  voxelPath_ = makeVoxelPath(options_.kernel, errors);
   if (voxelPath_ == nullptr) return kInvalidParameters;
   int status = openVTCFiles(request, errors);
   if (status == kSuccess) status = checkGrids(vtcFiles, request, errors);
@@ -136,15 +138,9 @@ int Computer::Init(const TAV_Pars& request, std::ostream& errors) {
 }
 
 void Computer::makeStores(const TAV_Pars& request) {
-  const auto nx = static_cast<unsigned>(request.dimX);
-  const auto ny = static_cast<unsigned>(request.dimY);
-  const auto nz = static_cast<unsigned>(request.dimZ);
-  rawMaps1 = std::make_unique<rawTAVMaps>(nx, ny, nz);
-  rawMaps2 = std::make_unique<rawTAVMaps>(nx, ny, nz);
-  passes_ = std::make_unique<VoxelPasses>(*this, options_);
-  if (options_.nullDraws > 1) furtherNulls = std::make_unique<FurtherNulls>(options_.nullDraws - 1);
-  fosAvg1 = std::make_unique<simo::FosAvg<float>>(2, request.arOrder);
-  fosOrth1a = std::make_unique<simo::FosOrth<float>>(1, request.arOrder);
+  raw = RawResult(static_cast<unsigned>(request.dimX), static_cast<unsigned>(request.dimY),
+                  static_cast<unsigned>(request.dimZ), options_.nullDraws);
+  passes_ = std::make_unique<VoxelPasses>(*this, options_, random, runLog_);
 }
 
 void Computer::logGlobalParameters(const TAV_Pars& request, std::ostream& log) const {
@@ -158,30 +154,17 @@ int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars&
   CheckedCondition checked;
   int status = checkCondition(*this, voi, cond, request, log, errors, checked);
   if (status != kSuccess) return status;
-  status = computeRawMaps(voi, cond, request, errors);
+  status = passes_->compute(request, voi, cond, *voxelPath_, raw, errors);
+  outcome_.status = std::move(raw.status);
+  outcome_.counts = raw.counts;
   if (status != kSuccess) return status;
-  reportCounts(outcome_.counts, request, log);
+  reportCounts(outcome_.counts, request, runLog_, log);
   if (observer_ != nullptr) markNotFinite(*rawMaps1, outcome_.status);
   outcome_.voi = &voi;
   outcome_.cond = &cond;
   outcome_.totalTimePoints = checked.totalTimePoints;
   outcome_.effectiveTimePoints = checked.effectiveTimePoints;
   return kSuccess;
-}
-
-int Computer::computeRawMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
-                             std::ostream& errors) {
-  RawResult result;
-  result.observed = std::move(rawMaps1);
-  result.null = std::move(rawMaps2);
-  result.furtherNulls = std::move(furtherNulls);
-  const int status = passes_->compute(request, voi, cond, *voxelPath_, result, errors);
-  rawMaps1 = std::move(result.observed);
-  rawMaps2 = std::move(result.null);
-  furtherNulls = std::move(result.furtherNulls);
-  outcome_.status = std::move(result.status);
-  outcome_.counts = result.counts;
-  return status;
 }
 
 }  // namespace tav

@@ -1,4 +1,4 @@
-// The engine: turns one finished request into maps in the host's map set and result files.
+// The engine: turns one finished request into maps and logs in a store.
 #ifndef TAVMAP_TAV_TAV_H
 #define TAVMAP_TAV_TAV_H
 
@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "simo/random_stream.h"
 #include "simo/smatrix.h"
-#include "tav/raw_maps.h"
-#include "tav/run_observer.h"
+#include "tav/memory_store.h"
+#include "tav/raw_result.h"
+#include "tav/run_log.h"
 #include "tav/run_options.h"
 #include "tav/tav_pars.h"
 #include "tav/voxel_passes.h"
@@ -20,16 +22,21 @@
 
 namespace tav {
 
-// One run. The host's operations must be bound. Runs on the caller's thread and blocks it;
-// progress goes to the host's log pane when the request wants it.
+// One run, on the caller's thread. Several may be under way in a process, on threads of their own or step
+// by step on one: each has its own random numbers, files and memory, and results do not depend on the
+// others. A request belongs to one run at a time, since the run fills its grid and file pointers.
 //
 // computeTAVs() is the entry. Its steps are public too, in their order of use; each returns a
 // Status (1: success) and writes the reason of a failure to `errors`. Exhausted memory is an
 // exception; computeTAVs() cleans up as it passes.
 class Computer {
  public:
-  // `observer` may be null; it must outlive the computer.
-  explicit Computer(const RunOptions& options = {}, RunObserver* observer = nullptr);
+  // `observer` and `store` must outlive the computer. No observer: nobody listens. No store: the maps
+  // are in memory until the next reference, for an observer to look at, and nothing is saved.
+  explicit Computer(const RunOptions& options = {}, RunObserver* observer = nullptr,
+                    MapStore* store = nullptr);
+  Computer(const Computer&) = delete;
+  Computer& operator=(const Computer&) = delete;
 
   // Computes and saves every reference and condition of the request. Always ends with CleanUp().
   [[nodiscard]] int computeTAVs(const TAV_Pars& request, std::ostream& errors);
@@ -50,7 +57,7 @@ class Computer {
 
   void logGlobalParameters(const TAV_Pars& request, std::ostream& log) const;
 
-  // Replaces the host's map set by one with a map per condition and map type.
+  // Replaces the store's map set by one with a map per condition and map type.
   [[nodiscard]] int createVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request,
                                        std::ostream& errors);
   // Fills the raw map stores. References that follow in the request may be computed along, so that
@@ -58,25 +65,24 @@ class Computer {
   [[nodiscard]] int compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
                                          const TAV_Pars& request, std::ostringstream& log,
                                          std::ostream& errors);
-  // Turns the raw map stores into the condition's maps and thresholds in the host.
+  // Turns the raw map stores into the condition's maps and thresholds in the store.
   [[nodiscard]] int transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
                                              int condIndex, const TAV_Pars& request, std::ostream& errors);
-  // Has the host save the map set and writes the log beside it. Never fails for the caller: a log
-  // that cannot be written is a warning in the log pane.
+  // Has the store save the map set and the log. Never fails for the caller: a log that cannot be saved
+  // is a warning to the observer.
   [[nodiscard]] int saveVOIResultMAP(const TAV_VOI_Pars& voi, const TAV_Pars& request,
                                      std::ostringstream& log, std::ostream& errors);
 
-  // Releases everything and deletes the host's map set; the result is that of the deletion. The
+  // Releases everything and discards the store's map set; the result is that of the deletion. The
   // request's file pointers dangle afterwards.
   int CleanUp();
 
   std::vector<std::unique_ptr<VtcFile>> vtcFiles;  // in order of first opening
   std::vector<std::unique_ptr<VoiTc>> voiTcs;      // in order of fetching
-  std::unique_ptr<rawTAVMaps> rawMaps1;            // from the true reference
-  std::unique_ptr<rawTAVMaps> rawMaps2;            // from a drawn surrogate
-  std::unique_ptr<FurtherNulls> furtherNulls;      // null unless several surrogates are drawn
-  std::unique_ptr<simo::FosAvg<float>> fosAvg1;    // of the surrogate models
-  std::unique_ptr<simo::FosOrth<float>> fosOrth1a;
+  RawResult raw;                                   // of the reference and condition computed last
+  std::unique_ptr<rawTAVMaps>& rawMaps1 = raw.observed;
+  std::unique_ptr<rawTAVMaps>& rawMaps2 = raw.null;
+  simo::RandomStream random;               // of this run
   std::int32_t crdBufCapacity = 0;         // voxels
   std::unique_ptr<std::int32_t[]> crdBuf;  // 3 per voxel
 
@@ -86,11 +92,14 @@ class Computer {
   int computeCondition(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                        const TAV_Pars& request, std::ostringstream& log, std::ostream& errors);
   void makeStores(const TAV_Pars& request);
-  int computeRawMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
-                     std::ostream& errors);
+  int compareWithWholeMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
+                           const std::vector<std::size_t>& leftOut, std::ostream& errors);
 
   RunOptions options_;
   RunObserver* observer_;
+  RunLog runLog_;
+  MemoryStore ownStore_;
+  MapStore* store_;
   std::unique_ptr<VoxelPath> voxelPath_;
   std::unique_ptr<VoxelPasses> passes_;
   ConditionOutcome outcome_;  // of the condition computed last

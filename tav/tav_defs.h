@@ -2,25 +2,43 @@
 #ifndef TAVMAP_TAV_TAV_DEFS_H
 #define TAVMAP_TAV_TAV_DEFS_H
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace tav {
 
-// What a map holds. The values order the maps of a condition.
+// What a map holds; map_kinds.def says what each is. The values count from 0 and order the maps of a
+// condition.
 enum MapType : int {
-  REF2VOX = 0,  // linear feedback from the reference to the voxel
-  VOX2REF = 1,  // linear feedback from the voxel to the reference
-  INST = 2,     // instantaneous feedback
-  DTAV = 3,     // REF2VOX - VOX2REF
-  DTAV_IT = 4,  // DTAV where INST reaches a lower threshold, else 0
-  DTAV_RC = 5   // share of the directed difference in difference + INST
+#define TAV_MAP_KIND(name, ...) name,
+#include "tav/map_kinds.def"
+#undef TAV_MAP_KIND
 };
-inline constexpr int kNrOfMapTypes = 6;
 
-inline constexpr std::array<const char*, kNrOfMapTypes> MAPTYPE_NAMES = {"REF2VOX", "VOX2REF", "INST",
-                                                                         "DTAV",    "DTAV_IT", "DTAV_RC"};
-inline constexpr std::array<MapType, kNrOfMapTypes> DEF_T_MAPTYPES = {REF2VOX, VOX2REF, INST,
-                                                                      DTAV,    DTAV_IT, DTAV_RC};
+// The keywords of the settings, by map type.
+inline constexpr std::array MAPTYPE_NAMES = {
+#define TAV_MAP_KIND(name, ...) #name,
+#include "tav/map_kinds.def"
+#undef TAV_MAP_KIND
+};
+inline constexpr int kNrOfMapTypes = static_cast<int>(MAPTYPE_NAMES.size());
+
+// The map types that are computed when nothing is asked for, ascending.
+inline constexpr std::array kIsDefaultMapType = {
+#define TAV_MAP_KIND(name, inDefaultSet, ...) inDefaultSet,
+#include "tav/map_kinds.def"
+#undef TAV_MAP_KIND
+};
+inline constexpr auto DEF_T_MAPTYPES = [] {
+  std::array<MapType, std::count(kIsDefaultMapType.begin(), kIsDefaultMapType.end(), true)> types{};
+  auto next = types.begin();
+  for (int type = 0; type < kNrOfMapTypes; ++type) {
+    if (kIsDefaultMapType[static_cast<std::size_t>(type)]) *next++ = static_cast<MapType>(type);
+  }
+  return types;
+}();
+
 inline constexpr std::array<float, 3> DEF_QS = {0.01F, 0.05F, 0.1F};
 
 inline constexpr const char* VERSION_STRING = "1.5";

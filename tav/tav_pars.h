@@ -39,7 +39,7 @@ struct TAV_Cond_Pars {
 // One reference region.
 struct TAV_VOI_Pars {
   std::string name;
-  std::int32_t voiIndex = 0;             // 0-based, in the host's VOI list
+  std::int32_t voiIndex = 0;  // 0-based, in the host's VOI list
   std::int32_t nVoxels = 0;
   const std::int32_t* voxels = nullptr;  // 3 x nVoxels coordinates, non-owning
   std::int32_t talCoords = 0;            // non-zero: Talairach coordinates
@@ -49,14 +49,14 @@ struct TAV_Pars {
   TAV_Pars();
 
   std::set<MapType> mapTypes;
-  std::vector<float> qThresholds;        // each in (0, 1)
-  std::int32_t cvConstant = 2;           // 1: independent or positively dependent; 2: any dependence
-  std::int32_t arOrder = 1;              // 1 ... 20
+  std::vector<float> qThresholds;  // each in (0, 1)
+  std::int32_t cvConstant = 2;     // 1: independent or positively dependent; 2: any dependence
+  std::int32_t arOrder = 1;        // 1 ... 20
   std::string resultPathPrefix;
   std::uint16_t firstTpInclThres = 100;  // a voxel's first value must exceed it
   bool showVerboseProgress = true;
-  std::int32_t nSurrogateSims = 1000;    // 10 ... 10000
-  std::int32_t nDiscardedSimTps = 100;   // 10 ... 1000
+  std::int32_t nSurrogateSims = 1000;   // 10 ... 10000
+  std::int32_t nDiscardedSimTps = 100;  // 10 ... 1000
   float instLowerThres = 0.05F;
   float rcUpperThres = 0.7F;
   bool separateSrcTrgVtcs = false;

@@ -1,13 +1,13 @@
-// From raw measures to a condition's maps in the host: values, thresholds, display settings.
+// From raw measures to a condition's maps in the store: values, thresholds, display settings.
 #include <algorithm>
-#include <cstdio>
 #include <span>
 #include <utility>
 
-#include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "io/cnvtcfile.h"
 #include "io/crdutils.h"
+#include "tav/family_wise.h"
 #include "tav/fdr_thresholds.h"
+#include "tav/map_kinds.h"
 #include "tav/map_values.h"
 #include "tav/tail_thresholds.h"
 #include "tav/tav.h"
@@ -15,50 +15,27 @@
 namespace tav {
 namespace {
 
-// How a map type is named and shown. 24-bit colours, red in the lowest byte: reds for influence
-// of the reference, greens for influence on it, blues for the instantaneous part.
-struct MapDisplay {
-  const char* nameFormat;
-  float upperFactor;  // upper display threshold over lower one
-  std::int32_t positiveFrom, positiveTo;
-  std::int32_t negativeFrom, negativeTo;
-};
-constexpr std::int32_t kMapKind = 101;
-constexpr float kRcLowerThreshold = 0.2F;
-constexpr std::array<MapDisplay, kNrOfMapTypes> kDisplays = {{
-    {"%s: Ref2Vox", 3.0F, 64, 255, 0, 0},
-    {"%s: Vox2Ref", 3.0F, 16384, 65280, 0, 0},
-    {"%s: Inst", 5.0F, 4194304, 16711680, 0, 0},
-    {"%s: dTAV", 3.0F, 64, 255, 16384, 65280},
-    {"%s: dTAV IT", 3.0F, 64, 255, 16384, 65280},
-    {"%s: dTAV RC", 0.0F, 64, 255, 16384, 65280},
-}};
-
-const MapDisplay& displayOf(MapType type) {
-  return kDisplays[static_cast<std::size_t>(type)];
-}
-
-void setDisplay(MapType type, const std::string& conditionName, NR_VMP_Header& header) {
-  const MapDisplay& display = displayOf(type);
-  std::snprintf(header.name, sizeof header.name, display.nameFormat, conditionName.c_str());
-  header.kind = kMapKind;
-  header.positiveColorFrom = display.positiveFrom;
-  header.positiveColorTo = display.positiveTo;
-  header.negativeColorFrom = display.negativeFrom;
-  header.negativeColorTo = display.negativeTo;
-  header.useColors = 1;
-}
-
-void setThresholds(MapType type, const TAV_Pars& request, const std::vector<MapThreshold>& thresholds,
-                   NR_VMP_Header& header) {
-  for (std::size_t k = 0; k < thresholds.size(); ++k) header.fdrThresholds[k] = thresholds[k].threshold;
-  if (type == DTAV_RC) {
-    header.lowerThreshold = kRcLowerThreshold;
-    header.upperThreshold = request.rcUpperThres;
-  } else {
+// Thresholds and display range of a map that holds `thresholds`.
+void setRange(const MapRange& range, const TAV_Pars& request, const std::vector<MapThreshold>& thresholds,
+              MapHeader& header) {
+  for (const MapThreshold& threshold : thresholds) header.thresholds.push_back(threshold.threshold);
+  if (range.isSearched) {
     header.lowerThreshold = thresholds.empty() ? 0.0F : thresholds.front().threshold;
-    header.upperThreshold = displayOf(type).upperFactor * header.lowerThreshold;
+    header.upperThreshold = range.factor * header.lowerThreshold;
+  } else {
+    header.lowerThreshold = range.lower;
+    header.upperThreshold = request.*range.upper;
   }
+}
+
+MapHeader headerOf(const MapKind& kind, const std::string& conditionName, const TAV_Pars& request,
+                   const std::vector<MapThreshold>& thresholds) {
+  MapHeader header;
+  header.name = conditionName + ": " + kind.label;
+  header.positive = kind.positive;
+  header.negative = kind.negative;
+  setRange(kind.range, request, thresholds, header);
+  return header;
 }
 
 RawValues rawValues(const rawTAVMaps& maps) {
@@ -115,72 +92,100 @@ MapPieces without(const std::vector<std::size_t>& leftOut, std::span<const float
   return pieces;
 }
 
-// One condition's way into the host's map set.
+// The constant that divides no q.
+constexpr int kNoDependence = 1;
+
+// One condition's way into the store.
 class MapTransfer {
  public:
   // `leftOut`: voxels that take no part in the search for thresholds.
-  MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, ThresholdRule rule, const RawValues& raw,
-              const std::vector<RawValues>& nulls, std::vector<std::size_t> leftOut, std::ostream& errors)
+  MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, const RunOptions& options,
+              const RawValues& raw, const std::vector<RawValues>& nulls,
+              const std::vector<std::size_t>& leftOut, MapStore& store, std::ostream& errors)
       : cond_(cond),
         request_(request),
-        rule_(rule),
+        options_(options),
         raw_(raw),
         nulls_(nulls),
-        leftOut_(std::move(leftOut)),
+        leftOut_(leftOut),
+        store_(store),
         errors_(errors) {}
 
-  // Fills the host's map `values` and its header, and stores the header.
-  MapOutcome transfer(MapType type, int index, float* values, NR_VMP_Header& header) {
-    computeMapValues(type, raw_, request_, values);
-    MapOutcome map{type, values, {}};
-    if (type != DTAV_RC) map.thresholds = search(type, {values, raw_.size});
-    setDisplay(type, cond_.name, header);
-    setThresholds(type, request_, map.thresholds, header);
-    zqSetNRVMPParametersOfCurrentVMR(index, &header);
+  // Fills the store's map, whose values are `values`, and describes it.
+  MapOutcome transfer(const MapKind& kind, int index, float* values) {
+    computeMapValues(kind.type, raw_, request_, values);
+    MapOutcome map{kind.type, values, {}};
+    if (kind.range.isSearched) map.thresholds = search(kind.type, {values, raw_.size});
+    store_.describe(index, headerOf(kind, cond_.name, request_, map.thresholds));
     return map;
   }
 
  private:
   std::vector<MapThreshold> search(MapType type, std::span<const float> values) {
     checkCvConstant(request_.cvConstant, errors_);
-    return searchTailThresholds(rule_, request_.qThresholds, StoredMap(without(leftOut_, values)),
-                                ComputedMap(type, nulls_, request_), request_.cvConstant);
+    const bool isGiven = options_.fdrConstant > 0;
+    std::vector<float> levels = request_.qThresholds;
+    std::sort(levels.begin(), levels.end());
+    std::vector<float> divided = levels;
+    if (isGiven) {
+      for (float& q : divided) q = static_cast<float>(static_cast<double>(q) / options_.fdrConstant);
+    }
+    std::vector<MapThreshold> found = searchTailThresholds(
+        options_.thresholdRule, divided, StoredMap(without(leftOut_, values)),
+        ComputedMap(type, nulls_, request_), isGiven ? kNoDependence : request_.cvConstant);
+    for (std::size_t i = 0; i < found.size(); ++i) found[i].q = levels[i];
+    return found;
   }
 
   const TAV_Cond_Pars& cond_;
   const TAV_Pars& request_;
-  ThresholdRule rule_;
+  const RunOptions& options_;
   RawValues raw_;
   const std::vector<RawValues>& nulls_;
-  std::vector<std::size_t> leftOut_;
+  const std::vector<std::size_t>& leftOut_;
+  MapStore& store_;
   std::ostream& errors_;
 };
 
 }  // namespace
 
+int Computer::compareWithWholeMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
+                                   const TAV_Pars& request, const std::vector<std::size_t>& leftOut,
+                                   std::ostream& errors) {
+  if (options_.fweDraws < 1 || options_.fitForm != FitForm::kLeastSquares) return kSuccess;
+  PassReference reference{{}, &random};
+  for (const TAV_VTC_intv_set& set : cond.vtcIntvSets)
+    reference.courses.push_back(getFetchedVoiTc(voi.name, set.srcVtcName));
+  const ConditionJobs condition = makeConditionJobs(cond, {reference}, request, options_);
+  return computeFamilyWise(condition, request, options_.fweDraws,
+                           clusterFormingLevels(outcome_.nulls, request), leftOut, *voxelPath_,
+                           outcome_.familyWise, errors);
+}
+
 int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,
                                        const TAV_Pars& request, std::ostream& errors) {
-  const std::vector<RawValues> nulls = rawNulls(*rawMaps2, furtherNulls.get());
+  outcome_.nulls = rawNulls(*raw.null, raw.furtherNulls.get());
   std::vector<std::size_t> leftOut;
   if (options_.searchOutsideReference) leftOut = cellsOf(voi, request);
-  MapTransfer maps(cond, request, options_.thresholdRule, rawValues(*rawMaps1), nulls, std::move(leftOut),
+  MapTransfer maps(cond, request, options_, rawValues(*raw.observed), outcome_.nulls, leftOut, *store_,
                    errors);
   int index = static_cast<int>(request.mapTypes.size()) * condIndex;
   for (const MapType type : request.mapTypes) {
-    NR_VMP_Header header{};
-    float* const values = zqGetNRVMPOfCurrentVMR(index, &header);
+    float* const values = store_->values(index);
     if (values == nullptr) {
       errors << "Failed to retrieve an allocated CMP map-pointer for VOI '" << voi.name << "', Condition '"
              << cond.name << "'";
       return kTerminalError;
     }
-    if (type > DTAV_RC) {
+    if (!isKnown(type)) {
       errors << "ERROR : Unknown TAV map-type encountered";
       return kTerminalError;
     }
-    outcome_.maps.push_back(maps.transfer(type, index++, values, header));
+    outcome_.maps.push_back(maps.transfer(mapKind(type), index++, values));
   }
   outcome_.condIndex = condIndex;
+  const int status = compareWithWholeMaps(voi, cond, request, leftOut, errors);
+  if (status != kSuccess) return status;
   if (observer_ != nullptr) observer_->onCondition(outcome_);
   return kSuccess;
 }

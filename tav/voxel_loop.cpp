@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "tav/log_pane.h"
-
 namespace tav {
 namespace {
 
@@ -21,27 +19,31 @@ VoxelJob makeJob(const TAV_Pars& request, const RunOptions& options) {
   job.inclusionThreshold = request.firstTpInclThres;
   job.nrOfSurrogates = request.nSurrogateSims;
   job.nullDraws = options.nullDraws;
-  job.lagPairForm = options.lagPairForm;
+  job.fitForm = options.fitForm;
   return job;
 }
 
-// Prints 0%, 10%, ... 100%, each once; 0% for a single slice.
+// Reports 0%, 10%, ... 100%, each once; 0% for a single slice. With a line for each when the request
+// wants them.
 class Progress {
  public:
-  Progress(bool wanted, int nrOfSlices) : wanted_(wanted), nrOfSlices_(nrOfSlices) {}
+  Progress(const TAV_Pars& request, const RunLog& log)
+      : log_(log), withLines_(request.showVerboseProgress), nrOfSlices_(request.dimZ) {}
 
   void atSlice(int z) {
     const double done = nrOfSlices_ > 1 ? static_cast<double>(z) / (nrOfSlices_ - 1) : 0.0;
     const int percent = static_cast<int>(done * 100.0) / 10 * 10;
-    if (!wanted_ || percent == printed_) return;
-    logLine<32>("%s\t%d%%...", TAV_PROMPT, percent);
-    printed_ = percent;
+    if (percent == reported_) return;
+    if (withLines_) log_.line<32>("%s\t%d%%...", TAV_PROMPT, percent);
+    log_.progress(percent);
+    reported_ = percent;
   }
 
  private:
-  bool wanted_;
+  const RunLog& log_;
+  bool withLines_;
   int nrOfSlices_;
-  int printed_ = -1;
+  int reported_ = -1;
 };
 
 // What all files can hold at once. A piece never reaches into the next slice.
@@ -103,7 +105,7 @@ ConditionJobs makeConditionJobs(const TAV_Cond_Pars& cond, const std::vector<Pas
   return condition;
 }
 
-int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
+int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path, const RunLog& log,
                  std::span<RawResult* const> results, std::ostream& errors) {
   const std::size_t sliceVoxels =
       static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
@@ -113,7 +115,7 @@ int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelP
   const std::size_t pieceVoxels = std::min(voxelsPerPiece(condition.files), sliceVoxels);
   std::vector<VoxelData> data;
   std::vector<VoxelResults> places;
-  Progress progress(request.showVerboseProgress, request.dimZ);
+  Progress progress(request, log);
   for (int z = 0; z < request.dimZ; ++z) {
     progress.atSlice(z);
     for (std::size_t first = 0; first < sliceVoxels; first += pieceVoxels) {
@@ -128,8 +130,8 @@ int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelP
   return kSuccess;
 }
 
-void reportLoopDone(const TAV_Pars& request) {
-  Progress progress(request.showVerboseProgress, request.dimZ);
+void reportLoopDone(const TAV_Pars& request, const RunLog& log) {
+  Progress progress(request, log);
   for (int z = 0; z < request.dimZ; ++z) progress.atSlice(z);
 }
 

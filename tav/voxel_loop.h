@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tav/raw_result.h"
+#include "tav/run_log.h"
 #include "tav/run_options.h"
 #include "tav/tav_pars.h"
 #include "tav/voxel_path.h"
@@ -33,13 +34,13 @@ struct ConditionJobs {
                                               const TAV_Pars& request, const RunOptions& options);
 
 // Computes every voxel of the request's grid for every job; every value of the jobs' results is
-// written. Returns a Status: 3 when a file ends before its last slice. Progress goes to the host's
-// log pane in steps of ten per cent.
+// written. Returns a Status: 3 when a file ends before its last slice. Progress goes to `log` in
+// steps of ten per cent.
 [[nodiscard]] int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
-                               std::span<RawResult* const> results, std::ostream& errors);
+                               const RunLog& log, std::span<RawResult* const> results, std::ostream& errors);
 
 // Reports the progress of a loop that ran along with an earlier one.
-void reportLoopDone(const TAV_Pars& request);
+void reportLoopDone(const TAV_Pars& request, const RunLog& log);
 
 }  // namespace tav
 

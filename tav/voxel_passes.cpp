@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "simo/randomness.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -27,13 +26,6 @@ std::size_t voxelsOf(const TAV_Pars& request) {
          static_cast<std::size_t>(request.dimZ);
 }
 
-std::uint64_t drawsPerVoxel(const VoxelJob& job) {
-  if (job.nrOfSurrogates < 1) return 0;
-  std::uint64_t intervals = 0;
-  for (const VoxelSet& set : job.sets) intervals += set.intervals.size();
-  return intervals * static_cast<std::uint64_t>(job.nullDraws);
-}
-
 }  // namespace
 
 int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
@@ -41,7 +33,7 @@ int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const
   const std::size_t voiIndex = indexOf(request.vois, voi), condIndex = indexOf(request.conds, cond);
   const bool isKnown = voiIndex < request.vois.size() && condIndex < request.conds.size();
   if (isKnown && takeResult(voiIndex, condIndex, result)) {
-    reportLoopDone(request);
+    reportLoopDone(request, log_);
     return kSuccess;
   }
   if (isKnown && condIndex == 0) {
@@ -49,14 +41,14 @@ int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const
   } else if (!isKnown || !continuesGroup(voiIndex, condIndex)) {
     companions_.clear();
   }
-  std::vector<PassReference> references{{coursesOf(voi, cond), &simo::randomStream()}};
+  std::vector<PassReference> references{{coursesOf(voi, cond), &random_}};
   std::vector<RawResult*> results{&result};
   for (Companion& companion : companions_) {
     references.push_back({coursesOf(request.vois[companion.voi], cond), &companion.random});
     results.push_back(&companion.results.emplace_back(makeResult(request)));
   }
   const ConditionJobs condition = makeConditionJobs(cond, references, request, options_);
-  const int status = runVoxelLoop(condition, request, path, results, errors);
+  const int status = runVoxelLoop(condition, request, path, log_, results, errors);
   for (Companion& companion : companions_) companion.results.back().after = companion.random;
   if (status == kSuccess && voiIndex == 0 && condIndex == condsNoted_) noteFirst(condition, result);
   return status;
@@ -74,7 +66,7 @@ bool VoxelPasses::takeResult(std::size_t voi, std::size_t cond, RawResult& resul
     return companion.voi == voi && cond < companion.results.size();
   });
   if (found == companions_.end()) return false;
-  simo::randomStream() = found->results[cond].after;
+  random_ = found->results[cond].after;
   std::swap(result, found->results[cond]);
   spare_.push_back(std::exchange(found->results[cond], {}));
   return true;
@@ -82,8 +74,8 @@ bool VoxelPasses::takeResult(std::size_t voi, std::size_t cond, RawResult& resul
 
 void VoxelPasses::startGroup(const TAV_Pars& request, std::size_t voi) {
   companions_.clear();
-  if (voi < starts_.size()) simo::randomStream() = starts_[voi];
-  simo::RandomStream random = simo::randomStream();
+  if (voi < starts_.size()) random_ = starts_[voi];
+  simo::RandomStream random = random_;
   const std::size_t count = nrOfCompanions(request, voi);
   for (std::size_t next = voi + 1; next <= voi + count; ++next) {
     random.skip(drawsPerVoi_);

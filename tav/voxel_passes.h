@@ -25,8 +25,10 @@ class Computer;
 
 class VoxelPasses {
  public:
-  // `computer` knows the time courses and outlives the passes.
-  VoxelPasses(const Computer& computer, const RunOptions& options) : computer_(computer), options_(options) {}
+  // All outlive the passes. computer: knows the time courses. random: the run's stream.
+  VoxelPasses(const Computer& computer, const RunOptions& options, simo::RandomStream& random,
+              const RunLog& log)
+      : computer_(computer), options_(options), random_(random), log_(log) {}
 
   // The stream that a reference starts with, when it does not go on with the run's: for every
   // reference, in the request's order, before the first pass.
@@ -34,7 +36,7 @@ class VoxelPasses {
 
   // Computes one reference under one condition into `result`, which has stores for the grid, or
   // exchanges it for what was computed along with an earlier reference. Both are elements of the
-  // request; others are computed alone. Leaves the thread's stream behind the draws. Returns a
+  // request; others are computed alone. Leaves the run's stream behind the draws. Returns a
   // Status.
   [[nodiscard]] int compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
                             VoxelPath& path, RawResult& result, std::ostream& errors);
@@ -59,6 +61,8 @@ class VoxelPasses {
 
   const Computer& computer_;
   const RunOptions& options_;
+  simo::RandomStream& random_;
+  const RunLog& log_;
   std::vector<simo::RandomStream> starts_;  // per reference, or none
   std::vector<Companion> companions_;       // of the reference computed last
   std::vector<RawResult> spare_;

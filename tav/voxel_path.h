@@ -6,7 +6,8 @@
 //
 // Every path gives the same results, up to a documented tolerance, the same counters and status,
 // and draws the same random numbers: from the reference's stream, in voxel order, for every voxel
-// that is not skipped, for each set, for each of its intervals, nullDraws numbers in a row. A path
+// that is not skipped, nullDraws numbers in a row; in the written form for each set and each of its
+// intervals. A path
 // may draw ahead for the voxels of one call, but not across calls.
 #ifndef TAVMAP_TAV_VOXEL_PATH_H
 #define TAVMAP_TAV_VOXEL_PATH_H
@@ -15,12 +16,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <span>
+#include <string>
 #include <vector>
 
-#include "simo/lag_pair_form.h"
 #include "simo/random_stream.h"
+#include "tav/fit_form.h"
 #include "tav/raw_maps.h"
 #include "tav/run_observer.h"
 #include "tav/tav_pars.h"
@@ -49,9 +52,16 @@ struct VoxelJob {
   std::uint16_t inclusionThreshold = 0;
   int nrOfSurrogates = 0;
   int nullDraws = 1;
-  simo::LagPairForm lagPairForm = simo::LagPairForm::kWritten;
+  FitForm fitForm = FitForm::kWritten;
   simo::RandomStream* random = nullptr;  // of the surrogates; outlives the job
+  // In least squares: draw k of every voxel is surrogate commonFirst + k, and nothing is drawn at
+  // random; each draw then is one surrogate against all voxels.
+  std::optional<std::uint32_t> commonFirst = std::nullopt;
 };
+
+// Surrogates that one voxel meets: nullDraws, in the written form for each interval. As many random
+// numbers are drawn for it, in a row, unless they are common to all.
+[[nodiscard]] std::size_t drawsPerVoxel(const VoxelJob& job);
 
 // Time courses of consecutive voxels in one file, voxel after voxel. One pointer is null.
 struct VoxelData {
@@ -81,10 +91,11 @@ class VoxelPath {
                        std::span<const VoxelResults> results) = 0;
 };
 
-// The path that this run uses: the one that the environment variable TAVMAP_KERNEL names
-// (reference, scalar, baseline, avx2 or avx512), else the fastest for this machine. Null, with the
-// reason in `errors`, when the variable names a path that this program or this CPU does not have:
-// a run that was to be forced never takes another path silently.
+// The path with this name (reference, scalar, baseline, avx2 or avx512); without a name the one that
+// the environment variable TAVMAP_KERNEL names, else the fastest for this machine. Null, with the
+// reason in `errors`, for a path that this program or this CPU does not have: a run that was to be
+// forced never takes another path silently.
+[[nodiscard]] std::unique_ptr<VoxelPath> makeVoxelPath(const std::string& name, std::ostream& errors);
 [[nodiscard]] std::unique_ptr<VoxelPath> makeVoxelPath(std::ostream& errors);
 
 }  // namespace tav

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "io/cnvtcfile.h"
 #include "tav/tav.h"
 
@@ -17,7 +16,8 @@ constexpr std::size_t kPieceBytes = 2 * 1024 * 1024;
 std::size_t voxelsInPiece(const VTC_Header& header) {
   const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);
   const std::size_t inSlice = static_cast<std::size_t>(sliceValues(header)) / volumes;
-  return std::clamp<std::size_t>(kPieceBytes / (volumes * valueBytes(header)), 1, std::max<std::size_t>(inSlice, 1));
+  return std::clamp<std::size_t>(kPieceBytes / (volumes * valueBytes(header)), 1,
+                                 std::max<std::size_t>(inSlice, 1));
 }
 
 // Data values that the file holds behind its header.
@@ -32,9 +32,14 @@ void reportUnreadableHeader(const std::string& name, const TAV_Cond_Pars& cond, 
          << "'\nN.B.:VTC version 2 required for this version of the TAV_Plugin!";
 }
 
+std::string pathOf(const std::string& name, const std::string& folder) {
+  return folder.empty() || name.starts_with('/') ? name : folder + "/" + name;
+}
+
 // Null, and a message, when the file cannot be opened or its header not be used.
-std::unique_ptr<VtcFile> openVtc(const std::string& name, const TAV_Cond_Pars& cond, std::ostream& errors) {
-  std::FILE* const stream = std::fopen(name.c_str(), "rb");
+std::unique_ptr<VtcFile> openVtc(const std::string& name, const std::string& folder,
+                                 const TAV_Cond_Pars& cond, std::ostream& errors) {
+  std::FILE* const stream = std::fopen(pathOf(name, folder).c_str(), "rb");
   if (stream == nullptr) {
     errors << "Could not open file: " << name << "\nfor condition '" << cond.name << "'";
     return nullptr;
@@ -77,7 +82,8 @@ void VtcFile::rewind() {
 bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
   const std::size_t wanted = nrOfVoxels * static_cast<std::size_t>(header.nrOfVolumes);
   if (wanted > bufferSize_) return false;
-  void* const buffer = isFloat() ? static_cast<void*>(floatSlice.get()) : static_cast<void*>(shortSlice.get());
+  void* const buffer =
+      isFloat() ? static_cast<void*>(floatSlice.get()) : static_cast<void*>(shortSlice.get());
   return std::fread(buffer, valueBytes(header), wanted, fp) == wanted;
 }
 
@@ -88,7 +94,7 @@ int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
            {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
         *entry = getOpenVtc(*name);
         if (*entry != nullptr) continue;
-        auto opened = openVtc(*name, cond, errors);
+        auto opened = openVtc(*name, options_.vtcFolder, cond, errors);
         if (opened == nullptr) return kTerminalError;
         *entry = vtcFiles.emplace_back(std::move(opened)).get();
       }
@@ -104,19 +110,15 @@ VtcFile* Computer::getOpenVtc(const std::string& name) const {
 }
 
 int Computer::CleanUp() {
-  rawMaps1.reset();
-  rawMaps2.reset();
-  furtherNulls.reset();
+  raw = {};
   passes_.reset();
   voxelPath_.reset();  // refers to the time courses
   voiTcs.clear();
   vtcFiles.clear();
   crdBuf.reset();
   crdBufCapacity = 0;
-  fosAvg1.reset();
-  fosOrth1a.reset();
   outcome_ = {};
-  return zqDeleteNRVMPsOfCurrentVMR();
+  return store_->discard();
 }
 
 }  // namespace tav

@@ -10,11 +10,8 @@
 #include <vector>
 
 #include "bench/kernel/workloads.h"
-#include "hostapi/CNZQPluginInterfaceExtern.h"
-#include "simo/randomness.h"
 #include "tav/kernel/dispatch.h"
 #include "tav/tav.h"
-#include "tests/fakes/fake_host.h"
 #include "tests/kernel/oracle.h"
 
 namespace {
@@ -59,8 +56,7 @@ class Accuracy {
   Accuracy& operator=(const Accuracy&) = delete;
 
   void print(const std::string& path) {
-    setenv("TAVMAP_KERNEL", path.c_str(), 1);
-    tav::Computer computer;
+    tav::Computer computer(optionsFor(path));
     std::ostringstream log;
     require(computer.Init(request_, errors_));
     require(computer.simSurrogateVOITCs(request_, log, errors_));
@@ -81,12 +77,19 @@ class Accuracy {
     std::printf("%-3s %-10s maximum %.2e  rms %.2e  (%d values)\n", workload_.name.c_str(), path.c_str(),
                 worst, std::sqrt(squares / count), count);
     computer.CleanUp();
-    unsetenv("TAVMAP_KERNEL");
   }
 
  private:
   void require(int status) const {
     if (status != tav::kSuccess) throw std::runtime_error(errors_.str());
+  }
+
+  // The same surrogates for every path.
+  static tav::RunOptions optionsFor(const std::string& path) {
+    tav::RunOptions options;
+    options.timeBase = 1;
+    options.kernel = path;
+    return options;
   }
 
   oracle::Answer answer(int voxel) {
@@ -102,7 +105,7 @@ class Accuracy {
 
   Workload workload_;
   tav::TAV_Pars request_;
-  tav::Computer computer_;
+  tav::Computer computer_{optionsFor("")};
   std::unique_ptr<std::FILE, CloseFile> stream_;
   std::ostringstream errors_;
   int first_ = 0, step_ = 1;
@@ -116,9 +119,6 @@ int main(int argc, char** argv) try {
     std::fprintf(stderr, "usage: %s FOLDER [WORKLOAD...]\n", argv[0]);
     return 2;
   }
-  fakes::FakeHost host;
-  if (!InitZQAccess()) throw std::runtime_error("the fake host is not exported");
-  simo::setTimeBase(1);
   for (const Workload& workload : bench::standardWorkloads()) {
     bool isWanted = argc == 2;
     for (int i = 2; i < argc; ++i) isWanted = isWanted || workload.name == argv[i];

@@ -9,10 +9,8 @@
 
 #include "bench/kernel/phases.h"
 #include "bench/kernel/stopwatch.h"
-#include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "tav/kernel/dispatch.h"
 #include "tav/tav.h"
-#include "tests/fakes/fake_host.h"
 
 namespace {
 
@@ -53,12 +51,10 @@ void printReferences(int count, const Workload& workload) {
     request.vois.back().voxels += 3 * i;
     request.vois.back().nVoxels = 27 - i;
   }
-  fakes::FakeHost host;
   print("references", count, bench::bestSeconds(kRepetitions, [&] {
           std::ostringstream errors;
           tav::Computer computer;
           if (computer.computeTAVs(request, errors) != tav::kSuccess) throw std::runtime_error(errors.str());
-          host.savedMaps.clear();
         }));
 }
 
@@ -108,7 +104,6 @@ int main(int argc, char** argv) try {
   g_folder = argv[1];
   const char* const forced = std::getenv("TAVMAP_KERNEL");
   g_kernel = forced != nullptr ? forced : tav::kernel::bestKernel().name;
-  if (!InitZQAccess()) throw std::runtime_error("the fake host is not exported");
   run();
   return 0;
 } catch (const std::exception& error) {

@@ -1,19 +1,15 @@
 #include "bench/kernel/phases.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 
 #include "bench/kernel/stopwatch.h"
-#include "hostapi/CNZQPluginInterfaceExtern.h"
-#include "simo/randomness.h"
 #include "tav/condition.h"
 #include "tav/map_values.h"
 #include "tav/tail_thresholds.h"
 #include "tav/tav.h"
 #include "tav/voxel_loop.h"
-#include "tests/fakes/fake_host.h"
 
 namespace bench {
 namespace {
@@ -44,12 +40,12 @@ void require(int status, const std::ostringstream& errors) {
 
 class PhaseTimer {
  public:
-  PhaseTimer(const Workload& workload, const std::string& file, int draws)
-      : request_(makeRequest(workload, file)), options_(optionsFor(draws)), computer_(options_) {
+  PhaseTimer(const Workload& workload, const std::string& file, const tav::RunOptions& options)
+      : request_(makeRequest(workload, file)), options_(options), computer_(options) {
     request_.showVerboseProgress = false;
     require(computer_.Init(request_, errors_), errors_);
     require(computer_.createVOIResultMAP(request_.vois[0], request_, errors_), errors_);
-    path_ = tav::makeVoxelPath(errors_);
+    path_ = tav::makeVoxelPath(options_.kernel, errors_);
     if (path_ == nullptr) throw std::runtime_error(errors_.str());
   }
   ~PhaseTimer() { computer_.CleanUp(); }
@@ -68,12 +64,6 @@ class PhaseTimer {
   }
 
  private:
-  static tav::RunOptions optionsFor(int draws) {
-    tav::RunOptions options;
-    options.nullDraws = draws;
-    return options;
-  }
-
   template <class Work>
   static void lower(double& best, Work work) {
     best = std::min(best, bestSeconds(1, work));
@@ -85,22 +75,16 @@ class PhaseTimer {
     require(
         tav::checkCondition(computer_, request_.vois[0], request_.conds[0], request_, log, errors_, checked),
         errors_);
-    const auto jobs = tav::makeConditionJobs(request_.conds[0], {{checked.references, &simo::randomStream()}},
+    const auto jobs = tav::makeConditionJobs(request_.conds[0], {{checked.references, &computer_.random}},
                                              request_, options_);
-    std::swap(result_.observed, computer_.rawMaps1);
-    std::swap(result_.null, computer_.rawMaps2);
-    std::swap(result_.furtherNulls, computer_.furtherNulls);
-    tav::RawResult* const results[] = {&result_};
+    tav::RawResult* const results[] = {&computer_.raw};
     TimedPath timed(*path_);
     const Stopwatch watch;
-    require(tav::runVoxelLoop(jobs, request_, timed, results, errors_), errors_);
+    require(tav::runVoxelLoop(jobs, request_, timed, tav::RunLog(), results, errors_), errors_);
     best.loop = std::min(best.loop, watch.seconds() - timed.beginSeconds);
     best.prepare = std::min(best.prepare, timed.beginSeconds);
-    best.illDefined = result_.counts.illDefined;
-    best.surrogatesIllDefined = result_.counts.surrogatesIllDefined;
-    std::swap(result_.observed, computer_.rawMaps1);
-    std::swap(result_.null, computer_.rawMaps2);
-    std::swap(result_.furtherNulls, computer_.furtherNulls);
+    best.illDefined = computer_.raw.counts.illDefined;
+    best.surrogatesIllDefined = computer_.raw.counts.surrogatesIllDefined;
     best.checksum = 0.0;
     for (int m = 0; m < tav::kNrOfMeasures; ++m) {
       const float* values = computer_.rawMaps1->values(m);
@@ -134,20 +118,16 @@ class PhaseTimer {
   tav::RunOptions options_;
   tav::Computer computer_;
   std::unique_ptr<tav::VoxelPath> path_;
-  tav::RawResult result_;
   std::ostringstream errors_;
 };
 
-double wholeRun(const Workload& workload, const std::string& file, fakes::FakeHost& host, int draws) {
+double wholeRun(const Workload& workload, const std::string& file, const tav::RunOptions& options) {
   tav::TAV_Pars request = makeRequest(workload, file);
   request.showVerboseProgress = false;
-  tav::RunOptions options;
-  options.nullDraws = draws;
   return bestSeconds(1, [&] {
     std::ostringstream errors;
     tav::Computer computer(options);
     require(computer.computeTAVs(request, errors), errors);
-    host.savedMaps.clear();
   });
 }
 
@@ -161,19 +141,17 @@ void Phases::lower(const Phases& other) {
 
 Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel,
                      int repetitions, int draws) {
-  fakes::FakeHost host;
-  if (!InitZQAccess()) throw std::runtime_error("the fake host is not exported");
-  simo::setTimeBase(1);  // the same surrogates for every path
-  setenv("TAVMAP_KERNEL", kernel.c_str(), 1);
+  tav::RunOptions options;
+  options.nullDraws = draws;
+  options.timeBase = 1;  // the same surrogates for every path
+  options.kernel = kernel;
   constexpr double kNever = 1e9;
   Phases best{kNever, kNever, kNever, kNever, kNever, kNever, 0, 0, 0.0};
   {
-    PhaseTimer timer(workload, file, draws);
+    PhaseTimer timer(workload, file, options);
     for (int i = 0; i < repetitions; ++i) timer.time(best);
   }
-  for (int i = 0; i < repetitions; ++i)
-    best.whole = std::min(best.whole, wholeRun(workload, file, host, draws));
-  unsetenv("TAVMAP_KERNEL");
+  for (int i = 0; i < repetitions; ++i) best.whole = std::min(best.whole, wholeRun(workload, file, options));
   return best;
 }
 

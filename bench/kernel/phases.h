@@ -13,7 +13,7 @@ struct Phases {
   double surrogates;  // fit of the reference and simulation of its surrogates
   double prepare;     // tables of reference and surrogates
   double loop;        // reading and computing every voxel
-  double transfer;    // all maps into the host, with their thresholds
+  double transfer;    // all maps into the store, with their thresholds
   double thresholds;  // of that, the thresholds of all maps
   double whole;       // Init to saved files
   int illDefined, surrogatesIllDefined;

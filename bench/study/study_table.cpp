@@ -18,10 +18,10 @@
 #include "bench/study/made_study.h"
 #include "formats/byte_source.h"
 #include "formats/vtc_import.h"
-#include "study/engine_host.h"
+#include "prepare/prepare.h"
+#include "request/request_file.h"
 #include "study/engine_request.h"
-#include "study/prepare.h"
-#include "study/request_file.h"
+#include "study/file_store.h"
 #include "study/study_plan.h"
 #include "tav/tav.h"
 
@@ -73,16 +73,14 @@ class Engine {
 
   void run() const {
     fs::create_directories(plan_.request.output.folder);
-    const fs::path here = fs::current_path();
-    fs::current_path(plan_.workFolder);
-    const std::string prefix = (plan_.request.output.folder / "engine").string();
-    const study::EngineHost host(plan_.runs[0].request.bold, plan_.runs[0].vtcName, nullptr);
+    study::FileStore store(plan_.request.output.folder, plan_.workFolder / plan_.runs[0].vtcName);
     const tav::TAV_Pars pars = study::engineRequest(plan_.request.settings, plan_.order, plan_.runs,
-                                                    plan_.conditions, {&plan_.regions[0]}, prefix);
+                                                    plan_.conditions, {&plan_.regions[0]}, "engine");
+    tav::RunOptions options = study::engineOptions(plan_.request.settings);
+    options.vtcFolder = plan_.workFolder.string();
     std::ostringstream errors;
-    tav::Computer computer(study::engineOptions(plan_.request.settings));
+    tav::Computer computer(options, nullptr, &store);
     if (computer.computeTAVs(pars, errors) != tav::kSuccess) throw std::runtime_error(errors.str());
-    fs::current_path(here);
   }
 
  private:

@@ -6,10 +6,9 @@
 #include <random>
 #include <sstream>
 
-#include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "tav/tav.h"
-#include "tests/fakes/fake_host.h"
 #include "tests/fakes/vtc_file.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
@@ -41,7 +40,7 @@ std::vector<float> makeData(const Workload& workload) {
 
 // Written once for all benchmarks of the program.
 const std::string& dataFile() {
-  static const fakes::TempFolder folder;
+  static const Scratch folder;
   static const std::string path = [] {
     const Workload& w = kWorkload;
     fakes::writeVtc(folder.file("run.vtc"), fakes::cellGrid(w.x, w.y, w.z, w.volumes), makeData(w));
@@ -67,13 +66,10 @@ tav::TAV_Pars makeRequest(int order, std::vector<tav::TAV_intv> intervals) {
 }
 
 void runAll(benchmark::State& state, const tav::TAV_Pars& pars, const tav::RunOptions& options) {
-  fakes::FakeHost host;
-  if (!InitZQAccess()) state.SkipWithError("the fake host is not exported");
   for (auto _ : state) {
     std::ostringstream errors;
     tav::Computer computer(options);
     if (computer.computeTAVs(pars, errors) != tav::kSuccess) state.SkipWithError(errors.str().c_str());
-    host.savedMaps.clear();
   }
 }
 

@@ -27,9 +27,9 @@ inline constexpr float kSmallProduct = 1e-24F, kLargeProduct = 1e30F;
 inline constexpr float kVisibleNoise = 1e-36F;
 
 // A model of one series alone.
-template <class S>
+template <class S, class View>
 struct SingleFit {
-  Doubts<S> doubts;
+  Doubts<S, View> doubts;
   typename S::Floats error{};
 };
 
@@ -84,11 +84,11 @@ class GroupKernel {
 
   void fitReference(int reference) {
     collector_.collectSeries(reference, kTruth, truthAt(reference));
-    truth_[reference] = fitX(group_.seriesAt(truthAt(reference)), Doubts<S>{});
+    truth_[reference] = fitX(group_.seriesAt(truthAt(reference)), Doubts<S, View>{});
   }
 
   // A series without any variance fails for certain; others must be within range.
-  SingleFit<S> fitX(const Series& x, Doubts<S> doubts) {
+  SingleFit<S, View> fitX(const Series& x, Doubts<S, View> doubts) {
     const Floats moment = at<S>(x.own, 0);
     demandRange<S>(moment, kSmallMoment, kLargeMoment, doubts);
     doubts.flat |= S::lessEqual(moment, S::zero());
@@ -99,10 +99,11 @@ class GroupKernel {
   // A sum of squares of 0 is a flat voxel, unless a slope was removed, or its values are so small
   // that squares vanish.
   void fitVoxels(const TrendNotes<S>& trends) {
-    Doubts<S> doubts{};
+    Doubts<S, View> doubts{};
     const Floats moment = at<S>(y().own, 0);
     demandRange<S>(moment, kSmallMoment, kLargeMoment, doubts);
     doubts.unsure |= S::less(moment, trends.noise);
+    if (View::leastSquares) doubts.unsure |= S::less(moment, trends.digits);
     doubts.flat |=
         S::lessEqual(moment, S::zero()) & S::less(S::all(kVisibleNoise), trends.noise) & ~trends.sloped;
     const Floats error = fitAlone<S>(plan_, y(), factor_, lane(layout_.yLast), doubts);
@@ -130,7 +131,7 @@ class GroupKernel {
   }
 
   void computeTruth(int reference, const float* cross) {
-    SingleFit<S> alone = truth_[reference];
+    SingleFit<S, View> alone = truth_[reference];
     alone.doubts = merged(voxels_.doubts, alone.doubts);
     const Measures<S> measures = computeJoint(group_.seriesAt(truthAt(reference)), cross, alone);
     const ReferenceBatch& out = batch_.references[reference];
@@ -141,7 +142,7 @@ class GroupKernel {
   void computeNull(int reference, int draw, const float* cross) {
     collector_.collectSeries(reference, draw, layout_.drawn);
     const Series x = group_.seriesAt(layout_.drawn);
-    SingleFit<S> alone = fitX(x, voxels_.doubts);
+    SingleFit<S, View> alone = fitX(x, voxels_.doubts);
     const Measures<S> measures = computeJoint(x, cross, alone);
     const ReferenceBatch& out = batch_.references[reference];
     const std::size_t start = static_cast<std::size_t>(draw) * out.stride;
@@ -149,11 +150,11 @@ class GroupKernel {
     storeVerdicts(out.nullVerdicts + start + group_.first, alone.doubts);
   }
 
-  static Doubts<S> merged(const Doubts<S>& a, const Doubts<S>& b) {
+  static Doubts<S, View> merged(const Doubts<S, View>& a, const Doubts<S, View>& b) {
     return {a.failed | b.failed, a.unsure | b.unsure, a.flat | b.flat, S::larger(a.growth, b.growth)};
   }
 
-  Measures<S> computeJoint(const Series& x, const float* cross, SingleFit<S>& alone) {
+  Measures<S> computeJoint(const Series& x, const float* cross, SingleFit<S, View>& alone) {
     const Floats ySquares = at<S>(y().own, 0);
     demandRange<S>(at<S>(x.own, 0) * ySquares, kSmallProduct, kLargeProduct, alone.doubts);
     const JointErrors<S> joint = fitJoint<S>(plan_, x, y(), cross, voxels_.error, factor_,
@@ -167,7 +168,7 @@ class GroupKernel {
     S::storeAny(planes[2] + start + group_.first, measures.instantaneous);
   }
 
-  static void storeVerdicts(Verdict* verdicts, const Doubts<S>& doubts) {
+  static void storeVerdicts(Verdict* verdicts, const Doubts<S, View>& doubts) {
     const Mask illDefined = doubts.flat | (doubts.failed & ~doubts.unsure),
                unsure = doubts.unsure & ~doubts.flat;
     if ((illDefined | unsure) == 0) {
@@ -186,29 +187,36 @@ class GroupKernel {
   const LaneLayout& layout_;
   Collector<S, View> collector_;
   Factor factor_;
-  SingleFit<S> truth_[extent(kMaxReferences)];  // the references alone
-  SingleFit<S> voxels_;                         // the group's voxels alone
+  SingleFit<S, View> truth_[extent(kMaxReferences)];  // the references alone
+  SingleFit<S, View> voxels_;                         // the group's voxels alone
 };
 
-template <class S, int kOrder>
+template <class S, int kOrder, bool kLeastSquares>
 [[gnu::always_inline]] inline void computeGroups(const PlanView& plan, const BatchView& batch,
                                                  const WorkView& work) {
-  const OrderedPlan<kOrder> ordered(plan);
-  GroupKernel<S, OrderedPlan<kOrder>> kernel(ordered, batch, work);
+  using View = OrderedPlan<kOrder, kLeastSquares>;
+  const View ordered(plan);
+  GroupKernel<S, View> kernel(ordered, batch, work);
   for (std::size_t first = 0; first < batch.nrOfVoxels; first += S::kWidth) kernel.compute(first);
 }
 
 // Of order 1 everything is inlined: its loops vanish, and what is left is mostly arithmetic.
-template <class S>
+template <class S, bool kLeastSquares>
 [[gnu::flatten, gnu::noinline]] void computeOrder1(const PlanView& plan, const BatchView& batch,
                                                    const WorkView& work) {
-  computeGroups<S, 1>(plan, batch, work);
+  computeGroups<S, 1, kLeastSquares>(plan, batch, work);
+}
+
+template <class S, bool kLeastSquares>
+void computeForm(const PlanView& plan, const BatchView& batch, const WorkView& work) {
+  if (plan.order == 1) return computeOrder1<S, kLeastSquares>(plan, batch, work);
+  computeGroups<S, 0, kLeastSquares>(plan, batch, work);
 }
 
 template <class S>
 void computeBatch(const PlanView& plan, const BatchView& batch, const WorkView& work) {
-  if (plan.order == 1) return computeOrder1<S>(plan, batch, work);
-  computeGroups<S, 0>(plan, batch, work);
+  if (plan.leastSquares) return computeForm<S, true>(plan, batch, work);
+  computeForm<S, false>(plan, batch, work);
 }
 
 }  // namespace

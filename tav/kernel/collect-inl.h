@@ -22,8 +22,9 @@ namespace {
 // What the trends of a group's voxels leave to judge about their rows.
 template <class S>
 struct TrendNotes {
-  typename S::Floats noise;  // sums of squares that rounding of the trends explains
-  typename S::Mask sloped;   // lanes with a slope in any interval
+  typename S::Floats noise;   // sums of squares that rounding of the trends explains
+  typename S::Floats digits;  // sums of squares below which the means have cost digits
+  typename S::Mask sloped;    // lanes with a slope in any interval
 };
 
 template <class S, class View>
@@ -43,7 +44,7 @@ class Collector {
 
   // Rows and own sums; with one reference also the cross sums of kTruth and draw 0, in rows 0 and 1.
   TrendNotes<S> collectVoxels() {
-    notes_ = {S::zero(), 0};
+    notes_ = {S::zero(), S::zero(), 0};
     for (int n = 0; n < plan_.nrOfIntervals; ++n) fitTrends(n);
     if (plan_.nrOfReferences == 1) {
       collectAtOnce();
@@ -63,7 +64,7 @@ class Collector {
     sumPartials(0, count * (2 * plan_.order + 1), layout_.cross);
   }
 
-  // Own sums and tails of a draw into the series at `variable`.
+  // Own sums and edges of a draw into the series at `variable`.
   void collectSeries(int reference, int draw, int variable) {
     for (int n = 0; n < plan_.nrOfIntervals; ++n) {
       const float* const tables = group_.rowsOf(reference, n).tables;
@@ -97,17 +98,22 @@ class Collector {
     S::store(group_.lane(layout_.mean + n), trends.mean);
     S::store(group_.lane(layout_.slope + n), trends.slope);
     notes_.noise = notes_.noise + trends.noise;
+    if (View::leastSquares) notes_.digits = notes_.digits + digitsLostBelow<S>(interval, trends.mean);
     notes_.sloped |= S::less(S::zero(), S::magnitude(trends.slope));
   }
 
-  // Writes lane l's row of one interval, and its tails.
+  // Writes lane l's row of one interval, and its edges.
   float* writeRow(int l, int n) {
     const IntervalView& interval = plan_.intervals[n];
     float* row = group_.rowOf(l, interval);
     const float mean = group_.lane(layout_.mean + n)[l], slope = group_.lane(layout_.slope + n)[l];
     group_.withCourse(l, interval, [&](const auto* y) { writeResiduals<S>(interval, mean, slope, y, row); });
-    float* tails = group_.lane(layout_.own + plan_.order + 1 + n * plan_.order) + l;
-    for (int i = 0; i < plan_.order; ++i) tails[i * kWidth] = row[interval.length - 1 - i];
+    const int p = plan_.order;
+    float* edges = group_.lane(layout_.own + p + 1 + n * group_.edges) + l;
+    for (int i = 0; i < p; ++i) edges[i * kWidth] = row[interval.length - 1 - i];
+    if (plan_.leastSquares) {
+      for (int i = 0; i < p; ++i) edges[(p + i) * kWidth] = row[i];
+    }
     return row;
   }
 
@@ -179,15 +185,15 @@ class Collector {
     }
   }
 
-  // One table per lane: own sums are added up over intervals, tails stand beside each other.
+  // One table per lane: own sums are added up over intervals, edges stand beside each other.
   void addTables(const float* const* tables, int interval, int variable) const {
     static_assert(kTableAlign == 4, "tables are read in quads");
-    const int p = plan_.order, size = 2 * p + 1;
+    const int p = plan_.order, size = p + 1 + group_.edges;
     for (int first = 0; first < size; first += kTableAlign) {
       typename S::Floats values[extent(kTableAlign)];
       S::loadQuads(tables, first, values);
       for (int i = first; i < first + kTableAlign && i < size; ++i) {
-        float* const lanes = group_.lane(variable + (i <= p ? i : i + interval * p));
+        float* const lanes = group_.lane(variable + (i <= p ? i : i + interval * group_.edges));
         const bool isSum = i <= p && interval > 0;
         S::store(lanes, isSum ? S::load(lanes) + values[i - first] : values[i - first]);
       }

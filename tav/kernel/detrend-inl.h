@@ -11,6 +11,9 @@
 namespace tav::kernel {
 namespace {
 
+// Residuals this much smaller than the mean have lost digits to it that least squares in double
+// precision would keep.
+inline constexpr float kMeanDigits = 1.0F / (1 << 13);
 // Residuals this much smaller than slope or mean are mostly rounding of the trend.
 inline constexpr float kSlopeNoise = 1.0F / 64.0F, kMeanNoise = 1.0F / (1 << 18);
 
@@ -70,6 +73,13 @@ template <class S>
 struct Trends {
   typename S::Floats mean, slope, noise;
 };
+
+// The sum of squares below which an interval's mean has cost digits.
+template <class S>
+typename S::Floats digitsLostBelow(const IntervalView& interval, typename S::Floats mean) {
+  const auto least = mean * S::all(kMeanDigits);
+  return least * least * S::all(static_cast<float>(interval.length));
+}
 
 // `values` and `products`: complete sums.
 template <class S>

@@ -17,17 +17,19 @@ namespace {
 // The true reference, where a draw is asked for.
 inline constexpr int kTruth = -1;
 
-// A plan whose order the compiler knows, so that the many short loops over it vanish; of kOrder 0, any
-// plan.
-template <int kOrder>
+// A plan whose order and form the compiler knows, so that the many short loops over it vanish; of
+// kOrder 0, of any order.
+template <int kOrder, bool kLeastSquares>
 struct OrderedPlan : PlanView {
   explicit OrderedPlan(const PlanView& plan) : PlanView(plan) {}
   static constexpr int kKnownOrder = kOrder, order = kOrder;
+  static constexpr bool leastSquares = kLeastSquares;
 };
-template <>
-struct OrderedPlan<0> : PlanView {
+template <bool kLeastSquares>
+struct OrderedPlan<0, kLeastSquares> : PlanView {
   explicit OrderedPlan(const PlanView& plan) : PlanView(plan) {}
   static constexpr int kKnownOrder = 0;
+  static constexpr bool leastSquares = kLeastSquares;
 };
 
 template <class S, class View>
@@ -38,7 +40,8 @@ struct Group {
       : plan(planView),
         batch(batchView),
         work(workView),
-        layout(planView.order, planView.nrOfIntervals, planView.nrOfReferences) {}
+        edges(edgeSize(planView.order, planView.leastSquares)),
+        layout(planView.order, edges, planView.nrOfIntervals, planView.nrOfReferences) {}
 
   // Goes to voxels first ... first + W - 1, as far as the batch has them.
   void moveTo(std::size_t voxel) {
@@ -71,7 +74,9 @@ struct Group {
   // A draw's rows of the interval's surrogates, one per lane.
   [[nodiscard]] const std::uint32_t* drawnRows(int reference, int interval, int draw) const {
     const ReferenceBatch& of = batch.references[reference];
-    return of.surrogates + static_cast<std::size_t>(interval * plan.draws + draw) * of.stride + first;
+    return of.surrogates +
+           static_cast<std::size_t>((View::leastSquares ? 0 : interval) * plan.draws + draw) * of.stride +
+           first;
   }
 
   // Calls `use` with the interval's first value of lane l's course, in the type of the data.
@@ -90,6 +95,7 @@ struct Group {
   const View& plan;
   const BatchView& batch;
   const WorkView& work;
+  int edges;  // values per interval
   LaneLayout layout;
   std::size_t first = 0;
   int nrOfVoxels = 0;

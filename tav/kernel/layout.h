@@ -2,9 +2,10 @@
 // one value per voxel of the group. Positions count vectors.
 //
 //     own        lag sums of the voxel at lags 0 ... p
-//     ownTails   last p values of its row, latest first, interval after interval
-//     truth      own and tails of each reference, the same value in every lane
-//     drawn      own and tails of each lane's surrogate
+//     ownEdges   interval after interval: last p values of its row, latest first; in least squares
+//                then the first p
+//     truth      own and edges of each reference, the same value in every lane
+//     drawn      own and edges of each lane's surrogate
 //     first      first value of each interval
 //     mean, slope  of each interval
 //     cross      lag sums with the rows of a pass at shifts -p ... p: with the reference and the first
@@ -24,10 +25,11 @@
 
 namespace tav::kernel {
 
+// nrOfEdges: edgeSize() of the plan.
 struct LaneLayout {
-  constexpr LaneLayout(int order, int nrOfIntervals, int nrOfReferences)
+  constexpr LaneLayout(int order, int nrOfEdges, int nrOfIntervals, int nrOfReferences)
       : p(order),
-        seriesSize(p + 1 + nrOfIntervals * p),
+        seriesSize(p + 1 + nrOfIntervals * nrOfEdges),
         own(0),
         truth(own + seriesSize),
         drawn(truth + nrOfReferences * seriesSize),
@@ -44,7 +46,7 @@ struct LaneLayout {
         size(xLast + 2 * p) {}
 
   int p;
-  int seriesSize;  // own sums and tails of one series
+  int seriesSize;  // own sums and edges of one series
   int own, truth, drawn, first, mean, slope, cross, yRows, xRows, inverse, probe, yLast, xLast;
   int size;
 };

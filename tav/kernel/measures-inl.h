@@ -36,22 +36,29 @@ struct Measures {
 
 // Marks lanes in which a value is not within low ... high, or NaN; but not those that have failed
 // already, for what follows a negative pivot is NaN.
-template <class S>
-void demandRange(typename S::Floats value, float low, float high, Doubts<S>& doubts) {
+template <class S, class View>
+void demandRange(typename S::Floats value, float low, float high, Doubts<S, View>& doubts) {
   const auto inside = S::lessEqual(S::all(low), value) & S::lessEqual(value, S::all(high));
   doubts.unsure |= ~(inside | doubts.failed);
 }
 
-template <class S>
+// Nested models over the same samples have ratios of at least 1, up to rounding.
+template <class S, class View>
+typename S::Floats logOfRatio(typename S::Floats ratio) {
+  const auto log = naturalLog<S>(ratio);
+  return View::leastSquares ? S::larger(log, S::zero()) : log;
+}
+
+template <class S, class View>
 Measures<S> measure(typename S::Floats xError, typename S::Floats yError, typename S::Floats ySquares,
-                    const JointErrors<S>& joint, Doubts<S>& doubts) {
+                    const JointErrors<S>& joint, Doubts<S, View>& doubts) {
   const auto yGivenX = joint.yy - joint.xy * (joint.xy / joint.xx);
   doubts.check(yGivenX, ySquares);
   const auto toVoxel = yError / joint.yy, toReference = xError / joint.xx, both = joint.yy / yGivenX;
   demandRange<S>(toVoxel, 1e-6F, 1e6F, doubts);
   demandRange<S>(toReference, 1e-6F, 1e6F, doubts);
   demandRange<S>(both, 1e-6F, 1e6F, doubts);
-  return {naturalLog<S>(toVoxel), naturalLog<S>(toReference), naturalLog<S>(both)};
+  return {logOfRatio<S, View>(toVoxel), logOfRatio<S, View>(toReference), logOfRatio<S, View>(both)};
 }
 
 }  // namespace

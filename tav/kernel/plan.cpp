@@ -69,7 +69,7 @@ Plan::Plan(const PlanSpec& spec, const Kernel& kernel) : kernel_(&kernel), view_
   requireValid(spec);
   view_.order = spec.order;
   view_.draws = spec.draws;
-  view_.consistentPairs = spec.consistentPairs;
+  view_.leastSquares = spec.leastSquares;
   view_.nrOfSets = static_cast<int>(spec.sets.size());
   view_.nrOfReferences = spec.sets.empty() ? 0 : static_cast<int>(spec.sets[0].references.size());
   for (const SetSpec& set : spec.sets) elements_.push_back(set.element);
@@ -90,8 +90,9 @@ void Plan::addIntervals(const PlanSpec& spec) {
       view.length = interval.length;
       view.paddedLength = roundedUp(interval.length, kRowAlign);
       view.rowOffset = view_.rowSize + kRowPad;
-      view.scale = static_cast<float>(std::sqrt(longest / interval.length));
-      view.tableStride = static_cast<std::size_t>(roundedUp(2 * spec.order + 1, kTableAlign));
+      view.scale = spec.leastSquares ? 1.0F : static_cast<float>(std::sqrt(longest / interval.length));
+      view.tableStride = static_cast<std::size_t>(
+          roundedUp(spec.order + 1 + edgeSize(spec.order, spec.leastSquares), kTableAlign));
       view_.rowSize += static_cast<std::size_t>(view.paddedLength + 2 * kRowPad);
       memory_.push_back(makeRamp(view));
       intervals_.push_back(view);
@@ -116,9 +117,10 @@ ReferenceRows Plan::prepareRows(const PlanSpec& spec, const IntervalView& interv
   const auto length = static_cast<std::size_t>(interval.paddedLength);
   float* rows = memory_.emplace_back((surrogates + 1) * length).data();
   float* tables = memory_.emplace_back((surrogates + 1) * interval.tableStride).data();
-  kernel_->prepare(interval, {spec.order, 1, reference.course + interval.first, 0, rows, tables}, work);
+  kernel_->prepare(
+      interval, {spec.order, spec.leastSquares, 1, reference.course + interval.first, 0, rows, tables}, work);
   kernel_->prepare(interval,
-                   {spec.order, spec.nrOfSurrogates, reference.surrogates + interval.first,
+                   {spec.order, spec.leastSquares, spec.nrOfSurrogates, reference.surrogates + interval.first,
                     reference.surrogateStride, rows + length, tables + interval.tableStride},
                    work);
   return {rows, rows + length, tables + interval.tableStride};
@@ -128,8 +130,9 @@ Workspace::Workspace(const PlanView& plan, int width) : view_{} {
   const auto lanes = static_cast<std::size_t>(width);
   const auto slots = keepsRows(plan) ? lanes : 2;
   const auto statistics = static_cast<std::size_t>(mostStatistics(plan.order));
-  const auto variables =
-      static_cast<std::size_t>(LaneLayout(plan.order, plan.nrOfIntervals, plan.nrOfReferences).size);
+  const auto variables = static_cast<std::size_t>(
+      LaneLayout(plan.order, edgeSize(plan.order, plan.leastSquares), plan.nrOfIntervals, plan.nrOfReferences)
+          .size);
   rows_ = AlignedFloats(slots * plan.rowSize);
   partials_ = AlignedFloats(statistics * lanes * lanes);
   lanes_ = AlignedFloats(variables * lanes);

@@ -35,7 +35,7 @@ struct SetSpec {
 struct PlanSpec {
   int order;
   int draws;
-  bool consistentPairs;
+  bool leastSquares;
   int nrOfSurrogates;
   std::vector<SetSpec> sets;
 };

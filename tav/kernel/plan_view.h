@@ -1,9 +1,10 @@
 // What a kernel sees of a prepared plan and of one batch of voxels: plain pointers and counts, so
 // that the files compiled per CPU need nothing of the standard library.
 //
-// Scale: every interval enters with the weight 1/N (its length). Measures are quotients, so only
-// the ratio of the weights counts: rows of an interval are multiplied by sqrt(longest N / N), and
-// products of such rows are summed over intervals without further factors.
+// Scale: in least squares every sample has the weight 1. In the written form every interval enters
+// with the weight 1/N (its length). Measures are quotients, so only the ratio of the weights counts:
+// rows of an interval are multiplied by sqrt(longest N / N), and products of such rows are summed over
+// intervals without further factors.
 #ifndef TAVMAP_TAV_KERNEL_PLAN_VIEW_H
 #define TAVMAP_TAV_KERNEL_PLAN_VIEW_H
 
@@ -28,6 +29,12 @@ static_assert(kRowPad >= kMaxOrder + kMaxLanes && kRowPad % kRowAlign == 0);
 // Bytes behind the last value of a course that a kernel may read (and ignores).
 inline constexpr int kReadSlack = 64;
 
+// Values at the edges of an interval that a fit needs of each series: the last ones, and in least
+// squares the first ones behind them.
+constexpr int edgeSize(int order, bool leastSquares) {
+  return leastSquares ? 2 * order : order;
+}
+
 // An array's extent from a constant count.
 constexpr std::size_t extent(int count) {
   return static_cast<std::size_t>(count);
@@ -42,7 +49,7 @@ struct IntervalView {
   int length;               // values, above the order
   int paddedLength;         // rounded up to kRowAlign
   std::size_t rowOffset;    // of this interval's zone in a voxel's row buffer
-  float scale;              // sqrt(longest length / length)
+  float scale;              // 1, or sqrt(longest length / length)
   float rampSquares;        // sum of squares of ramp
   const float* ramp;        // t / (length - 1) - 0.5, then zeros; paddedLength values
   std::size_t tableStride;  // a multiple of kTableAlign
@@ -54,7 +61,8 @@ struct ReferenceRows {
   const float* reference;
   const float* surrogates;
   // Per surrogate tableStride values: order + 1 own lag sums at lags 0 ... order, then the `order`
-  // last values of its row, latest first, then zeros. The reference has the same in front, as row -1.
+  // last values of its row, latest first, in least squares its first values, and zeros. The reference
+  // has the same in front, as row -1.
   const float* tables;
 };
 
@@ -63,9 +71,8 @@ struct PlanView {
   int draws;     // surrogates per voxel and reference, 1 ... kMaxDraws
   int nrOfSets;  // courses per voxel
   int nrOfIntervals;
-  int nrOfReferences;  // 1 ... kMaxReferences
-  // Rows of the lag-pair averages belong to the later lag; false: the plug-in's written form.
-  bool consistentPairs;
+  int nrOfReferences;       // 1 ... kMaxReferences
+  bool leastSquares;        // false: the plug-in's written form
   std::size_t rowSize;      // values of one voxel's row buffer, all intervals
   const Element* elements;  // per set
   const IntervalView* intervals;
@@ -81,7 +88,7 @@ enum class Verdict : std::uint8_t {
 
 // Draws and results of one reference, one array element per voxel; arrays hold nrOfVoxels rounded up
 // to kMaxLanes, the draws behind nrOfVoxels being any that exist. What belongs to draw k starts at
-// k * stride, the draws of interval n at n * draws * stride.
+// k * stride, the draws of interval n at n * draws * stride; in least squares those of interval 0 serve all.
 // Measures: 0 reference to voxel, 1 voxel to reference, 2 instantaneous.
 struct ReferenceBatch {
   const std::uint32_t* surrogates;  // rows of the interval's surrogates
@@ -102,6 +109,7 @@ struct BatchView {
 // Rows to detrend and tabulate: the reference or surrogates over one interval.
 struct RowsView {
   int order;
+  bool leastSquares;
   int nrOfRows;
   const float* source;  // first value of the interval in the first row
   std::size_t sourceStride;

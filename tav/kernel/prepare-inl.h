@@ -37,14 +37,17 @@ float firstLane(typename S::Floats v) {
 
 // Fills one table from a row with zeros around it.
 template <class S>
-void tabulate(const IntervalView& interval, int order, const LagLoops<S, 0>& own, const float* row,
+void tabulate(const IntervalView& interval, const RowsView& task, const LagLoops<S, 0>& own, const float* row,
               float* partials, float* table) {
   constexpr std::ptrdiff_t kStep = static_cast<std::ptrdiff_t>(S::kWidth) * S::kWidth;
+  const int order = task.order;
   const LagRows rows{row, {row}, interval.paddedLength};
   own.run({&rows, 1}, order, partials);
   for (int lag = 0; lag <= order; ++lag)
     table[lag] = sumOf<S>(S::load(partials + crossStatistic(order, 0, lag) * kStep));
   for (int i = 0; i < order; ++i) table[order + 1 + i] = row[interval.length - 1 - i];
+  if (!task.leastSquares) return;
+  for (int i = 0; i < order; ++i) table[2 * order + 1 + i] = row[i];
 }
 
 struct RowTrend {
@@ -60,7 +63,11 @@ RowTrend rowTrend(const IntervalView& interval, const float* y) {
 }
 
 // Residuals that are rounding of the trend, or whose squares vanish in single precision.
-inline bool isTrusted(const IntervalView& interval, const RowTrend& trend, const float* row, float squares) {
+inline bool isTrusted(const IntervalView& interval, const RowTrend& trend, bool leastSquares,
+                      const float* row, float squares) {
+  const float least = trend.mean * kMeanDigits;
+  if (leastSquares && squares > 0.0F && squares < least * least * static_cast<float>(interval.length))
+    return false;
   if (squares > 0.0F) return squares >= trend.noise;
   return trend.slope == 0.0F && isZero(row, interval.length);
 }
@@ -78,8 +85,8 @@ void prepareRows(const IntervalView& interval, const RowsView& task, const WorkV
     const RowTrend trend = rowTrend<S>(interval, row);
     writeResiduals<S>(interval, trend.mean, trend.slope, row, row);
     float* table = task.tables + r * interval.tableStride;
-    tabulate<S>(interval, task.order, own, row, work.partials, table);
-    if (!isTrusted(interval, trend, row, table[0])) table[0] = kUntrusted;
+    tabulate<S>(interval, task, own, row, work.partials, table);
+    if (!isTrusted(interval, trend, task.leastSquares, row, table[0])) table[0] = kUntrusted;
     float* copy = task.rows + r * padded;
     for (std::size_t t = 0; t < padded; t += S::kWidth) S::store(copy + t, S::load(row + t));
   }

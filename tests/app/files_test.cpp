@@ -8,43 +8,44 @@
 #include "formats/map_set.h"
 #include "formats/nifti.h"
 #include "formats/nifti_writer.h"
-#include "tests/app/program.h"
 #include "tests/fakes/vtc_file.h"
 #include "tests/formats/sample_map_set.h"
+#include "tests/support/program.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using app_test::runTavmap;
-using fakes::TempFolder;
 using testing::HasSubstr;
 
 const std::string kExample = APP_TEST_EXAMPLES "/oneback-small/";
 
-formats::Json infoOf(const TempFolder& folder, std::vector<std::string> arguments) {
+formats::Json infoOf(const Scratch& folder, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "info");
   arguments.push_back("--json");
-  const auto run = runTavmap(arguments, folder.path());
+  const auto run = tavmap(arguments, folder.path());
   EXPECT_EQ(run.exitCode, 0) << run.err;
   return formats::parseJson(run.out, "info");
 }
 
 TEST(Version, NamesTheKernelInUse) {
-  const TempFolder folder;
-  const auto run = runTavmap({"--version"}, folder.path());
+  const Scratch folder;
+  const auto run = tavmap({"--version"}, folder.path());
   EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_THAT(run.out, testing::MatchesRegex("tavmap [0-9.]+, kernel (reference|scalar|baseline|avx2|avx512)\n"));
+  EXPECT_THAT(run.out,
+              testing::MatchesRegex("tavmap [0-9.]+, kernel (reference|scalar|baseline|avx2|avx512)\n"));
 }
 
 TEST(ConvertCommand, ImportsARealRunAndGivesItBack) {
-  const TempFolder folder;
-  auto run = runTavmap({"convert", kExample + "bold_small.nii.gz", "run.vtc", "--mask", kExample + "mask_small.nii.gz"},
-                       folder.path());
+  const Scratch folder;
+  auto run =
+      tavmap({"convert", kExample + "bold_small.nii.gz", "run.vtc", "--mask", kExample + "mask_small.nii.gz"},
+             folder.path());
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.err, "");
   EXPECT_EQ(run.out,
             "run.vtc: 24 x 32 x 35 voxels, 156 volumes, TR 2000 ms\n"
             "14478 of 26880 voxels exceed the inclusion threshold of 100\n");
-  run = runTavmap({"convert", "run.vtc", "back.nii.gz"}, folder.path());
+  run = tavmap({"convert", "run.vtc", "back.nii.gz"}, folder.path());
   EXPECT_EQ(run.out, "back.nii.gz: written\n");
   const auto before = formats::readVolume(kExample + "bold_small.nii.gz", 100);
   const auto mask = formats::readImage(kExample + "mask_small.nii.gz");
@@ -55,41 +56,41 @@ TEST(ConvertCommand, ImportsARealRunAndGivesItBack) {
 }
 
 TEST(ConvertCommand, RefusesWhatItCannotDo) {
-  const TempFolder folder;
-  auto run = runTavmap({"convert", "a.nii", "b.nii"}, folder.path());
+  const Scratch folder;
+  auto run = tavmap({"convert", "a.nii", "b.nii"}, folder.path());
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.err, "tavmap: convert needs one .vtc and one .nii or .nii.gz file, not a.nii and b.nii\n");
-  run = runTavmap({"convert", "a.vtc", "b.nii", "--tr", "5"}, folder.path());
+  run = tavmap({"convert", "a.vtc", "b.nii", "--tr", "5"}, folder.path());
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.err,
             "tavmap: --mask, --type, --tr, --threshold and --skip apply only to the conversion into a VTC\n");
-  run = runTavmap({"convert", "none.nii.gz", "b.vtc"}, folder.path());
+  run = tavmap({"convert", "none.nii.gz", "b.vtc"}, folder.path());
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.err,
             "tavmap: none.nii.gz: cannot open the file (No such file or directory). Check the path and its "
             "permissions.\n");
-  run = runTavmap({"convert", kExample + "bold_small.nii.gz", "b.vtc", "--type", "int9"}, folder.path());
+  run = tavmap({"convert", kExample + "bold_small.nii.gz", "b.vtc", "--type", "int9"}, folder.path());
   EXPECT_EQ(run.exitCode, 2);
 }
 
 TEST(ConvertCommand, FailsWithOneWhereItMayNotWrite) {
-  const TempFolder folder;
-  const auto run = runTavmap({"convert", kExample + "bold_small.nii.gz", "no/folder/b.vtc"}, folder.path());
+  const Scratch folder;
+  const auto run = tavmap({"convert", kExample + "bold_small.nii.gz", "no/folder/b.vtc"}, folder.path());
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.err, HasSubstr("no/folder/b.vtc"));
   EXPECT_THAT(run.err, HasSubstr("Create the folder first."));
 }
 
 TEST(ConvertCommand, SaysWhereAVtcWithoutSidecarIsTakenToLie) {
-  const TempFolder folder;
+  const Scratch folder;
   const fakes::VtcSpec spec = fakes::cellGrid(2, 2, 2, 3);
   fakes::writeVtc(folder.file("a.vtc"), spec, std::vector<float>(24, 7));
-  EXPECT_EQ(runTavmap({"convert", "a.vtc", "a.nii"}, folder.path()).out,
+  EXPECT_EQ(tavmap({"convert", "a.vtc", "a.nii"}, folder.path()).out,
             "a.nii: written (there is no a.vtc.json, so its voxels are taken to lie in Talairach space)\n");
 }
 
 TEST(InfoCommand, DescribesMapsWithThresholdsPeaksAndRegions) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::saveMapSet(folder.file("a.tav"), formats_test::sampleMapSet());
   formats::LabelImage labels;
   labels.header.size = {3, 2, 2};
@@ -98,7 +99,7 @@ TEST(InfoCommand, DescribesMapsWithThresholdsPeaksAndRegions) {
   labels.header.sformCode = labels.header.qformCode = 3;
   labels.labels = {0, 4, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0};
   formats::writeLabelImage(folder.file("dseg.nii"), labels);
-  fakes::writeBytes(folder.file("dseg.tsv"), "index\tname\n9\tthe ninth\n");
+  folder.write("dseg.tsv", "index\tname\n9\tthe ninth\n");
   const auto json = infoOf(folder, {"a.tav", "--labels", "dseg.nii"});
   EXPECT_EQ(json["kind"], "map set");
   const auto& first = json["maps"][0];
@@ -116,7 +117,7 @@ TEST(InfoCommand, DescribesMapsWithThresholdsPeaksAndRegions) {
 }
 
 TEST(InfoCommand, DescribesEveryKindOfFile) {
-  const TempFolder folder;
+  const Scratch folder;
   const auto series = infoOf(folder, {kExample + "bold_small.nii.gz"});
   EXPECT_EQ(series["kind"], "time series");
   EXPECT_EQ(series["volumes"], 156);
@@ -130,14 +131,14 @@ TEST(InfoCommand, DescribesEveryKindOfFile) {
   EXPECT_EQ(infoOf(folder, {kExample + "dseg_small.tsv"})["kind"], "label table");
   fakes::writeVtc(folder.file("a.vtc"), fakes::cellGrid(2, 2, 2, 3), std::vector<float>(24, 7));
   EXPECT_EQ(infoOf(folder, {"a.vtc"})["kind"], "VTC");
-  fakes::writeBytes(folder.file("v.json"), R"({"vois": [{"name": "A", "voxels": [[0, 0, 0]]}]})");
+  folder.write("v.json", R"({"vois": [{"name": "A", "voxels": [[0, 0, 0]]}]})");
   EXPECT_EQ(infoOf(folder, {"v.json"})["regions"][0]["voxels"], 1);
 }
 
 TEST(InfoCommand, ReadsWellAsText) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("p.prt"), "condition\tfirst_volume\tlast_volume\nrest\t1\t3\nrest\t11\t20\n");
-  EXPECT_EQ(runTavmap({"info", "p.prt"}, folder.path()).out,
+  const Scratch folder;
+  folder.write("p.prt", "condition\tfirst_volume\tlast_volume\nrest\t1\t3\nrest\t11\t20\n");
+  EXPECT_EQ(tavmap({"info", "p.prt"}, folder.path()).out,
             "file: p.prt\n"
             "kind: protocol in volumes\n"
             "conditions:\n"
@@ -148,20 +149,21 @@ TEST(InfoCommand, ReadsWellAsText) {
 }
 
 TEST(InfoCommand, RefusesAnUnknownEnding) {
-  const TempFolder folder;
-  const auto run = runTavmap({"info", "a.xyz"}, folder.path());
+  const Scratch folder;
+  const auto run = tavmap({"info", "a.xyz"}, folder.path());
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.err,
-            "tavmap: a.xyz: the ending of its name is not known here. Give a .vtc, .nii, .nii.gz, .tav, .tsv, .prt "
-            "or .json file.\n");
+  EXPECT_EQ(
+      run.err,
+      "tavmap: a.xyz: the ending of its name is not known here. Give a .vtc, .nii, .nii.gz, .tav, .tsv, .prt "
+      "or .json file.\n");
 }
 
 TEST(ExportCommand, WritesOneImageAndOneSidecarPerMap) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::MapSet set = formats_test::sampleMapSet();
   set.maps.push_back(set.maps[0]);  // a name that comes twice
   formats::saveMapSet(folder.file("a.tav"), set);
-  const auto run = runTavmap({"export", "a.tav", "out/maps"}, folder.path());
+  const auto run = tavmap({"export", "a.tav", "out/maps"}, folder.path());
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(run.out,
             "out/maps/a_faces-Ref2Vox.nii.gz: faces: Ref2Vox\n"
@@ -170,7 +172,7 @@ TEST(ExportCommand, WritesOneImageAndOneSidecarPerMap) {
   const auto image = formats::readImage(folder.file("out/maps/a_faces-Ref2Vox.nii.gz"));
   EXPECT_EQ(image.values, set.maps[0].values);
   EXPECT_EQ(image.header.sformCode, 3);
-  const auto sidecar = formats::parseJson(fakes::readBytes(folder.file("out/maps/a_faces-Ref2Vox.json")), "");
+  const auto sidecar = formats::parseJson(contentOf(folder.file("out/maps/a_faces-Ref2Vox.json")), "");
   EXPECT_EQ(sidecar["Description"], "faces: Ref2Vox");
   EXPECT_EQ(sidecar["Sources"][0], "a.tav");
   EXPECT_TRUE(sidecar["Thresholds"]["thres q=0.010"].is_null());

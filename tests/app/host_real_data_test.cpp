@@ -8,13 +8,11 @@
 
 #include "formats/map_set.h"
 #include "formats/nifti.h"
-#include "tests/app/program.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/program.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using app_test::Finished;
-using app_test::runTavmap;
 using testing::AllOf;
 using testing::HasSubstr;
 
@@ -35,26 +33,26 @@ save maps
 )";
 
 struct RealSession : testing::Test {
-  host_test::TemporaryFolder folder;
+  Scratch folder;
 
   void SetUp() override {
-    const Finished converted = runTavmap(
+    const ProgramResult converted = tavmap(
         {"convert", kExample + "bold_small.nii.gz", "bold.vtc", "--mask", kExample + "mask_small.nii.gz"},
         folder.path());
     ASSERT_EQ(converted.exitCode, 0) << converted.err;
-    folder.write("events.prt", host_test::contentOf(kExample + "events.tsv"));
+    folder.write("events.prt", contentOf(kExample + "events.tsv"));
     folder.write("TAVPlugin.ini", "NumSurrogateSimulations= 200\n");
     folder.write("answers.txt", kAnswers);
   }
 
-  Finished run(const std::string& seed) const {
-    return runTavmap({"host", APP_TEST_PLUGIN, "--anatomy", kExample + "t1_small.nii.gz", "--vtc", "bold.vtc",
-                      "--vois", kExample + "dseg_small.nii.gz", "--protocol", kExample + "events.tsv",
-                      "--plugins-folder", ".", "--seed", seed, "--script", "answers.txt"},
-                     folder.path());
+  ProgramResult run(const std::string& seed) const {
+    return tavmap({"host", TAVMAP_PLUGIN, "--anatomy", kExample + "t1_small.nii.gz", "--vtc", "bold.vtc",
+                   "--vois", kExample + "dseg_small.nii.gz", "--protocol", kExample + "events.tsv",
+                   "--plugins-folder", ".", "--seed", seed, "--script", "answers.txt"},
+                  folder.path());
   }
   std::string maps() const { return folder / "maps_7Networks_LH_Vis_4.tav"; }
-  std::string log() const { return host_test::contentOf(folder / "maps_7Networks_LH_Vis_4.log"); }
+  std::string log() const { return contentOf(folder / "maps_7Networks_LH_Vis_4.log"); }
 };
 
 std::size_t nonZero(const std::vector<float>& values) {
@@ -63,7 +61,7 @@ std::size_t nonZero(const std::vector<float>& values) {
 }
 
 TEST_F(RealSession, ComputesMapsOfTheMaskedBrain) {
-  const Finished session = run("11");
+  const ProgramResult session = run("11");
   ASSERT_EQ(session.exitCode, 0) << session.out << session.err;
   const formats::MapSet set = formats::loadMapSet(maps());
   ASSERT_EQ(set.maps.size(), 6U);
@@ -98,9 +96,9 @@ TEST_F(RealSession, LogsBlocksAndCountsOfTheRun) {
 
 TEST_F(RealSession, RepeatsBitForBitWithTheSameSeed) {
   ASSERT_EQ(run("11").exitCode, 0);
-  const std::string first = host_test::contentOf(maps());
+  const std::string first = contentOf(maps());
   ASSERT_EQ(run("11").exitCode, 0);
-  EXPECT_EQ(host_test::contentOf(maps()), first);
+  EXPECT_EQ(contentOf(maps()), first);
 }
 
 }  // namespace

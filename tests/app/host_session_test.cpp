@@ -8,15 +8,14 @@
 
 #include "formats/map_set.h"
 #include "tests/app/noise_data.h"
-#include "tests/app/program.h"
 #include "tests/app/pseudo_terminal.h"
+#include "tests/support/program.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using app_test::Finished;
 using app_test::NoiseData;
 using app_test::PseudoTerminal;
-using app_test::runTavmap;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -53,19 +52,19 @@ struct HostSession : testing::Test {
   NoiseData data;
 
   std::vector<std::string> arguments(std::vector<std::string> more) const {
-    std::vector<std::string> all = {"host",     APP_TEST_PLUGIN, "--anatomy", "t1.nii",           "--vtc",
-                                    "run1.vtc", "--vois",        "vois.json", "--plugins-folder", "."};
+    std::vector<std::string> all = {"host",     TAVMAP_PLUGIN, "--anatomy", "t1.nii",           "--vtc",
+                                    "run1.vtc", "--vois",      "vois.json", "--plugins-folder", "."};
     all.insert(all.end(), more.begin(), more.end());
     return all;
   }
-  Finished scripted(const std::vector<std::string>& answers, const std::string& seed = "7") const {
+  ProgramResult scripted(const std::vector<std::string>& answers, const std::string& seed = "7") const {
     data.folder.write("answers.txt", asScript(answers));
-    return runTavmap(arguments({"--seed", seed, "--script", "answers.txt"}), data.folder.path());
+    return tavmap(arguments({"--seed", seed, "--script", "answers.txt"}), data.folder.path());
   }
-  Finished typed(const std::string& input) const {
-    return runTavmap(arguments({"--seed", "7"}), data.folder.path(), input);
+  ProgramResult typed(const std::string& input) const {
+    return tavmap(ProgramStart{arguments({"--seed", "7"}), data.folder.folder(), input});
   }
-  std::string content(const std::string& name) const { return host_test::contentOf(data.folder / name); }
+  std::string content(const std::string& name) const { return contentOf(data.folder / name); }
   bool exists(const std::string& name) const { return std::filesystem::exists(data.folder / name); }
 };
 
@@ -81,7 +80,7 @@ float meanWhere(const formats::MapSet& set, const formats::Map& map, bool (*want
 }
 
 TEST_F(HostSession, ComputesAndSavesMapsThatShowTheInfluence) {
-  const Finished run = scripted(kManual);
+  const ProgramResult run = scripted(kManual);
   EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_EQ(run.err, "");
   const formats::MapSet set = formats::loadMapSet(data.folder / "maps_driver.tav");
@@ -109,7 +108,7 @@ TEST_F(HostSession, WritesTheLogBesideTheMaps) {
 }
 
 TEST_F(HostSession, PrintsLogAndSummary) {
-  const Finished run = scripted(kManual);
+  const ProgramResult run = scripted(kManual);
   EXPECT_THAT(run.out, AllOf(HasSubstr("Tavmap Mapping (TAV) v1.5\n"),
                              HasSubstr("// TAV> Done, all computations succesful\n"),
                              HasSubstr("Map sets written:\n  " + (data.folder / "maps_driver.tav") + "\n"),
@@ -132,7 +131,7 @@ TEST_F(HostSession, GivesTheSameFilesTypedAtTheTerminal) {
     ASSERT_EQ(scripted(answers).exitCode, 0);
     const std::string maps = content("maps_driver.tav"), log = content("maps_driver.log");
     std::filesystem::remove(data.folder / "maps_driver.tav");
-    const Finished run = typed(asTyped(answers));
+    const ProgramResult run = typed(asTyped(answers));
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     EXPECT_EQ(content("maps_driver.tav"), maps);
     EXPECT_EQ(content("maps_driver.log"), log);
@@ -140,7 +139,7 @@ TEST_F(HostSession, GivesTheSameFilesTypedAtTheTerminal) {
 }
 
 TEST_F(HostSession, TakesIntervalsFromProtocolsOfEitherTimeUnit) {
-  const Finished run = scripted(kProtocol);
+  const ProgramResult run = scripted(kProtocol);
   EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
   for (const std::string name : {"maps_driver.log", "maps_other.log"})
     EXPECT_THAT(content(name),
@@ -156,7 +155,7 @@ TEST_F(HostSession, CanBeCancelledAtEveryQuestion) {
       if (answers[at].rfind("open run", 0) == 0 || answers[at] == "cancel") continue;  // ends a list of VTCs
       std::vector<std::string> cancelled(answers.begin(), answers.begin() + static_cast<std::ptrdiff_t>(at));
       cancelled.emplace_back("cancel");
-      for (const Finished& run : {scripted(cancelled), typed(asTyped(cancelled))}) {
+      for (const ProgramResult& run : {scripted(cancelled), typed(asTyped(cancelled))}) {
         EXPECT_EQ(run.exitCode, 1) << "cancelled at " << answers[at];
         EXPECT_THAT(run.out, HasSubstr("// TAV> Canceled by user.\n")) << "cancelled at " << answers[at];
         EXPECT_EQ(run.err, "tavmap: The plug-in did not complete its run; its log or message says why.\n");
@@ -176,7 +175,7 @@ TEST_F(HostSession, AsksAgainWhenTheFirstVtcIsCancelled) {
 TEST_F(HostSession, EndsAtAnyDialogByQuit) {
   for (std::size_t at = 0; at < kManual.size(); ++at) {
     const std::vector<std::string> before(kManual.begin(), kManual.begin() + static_cast<std::ptrdiff_t>(at));
-    const Finished run = typed(asTyped(before) + "quit\n");
+    const ProgramResult run = typed(asTyped(before) + "quit\n");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.err, "tavmap: Ended by \"quit\".\n");
   }
@@ -185,7 +184,7 @@ TEST_F(HostSession, EndsAtAnyDialogByQuit) {
 TEST_F(HostSession, EndsWhenTheInputEndsAtAnyDialog) {
   for (std::size_t at = 0; at < kManual.size(); ++at) {
     const std::vector<std::string> before(kManual.begin(), kManual.begin() + static_cast<std::ptrdiff_t>(at));
-    const Finished run = typed(asTyped(before));
+    const ProgramResult run = typed(asTyped(before));
     EXPECT_EQ(run.exitCode, 1) << run.out << run.err;
   }
 }
@@ -194,11 +193,11 @@ TEST_F(HostSession, EndsWithTheDialogsTextWhenTheScriptDoesNotFit) {
   for (std::size_t at = 0; at < kManual.size(); ++at) {
     std::vector<std::string> answers(kManual.begin(), kManual.begin() + static_cast<std::ptrdiff_t>(at));
     answers.emplace_back("float 0.5");
-    const Finished run = scripted(answers);
+    const ProgramResult run = scripted(answers);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_THAT(run.err, HasSubstr("\"float 0.5\" does not answer this dialog, which expects "));
   }
-  const Finished run = scripted({"integer 4"});
+  const ProgramResult run = scripted({"integer 4"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(
       run.err,
@@ -231,14 +230,14 @@ TEST_F(HostSession, TakesControlDAtATerminalAsOneCancelledDialog) {
 
 TEST_F(HostSession, ShowsWhatIsMissing) {
   const std::string folder = data.folder.path();
-  const std::string plugin = APP_TEST_PLUGIN;
+  const std::string plugin = TAVMAP_PLUGIN;
   data.folder.write("vmr.txt", "message No VMR\n");
   data.folder.write("vtc.txt", "message No VTC\n");
   data.folder.write("voi.txt", "message No VOI file\n");
-  EXPECT_EQ(runTavmap({"host", plugin, "--script", "vmr.txt"}, folder).exitCode, 1);
-  EXPECT_EQ(runTavmap({"host", plugin, "--script", "vtc.txt", "--anatomy", "t1.nii"}, folder).exitCode, 1);
+  EXPECT_EQ(tavmap({"host", plugin, "--script", "vmr.txt"}, folder).exitCode, 1);
+  EXPECT_EQ(tavmap({"host", plugin, "--script", "vtc.txt", "--anatomy", "t1.nii"}, folder).exitCode, 1);
   EXPECT_EQ(
-      runTavmap({"host", plugin, "--script", "voi.txt", "--anatomy", "t1.nii", "--vtc", "run1.vtc"}, folder)
+      tavmap({"host", plugin, "--script", "voi.txt", "--anatomy", "t1.nii", "--vtc", "run1.vtc"}, folder)
           .exitCode,
       1);
 }
@@ -247,22 +246,22 @@ TEST_F(HostSession, LetsThePluginRefuseAnOldHost) {
   data.folder.write(
       "old.txt",
       "message Sorry, can not execute the TAV plugin - CorvaneZQ version 2.1.0 or higher required.\n");
-  const Finished run = runTavmap({"host", APP_TEST_PLUGIN, "--host-version", "2.0.9", "--script", "old.txt"},
-                                 data.folder.path());
+  const ProgramResult run =
+      tavmap({"host", TAVMAP_PLUGIN, "--host-version", "2.0.9", "--script", "old.txt"}, data.folder.path());
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.err, "tavmap: The plug-in refused to start: its initPlugin returned false.\n");
 }
 
 TEST_F(HostSession, GoesOnWithoutASettingsFile) {
   std::filesystem::remove(data.folder / "TAVPlugin.ini");
-  const Finished run = scripted({"cancel"});
+  const ProgramResult run = scripted({"cancel"});
   EXPECT_THAT(run.out,
               HasSubstr("// TAV> WARNING: Could not find or open " + (data.folder / "TAVPlugin.ini") + "\n"));
 }
 
 TEST_F(HostSession, LeavesNoProtocolWhenItsFileIsNone) {
   data.folder.write("bad.prt", "this is no protocol\n");
-  const Finished run =
+  const ProgramResult run =
       scripted({"integer 1", "integer 0", "integer 2", "text face", "open run1.vtc", "open bad.prt"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.out, AllOf(HasSubstr("ERROR: " + (data.folder / "bad.prt")),
@@ -273,7 +272,7 @@ TEST_F(HostSession, LeavesNoProtocolWhenItsFileIsNone) {
 
 TEST_F(HostSession, FailsWhenTheMapsCannotBeWritten) {
   std::filesystem::create_directory(data.folder / "maps_driver.tav");
-  const Finished run = scripted(kManual);
+  const ProgramResult run = scripted(kManual);
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.out, HasSubstr("ERROR: " + (data.folder / "maps_driver.tav")));
   EXPECT_EQ(run.err, "tavmap: The run reported errors; its log says which.\n");
@@ -281,7 +280,7 @@ TEST_F(HostSession, FailsWhenTheMapsCannotBeWritten) {
 
 TEST_F(HostSession, FailsWhenTheLogCannotBeWritten) {
   std::filesystem::create_directory(data.folder / "maps_driver.log");
-  const Finished run = scripted(kManual);
+  const ProgramResult run = scripted(kManual);
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_THAT(run.out, HasSubstr("WARNING: Could not write the log " + (data.folder / "maps_driver.log")));
   EXPECT_TRUE(std::filesystem::is_regular_file(data.folder / "maps_driver.tav"));
@@ -291,18 +290,18 @@ TEST_F(HostSession, FailsWhenTheLogCannotBeWritten) {
 
 TEST_F(HostSession, RefusesWrongUsage) {
   const std::string folder = data.folder.path();
-  EXPECT_EQ(runTavmap({"host"}, folder).exitCode, 2);
-  EXPECT_EQ(runTavmap({"host", APP_TEST_PLUGIN, "--seed", "-1"}, folder).exitCode, 2);
-  const Finished version = runTavmap({"host", APP_TEST_PLUGIN, "--host-version", "two"}, folder);
+  EXPECT_EQ(tavmap({"host"}, folder).exitCode, 2);
+  EXPECT_EQ(tavmap({"host", TAVMAP_PLUGIN, "--seed", "-1"}, folder).exitCode, 2);
+  const ProgramResult version = tavmap({"host", TAVMAP_PLUGIN, "--host-version", "two"}, folder);
   EXPECT_EQ(version.exitCode, 2);
   EXPECT_EQ(version.err, "tavmap: --host-version two: a version looks like 2.1.0\n");
-  const Finished script = runTavmap({"host", APP_TEST_PLUGIN, "--script", "absent.txt"}, folder);
+  const ProgramResult script = tavmap({"host", TAVMAP_PLUGIN, "--script", "absent.txt"}, folder);
   EXPECT_EQ(script.exitCode, 2);
   EXPECT_EQ(script.err, "tavmap: Cannot read the script absent.txt: check the path and its permissions.\n");
 }
 
 TEST_F(HostSession, ExplainsItself) {
-  const Finished run = runTavmap({"host", "--help"}, data.folder.path());
+  const ProgramResult run = tavmap({"host", "--help"}, data.folder.path());
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_THAT(run.out,
               AllOf(HasSubstr("Examples:"), HasSubstr("--protocol"), HasSubstr("Exit codes: 0 done")));

@@ -6,28 +6,24 @@
 #include <string>
 
 #include "formats/map_set.h"
-#include "tests/app/program.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/program.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using app_test::Finished;
-using app_test::runTavmap;
-
 struct SimulatedSession : testing::Test {
-  host_test::TemporaryFolder folder;
+  Scratch folder;
 
   void SetUp() override {
-    const Finished made =
-        runTavmap({"simulate", "sim", "--grid", "16,18,12", "--volumes", "120"}, folder.path());
+    const ProgramResult made =
+        tavmap({"simulate", "sim", "--grid", "16,18,12", "--volumes", "120"}, folder.path());
     ASSERT_EQ(made.exitCode, 0) << made.err;
     folder.write("TAVPlugin.ini", "NumSurrogateSimulations= 100\n");
   }
-  Finished session(const std::string& script) const {
-    return runTavmap(
-        {"host", APP_TEST_PLUGIN, "--anatomy", "sim/anatomy.nii.gz", "--vtc", "sim/run-1.vtc", "--vois",
-         "sim/dseg.nii.gz", "--plugins-folder", ".", "--seed", "5", "--script", script},
-        folder.path());
+  ProgramResult session(const std::string& script) const {
+    return tavmap({"host", TAVMAP_PLUGIN, "--anatomy", "sim/anatomy.nii.gz", "--vtc", "sim/run-1.vtc",
+                   "--vois", "sim/dseg.nii.gz", "--plugins-folder", ".", "--seed", "5", "--script", script},
+                  folder.path());
   }
 };
 
@@ -37,18 +33,18 @@ std::size_t above(const formats::Map& map, float threshold) {
 }
 
 TEST_F(SimulatedSession, FindsVoxelsThatTheReferenceLeads) {
-  const Finished run = session("sim/answers.txt");
+  const ProgramResult run = session("sim/answers.txt");
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   const formats::MapSet set = formats::loadMapSet(folder / "sim/maps/sim_Reference.tav");
   ASSERT_EQ(set.maps.size(), 6U);
   const formats::Map& ref2vox = set.maps[0];
   EXPECT_GT(ref2vox.thresholds[1], 0.0F);
   EXPECT_GT(above(ref2vox, ref2vox.thresholds[1]), 10U);
-  EXPECT_NE(host_test::contentOf(folder / "sim/maps/sim_Reference.log"), "");
+  EXPECT_NE(contentOf(folder / "sim/maps/sim_Reference.log"), "");
 }
 
 TEST_F(SimulatedSession, RunsOnTheProtocolsOfTheRuns) {
-  const Finished run = session("sim/answers-protocol.txt");
+  const ProgramResult run = session("sim/answers-protocol.txt");
   ASSERT_EQ(run.exitCode, 0) << run.out << run.err;
   EXPECT_EQ(formats::loadMapSet(folder / "sim/maps/sim-faces_Reference.tav").maps.size(), 6U);
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/host/temporary_folder.h"
+#include "tests/support/scratch.h"
 
 namespace app_test {
 
@@ -14,7 +14,7 @@ namespace app_test {
 class NoiseData {
  public:
   NoiseData();
-  host_test::TemporaryFolder folder;
+  Scratch folder;
 };
 
 }  // namespace app_test

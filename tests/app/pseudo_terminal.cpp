@@ -15,7 +15,7 @@ namespace {
 constexpr int kSilenceMs = 30000;
 
 [[noreturn]] void become(const std::vector<std::string>& arguments, const std::string& folder) {
-  std::string program = APP_TEST_TAVMAP;
+  std::string program = TAVMAP_PROGRAM;
   std::vector<std::string> words = arguments;
   std::vector<char*> argv = {program.data()};
   for (std::string& word : words) argv.push_back(word.data());

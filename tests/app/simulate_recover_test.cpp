@@ -6,38 +6,38 @@
 #include <string>
 #include <vector>
 
-#include "tests/app/program.h"
-#include "tests/simulation/scratch_folder.h"
+#include "tests/support/program.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using app_test::Finished;
-using app_test::runTavmap;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
 struct SimulateRecover : testing::Test {
-  ScratchFolder folder;
+  Scratch folder;
 
   SimulateRecover() { std::filesystem::create_directories(folder.path()); }
 
-  [[nodiscard]] Finished tavmap(const std::vector<std::string>& arguments) const {
-    return runTavmap(arguments, folder.path());
+  [[nodiscard]] ProgramResult tavmap(const std::vector<std::string>& arguments) const {
+    return ::tavmap(arguments, folder.path());
   }
   void simulate(std::vector<std::string> more = {}) const {
     more.insert(more.begin(), {"simulate", "sim"});
-    const Finished finished = tavmap(more);
+    const ProgramResult finished = tavmap(more);
     ASSERT_EQ(finished.exitCode, 0) << finished.err;
   }
   void runSession(const std::string& script) const {
-    const Finished finished =
-        tavmap({"host", APP_TEST_PLUGIN, "--anatomy", "sim/anatomy.nii.gz", "--vtc", "sim/run-1.vtc", "--vois",
+    const ProgramResult finished =
+        tavmap({"host", TAVMAP_PLUGIN, "--anatomy", "sim/anatomy.nii.gz", "--vtc", "sim/run-1.vtc", "--vois",
                 "sim/dseg.nii.gz", "--script", "sim/" + script, "--seed", "1", "--quiet"});
     ASSERT_EQ(finished.exitCode, 0) << finished.err;
   }
-  [[nodiscard]] Finished recover(std::vector<std::string> more = {}, const std::string& maps = "sim_Reference") const {
-    more.insert(more.begin(), {"recover", "sim/maps/" + maps + ".tav", "sim/truth.json", "--labels", "sim/dseg.nii.gz"});
+  [[nodiscard]] ProgramResult recover(std::vector<std::string> more = {},
+                                      const std::string& maps = "sim_Reference") const {
+    more.insert(more.begin(),
+                {"recover", "sim/maps/" + maps + ".tav", "sim/truth.json", "--labels", "sim/dseg.nii.gz"});
     return tavmap(more);
   }
 };
@@ -45,16 +45,17 @@ struct SimulateRecover : testing::Test {
 TEST_F(SimulateRecover, WholeRunsShowWhatWasPlanted) {
   simulate();
   runSession("answers.txt");
-  const Finished finished = recover();
+  const ProgramResult finished = recover();
   EXPECT_EQ(finished.exitCode, 0) << finished.err;
-  EXPECT_THAT(finished.out, AllOf(HasSubstr("Condition \"whole\""), HasSubstr("planted influences are recovered."),
-                                  Not(HasSubstr("NOT AS PLANTED"))));
+  EXPECT_THAT(finished.out,
+              AllOf(HasSubstr("Condition \"whole\""), HasSubstr("planted influences are recovered."),
+                    Not(HasSubstr("NOT AS PLANTED"))));
 }
 
 TEST_F(SimulateRecover, DataWithoutInfluencesAreNotTakenForRecovered) {
   simulate({"--strength", "0"});
   runSession("answers.txt");
-  const Finished finished = recover({"--json"});
+  const ProgramResult finished = recover({"--json"});
   EXPECT_EQ(finished.exitCode, 1);
   EXPECT_THAT(finished.out, HasSubstr("\"recovered\": false"));
   EXPECT_EQ(finished.err, "tavmap: condition \"whole\" does not show what was planted\n");
@@ -69,21 +70,22 @@ TEST_F(SimulateRecover, ProtocolScriptGivesMapsOfTheBlocks) {
 TEST_F(SimulateRecover, MissingThresholdOrConditionIsWrongUsage) {
   simulate({"--grid", "16,16,16"});
   runSession("answers.txt");
-  const Finished threshold = recover({"--q", "0.2"});
+  const ProgramResult threshold = recover({"--q", "0.2"});
   EXPECT_EQ(threshold.exitCode, 2);
   EXPECT_EQ(threshold.err,
-            "tavmap: sim/maps/sim_Reference.tav: there is no threshold \"thres q=0.200\". Give the maps of this data "
+            "tavmap: sim/maps/sim_Reference.tav: there is no threshold \"thres q=0.200\". Give the maps of "
+            "this data "
             "set, a condition and a q that they have.\n");
-  const Finished condition = recover({"--condition", "rest"});
+  const ProgramResult condition = recover({"--condition", "rest"});
   EXPECT_EQ(condition.exitCode, 2);
   EXPECT_THAT(condition.err, HasSubstr("there is no map \"rest: Ref2Vox\""));
 }
 
 TEST_F(SimulateRecover, ImpossibleDataSetIsWrongUsageAndNothingIsWritten) {
-  const Finished finished = tavmap({"simulate", "sim", "--volumes", "10"});
+  const ProgramResult finished = tavmap({"simulate", "sim", "--volumes", "10"});
   EXPECT_EQ(finished.exitCode, 2);
   EXPECT_EQ(finished.err, "tavmap: cannot simulate this: the number of volumes must be from 70 to 30000\n");
-  EXPECT_FALSE(std::filesystem::exists(folder.path("sim")));
+  EXPECT_FALSE(std::filesystem::exists(folder.file("sim")));
 }
 
 }  // namespace

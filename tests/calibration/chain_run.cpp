@@ -5,8 +5,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "request/request_file.h"
 #include "study/progress_bar.h"
-#include "study/request_file.h"
 #include "study/study_run.h"
 
 namespace calibration {
@@ -69,7 +69,8 @@ std::vector<Discoveries> analyse(const SimulatedData& data, const Analysis& anal
   const study::Request request =
       study::parseRequest(requestText(data, analysis), "simulated data", data.folder());
   study::StudyOptions options;
-  options.version = "calibration";
+  options.program = TAVMAP_PROGRAM;
+  options.version = TAVMAP_VERSION;
   study::ProgressBar progress(std::cerr, study::ProgressStyle::kQuiet);
   const study::StudyOutcome outcome = study::runStudy({request}, options, progress);
   if (outcome.failed()) throw std::runtime_error("the study failed: " + failureOf(outcome));

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "tests/study/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace calibration {
 

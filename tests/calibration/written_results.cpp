@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "formats/nifti.h"
-#include "study/results.h"
+#include "results/results.h"
 
 namespace calibration {
 namespace {

@@ -1,6 +1,5 @@
 // A program that exports no operation is no host: the plug-in refuses it quietly.
 #include <dlfcn.h>
-
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -1,11 +1,7 @@
 #include "tests/fakes/vtc_file.h"
 
-#include <stdlib.h>
-
 #include <cstring>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace fakes {
 namespace {
@@ -77,21 +73,6 @@ void writeVtc(const std::string& path, const VtcSpec& spec, const std::vector<fl
 void writeBytes(const std::string& path, const std::string& bytes) {
   std::ofstream file(path, std::ios::binary);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-std::string readBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-TempFolder::TempFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "tavmap-test-XXXXXX").string();
-  path_ = mkdtemp(name.data());
-}
-
-TempFolder::~TempFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
 }
 
 }  // namespace fakes

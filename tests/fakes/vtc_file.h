@@ -40,21 +40,6 @@ struct VtcSpec {
 void writeVtc(const std::string& path, const VtcSpec& spec, const std::vector<float>& values);
 
 void writeBytes(const std::string& path, const std::string& bytes);
-[[nodiscard]] std::string readBytes(const std::string& path);
-
-// A fresh folder under the system's temporary one, removed with all its files on destruction.
-class TempFolder {
- public:
-  TempFolder();
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
-  [[nodiscard]] const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
 
 }  // namespace fakes
 

@@ -1,5 +1,6 @@
 #include "formats/atomic_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,51 +11,49 @@
 
 #include "formats/system_calls.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/scoped_system_calls.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::readBytes;
-using fakes::TempFolder;
 using formats::AtomicFile;
-using formats_test::messageOf;
 using formats_test::ScopedSystemCalls;
 
-std::size_t filesIn(const TempFolder& folder) {
+std::size_t filesIn(const Scratch& folder) {
   std::size_t count = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path())) ++count;
   return count;
 }
 
 TEST(AtomicFile, AppearsWithCommit) {
-  const TempFolder folder;
+  const Scratch folder;
   AtomicFile file(folder.file("a.txt"));
   file.write("one ");
   file.write("two");
   EXPECT_FALSE(std::filesystem::exists(folder.file("a.txt")));
   file.commit();
-  EXPECT_EQ(readBytes(folder.file("a.txt")), "one two");
+  EXPECT_EQ(contentOf(folder.file("a.txt")), "one two");
   EXPECT_EQ(filesIn(folder), 1U);
 }
 
 TEST(AtomicFile, LeavesNothingWithoutCommit) {
-  const TempFolder folder;
+  const Scratch folder;
   { AtomicFile(folder.file("a.txt")).write("half"); }
   EXPECT_EQ(filesIn(folder), 0U);
 }
 
 TEST(AtomicFile, ReplacesAnOlderFileOnlyWithCommit) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("a.txt"), "old");
+  const Scratch folder;
+  folder.write("a.txt", "old");
   { AtomicFile(folder.file("a.txt")).write("half"); }
-  EXPECT_EQ(readBytes(folder.file("a.txt")), "old");
+  EXPECT_EQ(contentOf(folder.file("a.txt")), "old");
   formats::writeTextFile(folder.file("a.txt"), "new");
-  EXPECT_EQ(readBytes(folder.file("a.txt")), "new");
+  EXPECT_EQ(contentOf(folder.file("a.txt")), "new");
 }
 
 TEST(AtomicFile, KeepsTheOrderOfSmallAndLargePieces) {
-  const TempFolder folder;
+  const Scratch folder;
   std::string expected;
   AtomicFile file(folder.file("a.bin"), formats::Durability::kCached);
   for (std::size_t i = 0; i < 40; ++i) {
@@ -63,11 +62,11 @@ TEST(AtomicFile, KeepsTheOrderOfSmallAndLargePieces) {
     expected += piece;
   }
   file.commit();
-  EXPECT_EQ(readBytes(folder.file("a.bin")), expected);
+  EXPECT_EQ(contentOf(folder.file("a.bin")), expected);
 }
 
 TEST(AtomicFile, IsReadableAsTheUsersUmaskSays) {
-  const TempFolder folder;
+  const Scratch folder;
   const mode_t umaskBefore = ::umask(027);
   formats::writeTextFile(folder.file("a.txt"), "x");
   ::umask(umaskBefore);
@@ -77,42 +76,105 @@ TEST(AtomicFile, IsReadableAsTheUsersUmaskSays) {
 }
 
 TEST(AtomicFile, ReportsAFullDisk) {
-  const TempFolder folder;
+  const Scratch folder;
   const ScopedSystemCalls calls;
   formats::systemCalls().write = [](int, const void*, std::size_t) -> ssize_t {
     errno = ENOSPC;
     return -1;
   };
-  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }),
+  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }),
             "cannot write the file (No space left on device). Free some space or choose another folder.");
   EXPECT_EQ(filesIn(folder), 0U);
 }
 
 TEST(AtomicFile, ReportsADiskThatFillsOnTheWayToTheMedium) {
-  const TempFolder folder;
+  const Scratch folder;
   const ScopedSystemCalls calls;
   formats::systemCalls().fsync = [](int) {
     errno = ENOSPC;
     return -1;
   };
-  EXPECT_NE(messageOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }), "");
+  EXPECT_NE(reasonOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }), "");
   EXPECT_EQ(filesIn(folder), 0U);
 }
 
+// Some file systems report a full disk only here.
+TEST(AtomicFile, ReportsADiskThatFillsWhenTheFileIsClosed) {
+  const Scratch folder;
+  folder.write("a.txt", "old");
+  const ScopedSystemCalls calls;
+  formats::systemCalls().close = [](int fd) {
+    ::close(fd);
+    errno = ENOSPC;
+    return -1;
+  };
+  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder.file("a.txt"), "new"); }),
+            "cannot write the file (No space left on device). Free some space or choose another folder.");
+  EXPECT_EQ(contentOf(folder.file("a.txt")), "old");
+  EXPECT_EQ(filesIn(folder), 1U);
+}
+
+// Not every file system has files without a name.
+class WithoutNamelessFiles : public testing::Test {
+ protected:
+  WithoutNamelessFiles() {
+    formats::systemCalls().open = [](const char* path, int flags, mode_t mode) {
+      if ((flags & O_TMPFILE) != O_TMPFILE) return ::open(path, flags, mode);
+      errno = EOPNOTSUPP;
+      return -1;
+    };
+  }
+  Scratch folder_;
+
+ private:
+  ScopedSystemCalls calls_;
+};
+
+TEST_F(WithoutNamelessFiles, AFileAppearsWithCommitOnly) {
+  folder_.write("a.txt", "old");
+  AtomicFile file(folder_.file("a.txt"));
+  file.write("new");
+  EXPECT_EQ(contentOf(folder_.file("a.txt")), "old");
+  EXPECT_EQ(filesIn(folder_), 2U) << "a temporary one beside it";
+  file.commit();
+  EXPECT_EQ(contentOf(folder_.file("a.txt")), "new");
+  EXPECT_EQ(filesIn(folder_), 1U);
+}
+
+TEST_F(WithoutNamelessFiles, NothingIsLeftWithoutCommit) {
+  { AtomicFile(folder_.file("a.txt")).write("half"); }
+  EXPECT_EQ(filesIn(folder_), 0U);
+}
+
+TEST_F(WithoutNamelessFiles, TwoFilesOfOneNameDoNotMeet) {
+  AtomicFile first(folder_.file("a.txt")), second(folder_.file("a.txt"));
+  first.write("first");
+  second.write("second");
+  second.commit();
+  first.commit();
+  EXPECT_EQ(contentOf(folder_.file("a.txt")), "first");
+  EXPECT_EQ(filesIn(folder_), 1U);
+}
+
+TEST_F(WithoutNamelessFiles, AMissingFolderIsNamed) {
+  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder_.file("no/a.txt"), "x"); }),
+            "cannot create the file (No such file or directory). Create the folder first.");
+}
+
 TEST(AtomicFile, RemovesItsTemporaryNameWhenTheLastStepFails) {
-  const TempFolder folder;
+  const Scratch folder;
   const ScopedSystemCalls calls;
   formats::systemCalls().rename = [](const char*, const char*) {
     errno = EACCES;
     return -1;
   };
-  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }),
+  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder.file("a.txt"), "text"); }),
             "cannot rename the file (Permission denied). Choose a folder that you may write to.");
   EXPECT_EQ(filesIn(folder), 0U);
 }
 
 TEST(AtomicFile, GoesOnAfterShortAndInterruptedWrites) {
-  const TempFolder folder;
+  const Scratch folder;
   const ScopedSystemCalls calls;
   formats::systemCalls().write = [](int fd, const void* data, std::size_t bytes) -> ssize_t {
     static int count = 0;
@@ -123,24 +185,24 @@ TEST(AtomicFile, GoesOnAfterShortAndInterruptedWrites) {
     return ::write(fd, data, bytes < 3 ? bytes : 3);
   };
   formats::writeTextFile(folder.file("a.txt"), "some longer text");
-  EXPECT_EQ(readBytes(folder.file("a.txt")), "some longer text");
+  EXPECT_EQ(contentOf(folder.file("a.txt")), "some longer text");
 }
 
 TEST(AtomicFile, SaysThatTheFolderIsMissing) {
-  const TempFolder folder;
-  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.file("no/a.txt"), "x"); }),
+  const Scratch folder;
+  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder.file("no/a.txt"), "x"); }),
             "cannot create the file (No such file or directory). Create the folder first.");
 }
 
 TEST(AtomicFile, RefusesTheNameOfAFolder) {
-  const TempFolder folder;
-  EXPECT_EQ(messageOf([&] { formats::writeTextFile(folder.path(), "x"); }),
+  const Scratch folder;
+  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder.path(), "x"); }),
             "cannot write the file, there is a folder of that name. Choose another name.");
 }
 
 TEST(ReadTextFile, GoesOnAfterShortAndInterruptedReads) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("a.txt"), "some longer text");
+  const Scratch folder;
+  folder.write("a.txt", "some longer text");
   const ScopedSystemCalls calls;
   formats::systemCalls().read = [](int fd, void* data, std::size_t bytes) -> ssize_t {
     static int count = 0;
@@ -154,10 +216,10 @@ TEST(ReadTextFile, GoesOnAfterShortAndInterruptedReads) {
 }
 
 TEST(ReadTextFile, RefusesMoreThanItsLimit) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("a.txt"), "12345");
+  const Scratch folder;
+  folder.write("a.txt", "12345");
   EXPECT_EQ(formats::readTextFile(folder.file("a.txt"), 5), "12345");
-  EXPECT_EQ(messageOf([&] { (void)formats::readTextFile(folder.file("a.txt"), 4); }),
+  EXPECT_EQ(reasonOf([&] { (void)formats::readTextFile(folder.file("a.txt"), 4); }),
             "the file is too large for a text of its kind. Check that it is the right file.");
 }
 
@@ -168,7 +230,7 @@ TEST(FileError, ReadsAsPathReasonRemedy) {
 }
 
 TEST(AtomicFile, SkipsShortAndLongStretches) {
-  const TempFolder folder;
+  const Scratch folder;
   std::string expected = "start";
   AtomicFile file(folder.file("a.bin"));
   file.write("start");
@@ -179,21 +241,21 @@ TEST(AtomicFile, SkipsShortAndLongStretches) {
     expected += std::string(gap, '\0') + 'x';
   }
   file.commit();
-  EXPECT_EQ(readBytes(folder.file("a.bin")), expected);
+  EXPECT_EQ(contentOf(folder.file("a.bin")), expected);
 }
 
 TEST(AtomicFile, MayEndInAHole) {
-  const TempFolder folder;
+  const Scratch folder;
   AtomicFile file(folder.file("a.bin"));
   file.write("start");
   file.skip(200000);
   file.commit();
-  EXPECT_EQ(readBytes(folder.file("a.bin")), "start" + std::string(200000, '\0'));
+  EXPECT_EQ(contentOf(folder.file("a.bin")), "start" + std::string(200000, '\0'));
 }
 
 // 100 rows are more than one call takes.
 TEST(AtomicFile, WritesRowsBesideAndReadsThemBack) {
-  const TempFolder folder;
+  const Scratch folder;
   std::string rows, gathered(500, '.');
   for (int i = 0; i < 100; ++i) rows += "row" + std::to_string(100 + i).substr(1) + "....";
   std::string expected = "ab";
@@ -224,36 +286,48 @@ TEST(AtomicFile, WritesRowsBesideAndReadsThemBack) {
     file.readAt(gathered.data(), 500, 2);
     EXPECT_EQ("ab" + gathered, expected) << isShort;
     file.commit();
-    EXPECT_EQ(readBytes(folder.file("a.bin")), expected) << isShort;
+    EXPECT_EQ(contentOf(folder.file("a.bin")), expected) << isShort;
   }
 }
 
 TEST(AtomicFile, TellsWhenBytesAreMissing) {
-  const TempFolder folder;
+  const Scratch folder;
   AtomicFile file(folder.file("a.bin"));
   char byte = 0;
-  EXPECT_EQ(messageOf([&] { file.readAt(&byte, 1, 0); }),
+  EXPECT_EQ(reasonOf([&] { file.readAt(&byte, 1, 0); }),
             "cannot read back the file (Input/output error). Check the disk and the path.");
 }
 
 TEST(AtomicFile, ReservesSpaceWithoutGrowing) {
-  const TempFolder folder;
+  const Scratch folder;
   AtomicFile file(folder.file("a.bin"));
   file.reserve(1000000);
   file.write("text");
   file.commit();
-  EXPECT_EQ(readBytes(folder.file("a.bin")), "text");
+  EXPECT_EQ(contentOf(folder.file("a.bin")), "text");
 }
 
 TEST(AtomicFile, ReportsADiskWithoutTheSpaceToReserveAndPassesOverOneThatCannotReserve) {
-  const TempFolder folder;
+  const Scratch folder;
   const ScopedSystemCalls calls;
   formats::systemCalls().fallocate = [](int, int, off_t, off_t) {
     errno = ENOSPC;
     return -1;
   };
-  EXPECT_EQ(messageOf([&] { AtomicFile(folder.file("a.bin")).reserve(10); }),
+  EXPECT_EQ(reasonOf([&] { AtomicFile(folder.file("a.bin")).reserve(10); }),
             "cannot write the file (No space left on device). Free some space or choose another folder.");
+  formats::systemCalls().fallocate = [](int, int, off_t, off_t) {
+    errno = EDQUOT;
+    return -1;
+  };
+  EXPECT_EQ(reasonOf([&] { AtomicFile(folder.file("a.bin")).reserve(10); }),
+            "cannot write the file (Disk quota exceeded). Free some space or choose another folder.");
+  formats::systemCalls().fallocate = [](int, int, off_t, off_t) {
+    errno = EFBIG;
+    return -1;
+  };
+  EXPECT_EQ(reasonOf([&] { AtomicFile(folder.file("a.bin")).reserve(10); }),
+            "cannot write the file (File too large). Check the disk and the path.");
   formats::systemCalls().fallocate = [](int, int, off_t, off_t) {
     errno = EOPNOTSUPP;
     return -1;
@@ -262,7 +336,7 @@ TEST(AtomicFile, ReportsADiskWithoutTheSpaceToReserveAndPassesOverOneThatCannotR
   file.reserve(10);
   file.write("text");
   file.commit();
-  EXPECT_EQ(readBytes(folder.file("a.bin")), "text");
+  EXPECT_EQ(contentOf(folder.file("a.bin")), "text");
 }
 
 }  // namespace

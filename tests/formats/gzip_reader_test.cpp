@@ -8,13 +8,13 @@
 
 #include "formats/gzip_writer.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/nifti_bytes.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using formats_test::gzipped;
-using formats_test::messageOf;
 
 // Gives what it was made of, at most `most` bytes per call.
 class TextSource : public formats::ByteSource {
@@ -59,8 +59,10 @@ TEST(GzipReader, ReadsAMemberWithNameCommentAndExtraField) {
   const std::string plain = gzipped("abc");
   std::string named = plain.substr(0, 10);
   named[3] = 4 + 8 + 16;  // extra field, name, comment
-  named += std::string("\x03\0xyz", 5) + std::string("name\0", 5) + std::string("comment\0", 8) + plain.substr(10);
-  for (std::size_t input = 2; input < 2 * named.size(); ++input) EXPECT_EQ(unzip(named + named, input), "abcabc");
+  named +=
+      std::string("\x03\0xyz", 5) + std::string("name\0", 5) + std::string("comment\0", 8) + plain.substr(10);
+  for (std::size_t input = 2; input < 2 * named.size(); ++input)
+    EXPECT_EQ(unzip(named + named, input), "abcabc");
 }
 
 TEST(GzipReader, ReadsMembersOneAfterTheOther) {
@@ -78,7 +80,7 @@ TEST(GzipReader, PassesOverPaddingBehindTheLastMember) {
 TEST(GzipReader, NoticesEveryPlaceWhereAFileIsCut) {
   const std::string whole = gzipped(sampleText(300));
   for (std::size_t size = 2; size < whole.size(); ++size) {
-    EXPECT_EQ(messageOf([&] { unzip(whole.substr(0, size)); }),
+    EXPECT_EQ(reasonOf([&] { unzip(whole.substr(0, size)); }),
               "the compressed data end too early. Get the file again from its source.")
         << size;
   }
@@ -87,7 +89,8 @@ TEST(GzipReader, NoticesEveryPlaceWhereAFileIsCut) {
 TEST(GzipReader, NoticesDamage) {
   std::string whole = gzipped(sampleText(3000));
   for (std::size_t i = 60; i < 90; ++i) whole[i] = static_cast<char>(~whole[i]);
-  EXPECT_EQ(messageOf([&] { unzip(whole); }), "the compressed data are damaged. Get the file again from its source.");
+  EXPECT_EQ(reasonOf([&] { unzip(whole); }),
+            "the compressed data are damaged. Get the file again from its source.");
 }
 
 // The same tests run on both libraries; this says on which one.
@@ -96,11 +99,11 @@ TEST(GzipReader, UsesTheConfiguredLibrary) {
 }
 
 TEST(GzipReader, RefusesWhatIsNoGzip) {
-  EXPECT_EQ(messageOf([&] { unzip("plain text"); }), "this is no gzip file. Check that it is the right file.");
+  EXPECT_EQ(reasonOf([&] { unzip("plain text"); }), "this is no gzip file. Check that it is the right file.");
 }
 
 TEST(GzipReader, ReadsWhatTheWriterWrites) {
-  const fakes::TempFolder folder;
+  const Scratch folder;
   const std::string text = sampleText(1000000);
   formats::AtomicFile file(folder.file("t.gz"));
   formats::GzipWriter writer(file);
@@ -108,7 +111,7 @@ TEST(GzipReader, ReadsWhatTheWriterWrites) {
   writer.write(text.data() + 10, text.size() - 10);
   writer.finish();
   file.commit();
-  EXPECT_EQ(unzip(fakes::readBytes(folder.file("t.gz"))), text);
+  EXPECT_EQ(unzip(contentOf(folder.file("t.gz"))), text);
 }
 
 }  // namespace

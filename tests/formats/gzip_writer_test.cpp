@@ -8,13 +8,11 @@
 #include <random>
 
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/scoped_system_calls.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
-
-using fakes::TempFolder;
-using formats_test::messageOf;
 
 constexpr std::size_t kPiece = std::size_t{256} << 10U;
 
@@ -33,14 +31,14 @@ std::string sampleMap(std::size_t bytes) {
 
 // The file after writes of `step` bytes each.
 std::string zipped(const std::string& data, std::size_t step) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::AtomicFile file(folder.file("t.gz"));
   formats::GzipWriter writer(file);
   for (std::size_t i = 0; i < data.size(); i += step)
     writer.write(data.data() + i, std::min(step, data.size() - i));
   writer.finish();
   file.commit();
-  return fakes::readBytes(folder.file("t.gz"));
+  return contentOf(folder.file("t.gz"));
 }
 
 // By zlib, whatever compressed it; checks length and checksum, and that nothing follows.
@@ -100,14 +98,14 @@ TEST(GzipWriter, TellsNeitherNameNorTime) {
 }
 
 TEST(GzipWriter, ReportsAFullDisk) {
-  const TempFolder folder;
+  const Scratch folder;
   const formats_test::ScopedSystemCalls calls;
   formats::systemCalls().write = [](int, const void*, std::size_t) -> ssize_t {
     errno = ENOSPC;
     return -1;
   };
   const std::string data = sampleMap(4000000);
-  EXPECT_EQ(messageOf([&] {
+  EXPECT_EQ(reasonOf([&] {
               formats::AtomicFile file(folder.file("t.gz"));
               formats::GzipWriter writer(file);
               writer.write(data.data(), data.size());

@@ -3,16 +3,14 @@
 #include <gtest/gtest.h>
 
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
-using formats_test::messageOf;
-
 formats::LabelTable read(const std::string& text) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("t.tsv"), text);
+  const Scratch folder;
+  folder.write("t.tsv", text);
   return formats::readLabelTable(folder.file("t.tsv"));
 }
 
@@ -38,17 +36,17 @@ TEST(LabelTable, ReadsQuotedCommaSeparatedHeaders) {
 }
 
 TEST(LabelTable, RefusesMistakes) {
-  EXPECT_EQ(messageOf([] { (void)read("id\tname\n1\tA\n"); }),
+  EXPECT_EQ(reasonOf([] { (void)read("id\tname\n1\tA\n"); }),
             "there is no column \"index\" among: id, name. Name the columns in the first line.");
-  EXPECT_EQ(messageOf([] { (void)read("index\tname\n1\tA\n1\tB\n"); }),
+  EXPECT_EQ(reasonOf([] { (void)read("index\tname\n1\tA\n1\tB\n"); }),
             "line 3: the index 1 comes twice. Give every region its own index.");
-  EXPECT_EQ(messageOf([] { (void)read("index\tname\n1\t\n"); }), "line 2: a region has no name. Name it.");
-  EXPECT_EQ(messageOf([] { (void)read("index\tname\tcolor\n1\tA\tred\n"); }),
+  EXPECT_EQ(reasonOf([] { (void)read("index\tname\n1\t\n"); }), "line 2: a region has no name. Name it.");
+  EXPECT_EQ(reasonOf([] { (void)read("index\tname\tcolor\n1\tA\tred\n"); }),
             "line 2: \"red\" is no color. Write six hexadecimal digits, such as #ff8800.");
 }
 
 TEST(LabelTable, ComesBackAsWritten) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::LabelTable table;
   table.labels = {{2, "A \"quoted\"", 0x0102ffU}, {5, "B", std::nullopt}};
   formats::writeLabelTable(folder.file("t.tsv"), table);
@@ -60,8 +58,8 @@ TEST(LabelTable, ComesBackAsWritten) {
 }
 
 TEST(LabelTable, IsFoundBesideItsImage) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("a_dseg.tsv"), "index\tname\n");
+  const Scratch folder;
+  folder.write("a_dseg.tsv", "index\tname\n");
   EXPECT_EQ(formats::labelTableBeside(folder.file("a_dseg.nii.gz")), folder.file("a_dseg.tsv"));
   EXPECT_EQ(formats::labelTableBeside(folder.file("a_dseg.nii")), folder.file("a_dseg.tsv"));
   EXPECT_EQ(formats::labelTableBeside(folder.file("b_dseg.nii")), "");

@@ -10,19 +10,18 @@
 #include "formats/nifti.h"
 #include "formats/nifti_writer.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/sample_map_set.h"
 #include "tests/formats/scoped_system_calls.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using formats::MapSet;
-using formats_test::messageOf;
 using formats_test::sampleMapSet;
 
 TEST(MapSet, ComesBackAsSaved) {
-  const TempFolder folder;
+  const Scratch folder;
   const MapSet set = sampleMapSet();
   formats::saveMapSet(folder.file("a.tav"), set);
   const MapSet again = formats::loadMapSet(folder.file("a.tav"));
@@ -50,7 +49,7 @@ TEST(MapSet, ComesBackAsSaved) {
 }
 
 TEST(MapSet, IsAnImageForOtherReaders) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::saveMapSet(folder.file("a.tav"), sampleMapSet());
   const auto header = formats::readImageHeader(folder.file("a.tav"));
   EXPECT_EQ(header.volumes, 2);
@@ -60,30 +59,30 @@ TEST(MapSet, IsAnImageForOtherReaders) {
 }
 
 TEST(MapSet, WritesColoursAsPeopleReadThem) {
-  EXPECT_EQ(formats::colorText(255), "#ff0000");       // red is the lowest byte
+  EXPECT_EQ(formats::colorText(255), "#ff0000");  // red is the lowest byte
   EXPECT_EQ(formats::colorText(65280), "#00ff00");
   EXPECT_EQ(formats::colorText(16711680), "#0000ff");
 }
 
 TEST(MapSet, RefusesAnOrdinaryImage) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::Image3D image;
   image.header.size = {1, 1, 1};
   image.values = {1};
   formats::writeImage(folder.file("i.nii"), image);
-  EXPECT_EQ(messageOf([&] { (void)formats::loadMapSet(folder.file("i.nii")); }),
+  EXPECT_EQ(reasonOf([&] { (void)formats::loadMapSet(folder.file("i.nii")); }),
             "it is an image, but no map set of this program. Give a .tav file.");
 }
 
 // An image of one cell whose extension is `json`.
 std::string messageFor(const std::string& json) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::Image3D image;
   image.header.size = {1, 1, 1};
   image.header.extensions = {{6, json}};
   image.values = {1};
   formats::writeImage(folder.file("a.tav"), image);
-  return messageOf([&] { (void)formats::loadMapSet(folder.file("a.tav")); });
+  return reasonOf([&] { (void)formats::loadMapSet(folder.file("a.tav")); });
 }
 
 std::string textWith(const std::string& from, const std::string& to) {
@@ -96,7 +95,8 @@ std::string textWith(const std::string& from, const std::string& to) {
 }
 
 TEST(MapSet, RefusesAnExtensionThatDoesNotFit) {
-  EXPECT_EQ(messageFor(textWith("1.5", "1.5")), "its header extension does not fit its data. Compute the maps again.");
+  EXPECT_EQ(messageFor(textWith("1.5", "1.5")),
+            "its header extension does not fit its data. Compute the maps again.");
   EXPECT_EQ(messageFor(textWith("\"format_version\":1", "\"format_version\":2")),
             "format_version: the map set is of a newer version. Update this program.");
   EXPECT_EQ(messageFor(textWith("\"x_end\"", "\"xEnd\"")), "box: \"x_end\" is missing. Add \"x_end\".");
@@ -106,39 +106,40 @@ TEST(MapSet, RefusesAnExtensionThatDoesNotFit) {
             "maps[0].positive_colors[0]: a color is expected. Write it as #rrggbb.");
   EXPECT_EQ(messageFor(textWith("\"thres q=0.050\",", "")),
             "maps[0].thresholds: their number is not that of the names. Compute the maps again.");
-  EXPECT_EQ(messageFor(textWith("\"maps\":[{", "\"maps\":[[{")), "line 1: this is no valid JSON. Correct the text there.");
+  EXPECT_EQ(messageFor(textWith("\"maps\":[{", "\"maps\":[[{")),
+            "line 1: this is no valid JSON. Correct the text there.");
 }
 
 TEST(MapSet, RefusesToSaveWhatIsIncomplete) {
-  const TempFolder folder;
+  const Scratch folder;
   const std::string path = folder.file("a.tav");
   MapSet noMaps = sampleMapSet();
   noMaps.maps.clear();
-  EXPECT_EQ(messageOf([&] { formats::saveMapSet(path, noMaps); }),
+  EXPECT_EQ(reasonOf([&] { formats::saveMapSet(path, noMaps); }),
             "the map set has no maps. Compute at least one map.");
   MapSet shortMap = sampleMapSet();
   shortMap.maps[1].values.pop_back();
-  EXPECT_EQ(messageOf([&] { formats::saveMapSet(path, shortMap); }),
+  EXPECT_EQ(reasonOf([&] { formats::saveMapSet(path, shortMap); }),
             "the map \"faces: dTAV\" does not fit its map set. Compute it again.");
   MapSet noBox = sampleMapSet();
   noBox.xEnd = noBox.xStart;
-  EXPECT_EQ(messageOf([&] { formats::saveMapSet(path, noBox); }),
+  EXPECT_EQ(reasonOf([&] { formats::saveMapSet(path, noBox); }),
             "the map set has an empty bounding box. Give a box of at least one cell.");
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST(MapSet, KeepsTheOlderFileWhenTheDiskIsFull) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::saveMapSet(folder.file("a.tav"), sampleMapSet());
-  const std::string before = fakes::readBytes(folder.file("a.tav"));
+  const std::string before = contentOf(folder.file("a.tav"));
   const formats_test::ScopedSystemCalls calls;
   formats::systemCalls().write = [](int, const void*, std::size_t) -> ssize_t {
     errno = ENOSPC;
     return -1;
   };
-  EXPECT_EQ(messageOf([&] { formats::saveMapSet(folder.file("a.tav"), sampleMapSet()); }),
+  EXPECT_EQ(reasonOf([&] { formats::saveMapSet(folder.file("a.tav"), sampleMapSet()); }),
             "cannot write the file (No space left on device). Free some space or choose another folder.");
-  EXPECT_EQ(fakes::readBytes(folder.file("a.tav")), before);
+  EXPECT_EQ(contentOf(folder.file("a.tav")), before);
 }
 
 }  // namespace

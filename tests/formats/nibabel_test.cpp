@@ -11,10 +11,9 @@
 #include "formats/vtc_import.h"
 #include "tests/fakes/vtc_file.h"
 #include "tests/formats/sample_map_set.h"
+#include "tests/support/scratch.h"
 
 namespace {
-
-using fakes::TempFolder;
 
 constexpr const char* kPython = "/usr/bin/python3";
 
@@ -29,14 +28,17 @@ bool hasNibabel() {
 
 // Runs Python lines with every warning as an error; `image` is the loaded file, `np` numpy.
 // Gives what they print.
-std::string python(const TempFolder& folder, const std::string& path, const std::string& lines) {
+std::string python(const Scratch& folder, const std::string& path, const std::string& lines) {
   const std::string script = folder.file("check.py");
-  fakes::writeBytes(script, "import logging, warnings\nwarnings.simplefilter('error')\n"
-                            "import nibabel as nib, numpy as np\n"
-                            "nib.imageglobals.logger.addHandler(logging.StreamHandler())\n"
-                            "nib.imageglobals.error_level = 30\n"
-                            "image = nib.Nifti1Image.from_filename(r'" + path + "')\n" + lines);
-  const std::string command = std::string(kPython) + " -W ignore -c \"exec(open('" + script + "').read())\" 2>&1";
+  fakes::writeBytes(script,
+                    "import logging, warnings\nwarnings.simplefilter('error')\n"
+                    "import nibabel as nib, numpy as np\n"
+                    "nib.imageglobals.logger.addHandler(logging.StreamHandler())\n"
+                    "nib.imageglobals.error_level = 30\n"
+                    "image = nib.Nifti1Image.from_filename(r'" +
+                        path + "')\n" + lines);
+  const std::string command =
+      std::string(kPython) + " -W ignore -c \"exec(open('" + script + "').read())\" 2>&1";
   std::FILE* pipe = ::popen(command.c_str(), "r");
   std::string out;
   char piece[512];
@@ -47,7 +49,7 @@ std::string python(const TempFolder& folder, const std::string& path, const std:
 
 TEST(Nibabel, OpensAMapSetWithoutWarnings) {
   SKIP_WITHOUT_NIBABEL();
-  const TempFolder folder;
+  const Scratch folder;
   formats::saveMapSet(folder.file("a.nii"), formats_test::sampleMapSet());
   const std::string out = python(folder, folder.file("a.nii"), R"(
 import json
@@ -70,7 +72,7 @@ print(len(image.header.extensions), extension.get_code(),
 
 TEST(Nibabel, SeesTheSameSeriesAfterImportAndExport) {
   SKIP_WITHOUT_NIBABEL();
-  const TempFolder folder;
+  const Scratch folder;
   const std::string example = FORMATS_TEST_EXAMPLES "/oneback-small/";
   formats::ImportOptions options;
   options.maskPath = example + "mask_small.nii.gz";
@@ -89,8 +91,9 @@ print(np.allclose(image.affine, before.affine, atol=1e-6), image.header.get_zoom
 TEST(Nibabel, AgreesOnEveryTypeThatIsWritten) {
   SKIP_WITHOUT_NIBABEL();
   using formats::DataType;
-  for (const auto type : {DataType::kUint8, DataType::kInt16, DataType::kUint16, DataType::kInt32, DataType::kFloat32}) {
-    const TempFolder folder;
+  for (const auto type :
+       {DataType::kUint8, DataType::kInt16, DataType::kUint16, DataType::kInt32, DataType::kFloat32}) {
+    const Scratch folder;
     formats::Image3D image;
     image.header.size = {2, 3, 1};
     image.header.dataType = type;

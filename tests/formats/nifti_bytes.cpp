@@ -107,17 +107,38 @@ std::string niftiData(const NiftiSpec& spec, const std::vector<double>& stored) 
   Writer w(spec.bigEndian);
   for (const double v : stored) {
     switch (spec.dataType) {
-      case 2: w.put(static_cast<std::uint8_t>(v)); break;
-      case 4: w.put(static_cast<std::int16_t>(v)); break;
-      case 8: w.put(static_cast<std::int32_t>(v)); break;
-      case 16: w.put(static_cast<float>(v)); break;
-      case 64: w.put(v); break;
-      case 256: w.put(static_cast<std::int8_t>(v)); break;
-      case 512: w.put(static_cast<std::uint16_t>(v)); break;
-      case 768: w.put(static_cast<std::uint32_t>(v)); break;
-      case 1024: w.put(static_cast<std::int64_t>(v)); break;
-      case 1280: w.put(static_cast<std::uint64_t>(v)); break;
-      default: throw std::logic_error("no such type in the test");
+      case 2:
+        w.put(static_cast<std::uint8_t>(v));
+        break;
+      case 4:
+        w.put(static_cast<std::int16_t>(v));
+        break;
+      case 8:
+        w.put(static_cast<std::int32_t>(v));
+        break;
+      case 16:
+        w.put(static_cast<float>(v));
+        break;
+      case 64:
+        w.put(v);
+        break;
+      case 256:
+        w.put(static_cast<std::int8_t>(v));
+        break;
+      case 512:
+        w.put(static_cast<std::uint16_t>(v));
+        break;
+      case 768:
+        w.put(static_cast<std::uint32_t>(v));
+        break;
+      case 1024:
+        w.put(static_cast<std::int64_t>(v));
+        break;
+      case 1280:
+        w.put(static_cast<std::uint64_t>(v));
+        break;
+      default:
+        throw std::logic_error("no such type in the test");
     }
   }
   return w.take();

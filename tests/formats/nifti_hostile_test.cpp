@@ -6,23 +6,22 @@
 
 #include "formats/nifti.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/nifti_bytes.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using fakes::writeBytes;
 using formats_test::gzipped;
-using formats_test::messageOf;
 using formats_test::NiftiSpec;
 
 constexpr const char* kCheck = ". Check that the file is complete and was written by a NIfTI program.";
 
 std::string messageFor(const std::string& bytes) {
-  const TempFolder folder;
-  writeBytes(folder.file("image.nii"), bytes);
-  return messageOf([&] { (void)formats::readImage(folder.file("image.nii")); });
+  const Scratch folder;
+  folder.write("image.nii", bytes);
+  return reasonOf([&] { (void)formats::readImage(folder.file("image.nii")); });
 }
 
 std::string messageFor(const NiftiSpec& spec) {
@@ -59,7 +58,8 @@ const HostileCase kCases[] = {
     {"ZeroExtent", [](NiftiSpec& s) { s.dim[3] = 0; },
      std::string("its header gives 0 as extent of dimension 3") + kCheck},
     {"FiveDimensions", [](NiftiSpec& s) { s.dim = {5, 4, 3, 2, 1, 3, 1, 1}; },
-     "it has 5 dimensions, only three and time are understood. Split it into images of three or four dimensions."},
+     "it has 5 dimensions, only three and time are understood. Split it into images of three or four "
+     "dimensions."},
     {"HugeGrid", [](NiftiSpec& s) { s.dim = {4, 32767, 32767, 32767, 32767, 1, 1, 1}; },
      std::string("its header describes more data than any file holds") + kCheck},
     {"LargeVolume", [](NiftiSpec& s) { s.dim = {3, 32767, 32767, 3, 1, 1, 1, 1}; },
@@ -111,7 +111,8 @@ TEST(HostileNifti, NoticesMissingDataBeforeAllocatingThem) {
   NiftiSpec spec;
   spec.dim = {4, 1000, 1000, 500, 100, 1, 1, 1};
   const std::string expected =
-      "the file is too short for the 1000 x 1000 x 500 x 100 values of type float32 that its header describes. "
+      "the file is too short for the 1000 x 1000 x 500 x 100 values of type float32 that its header "
+      "describes. "
       "Get the file again from its source.";
   EXPECT_EQ(messageFor(spec), expected);
   EXPECT_EQ(messageFor(gzipped(formats_test::niftiHeader(spec))), expected);
@@ -135,10 +136,10 @@ TEST(HostileNifti, NoticesAWrongChecksum) {
 }
 
 TEST(HostileNifti, SaysThatAFileIsMissingOrAFolder) {
-  const TempFolder folder;
-  EXPECT_EQ(messageOf([&] { (void)formats::readImage(folder.file("none.nii")); }),
+  const Scratch folder;
+  EXPECT_EQ(reasonOf([&] { (void)formats::readImage(folder.file("none.nii")); }),
             "cannot open the file (No such file or directory). Check the path and its permissions.");
-  EXPECT_EQ(messageOf([&] { (void)formats::readImage(folder.path()); }),
+  EXPECT_EQ(reasonOf([&] { (void)formats::readImage(folder.path()); }),
             "this is a folder, not a file. Name a file in it.");
 }
 

@@ -7,18 +7,17 @@
 #include <tuple>
 
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/nifti_bytes.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using fakes::writeBytes;
 using formats_test::gzipped;
-using formats_test::messageOf;
-using formats_test::NiftiSpec;
 using formats_test::niftiData;
 using formats_test::niftiHeader;
+using formats_test::NiftiSpec;
 
 std::vector<double> ramp(std::size_t count) {
   std::vector<double> values(count);
@@ -26,8 +25,8 @@ std::vector<double> ramp(std::size_t count) {
   return values;
 }
 
-std::string written(const TempFolder& folder, const NiftiSpec& spec, const std::vector<double>& values) {
-  writeBytes(folder.file("image.nii"), niftiHeader(spec) + niftiData(spec, values));
+std::string written(const Scratch& folder, const NiftiSpec& spec, const std::vector<double>& values) {
+  folder.write("image.nii", niftiHeader(spec) + niftiData(spec, values));
   return folder.file("image.nii");
 }
 
@@ -35,11 +34,16 @@ struct TypeCase {
   int code, bits;
   double least, largest;
 };
-const TypeCase kTypes[] = {{2, 8, 0, 255},          {256, 8, -128, 127},
-                           {4, 16, -32768, 32767},  {512, 16, 0, 65535},
-                           {8, 32, -2147483648.0, 2147483647.0}, {768, 32, 0, 4294967295.0},
-                           {1024, 64, -4e9, 4e9},   {1280, 64, 0, 8e9},
-                           {16, 32, -1.5, 3.25},    {64, 64, -1e-3, 1e3}};
+const TypeCase kTypes[] = {{2, 8, 0, 255},
+                           {256, 8, -128, 127},
+                           {4, 16, -32768, 32767},
+                           {512, 16, 0, 65535},
+                           {8, 32, -2147483648.0, 2147483647.0},
+                           {768, 32, 0, 4294967295.0},
+                           {1024, 64, -4e9, 4e9},
+                           {1280, 64, 0, 8e9},
+                           {16, 32, -1.5, 3.25},
+                           {64, 64, -1e-3, 1e3}};
 
 class EveryForm : public testing::TestWithParam<std::tuple<TypeCase, int, bool, bool, bool>> {};
 
@@ -54,9 +58,9 @@ TEST_P(EveryForm, GivesTheScaledValues) {
   std::vector<double> stored = ramp(24);
   stored[0] = type.least;
   stored[23] = type.largest;
-  const TempFolder folder;
+  const Scratch folder;
   const std::string bytes = niftiHeader(spec) + niftiData(spec, stored);
-  writeBytes(folder.file("i.nii"), compressed ? gzipped(bytes) : bytes);  // the name does not count
+  folder.write("i.nii", compressed ? gzipped(bytes) : bytes);  // the name does not count
   const formats::Image3D image = formats::readImage(folder.file("i.nii"));
   for (std::size_t i = 0; i < 24; ++i) {
     const double exact = type.code == 16 ? static_cast<double>(static_cast<float>(stored[i])) : stored[i];
@@ -72,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Nifti, EveryForm,
                                           testing::Bool(), testing::Bool()));
 
 TEST(NiftiRead, ReadsSlopeZeroAsNoScaling) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec;
   spec.slope = 0;
   spec.intercept = 7;
@@ -80,14 +84,14 @@ TEST(NiftiRead, ReadsSlopeZeroAsNoScaling) {
 }
 
 TEST(NiftiRead, ReadsANotFiniteSlopeAsNoScaling) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec;
   spec.slope = std::nan("");
   EXPECT_EQ(formats::readImage(written(folder, spec, ramp(24))).values[2], 10.0F);
 }
 
 TEST(NiftiRead, KeepsNanAndInfinity) {
-  const TempFolder folder;
+  const Scratch folder;
   std::vector<double> values = ramp(24);
   values[3] = std::nan("");
   values[4] = std::numeric_limits<double>::infinity();
@@ -97,20 +101,21 @@ TEST(NiftiRead, KeepsNanAndInfinity) {
 }
 
 TEST(NiftiRead, PicksOneVolumeOfASeries) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec;
   spec.dim = {4, 4, 3, 2, 3, 1, 1, 1};
   const std::string path = written(folder, spec, ramp(72));
   const auto image = formats::readVolume(path, 2);
   EXPECT_EQ(image.values.front(), 240.0F);
   EXPECT_EQ(image.header.volumes, 1);
-  EXPECT_EQ(messageOf([&] { (void)formats::readImage(path); }),
+  EXPECT_EQ(reasonOf([&] { (void)formats::readImage(path); }),
             "it is a series of 3 volumes where one is expected. Give an image of one volume.");
-  EXPECT_EQ(messageOf([&] { (void)formats::readVolume(path, 3); }), "it has no volume 3. Count volumes from 0.");
+  EXPECT_EQ(reasonOf([&] { (void)formats::readVolume(path, 3); }),
+            "it has no volume 3. Count volumes from 0.");
 }
 
 TEST(NiftiRead, ReadsTwoDimensionsAsOneSlice) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec;
   spec.dim = {2, 6, 4, 0, 0, 0, 0, 0};
   EXPECT_EQ(formats::readImage(written(folder, spec, ramp(24))).header.size, (formats::GridSize{6, 4, 1}));
@@ -123,7 +128,7 @@ struct TimeCase {
 };
 class RepetitionTime : public testing::TestWithParam<TimeCase> {};
 TEST_P(RepetitionTime, IsGivenInMilliseconds) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec;
   spec.dim = {4, 4, 3, 2, 2, 1, 1, 1};
   spec.pixdim[4] = GetParam().pixdim;
@@ -131,9 +136,9 @@ TEST_P(RepetitionTime, IsGivenInMilliseconds) {
   EXPECT_EQ(formats::readImageHeader(written(folder, spec, ramp(48))).trMs, GetParam().trMs);
 }
 INSTANTIATE_TEST_SUITE_P(Nifti, RepetitionTime,
-                         testing::Values(TimeCase{2.2, 8, 2200}, TimeCase{2200, 16, 2200}, TimeCase{2.2e6, 24, 2200},
-                                         TimeCase{0.72, 0, 720}, TimeCase{2, 32, 0}, TimeCase{0, 8, 0},
-                                         TimeCase{-1, 8, 0}));
+                         testing::Values(TimeCase{2.2, 8, 2200}, TimeCase{2200, 16, 2200},
+                                         TimeCase{2.2e6, 24, 2200}, TimeCase{0.72, 0, 720},
+                                         TimeCase{2, 32, 0}, TimeCase{0, 8, 0}, TimeCase{-1, 8, 0}));
 
 TEST(NiftiRead, TakesExtensionsWithTheirCodes) {
   NiftiSpec spec;
@@ -144,7 +149,7 @@ TEST(NiftiRead, TakesExtensionsWithTheirCodes) {
     return bytes + text + std::string(24 - text.size(), '\0');
   };
   spec.extensions = extension(6, "one") + extension(4, "two");
-  const TempFolder folder;
+  const Scratch folder;
   const auto header = formats::readImageHeader(written(folder, spec, ramp(24)));
   ASSERT_EQ(header.extensions.size(), 2U);
   EXPECT_EQ(header.extensions[0].code, 6);
@@ -154,14 +159,14 @@ TEST(NiftiRead, TakesExtensionsWithTheirCodes) {
 TEST(NiftiRead, PassesOverABrokenExtension) {
   NiftiSpec spec;
   spec.extensions = std::string("\xFF\xFF\xFF\x7F\x06\0\0\0 broken!", 16);
-  const TempFolder folder;
+  const Scratch folder;
   const auto image = formats::readImage(written(folder, spec, ramp(24)));
   EXPECT_TRUE(image.header.extensions.empty());
   EXPECT_EQ(image.values[1], 5.0F);
 }
 
 TEST(LabelImageRead, TakesWholeNumbersStoredAsFloats) {
-  const TempFolder folder;
+  const Scratch folder;
   std::vector<double> values(24, 0);
   values[5] = 7.00001;
   const auto image = formats::readLabelImage(written(folder, NiftiSpec{}, values));
@@ -170,12 +175,12 @@ TEST(LabelImageRead, TakesWholeNumbersStoredAsFloats) {
 }
 
 TEST(LabelImageRead, RefusesFractionsAndNan) {
-  const TempFolder folder;
+  const Scratch folder;
   for (const double wrong : {1.5, std::nan(""), 3e9}) {
     std::vector<double> values(24, 0);
     values[5] = wrong;
     const std::string path = written(folder, NiftiSpec{}, values);
-    EXPECT_EQ(messageOf([&] { (void)formats::readLabelImage(path); }),
+    EXPECT_EQ(reasonOf([&] { (void)formats::readLabelImage(path); }),
               "it holds values that are no whole numbers, so it is no label image. "
               "Give a label image (*_dseg.nii.gz).");
   }

@@ -9,14 +9,13 @@
 #include "formats/nifti.h"
 #include "formats/nifti_stream.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using formats::DataType;
 using formats::ImageHeader;
-using formats_test::messageOf;
 
 ImageHeader header(DataType type, int volumes) {
   ImageHeader h;
@@ -43,7 +42,7 @@ class WriterForm : public testing::TestWithParam<std::tuple<DataType, int, const
 
 TEST_P(WriterForm, ComesBackAsWritten) {
   const auto [type, volumes, name] = GetParam();
-  const TempFolder folder;
+  const Scratch folder;
   ImageHeader h = header(type, volumes);
   h.extensions = {{6, "{\"a\": 1}"}, {6, "sixteen bytes 16"}};
   const std::vector<float> values = ramp(12U * static_cast<unsigned>(volumes));
@@ -73,12 +72,13 @@ TEST_P(WriterForm, ComesBackAsWritten) {
   EXPECT_EQ(back, values);
 }
 INSTANTIATE_TEST_SUITE_P(NiftiWriter, WriterForm,
-                         testing::Combine(testing::Values(DataType::kUint8, DataType::kInt16, DataType::kUint16,
-                                                          DataType::kInt32, DataType::kFloat32),
+                         testing::Combine(testing::Values(DataType::kUint8, DataType::kInt16,
+                                                          DataType::kUint16, DataType::kInt32,
+                                                          DataType::kFloat32),
                                           testing::Values(1, 3), testing::Values("i.nii", "i.nii.gz")));
 
 TEST(NiftiWriter, RoundsToWholeNumbersHalfToEven) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::Image3D image{header(DataType::kInt16, 1), {0.5F, 1.5F, -2.5F, 2.6F, -2.6F, 0, 0, 0, 0, 0, 0, 0}};
   formats::writeImage(folder.file("i.nii"), image);
   const auto values = formats::readImage(folder.file("i.nii")).values;
@@ -86,18 +86,18 @@ TEST(NiftiWriter, RoundsToWholeNumbersHalfToEven) {
 }
 
 TEST(NiftiWriter, RefusesValuesThatTheTypeCannotHold) {
-  const TempFolder folder;
+  const Scratch folder;
   for (const float wrong : {256.0F, -1.0F, std::nanf(""), std::numeric_limits<float>::infinity()}) {
     formats::Image3D image{header(DataType::kUint8, 1), ramp(12)};
     image.values[4] = wrong;
-    EXPECT_EQ(messageOf([&] { formats::writeImage(folder.file("i.nii"), image); }),
+    EXPECT_EQ(reasonOf([&] { formats::writeImage(folder.file("i.nii"), image); }),
               "a value does not fit the type uint8. Choose float32.");
     EXPECT_NE(::access(folder.file("i.nii").c_str(), F_OK), 0);
   }
 }
 
 TEST(NiftiWriter, KeepsNanInFloats) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::Image3D image{header(DataType::kFloat32, 1), ramp(12)};
   image.values[4] = std::nanf("");
   formats::writeImage(folder.file("i.nii.gz"), image);
@@ -105,26 +105,26 @@ TEST(NiftiWriter, KeepsNanInFloats) {
 }
 
 TEST(NiftiWriter, RefusesTooManyAndTooFewValues) {
-  const TempFolder folder;
+  const Scratch folder;
   const auto values = ramp(13);
   formats::NiftiWriter writer(folder.file("i.nii"), header(DataType::kFloat32, 1));
-  EXPECT_NE(messageOf([&] { writer.writeValues(values.data(), 13); }), "");
+  EXPECT_NE(reasonOf([&] { writer.writeValues(values.data(), 13); }), "");
   formats::NiftiWriter shortOne(folder.file("i.nii"), header(DataType::kFloat32, 1));
   shortOne.writeValues(values.data(), 11);
-  EXPECT_NE(messageOf([&] { shortOne.commit(); }), "");
+  EXPECT_NE(reasonOf([&] { shortOne.commit(); }), "");
 }
 
 TEST(NiftiWriter, RefusesAGridThatTheHeaderCannotHold) {
-  const TempFolder folder;
+  const Scratch folder;
   ImageHeader h = header(DataType::kFloat32, 1);
   h.size.x = 40000;
-  EXPECT_EQ(messageOf([&] { formats::NiftiWriter(folder.file("i.nii"), h); }),
+  EXPECT_EQ(reasonOf([&] { formats::NiftiWriter(folder.file("i.nii"), h); }),
             "an image of 40000 x 2 x 2 x 1 values does not fit a NIfTI-1 header. "
             "Write smaller images, 32,767 along an axis at most.");
 }
 
 TEST(NiftiWriter, MarksLabelImages) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::LabelImage image{header(DataType::kInt32, 1), {0, 1, 2, 100000, 0, 0, 0, 0, 0, 0, 0, 0}};
   formats::writeLabelImage(folder.file("l.nii.gz"), image);
   const auto again = formats::readLabelImage(folder.file("l.nii.gz"));

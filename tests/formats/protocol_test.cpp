@@ -3,17 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using formats::Interval;
 using formats::Protocol;
 using formats::TimeUnit;
-using formats_test::messageOf;
 using Intervals = std::vector<Interval>;
 
-Protocol parse(const std::string& text, double trMs = 2000) { return formats::parseProtocol(text, "p.tsv", trMs); }
+Protocol parse(const std::string& text, double trMs = 2000) {
+  return formats::parseProtocol(text, "p.tsv", trMs);
+}
 
 TEST(EventsProtocol, IsInMillisecondsInOrderOfFirstAppearance) {
   const Protocol p = parse("onset\tduration\ttrial_type\n10\t5\tface\n20.5\t4.25\tbody\n40\t5\tface\n");
@@ -23,6 +25,13 @@ TEST(EventsProtocol, IsInMillisecondsInOrderOfFirstAppearance) {
   EXPECT_EQ(p.conditions[0].intervals, (Intervals{{10000, 15000}, {40000, 45000}}));
   EXPECT_EQ(p.conditions[1].name, "body");
   EXPECT_EQ(p.conditions[1].intervals, (Intervals{{20500, 24750}}));
+}
+
+TEST(EventsProtocol, RoundsToWholeMilliseconds) {
+  const std::string head = "onset\tduration\ttrial_type\n";
+  // 4.001 * 1000 is a little less than 4001.
+  EXPECT_EQ(parse(head + "4.001\t0.0006\ta\n").conditions[0].intervals, (Intervals{{4001, 4002}}));
+  EXPECT_EQ(parse(head + "0.0015\t0.0009\ta\n").conditions[0].intervals, (Intervals{{2, 2}}));
 }
 
 TEST(EventsProtocol, JoinsEventsWhoseGapIsShorterThanOneTr) {
@@ -39,7 +48,8 @@ TEST(EventsProtocol, JoinsAcrossEventsOfOtherTypesAndInAnyOrder) {
 }
 
 TEST(EventsProtocol, JoinsOverlappingEventsToTheirLatestEnd) {
-  EXPECT_EQ(parse("onset\tduration\ttrial_type\n0\t10\ta\n2\t1\ta\n").conditions[0].intervals, (Intervals{{0, 10000}}));
+  EXPECT_EQ(parse("onset\tduration\ttrial_type\n0\t10\ta\n2\t1\ta\n").conditions[0].intervals,
+            (Intervals{{0, 10000}}));
 }
 
 TEST(EventsProtocol, PassesOverRowsWithoutOnsetOrType) {
@@ -82,21 +92,24 @@ struct Wrong {
 };
 class WrongProtocol : public testing::TestWithParam<Wrong> {};
 TEST_P(WrongProtocol, EndsWithItsMessage) {
-  EXPECT_EQ(messageOf([&] { (void)parse(GetParam().text); }), GetParam().message);
+  EXPECT_EQ(reasonOf([&] { (void)parse(GetParam().text); }), GetParam().message);
 }
 INSTANTIATE_TEST_SUITE_P(
     Protocol, WrongProtocol,
     testing::Values(
         Wrong{"a\tb\n1\t2\n",
-              "it is neither an events table nor a table of volumes. Name the columns onset, duration, trial_type or "
+              "it is neither an events table nor a table of volumes. Name the columns onset, duration, "
+              "trial_type or "
               "condition, first_volume, last_volume."},
-        Wrong{"onset\ttrial_type\n1\ta\n",
-              "there is no column \"duration\" among: onset, trial_type. Name the columns in the first line."},
+        Wrong{
+            "onset\ttrial_type\n1\ta\n",
+            "there is no column \"duration\" among: onset, trial_type. Name the columns in the first line."},
         Wrong{"onset\tduration\n", "it holds no events. Give at least one."},
         Wrong{"onset\tduration\n1\t-2\n", "line 2: the duration is negative. Correct the duration."},
         Wrong{"onset\tduration\n1e9\t1\n",
               "line 2: the time is out of range. Give onset and duration in seconds."},
-        Wrong{"onset\tduration\nten\t1\n", "line 2: \"ten\" under onset is no number. Write a number, or n/a."},
+        Wrong{"onset\tduration\nten\t1\n",
+              "line 2: \"ten\" under onset is no number. Write a number, or n/a."},
         Wrong{"condition\tfirst_volume\tlast_volume\na\t0\t5\n",
               "line 2: the first volume is below 1. Count volumes from 1."},
         Wrong{"condition\tfirst_volume\tlast_volume\na\t6\t5\n",
@@ -107,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(
               "line 2: \"1.5\" under first_volume is no whole number. Write a whole number."}));
 
 TEST(Protocol, ComesBackAsWritten) {
-  const fakes::TempFolder folder;
+  const Scratch folder;
   for (const char* text : {"onset\tduration\ttrial_type\n10\t5\tface\n20.5\t4.25\tbody part\n",
                            "condition\tfirst_volume\tlast_volume\nrest\t1\t3\nrest\t11\t20\ntask\t1\t10\n"}) {
     const Protocol before = parse(text);

@@ -14,15 +14,14 @@
 #include "formats/vtc_import.h"
 #include "io/cnvtcfile.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/nifti_bytes.h"
 #include "tests/formats/scoped_system_calls.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using formats::VtcType;
-using formats_test::messageOf;
 using formats_test::NiftiSpec;
 
 // Several chunks, the last of them short; 37 volumes go through the file in groups of any size.
@@ -48,21 +47,21 @@ NiftiSpec specOf(int dataType, int bits) {
   return spec;
 }
 
-std::string writeSeries(const TempFolder& folder, const NiftiSpec& spec) {
+std::string writeSeries(const Scratch& folder, const NiftiSpec& spec) {
   std::vector<double> values;
   for (int t = 0; t < kVolumes; ++t) {
     for (std::size_t v = 0; v < kVoxels; ++v) values.push_back(storedValue(v, t));
   }
-  fakes::writeBytes(folder.file("run.nii"), niftiHeader(spec) + niftiData(spec, values));
+  folder.write("run.nii", niftiHeader(spec) + niftiData(spec, values));
   return folder.file("run.nii");
 }
 
-std::string writeMask(const TempFolder& folder) {
+std::string writeMask(const Scratch& folder) {
   NiftiSpec spec;
   spec.dim = {3, kX, kY, kZ, 1, 1, 1, 1};
   std::vector<double> values;
   for (std::size_t v = 0; v < kVoxels; ++v) values.push_back(insideMask(v) ? 1 : 0);
-  fakes::writeBytes(folder.file("mask.nii"), niftiHeader(spec) + niftiData(spec, values));
+  folder.write("mask.nii", niftiHeader(spec) + niftiData(spec, values));
   return folder.file("mask.nii");
 }
 
@@ -92,7 +91,7 @@ class Transport : public testing::TestWithParam<std::tuple<Stored, VtcType, bool
 
 TEST_P(Transport, GivesTheSameCoursesOnEveryWay) {
   const auto [stored, type, masked] = GetParam();
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = specOf(stored.dataType, stored.bits);
   spec.bigEndian = stored.bigEndian;
   spec.slope = stored.slope;
@@ -106,7 +105,7 @@ TEST_P(Transport, GivesTheSameCoursesOnEveryWay) {
   for (const std::size_t memory : {kAll, std::size_t{0}, std::size_t{2000000}}) {
     options.memoryBytes = memory;
     EXPECT_EQ(formats::importVtc(image, folder.file("run.vtc"), options).shift, 0);
-    const std::string whole = fakes::readBytes(folder.file("run.vtc"));
+    const std::string whole = contentOf(folder.file("run.vtc"));
     const auto header =
         static_cast<std::size_t>(formats::readVtcFileHeader(folder.file("run.vtc")).dataOffset);
     ASSERT_EQ(whole.size(), header + expected.size()) << memory;
@@ -126,11 +125,11 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST(SeriesTransport, KeepsItsLengthWhenTheLastSlicesAreOutsideTheMask) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::ImportOptions options;
   options.maskPath = writeMask(folder);
   formats::importVtc(writeSeries(folder, specOf(4, 16)), folder.file("run.vtc"), options);
-  const std::string bytes = fakes::readBytes(folder.file("run.vtc"));
+  const std::string bytes = contentOf(folder.file("run.vtc"));
   const auto header = static_cast<std::size_t>(formats::readVtcFileHeader(folder.file("run.vtc")).dataOffset);
   EXPECT_EQ(bytes.size(), header + kVoxels * kVolumes * sizeof(float));
   EXPECT_EQ((bytes.find_last_not_of('\0') - header) / (kVolumes * sizeof(float) * kX * kY),
@@ -138,7 +137,7 @@ TEST(SeriesTransport, KeepsItsLengthWhenTheLastSlicesAreOutsideTheMask) {
 }
 
 TEST(SeriesTransport, TellsAValueThatDoesNotFitOnEveryWay) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = specOf(16, 32);
   spec.slope = 3;  // up to 90,000
   formats::ImportOptions options;
@@ -146,7 +145,7 @@ TEST(SeriesTransport, TellsAValueThatDoesNotFitOnEveryWay) {
   const std::string image = writeSeries(folder, spec);
   for (const std::size_t memory : {kAll, std::size_t{0}}) {
     options.memoryBytes = memory;
-    EXPECT_EQ(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
+    EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
               "some of its values do not fit 16 bits (0 to 65,535). Choose --type float32.");
   }
 }
@@ -156,12 +155,12 @@ class FullDisk : public testing::Test {
   void expectMessage(const std::string& message) {
     formats::ImportOptions options;
     options.memoryBytes = 0;
-    EXPECT_EQ(messageOf([&] { formats::importVtc(image_, folder_.file("run.vtc"), options); }), message);
+    EXPECT_EQ(reasonOf([&] { formats::importVtc(image_, folder_.file("run.vtc"), options); }), message);
     EXPECT_FALSE(std::filesystem::exists(folder_.file("run.vtc")));
     EXPECT_FALSE(std::filesystem::exists(folder_.file("run.vtc.json")));
   }
 
-  const TempFolder folder_;
+  const Scratch folder_;
   const std::string image_ = writeSeries(folder_, specOf(4, 16));
   const formats_test::ScopedSystemCalls calls_;
 };

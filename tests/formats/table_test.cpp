@@ -2,14 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/formats/message_of.h"
+#include "tests/support/message_of.h"
 
 namespace {
 
 using formats::Table;
-using formats_test::messageOf;
 
-Table parse(const std::string& text) { return Table::parse(text, "t.tsv"); }
+Table parse(const std::string& text) {
+  return Table::parse(text, "t.tsv");
+}
 
 TEST(Table, ReadsTabs) {
   const Table table = parse("onset\tduration\n1.5\tn/a\n-2e1\t3\n");
@@ -43,37 +44,41 @@ TEST(Table, ReadsSemicolonsAndRunsOfBlanks) {
 
 TEST(Table, FindsColumnsInAnyCase) {
   EXPECT_EQ(parse("Onset\tTRIAL_TYPE\n").find("trial_type"), 1U);
-  EXPECT_EQ(messageOf([] { (void)parse("a\tb\n").require("onset"); }),
+  EXPECT_EQ(reasonOf([] { (void)parse("a\tb\n").require("onset"); }),
             "there is no column \"onset\" among: a, b. Name the columns in the first line.");
 }
 
 TEST(Table, PassesOverBlankLinesButCountsThem) {
   EXPECT_EQ(parse("a\tb\n\n1\t2\n\n").rows(), 1U);
-  EXPECT_EQ(messageOf([] { (void)parse("a\tb\n\n1\t2\n\n3\n"); }),
+  EXPECT_EQ(reasonOf([] { (void)parse("a\tb\n\n1\t2\n\n3\n"); }),
             "line 5: 1 cells under 2 column names. Give every column a value, n/a where there is none.");
 }
 
 TEST(Table, RefusesTooManyCells) {
-  EXPECT_EQ(messageOf([] { (void)parse("a\tb\n1\t2\t3\n"); }),
+  EXPECT_EQ(reasonOf([] { (void)parse("a\tb\n1\t2\t3\n"); }),
             "line 2: 3 cells under 2 column names. Give every column a value, n/a where there is none.");
 }
 
 TEST(Table, RefusesWhatIsNoNumber) {
   const Table table = parse("a\n12x\n1.5\nn/a\nnan\n");
-  EXPECT_EQ(messageOf([&] { (void)table.number(0, 0); }), "line 2: \"12x\" under a is no number. Write a number, or n/a.");
-  EXPECT_EQ(messageOf([&] { (void)table.integer(1, 0); }), "line 3: \"1.5\" under a is no whole number. Write a whole number.");
-  EXPECT_EQ(messageOf([&] { (void)table.integer(2, 0); }), "line 4: \"n/a\" under a is no whole number. Write a whole number.");
-  EXPECT_NE(messageOf([&] { (void)table.number(3, 0); }), "");
+  EXPECT_EQ(reasonOf([&] { (void)table.number(0, 0); }),
+            "line 2: \"12x\" under a is no number. Write a number, or n/a.");
+  EXPECT_EQ(reasonOf([&] { (void)table.integer(1, 0); }),
+            "line 3: \"1.5\" under a is no whole number. Write a whole number.");
+  EXPECT_EQ(reasonOf([&] { (void)table.integer(2, 0); }),
+            "line 4: \"n/a\" under a is no whole number. Write a whole number.");
+  EXPECT_NE(reasonOf([&] { (void)table.number(3, 0); }), "");
 }
 
 TEST(Table, RefusesEmptyAndBinaryFiles) {
-  EXPECT_EQ(messageOf([] { (void)parse("\n \n"); }), "the table is empty. Give a table whose first line names the columns.");
-  EXPECT_EQ(messageOf([] { (void)parse(std::string("a\0b", 3)); }),
+  EXPECT_EQ(reasonOf([] { (void)parse("\n \n"); }),
+            "the table is empty. Give a table whose first line names the columns.");
+  EXPECT_EQ(reasonOf([] { (void)parse(std::string("a\0b", 3)); }),
             "it is no text file. Give a table of tab-separated text.");
 }
 
 TEST(Table, RefusesAnOpenQuotationMark) {
-  EXPECT_EQ(messageOf([] { (void)parse("a\tb\n1\t\"open\n"); }),
+  EXPECT_EQ(reasonOf([] { (void)parse("a\tb\n1\t\"open\n"); }),
             "line 2: a quotation mark is not closed. Close it.");
 }
 

@@ -57,7 +57,8 @@ TEST(TimeCourses, ReadWhatIsNotAligned) {
   std::vector<char> bytes(1 + stored.size() * sizeof(double));
   std::memcpy(bytes.data() + 1, stored.data(), stored.size() * sizeof(double));
   std::vector<float> out(30);
-  ASSERT_TRUE(toTimeCourses({DataType::kFloat64, false, {}}, SeriesSlab{bytes.data() + 1, 80}, 0, 10, 3, out.data()));
+  ASSERT_TRUE(
+      toTimeCourses({DataType::kFloat64, false, {}}, SeriesSlab{bytes.data() + 1, 80}, 0, 10, 3, out.data()));
   EXPECT_EQ(out[29], static_cast<float>(stored[29]));
 }
 
@@ -80,7 +81,8 @@ TEST(TimeCourses, TellValuesThatDoNotFitSixteenBits) {
   for (const float wrong : {-0.6F, 65535.6F, std::nanf(""), 1e30F, -1e30F}) {
     const std::vector<float> stored{5, wrong, 7};
     std::vector<std::uint16_t> out(3);
-    EXPECT_FALSE(toTimeCourses({DataType::kFloat32, false, {}}, slabOf(stored, 3), 0, 3, 1, out.data())) << wrong;
+    EXPECT_FALSE(toTimeCourses({DataType::kFloat32, false, {}}, slabOf(stored, 3), 0, 3, 1, out.data()))
+        << wrong;
     EXPECT_EQ(out, (std::vector<std::uint16_t>{5, 0, 7})) << wrong;
   }
   const std::vector<std::int16_t> negative{5, -1, 7};
@@ -123,8 +125,8 @@ TEST(TimeCourses, ConvertARowOfAnyLength) {
   for (const std::size_t count : {1U, 63U, 64U, 129U}) {
     const auto stored = series<std::uint8_t>(count, 1);
     std::vector<float> out(count + 1, -1.0F);
-    ASSERT_TRUE(formats::convertRow({DataType::kUint8, false, {2, 0}}, reinterpret_cast<const char*>(stored.data()), count,
-                           out.data()));
+    ASSERT_TRUE(formats::convertRow({DataType::kUint8, false, {2, 0}},
+                                    reinterpret_cast<const char*>(stored.data()), count, out.data()));
     EXPECT_EQ(out[count - 1], 2.0F * static_cast<float>(stored[count - 1]));
     EXPECT_EQ(out[count], -1.0F);
   }

@@ -4,19 +4,21 @@
 
 #include "formats/nifti_writer.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using formats::VoiList;
 using formats::VoxelIndex;
-using formats_test::messageOf;
 
-VoiList parse(const std::string& text) { return formats::parseVoiJson(text, "v.json"); }
+VoiList parse(const std::string& text) {
+  return formats::parseVoiJson(text, "v.json");
+}
 
 TEST(VoiJson, ReadsNamesAndVoxels) {
-  const VoiList list = parse(R"({"talairach": true, "vois": [{"name": "V1", "voxels": [[1, -2, 3], [4, 5, 6]]}]})");
+  const VoiList list =
+      parse(R"({"talairach": true, "vois": [{"name": "V1", "voxels": [[1, -2, 3], [4, 5, 6]]}]})");
   EXPECT_TRUE(list.talairach);
   ASSERT_EQ(list.vois.size(), 1U);
   EXPECT_EQ(list.vois[0].name, "V1");
@@ -33,7 +35,7 @@ struct Wrong {
 };
 class WrongVoiJson : public testing::TestWithParam<Wrong> {};
 TEST_P(WrongVoiJson, EndsWithItsMessage) {
-  EXPECT_EQ(messageOf([&] { (void)parse(GetParam().text); }), GetParam().message);
+  EXPECT_EQ(reasonOf([&] { (void)parse(GetParam().text); }), GetParam().message);
 }
 INSTANTIATE_TEST_SUITE_P(
     VoiJson, WrongVoiJson,
@@ -55,25 +57,27 @@ INSTANTIATE_TEST_SUITE_P(
               "vois[0].voxels: the region has no voxels. Give at least one."},
         Wrong{R"({"vois": [{"name": "A", "voxels": [[1, 2]]}]})",
               "vois[0].voxels[0]: a voxel has three coordinates. Write [x, y, z]."},
-        Wrong{R"({"vois": [{"name": "A", "voxels": [[1, 2, 0.5]]}]})",
-              "vois[0].voxels[0][2]: a whole number is expected. Write a whole number of at most 2147483647."},
-        Wrong{R"({"vois": [{"name": "A", "voxels": [[1, 2, 3e10]]}]})",
-              "vois[0].voxels[0][2]: a whole number is expected. Write a whole number of at most 2147483647."},
+        Wrong{
+            R"({"vois": [{"name": "A", "voxels": [[1, 2, 0.5]]}]})",
+            "vois[0].voxels[0][2]: a whole number is expected. Write a whole number of at most 2147483647."},
+        Wrong{
+            R"({"vois": [{"name": "A", "voxels": [[1, 2, 3e10]]}]})",
+            "vois[0].voxels[0][2]: a whole number is expected. Write a whole number of at most 2147483647."},
         Wrong{R"({"vois": [{"name": "A", "voxels": [["1", 2, 3]]}]})",
               "vois[0].voxels[0][0]: a number is expected. Write a number."}));
 
 TEST(VoiJson, RefusesEndlessNesting) {
-  EXPECT_EQ(messageOf([] { (void)parse(std::string(1000000, '[')); }),
+  EXPECT_EQ(reasonOf([] { (void)parse(std::string(1000000, '[')); }),
             "the JSON text is nested too deeply. Check that it is the right file.");
 }
 
 TEST(VoiJson, RefusesNumbersOutOfRange) {
-  EXPECT_EQ(messageOf([] { (void)parse("[1e999]"); }),
+  EXPECT_EQ(reasonOf([] { (void)parse("[1e999]"); }),
             "the JSON text holds a number out of range. Correct the number.");
 }
 
 TEST(VoiJson, ComesBackAsWritten) {
-  const TempFolder folder;
+  const Scratch folder;
   VoiList list;
   list.talairach = true;
   list.vois = {{"A \"1\"", {{1, 2, 3}, {-4, 5, 6}}}, {"B", {{7, 8, 9}}}};
@@ -119,17 +123,18 @@ TEST(LabelVois, TellLabelsWithoutNameAndNamesWithoutVoxels) {
 }
 
 TEST(LoadVois, TakesTheTableBesideTheImage) {
-  const TempFolder folder;
+  const Scratch folder;
   formats::writeLabelImage(folder.file("x_dseg.nii.gz"), labels());
-  fakes::writeBytes(folder.file("x_dseg.tsv"), "index\tname\n3\tthree\n7\tseven\n");
-  fakes::writeBytes(folder.file("other.tsv"), "index\tname\n3\tdrei\n7\tsieben\n");
+  folder.write("x_dseg.tsv", "index\tname\n3\tthree\n7\tseven\n");
+  folder.write("other.tsv", "index\tname\n3\tdrei\n7\tsieben\n");
   EXPECT_EQ(formats::loadVois(folder.file("x_dseg.nii.gz")).list.vois[1].name, "seven");
-  EXPECT_EQ(formats::loadVois(folder.file("x_dseg.nii.gz"), folder.file("other.tsv")).list.vois[1].name, "sieben");
+  EXPECT_EQ(formats::loadVois(folder.file("x_dseg.nii.gz"), folder.file("other.tsv")).list.vois[1].name,
+            "sieben");
 }
 
 TEST(LoadVois, TakesAJsonListByItsName) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("v.json"), R"({"vois": [{"name": "A", "voxels": [[0, 0, 0]]}]})");
+  const Scratch folder;
+  folder.write("v.json", R"({"vois": [{"name": "A", "voxels": [[0, 0, 0]]}]})");
   EXPECT_EQ(formats::loadVois(folder.file("v.json")).list.vois[0].name, "A");
 }
 

@@ -14,16 +14,15 @@
 #include "formats/vtc_sidecar.h"
 #include "io/cnvtcfile.h"
 #include "tests/fakes/vtc_file.h"
-#include "tests/formats/message_of.h"
 #include "tests/formats/nifti_bytes.h"
 #include "tests/formats/scoped_system_calls.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
-using fakes::TempFolder;
 using formats::ImportOptions;
 using formats::ImportReport;
-using formats_test::messageOf;
 using formats_test::NiftiSpec;
 
 constexpr int kX = 5, kY = 4, kZ = 3, kVolumes = 6, kVoxels = kX * kY * kZ;
@@ -36,38 +35,41 @@ NiftiSpec seriesSpec() {
   return spec;
 }
 
-double storedValue(int voxel, int volume) { return voxel * 10 + volume * volume - 40; }
+double storedValue(int voxel, int volume) {
+  return voxel * 10 + volume * volume - 40;
+}
 
-std::string writeSeries(const TempFolder& folder, const NiftiSpec& spec) {
+std::string writeSeries(const Scratch& folder, const NiftiSpec& spec) {
   std::vector<double> values;
   for (int t = 0; t < static_cast<int>(spec.dim[4]); ++t) {
     for (int v = 0; v < kVoxels; ++v) values.push_back(storedValue(v, t));
   }
-  fakes::writeBytes(folder.file("run.nii.gz"), formats_test::gzipped(niftiHeader(spec) + niftiData(spec, values)));
+  fakes::writeBytes(folder.file("run.nii.gz"),
+                    formats_test::gzipped(niftiHeader(spec) + niftiData(spec, values)));
   return folder.file("run.nii.gz");
 }
 
 // Every third voxel; voxel 0 has the smallest first value of them.
-std::string writeMask(const TempFolder& folder) {
+std::string writeMask(const Scratch& folder) {
   NiftiSpec spec;
   spec.dim = {3, kX, kY, kZ, 1, 1, 1, 1};
   std::vector<double> values(kVoxels, 0);
   for (std::size_t v = 0; v < values.size(); v += 3) values[v] = 1;
-  fakes::writeBytes(folder.file("mask.nii"), niftiHeader(spec) + niftiData(spec, values));
+  folder.write("mask.nii", niftiHeader(spec) + niftiData(spec, values));
   return folder.file("mask.nii");
 }
 
 template <typename T>
 std::vector<T> dataOf(const std::string& vtcPath) {
   const VTC_Header header = formats::readVtcFileHeader(vtcPath);
-  const std::string bytes = fakes::readBytes(vtcPath);
+  const std::string bytes = contentOf(vtcPath);
   std::vector<T> values((bytes.size() - static_cast<std::size_t>(header.dataOffset)) / sizeof(T));
   std::memcpy(values.data(), bytes.data() + header.dataOffset, values.size() * sizeof(T));
   return values;
 }
 
 TEST(VtcImport, PutsEveryValueInItsPlace) {
-  const TempFolder folder;
+  const Scratch folder;
   const auto report = formats::importVtc(writeSeries(folder, seriesSpec()), folder.file("run.vtc"), {});
   const auto values = dataOf<float>(folder.file("run.vtc"));
   ASSERT_EQ(values.size(), static_cast<std::size_t>(kVoxels * kVolumes));
@@ -81,7 +83,7 @@ TEST(VtcImport, PutsEveryValueInItsPlace) {
 }
 
 TEST(VtcImport, WritesTheHeaderOfTheImageGrid) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = seriesSpec();
   spec.pixdim[4] = 1.3504;
   formats::importVtc(writeSeries(folder, spec), folder.file("run.vtc"), {});
@@ -97,12 +99,13 @@ TEST(VtcImport, WritesTheHeaderOfTheImageGrid) {
 }
 
 TEST(VtcImport, MakesTheInclusionThresholdSelectExactlyTheMask) {
-  const TempFolder folder;
+  const Scratch folder;
   ImportOptions options;
   options.maskPath = writeMask(folder);
   for (const auto type : {formats::VtcType::kFloat32, formats::VtcType::kUint16}) {
     options.type = type;
-    const auto report = formats::importVtc(writeSeries(folder, seriesSpec()), folder.file("run.vtc"), options);
+    const auto report =
+        formats::importVtc(writeSeries(folder, seriesSpec()), folder.file("run.vtc"), options);
     EXPECT_EQ(report.shift, 141);  // the first value of voxel 0 is -40
     EXPECT_EQ(report.voxelsInMask, 20U);
     EXPECT_EQ(report.voxelsIncluded, 20U);
@@ -122,7 +125,7 @@ TEST(VtcImport, MakesTheInclusionThresholdSelectExactlyTheMask) {
 }
 
 TEST(VtcImport, RecordsWhatItDid) {
-  const TempFolder folder;
+  const Scratch folder;
   ImportOptions options;
   options.maskPath = writeMask(folder);
   formats::importVtc(writeSeries(folder, seriesSpec()), folder.file("run.vtc"), options);
@@ -138,7 +141,7 @@ TEST(VtcImport, RecordsWhatItDid) {
 }
 
 TEST(VtcImport, GivesTheSameFileThroughMemoryAndThroughAFile) {
-  const TempFolder folder;
+  const Scratch folder;
   ImportOptions options;
   options.maskPath = writeMask(folder);
   const std::string image = writeSeries(folder, seriesSpec());
@@ -146,38 +149,39 @@ TEST(VtcImport, GivesTheSameFileThroughMemoryAndThroughAFile) {
   for (const std::size_t memory : {std::size_t{0}, std::size_t{200}, std::size_t{719}}) {
     options.memoryBytes = memory;
     formats::importVtc(image, folder.file("b.vtc"), options);
-    EXPECT_EQ(fakes::readBytes(folder.file("a.vtc")), fakes::readBytes(folder.file("b.vtc"))) << memory;
+    EXPECT_EQ(contentOf(folder.file("a.vtc")), contentOf(folder.file("b.vtc"))) << memory;
   }
 }
 
 TEST(VtcImport, AppliesSlopeAndByteOrder) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = seriesSpec();
   spec.bigEndian = true;
   spec.slope = 4;
   spec.intercept = 1;
   formats::importVtc(writeSeries(folder, spec), folder.file("run.vtc"), {});
-  EXPECT_EQ(dataOf<float>(folder.file("run.vtc"))[7 * kVolumes + 2], static_cast<float>(4 * storedValue(7, 2) + 1));
+  EXPECT_EQ(dataOf<float>(folder.file("run.vtc"))[7 * kVolumes + 2],
+            static_cast<float>(4 * storedValue(7, 2) + 1));
 }
 
 TEST(VtcImport, LeavesOutVolumesAtTheStart) {
-  const TempFolder folder;
+  const Scratch folder;
   ImportOptions options;
   options.skipVolumes = 2;
   const auto report = formats::importVtc(writeSeries(folder, seriesSpec()), folder.file("run.vtc"), options);
   EXPECT_EQ(report.volumes, 4);
   EXPECT_EQ(dataOf<float>(folder.file("run.vtc"))[0], static_cast<float>(storedValue(0, 2)));
   options.skipVolumes = 5;
-  EXPECT_EQ(messageOf([&] { formats::importVtc(folder.file("run.nii.gz"), folder.file("b.vtc"), options); }),
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(folder.file("run.nii.gz"), folder.file("b.vtc"), options); }),
             "it has 6 volumes, of which 1 would be used. Give a series of at least two volumes.");
 }
 
 TEST(VtcImport, AsksForATrWhenTheHeaderHasNone) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = seriesSpec();
   spec.pixdim[4] = 0;
   const std::string image = writeSeries(folder, spec);
-  EXPECT_EQ(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), {}); }),
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), {}); }),
             "its header gives no repetition time. Give it in milliseconds with --tr.");
   ImportOptions options;
   options.trMs = 1500;
@@ -185,51 +189,75 @@ TEST(VtcImport, AsksForATrWhenTheHeaderHasNone) {
 }
 
 TEST(VtcImport, RefusesAnImplausibleTr) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = seriesSpec();
   spec.pixdim[4] = 2000;  // milliseconds under the unit of seconds
   const std::string image = writeSeries(folder, spec);
-  EXPECT_EQ(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), {}); }),
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), {}); }),
             "its header gives an implausible repetition time of 2000000.000000 ms. "
             "Give the right one in milliseconds with --tr.");
 }
 
+TEST(VtcImport, RefusesATrOfLessThanTwentyMilliseconds) {
+  const Scratch folder;
+  NiftiSpec spec = seriesSpec();
+  spec.pixdim[4] = 0.0125;
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(writeSeries(folder, spec), folder.file("run.vtc"), {}); }),
+            "its header gives an implausible repetition time of 12.500000 ms. "
+            "Give the right one in milliseconds with --tr.");
+}
+
+TEST(VtcImport, RecordsTheThresholdAndTheSpaceOfTheFormInUse) {
+  const Scratch folder;
+  NiftiSpec spec = seriesSpec();
+  spec.sformCode = 0;
+  spec.qformCode = 4;
+  ImportOptions options;
+  options.maskPath.clear();
+  options.threshold = 137;
+  formats::importVtc(writeSeries(folder, spec), folder.file("run.vtc"), options);
+  const auto sidecar = formats::readVtcSidecar(folder.file("run.vtc"));
+  ASSERT_TRUE(sidecar.has_value());
+  EXPECT_EQ(sidecar->threshold, 137);
+  EXPECT_EQ(sidecar->spaceCode, 4);
+}
+
 TEST(VtcImport, RefusesSixteenBitsForValuesBelowZero) {
-  const TempFolder folder;
+  const Scratch folder;
   ImportOptions options;
   options.type = formats::VtcType::kUint16;
   const std::string image = writeSeries(folder, seriesSpec());
-  EXPECT_EQ(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
             "some of its values do not fit 16 bits (0 to 65,535). Choose --type float32.");
   EXPECT_FALSE(std::filesystem::exists(folder.file("run.vtc")));
   EXPECT_FALSE(std::filesystem::exists(folder.file("run.vtc.json")));
 }
 
 TEST(VtcImport, RefusesAMaskThatIsEmptyOrElsewhere) {
-  const TempFolder folder;
+  const Scratch folder;
   const std::string image = writeSeries(folder, seriesSpec());
   NiftiSpec spec;
   spec.dim = {3, kX, kY, kZ, 1, 1, 1, 1};
   ImportOptions options;
   options.maskPath = folder.file("m.nii");
   fakes::writeBytes(options.maskPath, niftiHeader(spec) + niftiData(spec, std::vector<double>(kVoxels, 0)));
-  EXPECT_EQ(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
             "the mask is empty. Give a mask with voxels other than 0.");
   spec.sform[3] += 5;
   fakes::writeBytes(options.maskPath, niftiHeader(spec) + niftiData(spec, std::vector<double>(kVoxels, 1)));
-  EXPECT_EQ(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }),
             "its voxels do not lie where those of " + image +
                 " lie (the affines differ). Resample one of them to the grid of the other.");
 }
 
 TEST(VtcImport, WarnsOfVoxelsThatNoMapCanHold) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = seriesSpec();
   spec.dataType = 16;
   spec.bitsPerValue = 32;
   std::vector<double> values(kVoxels * kVolumes, 5);
   values[3] = std::nan("");
-  fakes::writeBytes(folder.file("run.nii"), niftiHeader(spec) + niftiData(spec, values));
+  folder.write("run.nii", niftiHeader(spec) + niftiData(spec, values));
   const auto report = formats::importVtc(folder.file("run.nii"), folder.file("run.vtc"), {});
   EXPECT_EQ(report.warnings,
             (std::vector<std::string>{
@@ -239,39 +267,40 @@ TEST(VtcImport, WarnsOfVoxelsThatNoMapCanHold) {
 }
 
 TEST(VtcImport, WarnsWhenTheShiftRoundsTheValues) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec = seriesSpec();
   spec.dataType = 16;
   spec.bitsPerValue = 32;
   const auto warningsFor = [&](double scale) {
     std::vector<double> values;
     for (int i = 0; i < kVoxels * kVolumes; ++i) values.push_back(scale * (i % 7));
-    fakes::writeBytes(folder.file("run.nii"), niftiHeader(spec) + niftiData(spec, values));
+    folder.write("run.nii", niftiHeader(spec) + niftiData(spec, values));
     ImportOptions options;
     options.maskPath = writeMask(folder);
     return formats::importVtc(folder.file("run.nii"), folder.file("run.vtc"), options).warnings;
   };
   EXPECT_TRUE(warningsFor(1).empty());
-  EXPECT_EQ(warningsFor(1e-4), (std::vector<std::string>{
+  EXPECT_EQ(warningsFor(1e-4),
+            (std::vector<std::string>{
                 "its values change so little from volume to volume that adding the constant rounds them: "
                 "multiply the image by a large number first"}));
 }
 
 TEST(VtcImport, RefusesMoreVolumesThanAVtcHolds) {
-  const TempFolder folder;
+  const Scratch folder;
   NiftiSpec spec;
   spec.version = 2;
   spec.dim = {4, 1, 1, 1, 40000, 1, 1, 1};
   spec.dataType = 2;
   spec.bitsPerValue = 8;
-  fakes::writeBytes(folder.file("run.nii"), niftiHeader(spec) + std::string(40000, 'x'));
-  EXPECT_EQ(messageOf([&] { formats::importVtc(folder.file("run.nii"), folder.file("run.vtc"), {}); }),
+  folder.write("run.nii", niftiHeader(spec) + std::string(40000, 'x'));
+  EXPECT_EQ(reasonOf([&] { formats::importVtc(folder.file("run.nii"), folder.file("run.vtc"), {}); }),
             "a VTC cannot hold 1 x 1 x 1 voxels x 40000 volumes. Crop the image or split the run.");
 }
 
 TEST(VtcImport, LeavesNothingWhenTheDiskIsFull) {
   for (const std::size_t memory : {std::size_t{0}, std::size_t{1} << 20U}) {
-    const TempFolder folder;
+    const Scratch folder;
     const std::string image = writeSeries(folder, seriesSpec());
     ImportOptions options;
     options.memoryBytes = memory;
@@ -280,8 +309,9 @@ TEST(VtcImport, LeavesNothingWhenTheDiskIsFull) {
       errno = ENOSPC;
       return -1;
     };
-    EXPECT_NE(messageOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }).find("No space left"),
-              std::string::npos);
+    EXPECT_NE(
+        reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), options); }).find("No space left"),
+        std::string::npos);
     std::size_t files = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path())) ++files;
     EXPECT_EQ(files, 1U);  // the image
@@ -289,7 +319,7 @@ TEST(VtcImport, LeavesNothingWhenTheDiskIsFull) {
 }
 
 TEST(VtcExport, TakesTheShiftOffAgain) {
-  const TempFolder folder;
+  const Scratch folder;
   ImportOptions options;
   options.maskPath = writeMask(folder);
   formats::importVtc(writeSeries(folder, seriesSpec()), folder.file("run.vtc"), options);
@@ -304,14 +334,15 @@ TEST(VtcExport, TakesTheShiftOffAgain) {
     for (int t = 0; t < kVolumes; ++t) {
       for (int v = 0; v < kVoxels; ++v) {
         const double expected = v % 3 == 0 ? storedValue(v, t) : 0;
-        ASSERT_EQ(values[static_cast<std::size_t>(t * kVoxels + v)], static_cast<float>(expected)) << v << ' ' << t;
+        ASSERT_EQ(values[static_cast<std::size_t>(t * kVoxels + v)], static_cast<float>(expected))
+            << v << ' ' << t;
       }
     }
   }
 }
 
 TEST(VtcExport, KeepsSixteenBitDataAndPlacesThemInTalairachSpace) {
-  const TempFolder folder;
+  const Scratch folder;
   fakes::VtcSpec spec;
   spec.nrOfVolumes = 4;
   std::vector<float> values(spec.nrOfVoxels() * 4);
@@ -326,7 +357,7 @@ TEST(VtcExport, KeepsSixteenBitDataAndPlacesThemInTalairachSpace) {
 }
 
 TEST(VtcExport, KeepsFractionsOfTheRepetitionTime) {
-  const TempFolder folder;
+  const Scratch folder;
   for (const std::int16_t version : {std::int16_t{2}, std::int16_t{3}}) {
     fakes::VtcSpec spec = fakes::cellGrid(2, 2, 2, 3);
     spec.version = version;
@@ -338,26 +369,27 @@ TEST(VtcExport, KeepsFractionsOfTheRepetitionTime) {
 }
 
 TEST(VtcFileHeader, RefusesForeignAndShortFiles) {
-  const TempFolder folder;
-  fakes::writeBytes(folder.file("a.vtc"), "no VTC at all");
-  EXPECT_EQ(messageOf([&] { (void)formats::readVtcFileHeader(folder.file("a.vtc")); }),
-            "it is no VTC file of version 2 or later, or its header is damaged. Make it anew with tavmap convert.");
+  const Scratch folder;
+  folder.write("a.vtc", "no VTC at all");
+  EXPECT_EQ(
+      reasonOf([&] { (void)formats::readVtcFileHeader(folder.file("a.vtc")); }),
+      "it is no VTC file of version 2 or later, or its header is damaged. Make it anew with tavmap convert.");
   const fakes::VtcSpec spec = fakes::cellGrid(2, 2, 2, 3);
-  fakes::writeBytes(folder.file("b.vtc"), fakes::vtcHeaderBytes(spec) + std::string(47, 'x'));
-  EXPECT_EQ(messageOf([&] { (void)formats::readVtcFileHeader(folder.file("b.vtc")); }),
+  folder.write("b.vtc", fakes::vtcHeaderBytes(spec) + std::string(47, 'x'));
+  EXPECT_EQ(reasonOf([&] { (void)formats::readVtcFileHeader(folder.file("b.vtc")); }),
             "the file ends before its last value. Get the file again from its source.");
 }
 
 TEST(VtcSidecar, RefusesMistakes) {
-  const TempFolder folder;
+  const Scratch folder;
   EXPECT_FALSE(formats::readVtcSidecar(folder.file("a.vtc")).has_value());
   formats::writeVtcSidecar(folder.file("a.vtc"), {});
-  const std::string good = fakes::readBytes(folder.file("a.vtc.json"));
+  const std::string good = contentOf(folder.file("a.vtc.json"));
   const auto messageWith = [&](const std::string& from, const std::string& to) {
     std::string text = good;
     text.replace(text.find(from), from.size(), to);
-    fakes::writeBytes(folder.file("a.vtc.json"), text);
-    return messageOf([&] { (void)formats::readVtcSidecar(folder.file("a.vtc")); });
+    folder.write("a.vtc.json", text);
+    return reasonOf([&] { (void)formats::readVtcSidecar(folder.file("a.vtc")); });
   };
   EXPECT_EQ(messageWith("\"shift\"", "\"shoft\""), "\"shift\" is missing. Add \"shift\".");
   EXPECT_EQ(messageWith("1.0,", "0.0,"), "affine: the transform has no inverse. Correct the matrix.");

@@ -5,18 +5,17 @@
 
 #include "host/exports.h"
 #include "tests/host/active_run.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using host_test::ActiveRun;
 using host_test::complaintAbout;
-using host_test::TemporaryFolder;
 
 void nothing(host::Workspace&) {}
 
 TEST(DialogOperations, HandOverTheAnswer) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   const std::string vtc = folder.write("a.vtc", "");
   ActiveRun active("message closed\nyes\nno\ninteger 3\nfloat 0.5\ntext faces\nopen " + vtc + "\nsave " +
                    (folder / "maps") + "\n");

@@ -91,9 +91,13 @@ TEST_F(MapOperations, SaveAndLoadTheSet) {
   NR_VMP_Header map{};
   zqGetNRVMPOfCurrentVMR(1, &map)[23] = -3.0F;
   std::strcpy(map.name, "faces: dTAV");
-  map.positiveColorTo = 255;
+  map.kind = 101;
+  map.positiveColorFrom = 64, map.positiveColorTo = 255;
+  map.negativeColorFrom = 16384, map.negativeColorTo = 65280;
   map.useColors = 1;
+  map.lowerThreshold = 3.0F;
   map.upperThreshold = 9.0F;
+  map.fdrThresholds[0] = 2.5F;
   map.fdrThresholds[1] = 1.5F;
   ASSERT_EQ(zqSetNRVMPParametersOfCurrentVMR(1, &map), 1);
   const std::string path = files.folder / "maps.tav";
@@ -108,9 +112,15 @@ TEST_F(MapOperations, SaveAndLoadTheSet) {
   EXPECT_STREQ(header.fdrThresholdNames[1], "thres q=0.050");
   EXPECT_EQ(zqGetNRVMPOfCurrentVMR(1, &loaded)[23], -3.0F);
   EXPECT_STREQ(loaded.name, "faces: dTAV");
+  EXPECT_EQ(loaded.kind, 101);
+  EXPECT_EQ(loaded.positiveColorFrom, 64);
   EXPECT_EQ(loaded.positiveColorTo, 255);
+  EXPECT_EQ(loaded.negativeColorFrom, 16384);
+  EXPECT_EQ(loaded.negativeColorTo, 65280);
   EXPECT_EQ(loaded.useColors, 1);
+  EXPECT_EQ(loaded.lowerThreshold, 3.0F);
   EXPECT_EQ(loaded.upperThreshold, 9.0F);
+  EXPECT_EQ(loaded.fdrThresholds[0], 2.5F);
   EXPECT_EQ(loaded.fdrThresholds[1], 1.5F);
 }
 

@@ -68,6 +68,7 @@ TEST(ProtocolOperations, BuildAndSaveAProtocol) {
   ASSERT_EQ(zqAddProtocolCondition(&condition), 1);
   ASSERT_EQ(zqAddProtocolConditionInterval(0, 1, 10), 1);
   ASSERT_EQ(zqAddProtocolConditionInterval(0, 20, 30), 1);
+  ASSERT_EQ(zqAddProtocolConditionInterval(0, 40, 40), 1) << "one volume is an interval";
   const std::string path = files.folder / "own.tsv";
   ASSERT_EQ(zqSaveProtocol(path.c_str()), 1);
 
@@ -76,9 +77,28 @@ TEST(ProtocolOperations, BuildAndSaveAProtocol) {
   ASSERT_EQ(zqLoadProtocol(path.c_str()), 1);
   ASSERT_EQ(zqGetProtocolCondition(0, &condition), 1);
   EXPECT_STREQ(condition.name, "all");
-  ASSERT_EQ(condition.nrOfIntervals, 2);
+  ASSERT_EQ(condition.nrOfIntervals, 3);
   EXPECT_EQ(condition.starts[1], 20);
   EXPECT_EQ(condition.ends[1], 30);
+  EXPECT_EQ(condition.starts[2], 40);
+  EXPECT_EQ(condition.ends[2], 40);
+}
+
+TEST(ProtocolOperations, ChangeNameFileAndTimeUnitOfTheProtocol) {
+  const SampleFiles files;
+  ActiveRun active;
+  ASSERT_EQ(zqLoadProtocol(files.volumeTable().c_str()), 1);
+  Protocol_Header header{};
+  header.timeResolution = kProtocolInMilliseconds;
+  std::strcpy(header.experimentName, "own");
+  std::strcpy(header.fileName, "own.prt");
+  ASSERT_EQ(zqSetProtocol(&header), 1);
+  Protocol_Header changed{};
+  ASSERT_EQ(zqGetProtocol(&changed), 1);
+  EXPECT_EQ(changed.timeResolution, kProtocolInMilliseconds);
+  EXPECT_STREQ(changed.experimentName, "own");
+  EXPECT_STREQ(changed.fileName, "own.prt");
+  EXPECT_EQ(changed.nrOfConditions, 2) << "conditions stay";
 }
 
 TEST(ProtocolOperations, CopyTheIntervalsOfAnAddedCondition) {

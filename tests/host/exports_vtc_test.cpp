@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "host/exports.h"
+#include "tests/fakes/vtc_file.h"
 #include "tests/host/active_run.h"
 #include "tests/host/sample_workspace.h"
 
@@ -47,6 +48,18 @@ TEST_F(VtcOperations, MakeTheProtocolOfAReturnedHeaderCurrent) {
   EXPECT_EQ(header().nrOfLinkedProtocols, 1);
 }
 
+TEST_F(VtcOperations, UnlinkTheProtocolWhenTheReturnedHeaderNamesNone) {
+  VTC_Header changed = header();
+  std::strcpy(changed.protocolName, files.events().c_str());
+  ASSERT_EQ(zqSetVTCParametersOfCurrentVMR(&changed), 1);
+  changed.protocolName[0] = '\0';
+  ASSERT_EQ(zqSetVTCParametersOfCurrentVMR(&changed), 1);
+  EXPECT_EQ(header().nrOfLinkedProtocols, 0);
+  EXPECT_STREQ(header().protocolName, "");
+  Protocol_Header protocol{};
+  EXPECT_EQ(zqGetProtocol(&protocol), 0);
+}
+
 TEST_F(VtcOperations, LeaveNoProtocolWhenTheNewOneCannotBeRead) {
   VTC_Header changed = header();
   std::strcpy(changed.protocolName, (files.folder / "absent.prt").c_str());
@@ -72,14 +85,52 @@ TEST_F(VtcOperations, TakeAChangedRepetitionTime) {
   EXPECT_EQ(header().tr, 1500);
 }
 
+// "Not known": the plug-in then asks for volumes.
+TEST_F(VtcOperations, TakeARepetitionTimeOf0) {
+  VTC_Header changed = header();
+  changed.tr = 0;
+  ASSERT_EQ(zqSetHeaderOfVTCOfCurrentVMR(&changed), 1);
+  EXPECT_EQ(header().tr, 0);
+}
+
+// A box of resolution 3 that starts at (57, 52, 59): every coordinate of a cell finds it.
+TEST_F(VtcOperations, CountCoordinatesFromTheStartOfTheBox) {
+  fakes::VtcSpec spec;
+  spec.xEnd = spec.xStart + 6, spec.yEnd = spec.yStart + 9, spec.zEnd = spec.zStart + 6;
+  spec.nrOfVolumes = 2;
+  spec.nrOfLinkedProtocols = 0;
+  spec.protocolName = "";
+  std::vector<float> courses;
+  for (std::size_t cell = 0; cell < spec.nrOfVoxels(); ++cell)
+    courses.insert(courses.end(), {static_cast<float>(cell), 500.0F});
+  fakes::writeVtc(files.folder / "box.vtc", spec, courses);
+  ASSERT_EQ(zqLinkVTCToCurrentVMR((files.folder / "box.vtc").c_str(), 0), 1);
+  float values[2] = {};
+  EXPECT_EQ(zqGetVoxelCoordsTimeCourseOfVTC(0, 57, 52, 59, values), 2);
+  EXPECT_EQ(values[0], 0.0F);
+  EXPECT_EQ(zqGetVoxelCoordsTimeCourseOfVTC(0, 60, 52, 59, values), 2);
+  EXPECT_EQ(values[0], 1.0F);
+  EXPECT_EQ(zqGetVoxelCoordsTimeCourseOfVTC(0, 57, 57, 59, values), 2);
+  EXPECT_EQ(values[0], 2.0F);
+  EXPECT_EQ(zqGetVoxelCoordsTimeCourseOfVTC(0, 59, 54, 64, values), 2);
+  EXPECT_EQ(values[0], 6.0F);
+  EXPECT_EQ(values[1], 500.0F);
+}
+
 TEST_F(VtcOperations, GiveTimeCoursesByVoxelAndByCoordinates) {
   float values[host_test::kSampleVolumes] = {};
   EXPECT_EQ(zqGetVoxelTimeCourseOfVTC(0, 5, values), host_test::kSampleVolumes);
   EXPECT_EQ(values[0], 1050.0F);
   EXPECT_EQ(values[11], 1061.0F);
-  const int cell = (1 * host_test::kSampleY + 2) * host_test::kSampleX + 3;
-  EXPECT_EQ(zqGetVoxelCoordsTimeCourseOfVTC(0, 3, 2, 1, values), host_test::kSampleVolumes);
-  EXPECT_EQ(values[0], 1000.0F + 10.0F * static_cast<float>(cell));
+  for (int z = 0; z < host_test::kSampleZ; ++z) {
+    for (int y = 0; y < host_test::kSampleY; ++y) {
+      for (int x = 0; x < host_test::kSampleX; ++x) {
+        const int cell = (z * host_test::kSampleY + y) * host_test::kSampleX + x;
+        EXPECT_EQ(zqGetVoxelCoordsTimeCourseOfVTC(0, x, y, z, values), host_test::kSampleVolumes);
+        EXPECT_EQ(values[0], 1000.0F + 10.0F * static_cast<float>(cell)) << x << " " << y << " " << z;
+      }
+    }
+  }
 }
 
 TEST_F(VtcOperations, GiveTimeCoursesOverSeveralVtcs) {

@@ -6,14 +6,13 @@
 
 #include "host/script_front_end.h"
 #include "tests/host/ending.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using host::LogPane;
 using host::reportsFailure;
 using host_test::endingOf;
-using host_test::TemporaryFolder;
 
 struct Pane {
   explicit Pane(bool quiet = false) : frontEnd(host::parseScript("", "s.txt"), out), pane(frontEnd, quiet) {}
@@ -23,24 +22,24 @@ struct Pane {
 };
 
 TEST(LogPane, ShowsEveryBlockAndWritesItIntoTheLogFile) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   Pane p;
   p.pane.writeTo(folder / "host.log");
   p.pane.append("// TAV> <b>one</b>\n// TAV> two");
   p.pane.append("");
   EXPECT_TRUE(p.pane.close());
   EXPECT_EQ(p.out.str(), "// TAV> one\n// TAV> two\n\n");
-  EXPECT_EQ(host_test::contentOf(folder / "host.log"), p.out.str());
+  EXPECT_EQ(contentOf(folder / "host.log"), p.out.str());
 }
 
 TEST(LogPane, ShowsNothingWhenQuietButStillWritesTheFile) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   Pane p(true);
   p.pane.writeTo(folder / "host.log");
   p.pane.append("text");
   EXPECT_TRUE(p.pane.close());
   EXPECT_EQ(p.out.str(), "");
-  EXPECT_EQ(host_test::contentOf(folder / "host.log"), "text\n");
+  EXPECT_EQ(contentOf(folder / "host.log"), "text\n");
 }
 
 TEST(LogPane, SaysWhichLogFileCannotBeWritten) {

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <vector>
 
+#include "tests/fakes/vtc_file.h"
+
 namespace host_test {
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/workspace.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/scratch.h"
 
 namespace host_test {
 
@@ -18,7 +18,7 @@ std::string niftiBytes(int x, int y, int z);
 // Files are made when they are asked for; every function returns a path.
 class SampleFiles {
  public:
-  TemporaryFolder folder;
+  Scratch folder;
 
   std::string anatomy() const { return folder.write("t1.nii", niftiBytes(kSampleX, kSampleY, kSampleZ)); }
   // Value of cell c at volume v: 1000 + 10 c + v.

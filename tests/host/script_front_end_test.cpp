@@ -7,13 +7,12 @@
 #include <sstream>
 
 #include "tests/host/ending.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using host::ScriptFrontEnd;
 using host_test::endingOf;
-using host_test::TemporaryFolder;
 using testing::HasSubstr;
 
 struct Scripted {
@@ -92,7 +91,7 @@ TEST(ScriptFrontEnd, EndsTheRunAtAMessageThatWasNotAnnounced) {
 }
 
 TEST(ScriptFrontEnd, ResolvesPathsAgainstTheScriptsFolder) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   const std::string vtc = folder.write("run1.vtc", "x");
   Scripted s("open ./run1.vtc\nsave maps\n", folder / "s.txt");
   EXPECT_EQ(s.frontEnd.askFileToOpen({"Open", "", "", 260}), vtc);
@@ -100,7 +99,7 @@ TEST(ScriptFrontEnd, ResolvesPathsAgainstTheScriptsFolder) {
 }
 
 TEST(ScriptFrontEnd, RefusesFilesThatADialogCouldNotGive) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   const auto openEnding = [&](const std::string& answer) {
     Scripted s(answer, folder / "s.txt");
     return endingOf([&] { s.frontEnd.askFileToOpen({"Open", "", "", 260}); });
@@ -116,7 +115,7 @@ TEST(ScriptFrontEnd, RefusesFilesThatADialogCouldNotGive) {
 }
 
 TEST(ScriptFrontEnd, RefusesAPathThatIsTooLongForPlugins) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   const std::string path = folder.write(std::string(250, 'x'), "");
   Scripted s("open " + path, folder / "s.txt");
   EXPECT_THAT(endingOf([&] {

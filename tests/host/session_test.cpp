@@ -10,6 +10,7 @@
 
 #include "host/script_front_end.h"
 #include "tests/host/sample_workspace.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
@@ -243,7 +244,7 @@ TEST_F(Sessions, NameAnInputThatCannotBeRead) {
 TEST_F(Sessions, WriteTheLogFile) {
   options.logPath = files.folder / "host.log";
   EXPECT_EQ(run("log-warning"), 0);
-  EXPECT_EQ(host_test::contentOf(options.logPath), "// ACT> WARNING: nothing to worry about\n");
+  EXPECT_EQ(contentOf(options.logPath), "// ACT> WARNING: nothing to worry about\n");
   options.logPath = "/dev/full";
   EXPECT_EQ(run("log-warning"), 1);
   EXPECT_EQ(err, "tavmap: The log file /dev/full could not be written to its end; check the free space.\n");

@@ -7,13 +7,12 @@
 #include <sstream>
 
 #include "tests/host/ending.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using host::TerminalFrontEnd;
 using host_test::endingOf;
-using host_test::TemporaryFolder;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -109,7 +108,7 @@ TEST(TerminalFrontEnd, UnderstandsYesAndNo) {
 }
 
 TEST(TerminalFrontEnd, AsksAgainForAFileThatDoesNotExist) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   const std::string vtc = folder.write("run1.vtc", "x");
   Typed t((folder / "absent.vtc") + "\n\n" + vtc + "\n");
   EXPECT_EQ(t.frontEnd.askFileToOpen(kFile), vtc);
@@ -120,14 +119,14 @@ TEST(TerminalFrontEnd, AsksAgainForAFileThatDoesNotExist) {
 }
 
 TEST(TerminalFrontEnd, GivesAbsolutePathsFromTheStartFolder) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   EXPECT_EQ(Typed("maps\n").frontEnd.askFileToSave({"Save", folder.path(), "", 260}), folder / "maps");
   EXPECT_EQ(Typed("maps\n").frontEnd.askFileToSave({"Save", "", "", 260}),
             (std::filesystem::current_path() / "maps").string());
 }
 
 TEST(TerminalFrontEnd, AsksAgainForAFolderThatDoesNotExist) {
-  const TemporaryFolder folder;
+  const Scratch folder;
   Typed t("absent/maps\n" + folder.path() + "/\nmaps\n");
   EXPECT_EQ(t.frontEnd.askFileToSave({"Save", folder.path(), "", 260}), folder / "maps");
   EXPECT_THAT(t.out.str(), HasSubstr("there is no folder " + (folder / "absent") + "\n"));

@@ -34,18 +34,27 @@ TEST(OperationTable, Has149DifferentOperations) {
 // Families of the table by their first and last operations, counted from 0.
 TEST(OperationTable, KeepsItsOrder) {
   const auto names = fakes::operationNames();
-  const std::vector<std::pair<std::size_t, std::string>> landmarks = {
-      {0, kVersionOperation},           {5, "zqLogText"},
-      {6, "zqMessageBox"},              {15, "zqStopBusyCursor"},
-      {16, "zqGetNumberOfDocsInWorkspace"}, {21, "zqCalculateIAMatrix"},
-      {23, "zqGetHeaderOfCurrentFMR"},  {32, "zqGetHeaderOfCurrentDMR"},
-      {40, "zqGetCurrentVMR"},          {49, "zqGetNRVMPsOfCurrentVMR"},
-      {56, "zqSetNRVMPsParamsDisplayRange"}, {57, "zqGetARVMPsOfCurrentVMR"},
-      {64, "zqLinkVTCToCurrentVMR"},    {79, "zqGetGLMOfCurrentVMR"},
-      {82, "zqGetScene"},               {108, "zqClearProtocol"},
-      {116, "zqClearDesignMatrix"},     {128, "zqLoadVOIs"},
-      {136, "zqGetStringParameter"},    {142, "zqGetDlgStringParameter"},
-      {148, "zqLaunchICADialog"}};
+  const std::vector<std::pair<std::size_t, std::string>> landmarks = {{0, kVersionOperation},
+                                                                      {5, "zqLogText"},
+                                                                      {6, "zqMessageBox"},
+                                                                      {15, "zqStopBusyCursor"},
+                                                                      {16, "zqGetNumberOfDocsInWorkspace"},
+                                                                      {21, "zqCalculateIAMatrix"},
+                                                                      {23, "zqGetHeaderOfCurrentFMR"},
+                                                                      {32, "zqGetHeaderOfCurrentDMR"},
+                                                                      {40, "zqGetCurrentVMR"},
+                                                                      {49, "zqGetNRVMPsOfCurrentVMR"},
+                                                                      {56, "zqSetNRVMPsParamsDisplayRange"},
+                                                                      {57, "zqGetARVMPsOfCurrentVMR"},
+                                                                      {64, "zqLinkVTCToCurrentVMR"},
+                                                                      {79, "zqGetGLMOfCurrentVMR"},
+                                                                      {82, "zqGetScene"},
+                                                                      {108, "zqClearProtocol"},
+                                                                      {116, "zqClearDesignMatrix"},
+                                                                      {128, "zqLoadVOIs"},
+                                                                      {136, "zqGetStringParameter"},
+                                                                      {142, "zqGetDlgStringParameter"},
+                                                                      {148, "zqLaunchICADialog"}};
   for (const auto& [position, name] : landmarks) EXPECT_EQ(names.at(position), name) << position;
 }
 

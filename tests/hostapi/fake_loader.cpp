@@ -7,7 +7,9 @@
 namespace fakes {
 namespace {
 
-void mustNotBeCalled() { std::abort(); }
+void mustNotBeCalled() {
+  std::abort();
+}
 
 }  // namespace
 

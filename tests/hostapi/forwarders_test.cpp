@@ -58,13 +58,15 @@ T result() {
 }  // namespace host
 
 template <typename Result, typename... Arguments, std::size_t... Position>
-void expectForwards(const std::string& name, Result (*forwarder)(Arguments...), std::index_sequence<Position...>) {
+void expectForwards(const std::string& name, Result (*forwarder)(Arguments...),
+                    std::index_sequence<Position...>) {
   const std::vector<std::string> given = {bytesOf(sample<Arguments>(static_cast<int>(Position)))...};
   calledName.clear();
   if constexpr (std::is_void_v<Result>) {
     forwarder(sample<Arguments>(static_cast<int>(Position))...);
   } else {
-    EXPECT_EQ(forwarder(sample<Arguments>(static_cast<int>(Position))...), sample<Result>(kResultPosition)) << name;
+    EXPECT_EQ(forwarder(sample<Arguments>(static_cast<int>(Position))...), sample<Result>(kResultPosition))
+        << name;
   }
   EXPECT_EQ(calledName, name);
   EXPECT_EQ(seenArguments, given) << name;

@@ -18,7 +18,8 @@ class Version : public testing::TestWithParam<Case> {};
 TEST_P(Version, IsComparedLexicographically) {
   const Case& host = GetParam();
   EXPECT_EQ(checkVersionGreaterEqualVersion(host.major, host.minor, host.patch, 2, 1, 0), host.enough);
-  EXPECT_EQ(static_intf::checkVersionGreaterEqualVersion(host.major, host.minor, host.patch, 2, 1, 0), host.enough);
+  EXPECT_EQ(static_intf::checkVersionGreaterEqualVersion(host.major, host.minor, host.patch, 2, 1, 0),
+            host.enough);
 }
 
 INSTANTIATE_TEST_SUITE_P(AgainstTwoOneZero, Version,

@@ -7,13 +7,14 @@
 #include <string>
 
 #include "tests/fakes/vtc_file.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 // A header read back from bytes.
 struct ReadHeader {
   explicit ReadHeader(const std::string& bytes) {
-    fakes::writeBytes(folder.file("h.vtc"), bytes);
+    folder.write("h.vtc", bytes);
     std::FILE* const file = std::fopen(folder.file("h.vtc").c_str(), "rb");
     std::memset(&header, 0x5A, sizeof header);  // what the reader leaves alone must not matter
     ok = readVTCHeader(file, header);
@@ -22,7 +23,7 @@ struct ReadHeader {
   }
   explicit ReadHeader(const fakes::VtcSpec& spec) : ReadHeader(fakes::vtcHeaderBytes(spec) + "data follow") {}
 
-  fakes::TempFolder folder;
+  Scratch folder;
   VTC_Header header;
   bool ok;
   long position;

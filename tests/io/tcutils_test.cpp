@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/fakes/vtc_file.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
@@ -46,7 +47,7 @@ class OpenVtc {
     file = std::fopen(folder_.file("v.vtc").c_str(), "rb");
     EXPECT_TRUE(readVTCHeader(file, header));
   }
-  fakes::TempFolder folder_;
+  Scratch folder_;
 };
 
 std::vector<std::int32_t> cube(std::int32_t centre, std::int32_t radius) {

@@ -4,17 +4,15 @@
 #include <cmath>
 #include <cstring>
 
+#include "tests/support/autoregressive.h"
+
 namespace cases {
 namespace {
 
 using tav::kernel::Element;
 
 std::vector<double> autoregression(std::mt19937& random, int n, double coefficient) {
-  std::normal_distribution<double> normal;
-  std::vector<double> x(static_cast<std::size_t>(n));
-  double last = 0.0;
-  for (double& v : x) v = last = coefficient * last + normal(random);
-  return x;
+  return autoregressive(static_cast<std::size_t>(n), coefficient, normalFrom(random));
 }
 
 std::vector<float> asData(const std::vector<double>& x, double mean, double sd, double drift,
@@ -88,7 +86,7 @@ class Courses {
 tav::kernel::PlanSpec specOf(const Condition& condition, std::vector<std::vector<float>>& rows) {
   tav::kernel::PlanSpec spec{condition.order,
                              condition.draws,
-                             condition.consistentPairs,
+                             condition.leastSquares,
                              static_cast<int>(condition.sets.front().surrogates.size()),
                              {}};
   for (const Set& set : condition.sets) {
@@ -108,7 +106,7 @@ tav::kernel::PlanSpec specOf(const Condition& condition, std::vector<std::vector
 
 // From [voxel][cell] to [cell][voxel], `stride` values a cell.
 std::vector<std::uint32_t> drawnByCell(const Condition& condition, std::size_t stride) {
-  const std::size_t cells = condition.nrOfIntervals() * static_cast<std::size_t>(condition.draws);
+  const std::size_t cells = condition.drawsPerVoxel();
   std::vector<std::uint32_t> drawn(cells * stride);
   for (std::size_t i = 0; i < condition.drawn.size(); ++i)
     drawn[i % cells * stride + i / cells] = condition.drawn[i];
@@ -123,13 +121,16 @@ std::size_t Condition::nrOfIntervals() const {
   return n;
 }
 
+std::size_t Condition::drawsPerVoxel() const {
+  return (leastSquares ? 1 : nrOfIntervals()) * static_cast<std::size_t>(draws);
+}
+
 Condition makeCondition(const Shape& shape, std::uint32_t seed) {
   std::mt19937 random(seed);
-  Condition condition{shape.order, shape.draws, shape.consistentPairs, {}, {}};
+  Condition condition{shape.order, shape.draws, shape.leastSquares, {}, {}};
   for (const auto& lengths : shape.lengths) condition.sets.push_back(makeSet(shape, lengths, random));
   std::uniform_int_distribution<std::uint32_t> draw(0, static_cast<std::uint32_t>(shape.nrOfSurrogates - 1));
-  condition.drawn.resize(shape.nrOfVoxels * condition.nrOfIntervals() *
-                         static_cast<std::size_t>(shape.draws));
+  condition.drawn.resize(shape.nrOfVoxels * condition.drawsPerVoxel());
   for (auto& index : condition.drawn) index = draw(random);
   return condition;
 }
@@ -171,11 +172,12 @@ Results run(const tav::kernel::Kernel& kernel, const Condition& condition, std::
 
 oracle::Answer expected(const Condition& condition, std::size_t voxel, int draw) {
   std::vector<oracle::Segment> segments;
-  std::size_t cell = voxel * condition.nrOfIntervals();
+  const std::size_t first = voxel * condition.drawsPerVoxel() + static_cast<std::size_t>(std::max(draw, 0));
+  std::size_t cell = 0;
   for (const Set& set : condition.sets) {
     for (const auto& interval : set.intervals) {
-      const std::size_t chosen = condition.drawn[cell++ * static_cast<std::size_t>(condition.draws) +
-                                                 static_cast<std::size_t>(std::max(draw, 0))];
+      const std::size_t chosen = condition.drawn[first + cell * static_cast<std::size_t>(condition.draws)];
+      if (!condition.leastSquares) ++cell;
       const std::vector<float>& x = draw < 0 ? set.reference : set.surrogates[chosen];
       const std::vector<float>& y = set.voxels[voxel];
       oracle::Segment segment;
@@ -186,7 +188,7 @@ oracle::Answer expected(const Condition& condition, std::size_t voxel, int draw)
       segments.push_back(std::move(segment));
     }
   }
-  return oracle::geweke(segments, condition.order, condition.consistentPairs);
+  return oracle::geweke(segments, condition.order, condition.leastSquares);
 }
 
 }  // namespace cases

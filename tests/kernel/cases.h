@@ -24,18 +24,19 @@ struct Set {
 struct Condition {
   int order = 1;
   int draws = 1;
-  bool consistentPairs = false;
+  bool leastSquares = false;
   std::vector<Set> sets;
   std::vector<std::uint32_t> drawn;  // [voxel][interval][draw]
 
   [[nodiscard]] std::size_t nrOfVoxels() const { return sets.front().voxels.size(); }
   [[nodiscard]] std::size_t nrOfIntervals() const;
+  [[nodiscard]] std::size_t drawsPerVoxel() const;
 };
 
 struct Shape {
   int order = 1;
   int draws = 1;
-  bool consistentPairs = false;
+  bool leastSquares = false;
   std::size_t nrOfVoxels = 40;
   int nrOfSurrogates = 12;
   std::vector<std::vector<int>> lengths = {{120}};  // per set, per interval

@@ -10,6 +10,7 @@
 
 #include "tav/kernel/dispatch.h"
 #include "tav/voxel_path.h"
+#include "tests/kernel/course_kinds.h"
 
 namespace differential {
 
@@ -22,12 +23,11 @@ struct Case {
   std::deque<std::vector<float>> floats;  // one of the two per file
   std::deque<std::vector<std::uint16_t>> shorts;
   std::vector<tav::VoxelData> data;
-  std::vector<int> kinds;  // [file][voxel]: which kind of course was made, for reports
+  std::vector<CourseKind> kinds;  // [file][voxel]: which kind of course was made, for reports
 };
 
-// Random order, form, draws, files, sets and intervals; voxels and references of all kinds:
-// autoregressive, coupled, constant, straight, periodic, equal to the reference, with outliers,
-// NaN and infinities, huge and tiny. The same seed gives the same case.
+// Random order, form, draws, files, sets and intervals; voxels and references of all kinds. The same seed
+// gives the same case.
 void makeCase(std::uint32_t seed, Case& made);
 
 struct Outcome {

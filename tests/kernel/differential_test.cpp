@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "tav/kernel_path.h"
+#include "tav/reference_path.h"
 #include "tests/kernel/every_kernel.h"
 
 namespace {
@@ -15,6 +16,23 @@ using KernelAgainstReference = EveryKernel;
 TEST_P(KernelAgainstReference, AgreesOnRandomJobs) {
   for (std::uint32_t seed = 1; seed <= 300; ++seed)
     ASSERT_EQ(differential::check(kernel(), seed), "") << "seed " << seed;
+}
+
+// As many as a run takes by default, and as many as there may be.
+TEST_P(KernelAgainstReference, AgreesForManyNullDraws) {
+  for (const int draws : {9, 20, 100}) {
+    for (std::uint32_t seed = 1; seed <= 20; ++seed) {
+      differential::Case made;
+      differential::makeCase(seed, made);
+      made.job.nullDraws = draws;
+      tav::KernelPath path(kernel());
+      tav::ReferencePath reference;
+      ASSERT_EQ(differential::difference(made, differential::run(path, made, 1000),
+                                         differential::run(reference, made, 1000)),
+                "")
+          << "seed " << seed << " draws " << draws;
+    }
+  }
 }
 
 // Jobs in which kernels once decided about a voxel that the reference fits.

@@ -16,9 +16,9 @@ Square squareOf(std::size_t n) {
 // Moments of the variables (series s, lag m), m = 0 ... p, at index 2 m + s.
 class Moments {
  public:
-  Moments(const std::vector<Segment>& segments, int order, bool consistentPairs)
+  Moments(const std::vector<Segment>& segments, int order, bool leastSquares)
       : order_(order),
-        consistent_(consistentPairs),
+        leastSquares_(leastSquares),
         matrix_(squareOf(2 * static_cast<std::size_t>(order + 1))) {
     for (const Segment& segment : segments) add({detrended(segment.x), detrended(segment.y)});
   }
@@ -44,9 +44,15 @@ class Moments {
     const Series& b = data[static_cast<std::size_t>(j)];
     const auto n = a.size(), d = static_cast<std::size_t>(m - k);
     double sum = 0.0;
+    if (leastSquares_) {
+      for (auto t = static_cast<std::size_t>(order_); t < n; ++t)
+        sum += a[t - static_cast<std::size_t>(m)] * b[t - static_cast<std::size_t>(k)];
+      matrix_[index(i, m)][index(j, k)] += sum;
+      if (m != k) matrix_[index(j, k)][index(i, m)] += sum;
+      return;
+    }
     for (std::size_t t = d; t < n; ++t) {
-      const bool rowIsEarlier = consistent_ || k == 0;
-      sum += rowIsEarlier ? a[t - d] * b[t] : a[t] * b[t - d];
+      sum += k == 0 ? a[t - d] * b[t] : a[t] * b[t - d];
     }
     for (std::size_t t = n - static_cast<std::size_t>(k); t < n; ++t) sum -= a[t - d] * b[t];
     sum /= static_cast<double>(n);
@@ -55,7 +61,7 @@ class Moments {
   }
 
   int order_;
-  bool consistent_;
+  bool leastSquares_;
   Square matrix_;
 };
 
@@ -136,8 +142,8 @@ Series detrended(const Series& values) {
   return residuals;
 }
 
-Answer geweke(const std::vector<Segment>& segments, int order, bool consistentPairs) {
-  const Moments moments(segments, order, consistentPairs);
+Answer geweke(const std::vector<Segment>& segments, int order, bool leastSquares) {
+  const Moments moments(segments, order, leastSquares);
   Answer answer;
   std::vector<Variable> joint, single[2];
   for (int m = 1; m <= order; ++m) {

@@ -25,7 +25,7 @@ struct Answer {
 };
 
 Series detrended(const Series& values);
-Answer geweke(const std::vector<Segment>& segments, int order, bool consistentPairs);
+Answer geweke(const std::vector<Segment>& segments, int order, bool leastSquares);
 
 }  // namespace oracle
 

@@ -81,11 +81,11 @@ void expectAgreement(const Kernel& kernel, const cases::Shape& shape, std::uint3
   }
 }
 
-TEST_P(KernelAgainstOracle, AgreesWithTheOracleAtEveryOrderInTheConsistentForm) {
+TEST_P(KernelAgainstOracle, AgreesWithTheOracleAtEveryOrderInLeastSquares) {
   for (int order = 1; order <= 20; ++order) {
     cases::Shape shape;
     shape.order = order;
-    shape.consistentPairs = true;
+    shape.leastSquares = true;
     shape.lengths = {{150}};
     expectAgreement(kernel(), shape, static_cast<std::uint32_t>(order));
   }
@@ -112,11 +112,14 @@ TEST_P(KernelAgainstOracle, AgreesWithTheOracleOver16BitDataInSeveralSetsAndInte
 
 TEST_P(KernelAgainstOracle, AgreesWithTheOracleForEveryDraw) {
   for (int order : {1, 4}) {
-    cases::Shape shape;
-    shape.order = order;
-    shape.draws = 5;
-    shape.lengths = {{60, 50}};
-    expectAgreement(kernel(), shape, 300 + static_cast<std::uint32_t>(order));
+    for (const int draws : {5, 8, 9, 20}) {  // more than one round of rows
+      cases::Shape shape;
+      shape.order = order;
+      shape.draws = draws;
+      shape.nrOfSurrogates = 40;
+      shape.lengths = {{60, 50}};
+      expectAgreement(kernel(), shape, 300 + static_cast<std::uint32_t>(order * draws));
+    }
   }
 }
 

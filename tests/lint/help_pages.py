@@ -130,9 +130,9 @@ def check_settings(pages, root):
 
 
 def check_map_types(pages, root):
-    names = re.search(r"MAPTYPE_NAMES = \{(.*?)\}", (root / "tav/tav_defs.h").read_text(encoding="utf-8"), re.DOTALL)
+    rows = (root / "tav/map_kinds.def").read_text(encoding="utf-8")
     anchors = pages["maps.html"].anchors if "maps.html" in pages else set()
-    for name in re.findall(r'"(\w+)"', names.group(1)) if names else ["the list of map types"]:
+    for name in re.findall(r"^TAV_MAP_KIND\((\w+)", rows, re.MULTILINE) or ["the list of map types"]:
         if name not in anchors:
             yield f"maps.html: does not explain {name}"
 

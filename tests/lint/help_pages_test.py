@@ -17,7 +17,8 @@ class HelpPagesTest(unittest.TestCase):
         self.addCleanup(temporary.cleanup)
         self.root = Path(temporary.name)
         shutil.copytree(ROOT / "help", self.root / "help")
-        for path in [*(ROOT / "plugin").glob("*.cpp"), ROOT / "plugin/TAVPlugin.ini", ROOT / "tav/tav_defs.h"]:
+        for path in [*(ROOT / "plugin").glob("*.cpp"), ROOT / "plugin/TAVPlugin.ini", ROOT / "tav/tav_defs.h",
+                     ROOT / "tav/map_kinds.def"]:
             target = self.root / path.relative_to(ROOT)
             target.parent.mkdir(exist_ok=True)
             shutil.copy(path, target)

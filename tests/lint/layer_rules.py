@@ -8,15 +8,23 @@ ARROWS = {
     "tav/kernel": set(),
     "io": {"simo"},
     "hostapi": set(),
-    "tav": {"simo", "io", "hostapi", "tav/kernel"},
+    "tav": {"simo", "io", "tav/kernel"},
     "plugin": {"tav", "io", "hostapi"},
     "render": set(),
     "formats": {"io"},
     "host": {"hostapi", "formats"},
-    # A study runs the engine without a plug-in, so it binds the operations itself.
-    "study": {"tav", "formats", "host", "hostapi"},
+    "direction": {"simo"},
+    "suitability": {"simo", "direction"},
+    "inspect": {"io", "formats", "render"},
+    "request": {"tav"},
+    "bids": {"request"},
+    "prepare": {"request", "bids", "formats"},
+    "results": {"tav", "request", "bids", "prepare", "formats"},
+    "study": {"tav", "request", "bids", "prepare", "results", "formats"},
+    "group": {"tav", "request", "bids", "results", "formats"},
     "simulation": {"formats"},
-    "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "study", "simulation"},
+    "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
+            "results", "study", "group", "simulation"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

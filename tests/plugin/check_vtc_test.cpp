@@ -37,9 +37,9 @@ TEST_F(CheckVtc, TheFirstFileFixesTheGeometry) {
 TEST_F(CheckVtc, EveryFieldOfTheGeometryMustAgree) {
   ASSERT_TRUE(check({}));
   const std::vector<std::function<void(fakes::VtcSpec&)>> changes = {
-      [](fakes::VtcSpec& s) { s.xStart -= 3; }, [](fakes::VtcSpec& s) { s.xEnd += 3; },
-      [](fakes::VtcSpec& s) { s.yStart -= 3; }, [](fakes::VtcSpec& s) { s.yEnd += 3; },
-      [](fakes::VtcSpec& s) { s.zStart -= 3; }, [](fakes::VtcSpec& s) { s.zEnd += 3; },
+      [](fakes::VtcSpec& s) { s.xStart -= 3; },   [](fakes::VtcSpec& s) { s.xEnd += 3; },
+      [](fakes::VtcSpec& s) { s.yStart -= 3; },   [](fakes::VtcSpec& s) { s.yEnd += 3; },
+      [](fakes::VtcSpec& s) { s.zStart -= 3; },   [](fakes::VtcSpec& s) { s.zEnd += 3; },
       [](fakes::VtcSpec& s) { s.resolution = 1; }};
   for (std::size_t i = 0; i < changes.size(); ++i) {
     fakes::VtcSpec spec;
@@ -78,7 +78,7 @@ TEST_F(CheckVtc, DoesNotCompareTheReferenceSpace) {
 TEST_F(CheckVtc, AFileThatCannotBeReadTouchesNothing) {
   EXPECT_FALSE(plugin.checkVTC(pars, folder.file("missing.vtc")));
   EXPECT_FALSE(plugin.checkVTC(pars, folder.path()));
-  fakes::writeBytes(folder.file("empty.vtc"), "");
+  folder.write("empty.vtc", "");
   EXPECT_FALSE(plugin.checkVTC(pars, folder.file("empty.vtc")));
   EXPECT_EQ(pars.vtcXStart, -1);
 }
@@ -101,9 +101,9 @@ TEST_F(CheckVtc, AReadHeaderClosesItsFile) {
 
 TEST_F(CheckVtc, GeometryWithoutDataIsRefusedAndTouchesNothing) {
   const std::vector<std::function<void(fakes::VtcSpec&)>> faults = {
-      [](fakes::VtcSpec& s) { s.resolution = 0; },     [](fakes::VtcSpec& s) { s.resolution = -3; },
-      [](fakes::VtcSpec& s) { s.nrOfVolumes = 0; },    [](fakes::VtcSpec& s) { s.nrOfVolumes = -1; },
-      [](fakes::VtcSpec& s) { s.xEnd = s.xStart; },    [](fakes::VtcSpec& s) { s.yEnd = s.yStart; },
+      [](fakes::VtcSpec& s) { s.resolution = 0; },           [](fakes::VtcSpec& s) { s.resolution = -3; },
+      [](fakes::VtcSpec& s) { s.nrOfVolumes = 0; },          [](fakes::VtcSpec& s) { s.nrOfVolumes = -1; },
+      [](fakes::VtcSpec& s) { s.xEnd = s.xStart; },          [](fakes::VtcSpec& s) { s.yEnd = s.yStart; },
       [](fakes::VtcSpec& s) { std::swap(s.zStart, s.zEnd); }};
   for (std::size_t i = 0; i < faults.size(); ++i) {
     fakes::VtcSpec spec;

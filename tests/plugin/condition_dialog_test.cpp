@@ -27,7 +27,9 @@ class ConditionDialog : public PluginTestCase {
   const std::string run1 = headerOnlyVtc("run1.vtc");
 };
 
-auto named(const std::string& name) { return Field(&tav::TAV_Cond_Pars::name, name); }
+auto named(const std::string& name) {
+  return Field(&tav::TAV_Cond_Pars::name, name);
+}
 
 TEST_F(ConditionDialog, AsksForReferencesMethodConditionsAndPrefix) {
   host.answerInteger(2).answerInteger(1).answerText("faces");
@@ -39,15 +41,18 @@ TEST_F(ConditionDialog, AsksForReferencesMethodConditionsAndPrefix) {
   ASSERT_EQ(host.prompts.size(), 9U);
 
   EXPECT_EQ(host.prompts[1].text,
-            "<b>Interval selection</b><br>How do you want to select the vtc-intervals (conditions) used to compute the "
-            "TAVs?<br><br><b>Choose an option:</b><br>1. Manually specify a single interval per VTC<br>2. Specify a "
+            "<b>Interval selection</b><br>How do you want to select the vtc-intervals (conditions) used to "
+            "compute the "
+            "TAVs?<br><br><b>Choose an option:</b><br>1. Manually specify a single interval per VTC<br>2. "
+            "Specify a "
             "condition from a loaded protocol (.prt) for every VTC to define the intervals");
   EXPECT_EQ(host.prompts[1].initial, 1);
   EXPECT_EQ(host.prompts[1].min, 1);
   EXPECT_EQ(host.prompts[1].max, 2);
 
   EXPECT_EQ(host.prompts[2].text,
-            "<b>Add a Condition</b><br> Give a name for a set of intervals (Condition) used to compute TAVs over (or "
+            "<b>Add a Condition</b><br> Give a name for a set of intervals (Condition) used to compute TAVs "
+            "over (or "
             "press OK while empty to stop adding):");
   EXPECT_EQ(host.prompts[2].initialText, "");
 
@@ -88,8 +93,9 @@ TEST_F(ConditionDialog, AnEmptyNameWithoutConditionsIsRefusedNotTakenForCancel) 
   answerFile(run1);
   host.answerText("").answerSave("map");
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have select at least one Condition. Try "
-                                         "again after closing this dialog"));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have select at least one Condition. Try "
+                          "again after closing this dialog"));
 }
 
 TEST_F(ConditionDialog, ARepeatedNameIsRefused) {
@@ -97,8 +103,9 @@ TEST_F(ConditionDialog, ARepeatedNameIsRefused) {
   answerFile(run1);
   host.answerText("faces").answerText("").answerSave("map");
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have already selected that condition-name. "
-                                         "Try again after closing this messagebox."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have already selected that condition-name. "
+                          "Try again after closing this messagebox."));
   EXPECT_EQ(pars.conds.size(), 1U);
 }
 
@@ -132,7 +139,8 @@ TEST_F(ConditionDialog, SettingsDecideWhetherPairsAreAsked) {
   answerFile(run1);
   host.answerText("").answerSave("map");
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_EQ(host.prompts[3].text, "Add a SOURCE VTC (reference) for condition: faces (cancel to stop adding)");
+  EXPECT_EQ(host.prompts[3].text,
+            "Add a SOURCE VTC (reference) for condition: faces (cancel to stop adding)");
 }
 
 TEST_F(ConditionDialog, EveryPromptCanBeCancelled) {

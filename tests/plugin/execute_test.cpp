@@ -17,8 +17,8 @@ const std::string kStars(64, '*');
 
 std::vector<std::string> openingBanner() {
   return {"\n//" + kStars, "//  T A V M A P   M A P P I N G                 ",
-          "//  <b>TAV</b> -  CNZQ Plugin Version 1.5", "//  The TAV Help Pages (via 'Description of Plugins...')",
-          "//" + kStars + "\n"};
+          "//  <b>TAV</b> -  CNZQ Plugin Version 1.5",
+          "//  The TAV Help Pages (via 'Description of Plugins...')", "//" + kStars + "\n"};
 }
 
 std::vector<std::string> closingBanner() {
@@ -34,7 +34,7 @@ class Execute : public PluginTestCase {
     writeSettings("NumSurrogateSimulations= 10\n");
   }
 
-  void writeSettings(const std::string& text) const { fakes::writeBytes(folder.file("TAVPlugin.ini"), text); }
+  void writeSettings(const std::string& text) const { folder.write("TAVPlugin.ini", text); }
 
   // Noise around 1000 on 3 x 3 x 2 cells.
   std::string writeRun(const std::string& name) const {
@@ -84,8 +84,9 @@ TEST_F(Execute, WithoutAVmrShowsThatBoxAlone) {
   host.linkedVtc.dataOffset = -1;
   host.vois.clear();
   EXPECT_FALSE(plugin.execute());
-  EXPECT_THAT(host.messages, ElementsAre("<b>No VMR</b><br>The TAV-plugin requires a VMR to operate. Make sure that a "
-                                         "VMR is open and that its window is selected."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>No VMR</b><br>The TAV-plugin requires a VMR to operate. Make sure that a "
+                          "VMR is open and that its window is selected."));
   EXPECT_THAT(host.log, IsEmpty());
   EXPECT_EQ(host.callCount("zqShowLogTab"), 0);
 }
@@ -94,8 +95,9 @@ TEST_F(Execute, WithoutALinkedVtcStopsBeforeTheVois) {
   host.linkedVtc.dataOffset = -1;
   host.vois.clear();
   EXPECT_FALSE(plugin.execute());
-  EXPECT_THAT(host.messages, ElementsAre("<b>No VTC</b><br>The TAV-plugin requires a referenced VTC to correctly access "
-                                         "VOI-definitions.\n Make sure that a VTC is linked."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>No VTC</b><br>The TAV-plugin requires a referenced VTC to correctly access "
+                          "VOI-definitions.\n Make sure that a VTC is linked."));
   EXPECT_EQ(host.callCount("zqGetVOIs"), 0);
   EXPECT_THAT(host.log, IsEmpty());
 }
@@ -103,9 +105,10 @@ TEST_F(Execute, WithoutALinkedVtcStopsBeforeTheVois) {
 TEST_F(Execute, WithoutVoisShowsThatBox) {
   host.vois.clear();
   EXPECT_FALSE(plugin.execute());
-  EXPECT_THAT(host.messages, ElementsAre("<b>No VOI file</b><br>The TAV-plugin requires definitions of VOIs to "
-                                         "operate.\n Make sure that an appropriate VOI-file is loaded (Shift+R after "
-                                         "closing this message)."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>No VOI file</b><br>The TAV-plugin requires definitions of VOIs to "
+                          "operate.\n Make sure that an appropriate VOI-file is loaded (Shift+R after "
+                          "closing this message)."));
   EXPECT_THAT(host.log, IsEmpty());
 }
 
@@ -136,13 +139,14 @@ TEST_F(Execute, AMissingSettingsFileIsThreeWarnings) {
   std::filesystem::remove(folder.file("TAVPlugin.ini"));
   host.cancelNext();
   EXPECT_FALSE(plugin.execute());
-  EXPECT_THAT(logBefore(kRunning),
-              ElementsAreArray(openingBanner() +
-                               std::vector<std::string>{
-                                   "// TAV> WARNING: Could not find or open " + folder.path() + "/TAVPlugin.ini",
-                                   "// TAV> WARNING: Dismissing .ini-file: it was invalid or could not be found",
-                                   "// TAV> WARNING: Using default global parameters, see written .log files\n"
-                                   "// TAV> "}));
+  EXPECT_THAT(
+      logBefore(kRunning),
+      ElementsAreArray(openingBanner() +
+                       std::vector<std::string>{
+                           "// TAV> WARNING: Could not find or open " + folder.path() + "/TAVPlugin.ini",
+                           "// TAV> WARNING: Dismissing .ini-file: it was invalid or could not be found",
+                           "// TAV> WARNING: Using default global parameters, see written .log files\n"
+                           "// TAV> "}));
   EXPECT_THAT(host.log, Contains("// TAV> Canceled by user."));
 }
 
@@ -151,13 +155,14 @@ TEST_F(Execute, AnInvalidSettingsFileIsExplainedAndTheRunGoesOn) {
   host.cancelNext();
   EXPECT_FALSE(plugin.execute());
   EXPECT_THAT(logBefore(kRunning),
-              ElementsAreArray(openingBanner() +
-                               std::vector<std::string>{
-                                   "// TAV> WARNING: Invalid value for 'CVConstantForFDR=' in TAVPlugin.ini: 3 (must be "
-                                   "1 or 2)",
-                                   "// TAV> WARNING: Dismissing .ini-file: it was invalid or could not be found",
-                                   "// TAV> WARNING: Using default global parameters, see written .log files\n"
-                                   "// TAV> "}));
+              ElementsAreArray(
+                  openingBanner() +
+                  std::vector<std::string>{
+                      "// TAV> WARNING: Invalid value for 'CVConstantForFDR=' in TAVPlugin.ini: 3 (must be "
+                      "1 or 2)",
+                      "// TAV> WARNING: Dismissing .ini-file: it was invalid or could not be found",
+                      "// TAV> WARNING: Using default global parameters, see written .log files\n"
+                      "// TAV> "}));
   EXPECT_THAT(host.prompts, SizeIs(1));
 }
 
@@ -165,7 +170,8 @@ TEST_F(Execute, ComputesAndSavesAndSaysSo) {
   answerWholeRun(writeRun("run1.vtc"));
   EXPECT_TRUE(plugin.execute());
   EXPECT_THAT(host.log, Contains("// TAV> Computing..."));
-  EXPECT_THAT(logBehind("// TAV> \n// TAV> Done, all computations succesful"), ElementsAreArray(closingBanner()));
+  EXPECT_THAT(logBehind("// TAV> \n// TAV> Done, all computations succesful"),
+              ElementsAreArray(closingBanner()));
   EXPECT_FALSE(host.busyCursor);
   EXPECT_EQ(host.callCount("zqShowBusyCursor"), 1);
   ASSERT_THAT(host.savedMaps, SizeIs(1));
@@ -248,11 +254,16 @@ TEST_F(Execute, ATerminalErrorOfTheComputationIsExplained) {
 }
 
 TEST_F(Execute, ATerminalErrorOfADialogIsSaidOnce) {
-  host.answerInteger(2).answerInteger(2).answerText("faces").answerOpen(writeRun("run1.vtc")).answerOpen("no.prt");
+  host.answerInteger(2)
+      .answerInteger(2)
+      .answerText("faces")
+      .answerOpen(writeRun("run1.vtc"))
+      .answerOpen("no.prt");
   EXPECT_FALSE(plugin.execute());
-  EXPECT_THAT(logBehind("// TAV> ERROR: Could not get access to protocol definition"),
-              ElementsAreArray(std::vector<std::string>{"// TAV> ", "// TAV> Terminal error, sorry. Exiting..."} +
-                               closingBanner()));
+  EXPECT_THAT(
+      logBehind("// TAV> ERROR: Could not get access to protocol definition"),
+      ElementsAreArray(std::vector<std::string>{"// TAV> ", "// TAV> Terminal error, sorry. Exiting..."} +
+                       closingBanner()));
 }
 
 TEST_F(Execute, ATooShortIntervalOfAProtocolEndsTheRunWithoutAFurtherMessage) {

@@ -18,8 +18,9 @@ TEST_F(IntervalDialog, AsksForFirstAndLastVolume) {
   ASSERT_THAT(set.intervals, SizeIs(1));
   EXPECT_EQ(set.intervals[0].first, 5);
   EXPECT_EQ(set.intervals[0].last, 100);
-  EXPECT_THAT(promptTexts(), ElementsAre("Specify <b>first</b> time-point(volume) of interval in<br><i>run.vtc</i>",
-                                         "Specify <b>last</b> time-point(volume) of interval in<br><i>run.vtc</i>"));
+  EXPECT_THAT(promptTexts(),
+              ElementsAre("Specify <b>first</b> time-point(volume) of interval in<br><i>run.vtc</i>",
+                          "Specify <b>last</b> time-point(volume) of interval in<br><i>run.vtc</i>"));
   EXPECT_EQ(host.prompts[0].initial, 5);
   EXPECT_EQ(host.prompts[1].initial, 100);
   for (const fakes::FakePrompt& prompt : host.prompts) {
@@ -40,8 +41,9 @@ TEST_F(IntervalDialog, EitherPromptCanBeCancelled) {
 TEST_F(IntervalDialog, AnIntervalOfOrderPlusOneVolumesIsTheShortest) {
   host.answerInteger(10).answerInteger(12).answerInteger(10).answerInteger(13);
   EXPECT_EQ(ask(3), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>The interval (10, 12) is too short: last-first+1 "
-                                         "must be greater than AR-order(3)<br><br>Try again after closing this dialog"));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>The interval (10, 12) is too short: last-first+1 "
+                          "must be greater than AR-order(3)<br><br>Try again after closing this dialog"));
   ASSERT_THAT(set.intervals, SizeIs(1));
   EXPECT_EQ(set.intervals[0].last, 13);
 }

@@ -26,8 +26,9 @@ TEST_F(LifeCycle, AHostOfVersion210IsEnough) {
 TEST_F(LifeCycle, AnOlderHostIsRefusedWithAMessage) {
   host.version = {2, 0, 9};
   EXPECT_FALSE(plugin.initPlugin());
-  EXPECT_THAT(host.messages,
-              ElementsAre("Sorry, can not execute the TAV plugin - CorvaneZQ version 2.1.0 or higher required."));
+  EXPECT_THAT(
+      host.messages,
+      ElementsAre("Sorry, can not execute the TAV plugin - CorvaneZQ version 2.1.0 or higher required."));
   EXPECT_THAT(host.log, IsEmpty());
 }
 

@@ -12,6 +12,7 @@
 #include "plugin/TAVPlugin.h"
 #include "tests/fakes/fake_host.h"
 #include "tests/fakes/vtc_file.h"
+#include "tests/support/scratch.h"
 
 class PluginTestCase : public testing::Test {
  protected:
@@ -38,7 +39,7 @@ class PluginTestCase : public testing::Test {
   fakes::FakeHost host;
   TAVPlugin plugin;
   tav::TAV_Pars pars;
-  fakes::TempFolder folder;
+  Scratch folder;
 };
 
 #endif

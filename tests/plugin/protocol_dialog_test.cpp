@@ -13,14 +13,16 @@ using testing::SizeIs;
 constexpr const char* kTimeWarning =
     "// TAV> \tWARNING: The specified protocol has millisecond resolution, TAV requires volumes";
 constexpr const char* kConversionWarning =
-    "// TAV> \tWARNING: Converting milliseconds to volumes (using current VTC's TR), please check intervals below or "
+    "// TAV> \tWARNING: Converting milliseconds to volumes (using current VTC's TR), please check intervals "
+    "below or "
     "in written log-file";
 
 class ProtocolDialog : public PluginTestCase {
  protected:
   void SetUp() override {
     PluginTestCase::SetUp();
-    host.protocolFiles["run.prt"] = {kProtocolInVolumes, {{"rest", {1}, {10}}, {"faces", {11, 31}, {20, 40}}}};
+    host.protocolFiles["run.prt"] = {kProtocolInVolumes,
+                                     {{"rest", {1}, {10}}, {"faces", {11, 31}, {20, 40}}}};
   }
 
   int ask(int arOrder = 1) { return plugin.tavGetVtcIntvsFromUser(&set, "run.vtc", arOrder); }
@@ -55,10 +57,12 @@ TEST_F(ProtocolDialog, LinksTheProtocolAndAddsTheIntervalsOfTheChosenCondition) 
   EXPECT_EQ(host.prompts[0].text, "Specify a protocol file with VOLUME time-resolution");
   EXPECT_EQ(host.prompts[0].filter, "Protocol Files (*.prt)");
   EXPECT_EQ(host.prompts[0].folder, "");
-  EXPECT_EQ(host.prompts[1].text,
-            "<b>Select a PRT Condition</b><br>Select a single condition from the currently loaded protocol to specify "
-            "the intervals for the current TAV condition in <i>run.vtc</i><br><br><b>Select:</b><br>1. rest<br>2. "
-            "faces<br>");
+  EXPECT_EQ(
+      host.prompts[1].text,
+      "<b>Select a PRT Condition</b><br>Select a single condition from the currently loaded protocol to "
+      "specify "
+      "the intervals for the current TAV condition in <i>run.vtc</i><br><br><b>Select:</b><br>1. rest<br>2. "
+      "faces<br>");
   EXPECT_EQ(host.prompts[1].initial, 1);
   EXPECT_EQ(host.prompts[1].min, 1);
   EXPECT_EQ(host.prompts[1].max, 2);
@@ -135,13 +139,15 @@ TEST_F(ProtocolDialog, TheStartIsRoundedAndMovedOnAndTheEndOnlyRounded) {
 
 TEST_F(ProtocolDialog, AnIntervalOfOneVolumeIsTooShortForOrderOne) {
   EXPECT_EQ(convert(1000, 1000, 2000), tav::kInvalidParameters);
-  EXPECT_THAT(host.log, ElementsAre(kTimeWarning, kConversionWarning,
-                                    "// TAV> ERROR : The interval (2, 2) is invalid: last-first+1 must be greater than "
-                                    "AR-order(1)"));
+  EXPECT_THAT(host.log,
+              ElementsAre(kTimeWarning, kConversionWarning,
+                          "// TAV> ERROR : The interval (2, 2) is invalid: last-first+1 must be greater than "
+                          "AR-order(1)"));
 }
 
 TEST_F(ProtocolDialog, IntervalsBeforeATooShortOneStay) {
-  host.protocolFiles["ms.prt"] = {kProtocolInMilliseconds, {{"faces", {0, 50000, 60000}, {20000, 50000, 90000}}}};
+  host.protocolFiles["ms.prt"] = {kProtocolInMilliseconds,
+                                  {{"faces", {0, 50000, 60000}, {20000, 50000, 90000}}}};
   host.answerOpen("ms.prt").answerInteger(1);
   EXPECT_EQ(ask(), tav::kInvalidParameters);
   EXPECT_THAT(set.intervals, SizeIs(1));
@@ -150,7 +156,8 @@ TEST_F(ProtocolDialog, IntervalsBeforeATooShortOneStay) {
 TEST_F(ProtocolDialog, MillisecondsWithoutARepetitionTimeAreATerminalError) {
   EXPECT_EQ(convert(0, 20000, 0), tav::kTerminalError);
   EXPECT_EQ(host.log.back(),
-            "// TAV> ERROR: The current VTC has no repetition time (TR) to convert milliseconds to volumes: 0 ms. Use a "
+            "// TAV> ERROR: The current VTC has no repetition time (TR) to convert milliseconds to volumes: "
+            "0 ms. Use a "
             "protocol in volumes or correct the VTC");
 }
 
@@ -159,9 +166,11 @@ TEST_F(ProtocolDialog, APathThatTheHeaderCannotHoldIsRefused) {
   host.protocolFiles[longest] = host.protocolFiles["run.prt"];
   host.answerOpen(longest + "p").answerOpen(longest).answerInteger(1);
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages,
-              ElementsAre("<b>Invalid selection</b><br>The path of the protocol file has more than 260 characters. Move "
-                          "the file to a folder with a shorter path. Try again after closing this dialog"));
+  EXPECT_THAT(
+      host.messages,
+      ElementsAre(
+          "<b>Invalid selection</b><br>The path of the protocol file has more than 260 characters. Move "
+          "the file to a folder with a shorter path. Try again after closing this dialog"));
   EXPECT_THAT(std::string(host.linkedVtc.protocolName), Eq(longest));
 }
 

@@ -1,9 +1,9 @@
 // The settings file that is installed beside the plug-in.
-#include <fstream>
-#include <sstream>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
 
 #include "tav/ini_file.h"
 

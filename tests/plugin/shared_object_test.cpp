@@ -1,6 +1,5 @@
 // TAVPlugin.so as a host loads it: found by name, called through the interface, held by a handle.
 #include <dlfcn.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -37,12 +36,15 @@ class SharedObject : public testing::Test {
 
 TEST_F(SharedObject, IntroducesItself) {
   EXPECT_EQ(text("getPluginName"), "Tavmap Mapping (TAV) v1.5");
-  EXPECT_EQ(text("getPluginDescription"),
-            "Computes Tavmap Maps (<i>TAV</i>s) for selected reference regions (VOIs).<br><br>Tavmap mapping is a "
-            "technique which explores directed influences (effective connectivity) between distinct regions in fMRI "
-            "data. See The <b><a href=\"TAV_Help/main.html\">TAV Help Pages</a></b> for more...<br>");
-  EXPECT_EQ(text("getAuthor"),
-            "<i>The Tavmap authors</i>, the open neuroimaging community  (updated by the Tavmap maintainers)");
+  EXPECT_EQ(
+      text("getPluginDescription"),
+      "Computes Tavmap Maps (<i>TAV</i>s) for selected reference regions (VOIs).<br><br>Tavmap mapping is a "
+      "technique which explores directed influences (effective connectivity) between distinct regions in "
+      "fMRI "
+      "data. See The <b><a href=\"TAV_Help/main.html\">TAV Help Pages</a></b> for more...<br>");
+  EXPECT_EQ(
+      text("getAuthor"),
+      "<i>The Tavmap authors</i>, the open neuroimaging community  (updated by the Tavmap maintainers)");
   EXPECT_EQ(text("getHelpFile"), "TAV_Help/main.html");
   EXPECT_EQ(text("getRegistrationOfGenericComponentLoader"), "Overlay Tavmap Maps (tav)");
   EXPECT_EQ(text("getGUIScript"), "");

@@ -21,18 +21,22 @@ class VoiDialog : public PluginTestCase {
   }
 };
 
-auto named(const std::string& name) { return Field(&tav::TAV_VOI_Pars::name, name); }
+auto named(const std::string& name) {
+  return Field(&tav::TAV_VOI_Pars::name, name);
+}
 
 TEST_F(VoiDialog, ShowsTheListAsANumberedMenu) {
   host.cancelNext();
   ask();
   ASSERT_EQ(host.prompts.size(), 1U);
   const fakes::FakePrompt& prompt = host.prompts[0];
-  EXPECT_EQ(prompt.text,
-            "<b>Welcome to the TAV-Plugin</b><br><br><b>Select VOIs</b><br>Each TAV is computed with respect to a "
-            "selectable reference region (VOI). You can select multiple VOIs to compute multiple TAVs in one run of "
-            "the TAV-plugin.<br><br><b>Add a VOI as a reference region:</b><br>0. <i>Stop selecting</i><br>1. "
-            "V1<br>2. MT left<br>3. FEF<br>4. <i>Add all</i>");
+  EXPECT_EQ(
+      prompt.text,
+      "<b>Welcome to the TAV-Plugin</b><br><br><b>Select VOIs</b><br>Each TAV is computed with respect to a "
+      "selectable reference region (VOI). You can select multiple VOIs to compute multiple TAVs in one run "
+      "of "
+      "the TAV-plugin.<br><br><b>Add a VOI as a reference region:</b><br>0. <i>Stop selecting</i><br>1. "
+      "V1<br>2. MT left<br>3. FEF<br>4. <i>Add all</i>");
   EXPECT_EQ(prompt.initial, 1);
   EXPECT_EQ(prompt.min, 0);
   EXPECT_EQ(prompt.max, 4);
@@ -48,7 +52,8 @@ TEST_F(VoiDialog, FillsARecordPerChoiceInTheOrderOfSelection) {
   EXPECT_EQ(pars.vois[1].nVoxels, 2);
   EXPECT_EQ(pars.vois[1].voxels, host.vois[1].voxels.data());
   EXPECT_EQ(pars.vois[1].talCoords, 7);
-  EXPECT_THAT(host.log, ElementsAre("// TAV> Selected VOI's:\n// TAV> ", "// TAV> <b>FEF</b>", "// TAV> <b>MT left</b>"));
+  EXPECT_THAT(host.log, ElementsAre("// TAV> Selected VOI's:\n// TAV> ", "// TAV> <b>FEF</b>",
+                                    "// TAV> <b>MT left</b>"));
 }
 
 TEST_F(VoiDialog, AddAllDiscardsSingleChoicesAndKeepsTheListsOrder) {
@@ -62,16 +67,18 @@ TEST_F(VoiDialog, AddAllDiscardsSingleChoicesAndKeepsTheListsOrder) {
 TEST_F(VoiDialog, StoppingWithoutAChoiceIsRefused) {
   host.answerInteger(0).answerInteger(1).answerInteger(0);
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have select at least one VOI. Try again "
-                                         "after closing this dialog"));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have select at least one VOI. Try again "
+                          "after closing this dialog"));
   EXPECT_THAT(pars.vois, ElementsAre(named("V1")));
 }
 
 TEST_F(VoiDialog, ARepeatedChoiceIsRefused) {
   host.answerInteger(1).answerInteger(1).answerInteger(0);
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have already selected that VOI. Try again "
-                                         "after closing this messagebox."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have already selected that VOI. Try again "
+                          "after closing this messagebox."));
   EXPECT_THAT(pars.vois, ElementsAre(named("V1")));
 }
 

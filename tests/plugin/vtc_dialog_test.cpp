@@ -9,12 +9,16 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr const char* kNotUsable =
-    "<b>Invalid selection</b><br>Either could not open vtc or the selected vtc is not of the same dimensions as "
-    "previously selected ones. Resolution (3mm, 2mm, or 1mm) and reference space (un-transformed, ACPC, or TAL) must "
+    "<b>Invalid selection</b><br>Either could not open vtc or the selected vtc is not of the same dimensions "
+    "as "
+    "previously selected ones. Resolution (3mm, 2mm, or 1mm) and reference space (un-transformed, ACPC, or "
+    "TAL) must "
     "be the same for all VTCs.";
 constexpr const char* kPairNotUsable =
-    "<b>Invalid selection</b><br>Either could not open (one of) the (source or target) vtcs or (one of) the selected "
-    "vtc is not of the same dimensions as previously selected ones. Resolution (3mm, 2mm, or 1mm) and reference space "
+    "<b>Invalid selection</b><br>Either could not open (one of) the (source or target) vtcs or (one of) the "
+    "selected "
+    "vtc is not of the same dimensions as previously selected ones. Resolution (3mm, 2mm, or 1mm) and "
+    "reference space "
     "(un-transformed, ACPC, or TAL) must be the same for all VTCs.";
 
 class VtcDialog : public PluginTestCase {
@@ -54,8 +58,9 @@ TEST_F(VtcDialog, CancelWithoutAFileIsRefused) {
   answerInterval();
   host.cancelNext();
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have select at least one VTC and an interval "
-                                         "within that VTC. Try again after closing this dialog"));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have select at least one VTC and an interval "
+                          "within that VTC. Try again after closing this dialog"));
 }
 
 TEST_F(VtcDialog, ARepeatWithinTheConditionIsRefused) {
@@ -63,8 +68,9 @@ TEST_F(VtcDialog, ARepeatWithinTheConditionIsRefused) {
   answerInterval();
   host.answerOpen(run1).cancelNext();
   EXPECT_EQ(ask(), tav::kSuccess);
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have already selected that VTC for this "
-                                         "condition. Try again after closing this messagebox."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have already selected that VTC for this "
+                          "condition. Try again after closing this messagebox."));
   EXPECT_THAT(cond.vtcIntvSets, SizeIs(1));
 }
 
@@ -137,7 +143,8 @@ TEST_F(VtcDialog, ALongPathAndConditionNameArriveWhole) {
   EXPECT_EQ(ask(), tav::kSuccess);
   EXPECT_EQ(cond.vtcIntvSets[0].srcVtcName, path);
   EXPECT_EQ(host.prompts[0].text, "Add a VTC for condition: " + cond.name + " (cancel to stop adding)");
-  EXPECT_EQ(host.prompts[1].text, "Specify <b>first</b> time-point(volume) of interval in<br><i>" + path + "</i>");
+  EXPECT_EQ(host.prompts[1].text,
+            "Specify <b>first</b> time-point(volume) of interval in<br><i>" + path + "</i>");
 }
 
 class VtcPairDialog : public VtcDialog {
@@ -175,9 +182,11 @@ TEST_F(VtcPairDialog, CancelWithoutAPairIsRefused) {
   answerInterval();
   host.cancelNext();
   EXPECT_EQ(askPairs(), tav::kSuccess);
-  EXPECT_THAT(host.messages,
-              ElementsAre("<b>Invalid selection</b><br>You have select at least one VTC-Pair (source and target) and an "
-                          "interval within those VTCs. Try again after closing this dialog"));
+  EXPECT_THAT(
+      host.messages,
+      ElementsAre(
+          "<b>Invalid selection</b><br>You have select at least one VTC-Pair (source and target) and an "
+          "interval within those VTCs. Try again after closing this dialog"));
 }
 
 TEST_F(VtcPairDialog, OnlyTheSamePairIsARepeat) {
@@ -188,8 +197,9 @@ TEST_F(VtcPairDialog, OnlyTheSamePairIsARepeat) {
   host.answerOpen(run1).answerOpen(run2).cancelNext();
   EXPECT_EQ(askPairs(), tav::kSuccess);
   EXPECT_THAT(cond.vtcIntvSets, SizeIs(2));
-  EXPECT_THAT(host.messages, ElementsAre("<b>Invalid selection</b><br>You have already selected that source-target "
-                                         "VTC-pair for this condition. Try again after closing this messagebox."));
+  EXPECT_THAT(host.messages,
+              ElementsAre("<b>Invalid selection</b><br>You have already selected that source-target "
+                          "VTC-pair for this condition. Try again after closing this messagebox."));
 }
 
 TEST_F(VtcPairDialog, EitherUnusableFileRefusesThePair) {

@@ -14,6 +14,27 @@ TEST(Upright, ReversesAnAxisThatRunsToTheLeft) {
   EXPECT_EQ(view.storedIndex(2, 1, 1), 0U + 3U + 12U);
 }
 
+// Each axis reversed alone, on a box whose extents all differ.
+TEST(Upright, ReversesEachAxisByItself) {
+  const Affine identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+  const std::size_t ofFirstVoxel[3] = {2, 3 * 3, 4 * 12};  // the stored voxel that comes first instead
+  const std::size_t step[3] = {1, 3, 12};
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    Affine reversed = identity;
+    reversed[4 * axis + axis] = -1;
+    const Upright view({3, 4, 5}, reversed);
+    EXPECT_EQ(view.storedIndex(0, 0, 0), ofFirstVoxel[axis]) << axis;
+    const int one[3] = {axis == 0 ? 1 : 0, axis == 1 ? 1 : 0, axis == 2 ? 1 : 0};
+    EXPECT_EQ(view.storedIndex(one[0], one[1], one[2]), ofFirstVoxel[axis] - step[axis]) << axis;
+    for (std::size_t other = 0; other < 3; ++other) {
+      if (other == axis) continue;
+      EXPECT_EQ(view.storedIndex(other == 0 ? 1 : 0, other == 1 ? 1 : 0, other == 2 ? 1 : 0),
+                ofFirstVoxel[axis] + step[other])
+          << axis << " " << other;
+    }
+  }
+}
+
 TEST(Upright, GivesVoxelEdgesPerPatientAxis) {
   const Upright view({3, 4, 5}, kLas);
   EXPECT_DOUBLE_EQ(view.voxelMm(0), 2);
@@ -28,6 +49,9 @@ TEST(Upright, FollowsPermutedAxes) {
   EXPECT_EQ(view.dim(0), 3);
   EXPECT_EQ(view.dim(1), 4);
   EXPECT_EQ(view.dim(2), 5);
+  EXPECT_DOUBLE_EQ(view.voxelMm(0), 2);
+  EXPECT_DOUBLE_EQ(view.voxelMm(1), 3);
+  EXPECT_DOUBLE_EQ(view.voxelMm(2), 4);
   EXPECT_EQ(view.storedIndex(1, 0, 0), 5U);
   EXPECT_EQ(view.storedIndex(0, 1, 0), 15U);
   EXPECT_EQ(view.storedIndex(0, 0, 1), 1U);

@@ -22,7 +22,9 @@ struct Process {
   Dense sigma;
 };
 
-void PrintTo(const Process& process, std::ostream* out) { *out << process.name; }
+void PrintTo(const Process& process, std::ostream* out) {
+  *out << process.name;
+}
 
 const Process kWhite{"Independent", Dense(2, 2, {0, 0, 0, 0}), Dense(2, 2, {1, 0, 0, 2})};
 const Process kDriven{"XDrivesY", Dense(2, 2, {0, 0, 0.7, 0}), Dense(2, 2, {1, 0, 0, 1})};

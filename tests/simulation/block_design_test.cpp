@@ -37,7 +37,8 @@ TEST(BlockDesign, EventsTableIsInSecondsByOnset) {
 
 TEST(BlockDesign, EventsTableReadsBackAsTheSameVolumes) {
   const double trMs = 1500;
-  const auto read = formats::parseProtocol(simulation::eventsTable(blockDesign(1, 160), trMs), "events.tsv", trMs);
+  const auto read =
+      formats::parseProtocol(simulation::eventsTable(blockDesign(1, 160), trMs), "events.tsv", trMs);
   const auto design = blockDesign(1, 160);
   ASSERT_EQ(read.conditions.size(), 2U);
   for (std::size_t c = 0; c < 2; ++c) {

@@ -10,15 +10,16 @@
 namespace {
 
 using simulation::Confound;
-using simulation::RandomStream;
+using simulation::NoiseStream;
 
 std::vector<Confound> drawn(int volumes = 160) {
-  RandomStream random(1, 1, 1001);
+  NoiseStream random(1, 1, 1001);
   return simulation::drawConfounds(volumes, random);
 }
 
 const std::vector<double>& valuesOf(const std::vector<Confound>& table, const std::string& name) {
-  const auto found = std::find_if(table.begin(), table.end(), [&](const Confound& c) { return c.name == name; });
+  const auto found =
+      std::find_if(table.begin(), table.end(), [&](const Confound& c) { return c.name == name; });
   EXPECT_NE(found, table.end()) << name;
   return found->values;
 }
@@ -77,14 +78,14 @@ TEST(Confounds, TableHasAHeaderALinePerVolumeAndNaInPlaceOfNaN) {
 TEST(Confounds, ArtefactsAreCombinationsOfTwoColumns) {
   const std::vector<Confound> table = drawn(80);
   const simulation::InfluenceModel model = simulation::plantedModel(1);
-  RandomStream headRandom(1, 0, 0), random(1, 1, 1);
+  NoiseStream headRandom(1, 0, 0), random(1, 1, 1);
   simulation::HeadOptions options;
   options.grid = {12, 12, 12};
   const simulation::Head head = simulation::makeHead(options, model, headRandom);
   const simulation::Artefacts artefacts = simulation::artefactsOf(table);
   simulation::Scan scan(head, model, artefacts, 80, random);
   // Weights are drawn between the drift and the courses: the undisturbed scan needs them drawn too.
-  RandomStream sameRandom(1, 1, 1);
+  NoiseStream sameRandom(1, 1, 1);
   simulation::Artefacts none = artefacts;
   none.saturation.clear();
   for (auto& course : none.courses) std::fill(course.begin(), course.end(), 0);
@@ -100,8 +101,8 @@ TEST(Confounds, ArtefactsAreCombinationsOfTwoColumns) {
   const auto steady = [](const std::vector<double>& series) {
     return std::vector<double>(series.begin() + simulation::kUnsteadyVolumes, series.end());
   };
-  const auto found = least_squares::fit({steady(valuesOf(table, "trans_y")), steady(valuesOf(table, "a_comp_cor_00"))},
-                                        steady(difference));
+  const auto found = least_squares::fit(
+      {steady(valuesOf(table, "trans_y")), steady(valuesOf(table, "a_comp_cor_00"))}, steady(difference));
   EXPECT_LT(found.errorVariance, 1e-5);  // rounding of values near 10,000 to single precision
   EXPECT_GT(std::fabs(found.weights[1]), 0.5 * simulation::kAmplitude * 0.99);
 }

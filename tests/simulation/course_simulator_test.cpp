@@ -15,7 +15,7 @@ using least_squares::present;
 using simulation::CourseSimulator;
 using simulation::InfluenceModel;
 using simulation::Kind;
-using simulation::RandomStream;
+using simulation::NoiseStream;
 
 constexpr std::size_t kVoxelsPerRegion = 4;
 constexpr int kPoints = 40000;
@@ -38,7 +38,7 @@ std::vector<std::int32_t> labels() {
 
 Courses simulate() {
   Courses courses;
-  RandomStream random(11, 0, 1);
+  NoiseStream random(11, 0, 1);
   CourseSimulator simulator(courses.model, labels(), random);
   courses.voxels.resize(10 * kVoxelsPerRegion);
   courses.regionMeans.assign(9, Course(kPoints, 0));
@@ -59,7 +59,9 @@ const Courses& courses() {
   return once;
 }
 
-const Course& firstVoxelOf(std::size_t region) { return courses().voxels[(region + 1) * kVoxelsPerRegion]; }
+const Course& firstVoxelOf(std::size_t region) {
+  return courses().voxels[(region + 1) * kVoxelsPerRegion];
+}
 
 TEST(CourseSimulator, MeanOfTheReferenceRegionIsTheReferenceCourse) {
   for (std::size_t t = 0; t < kPoints; ++t)
@@ -101,7 +103,8 @@ TEST(CourseSimulator, MeasuresOfEveryRegionAreTheExpectedOnes) {
   for (std::size_t k = 1; k < 9; ++k) {
     const Course& v = firstVoxelOf(k);
     const auto expected = simulation::expectedMeasures(courses().model, voxels, k);
-    const double ownR = fit({past(r)}, present(r)).errorVariance, ownV = fit({past(v)}, present(v)).errorVariance;
+    const double ownR = fit({past(r)}, present(r)).errorVariance,
+                 ownV = fit({past(v)}, present(v)).errorVariance;
     const double jointR = fit({past(r), past(v)}, present(r)).errorVariance;
     const double jointV = fit({past(r), past(v)}, present(v)).errorVariance;
     const double givenR = fit({past(r), past(v), present(r)}, present(v)).errorVariance;

@@ -12,7 +12,7 @@
 #include "formats/vtc_export.h"
 #include "simulation/truth.h"
 #include "tests/simulation/least_squares.h"
-#include "tests/simulation/scratch_folder.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
@@ -27,37 +27,37 @@ DataSetOptions smallOptions() {
 }
 
 TEST(DataSet, HasAllFilesOfARunAndOfTheHead) {
-  const ScratchFolder folder;
+  const Scratch folder;
   writeDataSet(folder.path(), smallOptions());
   std::set<std::string> names;
-  for (const auto& [name, text] : folder.files()) names.insert(name);
-  EXPECT_EQ(names, (std::set<std::string>{
-                       "anatomy.nii.gz", "mask.nii.gz", "dseg.nii.gz", "dseg.tsv", "truth.json", "answers.txt",
-                       "answers-protocol.txt", "run-1_bold.nii.gz", "run-1.vtc", "run-1.vtc.json", "run-1.prt",
-                       "run-1_events.tsv", "run-2_bold.nii.gz", "run-2.vtc", "run-2.vtc.json", "run-2.prt",
-                       "run-2_events.tsv"}));
-  EXPECT_TRUE(std::filesystem::is_directory(folder.path("maps")));
+  for (const auto& [name, text] : filesBelow(folder.folder())) names.insert(name);
+  EXPECT_EQ(names,
+            (std::set<std::string>{"anatomy.nii.gz", "mask.nii.gz", "dseg.nii.gz", "dseg.tsv", "truth.json",
+                                   "answers.txt", "answers-protocol.txt", "run-1_bold.nii.gz", "run-1.vtc",
+                                   "run-1.vtc.json", "run-1.prt", "run-1_events.tsv", "run-2_bold.nii.gz",
+                                   "run-2.vtc", "run-2.vtc.json", "run-2.prt", "run-2_events.tsv"}));
+  EXPECT_TRUE(std::filesystem::is_directory(folder.file("maps")));
 }
 
 TEST(DataSet, IsTheSameForTheSameSeedAndAnotherForAnother) {
-  const ScratchFolder first, second, other;
+  const Scratch first, second, other;
   DataSetOptions options = smallOptions();
   writeDataSet(first.path(), options);
   writeDataSet(second.path(), options);
-  EXPECT_TRUE(first.files() == second.files());
+  EXPECT_TRUE(filesBelow(first.folder()) == filesBelow(second.folder()));
   options.seed = 2;
   writeDataSet(other.path(), options);
   for (const char* name : {"run-1.vtc", "run-2.vtc", "anatomy.nii.gz"})
-    EXPECT_FALSE(first.files().at(name) == other.files().at(name)) << name;
-  EXPECT_FALSE(first.files().at("run-1.vtc") == first.files().at("run-2.vtc"));
+    EXPECT_FALSE(filesBelow(first.folder()).at(name) == filesBelow(other.folder()).at(name)) << name;
+  EXPECT_FALSE(filesBelow(first.folder()).at("run-1.vtc") == filesBelow(first.folder()).at("run-2.vtc"));
 }
 
 TEST(DataSet, LabelImageGivesVoisWithTheReferenceFirst) {
-  const ScratchFolder folder;
+  const Scratch folder;
   writeDataSet(folder.path(), smallOptions());
-  EXPECT_EQ(formats::readImageHeader(folder.path("dseg.nii.gz")).intentCode, formats::kLabelIntent);
-  const formats::LabelVois vois = formats::loadVois(folder.path("dseg.nii.gz"));
-  const simulation::Truth truth = simulation::readTruth(folder.path("truth.json"));
+  EXPECT_EQ(formats::readImageHeader(folder.file("dseg.nii.gz")).intentCode, formats::kLabelIntent);
+  const formats::LabelVois vois = formats::loadVois(folder.file("dseg.nii.gz"));
+  const simulation::Truth truth = simulation::readTruth(folder.file("truth.json"));
   ASSERT_EQ(vois.list.vois.size(), truth.regions.size());
   for (std::size_t k = 0; k < truth.regions.size(); ++k) {
     EXPECT_EQ(vois.list.vois[k].name, truth.regions[k].model.name);
@@ -68,22 +68,22 @@ TEST(DataSet, LabelImageGivesVoisWithTheReferenceFirst) {
 }
 
 TEST(DataSet, SeriesHasTheVolumesAndTheRepetitionTimeAskedFor) {
-  const ScratchFolder folder;
+  const Scratch folder;
   DataSetOptions options = smallOptions();
   options.trMs = 1250;
   writeDataSet(folder.path(), options);
-  const formats::ImageHeader image = formats::readImageHeader(folder.path("run-2_bold.nii.gz"));
+  const formats::ImageHeader image = formats::readImageHeader(folder.file("run-2_bold.nii.gz"));
   EXPECT_EQ(image.volumes, 80);
   EXPECT_EQ(image.trMs, 1250);
-  const VTC_Header vtc = formats::readVtcFileHeader(folder.path("run-2.vtc"));
+  const VTC_Header vtc = formats::readVtcFileHeader(folder.file("run-2.vtc"));
   EXPECT_EQ(vtc.nrOfVolumes, 80);
   EXPECT_EQ(vtc.tr, 1250);
 }
 
 // The mean course of a region's voxels, in the VTC, without its straight line.
-std::vector<double> regionCourse(const ScratchFolder& folder, const formats::Voi& voi, std::size_t mostVoxels) {
-  const std::string bytes = ScratchFolder::textOf(folder.path("run-1.vtc"));
-  const VTC_Header header = formats::readVtcFileHeader(folder.path("run-1.vtc"));
+std::vector<double> regionCourse(const Scratch& folder, const formats::Voi& voi, std::size_t mostVoxels) {
+  const std::string bytes = contentOf(folder.file("run-1.vtc"));
+  const VTC_Header header = formats::readVtcFileHeader(folder.file("run-1.vtc"));
   const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);
   std::vector<double> course(volumes, 0);
   const std::size_t count = std::min(mostVoxels, voi.voxels.size());
@@ -92,7 +92,8 @@ std::vector<double> regionCourse(const ScratchFolder& folder, const formats::Voi
     const std::size_t cell = static_cast<std::size_t>((z * header.yEnd + y) * header.xEnd + x);
     for (std::size_t t = 0; t < volumes; ++t) {
       float value = 0;
-      std::memcpy(&value, bytes.data() + header.dataOffset + (cell * volumes + t) * sizeof value, sizeof value);
+      std::memcpy(&value, bytes.data() + header.dataOffset + (cell * volumes + t) * sizeof value,
+                  sizeof value);
       course[t] += static_cast<double>(value) / static_cast<double>(count);
     }
   }
@@ -102,13 +103,13 @@ std::vector<double> regionCourse(const ScratchFolder& folder, const formats::Voi
 // Least squares on the file: the reference on its past and the driving regions' means, the means
 // of the driven regions on their past and the reference.
 TEST(DataSet, PlantedCoefficientsAreInTheVtc) {
-  const ScratchFolder folder;
+  const Scratch folder;
   DataSetOptions options = smallOptions();
   options.runs = 1;
   options.volumes = 4000;
   writeDataSet(folder.path(), options);
-  const simulation::Truth truth = simulation::readTruth(folder.path("truth.json"));
-  const formats::LabelVois vois = formats::loadVois(folder.path("dseg.nii.gz"));
+  const simulation::Truth truth = simulation::readTruth(folder.file("truth.json"));
+  const formats::LabelVois vois = formats::loadVois(folder.file("dseg.nii.gz"));
   using least_squares::past, least_squares::present;
   const double tolerance = 4.5 / std::sqrt(4000.0);
   const std::vector<double> reference = regionCourse(folder, vois.list.vois[0], 9999);
@@ -134,20 +135,21 @@ TEST(DataSet, RefusesWhatItCannotSimulateInWords) {
   };
   EXPECT_EQ(problemWith(DataSetOptions{}), "");
   EXPECT_EQ(problemOf([](DataSetOptions& o) { o.runs = 0; }), "the number of runs must be from 1 to 99");
-  EXPECT_EQ(problemOf([](DataSetOptions& o) { o.volumes = 69; }), "the number of volumes must be from 70 to 30000");
+  EXPECT_EQ(problemOf([](DataSetOptions& o) { o.volumes = 69; }),
+            "the number of volumes must be from 70 to 30000");
   EXPECT_EQ(problemOf([](DataSetOptions& o) { o.head.grid.y = 11; }),
             "every extent of the grid must be from 12 to 256");
-  EXPECT_EQ(problemOf([](DataSetOptions& o) { o.trMs = 0; }), "the repetition time must be from 1 to 60000 ms");
+  EXPECT_EQ(problemOf([](DataSetOptions& o) { o.trMs = 0; }),
+            "the repetition time must be from 1 to 60000 ms");
   EXPECT_EQ(problemOf([](DataSetOptions& o) { o.strength = -1; }), "the strength must be from 0 to 1.5");
   EXPECT_EQ(problemOf([](DataSetOptions& o) { o.head.voxelMm = 0; }), "a voxel must measure 0.1 to 100 mm");
 }
 
 TEST(DataSet, FolderThatCannotBeMadeIsAFaultOfTheSystem) {
-  const ScratchFolder folder;
-  std::filesystem::create_directories(folder.path());
-  std::ofstream(folder.path("file")) << "in the way";
+  const Scratch folder;
+  std::ofstream(folder.file("file")) << "in the way";
   try {
-    writeDataSet(folder.path("file/below"), smallOptions());
+    writeDataSet(folder.file("file/below"), smallOptions());
     FAIL() << "no error";
   } catch (const formats::FileError& error) {
     EXPECT_EQ(error.fault(), formats::Fault::kSystem);

@@ -9,22 +9,24 @@ namespace {
 using simulation::Head;
 using simulation::HeadOptions;
 using simulation::InfluenceModel;
-using simulation::RandomStream;
+using simulation::NoiseStream;
 
 Head headOf(const formats::GridSize& grid) {
-  RandomStream random(3, 0, 0);
+  NoiseStream random(3, 0, 0);
   HeadOptions options;
   options.grid = grid;
   return simulation::makeHead(options, simulation::plantedModel(1), random);
 }
 
 TEST(Head, HasEveryRegionWithinTheBrainAtAnyGrid) {
-  for (const formats::GridSize grid : {formats::GridSize{24, 28, 20}, {12, 12, 12}, {12, 40, 13}, {13, 17, 31}}) {
+  for (const formats::GridSize grid :
+       {formats::GridSize{24, 28, 20}, {12, 12, 12}, {12, 40, 13}, {13, 17, 31}}) {
     const Head head = headOf(grid);
     for (std::size_t k = 0; k < 9; ++k) {
       EXPECT_GE(head.regionVoxels[k], 4U) << toText(grid) << " region " << k;
-      EXPECT_EQ(head.regionVoxels[k], static_cast<std::size_t>(std::count(head.labels.begin(), head.labels.end(),
-                                                                          static_cast<std::int32_t>(k + 1))));
+      EXPECT_EQ(head.regionVoxels[k],
+                static_cast<std::size_t>(
+                    std::count(head.labels.begin(), head.labels.end(), static_cast<std::int32_t>(k + 1))));
     }
     for (std::size_t i = 0; i < grid.voxels(); ++i)
       if (head.labels[i] != 0) {

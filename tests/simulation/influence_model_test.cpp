@@ -74,7 +74,8 @@ TEST(InfluenceModel, MeasuresOfAWhiteProcessAreThoseByHand) {
 }
 
 TEST(InfluenceModel, KindsHaveNamesThatCanBeReadBack) {
-  for (const Kind kind : {Kind::kReference, Kind::kDriven, Kind::kDriving, Kind::kInstantaneous, Kind::kUnrelated}) {
+  for (const Kind kind :
+       {Kind::kReference, Kind::kDriven, Kind::kDriving, Kind::kInstantaneous, Kind::kUnrelated}) {
     Kind read = kind == Kind::kDriven ? Kind::kDriving : Kind::kDriven;
     EXPECT_TRUE(simulation::kindFromName(nameOf(kind), read));
     EXPECT_EQ(read, kind);

@@ -69,8 +69,12 @@ inline std::vector<double> detrended(std::vector<double> course) {
   return course;
 }
 
-inline std::vector<double> past(const std::vector<double>& course) { return {course.begin(), course.end() - 1}; }
-inline std::vector<double> present(const std::vector<double>& course) { return {course.begin() + 1, course.end()}; }
+inline std::vector<double> past(const std::vector<double>& course) {
+  return {course.begin(), course.end() - 1};
+}
+inline std::vector<double> present(const std::vector<double>& course) {
+  return {course.begin() + 1, course.end()};
+}
 
 }  // namespace least_squares
 

@@ -24,10 +24,14 @@ struct Made {
   formats::LabelImage labels;
 
   [[nodiscard]] std::vector<float>& values(std::size_t map) { return maps.maps[map].values; }
-  [[nodiscard]] ConditionRecovery assessed(double q = 0.05) const { return assess(maps, "whole", q, truth, labels); }
+  [[nodiscard]] ConditionRecovery assessed(double q = 0.05) const {
+    return assess(maps, "whole", q, truth, labels);
+  }
 };
 
-std::size_t firstVoxel(std::size_t region) { return region * kPerRegion; }
+std::size_t firstVoxel(std::size_t region) {
+  return region * kPerRegion;
+}
 void paint(std::vector<float>& map, std::size_t region, std::size_t count, float value) {
   for (std::size_t i = 0; i < count; ++i) map[firstVoxel(region) + i] = value;
 }
@@ -170,8 +174,11 @@ TEST(Recovery, ConditionsAreNamedByTheMaps) {
 TEST(Recovery, TextNamesEveryRegionItsKindAndTheVerdict) {
   Made made = perfect();
   const std::string good = toText(made.assessed());
-  EXPECT_NE(good.find("  Driven-A       driven             10      100%        0%        0%      +1.00   as planted\n"),
-            std::string::npos) << good;
+  EXPECT_NE(
+      good.find(
+          "  Driven-A       driven             10      100%        0%        0%      +1.00   as planted\n"),
+      std::string::npos)
+      << good;
   EXPECT_NE(good.find("  Verdict: the planted influences are recovered.\n"), std::string::npos);
   paint(made.values(0), 9, 3, kHigh);
   paint(made.values(2), kInstantaneous, kPerRegion, kLow);
@@ -189,7 +196,8 @@ TEST(Recovery, JsonSaysTheSame) {
   EXPECT_EQ(good["conditions"][0]["regions"][kDriving]["share_vox2ref"], 1.0);
   EXPECT_EQ(good["conditions"][0]["elsewhere"]["voxels"], 200);
   paint(made.values(0), kDriven, kPerRegion, kLow);
-  const auto bad = nlohmann::json::parse(simulation::toJsonText({perfect().assessed(), made.assessed()}, 0.05));
+  const auto bad =
+      nlohmann::json::parse(simulation::toJsonText({perfect().assessed(), made.assessed()}, 0.05));
   EXPECT_EQ(bad["recovered"], false);
   EXPECT_EQ(bad["conditions"][0]["recovered"], true);
   EXPECT_EQ(bad["conditions"][1]["regions"][kDriven]["recovered"], false);

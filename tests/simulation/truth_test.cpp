@@ -3,18 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "formats/file_error.h"
-#include "tests/simulation/scratch_folder.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
 using simulation::Truth;
 
 std::string reasonAgainst(const std::string& text) {
-  const ScratchFolder folder;
-  std::filesystem::create_directories(folder.path());
-  std::ofstream(folder.path("truth.json")) << text;
+  const Scratch folder;
+  std::ofstream(folder.file("truth.json")) << text;
   try {
-    (void)simulation::readTruth(folder.path("truth.json"));
+    (void)simulation::readTruth(folder.file("truth.json"));
   } catch (const formats::FileError& error) {
     EXPECT_EQ(error.fault(), formats::Fault::kInput);
     EXPECT_EQ(error.remedy(), "Give the truth.json that tavmap simulate wrote");
@@ -24,11 +23,10 @@ std::string reasonAgainst(const std::string& text) {
 }
 
 TEST(Truth, ReadsBackAsWritten) {
-  const ScratchFolder folder;
-  std::filesystem::create_directories(folder.path());
+  const Scratch folder;
   const Truth written = truthOf(simulation::plantedModel(0.8), std::vector<std::size_t>(9, 30), 42, 0.8);
-  writeTruth(folder.path("truth.json"), written);
-  const Truth read = simulation::readTruth(folder.path("truth.json"));
+  writeTruth(folder.file("truth.json"), written);
+  const Truth read = simulation::readTruth(folder.file("truth.json"));
   EXPECT_EQ(read.seed, 42U);
   EXPECT_EQ(read.strength, 0.8);
   ASSERT_EQ(read.regions.size(), written.regions.size());

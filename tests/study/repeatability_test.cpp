@@ -5,7 +5,8 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "tests/study/run_command_fixture.h"
+#include "tests/support/run_command_fixture.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
@@ -44,7 +45,8 @@ TEST_F(Repeatability, AnotherSeedGivesOtherThresholds) {
   const auto before = filesBelow(results());
   ASSERT_EQ(run(write(), {"--seed", "6"}).exitCode, 0);
   const auto after = filesBelow(results());
-  EXPECT_EQ(after.at(kMap + ".nii.gz"), before.at(kMap + ".nii.gz"));  // the effect itself is no matter of luck
+  EXPECT_EQ(after.at(kMap + ".nii.gz"),
+            before.at(kMap + ".nii.gz"));  // the effect itself is no matter of luck
   EXPECT_NE(after.at(kMap + ".json"), before.at(kMap + ".json"));
 }
 
@@ -67,7 +69,12 @@ TEST_F(Repeatability, ARepeatedCommandKeepsWhatIsFinished) {
   EXPECT_EQ(kept(run(request, {"--json"})), (std::vector<bool>{false, true, true}));
   EXPECT_EQ(kept(run(request, {"--json", "--force"})), std::vector<bool>(3, false));
   EXPECT_EQ(filesBelow(results()), before);
-  EXPECT_EQ(kept(run(write("inclusion_threshold = 50"), {"--json"})), std::vector<bool>(3, false));
+  const fs::path map = results() / (kMap + ".nii.gz");
+  fs::resize_file(map, fs::file_size(map) - 1);
+  EXPECT_EQ(kept(run(request, {"--json"})), (std::vector<bool>{false, true, true}));
+  EXPECT_EQ(filesBelow(results()), before);
+  // The imported runs stay, so that it is the key of the results that differs.
+  EXPECT_EQ(kept(run(write("cv_constant = 1"), {"--json"})), std::vector<bool>(3, false));
 }
 
 TEST_F(Repeatability, ChangedInputIsNoticed) {
@@ -81,7 +88,7 @@ TEST_F(Repeatability, ADeadWorkerIsNamedAndTheOthersFinish) {
   std::string text = small_study::request("null_draws = 100");
   text.replace(text.find("surrogates = 60"), 15, "surrogates = 10000");
   const fs::path request = scratch_.write("r.toml", text);
-  Program program({"run", request.string(), "--jobs", "3"}, folder());
+  Program program({{"run", request.string(), "--jobs", "3"}, folder()});
   pid_t victim = -1;
   for (int i = 0; i < 20000 && victim < 0 && program.running(); ++i) {
     usleep(1000);
@@ -93,7 +100,8 @@ TEST_F(Repeatability, ADeadWorkerIsNamedAndTheOthersFinish) {
   kill(victim, SIGKILL);
   const ProgramResult result = program.wait();
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_NE(result.err.find("B: the worker process was ended by signal 9 (Killed)"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("B: the worker process was ended by signal 9 (Killed)"), std::string::npos)
+      << result.err;
   EXPECT_TRUE(fs::exists(results() / "small_seed-A_tavmap.json"));
   EXPECT_FALSE(fs::exists(results() / "small_seed-B_tavmap.json"));
   EXPECT_TRUE(fs::exists(results() / "small_seed-Cleft_tavmap.json"));
@@ -105,7 +113,7 @@ TEST_F(Repeatability, ReferencesOfADeadWorkerAreTriedAgainOneByOne) {
   const fs::path request = scratch_.write("r.toml", text);
   ASSERT_EQ(run(request, {"--jobs", "1"}).exitCode, 0);
   const auto undisturbed = filesBelow(results());
-  Program program({"run", request.string(), "--jobs", "1", "--force"}, folder());
+  Program program({{"run", request.string(), "--jobs", "1", "--force"}, folder()});
   pid_t victim = -1;
   for (int i = 0; i < 20000 && victim < 0 && program.running(); ++i) {
     usleep(1000);
@@ -123,8 +131,9 @@ TEST_F(Repeatability, InterruptingSaysSoAndLeavesNoHalfFile) {
   std::string text = small_study::request("null_draws = 100");
   text.replace(text.find("surrogates = 60"), 15, "surrogates = 10000");
   const fs::path request = scratch_.write("r.toml", text);
-  Program program({"run", request.string()}, folder());
-  for (int i = 0; i < 20000 && program.running() && !fs::exists(results() / "small_seed-A_tavmap.json"); ++i) usleep(1000);
+  Program program({{"run", request.string()}, folder()});
+  for (int i = 0; i < 20000 && program.running() && !fs::exists(results() / "small_seed-A_tavmap.json"); ++i)
+    usleep(1000);
   program.signal(SIGINT);
   const ProgramResult result = program.wait();
   EXPECT_EQ(result.exitCode, 130);
@@ -150,7 +159,7 @@ TEST_F(Repeatability, KilledAnywhereARepetitionEndsInTheSameFiles) {
   unsigned state = 12345;
   fs::remove_all(results());
   for (int i = 0; i < kills; ++i) {
-    Program program({"run", request.string(), "--jobs", "2"}, folder());
+    Program program({{"run", request.string(), "--jobs", "2"}, folder()});
     state = state * 1103515245U + 12345U;
     usleep(static_cast<useconds_t>(whole.count() * ((state >> 8U) % 1000U) / 1000.0));
     program.signal(SIGKILL);

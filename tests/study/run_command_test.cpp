@@ -5,7 +5,9 @@
 
 #include "formats/map_set.h"
 #include "formats/nifti.h"
-#include "tests/study/run_command_fixture.h"
+#include "formats/nifti_writer.h"
+#include "tests/support/run_command_fixture.h"
+#include "tests/support/series.h"
 
 namespace {
 
@@ -27,8 +29,8 @@ TEST_F(RunCommand, WritesMapsThatKeepTheGridOfTheRun) {
 TEST_F(RunCommand, FindsThePlantedInfluenceAndItsDirection) {
   ASSERT_EQ(run(write()).exitCode, 0);
   const formats::Image3D forth = formats::readImage((results() / (kMap + ".nii.gz")).string());
-  const formats::Image3D back =
-      formats::readImage((results() / "small_seed-A_contrast-wholeVox2Ref_stat-effect_statmap.nii.gz").string());
+  const formats::Image3D back = formats::readImage(
+      (results() / "small_seed-A_contrast-wholeVox2Ref_stat-effect_statmap.nii.gz").string());
   const float threshold = read(kMap + ".json")["Thresholds"][1]["Threshold"];
   EXPECT_GT(forth.at(8, 5, 4), threshold);  // B follows A
   EXPECT_LT(back.at(8, 5, 4), forth.at(8, 5, 4) / 5);
@@ -54,23 +56,27 @@ TEST_F(RunCommand, SidecarsSayWhatAReaderNeeds) {
   ASSERT_EQ(sidecar["Thresholds"].size(), 2U);
   EXPECT_EQ(sidecar["Thresholds"][0]["Q"], 0.01);  // sorted before the engine sees them
   EXPECT_EQ(sidecar["Thresholds"][1]["Q"], 0.1);
-  EXPECT_TRUE(sidecar.contains("Units"));
-  EXPECT_TRUE(sidecar.contains("SoftwareVersion"));
+  EXPECT_EQ(sidecar["Units"], "natural logarithm of a ratio of error variances, times 100.0");
+  const std::string version = sidecar["SoftwareVersion"];
+  EXPECT_EQ(tavmap({"--version"}, folder()).out.rfind("tavmap " + version, 0), 0U) << version;
   const json difference = read("small_seed-A_contrast-wholedTAV_stat-effect_statmap.json");
   EXPECT_EQ(difference["Description"],
-            "difference of the directed influences, A on the voxel minus the voxel on A (positive: A leads; negative: "
+            "difference of the directed influences, A on the voxel minus the voxel on A (positive: A leads; "
+            "negative: "
             "the voxel leads); condition 'whole'");
   EXPECT_FALSE(read("small_seed-A_contrast-wholedTAVRC_stat-effect_statmap.json").contains("Thresholds"));
 }
 
 TEST_F(RunCommand, TheStatusMapSaysWhyOfEveryVoxel) {
   ASSERT_EQ(run(write()).exitCode, 0);
-  const formats::LabelImage status = formats::readLabelImage((results() / "small_seed-A_desc-wholeStatus_dseg.nii.gz").string());
+  const formats::LabelImage status =
+      formats::readLabelImage((results() / "small_seed-A_desc-wholeStatus_dseg.nii.gz").string());
   int inside = 0;
   for (int z = 0; z < small_study::kDims[2]; ++z) {
     for (int y = 0; y < small_study::kDims[1]; ++y) {
       for (int x = 0; x < small_study::kDims[0]; ++x) {
-        const std::int32_t code = status.labels[static_cast<std::size_t>((z * small_study::kDims[1] + y) * small_study::kDims[0] + x)];
+        const std::int32_t code = status.labels[static_cast<std::size_t>(
+            (z * small_study::kDims[1] + y) * small_study::kDims[0] + x)];
         EXPECT_EQ(code == 0, !small_study::inMask(x, y, z)) << x << " " << y << " " << z;
         inside += code == 4 ? 1 : 0;
       }
@@ -141,7 +147,8 @@ TEST_F(RunCommand, WrongInputExitsWithTwoBeforeAnythingIsComputed) {
   std::string text = small_study::request();
   text.replace(text.find("'all'"), 5, "'D'");
   expect(text, "bad.toml:17: no label 'D' in " + (folder() / "dseg.nii.gz").string());
-  expect(small_study::request("ordre = 1"), "bad.toml:6: unknown key 'ordre' in [settings]; did you mean 'order'?");
+  expect(small_study::request("ordre = 1"),
+         "bad.toml:6: unknown key 'ordre' in [settings]; did you mean 'order'?");
   text = small_study::request();
   text.replace(text.find("['face']"), 8, "['fase']");
   expect(text, "bad.toml: condition 'face': no event of trial_type 'fase'; did you mean 'face'?");
@@ -152,15 +159,19 @@ TEST_F(RunCommand, DisputedRepetitionTimesRequireAChoice) {
   scratch_.write("bold1.json", R"({"RepetitionTime": 3.5})");
   const ProgramResult result = run(write());
   EXPECT_EQ(result.exitCode, 2);
-  EXPECT_NE(result.err.find("run 'run1': the image's header says TR = 2 s, bold1.json says TR = 3.5 s; choose one with "
-                            "'tr' (seconds)"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find(
+                "run 'run1': the image's header says TR = 2 s, bold1.json says TR = 3.5 s; choose one with "
+                "'tr' (seconds)"),
+            std::string::npos)
+      << result.err;
 }
 
 TEST_F(RunCommand, WarningsReachTerminalLogAndSidecar) {
   scratch_.write("bold1.json", R"({"RepetitionTime": 2.0, "HighpassFilter": 0.01})");
   const ProgramResult result = run(write());
   ASSERT_EQ(result.exitCode, 0);
-  const std::string warning = "run 'run1' was filtered in time (HighpassFilter). Filtering changes the lagged structure";
+  const std::string warning =
+      "run 'run1' was filtered in time (HighpassFilter). Filtering changes the lagged structure";
   EXPECT_NE(result.out.find("WARNING: " + warning), std::string::npos);
   EXPECT_EQ(read(kMap + ".json")["Warnings"][0].get<std::string>().rfind(warning, 0), 0U);
   EXPECT_EQ(read(kMap + ".json")["SoftwareFilters"][0], "HighpassFilter");
@@ -169,10 +180,28 @@ TEST_F(RunCommand, WarningsReachTerminalLogAndSidecar) {
   EXPECT_NE(content.find("WARNING: " + warning), std::string::npos);
 }
 
+// The second run lies 2 mm beside the first.
 TEST_F(RunCommand, RunsOfDifferentGridsAreRefused) {
-  small_study::writeMask(folder() / "mask.nii.gz");
-  formats::ImageHeader header = formats::readImageHeader((folder() / "bold1.nii.gz").string());
-  ASSERT_EQ(header.size.x, small_study::kDims[0]);
+  const std::string second = (folder() / "bold2.nii.gz").string();
+  formats::ImageHeader header = formats::readImageHeader(second);
+  header.affine.at(0, 3) += 2;
+  header.qformCode = 0;
+  const std::vector<float> values(header.size.voxels() * static_cast<std::size_t>(header.volumes), 500.0F);
+  formats::NiftiWriter writer(second, header);
+  writer.writeValues(values.data(), values.size());
+  writer.commit();
+  std::string text = small_study::request();
+  const std::string mask = "mask = 'mask.nii.gz'\n";  // of the first run's grid
+  text.erase(text.rfind(mask), mask.size());
+  const ProgramResult result = run(scratch_.write("r.toml", text));
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("runs 'run1' and 'run2' lie on different grids (" +
+                            (folder() / "bold1.nii.gz").string() + ", " + second + ")"),
+            std::string::npos)
+      << result.err;
+}
+
+TEST_F(RunCommand, AFileThatIsNoImageIsNamed) {
   scratch_.write("bold2.nii.gz", "not an image");
   const ProgramResult result = run(write());
   EXPECT_EQ(result.exitCode, 2);
@@ -190,17 +219,33 @@ TEST_F(RunCommand, ThePlainCaseNeedsImageMaskAndSeedOnly) {
 }
 
 TEST_F(RunCommand, PairsTakeTheReferenceFromOneRunAndTheVoxelsFromTheOther) {
-  const fs::path request = write("", "[[condition]]\nname = 'across'\nwhole_run = true\npairs = [['run1', 'run2']]\n");
+  // Region B of the second run follows region A of the first.
+  Series first = readSeries(folder() / "bold1.nii.gz"), second = readSeries(folder() / "bold2.nii.gz");
+  for (int v = 1; v < small_study::kVolumes; ++v) {
+    for (int i = 0; i < small_study::regionVoxels(); ++i) {
+      const int x = i % 2, y = i / 2 % 2, z = i / 4;
+      second.at(8 + x, 5 + y, 4 + z, v) += first.at(2 + x, 3 + y, 3 + z, v - 1) - 1000;
+    }
+  }
+  writeSeries(folder() / "bold2.nii.gz", second);
+  const fs::path request =
+      write("",
+            "[[condition]]\nname = 'across'\nwhole_run = true\npairs = [['run1', 'run2']]\n"
+            "[[condition]]\nname = 'back'\nwhole_run = true\npairs = [['run2', 'run1']]\n");
   const ProgramResult result = run(request);
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const json sidecar = read("small_seed-A_contrast-acrossRef2Vox_stat-effect_statmap.json");
   EXPECT_EQ(sidecar["Runs"][0]["Run"], "run2");
   EXPECT_EQ(sidecar["Runs"][0]["ReferenceFromRun"], "run1");
-  // Independent runs: what drives region B within a run is absent across runs.
-  const formats::Image3D within = formats::readImage((results() / (kMap + ".nii.gz")).string());
-  const formats::Image3D across =
-      formats::readImage((results() / "small_seed-A_contrast-acrossRef2Vox_stat-effect_statmap.nii.gz").string());
-  EXPECT_LT(across.at(8, 5, 4), within.at(8, 5, 4) / 5);
+  const auto at = [&](const char* map) {
+    const std::string name = "small_seed-A_contrast-" + std::string(map) + "_stat-effect_statmap.nii.gz";
+    return formats::readImage((results() / name).string()).at(8, 5, 4);
+  };
+  const float threshold = sidecar["Thresholds"][1]["Threshold"];
+  EXPECT_GT(at("acrossRef2Vox"), threshold);
+  EXPECT_LT(at("acrossVox2Ref"), at("acrossRef2Vox") / 5);
+  EXPECT_LT(at("backRef2Vox"),
+            at("acrossRef2Vox") / 5);  // that way round the runs know nothing of each other
 }
 
 TEST_F(RunCommand, StandardisedDataStayInTheMaskAfterRegression) {
@@ -209,7 +254,8 @@ TEST_F(RunCommand, StandardisedDataStayInTheMaskAfterRegression) {
   for (int v = 0; v < small_study::kVolumes; ++v) table += std::to_string((v * 7919) % 101 - 50) + "\n";
   scratch_.write("confounds.tsv", table);
   std::string text = small_study::request();
-  text.replace(text.find("name = 'run1'\n"), 14, "name = 'run1'\nconfounds = 'confounds.tsv'\nregress = 'noise'\n");
+  text.replace(text.find("name = 'run1'\n"), 14,
+               "name = 'run1'\nconfounds = 'confounds.tsv'\nregress = 'noise'\n");
   ASSERT_EQ(run(scratch_.write("r.toml", text)).exitCode, 0);
   const json record = read("small_seed-A_tavmap.json");
   EXPECT_EQ(record["Conditions"][0]["Voxels"]["below the inclusion threshold"], 0);

@@ -1,75 +1,112 @@
+// The pool with workers made of shell commands, which speak the protocol of worker_channel.h.
 #include "study/worker_pool.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <map>
-#include <stdexcept>
 
-#include "study/problem.h"
-#include "tests/study/scratch.h"
+#include "request/problem.h"
+#include "study/interrupt.h"
+#include "tests/support/scratch.h"
 
 namespace study {
 namespace {
 
-WorkPiece piece(const std::string& name, std::function<void(WorkerChannel&)> work,
-                std::map<std::string, WorkOutcome>& outcomes) {
-  return {name, 1, std::move(work), [name, &outcomes](const WorkOutcome& outcome) { outcomes[name] = outcome; }};
+std::vector<std::string> shell(const std::string& script) {
+  return {"/bin/sh", "-c", script};
 }
 
-TEST(WorkerPool, CollectsResultsWhateverTheNumberOfJobs) {
+// The command that sends one message.
+std::string say(const std::string& word, const std::string& text = "") {
+  return "printf '%s' '" + word + " " + std::to_string(text.size()) + "\n" + text + "' >&3; ";
+}
+
+class WorkerPoolTest : public ::testing::Test {
+ protected:
+  WorkPiece piece(const std::string& name, const std::vector<std::string>& command) {
+    return {name, 1, command, [this, name](const WorkOutcome& outcome) { outcomes_[name] = outcome; }};
+  }
+  WorkPiece piece(const std::string& name, const std::string& script) { return piece(name, shell(script)); }
+  WorkOutcome outcomeOf(const std::vector<std::string>& command) {
+    WorkerPool pool(1, nullptr);
+    pool.add(piece("only", command));
+    pool.run();
+    return outcomes_["only"];
+  }
+  std::map<std::string, WorkOutcome> outcomes_;
+};
+
+TEST_F(WorkerPoolTest, CollectsResultsWhateverTheNumberOfJobs) {
   for (const int jobs : {1, 2, 3, 7}) {
-    std::map<std::string, WorkOutcome> outcomes;
+    outcomes_.clear();
     WorkerPool pool(jobs, nullptr);
     for (int i = 0; i < 5; ++i) {
-      pool.add(piece(std::to_string(i), [i](WorkerChannel& channel) { channel.result(std::to_string(i * i)); }, outcomes));
+      pool.add(piece(std::to_string(i), say("result", std::to_string(i * i)) + say("done")));
     }
     pool.run();
-    ASSERT_EQ(outcomes.size(), 5U);
+    ASSERT_EQ(outcomes_.size(), 5U);
     for (int i = 0; i < 5; ++i) {
-      EXPECT_TRUE(outcomes[std::to_string(i)].done);
-      EXPECT_EQ(outcomes[std::to_string(i)].result, std::to_string(i * i));
+      EXPECT_TRUE(outcomes_[std::to_string(i)].done);
+      EXPECT_EQ(outcomes_[std::to_string(i)].result, std::to_string(i * i));
     }
   }
 }
 
-TEST(WorkerPool, ADeadWorkerIsReportedAndTheOthersFinish) {
-  std::map<std::string, WorkOutcome> outcomes;
+TEST_F(WorkerPoolTest, ADeadWorkerIsReportedAndTheOthersFinish) {
   WorkerPool pool(2, nullptr);
-  pool.add(piece("dies", [](WorkerChannel&) { raise(SIGKILL); }, outcomes));
-  pool.add(piece("leaves", [](WorkerChannel&) { _exit(7); }, outcomes));
-  pool.add(piece("throws", [](WorkerChannel&) { throw std::runtime_error("no space left"); }, outcomes));
-  pool.add(piece("misread", [](WorkerChannel&) { throw InputError("unknown label"); }, outcomes));
-  pool.add(piece("lives", [](WorkerChannel&) {}, outcomes));
+  pool.add(piece("dies", "kill -KILL $$"));
+  pool.add(piece("leaves", "exit 7"));
+  pool.add(piece("throws", say("failed", "no space left") + "exit 1"));
+  pool.add(piece("misread", say("wrong-input", "unknown label") + "exit 2"));
+  pool.add(piece("lives", say("done")));
   pool.run();
-  EXPECT_FALSE(outcomes["dies"].done);
-  EXPECT_EQ(outcomes["dies"].message, "the worker process was ended by signal 9 (Killed)");
-  EXPECT_EQ(outcomes["leaves"].message, "the worker process ended with code 7");
-  EXPECT_EQ(outcomes["throws"].message, "no space left");
-  EXPECT_FALSE(outcomes["throws"].inputProblem);
-  EXPECT_EQ(outcomes["misread"].message, "unknown label");
-  EXPECT_TRUE(outcomes["misread"].inputProblem);
-  EXPECT_TRUE(outcomes["lives"].done);
+  EXPECT_FALSE(outcomes_["dies"].done);
+  EXPECT_EQ(outcomes_["dies"].message, "the worker process was ended by signal 9 (Killed)");
+  EXPECT_EQ(outcomes_["leaves"].message, "the worker process ended with code 7");
+  EXPECT_EQ(outcomes_["throws"].message, "no space left");
+  EXPECT_FALSE(outcomes_["throws"].inputProblem);
+  EXPECT_EQ(outcomes_["misread"].message, "unknown label");
+  EXPECT_TRUE(outcomes_["misread"].inputProblem);
+  EXPECT_TRUE(outcomes_["lives"].done);
 }
 
-TEST(WorkerPool, FinishedPiecesMayAddFurtherOnes) {
-  std::map<std::string, WorkOutcome> outcomes;
+TEST_F(WorkerPoolTest, AProgramThatIsNotThereIsNamed) {
+  const WorkOutcome outcome = outcomeOf({"/nowhere/tavmap", "worker"});
+  EXPECT_FALSE(outcome.done);
+  EXPECT_EQ(outcome.message, "cannot start /nowhere/tavmap: No such file or directory");
+}
+
+TEST_F(WorkerPoolTest, AMessageThatIsCutOffIsNotTakenForWhole) {
+  WorkOutcome outcome = outcomeOf(shell("printf 'result 10\\nabc' >&3"));
+  EXPECT_FALSE(outcome.done);
+  EXPECT_EQ(outcome.result, "");
+  EXPECT_EQ(outcome.message, "the worker process ended with code 0");
+  outcome = outcomeOf(shell("printf 'done 4' >&3; kill -KILL $$"));
+  EXPECT_FALSE(outcome.done);
+  EXPECT_EQ(outcome.message, "the worker process was ended by signal 9 (Killed)");
+}
+
+TEST_F(WorkerPoolTest, AWorkerThatSendsNoMessageIsEnded) {
+  const WorkOutcome outcome = outcomeOf(shell(say("done") + "echo hello >&3; exec sleep 60"));
+  EXPECT_FALSE(outcome.done);
+  EXPECT_EQ(outcome.message, "the worker process sent what is no message");
+}
+
+TEST_F(WorkerPoolTest, LongResultsArriveWhole) {
+  const WorkOutcome outcome = outcomeOf(
+      shell("printf 'result 200000\\n' >&3; head -c 200000 /dev/zero | tr '\\0' x >&3; " + say("done")));
+  EXPECT_TRUE(outcome.done);
+  EXPECT_EQ(outcome.result, std::string(200'000, 'x'));
+}
+
+TEST_F(WorkerPoolTest, FinishedPiecesMayAddFurtherOnes) {
   WorkerPool pool(2, nullptr);
-  WorkPiece first = piece("first", [](WorkerChannel&) {}, outcomes);
-  first.finished = [&](const WorkOutcome&) { pool.add(piece("second", [](WorkerChannel&) {}, outcomes)); };
+  WorkPiece first = piece("first", say("done"));
+  first.finished = [&](const WorkOutcome&) { pool.add(piece("second", say("done"))); };
   pool.add(std::move(first));
   pool.run();
-  EXPECT_TRUE(outcomes["second"].done);
-}
-
-TEST(WorkerPool, LongResultsArriveWhole) {
-  std::map<std::string, WorkOutcome> outcomes;
-  const std::string text(3'000'000, 'x');
-  WorkerPool pool(1, nullptr);
-  pool.add(piece("long", [&](WorkerChannel& channel) { channel.result(text); }, outcomes));
-  pool.run();
-  EXPECT_EQ(outcomes["long"].result, text);
+  EXPECT_TRUE(outcomes_["second"].done);
 }
 
 class Recorder : public PoolWatcher {
@@ -83,7 +120,7 @@ class Recorder : public PoolWatcher {
 TEST(WorkerPool, ProgressCountsWeights) {
   Recorder recorder;
   WorkerPool pool(1, &recorder);
-  pool.add({"a", 3, [](WorkerChannel& channel) { channel.progress(0.5); }, nullptr});
+  pool.add({"a", 3, shell(say("progress", "0.5") + say("done")), nullptr});
   pool.expect(1);
   pool.run();
   EXPECT_EQ(recorder.finished, 1);
@@ -92,14 +129,30 @@ TEST(WorkerPool, ProgressCountsWeights) {
 }
 
 TEST(WorkerPool, AnInterruptEndsTheWorkersAndThrows) {
-  Scratch scratch;
-  const InterruptGuard guard;
-  WorkerPool pool(2, nullptr);
-  const auto file = scratch.folder() / "late";
-  pool.add({"sleeps", 1, [&](WorkerChannel&) { sleep(60); std::ofstream(file) << "x"; }, nullptr});
-  pool.add({"interrupts", 1, [](WorkerChannel&) { kill(getppid(), SIGINT); sleep(60); }, nullptr});
-  EXPECT_THROW(pool.run(), Interrupted);
-  EXPECT_FALSE(std::filesystem::exists(file));
+  for (const char* name : {"INT", "TERM"}) {
+    Scratch scratch;
+    const InterruptGuard guard;
+    WorkerPool pool(2, nullptr);
+    const std::string pidFile = (scratch.folder() / "pid").string();
+    pool.add({"sleeps", 1, shell("echo $$ > " + pidFile + "; exec sleep 60"), nullptr});
+    pool.add({"interrupts", 1,
+              shell("while ! [ -s " + pidFile + " ]; do sleep 0.01; done; kill -" + name +
+                    " $PPID; exec sleep 60"),
+              nullptr});
+    EXPECT_THROW(pool.run(), Interrupted) << name;
+    pid_t sleeper = -1;
+    std::ifstream(pidFile) >> sleeper;
+    ASSERT_GT(sleeper, 0);
+    EXPECT_EQ(kill(sleeper, 0), -1) << name;  // ended, and waited for
+  }
+}
+
+TEST(WorkerPool, WorkersIgnoreTheTerminalsInterrupt) {
+  WorkOutcome outcome;
+  WorkerPool pool(1, nullptr);
+  pool.add({"a", 1, shell("kill -INT $$; " + say("done")), [&](const WorkOutcome& o) { outcome = o; }});
+  pool.run();
+  EXPECT_TRUE(outcome.done) << outcome.message;
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 // One condition of one reference: checks, log, voxel loop, counters.
+#include "tav/condition.h"
+
 #include <cmath>
 #include <limits>
 
+#include "tests/support/scratch.h"
 #include "tests/tav/run_fixture.h"
 
 using ::testing::HasSubstr;
@@ -25,7 +28,7 @@ class Condition : public RunTest {
   }
 
   fakes::VtcSpec spec = fakes::cellGrid(2, 1, 2, 40);
-  tav::Computer computer;
+  tav::Computer computer{{}, &listener};
   std::ostringstream log;
 };
 
@@ -58,7 +61,7 @@ TEST_F(Condition, NamesSourceAndTargetOfPairs) {
 
 TEST_F(Condition, LogsNothingInThePaneUnlessWanted) {
   ASSERT_EQ(compute(simpleRequest(spec)), tav::kSuccess);
-  EXPECT_THAT(host.log, IsEmpty());
+  EXPECT_THAT(listener.lines, IsEmpty());
 }
 
 TEST_F(Condition, ShowsProgressInTens) {
@@ -74,7 +77,7 @@ TEST_F(Condition, ShowsProgressInTens) {
       "// TAV>\tVoxels skipped: 0\t(0.0%)\n// TAV>\tVoxels ill-defined: 0\t(0.0%)\n// TAV>\tSurrogates "
       "ill-defined: "
       "0\t(0.0%)");
-  EXPECT_EQ(host.log, expected);
+  EXPECT_EQ(listener.lines, expected);
 }
 
 TEST_F(Condition, ASingleSliceShowsZeroPercent) {
@@ -82,8 +85,8 @@ TEST_F(Condition, ASingleSliceShowsZeroPercent) {
   tav::TAV_Pars pars = simpleRequest(spec);
   pars.showVerboseProgress = true;
   ASSERT_EQ(compute(pars), tav::kSuccess);
-  ASSERT_EQ(host.log.size(), 3U);
-  EXPECT_EQ(host.log[1], "// TAV>\t0%...");
+  ASSERT_EQ(listener.lines.size(), 3U);
+  EXPECT_EQ(listener.lines[1], "// TAV>\t0%...");
 }
 
 TEST_F(Condition, CutsTheCounterLineAt127Characters) {
@@ -96,7 +99,21 @@ TEST_F(Condition, CutsTheCounterLineAt127Characters) {
       "// TAV>\tVoxels skipped: 120000\t(100.0%)\n// TAV>\tVoxels ill-defined: 0\t(0.0%)\n// "
       "TAV>\tSurrogates "
       "ill-defined: 0\t(0.0%)";
-  EXPECT_EQ(host.log.back(), whole.substr(0, 127));
+  EXPECT_EQ(listener.lines.back(), whole.substr(0, 127));
+}
+
+// 2 x 5 x 4 voxels; every count has a percentage of its own.
+TEST_F(Condition, CountsComeWithTheirShareOfAllVoxels) {
+  tav::TAV_Pars pars = requestOn(fakes::cellGrid(2, 5, 4, 12));
+  pars.dimX = 2, pars.dimY = 5, pars.dimZ = 4;
+  pars.showVerboseProgress = true;
+  tav::reportCounts({2, 5, 13}, pars, tav::RunLog(&listener), log);
+  EXPECT_EQ(log.str(),
+            "\n\tVoxels skipped: 2\t(5%)\n\tVoxels ill-defined: 5\t(12.5%)\n"
+            "\tSurrogates ill-defined: 13\t(32.5%)\n");
+  EXPECT_EQ(listener.lines.back(),
+            "// TAV>\tVoxels skipped: 2\t(5.0%)\n// TAV>\tVoxels ill-defined: 5\t(12.5%)\n"
+            "// TAV>\tSurrogates ill-defined: 13\t(32.5%)");
 }
 
 TEST_F(Condition, RejectsIntervalsOutsideTheSource) {
@@ -151,7 +168,7 @@ TEST_F(Condition, ATruncatedFileIsNoticed) {
   tav::TAV_Pars pars = simpleRequest(spec);
   pars.vois[0].nVoxels = 1;  // the one in the first slice, which stays whole
   const std::string path = folder.file("noise.vtc");
-  const std::string bytes = fakes::readBytes(path);
+  const std::string bytes = contentOf(path);
   for (const std::size_t missing : {std::size_t{1}, std::size_t{2 * 40 * 2}, std::size_t{2 * 40 * 3}}) {
     fakes::writeBytes(path, bytes.substr(0, bytes.size() - missing));
     errors.str("");
@@ -190,6 +207,44 @@ TEST_F(Condition, SkipsAVoxelThatIsTooLowInOneOfItsFiles) {
   pars.conds.push_back({"c", {{high, high, {{1, 40}}}, {low, low, {}}}});
   ASSERT_EQ(compute(pars), tav::kSuccess);
   EXPECT_THAT(log.str(), HasSubstr("\tVoxels skipped: 2\t(50%)\n"));
+}
+
+// A slice of the long file is more than one piece, one of the short file is not.
+TEST_F(Condition, FilesOfDifferentLengthsAreReadInPiecesThatEachOfThemCanHold) {
+  fakes::VtcSpec shorter = fakes::cellGrid(120, 100, 1, 12), longer = shorter;
+  longer.nrOfVolumes = 100;
+  const auto value = [](int x, int y, int, int t) {
+    return 1000.0F + static_cast<float>((x * 31 + y * 17 + t * (7 + x % 5) + t * t * 3) % 97);
+  };
+  const std::string first = writeVtc("long.vtc", longer, value), last = writeVtc("short.vtc", shorter, value);
+  std::vector<std::vector<float>> found;
+  for (const auto& [a, b] : {std::pair{first, last}, std::pair{last, first}}) {
+    tav::TAV_Pars pars = requestOn(longer);
+    pars.conds.push_back({"c", {{a, a, {{1, 12}}}, {b, b, {{1, 12}}}}});
+    ASSERT_EQ(compute(pars), tav::kSuccess) << errors.str();
+    EXPECT_THAT(log.str(), HasSubstr("\tVoxels skipped: 0\t(0%)\n"));
+    const float* measures = computer.rawMaps1->values(0);
+    found.emplace_back(measures, measures + computer.rawMaps1->nrOfVoxels());
+    computer.CleanUp();
+  }
+  EXPECT_EQ(found[0], found[1]) << "both files hold the same first volumes";
+}
+
+// Each file of two has a voxel of its own that is too low, whichever comes first.
+TEST_F(Condition, EveryFileOfAConditionDecidesAboutInclusion) {
+  tav::TAV_Pars pars = requestOn(spec);
+  const auto lowAt = [&](const std::string& name, int lowX, int lowZ) {
+    Noise noise(5);
+    return writeVtc(name, spec, [noise, lowX, lowZ](int x, int, int z, int) mutable {
+      return x == lowX && z == lowZ ? 7.0F : 1000.0F + 50.0F * noise();
+    });
+  };
+  const std::string first = lowAt("first.vtc", 1, 0), second = lowAt("second.vtc", 1, 1);
+  pars.conds.push_back({"c", {{first, first, {{1, 40}}}, {second, second, {{1, 40}}}}});
+  ASSERT_EQ(compute(pars), tav::kSuccess);
+  EXPECT_THAT(log.str(), HasSubstr("\tVoxels skipped: 2\t(50%)\n"));
+  EXPECT_EQ(observed(0, 1), 0.0F);
+  EXPECT_EQ(observed(0, 3), 0.0F);
 }
 
 TEST_F(Condition, SkipsBackgroundOfFloatData) {

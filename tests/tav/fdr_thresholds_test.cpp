@@ -220,13 +220,34 @@ TEST(FdrThresholds, DoNotDependOnSigns) {
 }
 
 TEST(FdrThresholds, AnUnknownConstantIsReportedAndCountsAs1) {
-  const std::vector<float> observed = {10.0F, 9.0F, 2.0F};
+  const std::vector<float> observed = {10.0F, 9.0F, 4.5F};
   const std::vector<float> null = {5.0F, 4.0F, 3.0F, 0.5F};
   std::vector<float> thresholds(1);
   std::ostringstream err;
   EXPECT_TRUE(tav::bstrTwoSideFDR({0.3F}, Map(observed).array, Map(null).array, 3, thresholds, err));
   EXPECT_EQ(err.str(), "Unknown value for cVconst: 3 , only 1 or 2 allowed");
-  EXPECT_EQ(thresholds, thresholdsOf({0.3F}, observed, null, 1));
+  // p = 1/4 at the last candidate: within 0.3, not within 0.3 / (ln 3 + 0.5772).
+  EXPECT_EQ(thresholds, (std::vector<float>{0.0F}));
+  EXPECT_EQ(thresholdsOf({0.3F}, observed, null, 2), (std::vector<float>{9.0F}));
+}
+
+// p and bound are the same number: 1/4 at rank 1 of 2 for q = 1/2. All of it is exact in binary.
+TEST(FdrThresholds, ACandidateThatMeetsItsBoundExactlyPasses) {
+  const auto stepUp = search(tav::ThresholdRule::kStepUp, {0.5F}, {10.0F, 1.0F}, {2.0F, 3.0F, 4.0F}, 1);
+  EXPECT_EQ(stepUp[0].threshold, 10.0F);
+  EXPECT_EQ(stepUp[0].nrPassing, 1U);
+  const auto walk = search(tav::ThresholdRule::kWalk, {0.5F}, {10.0F, 9.0F}, {20.0F, 1.0F, 2.0F, 3.0F}, 1);
+  EXPECT_EQ(walk[0].threshold, 0.0F);
+  EXPECT_EQ(walk[0].nrPassing, 2U);
+}
+
+// A null magnitude equal to a candidate counts against it in the step-up rule, not in the walk.
+TEST(FdrThresholds, ANullMagnitudeEqualToACandidateCountsInTheStepUpRuleAlone) {
+  const auto stepUp = search(tav::ThresholdRule::kStepUp, {0.5F}, {10.0F, 1.0F}, {2.0F, 3.0F, 10.0F}, 1);
+  EXPECT_FALSE(stepUp[0].anyPasses());
+  const auto walk = search(tav::ThresholdRule::kWalk, {0.2F}, {10.0F, 9.0F}, {10.0F, 1.0F, 2.0F, 3.0F}, 1);
+  EXPECT_EQ(walk[0].threshold, 10.0F);
+  EXPECT_EQ(walk[0].nrPassing, 1U);
 }
 
 TEST(FdrThresholds, WithoutNullValuesNothingPasses) {

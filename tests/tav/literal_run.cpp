@@ -38,10 +38,26 @@ struct Averages {
   std::vector<Grid> gamma;
   std::vector<std::vector<Grid>> pair;
 
-  void add(const std::vector<Series>& x, simo::LagPairForm form);
+  void add(const std::vector<Series>& x, tav::FitForm form);
+  void addSamples(const std::vector<Series>& x);
 };
 
-void Averages::add(const std::vector<Series>& x, simo::LagPairForm form) {
+// Sums over the samples that have their whole past in the interval.
+void Averages::addSamples(const std::vector<Series>& x) {
+  const std::size_t length = x[0].size(), p = gamma.size() - 1;
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    for (std::size_t j = 0; j < x.size(); ++j) {
+      for (std::size_t t = p; t < length; ++t) {
+        for (std::size_t k = 0; k <= p; ++k) gamma[k][i][j] += x[i][t] * x[j][t - k];
+        for (std::size_t m = 1; m <= p; ++m)
+          for (std::size_t k = 1; k <= m; ++k) pair[m][k][i][j] += x[i][t - m] * x[j][t - k];
+      }
+    }
+  }
+}
+
+void Averages::add(const std::vector<Series>& x, tav::FitForm form) {
+  if (form == tav::FitForm::kLeastSquares) return addSamples(x);
   const std::size_t length = x[0].size(), p = gamma.size() - 1;
   const double n = static_cast<double>(length);
   for (std::size_t i = 0; i < x.size(); ++i) {
@@ -53,13 +69,8 @@ void Averages::add(const std::vector<Series>& x, simo::LagPairForm form) {
       for (std::size_t m = 1; m <= p; ++m) {
         for (std::size_t k = 1; k <= m; ++k) {
           const std::size_t d = m - k;
-          double value = 0.0;
-          if (form == simo::LagPairForm::kWritten) {
-            value = sum[d];
-            for (std::size_t u = length - k; u < length; ++u) value -= x[i][u - d] * x[j][u];
-          } else {
-            for (std::size_t t = m; t < length; ++t) value += x[i][t - m] * x[j][t - k];
-          }
+          double value = sum[d];
+          for (std::size_t u = length - k; u < length; ++u) value -= x[i][u - d] * x[j][u];
           pair[m][k][i][j] += value / n;
         }
       }
@@ -164,8 +175,7 @@ std::vector<std::vector<Series>> simulateAll(const std::vector<Set>& sets, const
   Averages pooled(1, p);
   for (const Set& set : sets) {
     const std::size_t length = set.reference.size();
-    if (!settings.options.poolSurrogateModels) pooled = Averages(1, p);
-    pooled.add({detrended(set.reference, 1, static_cast<int>(length))}, simo::LagPairForm::kWritten);
+    pooled.add({detrended(set.reference, 1, static_cast<int>(length))}, tav::FitForm::kWritten);
     const Model model = fit(pooled, {0});
     auto& own = all.emplace_back();
     for (int s = 0; s < settings.nrOfSurrogates; ++s) {
@@ -192,16 +202,21 @@ Result run(const std::vector<Set>& sets, const Settings& settings) {
     if (!included) continue;
     Averages observed(2, p);
     std::vector<Averages> null(draws, Averages(2, p));
+    const auto drawRow = [&] {
+      return static_cast<unsigned>(rand()) % static_cast<unsigned>(settings.nrOfSurrogates);
+    };
+    const bool leastSquares = settings.options.fitForm == tav::FitForm::kLeastSquares;
+    std::vector<unsigned> drawn(draws);
+    if (leastSquares) std::generate(drawn.begin(), drawn.end(), drawRow);
     for (std::size_t s = 0; s < sets.size(); ++s) {
       for (const Interval& interval : sets[s].intervals) {
+        if (!leastSquares) std::generate(drawn.begin(), drawn.end(), drawRow);
         const Series voxel = detrended(sets[s].voxels[v], interval.first, interval.last);
         observed.add({detrended(sets[s].reference, interval.first, interval.last), voxel},
-                     settings.options.lagPairForm);
-        for (Averages& averages : null) {
-          const auto drawn = static_cast<unsigned>(rand()) % static_cast<unsigned>(settings.nrOfSurrogates);
-          averages.add({detrended(surrogates[s][drawn], interval.first, interval.last), voxel},
-                       settings.options.lagPairForm);
-        }
+                     settings.options.fitForm);
+        for (std::size_t d = 0; d < draws; ++d)
+          null[d].add({detrended(surrogates[s][drawn[d]], interval.first, interval.last), voxel},
+                      settings.options.fitForm);
       }
     }
     result.observed[v] = feedback(observed);

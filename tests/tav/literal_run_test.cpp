@@ -3,6 +3,7 @@
 // measure by far more than the tolerance.
 #include "tests/tav/literal_run.h"
 
+#include "tests/support/scratch.h"
 #include "tests/tav/run_fixture.h"
 
 namespace {
@@ -19,8 +20,13 @@ struct Case {
   tav::RunOptions options;
 };
 
-tav::RunOptions calibrated() {
-  return {simo::LagPairForm::kConsistent, false, 3, tav::ThresholdRule::kStepUp, false, {}};
+// With the plug-in's surrogates, which the literal run knows.
+tav::RunOptions leastSquares() {
+  tav::RunOptions options;
+  options.fitForm = tav::FitForm::kLeastSquares;
+  options.nullDraws = 3;
+  options.thresholdRule = tav::ThresholdRule::kStepUp;
+  return options;
 }
 
 std::vector<Case> cases() {
@@ -28,8 +34,8 @@ std::vector<Case> cases() {
           {"order1Intervals", 1, {{{1, 30}, {35, 60}}, {{2, 41}}}, {}},
           {"order2Written", 2, {{{1, 60}}, {{5, 50}}}, {}},
           {"order4Written", 4, {{{1, 60}}}, {}},
-          {"order1Calibrated", 1, {{{1, 30}, {31, 60}}}, calibrated()},
-          {"order3Calibrated", 3, {{{1, 60}}, {{1, 60}}}, calibrated()}};
+          {"order1LeastSquares", 1, {{{1, 30}, {31, 60}}}, leastSquares()},
+          {"order3LeastSquares", 3, {{{1, 60}}, {{1, 60}}}, leastSquares()}};
 }
 
 class LiteralRun : public RunTest, public ::testing::WithParamInterface<Case> {
@@ -47,7 +53,7 @@ class LiteralRun : public RunTest, public ::testing::WithParamInterface<Case> {
 
   [[nodiscard]] literal::Set literalSet(const std::string& path,
                                         const std::vector<tav::TAV_intv>& intervals) const {
-    const std::string bytes = fakes::readBytes(path);
+    const std::string bytes = contentOf(path);
     const std::size_t offset = fakes::vtcHeaderBytes(spec).size();
     const auto volumes = static_cast<std::size_t>(spec.nrOfVolumes);
     literal::Set set;
@@ -94,7 +100,7 @@ TEST_P(LiteralRun, GivesTheSameMeasuresDrawByDraw) {
   const auto further = static_cast<std::size_t>(parameters.options.nullDraws - 1);
   std::vector<float> furtherValues[3];
   if (further > 0) {
-    for (const auto& block : computer.furtherNulls->blocks()) {
+    for (const auto& block : computer.raw.furtherNulls->blocks()) {
       for (std::size_t v = 0; v < block.nrOfVoxels(); ++v) {
         for (std::size_t d = 0; d < further; ++d) {
           for (int m = 0; m < 3; ++m) furtherValues[m].push_back(block.draw(m, d)[v]);
@@ -123,7 +129,7 @@ TEST_P(LiteralRun, GivesTheSameMeasuresDrawByDraw) {
   }
   EXPECT_EQ(included, spec.nrOfVoxels() - 2) << "the case has skipped voxels";
   EXPECT_EQ(furtherValues[0].size(), included * further);
-  EXPECT_EQ(simo::randomStream().next(), rand()) << "both have drawn equally often";
+  EXPECT_EQ(computer.random.next(), rand()) << "both have drawn equally often";
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, LiteralRun, ::testing::ValuesIn(cases()),

@@ -38,6 +38,12 @@ TEST(MapValues, RelativeDifferenceIsCutAboveOnly) {
   EXPECT_FLOAT_EQ(valueOf(tav::DTAV_RC, 0.1F, 0.0F, 0.1F), 0.5F) << "not scaled";
 }
 
+TEST(MapValues, RelativeDifferenceAtTheUpperThresholdStays) {
+  tav::TAV_Pars pars;
+  pars.rcUpperThres = 0.75F;
+  EXPECT_EQ(valueOf(tav::DTAV_RC, 0.375F, 0.0F, 0.125F, pars), 0.75F);
+}
+
 TEST(MapValues, RelativeDifferenceOfNothingIsZero) {
   tav::TAV_Pars pars;
   pars.instLowerThres = 0.0F;

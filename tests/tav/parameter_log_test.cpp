@@ -51,14 +51,23 @@ TEST(RunOptionsLog, IsSilentAboutThePlugInsOwnWay) {
 
 TEST(RunOptionsLog, NamesWhatDiffers) {
   std::ostringstream out;
-  tav::writeRunOptionsLog({simo::LagPairForm::kConsistent, false, 20, tav::ThresholdRule::kStepUp, false, {}}, out);
+  tav::RunOptions options;
+  options.fitForm = tav::FitForm::kLeastSquares;
+  options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
+  options.nullDraws = 20;
+  options.thresholdRule = tav::ThresholdRule::kStepUp;
+  options.fdrConstant = 1.5;
+  options.fweDraws = 500;
+  tav::writeRunOptionsLog(options, out);
   EXPECT_EQ(out.str(),
             "Run options (not those of the plug-in)\n"
             "--------------------------------------\n"
-            "LagPairAverages= consistent\n"
-            "SurrogateModels= per-course\n"
+            "Models= least squares over common samples\n"
+            "Surrogates= own residuals with random signs\n"
             "NullDrawsPerVoxel= 20\n"
             "ThresholdRule= step-up\n"
+            "FDRConstant= 1.5\n"
+            "FamilyWiseDraws= 500\n"
             "ThresholdSearch= all voxels\n"
             "\n");
 }

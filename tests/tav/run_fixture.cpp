@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "hostapi/CNZQPluginInterfaceExtern.h"
 #include "simo/randomness.h"
+#include "tests/support/scratch.h"
 
 float Noise::uniform() {
   state_ = state_ * 1664525U + 1013904223U;
@@ -16,7 +16,6 @@ float Noise::operator()() {
 }
 
 RunTest::RunTest() {
-  EXPECT_TRUE(InitZQAccess());
   simo::setTimeBase(4711);
 }
 
@@ -79,5 +78,5 @@ void RunTest::addCondition(tav::TAV_Pars& pars, const std::string& name, const s
 }
 
 std::string RunTest::savedLog(const std::string& voiName) const {
-  return fakes::readBytes(folder.file("maps_" + voiName + ".log"));
+  return store.logs.at(folder.file("maps_" + voiName + ".log"));
 }

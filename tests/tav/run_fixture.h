@@ -1,4 +1,4 @@
-// A small data set, a fake host and a request, for tests of the engine's steps and whole runs.
+// A small data set, a store and a request, for tests of the engine's steps and whole runs.
 #ifndef TAVMAP_TESTS_TAV_RUN_FIXTURE_H
 #define TAVMAP_TESTS_TAV_RUN_FIXTURE_H
 
@@ -11,8 +11,9 @@
 #include <vector>
 
 #include "tav/tav.h"
-#include "tests/fakes/fake_host.h"
 #include "tests/fakes/vtc_file.h"
+#include "tests/support/scratch.h"
+#include "tests/tav/recording_store.h"
 
 // The value of one voxel at one volume (both from 0).
 using VoxelFunction = std::function<float(int x, int y, int z, int t)>;
@@ -37,8 +38,9 @@ class RunTest : public ::testing::Test {
                            std::vector<tav::TAV_intv> intervals);
   [[nodiscard]] std::string savedLog(const std::string& voiName) const;
 
-  fakes::TempFolder folder;
-  fakes::FakeHost host;
+  Scratch folder;
+  RecordingStore store;
+  Listener listener;
   std::ostringstream errors;
 
  private:

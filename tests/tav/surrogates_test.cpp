@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "simo/residual_surrogates.h"
 #include "tests/tav/run_fixture.h"
 
 using ::testing::Each;
@@ -12,7 +13,7 @@ namespace {
 class Surrogates : public RunTest {
  protected:
   int simulate(const tav::TAV_Pars& pars, const tav::RunOptions& options = {}) {
-    computer = std::make_unique<tav::Computer>(options);
+    computer = std::make_unique<tav::Computer>(options, &listener);
     EXPECT_EQ(computer->Init(pars, errors), tav::kSuccess);
     return computer->simSurrogateVOITCs(pars, log, errors);
   }
@@ -87,22 +88,56 @@ TEST_F(Surrogates, PoolTheAveragesOfEarlierCourses) {
   ASSERT_EQ(simulate(pars), tav::kSuccess);
   const float first = computer->voiTcs[0]->noiseCov[0][0];
   const float pooled = computer->voiTcs[1]->noiseCov[0][0];
-  tav::RunOptions own;
-  own.poolSurrogateModels = false;
-  ASSERT_EQ(simulate(pars, own), tav::kSuccess);
-  EXPECT_EQ(computer->voiTcs[0]->noiseCov[0][0], first);
-  EXPECT_NEAR(pooled, first + computer->voiTcs[1]->noiseCov[0][0], 0.1F * pooled) << "averages add up";
+  tav::TAV_Pars second = twoCourses();
+  second.conds.erase(second.conds.begin());
+  ASSERT_EQ(simulate(second), tav::kSuccess);
+  const float alone = computer->voiTcs[0]->noiseCov[0][0];
+  EXPECT_NEAR(pooled, first + alone, 0.1F * pooled) << "averages add up";
 }
 
-TEST_F(Surrogates, OwnModelsDoNotDependOnOtherReferences) {
-  tav::RunOptions own;
-  own.poolSurrogateModels = false;
-  tav::TAV_Pars pars = twoCourses();
-  ASSERT_EQ(simulate(pars, own), tav::kSuccess);
-  const auto expected = surrogate(*computer->voiTcs[1], 4);
-  pars.conds.erase(pars.conds.begin());
-  ASSERT_EQ(simulate(pars, own), tav::kSuccess);
-  EXPECT_EQ(surrogate(*computer->voiTcs[0], 4), expected);
+tav::RunOptions ownResiduals() {
+  tav::RunOptions options;
+  options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
+  options.timeBase = 11;
+  return options;
+}
+
+TEST_F(Surrogates, OfOwnResidualsAreTheLibrarysInOneSequence) {
+  const tav::TAV_Pars pars = simpleRequest(spec);
+  ASSERT_EQ(simulate(pars, ownResiduals()), tav::kSuccess);
+  const tav::VoiTc& voiTc = *computer->voiTcs[0];
+  const auto volumes = static_cast<std::size_t>(voiTc.tc.nCols);
+  simo::ResidualSurrogates expected({voiTc.tc.elements(), volumes}, {{0, voiTc.tc.nCols}});
+  simo::RandomStream random(11);
+  std::vector<float> drawn(volumes);
+  for (int s = 0; s < 3; ++s) {
+    expected.draw(random, drawn);
+    EXPECT_EQ(surrogate(voiTc, s), drawn) << s;
+  }
+}
+
+TEST_F(Surrogates, OfOwnResidualsGetTheTreatmentOfTheirVtc) {
+  const tav::TAV_Pars pars = simpleRequest(spec);
+  tav::RunOptions options = ownResiduals();
+  ASSERT_EQ(simulate(pars, options), tav::kSuccess);
+  const std::vector<float> untreated = surrogate(*computer->voiTcs[0], 1);
+  const std::string vtc = computer->voiTcs[0]->vtcName;
+  options.treatments[vtc] = {{{0, 60}}, [](float* course) { course[2] = 77.0F; }};
+  ASSERT_EQ(simulate(pars, options), tav::kSuccess);
+  std::vector<float> treated = surrogate(*computer->voiTcs[0], 1);
+  EXPECT_EQ(treated[2], 77.0F);
+  treated[2] = untreated[2];
+  EXPECT_EQ(treated, untreated);
+}
+
+TEST_F(Surrogates, OfOwnResidualsRestOnTheKnownVolumesAlone) {
+  const tav::TAV_Pars pars = simpleRequest(spec);
+  tav::RunOptions options = ownResiduals();
+  ASSERT_EQ(simulate(pars, options), tav::kSuccess);
+  const std::vector<float> whole = surrogate(*computer->voiTcs[0], 0);
+  options.treatments[computer->voiTcs[0]->vtcName] = {{{0, 20}, {25, 60}}, {}};
+  ASSERT_EQ(simulate(pars, options), tav::kSuccess);
+  EXPECT_NE(surrogate(*computer->voiTcs[0], 0), whole);
 }
 
 TEST_F(Surrogates, ACourseThatRepeatsIsPooledAgain) {
@@ -163,5 +198,6 @@ TEST_F(Surrogates, AnnounceThemselvesWhenWanted) {
   tav::TAV_Pars pars = simpleRequest(spec);
   pars.showVerboseProgress = true;
   ASSERT_EQ(simulate(pars), tav::kSuccess);
-  EXPECT_EQ(host.log, std::vector<std::string>{"// TAV>\n// TAV> Generating surrogate ref time-courses..."});
+  EXPECT_EQ(listener.lines,
+            std::vector<std::string>{"// TAV>\n// TAV> Generating surrogate ref time-courses..."});
 }

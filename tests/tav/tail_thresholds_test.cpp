@@ -79,6 +79,21 @@ TEST(TailThresholds, StepUpLikeAFullSortOnLargeMaps) {
   expectSame(ThresholdRule::kStepUp, 20000, 120);
 }
 
+std::vector<MapThreshold> searchOne(ThresholdRule rule, float q, const std::vector<float>& observed,
+                                    const std::vector<float>& null) {
+  return tav::searchTailThresholds(rule, {q}, tav::StoredMap({observed}), tav::StoredMap({null}), 1);
+}
+
+// p and bound are the same number: 1/4 at rank 1 of 2 for q = 1/2. All of it is exact in binary.
+TEST(TailThresholds, ACandidateThatMeetsItsBoundExactlyPasses) {
+  const auto stepUp = searchOne(ThresholdRule::kStepUp, 0.5F, {10.0F, 1.0F}, {2.0F, 3.0F, 4.0F});
+  EXPECT_EQ(stepUp[0].threshold, 10.0F);
+  EXPECT_EQ(stepUp[0].nrPassing, 1U);
+  const auto walk = searchOne(ThresholdRule::kWalk, 0.5F, {10.0F, 9.0F}, {20.0F, 1.0F, 2.0F, 3.0F});
+  EXPECT_EQ(walk[0].threshold, 0.0F);
+  EXPECT_EQ(walk[0].nrPassing, 2U);
+}
+
 TEST(TailThresholds, AreZeroForEmptyMaps) {
   for (const MapThreshold& result : tav::searchTailThresholds(ThresholdRule::kWalk, {0.05F, 0.01F},
                                                               tav::StoredMap({}), tav::StoredMap({}), 2)) {

@@ -1,3 +1,4 @@
+#include "tests/support/scratch.h"
 #include "tests/tav/run_fixture.h"
 
 using ::testing::ElementsAre;
@@ -107,7 +108,7 @@ TEST_F(VoiTcs, NoVoxelInsideTheBoxFails) {
 }
 
 TEST_F(VoiTcs, ATruncatedSourceFails) {
-  const std::string bytes = fakes::readBytes(path);
+  const std::string bytes = contentOf(path);
   fakes::writeBytes(path, bytes.substr(0, bytes.size() - 3 * 8));
   setVoi(1);
   EXPECT_EQ(fetch(), tav::kTerminalError);

@@ -1,7 +1,6 @@
 // References that go through the voxels together: every one has the results that it has alone.
 #include "tav/voxel_passes.h"
 
-#include "simo/randomness.h"
 #include "tav/kernel/dispatch.h"
 #include "tests/tav/run_fixture.h"
 
@@ -48,7 +47,7 @@ class VoxelPasses : public RunTest, public ::testing::WithParamInterface<int> {
       if (&voi - pars.vois.data() != repeated) continue;
       EXPECT_EQ(computer.compVOIConditionTAVs(asked, pars.conds.back(), pars, log, errors), tav::kSuccess);
     }
-    results.push_back({static_cast<std::uint32_t>(simo::randomStream().next())});
+    results.push_back({static_cast<std::uint32_t>(computer.random.next())});
     logs_.push_back(log.str());
     return results;
   }
@@ -61,8 +60,8 @@ class VoxelPasses : public RunTest, public ::testing::WithParamInterface<int> {
     for (int m = 0; m < tav::kNrOfMeasures; ++m) {
       add(computer.rawMaps1->values(m), computer.rawMaps1->nrOfVoxels());
       add(computer.rawMaps2->values(m), computer.rawMaps2->nrOfVoxels());
-      if (computer.furtherNulls == nullptr) continue;
-      for (const auto& block : computer.furtherNulls->blocks()) add(block.plane(m), block.planeSize());
+      if (computer.raw.furtherNulls == nullptr) continue;
+      for (const auto& block : computer.raw.furtherNulls->blocks()) add(block.plane(m), block.planeSize());
     }
     return bits;
   }
@@ -99,7 +98,7 @@ TEST_P(VoxelPasses, NoticeAConditionThatIsAskedForTwice) {
 }
 
 TEST_P(VoxelPasses, OfReferencesWithTimeBasesOfTheirOwnGiveWhatEachGivesAlone) {
-  options.poolSurrogateModels = false;
+  options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
   for (int i = 0; i < kVois; ++i) options.voiTimeBases.push_back(1000 + 7 * i);
   Results together = run(Ask::kByRequest);
   together.pop_back();
@@ -113,6 +112,17 @@ TEST_P(VoxelPasses, OfReferencesWithTimeBasesOfTheirOwnGiveWhatEachGivesAlone) {
     alone.insert(alone.end(), results.begin(), results.end() - 1);
   }
   EXPECT_EQ(together, alone);
+}
+
+TEST_P(VoxelPasses, LeaveNoTimeBaseOfAReferenceBehind) {
+  options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
+  for (int i = 0; i < kVois; ++i) options.voiTimeBases.push_back(1000 + 7 * i);
+  (void)run(Ask::kByRequest);
+  simo::setTimeBase(std::nullopt);
+  ASSERT_EQ(setenv("TAV_TIME_BASE", "424242", 1), 0);
+  (void)run(Ask::kByRequest);
+  EXPECT_EQ(simo::timeBase(), 424242);
+  unsetenv("TAV_TIME_BASE");
 }
 
 TEST_P(VoxelPasses, NeedATimeBaseForEachReferenceOrNone) {

@@ -9,7 +9,7 @@ namespace {
 class VtcCache : public RunTest {
  protected:
   fakes::VtcSpec spec = fakes::cellGrid(2, 2, 2, 12);
-  tav::Computer computer;
+  tav::Computer computer{{}, &listener, &store};
 };
 
 constexpr const char* kHeaderMessage =
@@ -74,7 +74,7 @@ TEST_F(VtcCache, AForeignFileFailsWithTheHeaderMessage) {
   for (const std::string& bytes :
        {std::string(), std::string("\x01\x00", 2), std::string("not a vtc at all")}) {
     tav::TAV_Pars pars = requestOn(spec);
-    fakes::writeBytes(folder.file("bad.vtc"), bytes);
+    folder.write("bad.vtc", bytes);
     addCondition(pars, "rest", folder.file("bad.vtc"), {{1, 5}});
     errors.str("");
     EXPECT_EQ(computer.openVTCFiles(pars, errors), tav::kTerminalError);
@@ -86,7 +86,7 @@ TEST_F(VtcCache, AForeignFileFailsWithTheHeaderMessage) {
 
 TEST_F(VtcCache, AHeaderWithoutDataFailsWithTheHeaderMessage) {
   spec.resolution = 0;
-  fakes::writeBytes(folder.file("bad.vtc"), fakes::vtcHeaderBytes(spec));
+  folder.write("bad.vtc", fakes::vtcHeaderBytes(spec));
   tav::TAV_Pars pars = requestOn(fakes::cellGrid(2, 2, 2, 12));
   addCondition(pars, "rest", folder.file("bad.vtc"), {{1, 5}});
   EXPECT_EQ(computer.openVTCFiles(pars, errors), tav::kTerminalError);
@@ -99,10 +99,26 @@ TEST_F(VtcCache, AFolderIsNotAVtc) {
   EXPECT_EQ(computer.openVTCFiles(pars, errors), tav::kTerminalError);
 }
 
+TEST_F(VtcCache, FindsRelativeNamesInTheFolderOfTheRun) {
+  tav::TAV_Pars pars = requestOn(spec);
+  const std::string whole = writeNoise("whole.vtc", spec, 2);
+  writeNoise("noise.vtc", spec, 1);
+  pars.conds.push_back({"pair", {{"noise.vtc", whole, {{1, 12}}}}});
+  tav::RunOptions options;
+  options.vtcFolder = folder.path();
+  tav::Computer elsewhere(options);
+  ASSERT_EQ(elsewhere.openVTCFiles(pars, errors), tav::kSuccess) << errors.str();
+  EXPECT_EQ(elsewhere.vtcFiles[0]->name, "noise.vtc");
+  EXPECT_EQ(elsewhere.vtcFiles[1]->name, whole) << "an absolute name is taken as it is";
+  EXPECT_EQ(elsewhere.getOpenVtc("noise.vtc"), elsewhere.vtcFiles[0].get());
+  EXPECT_EQ(computer.openVTCFiles(pars, errors), tav::kTerminalError);
+  EXPECT_EQ(errors.str(), "Could not open file: noise.vtc\nfor condition 'pair'");
+}
+
 TEST_F(VtcCache, ASmallFileWithALargeHeaderCostsNoMemory) {
   spec.xEnd = spec.yEnd = 1000;
   spec.nrOfVolumes = 2000;  // 4 GB per slice
-  fakes::writeBytes(folder.file("big.vtc"), fakes::vtcHeaderBytes(spec) + "xx");
+  folder.write("big.vtc", fakes::vtcHeaderBytes(spec) + "xx");
   tav::TAV_Pars pars = requestOn(spec);
   addCondition(pars, "rest", folder.file("big.vtc"), {{1, 5}});
   ASSERT_EQ(computer.openVTCFiles(pars, errors), tav::kSuccess);
@@ -138,12 +154,12 @@ TEST_F(VtcCache, InitWithoutGeometryHasAnEmptyGrid) {
   EXPECT_EQ(computer.rawMaps1->nrOfVoxels(), 0U);
 }
 
-TEST_F(VtcCache, CleanUpReleasesEverythingAndDeletesTheHostsMaps) {
+TEST_F(VtcCache, CleanUpReleasesEverythingAndDiscardsTheMaps) {
   const tav::TAV_Pars pars = simpleRequest(spec);
   ASSERT_EQ(computer.Init(pars, errors), tav::kSuccess);
-  host.deleteMapsResult = 42;
+  store.discardResult = 42;
   EXPECT_EQ(computer.CleanUp(), 42);
-  EXPECT_EQ(host.callCount("zqDeleteNRVMPsOfCurrentVMR"), 1);
+  EXPECT_EQ(store.callCount("discard"), 1U);
   EXPECT_TRUE(computer.vtcFiles.empty());
   EXPECT_TRUE(computer.voiTcs.empty());
   EXPECT_EQ(computer.rawMaps1, nullptr);

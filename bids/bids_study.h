@@ -1,0 +1,36 @@
+// From a BIDS data set and the options of the command line to one request per participant, session
+// and task.
+#ifndef TAVMAP_BIDS_BIDS_STUDY_H
+#define TAVMAP_BIDS_BIDS_STUDY_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "bids/bids_layout.h"
+#include "request/request_file.h"
+
+namespace study {
+
+struct BidsOptions {
+  std::filesystem::path bidsDir, outDir, workDir;  // workDir empty: outDir/work
+  std::vector<std::filesystem::path> derivatives;
+  BidsQuery query;
+  std::filesystem::path atlas, atlasTable;  // a label image; empty: references come from the configuration
+  std::vector<std::string> labels;          // names or indices; empty or "all": all of them
+  std::vector<std::string> trialTypes;      // one condition each; empty: the configuration's, else whole runs
+  double delaySeconds = 0;                  // for trialTypes
+  RequestTemplate configuration;
+};
+
+// Throws InputError when the output would go into the data set's own top folder.
+void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::filesystem::path& outDir);
+
+// Throws InputError as findBidsGroups does, and when there is no reference, when a run lacks the
+// events or confounds that it needs, or when an option and the configuration contradict each other.
+// Outputs are named after the entities that the runs of a group share.
+std::vector<Request> bidsRequests(const BidsOptions& options);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,103 @@
+#include "prepare/image_sidecar.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "request/problem.h"
+
+namespace study {
+namespace {
+
+using nlohmann::json;
+constexpr double kAgreementSeconds = 0.001;
+
+std::string lowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+bool speaksOfFiltering(const std::string& key) {
+  const std::string name = lowerCase(key);
+  const auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
+  return has("bandpass") || has("band-pass") || has("highpass") || has("high-pass") || has("lowpass") ||
+         has("low-pass") || has("temporalfilter") || has("temporal filter") || has("softwarefilters");
+}
+
+bool saysNothing(const json& value) {
+  if (value.is_null() || value == false ||
+      ((value.is_object() || value.is_array() || value.is_string()) && value.empty())) {
+    return true;
+  }
+  return value.is_string() && (lowerCase(value) == "n/a" || lowerCase(value) == "none");
+}
+
+// SoftwareFilters is the standard's field for any filter; what it holds is named rather than it.
+void collectFilters(const json& object, std::vector<std::string>& filters) {
+  for (const auto& [key, value] : object.items()) {
+    if (lowerCase(key) == "softwarefilters" && value.is_object()) {
+      for (const auto& [name, settings] : value.items()) filters.push_back(name);
+    } else if (speaksOfFiltering(key) && !saysNothing(value)) {
+      filters.push_back(key);
+    } else if (value.is_object()) {
+      collectFilters(value, filters);
+    }
+  }
+}
+
+std::filesystem::path besideImage(const std::filesystem::path& image) {
+  std::string name = image.filename().string();
+  for (const std::string extension : {".nii.gz", ".nii"}) {
+    if (name.size() > extension.size() &&
+        name.compare(name.size() - extension.size(), extension.size(), extension) == 0) {
+      return image.parent_path() / (name.substr(0, name.size() - extension.size()) + ".json");
+    }
+  }
+  return {};
+}
+
+std::string seconds(double value) {
+  std::ostringstream text;
+  text << value << " s";
+  return text.str();
+}
+
+}  // namespace
+
+ImageSidecar readImageSidecar(const std::filesystem::path& image) {
+  ImageSidecar sidecar;
+  const std::filesystem::path file = besideImage(image);
+  std::ifstream stream(file);
+  if (file.empty() || !stream) return sidecar;
+  const json content = json::parse(stream, nullptr, false);
+  if (!content.is_object()) throw InputError(file.string() + ": not a JSON object; repair or remove it");
+  sidecar.file = file;
+  const auto tr = content.find("RepetitionTime");
+  if (tr != content.end() && tr->is_number() && tr->get<double>() > 0) sidecar.trSeconds = tr->get<double>();
+  collectFilters(content, sidecar.filters);
+  return sidecar;
+}
+
+double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,
+                      const ImageSidecar& sidecar) {
+  if (chosenSeconds > 0) return chosenSeconds;
+  const bool headerKnows = std::isfinite(headerSeconds) && headerSeconds > 0;
+  if (!sidecar.trSeconds && !headerKnows) {
+    throw InputError("run '" + run +
+                     "': neither the image's header nor a JSON sidecar states the repetition time; "
+                     "give it with 'tr' (seconds)");
+  }
+  if (!sidecar.trSeconds) return headerSeconds;
+  if (headerKnows && std::abs(headerSeconds - *sidecar.trSeconds) > kAgreementSeconds) {
+    throw InputError("run '" + run + "': the image's header says TR = " + seconds(headerSeconds) + ", " +
+                     sidecar.file.filename().string() + " says TR = " + seconds(*sidecar.trSeconds) +
+                     "; choose one with 'tr' (seconds)");
+  }
+  return *sidecar.trSeconds;
+}
+
+}  // namespace study

@@ -1,0 +1,30 @@
+// What the JSON file beside an image says about it, as far as this method is concerned.
+#ifndef TAVMAP_PREPARE_IMAGE_SIDECAR_H
+#define TAVMAP_PREPARE_IMAGE_SIDECAR_H
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace study {
+
+struct ImageSidecar {
+  std::filesystem::path file;        // empty: there is none
+  std::optional<double> trSeconds;   // RepetitionTime
+  std::vector<std::string> filters;  // names of entries that speak of temporal filtering
+};
+
+// "X.json" beside "X.nii.gz" or "X.nii". A file that is not JSON throws InputError; a missing one
+// gives an empty record.
+ImageSidecar readImageSidecar(const std::filesystem::path& image);
+
+// The repetition time to work with: the chosen one if there is one (> 0), else header and sidecar
+// when they agree within a millisecond or only one of them knows. A header without unit or with 0
+// does not know. Throws InputError naming both values when they differ, or when nobody knows.
+double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,
+                      const ImageSidecar& sidecar);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,98 @@
+#include "prepare/region_files.h"
+
+#include <set>
+
+#include "bids/bids_names.h"
+#include "formats/label_table.h"
+#include "formats/nifti.h"
+#include "request/problem.h"
+
+namespace study {
+namespace {
+
+std::string placeOf(const Request& request, const ReferenceRequest& reference) {
+  return request.title + (reference.line > 0 ? ":" + std::to_string(reference.line) : "");
+}
+
+LabelVolume readLabels(const ReferenceRequest& reference) {
+  const std::string file = reference.image.string();
+  formats::LabelImage image = formats::readLabelImage(file);
+  LabelVolume volume;
+  volume.grid = gridOf(image.header);
+  volume.labels = std::move(image.labels);
+  volume.file = file;
+  const std::string table =
+      reference.table.empty() ? formats::labelTableBeside(file) : reference.table.string();
+  if (table.empty()) return volume;
+  for (const formats::Label& label : formats::readLabelTable(table).labels)
+    volume.names[label.index] = label.name;
+  return volume;
+}
+
+// A mask may hold any numbers: what is not 0 belongs to it.
+LabelVolume readMask(const ReferenceRequest& reference) {
+  const formats::Image3D image = formats::readImage(reference.image.string());
+  LabelVolume volume;
+  volume.grid = gridOf(image.header);
+  volume.file = reference.image.string();
+  for (const float value : image.values) volume.labels.push_back(value != 0 ? 1 : 0);
+  return volume;
+}
+
+std::vector<Region> readOne(const ReferenceRequest& reference, const RegionSpace& space,
+                            const std::string& where) {
+  switch (reference.kind) {
+    case ReferenceKind::kLabels:
+      return labelRegions(reference, readLabels(reference), space, where);
+    case ReferenceKind::kMask:
+      return {maskRegion(reference, readMask(reference), space, where)};
+    case ReferenceKind::kSphere:
+      return {sphereRegion(reference, space, where)};
+    case ReferenceKind::kVoxels:
+      return {voxelRegion(reference, space, where)};
+  }
+  return {};
+}
+
+// An atlas and runs whose names state different spaces may still overlap by accident.
+void noteSpaces(const Request& request, const ReferenceRequest& reference, std::vector<Region>& regions) {
+  const std::string own = parseBidsName(reference.image.filename().string()).get("space");
+  const std::string theirs = parseBidsName(request.runs[0].bold.filename().string()).get("space");
+  if (own.empty() || theirs.empty() || own == theirs || regions.empty()) return;
+  regions[0].notes.push_back(reference.image.filename().string() + " names space '" + own + "', the runs '" +
+                             theirs + "'; regions may lie in the wrong place");
+}
+
+}  // namespace
+
+RegionSpace regionSpace(const std::vector<RunPlan>& runs, Method method) {
+  RegionSpace space{runs[0].grid, {}, method == Method::kCalibrated};
+  for (const RunPlan& run : runs) {
+    if (run.request.mask.empty()) continue;
+    const formats::Image3D mask = formats::readImage(run.request.mask.string());
+    if (space.mask.empty()) space.mask.assign(mask.values.size(), true);
+    for (std::size_t i = 0; i < mask.values.size(); ++i) space.mask[i] = space.mask[i] && mask.values[i] != 0;
+  }
+  return space;
+}
+
+std::vector<Region> readRegions(const Request& request, const RegionSpace& space) {
+  std::vector<Region> regions;
+  std::set<std::string> names;
+  for (const ReferenceRequest& reference : request.references) {
+    const std::string where = placeOf(request, reference);
+    std::vector<Region> found = readOne(reference, space, where);
+    noteSpaces(request, reference, found);
+    for (Region& region : found) {
+      if (!names.insert(region.name).second) {
+        throw InputError(where + ": two references are named '" + region.name +
+                         "'; their results would overwrite "
+                         "each other, give one another 'name'");
+      }
+      regions.push_back(std::move(region));
+    }
+  }
+  return regions;
+}
+
+}  // namespace study

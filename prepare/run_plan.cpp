@@ -1,0 +1,175 @@
+#include "prepare/run_plan.h"
+
+#include <algorithm>
+
+#include "formats/nifti.h"
+#include "formats/protocol.h"
+#include "prepare/cautions.h"
+#include "prepare/censor.h"
+#include "prepare/confound_table.h"
+#include "prepare/fingerprint.h"
+#include "prepare/image_sidecar.h"
+#include "prepare/regress.h"
+#include "request/confound_terms.h"
+#include "request/problem.h"
+
+namespace study {
+namespace {
+
+constexpr int kLeastVolumesOfARun = 4;
+
+std::vector<TimedEvent> readEvents(const std::filesystem::path& file, double trSeconds) {
+  std::vector<TimedEvent> events;
+  if (file.empty()) return events;
+  // A repetition time of 0 joins nothing: blocks are joined per condition, with its own gap.
+  const formats::Protocol protocol = formats::readProtocol(file.string(), 0);
+  for (const formats::ProtocolCondition& condition : protocol.conditions) {
+    for (const formats::Interval& interval : condition.intervals) {
+      if (protocol.unit == formats::TimeUnit::kMilliseconds) {
+        events.push_back({interval.start / 1000.0, (interval.end - interval.start) / 1000.0, condition.name});
+      } else {
+        events.push_back({(interval.start - 1) * trSeconds, (interval.end - interval.start + 1) * trSeconds,
+                          condition.name});
+      }
+    }
+  }
+  return events;
+}
+
+class RunPlanner {
+ public:
+  RunPlanner(const RunRequest& run, int inclusionThreshold, std::string version)
+      : threshold_(inclusionThreshold), version_(std::move(version)) {
+    plan_.request = run;
+  }
+
+  RunPlan plan() {
+    readHeader();
+    checkMask();
+    readTable();
+    plan_.volumes.events = readEvents(plan_.request.events, plan_.volumes.trSeconds);
+    plan_.cautions = runCautions(plan_.request, plan_.volumes.trSeconds, plan_.filters, plan_.confoundNames);
+    plan_.vtcName = bidsSafe(plan_.request.name) + "-" + key() + ".vtc";
+    return std::move(plan_);
+  }
+
+ private:
+  void readHeader();
+  void checkMask() const;
+  void readTable();
+  void censor(const ConfoundTable& table);
+  void regress(const ConfoundTable& table);
+  std::string key() const;
+  static std::string bidsSafe(std::string name) {
+    for (char& c : name) {
+      if (c == '/' || c == ' ' || c == '\\') c = '_';
+    }
+    return name;
+  }
+
+  int threshold_;
+  std::string version_;
+  RunPlan plan_;
+};
+
+void RunPlanner::readHeader() {
+  const RunRequest& run = plan_.request;
+  const formats::ImageHeader header = formats::readImageHeader(run.bold.string());
+  if (header.volumes < kLeastVolumesOfARun) {
+    throw InputError("run '" + run.name + "': " + run.bold.string() + " has " +
+                     std::to_string(header.volumes) + " volume(s); a time series is needed");
+  }
+  plan_.grid = gridOf(header);
+  const ImageSidecar sidecar = readImageSidecar(run.bold);
+  plan_.filters = sidecar.filters;
+  plan_.volumes.name = run.name;
+  plan_.volumes.volumes = header.volumes;
+  plan_.volumes.trSeconds = repetitionTime(run.name, run.trSeconds, header.trMs / 1000, sidecar);
+}
+
+void RunPlanner::checkMask() const {
+  const RunRequest& run = plan_.request;
+  if (run.mask.empty()) return;
+  const formats::ImageHeader mask = formats::readImageHeader(run.mask.string());
+  formats::requireSameGrid(formats::readImageHeader(run.bold.string()), run.bold.string(), mask,
+                           run.mask.string());
+}
+
+void RunPlanner::readTable() {
+  const RunRequest& run = plan_.request;
+  plan_.kept.assign(static_cast<std::size_t>(plan_.volumes.volumes), true);
+  plan_.volumes.dropped = std::max(0, run.dropVolumes);
+  if (!run.confounds.empty()) {
+    const ConfoundTable table = readConfounds(run.confounds);
+    if (table.volumes() != plan_.kept.size()) {
+      throw InputError("run '" + run.name + "': " + run.confounds.string() + " has " +
+                       std::to_string(table.volumes()) + " rows for the image's " +
+                       std::to_string(plan_.kept.size()) + " volumes; they must belong together");
+    }
+    if (run.dropVolumes == kDropFromConfounds) plan_.volumes.dropped = nonSteadyStateVolumes(table);
+    censor(table);
+    regress(table);
+  }
+  if (plan_.volumes.volumes - plan_.volumes.dropped < kLeastVolumesOfARun) {
+    throw InputError("run '" + run.name + "': dropping " + std::to_string(plan_.volumes.dropped) + " of " +
+                     std::to_string(plan_.volumes.volumes) + " volumes leaves too few");
+  }
+  std::fill(plan_.kept.begin(), plan_.kept.begin() + plan_.volumes.dropped, false);
+  const int shortest = run.censoring.fdThresholdMm > 0 ? run.censoring.minimumSegment : 1;
+  plan_.volumes.kept = keptSegments(plan_.kept, shortest);
+}
+
+void RunPlanner::censor(const ConfoundTable& table) {
+  if (plan_.request.censoring.fdThresholdMm <= 0) return;
+  plan_.kept = volumesBelowThreshold(framewiseDisplacement(table), plan_.request.censoring);
+  plan_.censored = static_cast<int>(std::count(
+      plan_.kept.begin() + std::min(plan_.volumes.dropped, plan_.volumes.volumes), plan_.kept.end(), false));
+}
+
+void RunPlanner::regress(const ConfoundTable& table) {
+  const RunRequest& run = plan_.request;
+  plan_.confoundNames = expandConfoundTerms(run.confoundTerms, table.names, table.file.string());
+  if (plan_.confoundNames.empty()) return;
+  const std::size_t first = static_cast<std::size_t>(plan_.volumes.dropped);
+  plan_.confounds = confoundColumns(table, plan_.confoundNames, first);
+  const std::vector<bool> used(plan_.kept.begin() + static_cast<std::ptrdiff_t>(first), plan_.kept.end());
+  plan_.confoundRank = ConfoundRegression(plan_.confounds, used).rank();
+  const auto left = std::count(used.begin(), used.end(), true) - plan_.confoundRank - 1;
+  if (left >= kLeastVolumesOfARun) return;
+  throw InputError("run '" + run.name + "': regressing " + std::to_string(plan_.confoundRank) +
+                   " confounds leaves no degrees of freedom in " +
+                   std::to_string(std::count(used.begin(), used.end(), true)) + " volumes; choose fewer");
+}
+
+std::string RunPlanner::key() const {
+  Fingerprint key;
+  key.add("version", version_.c_str())
+      .addFile("bold", plan_.request.bold)
+      .addFile("mask", plan_.request.mask);
+  key.add("threshold", threshold_).add("tr", plan_.volumes.trSeconds).add("dropped", plan_.volumes.dropped);
+  for (std::size_t i = 0; i < plan_.confoundNames.size(); ++i) {
+    key.add("confound", plan_.confoundNames[i].c_str());
+    for (const double value : plan_.confounds[i]) key.add("value", value);
+  }
+  std::string kept;
+  for (const bool flag : plan_.kept) kept += flag ? '1' : '0';
+  return key.add("kept", kept.c_str()).hex();
+}
+
+}  // namespace
+
+RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version) {
+  return RunPlanner(run, inclusionThreshold, version).plan();
+}
+
+void requireOneGrid(const std::vector<RunPlan>& runs) {
+  for (const RunPlan& run : runs) {
+    if (sameGrid(run.grid, runs[0].grid)) continue;
+    throw InputError("runs '" + runs[0].request.name + "' and '" + run.request.name +
+                     "' lie on different grids (" + runs[0].request.bold.string() + ", " +
+                     run.request.bold.string() +
+                     "); nothing is resampled here, take runs of one space and resolution");
+  }
+}
+
+}  // namespace study

@@ -1,0 +1,40 @@
+// One run, inspected but not yet read: its grid, its times, what will be left out and regressed,
+// and where the prepared data will lie.
+#ifndef TAVMAP_PREPARE_RUN_PLAN_H
+#define TAVMAP_PREPARE_RUN_PLAN_H
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "prepare/grid.h"
+#include "prepare/interval_plan.h"
+#include "request/request.h"
+
+namespace study {
+
+struct RunPlan {
+  RunRequest request;
+  Grid grid;
+  RunVolumes volumes;
+  std::vector<bool> kept;  // one flag per stored volume
+  int censored = 0;        // volumes above the motion threshold, or beside one
+  std::vector<std::string> confoundNames;
+  std::vector<std::vector<double>> confounds;  // from the first volume that is not dropped
+  int confoundRank = 0;                        // degrees of freedom that the regression costs
+  std::vector<std::string> filters;            // found in the sidecar
+  std::vector<std::string> cautions;
+  std::string vtcName;  // file in the work folder, named by the key of its inputs
+};
+
+// Looks at headers, sidecar, confounds and events; reads no image data. `version` goes into the key,
+// so that another version prepares anew. Throws InputError, naming file and remedy.
+RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version);
+
+// All runs of a request must share one grid. Throws InputError naming both files.
+void requireOneGrid(const std::vector<RunPlan>& runs);
+
+}  // namespace study
+
+#endif

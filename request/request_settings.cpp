@@ -1,0 +1,108 @@
+#include "request/request_settings.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "request/nearest_name.h"
+#include "request/settings_table.h"
+#include "request/toml_table.h"
+
+namespace study {
+namespace {
+
+std::vector<std::string> knownKeys() {
+  std::vector<std::string> keys;
+  for (const Setting& row : settingsTable()) {
+    if (row.key != nullptr) keys.emplace_back(row.key);
+  }
+  return keys;
+}
+
+// A criterion or a number in the row's range; false for anything else.
+bool parseOrder(const Setting& row, const std::string& text, Settings& settings) {
+  const auto choice = orderChoiceNamed(text);
+  if (choice && *choice != OrderChoice::kFixed) {
+    settings.orderChoice = *choice;
+    return true;
+  }
+  int order = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), order);
+  if (error != std::errc() || end != text.data() + text.size()) return false;
+  if (order < row.least || order > row.most) return false;
+  settings.orderChoice = OrderChoice::kFixed;
+  settings.order = order;
+  return true;
+}
+
+// Reads the value of one row, by the type of its member.
+struct RowReader {
+  const TomlTable& table;
+  const Setting& row;
+  Settings& settings;
+
+  void operator()(Method Settings::*member) const {
+    const std::string name = table.text(row.key, methodName(settings.*member));
+    const auto method = methodNamed(name);
+    if (!method) table.fail(row.key, "is '" + name + "'" + suggestion(name, {"calibrated", "plugin"}));
+    settings.*member = *method;
+  }
+  void operator()(OrderChoice Settings::*) const {
+    for (const std::string& text : table.texts(row.key, true)) {
+      if (parseOrder(row, text, settings)) continue;
+      table.fail(row.key,
+                 "is '" + text + "'; it must be " + rangeText(row) + ", \"bic\", \"aic\" or \"hqc\"");
+    }
+  }
+  void operator()(int Settings::*member) const {
+    settings.*member =
+        table.integer(row.key, settings.*member, static_cast<int>(row.least), static_cast<int>(row.most));
+  }
+  void operator()(double Settings::*member) const {
+    settings.*member = table.number(row.key, settings.*member, row.least, row.most);
+  }
+  void operator()(std::set<tav::MapType> Settings::*member) const {
+    const std::vector<std::string> known(tav::MAPTYPE_NAMES.begin(), tav::MAPTYPE_NAMES.end());
+    (settings.*member).clear();
+    for (const std::string& name : table.texts(row.key)) {
+      const auto found = std::find(known.begin(), known.end(), name);
+      if (found == known.end()) table.fail(row.key, "names '" + name + "'" + suggestion(name, known));
+      (settings.*member).insert(static_cast<tav::MapType>(found - known.begin()));
+    }
+    if ((settings.*member).empty()) table.fail(row.key, "is empty; name at least one map type");
+  }
+  void operator()(std::vector<double> Settings::*member) const {
+    std::vector<double>& values = settings.*member;
+    values = table.numbers(row.key);
+    for (const double q : values) {
+      if (!(q > 0 && q < 1)) table.fail(row.key, "must hold values between 0 and 1, both excluded");
+    }
+    if (values.empty()) table.fail(row.key, "is empty; give at least one q-value");
+    std::sort(values.begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+  }
+};
+
+void settleNullDraws(const TomlTable& table, Settings& settings) {
+  if (settings.method != Method::kPlugin) return;
+  if (table.has("null_draws")) {
+    table.fail("null_draws",
+               "has no meaning with method \"plugin\", which draws one surrogate per voxel; remove it");
+  }
+  settings.nullDraws = 1;
+}
+
+}  // namespace
+
+Settings parseSettings(const toml::table& node, const std::string& file) {
+  const TomlTable table(node, file, "[settings]", knownKeys());
+  Settings settings;
+  for (const Setting& row : settingsTable()) {
+    if (row.key != nullptr && table.has(row.key)) {
+      std::visit(RowReader{table, row, settings}, row.member);
+    }
+  }
+  settleNullDraws(table, settings);
+  return settings;
+}
+
+}  // namespace study

@@ -1,0 +1,24 @@
+// The reference's mean time courses as a table, one column per run.
+#ifndef TAVMAP_RESULTS_COURSE_TABLE_H
+#define TAVMAP_RESULTS_COURSE_TABLE_H
+
+#include <string>
+#include <vector>
+
+namespace study {
+
+struct CourseColumn {
+  std::string run;
+  int volumes = 0;                             // of the stored image
+  int dropped = 0;                             // leading ones that the course lacks
+  double shift = 0;                            // what preparation added to every value
+  const std::vector<float>* course = nullptr;  // null: this run has none
+};
+
+// Tab-separated, the run names first, then one row per volume of the longest stored image, "n/a" where
+// a run has no value. The added constant is taken off again.
+std::string courseTable(const std::vector<CourseColumn>& columns);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,37 @@
+#include "results/output_folder.h"
+
+#include "formats/atomic_file.h"
+
+namespace study {
+namespace {
+
+constexpr const char* kReadme =
+    "Maps of directed influence between reference regions and every voxel, made by Tavmap.\n\n"
+    "*_stat-effect_statmap.nii.gz   one effect map each; its JSON sidecar says direction, model, thresholds\n"
+    "*_dseg.nii.gz                  why each voxel has the value it has; codes in the .tsv beside it\n"
+    "*_timeseries.tsv               the reference's mean time course after preparation\n"
+    "*_tavmap.json                  everything about one reference; written last\n"
+    "*.tav, *.log                   the same maps as one file with the text of the computation\n"
+    "group_tavmap.tsv               thresholds, counts and peaks of all records, once the group level has "
+    "run\n\n"
+    "Names of statistic maps follow a draft of the standard that other tools use as well; validators\n"
+    "are told by .bidsignore.\n";
+
+// Names that no published version of the standard knows yet, or never will.
+constexpr const char* kIgnored = "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\nwork/\n";
+
+}  // namespace
+
+void writeUnlessForeign(const std::filesystem::path& file, const std::string& text) {
+  if (std::filesystem::exists(file) &&
+      formats::readTextFile(file.string()).find("avmap") == std::string::npos)
+    return;
+  formats::writeTextFile(file.string(), text);
+}
+
+void explainOutputFolder(const std::filesystem::path& folder) {
+  writeUnlessForeign(folder / "README", kReadme);
+  writeUnlessForeign(folder / ".bidsignore", kIgnored);
+}
+
+}  // namespace study

@@ -1,0 +1,172 @@
+#include "results/record_json.h"
+
+#include "formats/atomic_file.h"
+#include "formats/file_error.h"
+#include "request/settings_table.h"
+#include "results/json_fields.h"
+
+namespace study {
+namespace {
+
+Json settingJson(const Setting& row, const Settings& settings) {
+  return std::visit([](const auto& value) { return Json(value); }, valuesOf(row, settings).at(0));
+}
+
+// Reads one setting by the type of its member.
+struct SettingReader {
+  const JsonPlace& at;
+  Settings& settings;
+
+  template <typename T>
+  void named(T Settings::*member, const std::optional<T>& value) const {
+    if (!value) at.fail("\"" + at.text() + "\" is not known here", FieldReader::kRemedy);
+    settings.*member = *value;
+  }
+  void operator()(Method Settings::*m) const { named(m, methodNamed(at.text())); }
+  void operator()(OrderChoice Settings::*m) const { named(m, orderChoiceNamed(at.text())); }
+  template <typename T>
+  void operator()(T Settings::*member) const {
+    FieldReader::read(at, settings.*member);
+  }
+  // Lists are no part of records.
+  void operator()(std::set<tav::MapType> Settings::*) const {}
+};
+
+template <typename Fields, typename Counts>
+void describeCounts(Fields& fields, Counts& counts) {
+  for (std::size_t code = 0; code < kStatusCodes; ++code) {
+    fields(statusName(static_cast<StatusCode>(code)), counts[code]);
+  }
+}
+
+void describeSetting(FieldWriter& fields, const Setting& row, const Settings& settings) {
+  fields.told(row.record.name, settingJson(row, settings));
+  if (std::holds_alternative<Method Settings::*>(row.member)) {
+    fields.told("MethodDescription", methodDescription(settings.method));
+  }
+}
+
+void describeSetting(FieldReader& fields, const Setting& row, Settings& settings) {
+  std::visit(SettingReader{fields.at(row.record.name), settings}, row.member);
+}
+
+}  // namespace
+
+// Looked up by their arguments, and so in the open namespace.
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, ModelRecord>& model) {
+  const std::vector<const Setting*> rows = recordedSettings();
+  for (const Setting* row : rows) {
+    if (row->record.place <= kLastPlaceOfModel) describeSetting(fields, *row, model.settings);
+  }
+  fields("Seed", model.seed);
+  fields("SeedOfReference", model.seedOfReference);
+  fields("SoftwareVersion", model.version);
+  for (const Setting* row : rows) {
+    if (row->record.place > kLastPlaceOfModel) describeSetting(fields, *row, model.settings);
+  }
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, RunRecord>& run) {
+  fields("Run", run.run);
+  fields.unlessEmpty("ReferenceFromRun", run.referenceFromRun);
+  fields("RepetitionTime", run.repetitionTime);
+  fields("Volumes", run.volumes);
+  fields("VolumesDropped", run.volumesDropped);
+  fields("VolumesCensored", run.volumesCensored);
+  fields("Intervals", run.intervals);
+  fields("VolumesUsed", run.volumesUsed);
+  fields("EffectiveVolumes", run.effectiveVolumes);
+  fields("ConfoundsRegressed", run.confoundsRegressed);
+  fields("ConfoundDegreesOfFreedom", run.confoundDegreesOfFreedom);
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, ThresholdResult>& result) {
+  fields("Q", result.q);
+  fields("Threshold", result.threshold);
+  fields.told("AnyVoxelPasses", result.voxelsPassing > 0);
+  fields("VoxelsPassing", result.voxelsPassing);
+  fields("VoxelsPassingOutsideReference", result.outsideReference);
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, MapResult>& map) {
+  fields.choice("MapType", map.type, tav::MAPTYPE_NAMES, "map type");
+  fields("File", map.file);
+  fields.unlessEmpty("Thresholds", map.thresholds);
+  fields.inside("Peak", [&map](Fields& peak) {
+    peak("Value", map.peak);
+    peak("Voxel", map.peakVoxel);
+    peak("Millimetres", map.peakMm);
+  });
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, ConditionRecord>& condition) {
+  fields("Name", condition.name);
+  fields("VolumesUsed", condition.volumesUsed);
+  fields("EffectiveVolumes", condition.effectiveVolumes);
+  fields("Runs", condition.runs);
+  fields.inside("Voxels", [&condition](Fields& voxels) { describeCounts(voxels, condition.voxels); });
+  fields("SurrogatesIllDefined", condition.surrogatesIllDefined);
+  fields("StatusFile", condition.statusFile);
+  fields("Maps", condition.maps);
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, Record>& record) {
+  fields("Key", record.key);
+  fields("Reference", record.reference);
+  fields("ReferenceVoxels", record.referenceVoxels);
+  describe(fields, record.model);
+  fields("Conditions", record.conditions);
+  fields("Warnings", record.warnings);
+  fields("Files", record.files);
+}
+
+Json recordJson(const Record& record) {
+  return FieldWriter::written(record);
+}
+
+std::string recordText(const Record& record) {
+  return recordJson(record).dump(2) + "\n";
+}
+
+Record recordFromText(const std::string& text, const std::string& path) {
+  try {
+    Record record;
+    FieldReader::read(JsonPlace(formats::parseJson(text, path), path), record);
+    return record;
+  } catch (const formats::FileError& error) {
+    throw formats::FileError(path, "not a whole record (" + error.reason() + ")", "Compute the result again");
+  }
+}
+
+Record readRecordFile(const std::string& path) {
+  return recordFromText(formats::readTextFile(path), path);
+}
+
+Json runsJson(const std::vector<RunRecord>& runs) {
+  return FieldWriter::written(runs);
+}
+
+Json thresholdsJson(const std::vector<ThresholdResult>& thresholds) {
+  return FieldWriter::written(thresholds);
+}
+
+Json voxelsJson(const StatusCounts& counts) {
+  Json json = Json::object();
+  FieldWriter fields(json);
+  describeCounts(fields, counts);
+  return json;
+}
+
+void addModel(const ModelRecord& model, Json& json) {
+  FieldWriter fields(json);
+  describe(fields, model);
+}
+
+}  // namespace study

@@ -1,0 +1,173 @@
+#include "results/result_json.h"
+
+#include <algorithm>
+
+#include "results/record_json.h"
+
+namespace study {
+namespace {
+
+using Json = nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+const RunPlan& runNamed(const ResultContext& context, const std::string& name) {
+  return *std::find_if(context.runs.begin(), context.runs.end(),
+                       [&](const RunPlan& run) { return run.request.name == name; });
+}
+
+RunRecord runRecord(const ResultContext& context, const SetResult& set) {
+  const RunPlan& run = runNamed(context, set.target);
+  RunRecord record;
+  record.run = set.target;
+  if (set.source != set.target) record.referenceFromRun = set.source;
+  record.repetitionTime = run.volumes.trSeconds;
+  record.volumes = run.volumes.volumes;
+  record.volumesDropped = run.volumes.dropped;
+  record.volumesCensored = run.censored;
+  record.intervals = set.ranges;
+  record.volumesUsed = totalLength(set.ranges);
+  record.effectiveVolumes = effectiveVolumes(set.ranges, context.order);
+  record.confoundsRegressed = run.confoundNames;
+  record.confoundDegreesOfFreedom = run.confoundRank;
+  return record;
+}
+
+std::vector<RunRecord> runRecords(const ResultContext& context, const ConditionResult& condition) {
+  std::vector<RunRecord> records;
+  for (const SetResult& set : condition.sets) records.push_back(runRecord(context, set));
+  return records;
+}
+
+ConditionRecord conditionRecord(const ResultContext& context, const ConditionResult& condition) {
+  return {condition.name,
+          condition.totalVolumes,
+          condition.effectiveVolumes,
+          runRecords(context, condition),
+          condition.statusCounts,
+          condition.surrogatesIllDefined,
+          condition.statusFile,
+          condition.maps};
+}
+
+ModelRecord modelRecord(const ResultContext& context, const ReferenceResult& reference) {
+  ModelRecord model{context.request.settings, context.seed, reference.seed, context.version};
+  model.settings.order = context.order;
+  return model;
+}
+
+Json sourcesJson(const ResultContext& context, const ConditionResult& condition) {
+  Json list = Json::array();
+  const auto add = [&](const fs::path& file) {
+    if (file.empty()) return;
+    const Json uri = sourceUri(context.request, file);
+    if (std::find(list.begin(), list.end(), uri) == list.end()) list.push_back(uri);
+  };
+  for (const SetResult& set : condition.sets) {
+    for (const std::string& name : {set.source, set.target}) {
+      const RunRequest& run = runNamed(context, name).request;
+      for (const fs::path& file : {run.bold, run.mask, run.confounds, run.events}) add(file);
+    }
+  }
+  return list;
+}
+
+// The repetition time of the runs when they agree.
+Json repetitionTime(const ResultContext& context, const ConditionResult& condition) {
+  const double first = runNamed(context, condition.sets[0].target).volumes.trSeconds;
+  const bool same = std::all_of(condition.sets.begin(), condition.sets.end(), [&](const SetResult& set) {
+    return runNamed(context, set.target).volumes.trSeconds == first;
+  });
+  return same ? Json(first) : Json(nullptr);
+}
+
+Json filtersJson(const ResultContext& context, const ConditionResult& condition) {
+  Json list = Json::array();
+  for (const SetResult& set : condition.sets) {
+    for (const std::string& filter : runNamed(context, set.target).filters) list.push_back(filter);
+  }
+  return list;
+}
+
+}  // namespace
+
+std::string sourceUri(const Request& request, const fs::path& file) {
+  const fs::path whole = fs::absolute(file).lexically_normal();
+  std::string best;
+  std::size_t bestLength = 0;
+  for (const auto& [name, root] : request.datasets) {
+    const fs::path folder = fs::absolute(root).lexically_normal();
+    const fs::path relative = whole.lexically_relative(folder);
+    if (relative.empty() || *relative.begin() == ".." || folder.string().size() < bestLength) continue;
+    best = "bids:" + name + ":" + relative.generic_string();
+    bestLength = folder.string().size();
+  }
+  return best.empty() ? file.filename().string() : best;
+}
+
+Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
+                const ConditionResult& condition, const MapResult& map) {
+  Json json;
+  json["Description"] = mapDescription(map.type, reference.name) + "; condition '" + condition.name + "'";
+  json["MapType"] = tav::MAPTYPE_NAMES[static_cast<std::size_t>(map.type)];
+  json["Units"] = mapUnits(map.type, Json(context.request.settings.mapScale).dump());
+  json["Reference"] = reference.name;
+  json["ReferenceVoxels"] = reference.voxels;
+  json["Condition"] = condition.name;
+  json["Sources"] = sourcesJson(context, condition);
+  json["RepetitionTime"] = repetitionTime(context, condition);
+  const Json filters = filtersJson(context, condition);
+  if (!filters.empty()) json["SoftwareFilters"] = filters;
+  json["VolumesUsed"] = condition.totalVolumes;
+  json["EffectiveVolumes"] = condition.effectiveVolumes;
+  json["Runs"] = runsJson(runRecords(context, condition));
+  if (!map.thresholds.empty()) json["Thresholds"] = thresholdsJson(map.thresholds);
+  addModel(modelRecord(context, reference), json);
+  json["Warnings"] = context.cautions;
+  return json;
+}
+
+Json statusSidecar(const ResultContext& context, const ReferenceResult& reference,
+                   const ConditionResult& condition) {
+  Json json;
+  json["Description"] = "why each voxel of the maps of " + reference.name + ", condition '" + condition.name +
+                        "', has the value it has";
+  Json labels;
+  for (std::size_t code = 0; code < kStatusCodes; ++code) {
+    labels[std::to_string(code)] = statusName(static_cast<StatusCode>(code));
+  }
+  json["Labels"] = labels;
+  json["Voxels"] = voxelsJson(condition.statusCounts);
+  json["Sources"] = sourcesJson(context, condition);
+  json["SoftwareVersion"] = context.version;
+  return json;
+}
+
+Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
+                       const std::string& key) {
+  Record record;
+  record.key = key;
+  record.reference = reference.name;
+  record.referenceVoxels = reference.voxels;
+  record.model = modelRecord(context, reference);
+  for (const ConditionResult& condition : reference.conditions) {
+    record.conditions.push_back(conditionRecord(context, condition));
+  }
+  record.warnings = context.cautions;
+  return record;
+}
+
+Json datasetDescription(const Request& request, const std::string& version) {
+  Json json;
+  json["Name"] = "Tavmap: maps of directed influence";
+  json["BIDSVersion"] = "1.8.0";
+  json["DatasetType"] = "derivative";
+  json["GeneratedBy"] = Json::array({{{"Name", "Tavmap"}, {"Version", version}}});
+  Json links = Json::object();
+  for (const auto& [name, root] : request.datasets) {
+    links[name] = "file://" + fs::absolute(root).lexically_normal().generic_string();
+  }
+  if (!links.empty()) json["DatasetLinks"] = links;
+  return json;
+}
+
+}  // namespace study

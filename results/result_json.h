@@ -1,0 +1,41 @@
+// What goes with the results: the sidecar of every image, the record of a reference, the description
+// of the data set. No time stamps: equal results are equal files.
+#ifndef TAVMAP_RESULTS_RESULT_JSON_H
+#define TAVMAP_RESULTS_RESULT_JSON_H
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "prepare/run_plan.h"
+#include "request/request.h"
+#include "results/record.h"
+#include "results/results.h"
+
+namespace study {
+
+// What all results of a request share.
+struct ResultContext {
+  const Request& request;
+  const std::vector<RunPlan>& runs;
+  std::string version;
+  std::uint32_t seed = 0;  // of the study
+  int order = 1;           // in use
+  std::vector<std::string> cautions;
+};
+
+// "bids:raw:sub-01/..." when a data set of the request holds the file, else the plain file name.
+std::string sourceUri(const Request& request, const std::filesystem::path& file);
+
+nlohmann::ordered_json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
+                                  const ConditionResult& condition, const MapResult& map);
+nlohmann::ordered_json statusSidecar(const ResultContext& context, const ReferenceResult& reference,
+                                     const ConditionResult& condition);
+// Everything about one reference but its files; `key` says from which inputs it was made.
+Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
+                       const std::string& key);
+nlohmann::ordered_json datasetDescription(const Request& request, const std::string& version);
+
+}  // namespace study
+
+#endif

@@ -1,0 +1,44 @@
+// Surrogates of a series that keep its spectrum and its envelope, and nothing of its phases.
+#ifndef TAVMAP_SIMO_RESIDUAL_SURROGATES_H
+#define TAVMAP_SIMO_RESIDUAL_SURROGATES_H
+
+#include <span>
+#include <vector>
+
+#include "simo/burg.h"
+#include "simo/random_stream.h"
+
+namespace simo {
+
+// Drives an autoregressive model of the series with the series' own residuals, each where it stood and
+// times a random sign: a spike or a change of variance stays where it was, its sign and with it any
+// relation to another series does not. The model starts with a warm-up of residuals resampled with
+// random signs; values outside the stretches get such residuals as well.
+// (Sign flips of residuals: Wu 1986, the wild bootstrap, Annals of Statistics 14, 1261-1295,
+// doi:10.1214/aos/1176350142.)
+class ResidualSurrogates {
+ public:
+  // series: one value per volume, finite within the stretches, whose mean and line are taken off first.
+  // stretches: what is known of it, ascending.
+  ResidualSurrogates(std::span<const float> series, const std::vector<Stretch>& stretches);
+
+  // False when the stretches have no variance or values that are not finite: there are no surrogates.
+  [[nodiscard]] bool isDefined() const;
+  [[nodiscard]] const BurgModel& model() const { return model_; }
+  // Writes one surrogate, as many values as the series has. Takes a number from the stream for each
+  // value of the warm-up and of the series, and one more for each resampled residual. Allocates nothing
+  // after the first call.
+  void draw(RandomStream& random, std::span<float> surrogate);
+
+ private:
+  [[nodiscard]] double resampled(RandomStream& random) const;
+
+  BurgModel model_;
+  std::vector<double> innovations_;  // per value of the series
+  std::vector<bool> known_;          // whether it lies in a stretch
+  std::vector<double> simulated_;    // warm-up and series
+};
+
+}  // namespace simo
+
+#endif

@@ -1,0 +1,95 @@
+#include "study/child_process.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include "request/problem.h"
+#include "study/worker_channel.h"
+
+namespace study {
+namespace {
+
+std::vector<char*> pointersTo(std::vector<std::string>& words) {
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+// The death signal outlives the start of the program. A parent that has died before it was set is told
+// by its number.
+void tieTo(pid_t parent) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(1);
+}
+
+// Makes the pipe's end the one descriptor that stays open in the program.
+void placeReports(int fd) {
+  if (fd == kReportDescriptor) {
+    fcntl(fd, F_SETFD, 0);
+  } else {
+    dup2(fd, kReportDescriptor);
+  }
+}
+
+[[noreturn]] void become(char* const* words, int reports, pid_t parent) {
+  std::signal(SIGINT, SIG_IGN);
+  std::signal(SIGTERM, SIG_DFL);
+  tieTo(parent);
+  placeReports(reports);
+  execv(words[0], words);
+  WorkerChannel(kReportDescriptor)
+      .send(WorkerWord::kFailed, std::string("cannot start ") + words[0] + ": " + std::strerror(errno));
+  _exit(127);
+}
+
+std::string endOf(int status) {
+  if (!WIFSIGNALED(status)) return "ended with code " + std::to_string(WEXITSTATUS(status));
+  const int number = WTERMSIG(status);
+  return "was ended by signal " + std::to_string(number) + " (" + strsignal(number) + ")";
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const std::vector<std::string>& command) {
+  std::vector<std::string> words = command;
+  const std::vector<char*> pointers = pointersTo(words);
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0)
+    throw RunError(std::string("cannot make a pipe to a worker: ") + std::strerror(errno));
+  reports_ = ends[0];
+  const pid_t parent = getpid();
+  pid_ = fork();
+  if (pid_ == 0) become(pointers.data(), ends[1], parent);
+  const int error = errno;
+  close(ends[1]);
+  if (pid_ > 0) return;
+  close(reports_);
+  throw RunError(std::string("cannot start a worker process: ") + std::strerror(error));
+}
+
+ChildProcess::~ChildProcess() {
+  kill();
+  if (pid_ > 0) wait();
+  close(reports_);
+}
+
+void ChildProcess::kill() {
+  if (pid_ > 0) ::kill(pid_, SIGKILL);
+}
+
+std::string ChildProcess::wait() {
+  int status = 0;
+  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+  }
+  pid_ = -1;
+  return endOf(status);
+}
+
+}  // namespace study

@@ -1,0 +1,154 @@
+#include "study/worker_job.h"
+
+#include <array>
+#include <nlohmann/json.hpp>
+
+#include "formats/atomic_file.h"
+#include "prepare/prepare.h"
+#include "request/problem.h"
+#include "request/request_file.h"
+#include "request/request_text.h"
+#include "study/engine_request.h"
+#include "study/order_evidence.h"
+#include "study/reference_job.h"
+
+namespace study {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+constexpr std::array<const char*, 3> kWorkNames = {"import", "order", "references"};
+
+std::vector<std::size_t> allRegions(const StudyPlan& plan) {
+  std::vector<std::size_t> all;
+  for (std::size_t i = 0; i < plan.regions.size(); ++i) all.push_back(i);
+  return all;
+}
+
+// With method "plugin" the last key covers all references before it.
+std::vector<std::string> keysOf(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
+  if (plan.request.settings.method == Method::kPlugin) return {resultKey(plan, regions.back())};
+  std::vector<std::string> keys;
+  for (const std::size_t region : regions) keys.push_back(resultKey(plan, region));
+  return keys;
+}
+
+WorkerJob jobOf(const StudyPlan& plan, Work work, std::vector<std::size_t> items) {
+  WorkerJob job{work, plan.version, std::move(items), plan.order, {}, withoutLines(plan.request)};
+  job.request.seed = plan.seed;
+  return job;
+}
+
+Work workNamed(const std::string& name) {
+  for (std::size_t i = 0; i < kWorkNames.size(); ++i) {
+    if (name == kWorkNames[i]) return static_cast<Work>(i);
+  }
+  throw InputError("there is no work '" + name + "'");
+}
+
+[[noreturn]] void failChanged(const Request& request) {
+  throw RunError("inputs of " + request.title + " changed while it was being computed; repeat the command");
+}
+
+void importRun(const WorkerJob& job, const std::function<void(double)>& progress) {
+  const Request& request = job.request;
+  if (job.items.at(0) >= request.runs.size()) failChanged(request);
+  const RunPlan run = planRun(request.runs[job.items[0]], request.settings.inclusionThreshold, job.version);
+  if (job.expected != std::vector<std::string>{run.vtcName}) failChanged(request);
+  prepareRun(run, request.output.workFolder, request.settings.inclusionThreshold, progress);
+}
+
+StudyPlan planAgain(const WorkerJob& job) {
+  StudyPlan plan = planStudy(job.request, job.request.seed.value_or(0), job.version);
+  if (plan.order != job.order) settleOrder(plan, job.order);
+  for (const std::size_t item : job.items) {
+    if (item >= plan.regions.size()) failChanged(job.request);
+  }
+  if (job.items.empty() || keysOf(plan, job.items) != job.expected) failChanged(job.request);
+  return plan;
+}
+
+std::string orderEvidence(const StudyPlan& plan) {
+  std::vector<const Region*> regions;
+  for (const Region& region : plan.regions) regions.push_back(&region);
+  const Settings& settings = plan.request.settings;
+  const tav::TAV_Pars pars =
+      engineRequest(settings, settings.maxOrder, plan.runs, plan.conditions, regions, "");
+  return orderJson(gatherOrderEvidence(pars, plan.workFolder, settings.maxOrder, settings.orderSample))
+      .dump();
+}
+
+// What the head says; throws Json::exception when an entry is missing or of the wrong type.
+WorkerJob parseHead(const std::string& line) {
+  const Json head = Json::parse(line);
+  WorkerJob job;
+  job.version = head.at("Tavmap").get<std::string>();
+  job.work = workNamed(head.at("Work").get<std::string>());
+  job.items = head.at("Items").get<std::vector<std::size_t>>();
+  job.order = head.at("Order").get<int>();
+  job.expected = head.at("Expected").get<std::vector<std::string>>();
+  return job;
+}
+
+}  // namespace
+
+WorkerJob importJob(const StudyPlan& plan, std::size_t run) {
+  WorkerJob job = jobOf(plan, Work::kImport, {run});
+  job.expected = {plan.runs[run].vtcName};
+  return job;
+}
+
+WorkerJob orderJob(const StudyPlan& plan) {
+  WorkerJob job = jobOf(plan, Work::kOrder, allRegions(plan));
+  job.expected = keysOf(plan, job.items);
+  return job;
+}
+
+WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
+  WorkerJob job = jobOf(plan, Work::kReferences, regions);
+  job.expected = keysOf(plan, regions);
+  return job;
+}
+
+std::string jobText(const WorkerJob& job) {
+  Json head;
+  head["Tavmap"] = job.version;
+  head["Work"] = kWorkNames[static_cast<std::size_t>(job.work)];
+  head["Items"] = job.items;
+  head["Order"] = job.order;
+  head["Expected"] = job.expected;
+  return head.dump() + "\n" + requestText(job.request);
+}
+
+// The request stands behind an empty line in place of the head, so that its lines count as in the file.
+WorkerJob readJob(const fs::path& file) {
+  const std::string text = formats::readTextFile(file.string());
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  WorkerJob job;
+  try {
+    job = parseHead(text.substr(0, end));
+  } catch (const Json::exception& error) {
+    throw InputError(file.string() + " is no job of tavmap: " + error.what());
+  }
+  job.request = withoutLines(parseRequest(text.substr(end), file.string(), file.parent_path()));
+  return job;
+}
+
+std::string carryOut(const WorkerJob& job, const std::string& version,
+                     const std::function<void(double)>& progress) {
+  if (job.version != version) {
+    throw InputError("the job was written by tavmap " + job.version + ", and this is tavmap " + version +
+                     "; repeat the command that wrote it");
+  }
+  if (job.work == Work::kImport) {
+    importRun(job, progress);
+    return "";
+  }
+  const StudyPlan plan = planAgain(job);
+  if (job.work == Work::kOrder) return orderEvidence(plan);
+  computeReferences(plan, job.items, progress);
+  return "";
+}
+
+}  // namespace study

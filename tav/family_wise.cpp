@@ -1,0 +1,156 @@
+#include "tav/family_wise.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "tav/map_source.h"
+#include "tav/piece_reader.h"
+
+namespace tav {
+namespace {
+
+constexpr int kDrawsPerChunk = 100;
+constexpr std::size_t kMostSampled = 400000;
+
+// The results of one piece under one chunk of draws.
+class PieceResults {
+ public:
+  PieceResults(std::size_t voxels, int draws) : further_(draws - 1), status_(voxels) {
+    for (auto* const planes : {&truth_, &first_})
+      for (auto& plane : *planes) plane.resize(voxels);
+  }
+
+  VoxelResults places() {
+    further_.clear();
+    VoxelResults results{
+        {}, {}, status_.data(), further_.drawsPerVoxel() > 0 ? &further_ : nullptr, &counts_};
+    for (std::size_t m = 0; m < kNrOfMeasures; ++m) {
+      results.measures[m] = truth_[m].data();
+      results.nullMeasures[m] = first_[m].data();
+    }
+    return results;
+  }
+
+  // The cells of the grid that were not skipped, `firstCell` being the piece's first.
+  void collectCells(std::size_t firstCell, std::size_t count) {
+    cells_.clear();
+    for (std::size_t i = 0; i < count; ++i) {
+      if (status_[i] == VoxelStatus::kBelowInclusion) continue;
+      for (std::size_t m = 0; m < kNrOfMeasures; ++m) first_[m][cells_.size()] = first_[m][i];
+      cells_.push_back(static_cast<std::uint32_t>(firstCell + i));
+    }
+  }
+
+  // Calls use(draw of the chunk, raw values of the cells), after collectCells().
+  template <class Use>
+  void forEachDraw(Use use) const {
+    use(std::size_t{0}, RawValues{{first_[0].data(), first_[1].data(), first_[2].data()}, cells_.size()});
+    for (const FurtherNulls::Block& block : further_.blocks())
+      for (std::size_t draw = 0; draw < further_.drawsPerVoxel(); ++draw)
+        use(draw + 1,
+            RawValues{{block.draw(0, draw), block.draw(1, draw), block.draw(2, draw)}, cells_.size()});
+  }
+  [[nodiscard]] const std::vector<std::uint32_t>& cells() const { return cells_; }
+
+ private:
+  std::array<std::vector<float>, kNrOfMeasures> truth_, first_;
+  FurtherNulls further_;
+  std::vector<VoxelStatus> status_;
+  VoxelCounts counts_;
+  std::vector<std::uint32_t> cells_;
+};
+
+// One chunk of draws after the other over all pieces.
+class Chunks {
+ public:
+  Chunks(const ConditionJobs& condition, const TAV_Pars& request, const std::vector<std::size_t>& leftOut,
+         VoxelPath& path, FamilyWise& familyWise, std::ostream& errors)
+      : condition_(condition),
+        request_(request),
+        leftOut_(leftOut),
+        path_(path),
+        familyWise_(familyWise),
+        errors_(errors) {}
+
+  [[nodiscard]] bool compute(int first, int draws) {
+    VoxelJob job = condition_.jobs[0];
+    job.nullDraws = draws;
+    job.commonFirst = static_cast<std::uint32_t>(first);
+    path_.begin({&job, 1});
+    const auto slice = static_cast<std::size_t>(request_.dimX) * static_cast<std::size_t>(request_.dimY);
+    PieceReader reader(condition_.files, slice, static_cast<std::size_t>(request_.dimZ));
+    PieceResults results(slice, draws);
+    while (reader.next(errors_)) {
+      const VoxelResults places = results.places();
+      path_.compute(reader.count(), reader.data(), {&places, 1});
+      results.collectCells(reader.first(), reader.count());
+      if (!results.cells().empty()) take(static_cast<std::size_t>(first), results);
+    }
+    return !reader.hasFailed();
+  }
+
+ private:
+  void take(std::size_t first, const PieceResults& results) {
+    const std::vector<std::size_t> out = leftOutOf(results.cells());
+    buffer_.resize(results.cells().size());
+    results.forEachDraw([&](std::size_t draw, const RawValues& raw) {
+      for (auto& [type, maxima] : familyWise_) {
+        computeMapValues(type, raw, request_, buffer_.data());
+        for (const std::size_t i : out) buffer_[i] = 0;
+        maxima.take(first + draw, results.cells(), buffer_.data());
+      }
+    });
+  }
+
+  // Positions in `cells` that take no part.
+  [[nodiscard]] std::vector<std::size_t> leftOutOf(const std::vector<std::uint32_t>& cells) const {
+    std::vector<std::size_t> positions;
+    for (std::size_t i = 0; i < cells.size(); ++i)
+      if (std::binary_search(leftOut_.begin(), leftOut_.end(), cells[i])) positions.push_back(i);
+    return positions;
+  }
+
+  const ConditionJobs& condition_;
+  const TAV_Pars& request_;
+  const std::vector<std::size_t>& leftOut_;
+  VoxelPath& path_;
+  FamilyWise& familyWise_;
+  std::ostream& errors_;
+  std::vector<float> buffer_;
+};
+
+}  // namespace
+
+std::map<MapType, float> clusterFormingLevels(const std::vector<RawValues>& nulls, const TAV_Pars& request) {
+  std::map<MapType, float> levels;
+  for (const MapType type : request.mapTypes) {
+    if (type == DTAV_RC) continue;
+    const ComputedMap map(type, nulls, request);
+    std::vector<float> sample = map.every(std::max<std::size_t>(1, map.size() / kMostSampled));
+    std::erase_if(sample, [](float value) { return value == 0 || !std::isfinite(value); });
+    if (sample.empty()) continue;
+    for (float& value : sample) value = std::abs(value);
+    const auto rank = static_cast<std::ptrdiff_t>(kClusterFormingP * static_cast<double>(sample.size()));
+    std::nth_element(sample.begin(), sample.begin() + rank, sample.end(), std::greater<>());
+    levels[type] = sample[static_cast<std::size_t>(rank)];
+  }
+  return levels;
+}
+
+int computeFamilyWise(const ConditionJobs& condition, const TAV_Pars& request, int draws,
+                      const std::map<MapType, float>& levels, const std::vector<std::size_t>& leftOut,
+                      VoxelPath& path, FamilyWise& familyWise, std::ostream& errors) {
+  const int available = std::min(draws, condition.jobs[0].nrOfSurrogates);
+  familyWise.clear();
+  for (const auto& [type, level] : levels)
+    familyWise.emplace(type, NullMaxima(static_cast<std::size_t>(std::max(available, 0)), level));
+  Chunks chunks(condition, request, leftOut, path, familyWise, errors);
+  for (int first = 0; first < available; first += kDrawsPerChunk)
+    if (!chunks.compute(first, std::min(kDrawsPerChunk, available - first))) return kTerminalError;
+  ClusterFinder finder(request.dimX, request.dimY, request.dimZ);
+  for (auto& [type, maxima] : familyWise) maxima.findClusters(finder);
+  return kSuccess;
+}
+
+}  // namespace tav

@@ -1,0 +1,288 @@
+// `tavmap bids` on a small data set with fMRIPrep-style derivatives.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <random>
+
+#include "formats/nifti.h"
+#include "tests/support/program.h"
+#include "tests/support/scratch.h"
+#include "tests/support/small_study.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+class BidsCommand : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    scratch_.write("raw/dataset_description.json", R"({"Name": "small", "BIDSVersion": "1.8.0"})");
+    scratch_.write("raw/task-blocks_events.tsv",
+                   "onset\tduration\ttrial_type\n20\t80\tface\n130\t80\thouse\n220\t80\tface\n");
+    small_study::writeRegions(folder() / "dseg.nii.gz");
+    addRun("01", "1", 11);
+    addRun("01", "2", 12);
+    addRun("02", "1", 13);
+  }
+  void addRun(const std::string& sub, const std::string& run, unsigned seed) {
+    const std::string begin =
+        "raw/derivatives/fmriprep/sub-" + sub + "/func/sub-" + sub + "_task-blocks_run-" + run;
+    scratch_.write(begin + "_desc-confounds_timeseries.tsv", confounds(seed));
+    scratch_.write(begin + "_space-MNI_desc-preproc_bold.json",
+                   R"({"RepetitionTime": 2.0, "TaskName": "blocks"})");
+    small_study::writeBold(folder() / (begin + "_space-MNI_desc-preproc_bold.nii.gz"), seed);
+    small_study::writeMask(folder() / (begin + "_space-MNI_desc-brain_mask.nii.gz"));
+  }
+  // Motion with four jumps, tissue signals and one of them again, three volumes before the steady state.
+  static std::string confounds(unsigned seed) {
+    std::mt19937 generator(seed);
+    std::normal_distribution<double> normal;
+    std::string table = "framewise_displacement\ttrans_x\ttrans_y\ttrans_z\tcsf\twhite_matter\tcsf_again";
+    for (const char* number : {"00", "01", "02"}) table += "\tnon_steady_state_outlier" + std::string(number);
+    table += "\n";
+    for (int v = 0; v < small_study::kVolumes; ++v) {
+      const bool jump = v == 60 || v == 62 || v == 100 || v == 130;
+      std::string csf;
+      table += v == 0 ? "n/a" : jump ? "2.5" : "0.1";
+      for (int column = 0; column < 5; ++column) {
+        const std::string value = "\t" + std::to_string(normal(generator));
+        if (column == 3) csf = value;
+        table += value;
+      }
+      table += csf;
+      for (int outlier = 0; outlier < 3; ++outlier) table += v == outlier ? "\t1" : "\t0";
+      table += "\n";
+    }
+    return table;
+  }
+  ProgramResult run(std::vector<std::string> more) {
+    std::vector<std::string> words = {"bids",          (folder() / "raw").string(),
+                                      out().string(),  "participant",
+                                      "--atlas",       (folder() / "dseg.nii.gz").string(),
+                                      "--config-file", config().string(),
+                                      "--seed",        "4"};
+    words.insert(words.end(), more.begin(), more.end());
+    return tavmap(words, folder());
+  }
+  fs::path config() {
+    return scratch_.write("c.toml", "[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n" + extra_);
+  }
+  fs::path out() const { return folder() / "out"; }
+  const fs::path& folder() const { return scratch_.folder(); }
+  json read(const fs::path& file) {
+    std::ifstream stream(file);
+    return json::parse(stream, nullptr, false);
+  }
+  std::string extra_;
+  Scratch scratch_;
+};
+
+const std::string kFirst = "sub-01_task-blocks_space-MNI_seed-A_contrast-wholeRef2Vox_stat-effect_statmap";
+
+TEST_F(BidsCommand, PoolsTheRunsOfEveryParticipant) {
+  const ProgramResult result = run({"--labels", "A", "--jobs", "2"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json sidecar = read(out() / "sub-01/func" / (kFirst + ".json"));
+  EXPECT_EQ(sidecar["VolumesUsed"], 2 * small_study::kVolumes);
+  ASSERT_EQ(sidecar["Runs"].size(), 2U);  // intervals of one model, not one long run
+  EXPECT_EQ(sidecar["Runs"][0]["Run"], "run-1");
+  EXPECT_EQ(sidecar["Sources"][0],
+            "bids:raw:derivatives/fmriprep/sub-01/func/"
+            "sub-01_task-blocks_run-1_space-MNI_desc-preproc_bold.nii.gz");
+  EXPECT_TRUE(fs::exists(out() / "sub-01/func" / (kFirst + ".nii.gz")));
+  EXPECT_TRUE(fs::exists(
+      out() /
+      "sub-02/func/sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholedTAV_stat-effect_statmap.nii.gz"));
+}
+
+TEST_F(BidsCommand, DescribesTheDataSet) {
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  const json description = read(out() / "dataset_description.json");
+  EXPECT_EQ(description["DatasetType"], "derivative");
+  EXPECT_EQ(description["GeneratedBy"][0]["Name"], "Tavmap");
+  EXPECT_EQ(description["DatasetLinks"]["raw"], "file://" + (folder() / "raw").string());
+  EXPECT_TRUE(description.contains("BIDSVersion"));
+}
+
+TEST_F(BidsCommand, TakesParticipantsInEitherSpelling) {
+  for (const char* flag : {"--participant-label", "--participant_label"}) {
+    fs::remove_all(out());
+    const ProgramResult result =
+        run({flag, "sub-02", "--labels", "A", "--notrack", "--mem-mb", "4000", "--nthreads", "2"});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(fs::exists(out() / "sub-02"));
+    EXPECT_FALSE(fs::exists(out() / "sub-01"));
+  }
+}
+
+TEST_F(BidsCommand, AWrongLabelNeverEndsWithZero) {
+  const ProgramResult participant = run({"--participant-label", "03"});
+  EXPECT_EQ(participant.exitCode, 2);
+  EXPECT_NE(participant.err.find("no preprocessed run of participant '03'; did you mean '01'?"),
+            std::string::npos);
+  EXPECT_EQ(run({"--task-id", "block"}).exitCode, 2);
+  EXPECT_EQ(run({"--run-id", "7"}).exitCode, 2);
+  EXPECT_NE(run({"--labels", "Z9"}).exitCode, 0);
+  EXPECT_EQ(run({"--space", "T1w"}).exitCode, 2);
+  EXPECT_FALSE(fs::exists(out() / "sub-01/func" / (kFirst + ".nii.gz")));
+}
+
+TEST_F(BidsCommand, RunNumbersIgnoreLeadingZeros) {
+  ASSERT_EQ(run({"--run-id", "02", "--labels", "A"}).exitCode, 0);
+  EXPECT_TRUE(fs::exists(out() / "sub-01"));
+  EXPECT_FALSE(fs::exists(out() / "sub-02"));
+}
+
+// 3 volumes dropped, 4 censored and one too short to stay, 6 columns of rank 5: no count is another's.
+TEST_F(BidsCommand, DropsRegressesAndCensorsAndSaysSo) {
+  extra_ =
+      "[preparation]\nregress = ['trans_*', 'csf', 'white_matter', 'csf_again']\ndrop_volumes = "
+      "'auto'\nfd_threshold = "
+      "0.5\nmin_segment = 5\n";
+  const ProgramResult result = run({"--labels", "A", "--participant-label", "01"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json run1 = read(out() / "sub-01/func" / (kFirst + ".json"))["Runs"][0];
+  EXPECT_NE(result.out.find(
+                "WARNING: sub-01_task-blocks_space-MNI: condition 'whole': run 'run-1': 8 of 160 volumes "
+                "dropped or censored"),
+            std::string::npos)
+      << result.out;
+  EXPECT_EQ(run1["VolumesDropped"], 3);
+  EXPECT_EQ(run1["VolumesCensored"], 4);
+  // Volume 62 alone is too short.
+  EXPECT_EQ(run1["Intervals"], json::parse("[[4, 60], [64, 100], [102, 130], [132, 160]]"));
+  EXPECT_EQ(run1["VolumesUsed"], 152);
+  EXPECT_EQ(run1["EffectiveVolumes"], 148);
+  EXPECT_EQ(run1["ConfoundDegreesOfFreedom"], 5);  // of six columns, one of which stands there twice
+  EXPECT_EQ(run1["ConfoundsRegressed"],
+            json::parse(R"(["trans_x", "trans_y", "trans_z", "csf", "white_matter", "csf_again"])"));
+}
+
+TEST_F(BidsCommand, TheCommandLineDropsCensorsAndRegressesToo) {
+  const ProgramResult result = run({"--labels", "A", "--participant-label", "01", "--fd-threshold", "0.5",
+                                    "--drop-volumes", "auto", "--confounds", "csf"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json run1 = read(out() / "sub-01/func" / (kFirst + ".json"))["Runs"][0];
+  EXPECT_EQ(run1["VolumesDropped"], 3);
+  EXPECT_EQ(run1["VolumesCensored"], 4);
+  EXPECT_EQ(run1["ConfoundsRegressed"], json::parse(R"(["csf"])"));
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "01", "--drop-volumes", "7"}).exitCode, 0);
+  const json dropped = read(out() / "sub-01/func" / (kFirst + ".json"))["Runs"][0];
+  EXPECT_EQ(dropped["VolumesDropped"], 7);
+  EXPECT_EQ(dropped["VolumesCensored"], 0);
+}
+
+// The command line goes before the file, with 0 as well.
+TEST_F(BidsCommand, TheCommandLineGoesBeforeTheFile) {
+  extra_ = "[preparation]\ndrop_volumes = 9\nfd_threshold = 0.5\nregress = ['csf']\n";
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02", "--fd-threshold", "0", "--drop-volumes", "0",
+                 "--confounds", "white_matter"})
+                .exitCode,
+            0);
+  const json run1 = read(
+      out() /
+      "sub-02/func/"
+      "sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholeRef2Vox_stat-effect_statmap.json")["Runs"][0];
+  EXPECT_EQ(run1["VolumesDropped"], 0);
+  EXPECT_EQ(run1["VolumesCensored"], 0);
+  EXPECT_EQ(run1["ConfoundsRegressed"], json::parse(R"(["white_matter"])"));
+}
+
+TEST_F(BidsCommand, TheSeedMayStandInTheFile) {
+  const fs::path file = scratch_.write("s.toml", "seed = 77\n[settings]\nsurrogates = 60\n");
+  ASSERT_EQ(tavmap({"bids", (folder() / "raw").string(), out().string(), "participant", "--atlas",
+                    (folder() / "dseg.nii.gz").string(), "--labels", "A", "--participant-label", "01",
+                    "--config-file", file.string()},
+                   folder())
+                .exitCode,
+            0);
+  EXPECT_EQ(read(out() / "sub-01/func" / (kFirst + ".json"))["Seed"], 77);
+}
+
+TEST_F(BidsCommand, TrialTypesBecomeConditions) {
+  ASSERT_EQ(
+      run({"--labels", "A", "--participant-label", "02", "--trial-types", "face", "house", "--delay", "4"})
+          .exitCode,
+      0);
+  const fs::path func = out() / "sub-02/func";
+  const json face =
+      read(func / "sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-faceRef2Vox_stat-effect_statmap.json");
+  EXPECT_EQ(face["Runs"][0]["Intervals"], json::parse("[[13, 52], [113, 152]]"));
+  EXPECT_TRUE(fs::exists(
+      func / "sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-houseInst_stat-effect_statmap.nii.gz"));
+  const ProgramResult wrong = run({"--labels", "A", "--trial-types", "hause"});
+  EXPECT_NE(wrong.exitCode, 0);
+  EXPECT_NE(wrong.err.find("no event of trial_type 'hause'; did you mean 'house'?") != std::string::npos ||
+                wrong.out.find("no event of trial_type 'hause'; did you mean 'house'?") != std::string::npos,
+            false);
+}
+
+TEST_F(BidsCommand, OneBadParticipantFailsAloneAndTheExitCodeIsOne) {
+  const fs::path bad =
+      folder() /
+      "raw/derivatives/fmriprep/sub-01/func/sub-01_task-blocks_run-2_space-MNI_desc-preproc_bold.nii.gz";
+  fs::resize_file(bad, fs::file_size(bad) / 2);
+  const ProgramResult result = run({"--labels", "A"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE((result.err + result.out).find("sub-01_task-blocks_space-MNI: import of run-2"),
+            std::string::npos)
+      << result.err;
+  EXPECT_FALSE(fs::exists(out() / "sub-01/func" / (kFirst + ".json")));
+  EXPECT_TRUE(fs::exists(
+      out() /
+      "sub-02/func/sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholeInst_stat-effect_statmap.nii.gz"));
+}
+
+// The first participant's run cannot be read; one worker takes one piece of work after the other.
+TEST_F(BidsCommand, AfterAFailureNothingNewIsStartedWhenAskedForThat) {
+  const fs::path bad =
+      folder() /
+      "raw/derivatives/fmriprep/sub-01/func/sub-01_task-blocks_run-1_space-MNI_desc-preproc_bold.nii.gz";
+  fs::resize_file(bad, fs::file_size(bad) / 2);
+  const fs::path second =
+      out() /
+      "sub-02/func/sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholeInst_stat-effect_statmap.nii.gz";
+  EXPECT_EQ(run({"--labels", "A", "--jobs", "1", "--stop-on-first-crash"}).exitCode, 1);
+  EXPECT_FALSE(fs::exists(second));
+  EXPECT_EQ(run({"--labels", "A", "--jobs", "1"}).exitCode, 1);
+  EXPECT_TRUE(fs::exists(second));
+}
+
+TEST_F(BidsCommand, InputIsOnlyRead) {
+  const auto before = filesBelow(folder() / "raw");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  EXPECT_EQ(filesBelow(folder() / "raw"), before);
+}
+
+TEST_F(BidsCommand, TheDataSetItselfIsNoOutputFolder) {
+  const std::string raw = (folder() / "raw").string();
+  const ProgramResult result = tavmap({"bids", raw, raw, "participant"}, folder());
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("the output folder is the data set itself, which is only read"),
+            std::string::npos);
+}
+
+TEST_F(BidsCommand, FilesOfOthersInTheOutputFolderStay) {
+  scratch_.write("out/README", "my notes\n");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  EXPECT_EQ(filesBelow(out()).at("README"), "my notes\n");
+}
+
+TEST_F(BidsCommand, MissingConfoundsAndReferencesAreNamed) {
+  fs::remove(folder() /
+             "raw/derivatives/fmriprep/sub-02/func/sub-02_task-blocks_run-1_desc-confounds_timeseries.tsv");
+  const ProgramResult result = run({"--confounds", "6motion", "--participant-label", "02"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(
+      result.err.find("no *_desc-confounds_timeseries.tsv beside it, which regression and censoring need"),
+      std::string::npos);
+  const ProgramResult none =
+      tavmap({"bids", (folder() / "raw").string(), out().string(), "participant"}, folder());
+  EXPECT_EQ(none.exitCode, 2);
+  EXPECT_NE(none.err.find(
+                "no reference region: name a label image with --atlas, or [[reference]] in --config-file"),
+            std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+#include "bids/bids_names.h"
+
+#include <gtest/gtest.h>
+
+namespace study {
+namespace {
+
+TEST(BidsNames, TakesANameApartAndPutsItTogether) {
+  const std::string text =
+      "sub-01_ses-a_task-rest_acq-mb_run-1_echo-2_space-T1w_res-2_desc-preproc_bold.nii.gz";
+  const BidsName name = parseBidsName(text);
+  EXPECT_EQ(name.get("run"), "1");
+  EXPECT_EQ(name.get("desc"), "preproc");
+  EXPECT_EQ(name.suffix, "bold");
+  EXPECT_EQ(name.extension, ".nii.gz");
+  EXPECT_EQ(formatBidsName(name), text);
+}
+
+TEST(BidsNames, PutsEntitiesIntoTheOrderOfTheStandard) {
+  BidsName name = parseBidsName("run-2_task-rest_sub-01_bold.nii");
+  name.set("desc", "x");
+  name.set("seed", "V1");
+  name.set("stat", "effect");
+  EXPECT_EQ(formatBidsName(name), "sub-01_task-rest_run-2_stat-effect_seed-V1_desc-x_bold.nii");
+}
+
+TEST(BidsNames, RefusesNamesOutsideTheScheme) {
+  EXPECT_EQ(parseBidsName("bold.nii.gz").suffix, "");
+  EXPECT_EQ(parseBidsName("sub-01_rest_bold.nii.gz").suffix, "");
+  EXPECT_EQ(parseBidsName("sub-_task-x_bold.nii.gz").suffix, "");
+  EXPECT_EQ(parseBidsName("sub-01").suffix, "");
+  EXPECT_EQ(parseBidsName("").suffix, "");
+}
+
+TEST(BidsNames, RunNumbersIgnoreLeadingZeros) {
+  EXPECT_TRUE(sameLabel("1", "01"));
+  EXPECT_TRUE(sameLabel("0", "00"));
+  EXPECT_FALSE(sameLabel("1", "10"));
+  EXPECT_FALSE(sameLabel("a1", "a01"));
+}
+
+TEST(BidsNames, LabelsKeepLettersAndDigitsOnly) {
+  EXPECT_EQ(bidsLabel("LH-V1 (left)"), "LHV1left");
+  EXPECT_EQ(bidsLabel("--"), "x");
+}
+
+TEST(BidsNames, PrefixesAreOptional) {
+  EXPECT_EQ(withoutPrefix("sub-01", "sub"), "01");
+  EXPECT_EQ(withoutPrefix("01", "sub"), "01");
+}
+
+}  // namespace
+}  // namespace study

@@ -1,0 +1,164 @@
+#include "prepare/interval_plan.h"
+
+#include <gtest/gtest.h>
+
+#include "request/problem.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
+
+namespace study {
+namespace {
+
+using Ranges = std::vector<VolumeRange>;
+
+RunVolumes makeRun(const std::string& name, int volumes = 100) {
+  RunVolumes run;
+  run.name = name;
+  run.volumes = volumes;
+  run.trSeconds = 2;
+  run.kept = {{1, volumes}};
+  return run;
+}
+
+ConditionRequest makeCondition(IntervalKind kind, const std::vector<std::string>& runs = {"a"}) {
+  ConditionRequest condition;
+  condition.name = "c";
+  condition.kind = kind;
+  for (const std::string& run : runs) condition.parts.push_back({run, run, {}});
+  return condition;
+}
+
+TEST(IntervalPlan, WholeRunsLoseDroppedAndCensoredVolumes) {
+  RunVolumes run = makeRun("a");
+  run.dropped = 4;
+  run.kept = {{5, 40}, {44, 46}, {50, 100}};
+  const PlannedCondition plan = planCondition(makeCondition(IntervalKind::kWholeRun), {run}, 1, "r.toml");
+  ASSERT_EQ(plan.sets.size(), 1U);
+  EXPECT_EQ(plan.sets[0].ranges, (Ranges{{5, 40}, {50, 100}}));
+  EXPECT_EQ(plan.totalVolumes, 87);
+  EXPECT_EQ(plan.effectiveVolumes, 85);
+  EXPECT_EQ(plan.notes, (std::vector<std::string>{
+                            "condition 'c': run 'a': 10 of 100 volumes dropped or censored",
+                            "condition 'c': run 'a': 1 of 3 intervals left out, shorter than 4 volumes"}));
+}
+
+TEST(IntervalPlan, SeveralRunsArePooledAsIntervals) {
+  const PlannedCondition plan = planCondition(makeCondition(IntervalKind::kWholeRun, {"a", "b"}),
+                                              {makeRun("a"), makeRun("b", 60)}, 2, "r");
+  ASSERT_EQ(plan.sets.size(), 2U);
+  EXPECT_EQ(plan.sets[1].ranges, (Ranges{{1, 60}}));
+  EXPECT_EQ(plan.effectiveVolumes, 156);
+}
+
+TEST(IntervalPlan, TypedIntervalsAreTakenAsTheyAre) {
+  ConditionRequest condition = makeCondition(IntervalKind::kTyped);
+  condition.typed = {{10, 11}, {20, 90}};
+  const PlannedCondition plan = planCondition(condition, {makeRun("a")}, 1, "r");
+  EXPECT_EQ(plan.sets[0].ranges, condition.typed);
+  EXPECT_TRUE(plan.notes.empty());
+}
+
+TEST(IntervalPlan, TypedIntervalsMustLieInTheRunAndHoldAModel) {
+  ConditionRequest condition = makeCondition(IntervalKind::kTyped);
+  condition.typed = {{10, 101}};
+  EXPECT_EQ(messageOf<InputError>([&] { planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
+            "r.toml: condition 'c': interval 10 to 101 ends outside run 'a', which has 100 volumes");
+  condition.typed = {{10, 100}};
+  EXPECT_NO_THROW(planCondition(condition, {makeRun("a")}, 3, "r.toml"));
+  condition.typed = {{10, 13}};
+  EXPECT_NO_THROW(planCondition(condition, {makeRun("a")}, 3, "r.toml"));
+  condition.typed = {{10, 12}};
+  EXPECT_EQ(
+      messageOf<InputError>([&] { planCondition(condition, {makeRun("a")}, 3, "r.toml"); }),
+      "r.toml: condition 'c': interval 10 to 12 is too short; a model of order 3 needs more than 3 volumes");
+}
+
+TEST(IntervalPlan, EventsBecomeBlocksJoinedWithinOneTr) {
+  RunVolumes run = makeRun("a");
+  for (int i = 0; i < 20; ++i) run.events.push_back({20.0 + i, 0.9, "face"});
+  run.events.push_back({100, 3, "house"});
+  ConditionRequest condition = makeCondition(IntervalKind::kEvents);
+  condition.trialTypes = {"face"};
+  condition.delaySeconds = 4;
+  const PlannedCondition plan = planCondition(condition, {run}, 1, "r");
+  EXPECT_EQ(plan.sets[0].ranges, (Ranges{{13, 22}}));
+}
+
+TEST(IntervalPlan, TheRequestsOwnGapJoinsBlocks) {
+  RunVolumes run = makeRun("a");
+  run.events = {{20, 10, "face"}, {38, 10, "face"}, {60, 10, "face"}};
+  ConditionRequest condition = makeCondition(IntervalKind::kEvents);
+  condition.trialTypes = {"face"};
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").sets[0].ranges, (Ranges{{11, 15}, {20, 24}, {31, 35}}));
+  condition.joinGapSeconds = 9;
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").sets[0].ranges, (Ranges{{11, 24}, {31, 35}}));
+  condition.joinGapSeconds = 0;
+  run.events[1].onsetSeconds = 31;
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").sets[0].ranges.size(), 3U);
+}
+
+TEST(IntervalPlan, TheRequestsLeastVolumesLeaveOutShorterPieces) {
+  RunVolumes run = makeRun("a");
+  run.kept = {{1, 9}, {11, 20}, {22, 100}};
+  ConditionRequest condition = makeCondition(IntervalKind::kWholeRun);
+  condition.minimumVolumes = 10;
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").sets[0].ranges, (Ranges{{11, 20}, {22, 100}}));
+  condition.kind = IntervalKind::kTyped;
+  condition.typed = {{11, 19}, {30, 39}};
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").sets[0].ranges, (Ranges{{30, 39}}));
+}
+
+TEST(IntervalPlan, AModelOfOrderPNeedsPPlus3Volumes) {
+  RunVolumes run = makeRun("a");
+  run.kept = {{1, 4}, {6, 10}, {12, 17}};
+  const auto condition = makeCondition(IntervalKind::kWholeRun);
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").sets[0].ranges, (Ranges{{1, 4}, {6, 10}, {12, 17}}));
+  EXPECT_EQ(planCondition(condition, {run}, 3, "r").sets[0].ranges, (Ranges{{12, 17}}));
+}
+
+TEST(IntervalPlan, IntervalsOfAPartComeBeforeThoseOfTheCondition) {
+  ConditionRequest condition = makeCondition(IntervalKind::kTyped, {"a", "b"});
+  condition.typed = {{10, 40}};
+  condition.parts[1].typed = {{51, 90}};
+  const PlannedCondition plan = planCondition(condition, {makeRun("a"), makeRun("b")}, 1, "r");
+  EXPECT_EQ(plan.sets[0].ranges, (Ranges{{10, 40}}));
+  EXPECT_EQ(plan.sets[1].ranges, (Ranges{{51, 90}}));
+}
+
+TEST(IntervalPlan, UnknownTrialTypesNameTheNearest) {
+  RunVolumes run = makeRun("a");
+  run.events = {{0, 50, "face"}, {60, 50, "house"}};
+  ConditionRequest condition = makeCondition(IntervalKind::kEvents);
+  condition.trialTypes = {"fase"};
+  EXPECT_EQ(messageOf<InputError>([&] { planCondition(condition, {run}, 1, "r.toml"); }),
+            "r.toml: condition 'c': no event of trial_type 'fase'; did you mean 'face'?");
+}
+
+TEST(IntervalPlan, PairsUseVolumesThatBothRunsHave) {
+  ConditionRequest condition = makeCondition(IntervalKind::kWholeRun);
+  condition.parts = {{"a", "b", {}}};
+  RunVolumes target = makeRun("b", 80);
+  target.kept = {{11, 80}};
+  const PlannedCondition plan = planCondition(condition, {makeRun("a"), target}, 1, "r");
+  EXPECT_EQ(plan.sets[0].ranges, (Ranges{{11, 80}}));
+  RunVolumes source = makeRun("a");
+  source.kept = {{1, 40}, {51, 100}};
+  EXPECT_EQ(planCondition(condition, {source, target}, 1, "r").sets[0].ranges, (Ranges{{11, 40}, {51, 80}}));
+  EXPECT_EQ(plan.sets[0].source, "a");
+  EXPECT_EQ(plan.sets[0].target, "b");
+}
+
+TEST(IntervalPlan, NothingLeftIsAnErrorThatSaysWhy) {
+  RunVolumes run = makeRun("a", 20);
+  run.kept = {{1, 3}};
+  EXPECT_EQ(messageOf<InputError>(
+                [&] { planCondition(makeCondition(IntervalKind::kWholeRun), {run}, 1, "r.toml"); }),
+            "r.toml: condition 'c': no interval of at least 4 volumes is left (condition 'c': run 'a': 17 of "
+            "20 volumes "
+            "dropped or censored) (condition 'c': run 'a': 1 of 1 intervals left out, shorter than 4 "
+            "volumes); censor "
+            "less, ask for shorter intervals or a lower order, or leave the condition out");
+}
+
+}  // namespace
+}  // namespace study

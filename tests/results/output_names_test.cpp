@@ -1,0 +1,74 @@
+#include "results/output_names.h"
+
+#include <gtest/gtest.h>
+
+#include "formats/file_error.h"
+#include "request/problem.h"
+#include "tests/support/scratch.h"
+
+namespace study {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(OutputNames, FollowTheConventionsOfStatisticMaps) {
+  const OutputNames names("sub-01_task-rest", "V1");
+  EXPECT_EQ(names.map("faces", tav::REF2VOX),
+            "sub-01_task-rest_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz");
+  EXPECT_EQ(names.map("faces", tav::DTAV_RC),
+            "sub-01_task-rest_seed-V1_contrast-facesdTAVRC_stat-effect_statmap.nii.gz");
+  EXPECT_EQ(names.status("faces"), "sub-01_task-rest_seed-V1_desc-facesStatus_dseg.nii.gz");
+  EXPECT_EQ(OutputNames::sidecarOf(names.status("faces")),
+            "sub-01_task-rest_seed-V1_desc-facesStatus_dseg.json");
+  EXPECT_EQ(OutputNames::sidecarOf(names.courses()),
+            "sub-01_task-rest_seed-V1_desc-reference_timeseries.json");
+}
+
+TEST(OutputNames, LabelsThatWouldCollideGetNumbers) {
+  EXPECT_EQ(uniqueLabels({"LH-V1", "LHV1", "LH V1", "x"}),
+            (std::vector<std::string>{"LHV1", "LHV1n2", "LHV1n3", "x"}));
+}
+
+TEST(Staging, PublishesEverythingAndTheRecordLast) {
+  Scratch scratch;
+  {
+    Staging staging(scratch.folder(), "p", "V1");
+    for (const char* name : {"a.json", "b.nii.gz"}) std::ofstream(staging.path(name)) << name;
+    EXPECT_FALSE(fs::exists(scratch.folder() / "a.json"));
+    EXPECT_EQ(staging.publish("a.json"), (std::vector<std::string>{"b.nii.gz", "a.json"}));
+  }
+  EXPECT_TRUE(fs::exists(scratch.folder() / "a.json"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(scratch.folder()), fs::directory_iterator()), 2);
+}
+
+TEST(Staging, WhatIsNotPublishedVanishes) {
+  Scratch scratch;
+  {
+    Staging staging(scratch.folder(), "p", "V1");
+    std::ofstream(staging.path("half")) << "x";
+  }
+  EXPECT_TRUE(fs::is_empty(scratch.folder()));
+}
+
+TEST(Staging, OneResultIsMadeByOneProcessAtATime) {
+  Scratch scratch;
+  const Staging staging(scratch.folder(), "p", "V1");
+  EXPECT_THROW(Staging(scratch.folder(), "p", "V1"), formats::FileError);
+  const Staging another(scratch.folder(), "p", "V2");
+}
+
+// Half of the new files beside the old record would look finished.
+TEST(Staging, AnOldRecordDoesNotVouchForNewFiles) {
+  Scratch scratch;
+  scratch.write("record.json", "old");
+  scratch.write("map.nii.gz/in the way");
+  Staging staging(scratch.folder(), "p", "V1");
+  for (const char* name : {"a.nii.gz", "map.nii.gz", "record.json"})
+    std::ofstream(staging.path(name)) << name;
+  EXPECT_THROW(staging.publish("record.json"), RunError);
+  EXPECT_TRUE(fs::exists(scratch.folder() / "a.nii.gz"));
+  EXPECT_FALSE(fs::exists(scratch.folder() / "record.json"));
+}
+
+}  // namespace
+}  // namespace study

@@ -1,0 +1,67 @@
+#include "results/result_json.h"
+
+#include <gtest/gtest.h>
+
+#include "formats/atomic_file.h"
+#include "tests/support/sample_result.h"
+
+namespace study {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string stored(const std::string& name) {
+  return formats::readTextFile(std::string(TAVMAP_STORED_RESULTS) + "/" + name);
+}
+
+class Sidecars : public ::testing::Test {
+ protected:
+  Json map(std::size_t condition, std::size_t map) const {
+    const ConditionResult& result = reference_.conditions[condition];
+    return mapSidecar(context_, reference_, result, result.maps[map]);
+  }
+  Request request_ = sample_result::request();
+  std::vector<RunPlan> runs_ = sample_result::runs();
+  ReferenceResult reference_ = sample_result::reference();
+  ResultContext context_ = sample_result::context(request_, runs_);
+};
+
+TEST_F(Sidecars, OfAMapAreWrittenAsTheyAlwaysWere) {
+  EXPECT_EQ(map(0, 0).dump(2) + "\n", stored("map_sidecar.json"));
+}
+
+TEST_F(Sidecars, OfAStatusMapAreWrittenAsTheyAlwaysWere) {
+  const ConditionResult& condition = reference_.conditions[0];
+  EXPECT_EQ(statusSidecar(context_, reference_, condition).dump(2) + "\n", stored("status_sidecar.json"));
+}
+
+TEST_F(Sidecars, TheRepetitionTimeIsThatOfAllRunsOrNone) {
+  EXPECT_TRUE(map(0, 0)["RepetitionTime"].is_null());
+  EXPECT_EQ(map(1, 0)["RepetitionTime"], 3.25);
+}
+
+TEST_F(Sidecars, SharesHaveNoFactorAndNoThresholds) {
+  EXPECT_EQ(map(0, 1)["Units"], "share, -1 to 1");
+  EXPECT_FALSE(map(0, 1).contains("Thresholds"));
+  EXPECT_EQ(map(0, 0)["Units"], "natural logarithm of a ratio of error variances, times 104.5");
+}
+
+TEST_F(Sidecars, ANonSurvivingLevelHasNoThreshold) {
+  reference_.conditions[0].maps[0].thresholds[1] = {0.033, std::nullopt, 0, 0};
+  const Json levels = map(0, 0)["Thresholds"];
+  EXPECT_TRUE(levels[1]["Threshold"].is_null());
+  EXPECT_FALSE(levels[1]["AnyVoxelPasses"].get<bool>());
+  EXPECT_TRUE(levels[0]["AnyVoxelPasses"].get<bool>());
+}
+
+// The nearest data set that holds a file names it.
+TEST(SourceUri, IsRelativeToTheInnermostDataSet) {
+  const Request request = sample_result::request();
+  EXPECT_EQ(sourceUri(request, "/data/raw/x.nii.gz"), "bids:raw:x.nii.gz");
+  EXPECT_EQ(sourceUri(request, "/data/masks/x.nii.gz"), "bids:all:masks/x.nii.gz");
+  EXPECT_EQ(sourceUri(request, "/data/rawer/x.nii.gz"), "bids:all:rawer/x.nii.gz");
+  EXPECT_EQ(sourceUri(request, "/elsewhere/x.nii.gz"), "x.nii.gz");
+}
+
+}  // namespace
+}  // namespace study

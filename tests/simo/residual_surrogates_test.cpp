@@ -1,0 +1,134 @@
+#include "simo/residual_surrogates.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Series = std::vector<float>;
+
+Series smoothNoise(std::size_t n, unsigned seed) {
+  std::mt19937 random(seed);
+  std::normal_distribution<float> normal;
+  Series x(n);
+  float state = 0;
+  for (float& value : x) value = 1000 + (state = 0.8F * state + normal(random));
+  return x;
+}
+
+std::vector<Series> drawMany(simo::ResidualSurrogates& maker, std::size_t length, int count) {
+  simo::RandomStream random(5);
+  std::vector<Series> all;
+  for (int i = 0; i < count; ++i) {
+    all.emplace_back(length);
+    maker.draw(random, all.back());
+  }
+  return all;
+}
+
+double correlation(const Series& a, const Series& b) {
+  double ma = 0, mb = 0, ab = 0, aa = 0, bb = 0;
+  const double n = static_cast<double>(a.size());
+  for (std::size_t t = 0; t < a.size(); ++t)
+    ma += static_cast<double>(a[t]) / n, mb += static_cast<double>(b[t]) / n;
+  for (std::size_t t = 0; t < a.size(); ++t) {
+    const double u = static_cast<double>(a[t]) - ma, v = static_cast<double>(b[t]) - mb;
+    ab += u * v, aa += u * u, bb += v * v;
+  }
+  return ab / std::sqrt(aa * bb);
+}
+
+double lagOne(const Series& x) {
+  return correlation({x.begin(), x.end() - 1}, {x.begin() + 1, x.end()});
+}
+
+TEST(ResidualSurrogates, KeepAutocorrelationAndVariance) {
+  const Series x = smoothNoise(400, 1);
+  simo::ResidualSurrogates maker(x, {{0, 400}});
+  double lags = 0, squares = 0;
+  const auto all = drawMany(maker, 400, 200);
+  for (const Series& surrogate : all) {
+    lags += lagOne(surrogate) / 200;
+    for (const float value : surrogate)
+      squares += static_cast<double>(value) * static_cast<double>(value) / (200.0 * 400);
+  }
+  EXPECT_NEAR(lags, lagOne(x), 0.03);
+  double variance = 0;
+  for (const float value : x) variance += std::pow(static_cast<double>(value) - 1000, 2) / 400;
+  EXPECT_NEAR(squares / variance, 1, 0.15);
+}
+
+TEST(ResidualSurrogates, AreUnrelatedToTheSeriesAndToEachOther) {
+  const Series x = smoothNoise(400, 2);
+  simo::ResidualSurrogates maker(x, {{0, 400}});
+  const auto all = drawMany(maker, 400, 300);
+  double own = 0, between = 0;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    own += correlation(all[i], x) / 300;
+    between += correlation(all[i], all[(i + 1) % all.size()]) / 300;
+  }
+  EXPECT_NEAR(own, 0, 0.03);
+  EXPECT_NEAR(between, 0, 0.03);
+}
+
+// A burst stays where it is.
+TEST(ResidualSurrogates, KeepTheEnvelope) {
+  Series x = smoothNoise(400, 3);
+  for (std::size_t t = 300; t < 320; ++t) x[t] = 1000 + 10 * (x[t] - 1000);
+  simo::ResidualSurrogates maker(x, {{0, 400}});
+  double inside = 0, outside = 0;
+  for (const Series& surrogate : drawMany(maker, 400, 100)) {
+    for (std::size_t t = 0; t < 400; ++t) {
+      const double square = static_cast<double>(surrogate[t]) * static_cast<double>(surrogate[t]);
+      (t >= 300 && t < 320 ? inside : outside) += square / (t >= 300 && t < 320 ? 20 : 380);
+    }
+  }
+  EXPECT_GT(inside / outside, 10);
+}
+
+TEST(ResidualSurrogates, ValuesOutsideTheStretchesPlayNoPart) {
+  Series x = smoothNoise(400, 4), spoiled = x;
+  for (std::size_t t = 100; t < 110; ++t) spoiled[t] = NAN;
+  const std::vector<simo::Stretch> stretches = {{0, 100}, {110, 400}};
+  simo::ResidualSurrogates a(x, stretches), b(spoiled, stretches);
+  ASSERT_TRUE(b.isDefined());
+  EXPECT_EQ(drawMany(a, 400, 3), drawMany(b, 400, 3));
+}
+
+TEST(ResidualSurrogates, AGapIsFilledAtTheUsualLevel) {
+  const Series x = smoothNoise(400, 5);
+  simo::ResidualSurrogates maker(x, {{0, 200}, {260, 400}});
+  double gap = 0, rest = 0;
+  for (const Series& surrogate : drawMany(maker, 400, 200))
+    for (std::size_t t = 0; t < 400; ++t) {
+      const double square = static_cast<double>(surrogate[t]) * static_cast<double>(surrogate[t]);
+      (t >= 200 && t < 260 ? gap : rest) += square / (t >= 200 && t < 260 ? 60 : 340);
+    }
+  EXPECT_NEAR(gap / rest, 1, 0.15);
+}
+
+TEST(ResidualSurrogates, ASlopeIsNoPartOfTheModel) {
+  Series x = smoothNoise(400, 6), tilted = x;
+  for (std::size_t t = 0; t < 400; ++t) tilted[t] += 0.5F * static_cast<float>(t);
+  simo::ResidualSurrogates flat(x, {{0, 400}}), steep(tilted, {{0, 400}});
+  EXPECT_NEAR(steep.model().errorVariance / flat.model().errorVariance, 1, 1e-3);
+}
+
+TEST(ResidualSurrogates, AreNotDefinedWithoutVarianceOrWithMissingValues) {
+  EXPECT_FALSE(simo::ResidualSurrogates(Series(50, 3.0F), {{0, 50}}).isDefined());
+  EXPECT_FALSE(simo::ResidualSurrogates(Series(50, 3.0F), {}).isDefined());
+  Series x = smoothNoise(50, 7);
+  x[20] = NAN;
+  EXPECT_FALSE(simo::ResidualSurrogates(x, {{0, 50}}).isDefined());
+}
+
+TEST(ResidualSurrogates, TheSameStreamGivesTheSameSurrogates) {
+  const Series x = smoothNoise(120, 8);
+  simo::ResidualSurrogates a(x, {{0, 120}}), b(x, {{0, 120}});
+  EXPECT_EQ(drawMany(a, 120, 4), drawMany(b, 120, 4));
+}
+
+}  // namespace

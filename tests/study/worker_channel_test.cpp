@@ -1,0 +1,68 @@
+#include "study/worker_channel.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "request/problem.h"
+#include "tests/support/message_of.h"
+#include "tests/support/scratch.h"
+
+namespace study {
+namespace {
+
+TEST(WorkerChannel, MessagesLongerThanThePipeArriveWhole) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const std::string text(200'000, 'x');
+  std::thread worker([&] {
+    WorkerChannel channel(ends[1]);
+    channel.progress(0.25);
+    channel.send(WorkerWord::kResult, text + "\nwith 3 lines\n");
+    channel.send(WorkerWord::kDone);
+    close(ends[1]);
+  });
+  MessageReader reader;
+  std::vector<WorkerMessage> messages;
+  char bytes[5000];
+  for (ssize_t count = 0; (count = read(ends[0], bytes, sizeof bytes)) > 0;) {
+    reader.take({bytes, static_cast<std::size_t>(count)});
+    while (auto message = reader.next()) messages.push_back(std::move(*message));
+  }
+  worker.join();
+  close(ends[0]);
+  ASSERT_EQ(messages.size(), 3U);
+  EXPECT_EQ(messages[0].word, WorkerWord::kProgress);
+  EXPECT_EQ(std::stod(messages[0].text), 0.25);
+  EXPECT_EQ(messages[1].word, WorkerWord::kResult);
+  EXPECT_EQ(messages[1].text, text + "\nwith 3 lines\n");
+  EXPECT_EQ(messages[2].word, WorkerWord::kDone);
+}
+
+TEST(MessageReader, GivesAMessageWithItsLastByteAndNotBefore) {
+  const std::string message = "wrong-input 5\na\nb\nc";
+  MessageReader reader;
+  for (std::size_t i = 0; i < message.size(); ++i) {
+    EXPECT_FALSE(reader.next()) << i;
+    reader.take(message.substr(i, 1));
+  }
+  const auto whole = reader.next();
+  ASSERT_TRUE(whole);
+  EXPECT_EQ(whole->word, WorkerWord::kWrongInput);
+  EXPECT_EQ(whole->text, "a\nb\nc");
+  EXPECT_FALSE(reader.next());
+}
+
+TEST(MessageReader, RefusesWhatIsNoMessage) {
+  for (const char* text : {"hello world\n", "done\n", "done 0x\n", "done -1\n", "Done 0\n", "result \n",
+                           "a line of more than thirty-two bytes without an end"}) {
+    MessageReader reader;
+    reader.take(text);
+    EXPECT_EQ(messageOf<RunError>([&] { reader.next(); }), "the worker process sent what is no message")
+        << text;
+  }
+}
+
+}  // namespace
+}  // namespace study

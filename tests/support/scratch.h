@@ -1,0 +1,63 @@
+// A folder of its own for one test, removed at its end, and files in it. Header only, so that tests of the
+// core have it as well.
+#ifndef TAVMAP_TESTS_SUPPORT_SCRATCH_H
+#define TAVMAP_TESTS_SUPPORT_SCRATCH_H
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+
+// Whole contents of a file; empty when there is none.
+[[nodiscard]] inline std::string contentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+// Contents of all files below a folder by their relative path; hidden folders and "work" left out.
+[[nodiscard]] inline std::map<std::string, std::string> filesBelow(const std::filesystem::path& folder) {
+  std::map<std::string, std::string> files;
+  for (std::filesystem::recursive_directory_iterator entry(folder), end; entry != end; ++entry) {
+    const std::string name = entry->path().filename().string();
+    if (entry->is_directory() && (name[0] == '.' || name == "work")) entry.disable_recursion_pending();
+    if (entry->is_regular_file())
+      files[entry->path().lexically_relative(folder).string()] = contentOf(entry->path());
+  }
+  return files;
+}
+
+class Scratch {
+ public:
+  Scratch() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "tavmap-test-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~Scratch() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+  // The same as text, for interfaces that take no path.
+  [[nodiscard]] std::string path() const { return folder_.string(); }
+  [[nodiscard]] std::string file(const std::string& name) const { return (folder_ / name).string(); }
+  std::string operator/(const std::string& name) const { return file(name); }
+
+  // Writes a file, and the folders above it.
+  std::filesystem::path write(const std::string& name, const std::string& content = "") const {
+    std::filesystem::path path = folder_ / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+    return path;
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+#endif

@@ -21,8 +21,8 @@ tav::TAV_Pars engineRequest(const Settings& settings, int order, const std::vect
                             const std::vector<PlannedCondition>& conditions,
                             const std::vector<const Region*>& regions, const std::string& resultPathPrefix);
 
-// What was done to the voxels of each run, by the name of its VTC: surrogates go through the same, and rest on
-// the volumes that are not censored.
+// What was done to the voxels of each run, by the name of its VTC: surrogates go through the same, and rest
+// on the volumes that are not censored.
 std::map<std::string, tav::CourseTreatment> courseTreatments(const std::vector<RunPlan>& runs);
 
 // What the method asks of the engine beyond the record.

@@ -15,10 +15,10 @@ struct SharedPeriod {
 };
 
 // The strongest line of the reference's spectrum, when it stands further above its neighbourhood than noise
-// would anywhere in one run of a hundred (17 times the median of either side in a run of 100 volumes, 25 times
-// in one of 1200), and half as far in a third of the voxels. Sides are the 3rd to 12th frequency away from it,
-// so that slopes of the spectrum are no lines; the run must hold five periods, and the longest interval two:
-// shorter intervals see no period.
+// would anywhere in one run of a hundred (17 times the median of either side in a run of 100 volumes, 25
+// times in one of 1200), and half as far in a third of the voxels. Sides are the 3rd to 12th frequency away
+// from it, so that slopes of the spectrum are no lines; the run must hold five periods, and the longest
+// interval two: shorter intervals see no period.
 [[nodiscard]] std::optional<SharedPeriod> findSharedPeriod(const Courses& courses);
 
 }  // namespace suitability

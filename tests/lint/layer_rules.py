@@ -21,7 +21,7 @@ ARROWS = {
     "prepare": {"request", "bids", "formats"},
     "results": {"tav", "request", "bids", "prepare", "formats"},
     "study": {"tav", "request", "bids", "prepare", "results", "formats"},
-    "group": {"tav", "request", "bids", "results", "formats"},
+    "group": {"request", "bids", "results", "formats"},
     "simulation": {"formats"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
             "results", "study", "group", "simulation"},

@@ -7,11 +7,13 @@ Prints one line per violation, "file:line: what is wrong", and ends with 1 when 
 import sys
 from pathlib import Path
 
+import arrow_rules
+import folder_rules
 import layer_rules
 import style_rules
 from tree import read_tree
 
-RULES = layer_rules.RULES + style_rules.RULES
+RULES = layer_rules.RULES + arrow_rules.RULES + folder_rules.RULES + style_rules.RULES
 
 
 def findings_of(root):

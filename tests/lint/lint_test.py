@@ -6,7 +6,10 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+from unittest import mock
 
+import folder_rules
+import layer_rules
 import lint
 import style_rules
 
@@ -112,6 +115,69 @@ class LayerRules(LintTest):
         self.assert_found("tav/kernel/body-inl.h:4", "<algorithm>", {"tav/kernel/body-inl.h": body})
 
 
+class ArrowRules(LintTest):
+    def test_arrows_in_a_circle(self):
+        with mock.patch.dict(layer_rules.ARROWS, {"simo": {"io"}, "io": {"simo"}, "tav": set(), "plugin": set(),
+                                                  "direction": set(), "formats": set()}):
+            found = self.found({})
+        self.assertEqual([text for text in found if "back to" in text], [
+            "tests/lint/layer_rules.py:1: the arrows lead from io back to io",
+            "tests/lint/layer_rules.py:1: the arrows lead from simo back to simo"])
+
+    def test_reach_beyond_a_single_header(self):
+        header = GOOD_TREE["io/vtc_header.h"].replace("#endif", '#include "simo/fit.h"\n#endif')
+        self.assert_found("io/vtc_header.h:4", "hostapi reaches where no arrows lead from it: "
+                          "hostapi/records.cpp > io/vtc_header.h > simo/fit.h", {"io/vtc_header.h": header})
+
+    def test_reach_through_a_file_of_another_kind(self):
+        self.assert_found("simo/body.inc:1", "simo/up.cpp > simo/body.inc > io/vtc_header.h",
+                          {"simo/up.cpp": '#include "simo/body.inc"\n', "simo/body.inc": '#include "io/vtc_header.h"\n'})
+
+    def test_reach_along_arrows_is_no_violation(self):
+        self.assertEqual(self.found({"suitability/README.md": "# s\n",
+                                     "suitability/s.cpp": '#include "direction/d.h"\n',
+                                     "direction/README.md": "# d\n",
+                                     "direction/d.h": "// D.\n#ifndef TAVMAP_DIRECTION_D_H\n#define TAVMAP_DIRECTION_D_H\n"
+                                                      '#include "simo/fit.h"\n#endif\n'}), [])
+
+    def test_link_without_an_arrow(self):
+        self.assert_found("simo/CMakeLists.txt:2", "simo links tavmap_io",
+                          {"simo/CMakeLists.txt": "# One.\ntavmap_library(simo\n  SOURCES fit.cpp\n  LINKS tavmap_io m)\n"})
+        self.assert_found("simo/CMakeLists.txt:1", "simo links tavmap_io",
+                          {"simo/CMakeLists.txt": "tavmap_library(simo SOURCES fit.cpp)\n"
+                                                  "target_link_libraries(tavmap_simo PUBLIC tavmap_io)\n"})
+
+    def test_arrow_without_its_link(self):
+        text = "tavmap_library(tav\n  SOURCES a.cpp\n  LINKS tavmap_simo tavmap_io {})\n"
+        self.assert_found("tav/CMakeLists.txt:1", "tav has an arrow to tav/kernel, but does not link tavmap_kernel",
+                          {"tav/CMakeLists.txt": text.format("")})
+        self.assertEqual(self.found({"tav/CMakeLists.txt": text.format("tavmap_kernel ZLIB::ZLIB")}), [])
+
+
+class FolderRules(LintTest):
+    def tree_of_shares(self, largest):
+        """Five folders that hold 1,000 lines each, but for simo."""
+        folders = ["io", "formats", "tav", "plugin", "host"]
+        changes = {f"{folder}/README.md": "# folder\n" for folder in folders}
+        for folder in folders:
+            changes.update({f"{folder}/part{i}.cpp": "int x;\n" * 250 for i in range(4)})
+        changes.update({f"simo/part{i}.cpp": "int x;\n" * 50 for i in range(largest // 50)})
+        return changes
+
+    def test_folder_that_outweighs_the_others(self):
+        self.assert_found("simo:1", "at most a fifth", self.tree_of_shares(1300))
+        self.assertEqual(self.found(self.tree_of_shares(1200)), [])
+
+    def test_tests_weigh_nothing(self):
+        tests = {f"tests/part{i}.cpp": "int x;\n" * 300 for i in range(20)}
+        self.assertEqual(self.found({**self.tree_of_shares(1200), **tests, "tests/README.md": "# tests\n"}), [])
+
+    def test_header_name_that_exists_twice(self):
+        again = GOOD_HEADER.replace("SIMO_FIT", "TESTS_SIMO_FIT")
+        self.assert_found("tests/simo/fit.h:1", "exists already: simo/fit.h",
+                          {"tests/README.md": "# tests\n", "tests/simo/fit.h": again})
+
+
 class StyleRules(LintTest):
     def test_long_file(self):
         self.assert_found("simo/long.cpp:401", "401 lines", {"simo/long.cpp": "int x;\n" * 401})
@@ -193,9 +259,10 @@ class Program(unittest.TestCase):
 
     def test_every_rule_has_a_planted_violation(self):
         tested = Path(__file__).read_text(encoding="utf-8")
-        self.assertEqual(len(lint.RULES), 15, "a rule was added or removed: plant its violation here, then adapt this number")
+        self.assertEqual(len(lint.RULES), 20, "a rule was added or removed: plant its violation here, then adapt this number")
         self.assertGreaterEqual(tested.count("assert_found("), len(lint.RULES))
         self.assertEqual(style_rules.MAX_FILE_LINES, 400)
+        self.assertEqual(folder_rules.MAX_SHARE, 0.2)
 
 
 if __name__ == "__main__":

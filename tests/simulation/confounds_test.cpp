@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tests/simulation/least_squares.h"
+#include "tests/simulation/normal_equations.h"
 
 namespace {
 

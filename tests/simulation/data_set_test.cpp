@@ -11,7 +11,7 @@
 #include "formats/voi_list.h"
 #include "formats/vtc_export.h"
 #include "simulation/truth.h"
-#include "tests/simulation/least_squares.h"
+#include "tests/simulation/normal_equations.h"
 #include "tests/support/scratch.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include "formats/nifti.h"
 #include "prepare/fingerprint.h"
 #include "results/record_json.h"
+#include "tests/support/image_series.h"
 #include "tests/support/run_command_fixture.h"
-#include "tests/support/series.h"
 
 namespace {
 

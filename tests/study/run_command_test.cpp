@@ -6,8 +6,8 @@
 #include "formats/map_set.h"
 #include "formats/nifti.h"
 #include "formats/nifti_writer.h"
+#include "tests/support/image_series.h"
 #include "tests/support/run_command_fixture.h"
-#include "tests/support/series.h"
 
 namespace {
 

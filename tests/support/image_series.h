@@ -1,6 +1,6 @@
 // A time series in memory, to be changed and written again.
-#ifndef TAVMAP_TESTS_SUPPORT_SERIES_H
-#define TAVMAP_TESTS_SUPPORT_SERIES_H
+#ifndef TAVMAP_TESTS_SUPPORT_IMAGE_SERIES_H
+#define TAVMAP_TESTS_SUPPORT_IMAGE_SERIES_H
 
 #include <filesystem>
 #include <vector>

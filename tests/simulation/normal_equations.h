@@ -1,7 +1,7 @@
 // Ordinary least squares by the normal equations, for a handful of regressors: the yardstick for
 // planted coefficients.
-#ifndef TAVMAP_TESTS_SIMULATION_LEAST_SQUARES_H
-#define TAVMAP_TESTS_SIMULATION_LEAST_SQUARES_H
+#ifndef TAVMAP_TESTS_SIMULATION_NORMAL_EQUATIONS_H
+#define TAVMAP_TESTS_SIMULATION_NORMAL_EQUATIONS_H
 
 #include <cmath>
 #include <cstddef>

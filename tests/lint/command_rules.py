@@ -108,10 +108,11 @@ class Program:
         self._helps = {}
 
     def help(self, *verb):
-        """The text of --help, None for a verb that does not exist."""
+        """The text of --help, None for a verb that does not exist: the program then shows its own help."""
         if verb not in self._helps:
             shown = subprocess.run([self.path, *verb, "--help"], capture_output=True, text=True, check=False)
-            self._helps[verb] = shown.stdout if shown.returncode == 0 else None
+            is_its_own = re.search(rf"^Usage: {re.escape(' '.join(['tavmap', *verb]))} ", shown.stdout, re.MULTILINE)
+            self._helps[verb] = shown.stdout if is_its_own else None
         return self._helps[verb]
 
     def listed_verbs(self):

@@ -53,12 +53,12 @@ GOOD_TREE = {
                                  'set_tests_properties(x PROPERTIES LABELS "fuzz" TIMEOUT 120)\n',
 }
 
+# As the real one, it answers an unknown verb's --help with its own.
 PROGRAM = """#!/bin/sh
 case "$1" in
-  --help) printf 'Subcommands:\\n  run                     Compute\\n\\nOptions:\\n  --version  x\\n' ;;
-  run) printf '  -j,--jobs INT\\n  --seed UINT\\n' ;;
-  worker) printf '  --report-to FD\\n' ;;
-  *) exit 2 ;;
+  run) printf 'Usage: tavmap run [OPTIONS]\\n  -j,--jobs INT\\n  --seed UINT\\n' ;;
+  worker) printf 'Usage: tavmap worker [OPTIONS]\\n  --report-to FD\\n' ;;
+  *) printf 'Usage: tavmap [OPTIONS]\\n  --version  x\\n\\nSubcommands:\\n  run                     Compute\\n' ;;
 esac
 """
 

@@ -25,10 +25,6 @@ double largestCornerShift(const Affine& a, const Affine& b, const GridSize& size
 
 }  // namespace
 
-std::string toText(const GridSize& size) {
-  return std::to_string(size.x) + " x " + std::to_string(size.y) + " x " + std::to_string(size.z);
-}
-
 const char* nameOf(DataType type) {
   const char* name = "";
   withStoredType(type, [&](auto sample) { name = TypeName<decltype(sample)>::kText; });
@@ -42,10 +38,7 @@ std::size_t bytesOf(DataType type) {
 }
 
 float Image3D::at(int x, int y, int z) const {
-  const auto& size = header.size;
-  const auto row =
-      static_cast<std::size_t>(z) * static_cast<std::size_t>(size.y) + static_cast<std::size_t>(y);
-  return values[row * static_cast<std::size_t>(size.x) + static_cast<std::size_t>(x)];
+  return values[header.size.index(x, y, z)];
 }
 
 void requireSameGrid(const ImageHeader& a, const std::string& pathA, const ImageHeader& b,

@@ -8,18 +8,11 @@
 #include <vector>
 
 #include "formats/affine.h"
+#include "io/grid_size.h"
 
 namespace formats {
 
-// Voxels along each axis; voxel (x, y, z) has the index (z * this->y + y) * this->x + x.
-struct GridSize {
-  int x = 0, y = 0, z = 0;
-  [[nodiscard]] std::size_t voxels() const {
-    return static_cast<std::size_t>(x) * static_cast<std::size_t>(y) * static_cast<std::size_t>(z);
-  }
-  friend bool operator==(const GridSize&, const GridSize&) = default;
-};
-[[nodiscard]] std::string toText(const GridSize& size);  // "24 x 32 x 35"
+using io::GridSize;
 
 // Data types by their NIfTI codes; no others are read.
 enum class DataType : std::int16_t {

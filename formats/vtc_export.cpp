@@ -30,8 +30,7 @@ File openFile(const std::string& path) {
 }
 
 GridSize sizeOf(const VTC_Header& header) {
-  const VtcGrid grid = gridOf(header);
-  return {grid.dimX, grid.dimY, grid.dimZ};
+  return gridOf(header);
 }
 
 // The exact repetition time: the record holds it rounded, the file's last header field does not.

@@ -99,9 +99,9 @@ Json describeImage(const std::string& path, const DescribeOptions& options) {
 
 Json describeVtc(const std::string& path) {
   const VTC_Header header = formats::readVtcFileHeader(path);
-  const VtcGrid grid = gridOf(header);
+  const io::GridSize grid = gridOf(header);
   Json json{{"file", path}, {"kind", "VTC"}};
-  json["voxels"] = {grid.dimX, grid.dimY, grid.dimZ};
+  json["voxels"] = {grid.x, grid.y, grid.z};
   json["volumes"] = header.nrOfVolumes;
   json["tr_ms"] = header.tr;
   json["data_type"] = header.dataType == kVtcFloatData ? "float32" : "uint16";

@@ -36,8 +36,8 @@ class Atlas {
     const double x = std::nearbyint(index[0]), y = std::nearbyint(index[1]), z = std::nearbyint(index[2]);
     const bool inside = x >= 0 && x < size.x && y >= 0 && y < size.y && z >= 0 && z < size.z;
     if (!inside) return "no region";
-    const double at = (z * size.y + y) * size.x + x;
-    const std::int32_t label = image_->labels[static_cast<std::size_t>(at)];
+    const std::size_t at = size.index(static_cast<int>(x), static_cast<int>(y), static_cast<int>(z));
+    const std::int32_t label = image_->labels[at];
     return label == 0 ? "no region" : table_.nameOf(label);
   }
 

@@ -41,12 +41,7 @@ std::vector<std::uint8_t> regionMask(const PictureOptions& options, const format
     throw formats::FileError(options.labels, "has no region named " + options.region,
                              "`tavmap info` lists its regions");
   mask.assign(anatomy.size.voxels(), 0);
-  for (const formats::VoxelIndex& v : voi->voxels) {
-    const auto x = static_cast<std::size_t>(v[0]), y = static_cast<std::size_t>(v[1]),
-               z = static_cast<std::size_t>(v[2]);
-    mask[(z * static_cast<std::size_t>(anatomy.size.y) + y) * static_cast<std::size_t>(anatomy.size.x) + x] =
-        1;
-  }
+  for (const formats::VoxelIndex& voxel : voi->voxels) mask[anatomy.size.index(voxel)] = 1;
   return mask;
 }
 
@@ -79,9 +74,8 @@ void setRange(const formats::MapSet& set, const formats::Map& map, const Picture
 render::SlicePicture pictureOf(const formats::MapSet& set, const formats::Map& map,
                                const formats::Image3D& anatomy, const std::vector<std::uint8_t>& region,
                                const PictureOptions& options) {
-  const formats::GridSize grid = set.grid();
   render::SlicePicture picture;
-  picture.dims = {grid.x, grid.y, grid.z};
+  picture.size = set.grid();
   picture.affine = set.affine.m;
   picture.anatomy = anatomy.values;
   picture.map = map.values;

@@ -104,18 +104,18 @@ bool readVTCHeader(std::FILE* file, VTC_Header& header) {
 
 bool hasUsableGeometry(const VTC_Header& header) {
   if (header.resolution < 1 || header.nrOfVolumes < 1) return false;
-  const VtcGrid grid = gridOf(header);
-  return grid.dimX > 0 && grid.dimY > 0 && grid.dimZ > 0 && fits31Bits(grid.dimX, grid.dimY, grid.dimZ) &&
-         fits31Bits(grid.dimX, grid.dimY, header.nrOfVolumes);
+  const io::GridSize grid = gridOf(header);
+  return grid.x > 0 && grid.y > 0 && grid.z > 0 && fits31Bits(grid.x, grid.y, grid.z) &&
+         fits31Bits(grid.x, grid.y, header.nrOfVolumes);
 }
 
-VtcGrid gridOf(const VTC_Header& header) {
+io::GridSize gridOf(const VTC_Header& header) {
   return {(header.xEnd - header.xStart) / header.resolution,
           (header.yEnd - header.yStart) / header.resolution,
           (header.zEnd - header.zStart) / header.resolution};
 }
 
 std::int32_t sliceValues(const VTC_Header& header) {
-  const VtcGrid grid = gridOf(header);
-  return grid.dimX * grid.dimY * header.nrOfVolumes;
+  const io::GridSize grid = gridOf(header);
+  return grid.x * grid.y * header.nrOfVolumes;
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "io/grid_size.h"
 #include "io/vtc_header.h"
 
 // Reads the header from `file`, which stands at the start of the file, and leaves it at the first
@@ -21,16 +22,7 @@
 // computed from a header that fails.
 [[nodiscard]] bool hasUsableGeometry(const VTC_Header& header);
 
-// Voxels along each axis.
-struct VtcGrid {
-  std::int32_t dimX, dimY, dimZ;
-  // The place of a voxel's course in a file, and of its value in a map; 0-based.
-  [[nodiscard]] std::int64_t indexOf(std::int32_t x, std::int32_t y, std::int32_t z) const {
-    return (std::int64_t{z} * dimY + y) * dimX + x;
-  }
-  friend bool operator==(const VtcGrid&, const VtcGrid&) = default;
-};
-[[nodiscard]] VtcGrid gridOf(const VTC_Header& header);
+[[nodiscard]] io::GridSize gridOf(const VTC_Header& header);
 
 // Values in one z-slice: x-size * y-size * volumes.
 [[nodiscard]] std::int32_t sliceValues(const VTC_Header& header);

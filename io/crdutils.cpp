@@ -20,18 +20,13 @@ std::int32_t cellIndex(std::int32_t coordinate, std::int32_t start, std::int32_t
   return roundHalfUp((static_cast<double>(coordinate) - start) / resolution);
 }
 
-bool isInside(const VtcGrid& grid, const voicrd& cell) {
-  return cell.x >= 0 && cell.x < grid.dimX && cell.y >= 0 && cell.y < grid.dimY && cell.z >= 0 &&
-         cell.z < grid.dimZ;
-}
-
 // Collects cells; a region can have many more voxels than is good for a linear search.
 class CellCounter {
  public:
-  explicit CellCounter(const VtcGrid& grid) : grid_(grid) {}
+  explicit CellCounter(const io::GridSize& grid) : grid_(grid) {}
 
   void count(const voicrd& cell) {
-    const std::int64_t key = grid_.indexOf(cell.x, cell.y, cell.z);
+    const std::size_t key = grid_.index(cell.x, cell.y, cell.z);
     const auto [entry, isNew] = positions_.try_emplace(key, cells_.size());
     if (isNew) {
       cells_.push_back(cell);
@@ -42,9 +37,9 @@ class CellCounter {
   std::vector<voicrd> take() { return std::move(cells_); }
 
  private:
-  VtcGrid grid_;
+  io::GridSize grid_;
   std::vector<voicrd> cells_;
-  std::unordered_map<std::int64_t, std::size_t> positions_;
+  std::unordered_map<std::size_t, std::size_t> positions_;
 };
 
 }  // namespace
@@ -70,14 +65,14 @@ void toAnatomicalCoordinates(const std::int32_t* voxels, std::int32_t nVoxels, b
 }
 
 VoiCells cellsOfVoxels(const VTC_Header& header, const std::int32_t* coordinates, std::int32_t nVoxels) {
-  const VtcGrid grid = gridOf(header);
+  const io::GridSize grid = gridOf(header);
   VoiCells result;
   CellCounter counter(grid);
   for (std::int32_t i = 0; i < nVoxels; ++i, coordinates += 3) {
     const voicrd cell{cellIndex(coordinates[0], header.xStart, header.resolution),
                       cellIndex(coordinates[1], header.yStart, header.resolution),
                       cellIndex(coordinates[2], header.zStart, header.resolution), 1};
-    if (isInside(grid, cell)) {
+    if (grid.contains(cell.x, cell.y, cell.z)) {
       counter.count(cell);
     } else {
       ++result.nrOutside;

@@ -24,7 +24,7 @@ class Collector {
     const bool outside = !space_.mask.empty() && !space_.mask[index];
     outside_ += outside ? 1 : 0;
     if (outside && space_.insideMaskOnly) return;
-    for (const int c : space_.grid.voxelAt(index)) region_.coordinates.push_back(c);
+    for (const int c : space_.grid.size.voxelAt(index)) region_.coordinates.push_back(c);
   }
 
   bool empty() const { return region_.coordinates.empty() || seen_ == outside_; }
@@ -132,16 +132,16 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
 
 std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid) {
   if (sameGrid(image.grid, grid)) return image.labels;
-  std::vector<std::int32_t> labels(grid.voxels(), 0);
+  std::vector<std::int32_t> labels(grid.size.voxels(), 0);
   if (formats::determinant(image.grid.affine) == 0) {
     throw InputError(image.file + ": its affine cannot be inverted; the header is damaged");
   }
   const formats::Affine toImage = formats::inverse(image.grid.affine);
   for (std::size_t i = 0; i < labels.size(); ++i) {
-    const auto at = formats::apply(toImage, grid.toMm(grid.voxelAt(i)));
+    const auto at = formats::apply(toImage, grid.toMm(grid.size.voxelAt(i)));
     const Voxel voxel = {static_cast<int>(std::floor(at[0] + 0.5)), static_cast<int>(std::floor(at[1] + 0.5)),
                          static_cast<int>(std::floor(at[2] + 0.5))};
-    if (image.grid.contains(voxel)) labels[i] = image.labels[image.grid.index(voxel)];
+    if (image.grid.size.contains(voxel)) labels[i] = image.labels[image.grid.size.index(voxel)];
   }
   return labels;
 }
@@ -178,8 +178,8 @@ Region maskRegion(const ReferenceRequest& request, const LabelVolume& image, con
 
 Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {
   Collector collector(request.name, space);
-  for (std::size_t i = 0; i < space.grid.voxels(); ++i) {
-    const auto mm = space.grid.toMm(space.grid.voxelAt(i));
+  for (std::size_t i = 0; i < space.grid.size.voxels(); ++i) {
+    const auto mm = space.grid.toMm(space.grid.size.voxelAt(i));
     double squares = 0;
     for (std::size_t axis = 0; axis < 3; ++axis) {
       squares += (mm[axis] - request.centreMm[axis]) * (mm[axis] - request.centreMm[axis]);
@@ -192,14 +192,12 @@ Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, c
 Region voxelRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {
   Collector collector(request.name, space);
   for (const Voxel& voxel : request.voxels) {
-    if (!space.grid.contains(voxel)) {
+    if (!space.grid.size.contains(voxel)) {
       throw InputError(where + ": voxel [" + std::to_string(voxel[0]) + ", " + std::to_string(voxel[1]) +
                        ", " + std::to_string(voxel[2]) + "] of reference '" + request.name +
-                       "' lies outside the grid of " + std::to_string(space.grid.dims[0]) + " x " +
-                       std::to_string(space.grid.dims[1]) + " x " + std::to_string(space.grid.dims[2]) +
-                       " voxels (counted from 0)");
+                       "' lies outside the grid of " + toText(space.grid.size) + " voxels (counted from 0)");
     }
-    collector.add(space.grid.index(voxel));
+    collector.add(space.grid.size.index(voxel));
   }
   return collector.finish(where);
 }

@@ -37,15 +37,14 @@ void requireSize(std::size_t size, std::size_t voxels, const char* what) {
 }
 
 void checkSizes(const SlicePicture& p) {
-  const auto voxels = static_cast<std::size_t>(p.dims[0]) * static_cast<std::size_t>(p.dims[1]) *
-                      static_cast<std::size_t>(p.dims[2]);
+  const std::size_t voxels = p.size.voxels();
   requireSize(p.anatomy.size(), voxels, "anatomy");
   requireSize(p.map.size(), voxels, "map data");
   if (!p.reference.empty()) requireSize(p.reference.size(), voxels, "reference region");
 }
 
 Layout layOut(const SlicePicture& p) {
-  Layout layout{Upright(p.dims, p.affine), 0, 0, 0, 0, {}, 0, 0};
+  Layout layout{Upright(p.size, p.affine), 0, 0, 0, 0, {}, 0, 0};
   layout.voxelWidth = layout.view.voxelMm(0) * kPixelsPerMm;
   layout.voxelHeight = layout.view.voxelMm(1) * kPixelsPerMm;
   layout.panelWidth = layout.view.dim(0) * layout.voxelWidth;

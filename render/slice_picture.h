@@ -3,11 +3,11 @@
 #ifndef TAVMAP_RENDER_SLICE_PICTURE_H
 #define TAVMAP_RENDER_SLICE_PICTURE_H
 
-#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "io/grid_size.h"
 #include "render/upright.h"
 
 namespace render {
@@ -20,7 +20,7 @@ struct ColourRange {
 
 // All volumes share one grid, first axis fastest.
 struct SlicePicture {
-  std::array<int, 3> dims{};
+  io::GridSize size;
   Affine affine{};
   std::vector<float> anatomy;
   std::vector<float> map;

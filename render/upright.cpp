@@ -37,10 +37,9 @@ std::array<std::size_t, 3> closestAssignment(const Affine& affine) {
 
 }  // namespace
 
-Upright::Upright(const std::array<int, 3>& dims, const Affine& affine) {
-  const std::array<std::size_t, 3> storedStride = {
-      1, static_cast<std::size_t>(dims[0]),
-      static_cast<std::size_t>(dims[0]) * static_cast<std::size_t>(dims[1])};
+Upright::Upright(const io::GridSize& size, const Affine& affine) {
+  const std::array<int, 3> dims = {size.x, size.y, size.z};
+  const std::array<std::size_t, 3> storedStride = {1, static_cast<std::size_t>(size.x), size.slice()};
   const auto storedAxisOf = closestAssignment(affine);
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const std::size_t stored = storedAxisOf[axis];

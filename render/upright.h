@@ -6,6 +6,8 @@
 #include <array>
 #include <cstddef>
 
+#include "io/grid_size.h"
+
 namespace render {
 
 // Row-major 4 x 4: voxel index (i, j, k, 1) to millimetres, x to the right, y to the front, z up.
@@ -13,10 +15,10 @@ using Affine = std::array<double, 16>;
 
 class Upright {
  public:
-  // `dims`: extents of the three stored axes, first one varying fastest. Every stored axis is
+  // `size`: of the grid as stored. Every stored axis is
   // assigned to the patient axis that it follows most closely; oblique images stay in their own
   // planes.
-  Upright(const std::array<int, 3>& dims, const Affine& affine);
+  Upright(const io::GridSize& size, const Affine& affine);
 
   // Extent and voxel edge in millimetres along right (0), front (1) and top (2).
   [[nodiscard]] int dim(std::size_t patientAxis) const { return dims_[patientAxis]; }

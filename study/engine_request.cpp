@@ -50,9 +50,9 @@ tav::TAV_VOI_Pars voiOf(const Region& region, std::size_t index) {
 
 void takeGeometry(const std::vector<RunPlan>& runs, tav::TAV_Pars& pars) {
   pars.vtcXStart = pars.vtcYStart = pars.vtcZStart = 0;
-  pars.vtcXEnd = runs[0].grid.dims[0];
-  pars.vtcYEnd = runs[0].grid.dims[1];
-  pars.vtcZEnd = runs[0].grid.dims[2];
+  pars.vtcXEnd = runs[0].grid.size.x;
+  pars.vtcYEnd = runs[0].grid.size.y;
+  pars.vtcZEnd = runs[0].grid.size.z;
   pars.vtcResolution = 1;
   for (const RunPlan& run : runs) {
     pars.vtcMaxNrOfVolumes = std::max(pars.vtcMaxNrOfVolumes, run.volumes.volumes - run.volumes.dropped);

@@ -106,8 +106,7 @@ class Gatherer {
   }
 
   std::vector<std::size_t> sampleVoxels(const tav::TAV_Cond_Pars& cond) const {
-    const std::size_t count = static_cast<std::size_t>(pars_.dimX) * static_cast<std::size_t>(pars_.dimY) *
-                              static_cast<std::size_t>(pars_.dimZ);
+    const std::size_t count = gridOf(pars_).voxels();
     VoxelReader reader(cond, pars_.firstTpInclThres);
     EvenWalk walk(count);
     std::vector<std::size_t> voxels;

@@ -16,9 +16,10 @@ namespace study {
 namespace {
 
 std::vector<std::uint8_t> insideRegion(const Region& region, const Grid& grid) {
-  std::vector<std::uint8_t> inside(grid.voxels(), 0);
+  std::vector<std::uint8_t> inside(grid.size.voxels(), 0);
   for (std::size_t i = 0; i + 2 < region.coordinates.size(); i += 3) {
-    inside[grid.index({region.coordinates[i], region.coordinates[i + 1], region.coordinates[i + 2]})] = 1;
+    inside[grid.size.index({region.coordinates[i], region.coordinates[i + 1], region.coordinates[i + 2]})] =
+        1;
   }
   return inside;
 }
@@ -104,12 +105,12 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   result.thresholds = thresholdsOf(map, plan_.request.settings.qValues, codes_);
   const std::size_t peak = peakOf(map.values, codes_);
   result.peak = withDigitsOf(map.values[peak]);
-  result.peakVoxel = grid.voxelAt(peak);
+  result.peakVoxel = grid.size.voxelAt(peak);
   result.peakMm = grid.toMm(result.peakVoxel);
   formats::ImageHeader header = mapHeader(header_);
   header.description = mapLabel(map.type);
   formats::NiftiWriter writer(staging_.path(result.file).string(), header, formats::Durability::kCached);
-  writer.writeValues(map.values, grid.voxels());
+  writer.writeValues(map.values, grid.size.voxels());
   writer.commit();
   return result;
 }

@@ -14,12 +14,7 @@ double excess(const MapPoint& point, float level) {
 
 }  // namespace
 
-ClusterFinder::ClusterFinder(int nx, int ny, int nz)
-    : nx_(nx),
-      ny_(ny),
-      nz_(nz),
-      pointAt_(static_cast<std::size_t>(nx) * static_cast<std::size_t>(ny) * static_cast<std::size_t>(nz),
-               kNone) {}
+ClusterFinder::ClusterFinder(const io::GridSize& grid) : grid_(grid), pointAt_(grid.voxels(), kNone) {}
 
 // Calls use(members), indices of the points of one cluster. A point that is taken leaves the grid.
 template <class Use>
@@ -40,12 +35,11 @@ void ClusterFinder::collect(std::span<const MapPoint> points, std::size_t start,
   pointAt_[points[start].voxel] = kNone;
   const bool negative = std::signbit(points[start].value);
   for (std::size_t next = 0; next < members.size(); ++next) {
-    const auto voxel = static_cast<int>(points[members[next]].voxel);
-    const int x = voxel % nx_, y = voxel / nx_ % ny_, z = voxel / nx_ / ny_;
-    for (int k = std::max(z - 1, 0); k <= std::min(z + 1, nz_ - 1); ++k) {
-      for (int j = std::max(y - 1, 0); j <= std::min(y + 1, ny_ - 1); ++j) {
-        for (int i = std::max(x - 1, 0); i <= std::min(x + 1, nx_ - 1); ++i) {
-          std::int32_t& at = pointAt_[static_cast<std::size_t>((k * ny_ + j) * nx_ + i)];
+    const auto [x, y, z] = grid_.voxelAt(points[members[next]].voxel);
+    for (int k = std::max(z - 1, 0); k <= std::min(z + 1, grid_.z - 1); ++k) {
+      for (int j = std::max(y - 1, 0); j <= std::min(y + 1, grid_.y - 1); ++j) {
+        for (int i = std::max(x - 1, 0); i <= std::min(x + 1, grid_.x - 1); ++i) {
+          std::int32_t& at = pointAt_[grid_.index(i, j, k)];
           if (at == kNone || std::signbit(points[static_cast<std::size_t>(at)].value) != negative) continue;
           members.push_back(static_cast<std::size_t>(at));
           at = kNone;

@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+#include "io/grid_size.h"
+
 namespace tav {
 
 // One value of a map that reaches a level.
@@ -25,7 +27,7 @@ struct Cluster {
 // with its points alone.
 class ClusterFinder {
  public:
-  ClusterFinder(int nx, int ny, int nz);
+  explicit ClusterFinder(const io::GridSize& grid);
 
   // Points with magnitudes of at least `level`, each voxel at most once; positive and negative ones form
   // clusters of their own. By descending mass, equal ones by their first voxel. Not finite values take
@@ -39,7 +41,7 @@ class ClusterFinder {
   void forEachCluster(std::span<const MapPoint> points, Use use);
   void collect(std::span<const MapPoint> points, std::size_t start, std::vector<std::size_t>& members);
 
-  int nx_, ny_, nz_;
+  io::GridSize grid_;
   std::vector<std::int32_t> pointAt_;  // [voxel]: index of the point there, or -1
 };
 

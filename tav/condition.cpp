@@ -93,7 +93,7 @@ int checkCondition(const Computer& computer, const TAV_VOI_Pars& voi, const TAV_
 
 void reportCounts(const VoxelCounts& counts, const TAV_Pars& request, const RunLog& runLog,
                   std::ostream& log) {
-  const double nrOfVoxels = static_cast<double>(request.dimX) * request.dimY * request.dimZ;
+  const auto nrOfVoxels = static_cast<double>(gridOf(request).voxels());
   const auto percent = [&](int count) { return nrOfVoxels > 0 ? count / nrOfVoxels * 100.0 : 0.0; };
   if (request.showVerboseProgress) {
     runLog.line<128>(

@@ -78,7 +78,7 @@ class Chunks {
     job.nullDraws = draws;
     job.commonFirst = static_cast<std::uint32_t>(first);
     path_.begin({&job, 1});
-    const auto slice = static_cast<std::size_t>(request_.dimX) * static_cast<std::size_t>(request_.dimY);
+    const std::size_t slice = gridOf(request_).slice();
     PieceReader reader(condition_.files, slice, static_cast<std::size_t>(request_.dimZ));
     PieceResults results(slice, draws);
     while (reader.next(errors_)) {
@@ -148,7 +148,7 @@ int computeFamilyWise(const ConditionJobs& condition, const TAV_Pars& request, i
   Chunks chunks(condition, request, leftOut, path, familyWise, errors);
   for (int first = 0; first < available; first += kDrawsPerChunk)
     if (!chunks.compute(first, std::min(kDrawsPerChunk, available - first))) return kTerminalError;
-  ClusterFinder finder(request.dimX, request.dimY, request.dimZ);
+  ClusterFinder finder(gridOf(request));
   for (auto& [type, maxima] : familyWise) maxima.findClusters(finder);
   return kSuccess;
 }

@@ -25,7 +25,7 @@ void computeGrid(const TAV_Pars& request) {
 // The voxel loop walks all files on the request's grid, so a file with another one must not pass.
 int checkGrids(const std::vector<std::unique_ptr<VtcFile>>& files, const TAV_Pars& request,
                std::ostream& errors) {
-  const VtcGrid grid{request.dimX, request.dimY, request.dimZ};
+  const io::GridSize grid = gridOf(request);
   for (const auto& file : files) {
     if (gridOf(file->header) == grid) continue;
     errors << "The bounding box or resolution of vtc '" << file->name << "' is not that of the request";

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "io/grid_size.h"
 #include "tav/tav_defs.h"
 
 namespace tav {
@@ -75,6 +76,11 @@ struct TAV_Pars {
   // Voxel grid, derived by tav::Computer::Init; not read before.
   mutable std::int32_t dimX, dimY, dimZ;
 };
+
+// The voxel grid that Computer::Init derived.
+[[nodiscard]] inline io::GridSize gridOf(const TAV_Pars& request) {
+  return {request.dimX, request.dimY, request.dimZ};
+}
 
 }  // namespace tav
 

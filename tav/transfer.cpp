@@ -70,12 +70,12 @@ VTC_Header gridHeader(const TAV_Pars& request) {
 // The reference's cells of the grid, ascending.
 std::vector<std::size_t> cellsOf(const TAV_VOI_Pars& voi, const TAV_Pars& request) {
   const VTC_Header header = gridHeader(request);
-  const VtcGrid grid = gridOf(header);
+  const io::GridSize grid = gridOf(header);
   std::vector<std::int32_t> coordinates(3 * static_cast<std::size_t>(voi.nVoxels));
   toAnatomicalCoordinates(voi.voxels, voi.nVoxels, voi.talCoords != 0, coordinates.data());
   std::vector<std::size_t> cells;
   for (const voicrd& cell : cellsOfVoxels(header, coordinates.data(), voi.nVoxels).cells)
-    cells.push_back(static_cast<std::size_t>(grid.indexOf(cell.x, cell.y, cell.z)));
+    cells.push_back(grid.index(cell.x, cell.y, cell.z));
   std::sort(cells.begin(), cells.end());
   return cells;
 }

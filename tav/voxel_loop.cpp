@@ -107,8 +107,7 @@ ConditionJobs makeConditionJobs(const TAV_Cond_Pars& cond, const std::vector<Pas
 
 int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path, const RunLog& log,
                  std::span<RawResult* const> results, std::ostream& errors) {
-  const std::size_t sliceVoxels =
-      static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY);
+  const std::size_t sliceVoxels = gridOf(request).slice();
   for (RawResult* const result : results) startResult(*result);
   for (VtcFile* const file : condition.files) file->rewind();
   path.begin(condition.jobs);

@@ -21,11 +21,6 @@ std::size_t indexOf(const std::vector<T>& list, const T& element) {
   return static_cast<std::size_t>(found - list.begin());
 }
 
-std::size_t voxelsOf(const TAV_Pars& request) {
-  return static_cast<std::size_t>(request.dimX) * static_cast<std::size_t>(request.dimY) *
-         static_cast<std::size_t>(request.dimZ);
-}
-
 }  // namespace
 
 int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond,
@@ -100,7 +95,7 @@ std::size_t VoxelPasses::nrOfCompanions(const TAV_Pars& request, std::size_t voi
 
 std::size_t VoxelPasses::bytesPerReference(const TAV_Pars& request) const {
   constexpr std::size_t kMeasureBytes = kNrOfMeasures * sizeof(float);
-  const std::size_t voxels = voxelsOf(request) * request.conds.size();
+  const std::size_t voxels = gridOf(request).voxels() * request.conds.size();
   const std::size_t included = isFirstDone(request) ? includedPerVoi_ : voxels;
   return voxels * (2 * kMeasureBytes + sizeof(VoxelStatus)) +
          included * kMeasureBytes * static_cast<std::size_t>(options_.nullDraws - 1);

@@ -14,11 +14,6 @@ namespace fs = std::filesystem;
 
 constexpr int kRegions = 20;
 
-std::size_t voxelsOf(const formats::GridSize& size) {
-  return static_cast<std::size_t>(size.x) * static_cast<std::size_t>(size.y) *
-         static_cast<std::size_t>(size.z);
-}
-
 formats::ImageHeader headerOf(const MadeRun& run) {
   formats::ImageHeader header;
   header.size = run.size;
@@ -70,12 +65,12 @@ void writeLabels(const fs::path& path, const MadeRun& run) {
   image.header.volumes = 1;
   image.header.series = false;
   image.header.dataType = formats::DataType::kUint8;
-  image.labels.assign(voxelsOf(run.size), 0);
+  image.labels.assign(run.size.voxels(), 0);
   for (int region = 0; region < kRegions; ++region) {
     const int x = run.size.x / 2 - 10 + 6 * (region % 4), y = run.size.y / 2 - 10 + 6 * (region / 4);
     for (int i = 0; i < 27; ++i) {
       const int cx = x + i % 3, cy = y + i / 3 % 3, cz = run.size.z / 2 + i / 9;
-      image.labels[static_cast<std::size_t>((cz * run.size.y + cy) * run.size.x + cx)] = region + 1;
+      image.labels[run.size.index(cx, cy, cz)] = region + 1;
     }
   }
   formats::writeLabelImage(path.string(), image);

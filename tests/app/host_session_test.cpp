@@ -75,7 +75,7 @@ float meanWhere(const formats::MapSet& set, const formats::Map& map, bool (*want
   for (int z = 0; z < size.z; ++z)
     for (int y = 0; y < size.y; ++y)
       for (int x = 0; x < size.x; ++x)
-        if (wanted(x, z)) sum += map.values[static_cast<std::size_t>((z * size.y + y) * size.x + x)], ++count;
+        if (wanted(x, z)) sum += map.values[size.index(x, y, z)], ++count;
   return sum / static_cast<float>(count);
 }
 

@@ -92,7 +92,7 @@ TEST(VtcImport, WritesTheHeaderOfTheImageGrid) {
   EXPECT_EQ(header.tr, 1350);
   EXPECT_EQ(header.resolution, 1);
   EXPECT_EQ(header.xStart, 0);
-  EXPECT_EQ(gridOf(header), (VtcGrid{kX, kY, kZ}));
+  EXPECT_EQ(gridOf(header), (io::GridSize{kX, kY, kZ}));
   EXPECT_EQ(header.dataType, kVtcFloatData);
   EXPECT_STREQ(header.sourceFileName, "run.nii.gz");
   EXPECT_EQ(header.nrOfLinkedProtocols, 0);

@@ -64,7 +64,7 @@ class MapPictures : public testing::Test {
   render::SlicePicture expected(std::size_t index) const {
     const formats::Map& map = set_.maps[index];
     render::SlicePicture picture;
-    picture.dims = {4, 3, 2};
+    picture.size = {4, 3, 2};
     picture.affine = set_.affine.m;
     picture.anatomy = anatomy_;
     picture.map = map.values;

@@ -151,7 +151,7 @@ TEST(VtcHeader, RejectsANameThatNeverEnds) {
 TEST(VtcGeometry, OfAnOrdinaryHeaderIsUsable) {
   const VTC_Header header = usableHeader();
   EXPECT_TRUE(hasUsableGeometry(header));
-  EXPECT_EQ(gridOf(header), (VtcGrid{3, 3, 3}));
+  EXPECT_EQ(gridOf(header), (io::GridSize{3, 3, 3}));
   EXPECT_EQ(sliceValues(header), 90);
 }
 

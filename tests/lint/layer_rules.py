@@ -10,7 +10,7 @@ ARROWS = {
     "hostapi": set(),
     "tav": {"simo", "io", "tav/kernel"},
     "plugin": {"tav", "io", "hostapi"},
-    "render": set(),
+    "render": {"io"},
     "formats": {"io"},
     "host": {"hostapi", "formats"},
     "direction": {"simo"},

@@ -14,7 +14,7 @@ using Coordinates = std::vector<std::int32_t>;
 // 3 x 2 x 2 voxels of 2 mm; labels 0 to 3.
 LabelVolume atlas() {
   LabelVolume image;
-  image.grid.dims = {3, 2, 2};
+  image.grid.size = {3, 2, 2};
   image.grid.affine = formats::Affine{{2, 0, 0, -10, 0, 2, 0, 0, 0, 0, 2, 5, 0, 0, 0, 1}};
   image.labels = {0, 1, 1, 0, 2, 0, 3, 0, 0, 0, 0, 0};
   image.names = {{1, "V1"}, {2, "V2"}, {7, "absent"}};
@@ -85,7 +85,7 @@ TEST(Regions, ThePluginAveragesVoxelsOutsideTheMaskToo) {
 
 TEST(Regions, AnotherGridIsReadAtVoxelCentres) {
   Grid fine = atlas().grid;
-  fine.dims = {6, 4, 4};
+  fine.size = {6, 4, 4};
   fine.affine = formats::Affine{{1, 0, 0, -10.5, 0, 1, 0, -0.5, 0, 0, 1, 4.5, 0, 0, 0, 1}};
   const auto values = labelsOnGrid(atlas(), fine);
   EXPECT_EQ(values[fine.index({2, 0, 0})], 1);
@@ -150,7 +150,7 @@ TEST(Grid, GridsAreTheSameWhenTheirCornersMeet) {
   b.affine.at(0, 1) += 0.02, b.affine.at(0, 2) -= 0.02;  // y and z make up for one another
   EXPECT_FALSE(sameGrid(a, b));
   b = a;
-  b.dims[2] = 1;
+  b.size.z = 1;
   EXPECT_FALSE(sameGrid(a, b));
 }
 

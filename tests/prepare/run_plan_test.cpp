@@ -45,7 +45,7 @@ class RunPlanning : public ::testing::Test {
 
 TEST_F(RunPlanning, TakesGridAndTimesFromTheHeader) {
   const RunPlan p = plan();
-  EXPECT_EQ(p.grid.dims, small_study::kDims);
+  EXPECT_EQ(p.grid.size, (io::GridSize{small_study::kDims[0], small_study::kDims[1], small_study::kDims[2]}));
   EXPECT_EQ(p.volumes.volumes, 20);
   EXPECT_EQ(p.volumes.trSeconds, 2.0);
   EXPECT_EQ(p.volumes.kept, (std::vector<VolumeRange>{{1, 20}}));

@@ -13,7 +13,7 @@ namespace {
 // One slice of 8 x 8 voxels of 20 mm, stored with x to the left: each voxel is 26 pixels wide.
 SlicePicture onePanel() {
   SlicePicture picture;
-  picture.dims = {8, 8, 1};
+  picture.size = {8, 8, 1};
   picture.affine = {-20, 0, 0, 0, 0, 20, 0, 0, 0, 0, 20, 0, 0, 0, 0, 1};
   picture.anatomy.assign(64, 100.0F);
   picture.map.assign(64, 0.0F);
@@ -117,7 +117,7 @@ TEST(SlicePicture, WritesLOnThePatientsLeftAndROnTheRight) {
 // 256 voxels: 50, 54 of 200 and two of 2000, which the 99th percentile leaves out.
 TEST(SlicePicture, The99thPercentileOfTheAnatomyIsWhite) {
   SlicePicture picture = onePanel();
-  picture.dims = {8, 8, 4};
+  picture.size = {8, 8, 4};
   picture.anatomy.assign(256, 50.0F);
   std::fill_n(picture.anatomy.begin() + 64, 54, 200.0F);
   picture.anatomy[200] = picture.anatomy[201] = 2000.0F;
@@ -152,7 +152,7 @@ TEST(SlicePicture, DrawsVoxelsInTheirProportions) {
 
 TEST(SlicePicture, TheSixthSliceBeginsASecondRow) {
   SlicePicture picture = onePanel();
-  picture.dims = {8, 8, 6};
+  picture.size = {8, 8, 6};
   picture.anatomy.assign(384, 100.0F);
   picture.map.assign(384, 0.0F);
   picture.map[5 * 64 + 7 + 8 * 7] = 3;  // front left of the topmost slice

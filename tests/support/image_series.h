@@ -12,8 +12,7 @@ struct Series {
   formats::ImageHeader header;
   std::vector<float> values;  // volume by volume
   float& at(int x, int y, int z, int volume) {
-    const formats::GridSize& size = header.size;
-    return values[static_cast<std::size_t>(((volume * size.z + z) * size.y + y) * size.x + x)];
+    return values[static_cast<std::size_t>(volume) * header.size.voxels() + header.size.index(x, y, z)];
   }
 };
 

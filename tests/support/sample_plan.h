@@ -12,7 +12,7 @@ inline study::StudyPlan plan() {
   plan.request = sample_result::request();
   plan.version = "1.2.3";
   plan.runs = sample_result::runs();
-  for (study::RunPlan& run : plan.runs) run.grid.dims = {61, 73, 67};
+  for (study::RunPlan& run : plan.runs) run.grid.size = {61, 73, 67};
   plan.regions = {{"V1", {3, 4, 5, 6, 7, 8}, {}}, {"V2", {9, 10, 11}, {"note of V2"}}};
   plan.regionLabels = {"V1", "V2"};
   plan.seed = 7001;

@@ -43,7 +43,7 @@ std::vector<double> massesByMerging(const std::vector<MapPoint>& points, float l
 TEST(ClusterFinder, EqualsALiteralSearchOnRandomMaps) {
   std::mt19937 random(1);
   std::uniform_real_distribution<float> value(-3, 3);
-  ClusterFinder finder(5, 4, 3);
+  ClusterFinder finder({5, 4, 3});
   for (int round = 0; round < 300; ++round) {
     std::vector<MapPoint> points;
     for (std::uint32_t voxel = 0; voxel < 60; ++voxel) {
@@ -60,14 +60,14 @@ TEST(ClusterFinder, EqualsALiteralSearchOnRandomMaps) {
 }
 
 TEST(ClusterFinder, CornersTouchAndEdgesOfTheGridDoNot) {
-  ClusterFinder finder(3, 3, 3);
+  ClusterFinder finder({3, 3, 3});
   EXPECT_EQ(finder.find(std::vector<MapPoint>{{0, 2}, {13, 2}, {26, 2}}, 1).size(), 1U);
   EXPECT_EQ(finder.find(std::vector<MapPoint>{{2, 2}, {3, 2}}, 1).size(), 2U);  // end of a row, next row
   EXPECT_EQ(finder.find(std::vector<MapPoint>{{0, 2}, {1, -2}}, 1).size(), 2U);
 }
 
 TEST(ClusterFinder, LeavesNothingBehind) {
-  ClusterFinder finder(3, 3, 3);
+  ClusterFinder finder({3, 3, 3});
   const std::vector<MapPoint> points = {{4, 2}, {5, 3}};
   (void)finder.find(points, 1);
   EXPECT_TRUE(finder.find({}, 1).empty());
@@ -81,7 +81,7 @@ TEST(NullMaxima, TakesTheLargestOfAllPieces) {
   maxima.take(0, first, a);
   maxima.take(0, second, b);
   maxima.take(1, first, c);
-  ClusterFinder finder(4, 1, 1);
+  ClusterFinder finder({4, 1, 1});
   maxima.findClusters(finder);
   EXPECT_EQ(maxima.magnitudes(), (std::vector<float>{0.5F, 2}));
   EXPECT_EQ(maxima.masses(), (std::vector<double>{0, 0.5}));  // -2 and 1.75 do not join
@@ -92,7 +92,7 @@ TEST(NullMaxima, NotFiniteValuesTakeNoPart) {
   const std::vector<std::uint32_t> voxels = {0, 1, 2};
   const float values[] = {NAN, std::numeric_limits<float>::infinity(), 0.75F};
   maxima.take(0, voxels, values);
-  ClusterFinder finder(3, 1, 1);
+  ClusterFinder finder({3, 1, 1});
   maxima.findClusters(finder);
   EXPECT_EQ(maxima.magnitudes()[0], 0.75F);
   EXPECT_EQ(maxima.masses()[0], 0);

@@ -1,4 +1,6 @@
 // tavmap bids: a BIDS App.
+#include <fmt/core.h>
+
 #include <iostream>
 #include <memory>
 
@@ -63,7 +65,7 @@ int group(const BidsArguments& arguments) {
   const study::GroupResult result = study::readGroup(arguments.outDir, arguments.options.query);
   for (const std::string& failure : result.failures) std::cerr << "tavmap: " << failure << "\n";
   if (result.records.empty()) {
-    throw study::RunError("no record could be read; " + std::string(study::kGroupTable) + " is not written");
+    throw study::RunError(fmt::format("no record could be read; {} is not written", study::kGroupTable));
   }
   const std::size_t rows = study::writeGroupTable(result, arguments.outDir);
   study::explainOutputFolder(arguments.outDir);

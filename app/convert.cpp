@@ -1,4 +1,6 @@
 // tavmap convert: NIfTI time series to VTC and back.
+#include <fmt/core.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -43,17 +45,18 @@ void toNifti(const ConvertOptions& options) {
   formats::exportVtc(options.in, options.out);
   if (options.quiet) return;
   std::cout << options.out << ": written"
-            << (hasSidecar ? ""
-                           : " (there is no " + formats::sidecarPathOf(options.in) +
-                                 ", so its voxels are taken to lie in Talairach space)")
+            << (hasSidecar
+                    ? ""
+                    : fmt::format(" (there is no {}, so its voxels are taken to lie in Talairach space)",
+                                  formats::sidecarPathOf(options.in)))
             << '\n';
 }
 
 void convert(const ConvertOptions& options) {
   if (formats::isNiftiName(options.in) && formats::isVtcName(options.out)) return toVtc(options);
   if (formats::isVtcName(options.in) && formats::isNiftiName(options.out)) return toNifti(options);
-  throw UsageError("convert needs one .vtc and one .nii or .nii.gz file, not " + options.in + " and " +
-                   options.out);
+  throw UsageError(fmt::format("convert needs one .vtc and one .nii or .nii.gz file, not {} and {}",
+                               options.in, options.out));
 }
 
 constexpr const char* kExamples = R"(

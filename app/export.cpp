@@ -1,4 +1,6 @@
 // tavmap export: the maps of a .tav file as single images with sidecars.
+#include <fmt/core.h>
+
 #include <cmath>
 #include <filesystem>
 #include <iostream>
@@ -42,7 +44,7 @@ std::string fileNamePart(const std::string& text) {
 
 std::string freeName(const std::string& stem, std::set<std::string>& taken) {
   std::string name = stem;
-  for (int n = 2; !taken.insert(name).second; ++n) name = stem + "-" + std::to_string(n);
+  for (int n = 2; !taken.insert(name).second; ++n) name = fmt::format("{}-{}", stem, n);
   return name;
 }
 
@@ -81,7 +83,7 @@ void makeFolder(const std::string& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
   if (error) {
-    throw formats::FileError(folder, "cannot make the folder (" + error.message() + ")",
+    throw formats::FileError(folder, fmt::format("cannot make the folder ({})", error.message()),
                              "Choose a folder that you may write to", formats::Fault::kSystem);
   }
 }
@@ -92,7 +94,7 @@ void exportMaps(const ExportOptions& options) {
   std::set<std::string> taken;
   const std::string prefix = fs::path(options.in).stem().string();
   for (const auto& map : set.maps) {
-    const std::string name = freeName(prefix + "_" + fileNamePart(map.name), taken);
+    const std::string name = freeName(fmt::format("{}_{}", prefix, fileNamePart(map.name)), taken);
     const std::string stem = (fs::path(options.folder) / name).string();
     formats::writeImage(stem + ".nii.gz", imageOf(set, map));
     formats::writeTextFile(stem + ".json", sidecarText(options.in, set, map));

@@ -1,4 +1,5 @@
 // tavmap host: one run of a plug-in under the stand-in host.
+#include <fmt/core.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -44,7 +45,8 @@ std::unique_ptr<host::FrontEnd> makeFrontEnd(const Arguments& arguments) {
 
 int runHost(Arguments& arguments) {
   const std::optional<host::HostVersion> version = host::parseVersion(arguments.version);
-  if (!version) throw UsageError("--host-version " + arguments.version + ": a version looks like 2.1.0");
+  if (!version)
+    throw UsageError(fmt::format("--host-version {}: a version looks like 2.1.0", arguments.version));
   arguments.session.version = *version;
   try {
     const std::unique_ptr<host::FrontEnd> frontEnd = makeFrontEnd(arguments);

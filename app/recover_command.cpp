@@ -1,4 +1,6 @@
 // tavmap recover: recovered against planted influence, for simulated data.
+#include <fmt/core.h>
+
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -69,14 +71,16 @@ void recover(const Arguments& arguments) {
   try {
     recoveries = assessAll(arguments);
   } catch (const std::invalid_argument& error) {
-    throw UsageError(arguments.maps + ": " + error.what() +
-                     ". Give the maps of this data set, a condition and a q that they have.");
+    throw UsageError(
+        fmt::format("{}: {}. Give the maps of this data set, a condition and a q that they have.",
+                    arguments.maps, error.what()));
   }
   print(recoveries, arguments);
   std::cout.flush();
   for (const simulation::ConditionRecovery& recovery : recoveries)
     if (!recovery.recovered())
-      throw std::runtime_error("condition \"" + recovery.condition + "\" does not show what was planted");
+      throw std::runtime_error(
+          fmt::format("condition \"{}\" does not show what was planted", recovery.condition));
 }
 
 }  // namespace

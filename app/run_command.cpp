@@ -1,4 +1,6 @@
 // tavmap run: compute the maps of a request.
+#include <fmt/core.h>
+
 #include <iostream>
 #include <memory>
 
@@ -30,13 +32,11 @@ int run(const RunArguments& arguments) {
 }
 
 std::string footer() {
-  return std::string("Methods, chosen with 'method' in [settings]:\n  ") +
-         study::methodDescription(study::Method::kCalibrated) + "\n  " +
-         study::methodDescription(study::Method::kPlugin) +
-         "\n\nExamples:\n"
-         "  tavmap run --example > study.toml\n"
-         "  tavmap run study.toml --jobs 4 --seed 1\n"
-         "Exit codes: 0 done, 1 failed, 2 wrong usage or input, 130 interrupted.";
+  return fmt::format(
+      "Methods, chosen with 'method' in [settings]:\n  {}\n  {}\n\nExamples:\n  tavmap run --example > "
+      "study.toml\n  tavmap run study.toml --jobs 4 --seed 1\nExit codes: 0 done, 1 failed, 2 wrong usage or "
+      "input, 130 interrupted.",
+      study::methodDescription(study::Method::kCalibrated), study::methodDescription(study::Method::kPlugin));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 #ifndef TAVMAP_BIDS_BIDS_FILTER_H
 #define TAVMAP_BIDS_BIDS_FILTER_H
 
+#include <fmt/core.h>
+
 #include <set>
 #include <string>
 #include <string_view>
@@ -45,8 +47,8 @@ void filterBy(std::string_view key, const std::string& kind, const std::string& 
       any = true;
     }
     if (!any) {
-      throw InputError("no " + kind + " of " + what + " '" + label + "'" +
-                       suggestion(label, {known.begin(), known.end()}));
+      throw InputError(fmt::format("no {} of {} '{}'{}", kind, what, label,
+                                   suggestion(label, {known.begin(), known.end()})));
     }
   }
   std::vector<Item> kept;

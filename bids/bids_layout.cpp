@@ -1,5 +1,7 @@
 #include "bids/bids_layout.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -108,11 +110,12 @@ void chooseSpace(const std::string& wanted, std::vector<BidsRun>& runs) {
   if (wanted.empty()) {
     std::string list;
     for (const std::string& space : known) list += (list.empty() ? "" : ", ") + space;
-    throw InputError("preprocessed runs exist in several spaces (" + list + "); choose one with --space");
+    throw InputError(
+        fmt::format("preprocessed runs exist in several spaces ({}); choose one with --space", list));
   }
   std::erase_if(runs, [&](const BidsRun& run) { return !isInSpace(run.name, wanted); });
   if (runs.empty())
-    throw InputError("no preprocessed run in space '" + wanted + "'" + suggestion(wanted, known));
+    throw InputError(fmt::format("no preprocessed run in space '{}'{}", wanted, suggestion(wanted, known)));
   std::set<std::string> left;
   for (const BidsRun& run : runs) left.insert(spaceOf(run.name));
   if (left.size() > 1) chooseSpace("", runs);  // complains, with the resolutions
@@ -143,8 +146,9 @@ std::vector<BidsRun> collectRuns(const fs::path& bidsDir, const std::vector<fs::
     }
   }
   if (runs.empty()) {
-    throw InputError("no preprocessed run (*_desc-preproc_bold.nii.gz) in " + bidsDir.string() +
-                     (derivatives.empty() ? "; name the folder with --derivatives" : " or its derivatives"));
+    throw InputError(
+        fmt::format("no preprocessed run (*_desc-preproc_bold.nii.gz) in {}{}", bidsDir.string(),
+                    derivatives.empty() ? "; name the folder with --derivatives" : " or its derivatives"));
   }
   return runs;
 }
@@ -203,7 +207,7 @@ std::filesystem::path BidsGroup::folder() const {
 std::vector<BidsGroup> findBidsGroups(const fs::path& bidsDir, const std::vector<fs::path>& derivatives,
                                       const BidsQuery& query) {
   if (!fs::is_directory(bidsDir))
-    throw InputError("no folder " + bidsDir.string() + "; give the BIDS data set");
+    throw InputError(fmt::format("no folder {}; give the BIDS data set", bidsDir.string()));
   std::vector<BidsRun> runs = collectRuns(bidsDir, derivatives);
   filterBy("sub", kKind, "participant", query.participants, runs);
   filterBy("ses", kKind, "session", query.sessions, runs);
@@ -240,7 +244,7 @@ std::map<std::string, std::string> readBidsFilter(const fs::path& file) {
     else if (value.is_number_integer())
       entities[entity] = std::to_string(value.get<int>());
     else
-      throw InputError(file.string() + ": '" + key + "' must be a text or a whole number");
+      throw InputError(fmt::format("{}: '{}' must be a text or a whole number", file.string(), key));
   }
   return entities;
 }

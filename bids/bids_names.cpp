@@ -1,5 +1,7 @@
 #include "bids/bids_names.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -80,7 +82,8 @@ std::string formatEntities(const BidsName& name) {
   std::stable_sort(ordered.begin(), ordered.end(),
                    [](const auto& a, const auto& b) { return rankOf(a.first) < rankOf(b.first); });
   std::string text;
-  for (const auto& [key, value] : ordered) text += (text.empty() ? "" : "_") + key + "-" + value;
+  for (const auto& [key, value] : ordered)
+    text += fmt::format("{}{}-{}", text.empty() ? "" : "_", key, value);
   return text;
 }
 

@@ -1,5 +1,7 @@
 #include "bids/bids_study.h"
 
+#include <fmt/core.h>
+
 #include "request/problem.h"
 
 namespace study {
@@ -9,7 +11,7 @@ std::vector<ReferenceRequest> references(const BidsOptions& options) {
   std::vector<ReferenceRequest> list = options.configuration.references;
   if (!options.atlas.empty()) {
     if (!std::filesystem::is_regular_file(options.atlas)) {
-      throw InputError("no atlas " + options.atlas.string() + "; --atlas names a label image");
+      throw InputError(fmt::format("no atlas {}; --atlas names a label image", options.atlas.string()));
     }
     ReferenceRequest atlas;
     atlas.image = options.atlas;
@@ -85,8 +87,8 @@ void makeNamesUnique(const BidsGroup& group, std::vector<RunRequest>& runs) {
 void requireEvents(const std::vector<ConditionRequest>& conditions, const RunRequest& run) {
   for (const ConditionRequest& condition : conditions) {
     if (condition.kind == IntervalKind::kEvents && run.events.empty()) {
-      throw InputError(run.bold.string() + ": no events file in the data set, which condition '" +
-                       condition.name + "' needs");
+      throw InputError(fmt::format("{}: no events file in the data set, which condition '{}' needs",
+                                   run.bold.string(), condition.name));
     }
   }
 }

@@ -2,6 +2,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(CLI11 REQUIRED)
+find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(tomlplusplus REQUIRED)
 pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)

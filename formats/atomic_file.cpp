@@ -1,6 +1,7 @@
 #include "formats/atomic_file.h"
 
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -33,8 +34,7 @@ std::string folderOf(const std::string& path) {
 std::string nextTemporaryName(const std::string& path) {
   static unsigned counter = 0;
   const std::filesystem::path whole(path);
-  const std::string name = "." + whole.filename().string() + "." + std::to_string(::getpid()) + "-" +
-                           std::to_string(++counter) + ".part";
+  const std::string name = fmt::format(".{}.{}-{}.part", whole.filename().string(), ::getpid(), ++counter);
   return (whole.parent_path() / name).string();
 }
 
@@ -212,7 +212,7 @@ void AtomicFile::discard() noexcept {
 void AtomicFile::fail(const char* doing) {
   const int error = errno;
   discard();
-  throw FileError(path_, std::string("cannot ") + doing + " the file (" + std::strerror(error) + ")",
+  throw FileError(path_, fmt::format("cannot {} the file ({})", doing, std::strerror(error)),
                   remedyFor(error), Fault::kSystem);
 }
 

@@ -1,6 +1,7 @@
 #include "formats/byte_source.h"
 
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,7 +20,7 @@ class PlainFile : public ByteSource {
  public:
   explicit PlainFile(const std::string& path) : path_(path), fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
     if (fd_ < 0) {
-      throw FileError(path, std::string("cannot open the file (") + std::strerror(errno) + ")",
+      throw FileError(path, fmt::format("cannot open the file ({})", std::strerror(errno)),
                       "Check the path and its permissions");
     }
   }
@@ -53,8 +54,8 @@ class PlainFile : public ByteSource {
 
  private:
   [[noreturn]] void failReading() const {
-    throw FileError(path_, std::string("cannot read the file (") + std::strerror(errno) + ")",
-                    "Check the disk", Fault::kSystem);
+    throw FileError(path_, fmt::format("cannot read the file ({})", std::strerror(errno)), "Check the disk",
+                    Fault::kSystem);
   }
 
   std::string path_;

@@ -1,6 +1,7 @@
 #include "formats/claimed_folder.h"
 
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -48,7 +49,7 @@ void removeClaimed(const fs::path& folder) noexcept {
 }
 
 [[noreturn]] void failMaking(const fs::path& folder, const std::string& why) {
-  throw FileError(folder.string(), "cannot make the folder (" + why + ")",
+  throw FileError(folder.string(), fmt::format("cannot make the folder ({})", why),
                   "Check the disk and that you may write there", Fault::kSystem);
 }
 
@@ -113,7 +114,7 @@ ClaimedFolder::~ClaimedFolder() {
 }
 
 ClaimedFolder ClaimedFolder::anew(const fs::path& parent, const std::string& name) {
-  const std::string begin = kBegin + name + "-" + std::to_string(::getpid());
+  const std::string begin = fmt::format("{}{}-{}", kBegin, name, ::getpid());
   for (int number = 1;; ++number) {
     const fs::path path = parent / (begin + (number > 1 ? "-" + std::to_string(number) : ""));
     Claim claimed = claim(path);

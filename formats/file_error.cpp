@@ -1,11 +1,13 @@
 #include "formats/file_error.h"
 
+#include <fmt/core.h>
+
 #include <utility>
 
 namespace formats {
 
 FileError::FileError(std::string path, std::string reason, std::string remedy, Fault fault)
-    : std::runtime_error(path + ": " + reason + ". " + remedy + "."),
+    : std::runtime_error(fmt::format("{}: {}. {}.", path, reason, remedy)),
       path_(std::move(path)),
       reason_(std::move(reason)),
       remedy_(std::move(remedy)),

@@ -1,5 +1,7 @@
 #include "formats/image.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -45,13 +47,15 @@ void requireSameGrid(const ImageHeader& a, const std::string& pathA, const Image
                      const std::string& pathB) {
   if (a.size != b.size) {
     throw FileError(
-        pathB, "its grid of " + toText(b.size) + " voxels is not that of " + pathA + ", " + toText(a.size),
+        pathB,
+        fmt::format("its grid of {} voxels is not that of {}, {}", toText(b.size), pathA, toText(a.size)),
         "Resample one of them to the grid of the other");
   }
   const Point voxel = voxelSize(a.affine);
   const double allowed = kCornerTolerance * std::min({voxel[0], voxel[1], voxel[2]});
   if (!(largestCornerShift(a.affine, b.affine, a.size) <= allowed)) {
-    throw FileError(pathB, "its voxels do not lie where those of " + pathA + " lie (the affines differ)",
+    throw FileError(pathB,
+                    fmt::format("its voxels do not lie where those of {} lie (the affines differ)", pathA),
                     "Resample one of them to the grid of the other");
   }
 }

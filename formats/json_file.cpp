@@ -1,5 +1,7 @@
 #include "formats/json_file.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -55,13 +57,12 @@ Json parseJson(const std::string& text, const std::string& path) {
 JsonPlace JsonPlace::member(const char* key) const {
   if (!value_->is_object()) fail("an object is expected", "Write { ... } there");
   const auto found = value_->find(key);
-  if (found == value_->end())
-    fail(std::string("\"") + key + "\" is missing", std::string("Add \"") + key + "\"");
-  return {*found, path_, where_.empty() ? key : where_ + "." + key};
+  if (found == value_->end()) fail(fmt::format("\"{}\" is missing", key), fmt::format("Add \"{}\"", key));
+  return {*found, path_, where_.empty() ? key : fmt::format("{}.{}", where_, key)};
 }
 
 JsonPlace JsonPlace::element(std::size_t index) const {
-  return {(*value_)[index], path_, where_ + "[" + std::to_string(index) + "]"};
+  return {(*value_)[index], path_, fmt::format("{}[{}]", where_, index)};
 }
 
 std::size_t JsonPlace::elements() const {
@@ -100,7 +101,7 @@ void JsonPlace::allowOnly(std::initializer_list<const char*> keys) const {
     if (known) continue;
     std::string list;
     for (const char* key : keys) list += (list.empty() ? "" : ", ") + std::string(key);
-    fail("\"" + item.key() + "\" is not known here", "Use only: " + list);
+    fail(fmt::format("\"{}\" is not known here", item.key()), "Use only: " + list);
   }
 }
 

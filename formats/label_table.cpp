@@ -1,5 +1,7 @@
 #include "formats/label_table.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -20,7 +22,7 @@ std::optional<std::uint32_t> parseColor(const Table& table, std::size_t row, std
   const char* last = text.data() + text.size();
   const auto [end, error] = std::from_chars(first, last, color, 16);
   if (error != std::errc() || end != last || last - first != 6) {
-    table.fail(row, "\"" + text + "\" is no color", "Write six hexadecimal digits, such as #ff8800");
+    table.fail(row, fmt::format("\"{}\" is no color", text), "Write six hexadecimal digits, such as #ff8800");
   }
   return color;
 }
@@ -53,7 +55,7 @@ LabelTable readLabelTable(const std::string& path) {
   for (std::size_t row = 0; row < table.rows(); ++row) {
     Label label{table.integer(row, index), table.cell(row, name), std::nullopt};
     if (!seen.insert(label.index).second) {
-      table.fail(row, "the index " + std::to_string(label.index) + " comes twice",
+      table.fail(row, fmt::format("the index {} comes twice", label.index),
                  "Give every region its own index");
     }
     if (label.name.empty()) table.fail(row, "a region has no name", "Name it");
@@ -69,7 +71,7 @@ void writeLabelTable(const std::string& path, const LabelTable& table) {
     char color[16] = "n/a";
     if (label.color)
       std::snprintf(color, sizeof color, "#%06x", static_cast<unsigned>(*label.color & 0xFFFFFFU));
-    text += std::to_string(label.index) + "\t" + tsvCell(label.name) + "\t" + color + "\n";
+    text += fmt::format("{}\t{}\t{}\n", label.index, tsvCell(label.name), color);
   }
   writeTextFile(path, text);
 }

@@ -1,5 +1,7 @@
 #include "formats/map_set.h"
 
+#include <fmt/core.h>
+
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -30,7 +32,8 @@ void requireConsistent(const std::string& path, const MapSet& set, const Values&
     const Map& map = set.maps[i];
     const bool fits = i < values.size() && values[i].size() == voxels;
     if (!fits || map.thresholds.size() != set.thresholdNames.size())
-      throw FileError(path, "the map \"" + map.name + "\" does not fit its map set", "Compute it again");
+      throw FileError(path, fmt::format("the map \"{}\" does not fit its map set", map.name),
+                      "Compute it again");
   }
 }
 

@@ -1,5 +1,7 @@
 #include "formats/nifti.h"
 
+#include <fmt/core.h>
+
 #include <cmath>
 #include <limits>
 
@@ -11,8 +13,7 @@ namespace {
 
 void requireOneVolume(const ImageHeader& header, const std::string& path) {
   if (header.volumes == 1) return;
-  throw FileError(path,
-                  "it is a series of " + std::to_string(header.volumes) + " volumes where one is expected",
+  throw FileError(path, fmt::format("it is a series of {} volumes where one is expected", header.volumes),
                   "Give an image of one volume");
 }
 

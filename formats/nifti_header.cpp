@@ -1,5 +1,6 @@
 #include "formats/nifti_header.h"
 
+#include <fmt/core.h>
 #include <nifti2_io.h>
 
 #include <algorithm>
@@ -44,7 +45,7 @@ std::string unsupportedTypeText(int code) {
     case 1:
       return "it holds single bits";
     default:
-      return "its data type code " + std::to_string(code) + " is unknown";
+      return fmt::format("its data type code {} is unknown", code);
   }
 }
 
@@ -55,8 +56,8 @@ void readDataType(const Header& raw, const std::string& path, ImageHeader& heade
     fail(path, unsupportedTypeText(raw.datatype), "Convert it to real numbers, for instance 32-bit floats");
   }
   if (raw.bitpix != static_cast<int>(8 * bytesOf(header.dataType))) {
-    fail(path, "its header gives " + std::to_string(raw.bitpix) + " bits for a value of type " +
-                   nameOf(header.dataType));
+    fail(path,
+         fmt::format("its header gives {} bits for a value of type {}", raw.bitpix, nameOf(header.dataType)));
   }
 }
 
@@ -65,8 +66,7 @@ int extentOf(const Header& raw, int dimension, const std::string& path) {
   if (dimension > raw.dim[0]) return 1;
   const auto extent = static_cast<std::int64_t>(raw.dim[dimension]);
   if (extent < 1 || extent > std::numeric_limits<std::int32_t>::max()) {
-    fail(path, "its header gives " + std::to_string(extent) + " as extent of dimension " +
-                   std::to_string(dimension));
+    fail(path, fmt::format("its header gives {} as extent of dimension {}", extent, dimension));
   }
   return static_cast<int>(extent);
 }
@@ -74,14 +74,14 @@ int extentOf(const Header& raw, int dimension, const std::string& path) {
 template <typename Header>
 void readExtents(const Header& raw, const std::string& path, ImageHeader& header) {
   if (raw.dim[0] < 1 || raw.dim[0] > 7) {
-    fail(path, "its header gives " + std::to_string(raw.dim[0]) + " as number of dimensions");
+    fail(path, fmt::format("its header gives {} as number of dimensions", raw.dim[0]));
   }
   header.size = {extentOf(raw, 1, path), extentOf(raw, 2, path), extentOf(raw, 3, path)};
   header.volumes = extentOf(raw, 4, path);
   header.series = raw.dim[0] >= 4;
   for (int dimension = 5; dimension <= 7; ++dimension) {
     if (extentOf(raw, dimension, path) != 1) {
-      fail(path, "it has " + std::to_string(raw.dim[0]) + " dimensions, only three and time are understood",
+      fail(path, fmt::format("it has {} dimensions, only three and time are understood", raw.dim[0]),
            "Split it into images of three or four dimensions");
     }
   }

@@ -1,5 +1,7 @@
 #include "formats/nifti_stream.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -49,11 +51,11 @@ void NiftiStream::requireEnoughData() const {
   const std::uint64_t needed = layout_.dataOffset + layout_.dataBytes;
   const bool enough = kind.gzip ? needed / kLargestGzipRatio <= kind.bytes : needed <= kind.bytes;
   if (!enough) {
-    throw FileError(path_,
-                    "the file is too short for the " + toText(header().size) + " x " +
-                        std::to_string(header().volumes) + " values of type " + nameOf(header().dataType) +
-                        " that its header describes",
-                    "Get the file again from its source");
+    throw FileError(
+        path_,
+        fmt::format("the file is too short for the {} x {} values of type {} that its header describes",
+                    toText(header().size), header().volumes, nameOf(header().dataType)),
+        "Get the file again from its source");
   }
 }
 

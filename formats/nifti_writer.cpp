@@ -1,5 +1,7 @@
 #include "formats/nifti_writer.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -22,8 +24,8 @@ ImageHeader checked(ImageHeader header, const std::string& path) {
   for (const int extent : {header.size.x, header.size.y, header.size.z, header.volumes}) {
     if (extent < 1 || extent > std::numeric_limits<std::int16_t>::max()) {
       throw FileError(path,
-                      "an image of " + toText(header.size) + " x " + std::to_string(header.volumes) +
-                          " values does not fit a NIfTI-1 header",
+                      fmt::format("an image of {} x {} values does not fit a NIfTI-1 header",
+                                  toText(header.size), header.volumes),
                       "Write smaller images, 32,767 along an axis at most");
     }
   }

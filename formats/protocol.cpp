@@ -1,5 +1,7 @@
 #include "formats/protocol.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -101,9 +103,9 @@ std::string seconds(std::int32_t ms) {
 std::string lineOf(const Protocol& protocol, const ProtocolCondition& condition, const Interval& interval) {
   const std::string name = tsvCell(condition.name);
   if (protocol.unit == TimeUnit::kVolumes) {
-    return name + "\t" + std::to_string(interval.start) + "\t" + std::to_string(interval.end) + "\n";
+    return fmt::format("{}\t{}\t{}\n", name, interval.start, interval.end);
   }
-  return seconds(interval.start) + "\t" + seconds(interval.end - interval.start) + "\t" + name + "\n";
+  return fmt::format("{}\t{}\t{}\n", seconds(interval.start), seconds(interval.end - interval.start), name);
 }
 
 }  // namespace

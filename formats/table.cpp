@@ -1,5 +1,7 @@
 #include "formats/table.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -85,8 +87,7 @@ class Table::Parser {
       cell += text_[at_];
       if (doubled) ++at_;
     }
-    throw FileError(path_, "line " + std::to_string(openedAt) + ": a quotation mark is not closed",
-                    "Close it");
+    throw FileError(path_, fmt::format("line {}: a quotation mark is not closed", openedAt), "Close it");
   }
 
   // Text between a closing quote and the separator belongs to no cell.
@@ -143,10 +144,9 @@ Table Table::parse(std::string_view text, const std::string& path) {
     table.rows_.push_back(std::move(*row));
     const std::size_t cells = table.rows_.back().cells.size();
     if (cells != table.columns_.size()) {
-      table.fail(
-          table.rows_.size() - 1,
-          std::to_string(cells) + " cells under " + std::to_string(table.columns_.size()) + " column names",
-          "Give every column a value, n/a where there is none");
+      table.fail(table.rows_.size() - 1,
+                 fmt::format("{} cells under {} column names", cells, table.columns_.size()),
+                 "Give every column a value, n/a where there is none");
     }
   }
   return table;
@@ -163,7 +163,7 @@ std::size_t Table::require(std::string_view name) const {
   if (const auto column = find(name)) return *column;
   std::string present;
   for (const auto& column : columns_) present += (present.empty() ? "" : ", ") + column;
-  throw FileError(path_, "there is no column \"" + std::string(name) + "\" among: " + present,
+  throw FileError(path_, fmt::format("there is no column \"{}\" among: {}", name, present),
                   "Name the columns in the first line");
 }
 
@@ -173,7 +173,7 @@ std::optional<double> Table::number(std::size_t row, std::size_t column) const {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(value)) {
-    fail(row, "\"" + text + "\" under " + columns_[column] + " is no number", "Write a number, or n/a");
+    fail(row, fmt::format("\"{}\" under {} is no number", text, columns_[column]), "Write a number, or n/a");
   }
   return value;
 }
@@ -182,14 +182,14 @@ std::int32_t Table::integer(std::size_t row, std::size_t column) const {
   const auto value = number(row, column);
   constexpr double kLargest = std::numeric_limits<std::int32_t>::max();
   if (!value || *value != std::nearbyint(*value) || std::abs(*value) > kLargest) {
-    fail(row, "\"" + cell(row, column) + "\" under " + columns_[column] + " is no whole number",
+    fail(row, fmt::format("\"{}\" under {} is no whole number", cell(row, column), columns_[column]),
          "Write a whole number");
   }
   return static_cast<std::int32_t>(*value);
 }
 
 void Table::fail(std::size_t row, const std::string& reason, const std::string& remedy) const {
-  throw FileError(path_, "line " + std::to_string(rows_[row].line) + ": " + reason, remedy);
+  throw FileError(path_, fmt::format("line {}: {}", rows_[row].line, reason), remedy);
 }
 
 bool isMissing(std::string_view cell) {

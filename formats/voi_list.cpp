@@ -1,5 +1,7 @@
 #include "formats/voi_list.h"
 
+#include <fmt/core.h>
+
 #include <map>
 #include <set>
 #include <utility>
@@ -27,8 +29,7 @@ Voi voiOf(const JsonPlace& place) {
 }
 
 std::string voxelText(const VoxelIndex& voxel) {
-  return "[" + std::to_string(voxel[0]) + ", " + std::to_string(voxel[1]) + ", " + std::to_string(voxel[2]) +
-         "]";
+  return fmt::format("[{}, {}, {}]", voxel[0], voxel[1], voxel[2]);
 }
 
 // Voxel indices by label, in file order; background left out.
@@ -67,10 +68,10 @@ VoiList parseVoiJson(const std::string& text, const std::string& path) {
 // One voxel per line, for people who compare lists.
 void writeVoiJson(const std::string& path, const VoiList& list) {
   std::string text =
-      std::string("{\n  \"talairach\": ") + (list.talairach ? "true" : "false") + ",\n  \"vois\": [";
+      fmt::format("{{\n  \"talairach\": {},\n  \"vois\": [", list.talairach ? "true" : "false");
   for (std::size_t v = 0; v < list.vois.size(); ++v) {
-    text += (v == 0 ? "\n" : ",\n") + std::string("    {\"name\": ") +
-            Json(list.vois[v].name).dump(-1, ' ', false, Json::error_handler_t::replace) + ", \"voxels\": [";
+    text += fmt::format("{}    {{\"name\": {}, \"voxels\": [", v == 0 ? "\n" : ",\n",
+                        Json(list.vois[v].name).dump(-1, ' ', false, Json::error_handler_t::replace));
     for (std::size_t i = 0; i < list.vois[v].voxels.size(); ++i) {
       text += (i == 0 ? "\n      " : ",\n      ") + voxelText(list.vois[v].voxels[i]);
     }

@@ -1,5 +1,7 @@
 #include "formats/vtc_import.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -27,9 +29,9 @@ double chooseTr(const ImageHeader& header, const ImportOptions& options, const s
     throw FileError(path, "its header gives no repetition time", "Give it in milliseconds with --tr");
   }
   if (header.trMs < kLeastTrMs || header.trMs > kLargestTrMs) {
-    throw FileError(
-        path, "its header gives an implausible repetition time of " + std::to_string(header.trMs) + " ms",
-        "Give the right one in milliseconds with --tr");
+    throw FileError(path,
+                    fmt::format("its header gives an implausible repetition time of {} ms", header.trMs),
+                    "Give the right one in milliseconds with --tr");
   }
   return header.trMs;
 }
@@ -37,10 +39,9 @@ double chooseTr(const ImageHeader& header, const ImportOptions& options, const s
 int volumesToTake(const ImageHeader& header, const ImportOptions& options, const std::string& path) {
   const int volumes = header.volumes - options.skipVolumes;
   if (volumes >= 2) return volumes;
-  throw FileError(path,
-                  "it has " + std::to_string(header.volumes) + " volumes, of which " +
-                      std::to_string(std::max(volumes, 0)) + " would be used",
-                  "Give a series of at least two volumes");
+  throw FileError(
+      path, fmt::format("it has {} volumes, of which {} would be used", header.volumes, std::max(volumes, 0)),
+      "Give a series of at least two volumes");
 }
 
 MaskFlags readMask(const std::string& maskPath, const ImageHeader& image, const std::string& imagePath) {

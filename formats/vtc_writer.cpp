@@ -1,5 +1,7 @@
 #include "formats/vtc_writer.h"
 
+#include <fmt/core.h>
+
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -64,8 +66,7 @@ VTC_Header nativeVtcHeader(const std::string& path, const GridSize& size, int vo
   header.spaceCode = kNativeSpace;
   const bool fits = fitsInt16(volumes) && fitsInt16(size.x) && fitsInt16(size.y) && fitsInt16(size.z);
   if (!fits || !hasUsableGeometry(header)) {
-    throw FileError(path,
-                    "a VTC cannot hold " + toText(size) + " voxels x " + std::to_string(volumes) + " volumes",
+    throw FileError(path, fmt::format("a VTC cannot hold {} voxels x {} volumes", toText(size), volumes),
                     "Crop the image or split the run");
   }
   return header;

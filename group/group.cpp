@@ -1,5 +1,7 @@
 #include "group/group.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <limits>
 #include <tuple>
@@ -40,14 +42,14 @@ Record readSorted(const fs::path& file) {
 
 void readRecord(const RecordFile& file, const fs::path& outDir, GroupResult& group, SettingsSeen& settings) {
   const std::string remedy =
-      "; left out, run the participant level of 'sub-" + file.name.get("sub") + "' again";
+      fmt::format("; left out, run the participant level of 'sub-{}' again", file.name.get("sub"));
   try {
     Record record = readSorted(file.path);
     settings.add(record);
     group.records.push_back(
         {file.name, file.path.lexically_relative(outDir).generic_string(), std::move(record)});
   } catch (const formats::FileError& error) {
-    group.failures.push_back(file.path.string() + ": " + error.reason() + remedy);
+    group.failures.push_back(fmt::format("{}: {}{}", file.path.string(), error.reason(), remedy));
   }
 }
 
@@ -69,8 +71,9 @@ std::vector<fs::path> recordFilesBelow(const fs::path& folder) {
       }
     }
   } catch (const fs::filesystem_error& error) {
-    throw InputError(error.path1().string() + ": cannot be searched for records (" + error.code().message() +
-                     "); check the folder and its permissions");
+    throw InputError(
+        fmt::format("{}: cannot be searched for records ({}); check the folder and its permissions",
+                    error.path1().string(), error.code().message()));
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -88,8 +91,10 @@ std::vector<RecordFile> recordsOfParticipants(const fs::path& outDir, std::vecto
       cautions.push_back(file.string() + " names no participant (sub-LABEL_...) and is left out");
   }
   if (records.empty()) {
-    throw InputError("no record of a participant (sub-*_tavmap.json) below " + outDir.string() +
-                     "; run the participant level into this folder first");
+    throw InputError(
+        fmt::format("no record of a participant (sub-*_tavmap.json) below {}; run the participant level into "
+                    "this folder first",
+                    outDir.string()));
   }
   return records;
 }
@@ -103,8 +108,8 @@ void choose(const BidsQuery& query, std::vector<RecordFile>& records) {
   for (const RecordFile& record : records) known.insert(spaceOf(record.name));
   std::erase_if(records, [&](const RecordFile& record) { return !isInSpace(record.name, query.space); });
   if (records.empty()) {
-    throw InputError("no record in space '" + query.space + "'" +
-                     suggestion(query.space, {known.begin(), known.end()}));
+    throw InputError(fmt::format("no record in space '{}'{}", query.space,
+                                 suggestion(query.space, {known.begin(), known.end()})));
   }
 }
 
@@ -119,9 +124,9 @@ void tellRepeated(const std::vector<GroupRecord>& records, std::vector<std::stri
   const auto first = std::adjacent_find(records.begin(), records.end(), same);
   if (first == records.end()) return;
   cautions.push_back(
-      "several records of one participant, session, task and reference, such as " + first->file + " and " +
-      std::next(first)->file +
-      ": each has its rows, and the counts take a participant once, as passing when one of them passes");
+      fmt::format("several records of one participant, session, task and reference, such as {} and {}: each "
+                  "has its rows, and the counts take a participant once, as passing when one of them passes",
+                  first->file, std::next(first)->file));
 }
 
 }  // namespace

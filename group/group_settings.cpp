@@ -1,5 +1,7 @@
 #include "group/group_settings.h"
 
+#include <fmt/core.h>
+
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -39,15 +41,15 @@ void addCondition(const ConditionRecord& condition, Values& values) {
 
 std::string differenceText(const std::string& setting, const std::map<std::string, int>& values) {
   constexpr std::size_t kMostValues = 4, kMostLetters = 60;
-  std::string text = "the records differ in " + setting + ":";
+  std::string text = fmt::format("the records differ in {}:", setting);
   std::size_t told = 0;
   for (const auto& [value, records] : values) {
     if (told++ == kMostValues) break;
-    text += (told > 1 ? "; " : " ") + value.substr(0, kMostLetters) +
-            (value.size() > kMostLetters ? "..." : "") + " (" + std::to_string(records) +
-            (records == 1 ? " record)" : " records)");
+    text += fmt::format("{}{}{} ({}{}", told > 1 ? "; " : " ", value.substr(0, kMostLetters),
+                        value.size() > kMostLetters ? "..." : "", records,
+                        records == 1 ? " record)" : " records)");
   }
-  if (values.size() > kMostValues) text += "; and " + std::to_string(values.size() - kMostValues) + " more";
+  if (values.size() > kMostValues) text += fmt::format("; and {} more", values.size() - kMostValues);
   return text + "; compare their rows with care, or repeat the participant level alike for all";
 }
 

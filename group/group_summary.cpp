@@ -1,5 +1,7 @@
 #include "group/group_summary.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <limits>
 #include <map>
@@ -61,7 +63,7 @@ std::map<BlockName, Block> blocksOf(const GroupResult& group) {
 }
 
 std::string counted(std::size_t count, const char* what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
 std::size_t participantsOf(const GroupResult& group) {

@@ -1,5 +1,7 @@
 #include "group/group_table.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -55,7 +57,7 @@ std::string cell(std::string text) {
 }
 
 std::string labelled(const GroupRecord& record, const std::string& key) {
-  return record.name.has(key) ? key + "-" + record.name.get(key) : "n/a";
+  return record.name.has(key) ? fmt::format("{}-{}", key, record.name.get(key)) : "n/a";
 }
 
 // The cells before q, each with the tab behind it.
@@ -73,8 +75,9 @@ std::string beginOf(const GroupRecord& record, const ConditionRecord& condition,
 }
 
 std::string thresholdCells(const ThresholdResult& result) {
-  return numberText(result.q) + "\t" + (result.threshold ? numberText(*result.threshold) : "n/a") + "\t" +
-         std::to_string(result.voxelsPassing) + "\t" + std::to_string(result.outsideReference);
+  return fmt::format("{}\t{}\t{}\t{}", numberText(result.q),
+                     result.threshold ? numberText(*result.threshold) : "n/a", result.voxelsPassing,
+                     result.outsideReference);
 }
 
 // The cells behind those of the threshold, each with the tab before it, and the end of the line.
@@ -92,7 +95,7 @@ std::string endOf(const GroupRecord& record, const MapResult& map) {
 std::size_t writeMap(const GroupRecord& record, const ConditionRecord& condition, const MapResult& map,
                      formats::AtomicFile& out) {
   const std::string begin = beginOf(record, condition, map), end = endOf(record, map);
-  if (map.thresholds.empty()) out.write(begin + "n/a\tn/a\tn/a\tn/a" + end);
+  if (map.thresholds.empty()) out.write(fmt::format("{}n/a\tn/a\tn/a\tn/a{}", begin, end));
   for (const ThresholdResult& result : map.thresholds) out.write(begin + thresholdCells(result) + end);
   return std::max<std::size_t>(map.thresholds.size(), 1);
 }

@@ -1,5 +1,7 @@
 #include "host/answer_parsing.h"
 
+#include <fmt/core.h>
+
 #include <charconv>
 #include <cmath>
 
@@ -47,11 +49,11 @@ std::string decimalText(float value) {
 }
 
 std::string rangeText(const IntegerQuestion& question) {
-  return std::to_string(question.min) + " to " + std::to_string(question.max);
+  return fmt::format("{} to {}", question.min, question.max);
 }
 
 std::string rangeText(const NumberQuestion& question) {
-  return decimalText(question.min) + " to " + decimalText(question.max);
+  return fmt::format("{} to {}", decimalText(question.min), decimalText(question.max));
 }
 
 std::string requirement(const IntegerQuestion& question) {

@@ -1,4 +1,6 @@
 // Documents and the anatomy. The workspace holds one document at most, the current anatomy.
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "host/exports.h"
@@ -34,7 +36,7 @@ int zqGetDocumentType(int index) {
 
 const char* zqGetDocumentTypeName(int type) {
   return perform("zqGetDocumentTypeName", static_cast<const char*>(nullptr), [&](Operation& op) {
-    op.require(type == kAnatomyType, "document type " + std::to_string(type) + " does not exist");
+    op.require(type == kAnatomyType, fmt::format("document type {} does not exist", type));
     return "VMR";
   });
 }

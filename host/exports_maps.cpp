@@ -1,4 +1,6 @@
 // NR maps: the map set of the current anatomy.
+#include <fmt/core.h>
+
 #include <cmath>
 #include <new>
 
@@ -31,11 +33,11 @@ MapSet::Map& mapAt(Operation& op, int index) {
 }
 
 void requireNumber(Operation& op, float value, const char* what) {
-  op.require(!std::isnan(value), std::string("the ") + what + " is not a number");
+  op.require(!std::isnan(value), fmt::format("the {} is not a number", what));
 }
 
 void requireColor(Operation& op, std::int32_t color, const char* what) {
-  op.require(color >= 0 && color <= kMaxColor, std::string("the ") + what + " colour has more than 24 bits");
+  op.require(color >= 0 && color <= kMaxColor, fmt::format("the {} colour has more than 24 bits", what));
 }
 
 void checkParameters(Operation& op, const NR_VMP_Header& header, const MapSet::Map& map) {

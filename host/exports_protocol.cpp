@@ -1,4 +1,6 @@
 // Protocol: the current conditions and their intervals.
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "host/exports.h"
@@ -44,8 +46,7 @@ LentArray<std::int32_t> extended(const LentArray<std::int32_t>& values, std::int
 }
 
 void requireInterval(Operation& op, std::int32_t start, std::int32_t end) {
-  op.require(start <= end,
-             "the interval (" + std::to_string(start) + ", " + std::to_string(end) + ") is inverted");
+  op.require(start <= end, fmt::format("the interval ({}, {}) is inverted", start, end));
 }
 
 ProtocolCondition conditionFrom(Operation& op, const ProtocolCondition_Header& header) {

@@ -1,4 +1,6 @@
 // VTC: the time courses linked to the current anatomy.
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "host/exports.h"
@@ -60,7 +62,7 @@ std::size_t cellOf(Operation& op, const LinkedVtc& vtc, int x, int y, int z) {
   std::size_t cell = 0;
   for (const std::size_t axis : {2U, 1U, 0U}) {
     const int fromStart = coordinates[axis] - box.start[axis];
-    op.require(fromStart >= 0, std::string("the coordinate ") + "xyz"[axis] + " is outside the VTC");
+    op.require(fromStart >= 0, fmt::format("the coordinate {} is outside the VTC", "xyz"[axis]));
     cell = cell * static_cast<std::size_t>(box.cells(axis)) +
            op.index(fromStart / box.resolution, static_cast<std::size_t>(box.cells(axis)), "cell");
   }

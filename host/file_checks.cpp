@@ -1,5 +1,7 @@
 #include "host/file_checks.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 #include <system_error>
 
@@ -10,8 +12,7 @@ namespace fs = std::filesystem;
 
 std::string tooLong(const FileQuestion& question, const std::string& path) {
   if (path.size() <= question.maxBytes) return {};
-  return "the path has " + std::to_string(path.size()) + " bytes, plug-ins take " +
-         std::to_string(question.maxBytes) + ": " + path;
+  return fmt::format("the path has {} bytes, plug-ins take {}: {}", path.size(), question.maxBytes, path);
 }
 
 }  // namespace

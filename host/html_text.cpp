@@ -1,5 +1,7 @@
 #include "host/html_text.h"
 
+#include <fmt/core.h>
+
 #include <array>
 #include <cctype>
 #include <optional>
@@ -146,7 +148,7 @@ class DialogWriter {
 
   void link(const Tag& tag) {
     if (!tag.closing) target_ = tag.target;
-    if (tag.closing && !target_.empty()) text_ += " (" + std::exchange(target_, {}) + ")";
+    if (tag.closing && !target_.empty()) text_ += fmt::format(" ({})", std::exchange(target_, {}));
   }
 
   std::string text_;

@@ -1,5 +1,7 @@
 #include "host/log_pane.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 
@@ -33,8 +35,9 @@ bool reportsFailure(std::string_view line) {
 void LogPane::writeTo(const std::string& path) {
   file_.open(path, std::ios::binary | std::ios::trunc);
   if (!file_)
-    throw RunEnded{kExitBadInput,
-                   "Cannot write the log file " + path + ": check that its folder exists and is writable."};
+    throw RunEnded{
+        kExitBadInput,
+        fmt::format("Cannot write the log file {}: check that its folder exists and is writable.", path)};
 }
 
 void LogPane::append(std::string_view html) {

@@ -1,5 +1,7 @@
 #include "host/map_summary.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -87,16 +89,17 @@ std::string peakText(const MapPeak& peak) {
 }
 
 std::string textOf(const MapSummary& summary, const MapSet& maps) {
-  std::string text = "  " + summary.name + "\n";
+  std::string text = fmt::format("  {}\n", summary.name);
   const bool hasThresholds =
       std::any_of(summary.thresholds.begin(), summary.thresholds.end(), [](float t) { return t != 0.0F; });
   for (std::size_t i = 0; hasThresholds && i < summary.thresholds.size(); ++i)
-    text += "    " + maps.thresholdName(i) + ": " + countText(summary.above[i]) + " above " +
-            shortText(summary.thresholds[i]) + "\n";
+    text += fmt::format("    {}: {} above {}\n", maps.thresholdName(i), countText(summary.above[i]),
+                        shortText(summary.thresholds[i]));
   if (!hasThresholds)
-    text += "    shown from: " + countText(summary.aboveLowerThreshold) + " above " +
-            shortText(summary.lowerThreshold) + "\n";
-  return text + "    peak: " + (summary.peak ? peakText(*summary.peak) : "none, the map is empty") + "\n";
+    text += fmt::format("    shown from: {} above {}\n", countText(summary.aboveLowerThreshold),
+                        shortText(summary.lowerThreshold));
+  return fmt::format("{}    peak: {}\n", text,
+                     summary.peak ? peakText(*summary.peak) : "none, the map is empty");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "host/nr_map_set.h"
 
+#include <fmt/core.h>
+
 #include <cstring>
 
 #include "host/fields.h"
@@ -69,8 +71,7 @@ std::string MapSet::damage() const {
   for (std::size_t i = 0; i < names_.size(); ++i) {
     const bool ends = std::memchr(names_[i].data(), 0, names_[i].size()) != nullptr;
     if (!names_[i].intact() || !ends || namePointers_[i] != names_[i].data())
-      return "the name of threshold " + std::to_string(i) + " was written beyond its " +
-             std::to_string(kThresholdNameBytes) + " bytes";
+      return fmt::format("the name of threshold {} was written beyond its {} bytes", i, kThresholdNameBytes);
   }
   for (std::size_t i = 0; i < maps_.size(); ++i) {
     if (!maps_[i].values.intact()) return "values were written outside map " + std::to_string(i);

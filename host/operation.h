@@ -7,6 +7,8 @@
 #ifndef TAVMAP_HOST_OPERATION_H
 #define TAVMAP_HOST_OPERATION_H
 
+#include <fmt/core.h>
+
 #include <cstddef>
 #include <exception>
 #include <new>
@@ -36,7 +38,7 @@ class Operation {
   // A record or buffer argument.
   template <typename Type>
   Type& record(Type* pointer, const char* what) {
-    require(pointer != nullptr, std::string("the ") + what + " is a null pointer");
+    require(pointer != nullptr, fmt::format("the {} is a null pointer", what));
     return *pointer;
   }
 

@@ -1,6 +1,7 @@
 #include "host/plugin_library.h"
 
 #include <dlfcn.h>
+#include <fmt/core.h>
 
 #include <array>
 #include <filesystem>
@@ -20,7 +21,7 @@ constexpr std::array<const char*, 7> kExports = {"getPluginName", "getPluginDesc
                                                  "createPlugin"};
 
 [[noreturn]] void refuse(const std::string& path, const std::string& why, const std::string& remedy) {
-  throw RunEnded{kExitBadInput, "Cannot load the plug-in " + path + ": " + why + ". " + remedy};
+  throw RunEnded{kExitBadInput, fmt::format("Cannot load the plug-in {}: {}. {}", path, why, remedy)};
 }
 
 void requireLibraryFile(const std::string& path) {

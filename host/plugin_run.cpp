@@ -1,5 +1,7 @@
 #include "host/plugin_run.h"
 
+#include <fmt/core.h>
+
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -31,9 +33,9 @@ class TerminateHandler {
 };
 
 [[noreturn]] void endByException(const char* function, const std::string& what) {
-  throw RunEnded{kExitFailed,
-                 std::string("The plug-in ended ") + function + " with an exception (" + what +
-                     "). Results that it had not saved are lost; report it to the plug-in's makers."};
+  throw RunEnded{kExitFailed, fmt::format("The plug-in ended {} with an exception ({}). Results that it had "
+                                          "not saved are lost; report it to the plug-in's makers.",
+                                          function, what)};
 }
 
 template <typename Call>

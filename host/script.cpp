@@ -1,5 +1,7 @@
 #include "host/script.h"
 
+#include <fmt/core.h>
+
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -33,7 +35,7 @@ constexpr std::array<Tag, 9> kTags = {{
 }};
 
 [[noreturn]] void refuse(const std::string& path, int line, const std::string& why) {
-  throw RunEnded{kExitBadInput, path + ":" + std::to_string(line) + ": " + why};
+  throw RunEnded{kExitBadInput, fmt::format("{}:{}: {}", path, line, why)};
 }
 
 const Tag& knownTag(std::string_view name, const std::string& path, int line) {
@@ -42,7 +44,7 @@ const Tag& knownTag(std::string_view name, const std::string& path, int line) {
     if (tag.name == name) return tag;
     names += (names.empty() ? "" : ", ") + std::string(tag.name);
   }
-  refuse(path, line, "unknown answer \"" + std::string(name) + "\"; the answers are " + names);
+  refuse(path, line, fmt::format("unknown answer \"{}\"; the answers are {}", name, names));
 }
 
 bool isBlank(char c) {
@@ -65,7 +67,7 @@ std::optional<Answer> answerOf(std::string_view rawLine, const std::string& path
   const std::size_t blank = line.find_first_of(" \t");
   const Tag& tag = knownTag(std::string_view(line).substr(0, blank), path, number);
   const std::string value = blank == std::string::npos ? std::string() : trimmed(line.substr(blank));
-  const std::string quoted = "\"" + std::string(tag.name) + "\"";
+  const std::string quoted = fmt::format("\"{}\"", tag.name);
   if (tag.value == Value::kNeeded && value.empty()) refuse(path, number, quoted + " needs a value after it");
   if (tag.value == Value::kNone && !value.empty()) refuse(path, number, quoted + " takes no value");
   return Answer{tag.kind, value, number};
@@ -94,7 +96,8 @@ Script readScript(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::ostringstream text;
   if (std::filesystem::is_directory(path) || !file)
-    throw RunEnded{kExitBadInput, "Cannot read the script " + path + ": check the path and its permissions."};
+    throw RunEnded{kExitBadInput,
+                   fmt::format("Cannot read the script {}: check the path and its permissions.", path)};
   if (file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
   return parseScript(text.str(), path);
 }

@@ -1,5 +1,7 @@
 #include "host/script_front_end.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <ostream>
 #include <utility>
@@ -14,11 +16,11 @@ namespace {
 
 std::string shown(const Answer& answer) {
   std::string text(tagOf(answer.kind));
-  return answer.value.empty() ? text : text + " " + answer.value;
+  return answer.value.empty() ? text : fmt::format("{} {}", text, answer.value);
 }
 
 std::string atLine(const Script& script, int line) {
-  return script.path + ":" + std::to_string(line) + ": ";
+  return fmt::format("{}:{}: ", script.path, line);
 }
 
 }  // namespace
@@ -30,15 +32,15 @@ void ScriptFrontEnd::log(std::string_view html) {
 }
 
 void ScriptFrontEnd::refuse(const Answer& answer, const Dialog& dialog, const std::string& why) const {
-  throw RunEnded{kExitBadInput, atLine(script_, answer.line) + "\"" + shown(answer) +
-                                    "\" does not answer this dialog, which expects " + dialog.wanted +
-                                    (why.empty() ? "" : " (" + why + ")") + ":\n" + dialog.text};
+  throw RunEnded{kExitBadInput, fmt::format("{}\"{}\" does not answer this dialog, which expects {}{}:\n{}",
+                                            atLine(script_, answer.line), shown(answer), dialog.wanted,
+                                            why.empty() ? "" : fmt::format(" ({})", why), dialog.text)};
 }
 
 const Answer& ScriptFrontEnd::take(const Dialog& dialog, std::initializer_list<AnswerKind> kinds) {
   if (next_ == script_.answers.size())
-    throw RunEnded{kExitBadInput, script_.path + ": no answer is left for this dialog, which expects " +
-                                      dialog.wanted + ":\n" + dialog.text};
+    throw RunEnded{kExitBadInput, fmt::format("{}: no answer is left for this dialog, which expects {}:\n{}",
+                                              script_.path, dialog.wanted, dialog.text)};
   const Answer& answer = script_.answers[next_];
   if (std::find(kinds.begin(), kinds.end(), answer.kind) == kinds.end()) refuse(answer, dialog);
   ++next_;
@@ -59,7 +61,7 @@ bool ScriptFrontEnd::askYesNo(const std::string& html) {
 
 template <typename Value, typename Question>
 std::optional<Value> ScriptFrontEnd::askWithinLimits(const Question& question, AnswerKind kind) {
-  const Dialog dialog{"\"" + std::string(tagOf(kind)) + "\" with " + requirement(question),
+  const Dialog dialog{fmt::format("\"{}\" with {}", tagOf(kind), requirement(question)),
                       dialogText(question.html)};
   const Answer& answer = take(dialog, {kind, AnswerKind::kCancel});
   if (answer.kind == AnswerKind::kCancel) return std::nullopt;
@@ -77,7 +79,7 @@ std::optional<float> ScriptFrontEnd::askNumber(const NumberQuestion& question) {
 }
 
 std::optional<std::string> ScriptFrontEnd::askText(const TextQuestion& question) {
-  const Dialog dialog{"\"text\" with at most " + std::to_string(question.maxBytes) + " bytes",
+  const Dialog dialog{fmt::format("\"text\" with at most {} bytes", question.maxBytes),
                       dialogText(question.html)};
   const Answer& answer = take(dialog, {AnswerKind::kText, AnswerKind::kCancel});
   if (answer.kind == AnswerKind::kCancel) return std::nullopt;
@@ -88,7 +90,7 @@ std::optional<std::string> ScriptFrontEnd::askText(const TextQuestion& question)
 template <typename Problem>
 std::optional<std::string> ScriptFrontEnd::askPath(const FileQuestion& question, AnswerKind kind,
                                                    Problem problem) {
-  const Dialog dialog{"\"" + std::string(tagOf(kind)) + "\" with a file name", dialogText(question.title)};
+  const Dialog dialog{fmt::format("\"{}\" with a file name", tagOf(kind)), dialogText(question.title)};
   const Answer& answer = take(dialog, {kind, AnswerKind::kCancel});
   if (answer.kind == AnswerKind::kCancel) return std::nullopt;
   std::string path = resolvedPath(script_.folder, answer.value);
@@ -109,8 +111,8 @@ std::string ScriptFrontEnd::finish() {
   const std::size_t left = script_.answers.size() - next_;
   if (left == 0) return {};
   const Answer& first = script_.answers[next_];
-  return atLine(script_, first.line) + std::to_string(left) + (left == 1 ? " answer was" : " answers were") +
-         " not asked for, beginning with \"" + shown(first) + "\"";
+  return fmt::format("{}{}{} not asked for, beginning with \"{}\"", atLine(script_, first.line), left,
+                     left == 1 ? " answer was" : " answers were", shown(first));
 }
 
 }  // namespace host

@@ -1,5 +1,7 @@
 #include "host/session.h"
 
+#include <fmt/core.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -37,7 +39,8 @@ HostIdentity identityOf(const SessionOptions& options) {
   if (plugins.empty()) plugins = fs::absolute(options.pluginPath).parent_path().string();
   std::error_code ignored;
   if (!options.pluginsFolder.empty() && !fs::is_directory(plugins, ignored))
-    throw RunEnded{kExitBadInput, "There is no plug-ins folder " + plugins + ". Check --plugins-folder."};
+    throw RunEnded{kExitBadInput,
+                   fmt::format("There is no plug-ins folder {}. Check --plugins-folder.", plugins)};
   return {options.version, absoluteFolder(fs::read_symlink("/proc/self/exe", ignored).parent_path().string()),
           absoluteFolder(plugins)};
 }
@@ -68,8 +71,8 @@ RunOutcome finished(const RunOutcome& run, FrontEnd& frontEnd, LogPane& logPane,
   const bool logWritten = logPane.close();
   if (run.exitCode != kExitDone) return run;
   if (!logWritten)
-    return {kExitFailed,
-            "The log file " + options.logPath + " could not be written to its end; check the free space."};
+    return {kExitFailed, fmt::format("The log file {} could not be written to its end; check the free space.",
+                                     options.logPath)};
   if (!left.empty()) return {kExitBadInput, left};
   return run;
 }

@@ -1,5 +1,7 @@
 #include "host/terminal_front_end.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 #include <istream>
 #include <ostream>
@@ -78,7 +80,7 @@ bool TerminalFrontEnd::askYesNo(const std::string& html) {
 template <typename Value, typename Question>
 std::optional<Value> TerminalFrontEnd::askWithinLimits(const Question& question, const std::string& initial) {
   const std::string text = dialogText(question.html);
-  const std::string prompt = "Number, " + rangeText(question) + " [" + initial + "]";
+  const std::string prompt = fmt::format("Number, {} [{}]", rangeText(question), initial);
   show(text);
   for (;;) {
     const std::optional<std::string> line = answer(text, prompt);
@@ -102,7 +104,7 @@ std::optional<std::string> TerminalFrontEnd::askText(const TextQuestion& questio
   show(text);
   for (;;) {
     std::optional<std::string> line =
-        answer(text, question.initial.empty() ? "Text" : "Text [" + question.initial + "]");
+        answer(text, question.initial.empty() ? "Text" : fmt::format("Text [{}]", question.initial));
     if (!line) return std::nullopt;
     if (line->empty()) return question.initial;
     if (line->size() <= question.maxBytes) return line;
@@ -114,7 +116,7 @@ template <typename Problem>
 std::optional<std::string> TerminalFrontEnd::askPath(const FileQuestion& question, const std::string& prompt,
                                                      Problem problem) {
   const std::string text = dialogText(question.title);
-  show(question.filter.empty() ? text : text + "\n" + question.filter);
+  show(question.filter.empty() ? text : fmt::format("{}\n{}", text, question.filter));
   for (;;) {
     const std::optional<std::string> line = answer(text, prompt);
     if (!line) return std::nullopt;

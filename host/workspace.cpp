@@ -1,5 +1,7 @@
 #include "host/workspace.h"
 
+#include <fmt/core.h>
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -28,7 +30,7 @@ bool endsWith(const std::string& text, const std::string& ending) {
 LinkedVtc openVtc(const std::string& path) {
   if (endsWith(path, ".nii") || endsWith(path, ".nii.gz"))
     throw formats::FileError(path, "this is a NIfTI series, a VTC is needed",
-                             "Make one with \"tavmap convert " + path + " NAME.vtc\"");
+                             fmt::format("Make one with \"tavmap convert {} NAME.vtc\"", path));
   return {absolutePath(path), formats::readVtcFileHeader(path)};
 }
 
@@ -66,11 +68,10 @@ formats::Voi storedVoi(const Voi& voi) {
 std::vector<std::string> remarksOn(const formats::LabelVois& vois, const std::string& path) {
   std::vector<std::string> remarks;
   for (std::int32_t label : vois.unnamed)
-    remarks.push_back("WARNING: label " + std::to_string(label) + " of " + path +
-                      " has no name in its table");
+    remarks.push_back(fmt::format("WARNING: label {} of {} has no name in its table", label, path));
   for (const formats::Label& label : vois.absent)
-    remarks.push_back("WARNING: label " + std::to_string(label.index) + " (" + label.name +
-                      ") has no voxel in " + path);
+    remarks.push_back(
+        fmt::format("WARNING: label {} ({}) has no voxel in {}", label.index, label.name, path));
   return remarks;
 }
 

@@ -1,5 +1,7 @@
 #include "inspect/describe.h"
 
+#include <fmt/core.h>
+
 #include "formats/file_error.h"
 #include "formats/file_kinds.h"
 #include "formats/label_table.h"
@@ -48,7 +50,7 @@ void appendObject(const Json& object, const std::string& indent, std::string& te
 void appendItems(const Json& list, const std::string& indent, std::string& text) {
   for (const auto& item : list) {
     if (!item.is_object()) {
-      text += indent + "- " + oneLine(item) + "\n";
+      text += fmt::format("{}- {}\n", indent, oneLine(item));
       continue;
     }
     const std::size_t start = text.size();
@@ -59,9 +61,9 @@ void appendItems(const Json& list, const std::string& indent, std::string& text)
 
 void appendObject(const Json& object, const std::string& indent, std::string& text) {
   for (const auto& [key, value] : object.items()) {
-    text += indent + keyText(key) + ":";
+    text += fmt::format("{}{}:", indent, keyText(key));
     if (!value.is_structured() || isScalarList(value)) {
-      text += " " + oneLine(value) + "\n";
+      text += fmt::format(" {}\n", oneLine(value));
       continue;
     }
     text += "\n";

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -115,7 +117,7 @@ Json describeVtc(const std::string& path) {
     json["mask"] = sidecar->mask.empty() ? Json(nullptr) : Json(sidecar->mask);
     json["shift"] = sidecar->shift;
   } else {
-    json["place"] = "Talairach space (there is no " + formats::sidecarPathOf(path) + ")";
+    json["place"] = fmt::format("Talairach space (there is no {})", formats::sidecarPathOf(path));
   }
   addPlace(formats::placeOf(path, header).affine, json);
   return json;

@@ -1,5 +1,7 @@
 #include "inspect/map_pictures.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -103,9 +105,9 @@ std::string fileNameOf(const std::string& mapName) {
 void requireGridOfMaps(const formats::MapSet& set, const formats::ImageHeader& anatomy,
                        const std::string& path) {
   if (anatomy.size == set.grid()) return;
-  throw formats::FileError(path,
-                           "has " + toText(anatomy.size) + " voxels and the maps have " + toText(set.grid()),
-                           "Give an anatomy on the grid of the maps");
+  throw formats::FileError(
+      path, fmt::format("has {} voxels and the maps have {}", toText(anatomy.size), toText(set.grid())),
+      "Give an anatomy on the grid of the maps");
 }
 
 }  // namespace
@@ -119,7 +121,7 @@ std::vector<std::string> drawMapSet(const PictureOptions& options) {
   const std::string stem = std::filesystem::path(options.maps).stem().string();
   std::vector<std::string> paths;
   for (const formats::Map& map : set.maps) {
-    paths.push_back(options.folder + "/" + stem + "_" + fileNameOf(map.name) + ".png");
+    paths.push_back(fmt::format("{}/{}_{}.png", options.folder, stem, fileNameOf(map.name)));
     formats::writeTextFile(paths.back(), render::renderPng(pictureOf(set, map, anatomy, region, options)));
   }
   return paths;

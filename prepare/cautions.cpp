@@ -1,5 +1,7 @@
 #include "prepare/cautions.h"
 
+#include <fmt/core.h>
+
 #include <sstream>
 
 #include "bids/bids_names.h"
@@ -28,15 +30,15 @@ std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
                                      const std::vector<std::string>& filters,
                                      const std::vector<std::string>& regressed) {
   std::vector<std::string> cautions;
-  const std::string name = "run '" + run.name + "'";
+  const std::string name = fmt::format("run '{}'", run.name);
   std::vector<std::string> found = filters;
   if (found.empty() && parseBidsName(run.bold.filename().string()).get("desc") == "denoised")
     found = {"desc-denoised"};
   if (!found.empty()) {
     cautions.push_back(
-        name + " was filtered in time (" + list(found) +
-        "). Filtering changes the lagged structure that these maps rest on and can create or hide "
-        "directed influence; use unfiltered data");
+        fmt::format("{} was filtered in time ({}). Filtering changes the lagged structure that these maps "
+                    "rest on and can create or hide directed influence; use unfiltered data",
+                    name, list(found)));
   }
   for (const std::string& column : regressed) {
     if (column.compare(0, 6, "cosine") != 0) continue;
@@ -48,9 +50,9 @@ std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
   }
   if (trSeconds > kSlowTrSeconds) {
     cautions.push_back(
-        name + " has a TR of " + number(trSeconds) +
-        " s. Influences faster than a volume appear as instantaneous; directed maps of data slower "
-        "than 3 s say little");
+        fmt::format("{} has a TR of {} s. Influences faster than a volume appear as instantaneous; directed "
+                    "maps of data slower than 3 s say little",
+                    name, number(trSeconds)));
   }
   return cautions;
 }
@@ -58,14 +60,15 @@ std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
 std::string fewSamplesCaution(const std::string& condition, int effectiveVolumes, int order) {
   const int parameters = 4 * order;
   if (effectiveVolumes >= kSamplesPerParameter * parameters) return "";
-  return "condition '" + condition + "' has " + std::to_string(effectiveVolumes) + " effective volumes for " +
-         std::to_string(parameters) + " coefficients of the joint model of order " + std::to_string(order) +
-         ", fewer than 10 each; estimates are noisy, take a lower order or more data";
+  return fmt::format(
+      "condition '{}' has {} effective volumes for {} coefficients of the joint model of order {}, fewer "
+      "than 10 each; estimates are noisy, take a lower order or more data",
+      condition, effectiveVolumes, parameters, order);
 }
 
 std::string smallReferenceCaution(const std::string& reference, int voxels) {
   if (voxels >= 2) return "";
-  return "reference '" + reference + "' has a single voxel; its course is as noisy as any voxel's";
+  return fmt::format("reference '{}' has a single voxel; its course is as noisy as any voxel's", reference);
 }
 
 }  // namespace study

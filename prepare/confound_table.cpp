@@ -1,5 +1,7 @@
 #include "prepare/confound_table.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -33,9 +35,8 @@ double parseValue(const std::string& text, const std::filesystem::path& file, st
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error == std::errc() && end == text.data() + text.size()) return value;
-  throw InputError(file.string() + ":" + std::to_string(line) + ": '" + text +
-                   "' is not a number; confounds hold "
-                   "numbers or n/a");
+  throw InputError(
+      fmt::format("{}:{}: '{}' is not a number; confounds hold numbers or n/a", file.string(), line, text));
 }
 
 std::string unquoted(std::string text) {
@@ -47,9 +48,8 @@ std::string unquoted(std::string text) {
 void addRow(const std::string& row, std::size_t line, ConfoundTable& table) {
   const Names cells = split(row, '\t');
   if (cells.size() != table.names.size()) {
-    throw InputError(table.file.string() + ":" + std::to_string(line) + ": " + std::to_string(cells.size()) +
-                     " columns where the header names " + std::to_string(table.names.size()) +
-                     "; confounds are tab-separated");
+    throw InputError(fmt::format("{}:{}: {} columns where the header names {}; confounds are tab-separated",
+                                 table.file.string(), line, cells.size(), table.names.size()));
   }
   for (std::size_t i = 0; i < cells.size(); ++i) {
     table.columns[i].push_back(parseValue(unquoted(cells[i]), table.file, line));
@@ -64,9 +64,9 @@ std::vector<double> imputed(std::vector<double> column, const std::string& name,
   const auto hole = std::find_if_not(first, column.end(), isNumber);
   if (first == column.end() || hole != column.end()) {
     const std::size_t volume = static_cast<std::size_t>(hole - column.begin());
-    throw InputError(table.file.string() + ": column '" + name + "' has no number at volume " +
-                     std::to_string(std::min(volume, column.size() - 1) + firstVolume + 1) +
-                     "; choose other columns or repair the table");
+    throw InputError(
+        fmt::format("{}: column '{}' has no number at volume {}; choose other columns or repair the table",
+                    table.file.string(), name, std::min(volume, column.size() - 1) + firstVolume + 1));
   }
   double sum = 0;
   std::for_each(first, column.end(), [&](double value) { sum += value; });

@@ -1,5 +1,7 @@
 #include "prepare/image_sidecar.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -87,15 +89,16 @@ double repetitionTime(const std::string& run, double chosenSeconds, double heade
   if (chosenSeconds > 0) return chosenSeconds;
   const bool headerKnows = std::isfinite(headerSeconds) && headerSeconds > 0;
   if (!sidecar.trSeconds && !headerKnows) {
-    throw InputError("run '" + run +
-                     "': neither the image's header nor a JSON sidecar states the repetition time; "
-                     "give it with 'tr' (seconds)");
+    throw InputError(
+        fmt::format("run '{}': neither the image's header nor a JSON sidecar states the repetition time; "
+                    "give it with 'tr' (seconds)",
+                    run));
   }
   if (!sidecar.trSeconds) return headerSeconds;
   if (headerKnows && std::abs(headerSeconds - *sidecar.trSeconds) > kAgreementSeconds) {
-    throw InputError("run '" + run + "': the image's header says TR = " + seconds(headerSeconds) + ", " +
-                     sidecar.file.filename().string() + " says TR = " + seconds(*sidecar.trSeconds) +
-                     "; choose one with 'tr' (seconds)");
+    throw InputError(fmt::format(
+        "run '{}': the image's header says TR = {}, {} says TR = {}; choose one with 'tr' (seconds)", run,
+        seconds(headerSeconds), sidecar.file.filename().string(), seconds(*sidecar.trSeconds)));
   }
   return *sidecar.trSeconds;
 }

@@ -1,5 +1,7 @@
 #include "prepare/interval_plan.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <set>
 
@@ -18,7 +20,7 @@ class Planner {
       : condition_(condition),
         runs_(runs),
         order_(order),
-        begin_(where + ": condition '" + condition.name + "'") {}
+        begin_(fmt::format("{}: condition '{}'", where, condition.name)) {}
 
   PlannedCondition plan();
 
@@ -29,7 +31,7 @@ class Planner {
   Ranges typed(const ConditionPart& part, const RunVolumes& source) const;
   Ranges usable(const Ranges& wanted, const RunVolumes& source, const RunVolumes& target);
   void note(const std::string& text) {
-    planned_.notes.push_back("condition '" + condition_.name + "': " + text);
+    planned_.notes.push_back(fmt::format("condition '{}': {}", condition_.name, text));
   }
   int least() const { return std::max(condition_.minimumVolumes, leastVolumes(order_)); }
 
@@ -43,7 +45,8 @@ class Planner {
 const RunVolumes& Planner::run(const std::string& name) const {
   const auto found =
       std::find_if(runs_.begin(), runs_.end(), [&](const RunVolumes& r) { return r.name == name; });
-  if (found == runs_.end()) throw InputError(begin_ + " names no run of this request: '" + name + "'");
+  if (found == runs_.end())
+    throw InputError(fmt::format("{} names no run of this request: '{}'", begin_, name));
   return *found;
 }
 
@@ -56,7 +59,8 @@ void Planner::checkTrialTypes() const {
   const std::vector<std::string> known(types.begin(), types.end());
   for (const std::string& type : condition_.trialTypes) {
     if (types.count(type) == 0) {
-      throw InputError(begin_ + ": no event of trial_type '" + type + "'" + suggestion(type, known));
+      throw InputError(
+          fmt::format("{}: no event of trial_type '{}'{}", begin_, type, suggestion(type, known)));
     }
   }
 }
@@ -64,14 +68,14 @@ void Planner::checkTrialTypes() const {
 Ranges Planner::typed(const ConditionPart& part, const RunVolumes& source) const {
   const Ranges& ranges = part.typed.empty() ? condition_.typed : part.typed;
   for (const VolumeRange& range : ranges) {
-    const std::string text = "interval " + std::to_string(range.first) + " to " + std::to_string(range.last);
+    const std::string text = fmt::format("interval {} to {}", range.first, range.last);
     if (range.last > source.volumes) {
-      throw InputError(begin_ + ": " + text + " ends outside run '" + source.name + "', which has " +
-                       std::to_string(source.volumes) + " volumes");
+      throw InputError(fmt::format("{}: {} ends outside run '{}', which has {} volumes", begin_, text,
+                                   source.name, source.volumes));
     }
     if (length(range) <= order_) {
-      throw InputError(begin_ + ": " + text + " is too short; a model of order " + std::to_string(order_) +
-                       " needs more than " + std::to_string(order_) + " volumes");
+      throw InputError(fmt::format("{}: {} is too short; a model of order {} needs more than {} volumes",
+                                   begin_, text, order_, order_));
     }
   }
   return ranges;
@@ -97,17 +101,16 @@ Ranges Planner::usable(const Ranges& wanted, const RunVolumes& source, const Run
   Ranges pieces = intersect(intersect(inTarget, source.kept), target.kept);
   const int lost = totalLength(inTarget) - totalLength(pieces);
   if (lost > 0) {
-    note("run '" + source.name + "': " + std::to_string(lost) + " of " +
-         std::to_string(totalLength(inTarget)) + " volumes dropped or censored");
+    note(fmt::format("run '{}': {} of {} volumes dropped or censored", source.name, lost,
+                     totalLength(inTarget)));
   }
   const bool untouched =
       condition_.kind == IntervalKind::kTyped && lost == 0 && condition_.minimumVolumes == 0;
   if (untouched) return pieces;
   const Ranges longEnough = dropShort(pieces, least());
   if (longEnough.size() < pieces.size()) {
-    note("run '" + source.name + "': " + std::to_string(pieces.size() - longEnough.size()) + " of " +
-         std::to_string(pieces.size()) + " intervals left out, shorter than " + std::to_string(least()) +
-         " volumes");
+    note(fmt::format("run '{}': {} of {} intervals left out, shorter than {} volumes", source.name,
+                     pieces.size() - longEnough.size(), pieces.size(), least()));
   }
   return longEnough;
 }
@@ -126,10 +129,11 @@ PlannedCondition Planner::plan() {
   }
   if (planned_.sets.empty()) {
     std::string reasons;
-    for (const std::string& text : planned_.notes) reasons += " (" + text + ")";
-    throw InputError(begin_ + ": no interval of at least " + std::to_string(least()) + " volumes is left" +
-                     reasons +
-                     "; censor less, ask for shorter intervals or a lower order, or leave the condition out");
+    for (const std::string& text : planned_.notes) reasons += fmt::format(" ({})", text);
+    throw InputError(
+        fmt::format("{}: no interval of at least {} volumes is left{}; censor less, ask for shorter "
+                    "intervals or a lower order, or leave the condition out",
+                    begin_, least(), reasons));
   }
   return std::move(planned_);
 }

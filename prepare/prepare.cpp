@@ -1,5 +1,7 @@
 #include "prepare/prepare.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -119,11 +121,12 @@ formats::ImportReport importInto(const RunPlan& run, const fs::path& target, int
 
 void requireVoxels(const RunPlan& run, const formats::ImportReport& report, int threshold) {
   if (report.voxelsIncluded > 0) return;
-  throw InputError("run '" + run.request.name + "': no voxel of " + run.request.bold.string() +
-                   (run.request.mask.empty()
-                        ? " exceeds the inclusion threshold of " + std::to_string(threshold) +
-                              " at its first volume; give a mask, or lower 'inclusion_threshold'"
-                        : " lies inside the mask " + run.request.mask.string()));
+  throw InputError(fmt::format("run '{}': no voxel of {}{}", run.request.name, run.request.bold.string(),
+                               run.request.mask.empty()
+                                   ? fmt::format(" exceeds the inclusion threshold of {} at its first "
+                                                 "volume; give a mask, or lower 'inclusion_threshold'",
+                                                 threshold)
+                                   : " lies inside the mask " + run.request.mask.string()));
 }
 
 // The sidecar goes last: with it the run counts as prepared.

@@ -1,5 +1,7 @@
 #include "prepare/region_files.h"
 
+#include <fmt/core.h>
+
 #include <set>
 
 #include "bids/bids_names.h"
@@ -59,8 +61,9 @@ void noteSpaces(const Request& request, const ReferenceRequest& reference, std::
   const std::string own = parseBidsName(reference.image.filename().string()).get("space");
   const std::string theirs = parseBidsName(request.runs[0].bold.filename().string()).get("space");
   if (own.empty() || theirs.empty() || own == theirs || regions.empty()) return;
-  regions[0].notes.push_back(reference.image.filename().string() + " names space '" + own + "', the runs '" +
-                             theirs + "'; regions may lie in the wrong place");
+  regions[0].notes.push_back(
+      fmt::format("{} names space '{}', the runs '{}'; regions may lie in the wrong place",
+                  reference.image.filename().string(), own, theirs));
 }
 
 }  // namespace
@@ -85,9 +88,10 @@ std::vector<Region> readRegions(const Request& request, const RegionSpace& space
     noteSpaces(request, reference, found);
     for (Region& region : found) {
       if (!names.insert(region.name).second) {
-        throw InputError(where + ": two references are named '" + region.name +
-                         "'; their results would overwrite "
-                         "each other, give one another 'name'");
+        throw InputError(
+            fmt::format("{}: two references are named '{}'; their results would overwrite each other, give "
+                        "one another 'name'",
+                        where, region.name));
       }
       regions.push_back(std::move(region));
     }

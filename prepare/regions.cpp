@@ -1,5 +1,7 @@
 #include "prepare/regions.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -32,13 +34,13 @@ class Collector {
   // Throws when nothing is left.
   Region finish(const std::string& where) {
     if (empty()) {
-      throw InputError(where + ": reference '" + region_.name + "' has no voxel " +
-                       (seen_ > 0 ? "inside the mask" : "in the grid of the runs"));
+      throw InputError(fmt::format("{}: reference '{}' has no voxel {}", where, region_.name,
+                                   seen_ > 0 ? "inside the mask" : "in the grid of the runs"));
     }
     if (outside_ > 0) {
-      region_.notes.push_back("reference '" + region_.name + "': " + std::to_string(outside_) + " of " +
-                              std::to_string(seen_) + " voxels lie outside the mask" +
-                              (space_.insideMaskOnly ? " and are left out" : ""));
+      region_.notes.push_back(fmt::format("reference '{}': {} of {} voxels lie outside the mask{}",
+                                          region_.name, outside_, seen_,
+                                          space_.insideMaskOnly ? " and are left out" : ""));
     }
     return std::move(region_);
   }
@@ -71,16 +73,16 @@ std::int32_t valueOf(const std::string& label, const LabelVolume& image,
     if (name == label) matches.push_back(value);
   }
   if (matches.size() > 1) {
-    throw InputError(where + ": " + image.file + " has " + std::to_string(matches.size()) +
-                     " labels named '" + label + "'; name them by index");
+    throw InputError(fmt::format("{}: {} has {} labels named '{}'; name them by index", where, image.file,
+                                 matches.size(), label));
   }
   if (matches.size() == 1) return matches[0];
   std::int32_t value = 0;
   const auto [end, error] = std::from_chars(label.data(), label.data() + label.size(), value);
   const bool number = error == std::errc() && end == label.data() + label.size();
   if (number && (present.count(value) > 0 || image.names.count(value) > 0) && value != 0) return value;
-  throw InputError(where + ": no label '" + label + "' in " + image.file +
-                   suggestion(label, knownLabels(image, present)));
+  throw InputError(fmt::format("{}: no label '{}' in {}{}", where, label, image.file,
+                               suggestion(label, knownLabels(image, present))));
 }
 
 Region regionOfValue(const std::string& name, std::int32_t value, const std::vector<std::int32_t>& labels,
@@ -122,7 +124,7 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
       regions.push_back(collector.finish(where));
   }
   if (regions.empty())
-    throw InputError(where + ": no label of " + image.file + " has a voxel inside the mask");
+    throw InputError(fmt::format("{}: no label of {} has a voxel inside the mask", where, image.file));
   if (!missing.empty())
     regions[0].notes.push_back("labels without a voxel in the runs, left out: " + missing);
   return regions;
@@ -193,9 +195,9 @@ Region voxelRegion(const ReferenceRequest& request, const RegionSpace& space, co
   Collector collector(request.name, space);
   for (const Voxel& voxel : request.voxels) {
     if (!space.grid.size.contains(voxel)) {
-      throw InputError(where + ": voxel [" + std::to_string(voxel[0]) + ", " + std::to_string(voxel[1]) +
-                       ", " + std::to_string(voxel[2]) + "] of reference '" + request.name +
-                       "' lies outside the grid of " + toText(space.grid.size) + " voxels (counted from 0)");
+      throw InputError(fmt::format(
+          "{}: voxel [{}, {}, {}] of reference '{}' lies outside the grid of {} voxels (counted from 0)",
+          where, voxel[0], voxel[1], voxel[2], request.name, toText(space.grid.size)));
     }
     collector.add(space.grid.size.index(voxel));
   }

@@ -1,5 +1,7 @@
 #include "prepare/run_plan.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "formats/nifti.h"
@@ -49,7 +51,7 @@ class RunPlanner {
     readTable();
     plan_.volumes.events = readEvents(plan_.request.events, plan_.volumes.trSeconds);
     plan_.cautions = runCautions(plan_.request, plan_.volumes.trSeconds, plan_.filters, plan_.confoundNames);
-    plan_.vtcName = bidsSafe(plan_.request.name) + "-" + key() + ".vtc";
+    plan_.vtcName = fmt::format("{}-{}.vtc", bidsSafe(plan_.request.name), key());
     return std::move(plan_);
   }
 
@@ -76,8 +78,8 @@ void RunPlanner::readHeader() {
   const RunRequest& run = plan_.request;
   const formats::ImageHeader header = formats::readImageHeader(run.bold.string());
   if (header.volumes < kLeastVolumesOfARun) {
-    throw InputError("run '" + run.name + "': " + run.bold.string() + " has " +
-                     std::to_string(header.volumes) + " volume(s); a time series is needed");
+    throw InputError(fmt::format("run '{}': {} has {} volume(s); a time series is needed", run.name,
+                                 run.bold.string(), header.volumes));
   }
   plan_.grid = gridOf(header);
   const ImageSidecar sidecar = readImageSidecar(run.bold);
@@ -102,17 +104,17 @@ void RunPlanner::readTable() {
   if (!run.confounds.empty()) {
     const ConfoundTable table = readConfounds(run.confounds);
     if (table.volumes() != plan_.kept.size()) {
-      throw InputError("run '" + run.name + "': " + run.confounds.string() + " has " +
-                       std::to_string(table.volumes()) + " rows for the image's " +
-                       std::to_string(plan_.kept.size()) + " volumes; they must belong together");
+      throw InputError(
+          fmt::format("run '{}': {} has {} rows for the image's {} volumes; they must belong together",
+                      run.name, run.confounds.string(), table.volumes(), plan_.kept.size()));
     }
     if (run.dropVolumes == kDropFromConfounds) plan_.volumes.dropped = nonSteadyStateVolumes(table);
     censor(table);
     regress(table);
   }
   if (plan_.volumes.volumes - plan_.volumes.dropped < kLeastVolumesOfARun) {
-    throw InputError("run '" + run.name + "': dropping " + std::to_string(plan_.volumes.dropped) + " of " +
-                     std::to_string(plan_.volumes.volumes) + " volumes leaves too few");
+    throw InputError(fmt::format("run '{}': dropping {} of {} volumes leaves too few", run.name,
+                                 plan_.volumes.dropped, plan_.volumes.volumes));
   }
   std::fill(plan_.kept.begin(), plan_.kept.begin() + plan_.volumes.dropped, false);
   const int shortest = run.censoring.fdThresholdMm > 0 ? run.censoring.minimumSegment : 1;
@@ -136,9 +138,9 @@ void RunPlanner::regress(const ConfoundTable& table) {
   plan_.confoundRank = ConfoundRegression(plan_.confounds, used).rank();
   const auto left = std::count(used.begin(), used.end(), true) - plan_.confoundRank - 1;
   if (left >= kLeastVolumesOfARun) return;
-  throw InputError("run '" + run.name + "': regressing " + std::to_string(plan_.confoundRank) +
-                   " confounds leaves no degrees of freedom in " +
-                   std::to_string(std::count(used.begin(), used.end(), true)) + " volumes; choose fewer");
+  throw InputError(fmt::format(
+      "run '{}': regressing {} confounds leaves no degrees of freedom in {} volumes; choose fewer", run.name,
+      plan_.confoundRank, std::count(used.begin(), used.end(), true)));
 }
 
 std::string RunPlanner::key() const {
@@ -165,10 +167,10 @@ RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string
 void requireOneGrid(const std::vector<RunPlan>& runs) {
   for (const RunPlan& run : runs) {
     if (sameGrid(run.grid, runs[0].grid)) continue;
-    throw InputError("runs '" + runs[0].request.name + "' and '" + run.request.name +
-                     "' lie on different grids (" + runs[0].request.bold.string() + ", " +
-                     run.request.bold.string() +
-                     "); nothing is resampled here, take runs of one space and resolution");
+    throw InputError(fmt::format(
+        "runs '{}' and '{}' lie on different grids ({}, {}); nothing is resampled here, take runs of one "
+        "space and resolution",
+        runs[0].request.name, run.request.name, runs[0].request.bold.string(), run.request.bold.string()));
   }
 }
 

@@ -1,6 +1,7 @@
 #include "render/canvas.h"
 
 #include <cairo.h>
+#include <fmt/core.h>
 
 #include <stdexcept>
 
@@ -42,8 +43,8 @@ Canvas::Canvas(int width, int height) : impl_(std::make_unique<Impl>()) {
     const std::string reason = cairo_status_to_string(cairo_status(impl_->context));
     cairo_destroy(impl_->context);
     cairo_surface_destroy(impl_->surface);
-    throw std::runtime_error("cannot draw a picture of " + std::to_string(width) + " x " +
-                             std::to_string(height) + " pixels: " + reason);
+    throw std::runtime_error(
+        fmt::format("cannot draw a picture of {} x {} pixels: {}", width, height, reason));
   }
   // Voxels share edges; without this they would show seams.
   cairo_set_antialias(impl_->context, CAIRO_ANTIALIAS_NONE);

@@ -1,5 +1,7 @@
 #include "render/slice_picture.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -32,8 +34,7 @@ struct Layout {
 };
 
 void requireSize(std::size_t size, std::size_t voxels, const char* what) {
-  if (size != voxels)
-    throw std::runtime_error(std::string("the ") + what + " does not fit the grid of the map");
+  if (size != voxels) throw std::runtime_error(fmt::format("the {} does not fit the grid of the map", what));
 }
 
 void checkSizes(const SlicePicture& p) {

@@ -1,5 +1,7 @@
 #include "request/confound_terms.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <charconv>
 #include <map>
@@ -104,8 +106,9 @@ void requireColumn(const std::string& name, const std::string& piece, const Name
                    const std::string& file) {
   if (std::find(columns.begin(), columns.end(), name) != columns.end()) return;
   const bool own = name == piece;
-  throw InputError(file + ": no column '" + name + "'" + (own ? "" : ", asked for by '" + piece + "'") +
-                   suggestion(name, own ? knownTerms(columns) : columns));
+  throw InputError(fmt::format("{}: no column '{}'{}{}", file, name,
+                               own ? "" : fmt::format(", asked for by '{}'", piece),
+                               suggestion(name, own ? knownTerms(columns) : columns)));
 }
 
 }  // namespace
@@ -126,9 +129,9 @@ std::string confoundTermProblem(const std::string& term) {
   for (const std::string& piece : split(term, '+')) {
     std::string stem;
     int count = 0;
-    if (piece.empty()) return "holds an empty name in '" + term + "'";
+    if (piece.empty()) return fmt::format("holds an empty name in '{}'", term);
     if (componentPreset(piece, stem, count) && (count < 1 || count > 99)) {
-      return "asks for " + std::to_string(count) + " components; 1 to 99 are possible";
+      return fmt::format("asks for {} components; 1 to 99 are possible", count);
     }
   }
   return "";

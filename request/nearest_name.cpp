@@ -1,5 +1,7 @@
 #include "request/nearest_name.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -54,7 +56,7 @@ std::string nearestName(std::string_view name, const std::vector<std::string>& k
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& known) {
   const std::string nearest = nearestName(name, known);
-  if (!nearest.empty()) return "; did you mean '" + nearest + "'?";
+  if (!nearest.empty()) return fmt::format("; did you mean '{}'?", nearest);
   if (known.empty()) return "";
   constexpr std::size_t kMostNames = 12;
   std::string text = "; known are ";

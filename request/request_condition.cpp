@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "request/nearest_name.h"
@@ -30,7 +32,7 @@ std::vector<VolumeRange> parseRanges(const TomlTable& table, const toml::array& 
 void checkRun(const TomlTable& table, std::string_view key, const std::string& run,
               const std::vector<std::string>& runs) {
   if (std::find(runs.begin(), runs.end(), run) != runs.end()) return;
-  table.fail(key, "names no run of this request: '" + run + "'" + suggestion(run, runs));
+  table.fail(key, fmt::format("names no run of this request: '{}'{}", run, suggestion(run, runs)));
 }
 
 void parsePairs(const TomlTable& table, const std::vector<std::string>& runs, ConditionRequest& condition) {
@@ -94,9 +96,10 @@ void parseKind(const TomlTable& table, const std::vector<std::string>& runs, con
   const bool whole = table.flag("whole_run", false);
   const int given = (whole ? 1 : 0) + (table.has("intervals") ? 1 : 0) + (table.has("trial_types") ? 1 : 0);
   if (given != 1) {
-    failAt(table.file(), condition.line,
-           "[[condition]] '" + condition.name +
-               "' needs exactly one of 'whole_run = true', 'intervals', 'trial_types'");
+    failAt(
+        table.file(), condition.line,
+        fmt::format("[[condition]] '{}' needs exactly one of 'whole_run = true', 'intervals', 'trial_types'",
+                    condition.name));
   }
   if (table.has("intervals")) parseIntervals(table, runs, node, condition);
   if (table.has("trial_types")) {

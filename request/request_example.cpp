@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "request/request_file.h"
@@ -73,14 +75,14 @@ constexpr std::size_t kColumnOfWords = 30;
 
 // "#surrogates = 1000            # simulated reference courses, 10 to 10000"
 std::string settingLine(const Setting& row, const Settings& settings) {
-  std::string line = (row.shown ? "" : "#") + std::string(row.key) + " = " + settingText(row, settings);
+  std::string line = fmt::format("{}{} = {}", row.shown ? "" : "#", row.key, settingText(row, settings));
   std::string words = row.words;
   if (words.empty()) return line + "\n";
   const std::string range = "{range}";
   const std::size_t at = words.find(range);
   if (at != std::string::npos) words.replace(at, range.size(), rangeText(row));
   line.resize(std::max(line.size() + 1, kColumnOfWords), ' ');
-  return line + "# " + words + "\n";
+  return fmt::format("{}# {}\n", line, words);
 }
 
 // Every setting with its default.

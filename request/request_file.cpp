@@ -1,5 +1,7 @@
 #include "request/request_file.h"
 
+#include <fmt/core.h>
+
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -20,7 +22,7 @@ const std::vector<std::string> kTopKeys = {"prefix", "folder",    "work_folder",
 
 std::string contents(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw InputError("cannot open the request " + file.string() + "; check the path");
+  if (!stream) throw InputError(fmt::format("cannot open the request {}; check the path", file.string()));
   std::ostringstream text;
   text << stream.rdbuf();
   return text.str();
@@ -40,9 +42,9 @@ std::vector<const toml::table*> tablesOf(const TomlTable& top, const toml::table
   const toml::node* node = root.get(key);
   if (node == nullptr) return tables;
   if (node->is_table()) return {node->as_table()};
-  if (!node->is_array()) top.fail(key, std::string("must be written as tables, [[") + key + "]]");
+  if (!node->is_array()) top.fail(key, fmt::format("must be written as tables, [[{}]]", key));
   for (const toml::node& item : *node->as_array()) {
-    if (!item.is_table()) top.fail(key, std::string("must be written as tables, [[") + key + "]]");
+    if (!item.is_table()) top.fail(key, fmt::format("must be written as tables, [[{}]]", key));
     tables.push_back(item.as_table());
   }
   return tables;
@@ -59,8 +61,7 @@ void checkUnique(const std::vector<std::pair<std::string, int>>& names, const ch
   std::set<std::string> seen;
   for (const auto& [name, line] : names) {
     if (!seen.insert(name).second) {
-      failAt(file, line,
-             std::string("two ") + what + " are named '" + name + "'; give each a name of its own");
+      failAt(file, line, fmt::format("two {} are named '{}'; give each a name of its own", what, name));
     }
   }
 }
@@ -105,8 +106,8 @@ void requireEvents(const Request& request, const ConditionRequest& condition, co
     for (const RunRequest& run : request.runs) {
       if (run.name != part.source || !run.events.empty()) continue;
       failAt(file, condition.line,
-             "condition '" + condition.name + "' uses 'trial_types', but run '" + run.name +
-                 "' has no 'events'");
+             fmt::format("condition '{}' uses 'trial_types', but run '{}' has no 'events'", condition.name,
+                         run.name));
     }
   }
 }

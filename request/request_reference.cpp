@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include "request/request_tables.h"
 
 namespace study {
@@ -14,8 +16,7 @@ ReferenceKind kindOf(const TomlTable& table) {
   const std::pair<const char*, ReferenceKind>* found = nullptr;
   for (const auto& kind : kinds) {
     if (!table.has(kind.first)) continue;
-    if (found != nullptr)
-      table.fail(kind.first, std::string("and '") + found->first + "' exclude each other");
+    if (found != nullptr) table.fail(kind.first, fmt::format("and '{}' exclude each other", found->first));
     found = &kind;
   }
   if (found == nullptr) {
@@ -83,8 +84,7 @@ void parseKind(const TomlTable& table, const RequestPlace& place, ReferenceReque
 // Keys that belong to another kind of reference than the chosen one would be silently ignored.
 void refuseForeignKeys(const TomlTable& table, const ReferenceRequest& reference) {
   const auto refuse = [&](const char* key, ReferenceKind kind, const char* with) {
-    if (table.has(key) && reference.kind != kind)
-      table.fail(key, std::string("goes with '") + with + "' only");
+    if (table.has(key) && reference.kind != kind) table.fail(key, fmt::format("goes with '{}' only", with));
   };
   refuse("labels", ReferenceKind::kLabels, "label_image");
   refuse("label_table", ReferenceKind::kLabels, "label_image");

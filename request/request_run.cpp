@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "request/confound_terms.h"
@@ -56,9 +58,9 @@ void requireConfounds(const TomlTable& table, const RunRequest& run) {
       !run.confoundTerms.empty() || run.censoring.fdThresholdMm > 0 || run.dropVolumes == kDropFromConfounds;
   if (needed && run.confounds.empty()) {
     failAt(table.file(), table.line(),
-           "run '" + run.name +
-               "' asks for regression, censoring or automatic dropping, which need a table: "
-               "add 'confounds = \"...tsv\"'");
+           fmt::format("run '{}' asks for regression, censoring or automatic dropping, which need a table: "
+                       "add 'confounds = \"...tsv\"'",
+                       run.name));
   }
 }
 
@@ -70,8 +72,8 @@ std::filesystem::path existingFile(const TomlTable& table, std::string_view key,
   const std::filesystem::path path = (place.folder / text).lexically_normal();
   std::error_code error;
   if (std::filesystem::is_regular_file(path, error)) return path;
-  table.fail(key, "names a file that does not exist: " + path.string() +
-                      suggestion(path.filename().string(), namesIn(path.parent_path())));
+  table.fail(key, fmt::format("names a file that does not exist: {}{}", path.string(),
+                              suggestion(path.filename().string(), namesIn(path.parent_path()))));
 }
 
 RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::size_t number) {
@@ -81,7 +83,7 @@ RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::siz
   run.name = table.text("name", "run" + std::to_string(number));
   run.bold = existingFile(table, "bold", place);
   if (run.bold.empty())
-    failAt(place.file, run.line, "[[run]] '" + run.name + "' needs 'bold', a 4-D NIfTI image");
+    failAt(place.file, run.line, fmt::format("[[run]] '{}' needs 'bold', a 4-D NIfTI image", run.name));
   run.mask = existingFile(table, "mask", place);
   run.events = existingFile(table, "events", place);
   run.confounds = existingFile(table, "confounds", place);

@@ -1,5 +1,7 @@
 #include "request/request_settings.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -43,14 +45,15 @@ struct RowReader {
   void operator()(Method Settings::*member) const {
     const std::string name = table.text(row.key, methodName(settings.*member));
     const auto method = methodNamed(name);
-    if (!method) table.fail(row.key, "is '" + name + "'" + suggestion(name, {"calibrated", "plugin"}));
+    if (!method)
+      table.fail(row.key, fmt::format("is '{}'{}", name, suggestion(name, {"calibrated", "plugin"})));
     settings.*member = *method;
   }
   void operator()(OrderChoice Settings::*) const {
     for (const std::string& text : table.texts(row.key, true)) {
       if (parseOrder(row, text, settings)) continue;
       table.fail(row.key,
-                 "is '" + text + "'; it must be " + rangeText(row) + ", \"bic\", \"aic\" or \"hqc\"");
+                 fmt::format("is '{}'; it must be {}, \"bic\", \"aic\" or \"hqc\"", text, rangeText(row)));
     }
   }
   void operator()(int Settings::*member) const {
@@ -65,7 +68,8 @@ struct RowReader {
     (settings.*member).clear();
     for (const std::string& name : table.texts(row.key)) {
       const auto found = std::find(known.begin(), known.end(), name);
-      if (found == known.end()) table.fail(row.key, "names '" + name + "'" + suggestion(name, known));
+      if (found == known.end())
+        table.fail(row.key, fmt::format("names '{}'{}", name, suggestion(name, known)));
       (settings.*member).insert(static_cast<tav::MapType>(found - known.begin()));
     }
     if ((settings.*member).empty()) table.fail(row.key, "is empty; name at least one map type");

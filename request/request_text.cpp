@@ -1,5 +1,7 @@
 #include "request/request_text.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <sstream>
 
@@ -100,9 +102,8 @@ void putReference(const ReferenceRequest& reference, Lines& lines) {
 }
 
 std::string rangesText(const std::vector<VolumeRange>& ranges) {
-  return tomlList(ranges, [](const VolumeRange& range) {
-    return "[" + std::to_string(range.first) + ", " + std::to_string(range.last) + "]";
-  });
+  return tomlList(ranges,
+                  [](const VolumeRange& range) { return fmt::format("[{}, {}]", range.first, range.last); });
 }
 
 // Intervals of all parts, or a table of those of each reference run.
@@ -112,8 +113,8 @@ std::string intervalsText(const ConditionRequest& condition) {
   for (const ConditionPart& part : condition.parts) perRun[part.source] = rangesText(part.typed);
   std::string text;
   for (const auto& [run, ranges] : perRun)
-    text += (text.empty() ? "" : ", ") + tomlText(run) + " = " + ranges;
-  return "{ " + text + " }";
+    text += fmt::format("{}{} = {}", text.empty() ? "" : ", ", tomlText(run), ranges);
+  return fmt::format("{{ {} }}", text);
 }
 
 void putParts(const ConditionRequest& condition, Lines& lines) {
@@ -121,7 +122,7 @@ void putParts(const ConditionRequest& condition, Lines& lines) {
                                  [](const ConditionPart& part) { return part.source != part.target; });
   lines.put(pairs ? "pairs" : "runs", tomlList(condition.parts, [&](const ConditionPart& part) {
               const std::string source = tomlText(part.source);
-              return pairs ? "[" + source + ", " + tomlText(part.target) + "]" : source;
+              return pairs ? fmt::format("[{}, {}]", source, tomlText(part.target)) : source;
             }));
 }
 

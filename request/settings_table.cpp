@@ -1,5 +1,7 @@
 #include "request/settings_table.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -77,11 +79,11 @@ template <typename Items, typename ToText>
 std::string listText(const Items& items, ToText toText) {
   std::string text;
   for (const auto& item : items) text += (text.empty() ? "" : ", ") + toText(item);
-  return "[" + text + "]";
+  return fmt::format("[{}]", text);
 }
 
 std::string quoted(const std::string& text) {
-  return "\"" + text + "\"";
+  return fmt::format("\"{}\"", text);
 }
 
 struct Values {
@@ -144,8 +146,8 @@ std::string settingText(const Setting& setting, const Settings& settings) {
 }
 
 std::string rangeText(const Setting& setting) {
-  return numberText(setting.least, std::chars_format::fixed) + " to " +
-         numberText(setting.most, std::chars_format::fixed);
+  return fmt::format("{} to {}", numberText(setting.least, std::chars_format::fixed),
+                     numberText(setting.most, std::chars_format::fixed));
 }
 
 std::vector<const Setting*> recordedSettings() {

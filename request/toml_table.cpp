@@ -1,5 +1,7 @@
 #include "request/toml_table.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <sstream>
@@ -24,7 +26,7 @@ int lineOf(const toml::node& node) {
 }  // namespace
 
 void failAt(const std::string& file, int line, const std::string& message) {
-  throw InputError(file + (line > 0 ? ":" + std::to_string(line) : "") + ": " + message);
+  throw InputError(fmt::format("{}{}: {}", file, line > 0 ? ":" + std::to_string(line) : "", message));
 }
 
 TomlTable::TomlTable(const toml::table& table, std::string file, std::string where,
@@ -34,7 +36,7 @@ TomlTable::TomlTable(const toml::table& table, std::string file, std::string whe
     const std::string name(key.str());
     if (std::find(known.begin(), known.end(), name) != known.end()) continue;
     failAt(file_, static_cast<int>(key.source().begin.line),
-           "unknown key '" + name + "' in " + where_ + suggestion(name, known));
+           fmt::format("unknown key '{}' in {}{}", name, where_, suggestion(name, known)));
   }
 }
 
@@ -48,7 +50,7 @@ int TomlTable::line(std::string_view key) const {
 }
 
 void TomlTable::fail(std::string_view key, const std::string& message) const {
-  failAt(file_, line(key), "'" + std::string(key) + "' in " + where_ + " " + message);
+  failAt(file_, line(key), fmt::format("'{}' in {} {}", key, where_, message));
 }
 
 std::string TomlTable::text(std::string_view key, std::string fallback) const {
@@ -68,10 +70,10 @@ bool TomlTable::flag(std::string_view key, bool fallback) const {
 int TomlTable::integer(std::string_view key, int fallback, int least, int most) const {
   const toml::node* node = table_.get(key);
   if (node == nullptr) return fallback;
-  const std::string range = std::to_string(least) + " to " + std::to_string(most);
+  const std::string range = fmt::format("{} to {}", least, most);
   if (!node->is_integer()) fail(key, "must be a whole number from " + range);
   const std::int64_t value = node->as_integer()->get();
-  if (value < least || value > most) fail(key, "is " + std::to_string(value) + ", outside " + range);
+  if (value < least || value > most) fail(key, fmt::format("is {}, outside {}", value, range));
   return static_cast<int>(value);
 }
 
@@ -81,7 +83,8 @@ double TomlTable::number(std::string_view key, double fallback, double least, do
   const auto value = node->value<double>();
   if (!node->is_number() || !value || !std::isfinite(*value)) fail(key, "must be a number");
   if (*value < least || *value > most) {
-    fail(key, "is " + shortNumber(*value) + ", outside " + shortNumber(least) + " to " + shortNumber(most));
+    fail(key,
+         fmt::format("is {}, outside {} to {}", shortNumber(*value), shortNumber(least), shortNumber(most)));
   }
   return *value;
 }

@@ -2,6 +2,8 @@
 #ifndef TAVMAP_REQUEST_TOML_TEXT_H
 #define TAVMAP_REQUEST_TOML_TEXT_H
 
+#include <fmt/core.h>
+
 #include <string>
 #include <string_view>
 
@@ -17,7 +19,7 @@ template <typename Items, typename Spell>
 std::string tomlList(const Items& items, Spell spell) {
   std::string text;
   for (const auto& item : items) text += (text.empty() ? "" : ", ") + std::string(spell(item));
-  return "[" + text + "]";
+  return fmt::format("[{}]", text);
 }
 
 }  // namespace study

@@ -9,6 +9,8 @@
 #ifndef TAVMAP_RESULTS_JSON_FIELDS_H
 #define TAVMAP_RESULTS_JSON_FIELDS_H
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -123,7 +125,7 @@ class FieldReader {
     const JsonPlace at = place_.member(key);
     const std::string name = at.text();
     const auto found = std::find(names.begin(), names.end(), name);
-    if (found == names.end()) at.fail("unknown " + std::string(what) + " '" + name + "'", kRemedy);
+    if (found == names.end()) at.fail(fmt::format("unknown {} '{}'", what, name), kRemedy);
     value = static_cast<T>(found - names.begin());
   }
   JsonPlace at(const char* key) const { return place_.member(key); }
@@ -156,8 +158,8 @@ class FieldReader {
     } else if (json.is_number_integer() && std::in_range<T>(json.get<std::int64_t>())) {
       value = json.get<T>();
     } else {
-      at.fail("a whole number from " + std::to_string(std::numeric_limits<T>::min()) + " to " +
-                  std::to_string(std::numeric_limits<T>::max()) + " is expected",
+      at.fail(fmt::format("a whole number from {} to {} is expected", std::numeric_limits<T>::min(),
+                          std::numeric_limits<T>::max()),
               kRemedy);
     }
   }
@@ -173,7 +175,7 @@ class FieldReader {
   }
   template <typename T, std::size_t n>
   static void read(const JsonPlace& at, std::array<T, n>& values) {
-    if (at.elements() != n) at.fail("a list of " + std::to_string(n) + " is expected", kRemedy);
+    if (at.elements() != n) at.fail(fmt::format("a list of {} is expected", n), kRemedy);
     for (std::size_t i = 0; i < n; ++i) read(at.element(i), values[i]);
   }
   template <typename T>

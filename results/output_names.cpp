@@ -1,5 +1,7 @@
 #include "results/output_names.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <set>
 
@@ -16,7 +18,7 @@ std::vector<std::string> uniqueLabels(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     const std::string base = bidsLabel(name);
     std::string label = base;
-    for (int number = 2; !taken.insert(label).second; ++number) label = base + "n" + std::to_string(number);
+    for (int number = 2; !taken.insert(label).second; ++number) label = fmt::format("{}n{}", base, number);
     labels.push_back(label);
   }
   return labels;
@@ -26,19 +28,19 @@ OutputNames::OutputNames(std::string prefix, std::string seedLabel)
     : prefix_(std::move(prefix)), seed_(std::move(seedLabel)) {}
 
 std::string OutputNames::stem(const std::string& more) const {
-  return prefix_ + "_seed-" + seed_ + more;
+  return fmt::format("{}_seed-{}{}", prefix_, seed_, more);
 }
 
 std::string OutputNames::map(const std::string& conditionLabel, tav::MapType type) const {
-  return stem("_contrast-" + conditionLabel + mapLabel(type) + "_stat-effect_statmap.nii.gz");
+  return stem(fmt::format("_contrast-{}{}_stat-effect_statmap.nii.gz", conditionLabel, mapLabel(type)));
 }
 
 std::string OutputNames::status(const std::string& conditionLabel) const {
-  return stem("_desc-" + conditionLabel + "Status_dseg.nii.gz");
+  return stem(fmt::format("_desc-{}Status_dseg.nii.gz", conditionLabel));
 }
 
 std::string OutputNames::statusTable(const std::string& conditionLabel) const {
-  return stem("_desc-" + conditionLabel + "Status_dseg.tsv");
+  return stem(fmt::format("_desc-{}Status_dseg.tsv", conditionLabel));
 }
 
 std::string OutputNames::courses() const {
@@ -59,7 +61,7 @@ std::string OutputNames::sidecarOf(const std::string& file) {
 
 // "+" occurs in no prefix of entities, so that two results cannot share a name.
 Staging::Staging(const fs::path& outputFolder, const std::string& prefix, const std::string& label)
-    : output_(outputFolder), folder_(outputFolder, prefix + "+" + label) {}
+    : output_(outputFolder), folder_(outputFolder, fmt::format("{}+{}", prefix, label)) {}
 
 std::vector<std::string> Staging::publish(const std::string& record) {
   std::vector<std::string> files;
@@ -75,7 +77,7 @@ std::vector<std::string> Staging::publish(const std::string& record) {
   for (const std::string& name : files) {
     std::error_code error;
     fs::rename(folder() / name, output_ / name, error);
-    if (error) throw RunError("cannot write " + (output_ / name).string() + ": " + error.message());
+    if (error) throw RunError(fmt::format("cannot write {}: {}", (output_ / name).string(), error.message()));
   }
   return files;
 }

@@ -1,5 +1,7 @@
 #include "results/record_json.h"
 
+#include <fmt/core.h>
+
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
 #include "request/settings_table.h"
@@ -19,7 +21,7 @@ struct SettingReader {
 
   template <typename T>
   void named(T Settings::*member, const std::optional<T>& value) const {
-    if (!value) at.fail("\"" + at.text() + "\" is not known here", FieldReader::kRemedy);
+    if (!value) at.fail(fmt::format("\"{}\" is not known here", at.text()), FieldReader::kRemedy);
     settings.*member = *value;
   }
   void operator()(Method Settings::*m) const { named(m, methodNamed(at.text())); }
@@ -141,7 +143,8 @@ Record recordFromText(const std::string& text, const std::string& path) {
     FieldReader::read(JsonPlace(formats::parseJson(text, path), path), record);
     return record;
   } catch (const formats::FileError& error) {
-    throw formats::FileError(path, "not a whole record (" + error.reason() + ")", "Compute the result again");
+    throw formats::FileError(path, fmt::format("not a whole record ({})", error.reason()),
+                             "Compute the result again");
   }
 }
 

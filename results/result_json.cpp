@@ -1,5 +1,7 @@
 #include "results/result_json.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "results/record_json.h"
@@ -98,7 +100,7 @@ std::string sourceUri(const Request& request, const fs::path& file) {
     const fs::path folder = fs::absolute(root).lexically_normal();
     const fs::path relative = whole.lexically_relative(folder);
     if (relative.empty() || *relative.begin() == ".." || folder.string().size() < bestLength) continue;
-    best = "bids:" + name + ":" + relative.generic_string();
+    best = fmt::format("bids:{}:{}", name, relative.generic_string());
     bestLength = folder.string().size();
   }
   return best.empty() ? file.filename().string() : best;
@@ -107,7 +109,8 @@ std::string sourceUri(const Request& request, const fs::path& file) {
 Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
                 const ConditionResult& condition, const MapResult& map) {
   Json json;
-  json["Description"] = mapDescription(map.type, reference.name) + "; condition '" + condition.name + "'";
+  json["Description"] =
+      fmt::format("{}; condition '{}'", mapDescription(map.type, reference.name), condition.name);
   json["MapType"] = tav::MAPTYPE_NAMES[static_cast<std::size_t>(map.type)];
   json["Units"] = mapUnits(map.type, Json(context.request.settings.mapScale).dump());
   json["Reference"] = reference.name;
@@ -129,8 +132,8 @@ Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
 Json statusSidecar(const ResultContext& context, const ReferenceResult& reference,
                    const ConditionResult& condition) {
   Json json;
-  json["Description"] = "why each voxel of the maps of " + reference.name + ", condition '" + condition.name +
-                        "', has the value it has";
+  json["Description"] = fmt::format("why each voxel of the maps of {}, condition '{}', has the value it has",
+                                    reference.name, condition.name);
   Json labels;
   for (std::size_t code = 0; code < kStatusCodes; ++code) {
     labels[std::to_string(code)] = statusName(static_cast<StatusCode>(code));

@@ -1,5 +1,7 @@
 #include "simulation/answer_script.h"
 
+#include <fmt/core.h>
+
 #include <cstddef>
 
 namespace simulation {
@@ -8,12 +10,13 @@ namespace {
 constexpr const char* kOnlyFirstVoi = "# reference: the first VOI, then stop\ninteger 1\ninteger 0\n";
 
 std::string opening(int method, const std::string& what, const std::string& condition) {
-  return kOnlyFirstVoi + ("# intervals: " + what) + "\ninteger " + std::to_string(method) +
-         "\n# a condition\ntext " + condition + '\n';
+  return fmt::format("{}{}\ninteger {}\n# a condition\ntext {}\n", kOnlyFirstVoi, "# intervals: " + what,
+                     method, condition);
 }
 
 std::string ending(const std::string& prefix) {
-  return "# no more VTCs, no more conditions, where the results go\ncancel\ntext\nsave " + prefix + '\n';
+  return fmt::format("# no more VTCs, no more conditions, where the results go\ncancel\ntext\nsave {}\n",
+                     prefix);
 }
 
 // Protocols list their conditions by first appearance, so the number may differ between runs.
@@ -28,7 +31,7 @@ std::size_t numberOf(const std::string& condition, const formats::Protocol& desi
 std::string wholeRunAnswers(const std::vector<SessionRun>& runs, const std::string& prefix) {
   std::string script = opening(1, "typed, one per VTC", "whole");
   for (const SessionRun& run : runs)
-    script += "open " + run.vtc + "\ninteger 1\ninteger " + std::to_string(run.volumes) + '\n';
+    script += fmt::format("open {}\ninteger 1\ninteger {}\n", run.vtc, run.volumes);
   return script + ending(prefix);
 }
 
@@ -36,8 +39,8 @@ std::string protocolAnswers(const std::vector<SessionRun>& runs, const std::stri
                             const std::string& prefix) {
   std::string script = opening(2, "of a protocol condition", condition);
   for (const SessionRun& run : runs)
-    script += "open " + run.vtc + "\nopen " + run.protocol + "\ninteger " +
-              std::to_string(numberOf(condition, run.design)) + '\n';
+    script +=
+        fmt::format("open {}\nopen {}\ninteger {}\n", run.vtc, run.protocol, numberOf(condition, run.design));
   return script + ending(prefix);
 }
 

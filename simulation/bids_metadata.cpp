@@ -1,5 +1,7 @@
 #include "simulation/bids_metadata.h"
 
+#include <fmt/core.h>
+
 #include <nlohmann/json.hpp>
 
 namespace simulation {
@@ -53,7 +55,7 @@ std::string readmeText() {
 std::string participantsTable(int participants) {
   std::string table = "participant_id\tage\n";
   for (int participant = 1; participant <= participants; ++participant)
-    table += (participant < 10 ? "sub-0" : "sub-") + std::to_string(participant) + "\tn/a\n";
+    table += fmt::format("{}{}\tn/a\n", participant < 10 ? "sub-0" : "sub-", participant);
   return table;
 }
 

@@ -1,5 +1,7 @@
 #include "simulation/bids_tree.h"
 
+#include <fmt/core.h>
+
 #include "formats/atomic_file.h"
 #include "formats/label_table.h"
 #include "formats/nifti_writer.h"
@@ -35,7 +37,7 @@ std::string subjectName(int participant) {
 }
 
 std::string inSpace(const std::string& stem) {
-  return stem + "_space-" + kSpace;
+  return fmt::format("{}_space-{}", stem, kSpace);
 }
 
 void writeTop(const Tree& tree, int participants) {
@@ -46,7 +48,7 @@ void writeTop(const Tree& tree, int participants) {
   writeTextFile(tree.folder + "/README", readmeText());
   writeTextFile(tree.folder + "/participants.tsv", participantsTable(participants));
   writeTextFile(tree.folder + "/participants.json", participantsSidecar());
-  writeTextFile(tree.folder + "/task-" + kTask + "_events.json", eventsSidecar());
+  writeTextFile(fmt::format("{}/task-{}_events.json", tree.folder, kTask), eventsSidecar());
   writeTextFile(tree.derivatives() + "/dataset_description.json",
                 derivativeDescription("Simulated scans as if preprocessed"));
   writeTextFile(tree.atlas() + "/dataset_description.json",
@@ -60,13 +62,13 @@ void writeAtlas(const Tree& tree) {
 }
 
 void writeAnatomies(const Tree& tree, const std::string& subject) {
-  const std::string raw = tree.folder + '/' + subject + "/anat/",
-                    derived = tree.derivatives() + '/' + subject + "/anat/";
+  const std::string raw = fmt::format("{}/{}/anat/", tree.folder, subject),
+                    derived = fmt::format("{}/{}/anat/", tree.derivatives(), subject);
   makeFolder(raw);
   makeFolder(derived);
   const std::string preprocessed = inSpace(derived + subject);
-  writeAnatomy(raw + subject + "_T1w.nii.gz", tree.head);
-  formats::writeTextFile(raw + subject + "_T1w.json", anatomySidecar());
+  writeAnatomy(fmt::format("{}{}_T1w.nii.gz", raw, subject), tree.head);
+  formats::writeTextFile(fmt::format("{}{}_T1w.json", raw, subject), anatomySidecar());
   writeAnatomy(preprocessed + "_desc-preproc_T1w.nii.gz", tree.head);
   formats::writeTextFile(preprocessed + "_desc-preproc_T1w.json", anatomySidecar());
 }
@@ -109,8 +111,7 @@ void writeConfounds(const std::string& derived, const std::vector<Confound>& con
 
 void writeRun(const Tree& tree, int participant, int run) {
   const std::string subject = subjectName(participant);
-  const std::string name =
-      '/' + subject + "/func/" + subject + "_task-" + kTask + "_run-" + std::to_string(run);
+  const std::string name = fmt::format("/{}/func/{}_task-{}_run-{}", subject, subject, kTask, run);
   const std::string raw = tree.folder + name, derived = tree.derivatives() + name;
   const auto person = static_cast<std::uint32_t>(participant), number = static_cast<std::uint32_t>(run);
   NoiseStream nuisance(tree.options.seed, person, kConfoundStreams + number);
@@ -126,10 +127,10 @@ void writeRun(const Tree& tree, int participant, int run) {
 void writeParticipant(const Tree& tree, int participant) {
   const std::string subject = subjectName(participant);
   writeAnatomies(tree, subject);
-  makeFolder(tree.folder + '/' + subject + "/func");
-  makeFolder(tree.derivatives() + '/' + subject + "/func");
+  makeFolder(fmt::format("{}/{}/func", tree.folder, subject));
+  makeFolder(fmt::format("{}/{}/func", tree.derivatives(), subject));
   for (int run = 1; run <= tree.options.runs; ++run) writeRun(tree, participant, run);
-  writeTruth(tree.atlas() + '/' + subject + "_truth.json",
+  writeTruth(fmt::format("{}/{}_truth.json", tree.atlas(), subject),
              truthOf(tree.model, tree.head.regionVoxels, tree.options.seed, tree.options.strength));
 }
 

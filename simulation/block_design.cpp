@@ -1,5 +1,7 @@
 #include "simulation/block_design.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -42,14 +44,14 @@ formats::Protocol blockDesign(int run, int volumes) {
 std::string secondsText(double ms) {
   const long long whole = std::llround(ms);
   std::string decimals = std::to_string(whole % 1000);
-  return std::to_string(whole / 1000) + '.' + std::string(3 - decimals.size(), '0') + decimals;
+  return fmt::format("{}.{}{}", whole / 1000, std::string(3 - decimals.size(), '0'), decimals);
 }
 
 std::string eventsTable(const formats::Protocol& design, double trMs) {
   std::string table = "onset\tduration\ttrial_type\n";
   for (const auto& [interval, name] : blocksByOnset(design))
-    table += secondsText((interval.start - 1) * trMs) + '\t' +
-             secondsText((interval.end - interval.start + 1) * trMs) + '\t' + name + '\n';
+    table += fmt::format("{}\t{}\t{}\n", secondsText((interval.start - 1) * trMs),
+                         secondsText((interval.end - interval.start + 1) * trMs), name);
   return table;
 }
 

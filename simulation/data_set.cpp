@@ -1,5 +1,7 @@
 #include "simulation/data_set.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 #include <vector>
 
@@ -24,7 +26,7 @@ bool within(int value, int smallest, int largest) {
 }
 
 std::string rangeProblem(const char* what, int smallest, int largest) {
-  return std::string(what) + " must be from " + std::to_string(smallest) + " to " + std::to_string(largest);
+  return fmt::format("{} must be from {} to {}", what, smallest, largest);
 }
 
 void writeHead(const std::string& folder, const Head& head, const InfluenceModel& model) {
@@ -55,17 +57,18 @@ void importBold(const std::string& folder, const std::string& bold, const std::s
   formats::ImportOptions import;
   import.maskPath = folder + "/mask.nii.gz";
   import.durability = formats::Durability::kCached;
-  formats::importVtc(folder + '/' + bold, folder + '/' + vtc, import);
+  formats::importVtc(fmt::format("{}/{}", folder, bold), fmt::format("{}/{}", folder, vtc), import);
 }
 
 SessionRun writeRun(const std::string& folder, const Head& head, const InfluenceModel& model,
                     const DataSetOptions& options, int run) {
   const std::string stem = "run-" + std::to_string(run);
   const SessionRun written{stem + ".vtc", stem + ".prt", options.volumes, blockDesign(run, options.volumes)};
-  writeBold(folder + '/' + stem + "_bold.nii.gz", head, model, options, run);
+  writeBold(fmt::format("{}/{}_bold.nii.gz", folder, stem), head, model, options, run);
   importBold(folder, stem + "_bold.nii.gz", written.vtc);
-  formats::writeProtocol(folder + '/' + written.protocol, written.design);
-  formats::writeTextFile(folder + '/' + stem + "_events.tsv", eventsTable(written.design, options.trMs));
+  formats::writeProtocol(fmt::format("{}/{}", folder, written.protocol), written.design);
+  formats::writeTextFile(fmt::format("{}/{}_events.tsv", folder, stem),
+                         eventsTable(written.design, options.trMs));
   return written;
 }
 

@@ -1,5 +1,7 @@
 #include "simulation/recovery.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -36,7 +38,7 @@ struct ConditionMaps {
 const formats::Map& findMap(const formats::MapSet& maps, const std::string& name) {
   for (const formats::Map& map : maps.maps)
     if (map.name == name) return map;
-  throw std::invalid_argument("there is no map \"" + name + "\"");
+  throw std::invalid_argument(fmt::format("there is no map \"{}\"", name));
 }
 
 std::size_t thresholdIndex(const formats::MapSet& maps, double q) {
@@ -44,7 +46,7 @@ std::size_t thresholdIndex(const formats::MapSet& maps, double q) {
   std::snprintf(wanted.data(), wanted.size(), "thres q=%1.3f", q);
   const auto found = std::find(maps.thresholdNames.begin(), maps.thresholdNames.end(), wanted.data());
   if (found == maps.thresholdNames.end())
-    throw std::invalid_argument(std::string("there is no threshold \"") + wanted.data() + '"');
+    throw std::invalid_argument(fmt::format("there is no threshold \"{}\"", wanted.data()));
   return static_cast<std::size_t>(found - maps.thresholdNames.begin());
 }
 

@@ -1,4 +1,6 @@
 // How a recovery is told: as a table for people, as JSON for programs.
+#include <fmt/core.h>
+
 #include <array>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -66,11 +68,11 @@ std::string toText(const ConditionRecovery& recovery) {
   std::snprintf(head.data(), head.size(), "  %-14s %-14s %6s %9s %9s %9s %10s\n", "region", "planted",
                 "voxels", "Ref2Vox", "Vox2Ref", "Inst", "dTAV sign");
   std::string text =
-      "Condition \"" + recovery.condition + "\": share of voxels above threshold\n" + head.data();
+      fmt::format("Condition \"{}\": share of voxels above threshold\n{}", recovery.condition, head.data());
   for (const RegionRecovery& region : recovery.regions) text += lineOf(region);
   text += outsideLine(recovery);
-  return text + "  Verdict: the planted influences " + (recovery.recovered() ? "are" : "are NOT") +
-         " recovered.\n";
+  return fmt::format("{}  Verdict: the planted influences {} recovered.\n", text,
+                     recovery.recovered() ? "are" : "are NOT");
 }
 
 std::string toJsonText(const std::vector<ConditionRecovery>& recoveries, double q) {

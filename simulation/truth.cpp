@@ -1,5 +1,7 @@
 #include "simulation/truth.h"
 
+#include <fmt/core.h>
+
 #include <nlohmann/json.hpp>
 
 #include "formats/atomic_file.h"
@@ -41,7 +43,8 @@ TruthRegion regionFromJson(const Json& json) {
   region.model.name = json.at("name").get<std::string>();
   region.voxels = json.at("voxels").get<std::size_t>();
   const std::string kind = json.at("kind").get<std::string>();
-  if (!kindFromName(kind, region.model.kind)) throw std::invalid_argument("unknown kind \"" + kind + "\"");
+  if (!kindFromName(kind, region.model.kind))
+    throw std::invalid_argument(fmt::format("unknown kind \"{}\"", kind));
   const Json& weights = json.at("coefficients");
   region.model.autoregression = weights.at("autoregression").get<double>();
   region.model.follow = weights.at("follow").get<double>();

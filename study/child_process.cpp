@@ -1,6 +1,7 @@
 #include "study/child_process.h"
 
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -45,14 +46,14 @@ void placeReports(int fd) {
   placeReports(reports);
   execv(words[0], words);
   WorkerChannel(kReportDescriptor)
-      .send(WorkerWord::kFailed, std::string("cannot start ") + words[0] + ": " + std::strerror(errno));
+      .send(WorkerWord::kFailed, fmt::format("cannot start {}: {}", words[0], std::strerror(errno)));
   _exit(127);
 }
 
 std::string endOf(int status) {
   if (!WIFSIGNALED(status)) return "ended with code " + std::to_string(WEXITSTATUS(status));
   const int number = WTERMSIG(status);
-  return "was ended by signal " + std::to_string(number) + " (" + strsignal(number) + ")";
+  return fmt::format("was ended by signal {} ({})", number, strsignal(number));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "study/file_store.h"
 
+#include <fmt/core.h>
+
 #include <utility>
 
 #include "formats/map_set.h"
@@ -12,9 +14,9 @@ formats::VtcSidecar placeOf(const std::filesystem::path& vtc) {
   auto sidecar = formats::readVtcSidecar(vtc.string());
   if (!sidecar)
     throw RunError(
-        formats::sidecarPathOf(vtc.string()) +
-        ": the file is missing, so nobody knows where the voxels of the prepared run lie. Remove " +
-        vtc.string() + " and repeat the command");
+        fmt::format("{}: the file is missing, so nobody knows where the voxels of the prepared run lie. "
+                    "Remove {} and repeat the command",
+                    formats::sidecarPathOf(vtc.string()), vtc.string()));
   return std::move(*sidecar);
 }
 

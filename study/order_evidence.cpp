@@ -1,5 +1,7 @@
 #include "study/order_evidence.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -101,8 +103,9 @@ class Gatherer {
       }
     }
     if (samples > 0) return samples;
-    throw InputError("condition '" + cond.name + "': no interval is long enough to try order " +
-                     std::to_string(maxOrder_) + "; lower 'max_order'");
+    throw InputError(
+        fmt::format("condition '{}': no interval is long enough to try order {}; lower 'max_order'",
+                    cond.name, maxOrder_));
   }
 
   std::vector<std::size_t> sampleVoxels(const tav::TAV_Cond_Pars& cond) const {
@@ -138,7 +141,7 @@ class Gatherer {
     std::vector<double> curve, sum(static_cast<std::size_t>(maxOrder_), 0.0);
     fitIntervals(voi, cond, nullptr);
     if (!fit_.ownFit(curve))
-      throw RunError("the course of reference '" + voi.name + "' has no model; is it constant?");
+      throw RunError(fmt::format("the course of reference '{}' has no model; is it constant?", voi.name));
     entry.own = criteriaOf(curve, 1, entry.samples);
     VoxelReader reader(cond, pars_.firstTpInclThres);
     for (const std::size_t voxel : voxels) {

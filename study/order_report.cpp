@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <cstdio>
 
 #include "study/order_evidence.h"
@@ -26,8 +28,8 @@ std::string fixed(double value) {
 
 void addRows(const std::string& begin, const char* kind, const Criteria& criteria, std::string& table) {
   for (std::size_t i = 0; i < criteria.bic.size(); ++i) {
-    table += begin + "\t" + kind + "\t" + std::to_string(i + 1) + "\t" + fixed(criteria.bic[i]) + "\t" +
-             fixed(criteria.aic[i]) + "\t" + fixed(criteria.hqc[i]) + "\n";
+    table += fmt::format("{}\t{}\t{}\t{}\t{}\t{}\n", begin, kind, i + 1, fixed(criteria.bic[i]),
+                         fixed(criteria.aic[i]), fixed(criteria.hqc[i]));
   }
 }
 
@@ -63,8 +65,8 @@ OrderEvidence orderFromJson(const Json& json) {
 std::string orderTable(const OrderEvidence& evidence) {
   std::string table = "reference\tcondition\tmodel\torder\tbic\taic\thqc\n";
   for (const OrderEvidence::Entry& entry : evidence.entries) {
-    addRows(entry.reference + "\t" + entry.condition, "own", entry.own, table);
-    addRows(entry.reference + "\t" + entry.condition, "joint", entry.joint, table);
+    addRows(fmt::format("{}\t{}", entry.reference, entry.condition), "own", entry.own, table);
+    addRows(fmt::format("{}\t{}", entry.reference, entry.condition), "joint", entry.joint, table);
   }
   addRows("all\tall", "total", evidence.total, table);
   return table;

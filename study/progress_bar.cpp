@@ -1,5 +1,6 @@
 #include "study/progress_bar.h"
 
+#include <fmt/core.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -35,13 +36,13 @@ std::string durationText(double seconds) {
 std::string progressLine(double fraction, double elapsedSeconds) {
   fraction = std::clamp(fraction, 0.0, 1.0);
   const int filled = static_cast<int>(fraction * kBarCells);
-  std::string line = "[" + std::string(static_cast<std::size_t>(filled), '#') +
-                     std::string(static_cast<std::size_t>(kBarCells - filled), '.') + "] ";
+  std::string line = fmt::format("[{}{}] ", std::string(static_cast<std::size_t>(filled), '#'),
+                                 std::string(static_cast<std::size_t>(kBarCells - filled), '.'));
   char percent[16];
   std::snprintf(percent, sizeof percent, "%3d %%", static_cast<int>(fraction * 100));
   line += percent;
   if (fraction >= kLeastForEstimate && fraction < 1) {
-    line += ", " + durationText(elapsedSeconds * (1 - fraction) / fraction) + " left";
+    line += fmt::format(", {} left", durationText(elapsedSeconds * (1 - fraction) / fraction));
   }
   return line;
 }
@@ -68,7 +69,7 @@ void ProgressBar::onProgress(double doneWeight, double totalWeight) {
 
 void ProgressBar::onFinished(const WorkPiece& piece, const WorkOutcome& outcome) {
   if (outcome.done && style_ == ProgressStyle::kLines) say("done: " + piece.name);
-  if (!outcome.done) say("FAILED: " + piece.name + ": " + outcome.message);
+  if (!outcome.done) say(fmt::format("FAILED: {}: {}", piece.name, outcome.message));
 }
 
 void ProgressBar::say(const std::string& line) {

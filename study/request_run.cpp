@@ -1,5 +1,7 @@
 #include "study/request_run.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "formats/atomic_file.h"
@@ -53,21 +55,22 @@ void RequestRun::start() {
 void RequestRun::addWork(const std::string& name, double weight, const WorkerJob& job,
                          std::function<void(const WorkOutcome&)> finished) {
   const fs::path file = folders_.writeJob(plan_.workFolder, jobText(job));
-  pool_.add({plan_.request.title + ": " + name, weight, workerCommand(options_, file), std::move(finished)});
+  pool_.add({fmt::format("{}: {}", plan_.request.title, name), weight, workerCommand(options_, file),
+             std::move(finished)});
 }
 
 void RequestRun::addImport(std::size_t run) {
   ++importsLeft_;
   const std::string name = "import of " + plan_.runs[run].request.name;
   addWork(name, 1, importJob(plan_, run), [this, name](const WorkOutcome& done) {
-    if (!done.done) fail(done, plan_.request.title + ": " + name);
+    if (!done.done) fail(done, fmt::format("{}: {}", plan_.request.title, name));
     if (--importsLeft_ == 0 && !failed_) afterImports();
   });
 }
 
 void RequestRun::fail(const WorkOutcome& work, const std::string& what) {
   failed_ = true;
-  outcome_.failures.push_back(what + ": " + work.message);
+  outcome_.failures.push_back(fmt::format("{}: {}", what, work.message));
   outcome_.inputProblem = outcome_.inputProblem || work.inputProblem;
   if (options_.stopOnFirstCrash) pool_.cancelWaiting();
 }
@@ -142,7 +145,7 @@ std::vector<std::vector<std::size_t>> RequestRun::sharedOut(const std::vector<st
 
 void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions) {
   std::string name = plan_.regions[regions[0]].name;
-  if (regions.size() > 1) name += " and " + std::to_string(regions.size() - 1) + " more";
+  if (regions.size() > 1) name += fmt::format(" and {} more", regions.size() - 1);
   const double weight =
       workOfReferences() * static_cast<double>(regions.size()) / static_cast<double>(plan_.regions.size());
   addWork(name, weight, referencesJob(plan_, regions),

@@ -1,5 +1,7 @@
 #include "study/result_writer.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "formats/atomic_file.h"
@@ -46,7 +48,7 @@ std::map<std::string, std::uintmax_t> fileSizes(const std::filesystem::path& fol
 std::string statusTableText() {
   std::string table = "index\tname\n";
   for (std::size_t code = 0; code < kStatusCodes; ++code) {
-    table += std::to_string(code) + "\t" + statusName(static_cast<StatusCode>(code)) + "\n";
+    table += fmt::format("{}\t{}\n", code, statusName(static_cast<StatusCode>(code)));
   }
   return table;
 }
@@ -160,12 +162,12 @@ void ResultWriter::writeCourses(const OutputNames& names) {
                        sidecar ? sidecar->shift : 0, found == courses_.end() ? nullptr : &found->second});
   }
   writeText(names.courses(), courseTable(columns));
-  writeJson(
-      OutputNames::sidecarOf(names.courses()),
-      {{"Description", "mean time course of " + plan_.regions[region()].name +
-                           " after preparation, one column per run, one row per volume of the stored image"},
-       {"ReferenceVoxels", plan_.regions[region()].voxels()},
-       {"SoftwareVersion", plan_.version}});
+  writeJson(OutputNames::sidecarOf(names.courses()),
+            {{"Description", fmt::format("mean time course of {} after preparation, one column per run, one "
+                                         "row per volume of the stored image",
+                                         plan_.regions[region()].name)},
+             {"ReferenceVoxels", plan_.regions[region()].voxels()},
+             {"SoftwareVersion", plan_.version}});
 }
 
 void ResultWriter::writeLog() const {

@@ -1,5 +1,7 @@
 #include "study/study_plan.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "prepare/cautions.h"
@@ -161,7 +163,7 @@ std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region) {
 
 std::uint32_t seedOf(const StudyPlan& plan, std::size_t region) {
   if (plan.request.settings.method == Method::kPlugin) return plan.seed;
-  return derivedSeed(plan.seed, plan.request.output.prefix + "\n" + plan.regions[region].name);
+  return derivedSeed(plan.seed, fmt::format("{}\n{}", plan.request.output.prefix, plan.regions[region].name));
 }
 
 }  // namespace study

@@ -1,5 +1,7 @@
 #include "study/study_run.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <fstream>
 #include <random>
@@ -75,7 +77,7 @@ std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const Study
     try {
       plan(request);
     } catch (const std::exception& error) {
-      outcome.failures.push_back(request.title + ": " + error.what());
+      outcome.failures.push_back(fmt::format("{}: {}", request.title, error.what()));
       outcome.inputProblem = true;
       if (options.stopOnFirstCrash) break;
     }

@@ -1,5 +1,7 @@
 #include "study/study_summary.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -23,17 +25,17 @@ std::string numberText(double value) {
 
 std::string peakText(const MapResult& map) {
   const auto& mm = map.peakMm;
-  return "peak " + fixed(map.peak, 3) + " at (" + fixed(mm[0], 0) + ", " + fixed(mm[1], 0) + ", " +
-         fixed(mm[2], 0) + ") mm";
+  return fmt::format("peak {} at ({}, {}, {}) mm", fixed(map.peak, 3), fixed(mm[0], 0), fixed(mm[1], 0),
+                     fixed(mm[2], 0));
 }
 
 std::string thresholdText(const ThresholdResult& result) {
-  const std::string begin = "q = " + numberText(result.q) + ": ";
+  const std::string begin = fmt::format("q = {}: ", numberText(result.q));
   if (result.voxelsPassing == 0 || !result.threshold) return begin + "no voxel survives";
   const std::size_t count = result.outsideReference;
   if (count == 0) return begin + "voxels of the reference alone";
-  return begin + std::to_string(count) + (count == 1 ? " voxel at " : " voxels at ") +
-         fixed(*result.threshold, 3) + " or more";
+  return fmt::format("{}{}{}{} or more", begin, count, count == 1 ? " voxel at " : " voxels at ",
+                     fixed(*result.threshold, 3));
 }
 
 // q-values without any voxel are said once when they all are.

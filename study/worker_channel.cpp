@@ -1,5 +1,6 @@
 #include "study/worker_channel.h"
 
+#include <fmt/core.h>
 #include <unistd.h>
 
 #include <array>
@@ -43,7 +44,7 @@ std::optional<Head> parseHead(std::string_view line) {
 
 void WorkerChannel::send(WorkerWord word, std::string_view text) {
   std::string message(kWords[static_cast<std::size_t>(word)]);
-  message += " " + std::to_string(text.size()) + "\n";
+  message += fmt::format(" {}\n", text.size());
   message += text;
   writeAll(fd_, message);
 }

@@ -1,5 +1,7 @@
 #include "study/worker_job.h"
 
+#include <fmt/core.h>
+
 #include <array>
 #include <nlohmann/json.hpp>
 
@@ -44,11 +46,12 @@ Work workNamed(const std::string& name) {
   for (std::size_t i = 0; i < kWorkNames.size(); ++i) {
     if (name == kWorkNames[i]) return static_cast<Work>(i);
   }
-  throw InputError("there is no work '" + name + "'");
+  throw InputError(fmt::format("there is no work '{}'", name));
 }
 
 [[noreturn]] void failChanged(const Request& request) {
-  throw RunError("inputs of " + request.title + " changed while it was being computed; repeat the command");
+  throw RunError(
+      fmt::format("inputs of {} changed while it was being computed; repeat the command", request.title));
 }
 
 void importRun(const WorkerJob& job, const std::function<void(double)>& progress) {
@@ -118,7 +121,7 @@ std::string jobText(const WorkerJob& job) {
   head["Items"] = job.items;
   head["Order"] = job.order;
   head["Expected"] = job.expected;
-  return head.dump() + "\n" + requestText(job.request);
+  return fmt::format("{}\n{}", head.dump(), requestText(job.request));
 }
 
 // The request stands behind an empty line in place of the head, so that its lines count as in the file.
@@ -129,7 +132,7 @@ WorkerJob readJob(const fs::path& file) {
   try {
     job = parseHead(text.substr(0, end));
   } catch (const Json::exception& error) {
-    throw InputError(file.string() + " is no job of tavmap: " + error.what());
+    throw InputError(fmt::format("{} is no job of tavmap: {}", file.string(), error.what()));
   }
   job.request = withoutLines(parseRequest(text.substr(end), file.string(), file.parent_path()));
   return job;
@@ -138,8 +141,9 @@ WorkerJob readJob(const fs::path& file) {
 std::string carryOut(const WorkerJob& job, const std::string& version,
                      const std::function<void(double)>& progress) {
   if (job.version != version) {
-    throw InputError("the job was written by tavmap " + job.version + ", and this is tavmap " + version +
-                     "; repeat the command that wrote it");
+    throw InputError(fmt::format(
+        "the job was written by tavmap {}, and this is tavmap {}; repeat the command that wrote it",
+        job.version, version));
   }
   if (job.work == Work::kImport) {
     importRun(job, progress);

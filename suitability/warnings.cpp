@@ -1,5 +1,7 @@
 #include "suitability/warnings.h"
 
+#include <fmt/core.h>
+
 #include <cmath>
 #include <optional>
 
@@ -23,7 +25,7 @@ std::string runOf(const SuitabilityInput& input) {
 }
 
 std::string both(const SuitabilityInput& input) {
-  return runOf(input) + ", " + quoted("reference", input.reference);
+  return fmt::format("{}, {}", runOf(input), quoted("reference", input.reference));
 }
 
 bool isAnyUsed(const Courses& courses, int volumes) {
@@ -35,10 +37,10 @@ bool isAnyUsed(const Courses& courses, int volumes) {
 void checkStart(const SuitabilityInput& input, const Courses& courses, int transient, Texts& texts) {
   if (!isAnyUsed(courses, transient)) return;
   texts.push_back(
-      runOf(input) + ": the first " + counted(transient, "volume") + (transient == 1 ? " stands" : " stand") +
-      " out in reference and voxels, as before the magnetisation is steady. What all voxels share "
-      "looks like influence; set drop_volumes = " +
-      std::to_string(input.droppedVolumes + transient));
+      fmt::format("{}: the first {}{} out in reference and voxels, as before the magnetisation is steady. "
+                  "What all voxels share looks like influence; set drop_volumes = {}",
+                  runOf(input), counted(transient, "volume"), transient == 1 ? " stands" : " stand",
+                  input.droppedVolumes + transient));
 }
 
 void checkSpikes(const SuitabilityInput& input, const Courses& courses, int transient, Texts& texts) {
@@ -47,16 +49,17 @@ void checkSpikes(const SuitabilityInput& input, const Courses& courses, int tran
   for (int& volume : volumes) volume += input.droppedVolumes + 1;
   const int count = static_cast<int>(volumes.size());
   texts.push_back(
-      both(input) + ": reference and voxels jump at once at " + counted(count, "volume") + " (" +
-      list(volumes, kMostVolumesNamed) +
-      "), as when the head moves. Common spikes pass for influence between all places; censor them "
-      "(fd_threshold) or regress the motion outliers (\"outliers\")");
+      fmt::format("{}: reference and voxels jump at once at {} ({}), as when the head moves. Common spikes "
+                  "pass for influence between all places; censor them (fd_threshold) or regress the motion "
+                  "outliers (\"outliers\")",
+                  both(input), counted(count, "volume"), list(volumes, kMostVolumesNamed)));
 }
 
 std::string emptyWhere(const EmptyBands& bands) {
   std::string where;
-  if (bands.belowHz) where = "below " + number(*bands.belowHz) + " Hz";
-  if (bands.aboveHz) where += (where.empty() ? "" : " and ") + ("above " + number(*bands.aboveHz) + " Hz");
+  if (bands.belowHz) where = fmt::format("below {} Hz", number(*bands.belowHz));
+  if (bands.aboveHz)
+    where += (where.empty() ? "" : " and ") + (fmt::format("above {} Hz", number(*bands.aboveHz)));
   return where;
 }
 
@@ -65,64 +68,67 @@ void checkFilter(const SuitabilityInput& input, const Courses& courses, Texts& t
   EmptyBands bands = findEmptyBands(courses);
   if (input.highPassed) bands.belowHz.reset();
   if (!bands.belowHz && !bands.aboveHz) return;
-  texts.push_back(
-      runOf(input) + " holds almost nothing " + emptyWhere(bands) +
-      ": it was filtered in time. Filtering changes the lagged structure that the maps rest on and "
-      "can create or hide directed influence; use unfiltered data");
+  texts.push_back(fmt::format(
+      "{} holds almost nothing {}: it was filtered in time. Filtering changes the lagged structure that the "
+      "maps rest on and can create or hide directed influence; use unfiltered data",
+      runOf(input), emptyWhere(bands)));
 }
 
 void checkPeriod(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
   const std::optional<SharedPeriod> shared = findSharedPeriod(courses);
   if (!shared) return;
-  texts.push_back(both(input) + ": the reference and " + std::to_string(shared->voxels) + " of " +
-                  std::to_string(courses.voxels.size()) + " sampled voxels share a period of " +
-                  number(shared->seconds) +
-                  " s, as a block design makes it. A common drive passes for influence of whatever responds "
-                  "first; regress the task, or make its blocks conditions");
+  texts.push_back(
+      fmt::format("{}: the reference and {} of {} sampled voxels share a period of {} s, as a block design "
+                  "makes it. A common drive passes for influence of whatever responds first; regress the "
+                  "task, or make its blocks conditions",
+                  both(input), shared->voxels, courses.voxels.size(), number(shared->seconds)));
 }
 
 void checkDrift(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
   const std::optional<double> share = input.highPassed ? std::nullopt : findDrift(courses);
   if (!share) return;
   texts.push_back(
-      runOf(input) + ": " + percent(*share) + " of the median voxel's variance lies below " +
-      number(kDriftHz) +
-      " Hz, slow drift that detrending leaves. Drift that places share looks like influence at every "
-      "lag; regress the cosine columns (\"cosine\"), or shorten the intervals, and compare the maps");
+      fmt::format("{}: {} of the median voxel's variance lies below {} Hz, slow drift that detrending "
+                  "leaves. Drift that places share looks like influence at every lag; regress the cosine "
+                  "columns (\"cosine\"), or shorten the intervals, and compare the maps",
+                  runOf(input), percent(*share), number(kDriftHz)));
 }
 
 void checkWhiteness(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
   const std::optional<NotWhite> found = findNotWhite(courses, input.order);
   if (!found) return;
   const std::string remedy =
-      found->whiteOrder
-          ? "take order " + std::to_string(*found->whiteOrder) + ", the lowest that leaves them white"
-          : "no order up to " + std::to_string(kHighestOrder) +
-                " leaves them white, so see the other warnings, and take the maps as a first look only";
+      found->whiteOrder ? fmt::format("take order {}, the lowest that leaves them white", *found->whiteOrder)
+                        : fmt::format(
+                              "no order up to {} leaves them white, so see the other warnings, and take the "
+                              "maps as a first look only",
+                              kHighestOrder);
   texts.push_back(
-      both(input) + ": the reference's own model of order " + std::to_string(input.order) +
-      " leaves residuals that are not white (Ljung-Box " + number(found->test.statistic) + " with " +
-      counted(found->test.degrees, "degree") +
-      " of freedom, p < 0.001). What the model misses of a series' own past can pass for influence "
-      "of another; " +
-      remedy);
+      fmt::format("{}: the reference's own model of order {} leaves residuals that are not white (Ljung-Box "
+                  "{} with {} of freedom, p < 0.001). What the model misses of a series' own past can pass "
+                  "for influence of another; {}",
+                  both(input), input.order, number(found->test.statistic),
+                  counted(found->test.degrees, "degree"), remedy));
 }
 
 void checkNoise(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
   const std::optional<UnequalNoise> noise = findUnequalNoise(courses, input.order);
   if (!noise) return;
-  const std::string figures = ": its own past predicts " + percent(noise->reference) +
-                              " of its variance, but " + percent(noise->medianVoxel) +
-                              " of the median voxel's";
+  const std::string figures =
+      fmt::format(": its own past predicts {} of its variance, but {} of the median voxel's",
+                  percent(noise->reference), percent(noise->medianVoxel));
   if (noise->referenceIsNoisier())
-    texts.push_back(both(input) + ": the reference is noisier than the voxels" + figures +
-                    ". Unequal noise alone then makes voxels seem to lead; take a larger or better placed "
-                    "reference, and believe no lead that reversed time does not turn round");
+    texts.push_back(
+        fmt::format("{}: the reference is noisier than the voxels{}. Unequal noise alone then makes voxels "
+                    "seem to lead; take a larger or better placed reference, and believe no lead that "
+                    "reversed time does not turn round",
+                    both(input), figures));
   else
     texts.push_back(
-        both(input) + ": the reference is much cleaner than the voxels" + figures +
-        ". Unequal noise alone then makes the reference seem to lead; smooth the voxels or take a "
-        "smaller reference, and believe no lead that reversed time does not turn round");
+        fmt::format("{}: the reference is much cleaner than the voxels{}. Unequal noise alone then makes the "
+                    "reference seem to lead; smooth the voxels or take a smaller reference, and believe no "
+                    "lead that reversed time does not turn round",
+                    both(input), figures));
 }
 
 }  // namespace
@@ -153,14 +159,11 @@ std::string fewSamplesWarning(const std::string& condition, const std::vector<Su
   }
   const int coefficients = jointCoefficients(order);
   if (samples >= kSamplesPerCoefficient * coefficients) return "";
-  return quoted("condition", condition) + ": " + std::to_string(std::lround(samples)) +
-         " effective samples are left, without the first volumes of intervals and what regressed confounds "
-         "cost, "
-         "for " +
-         std::to_string(coefficients) + " coefficients of the joint model of order " + std::to_string(order) +
-         ", fewer than ten each. Estimates are noisy and measures too large; take a lower order, fewer "
-         "confounds or "
-         "more data";
+  return fmt::format(
+      "{}: {} effective samples are left, without the first volumes of intervals and what regressed "
+      "confounds cost, for {} coefficients of the joint model of order {}, fewer than ten each. Estimates "
+      "are noisy and measures too large; take a lower order, fewer confounds or more data",
+      quoted("condition", condition), std::lround(samples), coefficients, order);
 }
 
 }  // namespace suitability

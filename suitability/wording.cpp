@@ -1,5 +1,7 @@
 #include "suitability/wording.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <sstream>
@@ -25,16 +27,16 @@ std::string list(const std::vector<int>& numbers, std::size_t most) {
   std::string text;
   for (std::size_t i = 0; i < std::min(most, numbers.size()); ++i)
     text += (i == 0 ? "" : ", ") + std::to_string(numbers[i]);
-  if (numbers.size() > most) text += ", ... (" + std::to_string(numbers.size()) + " in all)";
+  if (numbers.size() > most) text += fmt::format(", ... ({} in all)", numbers.size());
   return text;
 }
 
 std::string quoted(std::string_view kind, std::string_view name) {
-  return std::string(kind) + " '" + std::string(name) + "'";
+  return fmt::format("{} '{}'", kind, name);
 }
 
 std::string counted(int count, std::string_view noun) {
-  return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
+  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
 }  // namespace suitability

@@ -22,8 +22,8 @@ void addStudyOptions(CLI::App& command, StudyArguments& arguments);
 
 // Runs the requests and prints the summary: to standard output, with --json as JSON; progress goes
 // to standard error. Returns the exit code. InputError becomes exit code 2, an interrupt 130.
-int runRequests(const std::vector<study::Request>& requests, study::StudyOptions options,
-                const StudyArguments& arguments);
+[[nodiscard]] int runRequests(const std::vector<study::Request>& requests, study::StudyOptions options,
+                              const StudyArguments& arguments);
 
 // Turns the exceptions of study/problem.h into those of the program, and a code other than 0 into
 // the program's exit code.

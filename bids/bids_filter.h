@@ -22,9 +22,9 @@ inline bool labelMatches(std::string_view key, std::string_view have, std::strin
 }
 
 // "MNI_res-2"; "native" for names without a space.
-std::string spaceOf(const BidsName& name);
+[[nodiscard]] std::string spaceOf(const BidsName& name);
 // Whether a name lies in the space, given with its resolution or without.
-bool isInSpace(const BidsName& name, const std::string& space);
+[[nodiscard]] bool isInSpace(const BidsName& name, const std::string& space);
 
 // Keeps the items (each has a BidsName `name`) whose entity is one of the labels, in their order; no
 // labels keep all. kind and what are for the message: "no KIND of WHAT 'label'". Throws InputError

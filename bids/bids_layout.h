@@ -31,22 +31,22 @@ struct BidsGroup {
   std::string participant, session, task;
   std::vector<BidsRun> runs;
   // "sub-01_ses-1_task-rest_space-X": the entities that all runs share.
-  std::string entities() const;
+  [[nodiscard]] std::string entities() const;
   // "sub-01/ses-1/func" below an output folder.
-  std::filesystem::path folder() const;
+  [[nodiscard]] std::filesystem::path folder() const;
 };
 
 // bidsDir: the raw data set, or a derivative itself. derivatives: folders of preprocessed data;
 // empty: those below bidsDir/derivatives, and bidsDir. Only reads. Throws InputError when a label
 // matches nothing (with the nearest known one), when several spaces would fit and none was asked
 // for, and when no run is left.
-std::vector<BidsGroup> findBidsGroups(const std::filesystem::path& bidsDir,
-                                      const std::vector<std::filesystem::path>& derivatives,
-                                      const BidsQuery& query);
+[[nodiscard]] std::vector<BidsGroup> findBidsGroups(const std::filesystem::path& bidsDir,
+                                                    const std::vector<std::filesystem::path>& derivatives,
+                                                    const BidsQuery& query);
 
 // A BIDS filter file: {"bold": {"acquisition": "mb", "echo": 1, ...}}; returns entities by their short keys.
 // Keys that the filter knows under their long names ("session", "task", "run", "space") are translated.
-std::map<std::string, std::string> readBidsFilter(const std::filesystem::path& file);
+[[nodiscard]] std::map<std::string, std::string> readBidsFilter(const std::filesystem::path& file);
 
 }  // namespace study
 

@@ -16,31 +16,31 @@ struct BidsName {
   std::string extension;                                      // with its dot: ".nii.gz"
 
   // The entity's value, empty when the name has none.
-  std::string get(std::string_view key) const;
-  bool has(std::string_view key) const { return !get(key).empty(); }
+  [[nodiscard]] std::string get(std::string_view key) const;
+  [[nodiscard]] bool has(std::string_view key) const { return !get(key).empty(); }
   void set(std::string_view key, std::string value);
   void erase(std::string_view key);
 };
 
 // fileName without folders. A name that does not follow the scheme gives an empty suffix.
-BidsName parseBidsName(std::string_view fileName);
+[[nodiscard]] BidsName parseBidsName(std::string_view fileName);
 
 // Entities in the order of the standard (unknown keys after the known ones, in their order), suffix
 // and extension.
-std::string formatBidsName(const BidsName& name);
+[[nodiscard]] std::string formatBidsName(const BidsName& name);
 
 // The entities alone, joined by "_": what output names begin with.
-std::string formatEntities(const BidsName& name);
+[[nodiscard]] std::string formatEntities(const BidsName& name);
 
 // Only letters and digits, as labels must be: "LH-V1" becomes "LHV1". Empty becomes "x".
-std::string bidsLabel(std::string_view text);
+[[nodiscard]] std::string bidsLabel(std::string_view text);
 
 // Index entities with different leading zeros are the same: run-1 and run-01. Other labels compare
 // byte for byte.
-bool sameLabel(std::string_view a, std::string_view b);
+[[nodiscard]] bool sameLabel(std::string_view a, std::string_view b);
 
 // "01" from "sub-01" or from "01".
-std::string withoutPrefix(std::string_view label, std::string_view key);
+[[nodiscard]] std::string withoutPrefix(std::string_view label, std::string_view key);
 
 }  // namespace study
 

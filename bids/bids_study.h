@@ -29,7 +29,7 @@ void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::fil
 // Throws InputError as findBidsGroups does, and when there is no reference, when a run lacks the
 // events or confounds that it needs, or when an option and the configuration contradict each other.
 // Outputs are named after the entities that the runs of a group share.
-std::vector<Request> bidsRequests(const BidsOptions& options);
+[[nodiscard]] std::vector<Request> bidsRequests(const BidsOptions& options);
 
 }  // namespace study
 

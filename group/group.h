@@ -30,7 +30,7 @@ struct GroupResult {
 // Reads every *_tavmap.json of a participant below outDir, as far as the query's participants,
 // sessions, tasks and space ask for it. Throws InputError when there is none, or when a label
 // matches nothing.
-GroupResult readGroup(const std::filesystem::path& outDir, const BidsQuery& query);
+[[nodiscard]] GroupResult readGroup(const std::filesystem::path& outDir, const BidsQuery& query);
 
 }  // namespace study
 

@@ -15,7 +15,7 @@ class SettingsSeen {
  public:
   void add(const Record& record);
   // One caution in words per setting with more than one value.
-  std::vector<std::string> differences() const;
+  [[nodiscard]] std::vector<std::string> differences() const;
 
  private:
   std::map<std::string, std::map<std::string, int>> seen_;

@@ -10,7 +10,7 @@
 namespace study {
 
 // As in the records, so that a number of the table can be searched for there; "n/a" for NaN.
-std::string numberText(double value);
+[[nodiscard]] std::string numberText(double value);
 
 inline constexpr const char* kGroupTable = "group_tavmap.tsv";
 

@@ -12,31 +12,31 @@
 namespace host {
 
 // Without white space at either end.
-std::string trimmed(std::string_view text);
+[[nodiscard]] std::string trimmed(std::string_view text);
 
 // A whole decimal number and nothing else; none when it is no number or does not fit.
-std::optional<int> parseInteger(std::string_view text);
+[[nodiscard]] std::optional<int> parseInteger(std::string_view text);
 
 // A finite decimal number and nothing else, with a point whatever the locale.
-std::optional<float> parseNumber(std::string_view text);
+[[nodiscard]] std::optional<float> parseNumber(std::string_view text);
 
 // The shortest text that gives the same number back: "0.05".
-std::string decimalText(float value);
+[[nodiscard]] std::string decimalText(float value);
 
 // "1 to 4": the limits of an answer.
-std::string rangeText(const IntegerQuestion& question);
-std::string rangeText(const NumberQuestion& question);
+[[nodiscard]] std::string rangeText(const IntegerQuestion& question);
+[[nodiscard]] std::string rangeText(const NumberQuestion& question);
 
 // "a whole number from 1 to 4": what an answer must be.
-std::string requirement(const IntegerQuestion& question);
-std::string requirement(const NumberQuestion& question);
+[[nodiscard]] std::string requirement(const IntegerQuestion& question);
+[[nodiscard]] std::string requirement(const NumberQuestion& question);
 
 // The answer when it is a number within the question's limits.
-std::optional<int> accepted(const IntegerQuestion& question, std::string_view text);
-std::optional<float> accepted(const NumberQuestion& question, std::string_view text);
+[[nodiscard]] std::optional<int> accepted(const IntegerQuestion& question, std::string_view text);
+[[nodiscard]] std::optional<float> accepted(const NumberQuestion& question, std::string_view text);
 
 // `path` made absolute against `folder` (itself made absolute) and without "." and "..".
-std::string resolvedPath(const std::filesystem::path& folder, std::string_view path);
+[[nodiscard]] std::string resolvedPath(const std::filesystem::path& folder, std::string_view path);
 
 }  // namespace host
 

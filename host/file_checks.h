@@ -8,8 +8,8 @@
 
 namespace host {
 
-std::string problemWithFileToOpen(const FileQuestion& question, const std::string& path);
-std::string problemWithFileToSave(const FileQuestion& question, const std::string& path);
+[[nodiscard]] std::string problemWithFileToOpen(const FileQuestion& question, const std::string& path);
+[[nodiscard]] std::string problemWithFileToSave(const FileQuestion& question, const std::string& path);
 
 }  // namespace host
 

@@ -13,10 +13,10 @@ namespace host {
 
 // A dialog's text: white space collapses as in a browser, <br> and block tags start a line, a link
 // is followed by its target in parentheses. No white space at either end.
-std::string dialogText(std::string_view html);
+[[nodiscard]] std::string dialogText(std::string_view html);
 
 // A log line's text: markup goes, tabs, blanks and line ends stay as they are.
-std::string logText(std::string_view html);
+[[nodiscard]] std::string logText(std::string_view html);
 
 }  // namespace host
 

@@ -29,14 +29,14 @@ class LentArray {
   // Stable for the life of the array, also when it is moved.
   Type* data() { return storage_.data() + kGuard; }
   const Type* data() const { return storage_.data() + kGuard; }
-  std::size_t size() const { return size_; }
+  [[nodiscard]] std::size_t size() const { return size_; }
   Type* begin() { return data(); }
   Type* end() { return data() + size_; }
   const Type* begin() const { return data(); }
   const Type* end() const { return data() + size_; }
 
   // False once something was written outside the elements.
-  bool intact() const { return isGuard(storage_.data()) && isGuard(data() + size_); }
+  [[nodiscard]] bool intact() const { return isGuard(storage_.data()) && isGuard(data() + size_); }
 
  private:
   static constexpr std::size_t kGuard = 32 / sizeof(Type);

@@ -28,7 +28,7 @@ class LogPane {
   // Appends one block of text, HTML fragments allowed, without the final line end.
   void append(std::string_view html);
 
-  bool reportedFailure() const { return reportedFailure_; }
+  [[nodiscard]] bool reportedFailure() const { return reportedFailure_; }
 
   // False when a log file was asked for and could not be written to the end.
   [[nodiscard]] bool close();
@@ -41,7 +41,7 @@ class LogPane {
 };
 
 // True for a line that marks the run as failed.
-bool reportsFailure(std::string_view line);
+[[nodiscard]] bool reportsFailure(std::string_view line);
 
 }  // namespace host
 

@@ -19,10 +19,10 @@ struct Place {
 
 // As the linked VTC's sidecar says when the box is that of the VTC; else as the anatomy's voxels
 // when the box is its grid at resolution 1; else in Talairach space.
-Place placeOf(const Box& box, const Workspace& workspace);
+[[nodiscard]] Place placeOf(const Box& box, const Workspace& workspace);
 
 // A .tav file. Both throw formats::FileError; a file is written whole or not at all.
-std::unique_ptr<MapSet> readMaps(const std::string& path);
+[[nodiscard]] std::unique_ptr<MapSet> readMaps(const std::string& path);
 void writeMaps(const std::string& path, const MapSet& maps, const Place& place);
 
 }  // namespace host

@@ -30,10 +30,10 @@ struct MapSummary {
   std::optional<MapPeak> peak;  // none when every value is 0 or not finite
 };
 
-std::vector<MapSummary> summaryOf(const MapSet& maps, const Workspace& workspace);
+[[nodiscard]] std::vector<MapSummary> summaryOf(const MapSet& maps, const Workspace& workspace);
 
 // One paragraph a map; says plainly when nothing is above a threshold.
-std::string summaryText(const MapSet& maps, const Workspace& workspace);
+[[nodiscard]] std::string summaryText(const MapSet& maps, const Workspace& workspace);
 
 }  // namespace host
 

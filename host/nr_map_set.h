@@ -23,14 +23,14 @@ struct Box {
 
   bool operator==(const Box&) const = default;
   // Cells along an axis (0: x, 1: y, 2: z).
-  int cells(std::size_t axis) const { return (end[axis] - start[axis]) / resolution; }
-  std::size_t nrOfCells() const;
+  [[nodiscard]] int cells(std::size_t axis) const { return (end[axis] - start[axis]) / resolution; }
+  [[nodiscard]] std::size_t nrOfCells() const;
   // Why this is no box to make maps for; empty when it is one.
-  std::string problem() const;
+  [[nodiscard]] std::string problem() const;
 };
 
-Box boxOf(const NR_VMPs_Header& header);
-Box boxOf(const VTC_Header& header);
+[[nodiscard]] Box boxOf(const NR_VMPs_Header& header);
+[[nodiscard]] Box boxOf(const VTC_Header& header);
 
 class MapSet {
  public:
@@ -45,17 +45,17 @@ class MapSet {
   MapSet(const MapSet&) = delete;
   MapSet& operator=(const MapSet&) = delete;
 
-  const Box& box() const { return box_; }
-  std::size_t nrOfThresholds() const { return names_.size(); }
+  [[nodiscard]] const Box& box() const { return box_; }
+  [[nodiscard]] std::size_t nrOfThresholds() const { return names_.size(); }
   std::vector<Map>& maps() { return maps_; }
-  const std::vector<Map>& maps() const { return maps_; }
+  [[nodiscard]] const std::vector<Map>& maps() const { return maps_; }
 
   NR_VMPs_Header header();
-  std::string thresholdName(std::size_t index) const;
+  [[nodiscard]] std::string thresholdName(std::size_t index) const;
   void setThresholdName(std::size_t index, const std::string& name);
 
   // Which lent memory was written beyond its end, or holds a text without one; empty when none.
-  std::string damage() const;
+  [[nodiscard]] std::string damage() const;
 
  private:
   Box box_;

@@ -21,20 +21,20 @@ class PluginLibrary {
   PluginLibrary(const PluginLibrary&) = delete;
   PluginLibrary& operator=(const PluginLibrary&) = delete;
 
-  const std::string& path() const { return path_; }  // absolute
+  [[nodiscard]] const std::string& path() const { return path_; }  // absolute
 
   // What the plug-in says of itself, as HTML fragments. Empty when it gives a null pointer.
-  std::string name() const { return text("getPluginName"); }
-  std::string description() const { return text("getPluginDescription"); }
-  std::string author() const { return text("getAuthor"); }
-  std::string helpFile() const { return text("getHelpFile"); }
+  [[nodiscard]] std::string name() const { return text("getPluginName"); }
+  [[nodiscard]] std::string description() const { return text("getPluginDescription"); }
+  [[nodiscard]] std::string author() const { return text("getAuthor"); }
+  [[nodiscard]] std::string helpFile() const { return text("getHelpFile"); }
 
   // A new plug-in object. What the plug-in throws passes through.
-  std::unique_ptr<CNZQPluginInterface> create() const;
+  [[nodiscard]] std::unique_ptr<CNZQPluginInterface> create() const;
 
  private:
   void* symbol(const char* name) const;
-  std::string text(const char* name) const;
+  [[nodiscard]] std::string text(const char* name) const;
   void requireExports() const;
 
   std::string path_;

@@ -18,9 +18,9 @@ struct RunOutcome {
 // Never throws for what the plug-in does: every exception that leaves it, and every end of the
 // run from inside a dialog, comes back as an outcome, with the plug-in object destroyed and the
 // library closed. `introduce` is called with the loaded library before the plug-in is created.
-RunOutcome runPlugin(const std::string& path, Workspace& workspace, FrontEnd& frontEnd, LogPane& logPane,
-                     const HostIdentity& identity,
-                     const std::function<void(const PluginLibrary&)>& introduce);
+[[nodiscard]] RunOutcome runPlugin(const std::string& path, Workspace& workspace, FrontEnd& frontEnd,
+                                   LogPane& logPane, const HostIdentity& identity,
+                                   const std::function<void(const PluginLibrary&)>& introduce);
 
 }  // namespace host
 

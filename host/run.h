@@ -41,16 +41,16 @@ class Run {
   Workspace& workspace() { return workspace_; }
   FrontEnd& frontEnd() { return frontEnd_; }
   LogPane& logPane() { return logPane_; }
-  const HostIdentity& identity() const { return identity_; }
+  [[nodiscard]] const HostIdentity& identity() const { return identity_; }
 
   // The first end is the one that counts: a plug-in that swallows the exception, or that calls
   // the host from destructors while it passes, cannot change it.
   void remember(const RunEnded& end);
-  const std::optional<RunEnded>& ended() const { return ended_; }
+  [[nodiscard]] const std::optional<RunEnded>& ended() const { return ended_; }
 
   // From here on operations refuse instead of throwing.
   void stopThrowing() { mayThrow_ = false; }
-  bool mayThrow() const { return mayThrow_; }
+  [[nodiscard]] bool mayThrow() const { return mayThrow_; }
 
  private:
   Workspace& workspace_;

@@ -30,13 +30,13 @@ struct Script {
 };
 
 // "integer", "text", ...: the tag of a kind.
-std::string_view tagOf(AnswerKind kind);
+[[nodiscard]] std::string_view tagOf(AnswerKind kind);
 
 // A script from its text. Throws RunEnded (bad input), naming path, line and the known tags.
-Script parseScript(std::string_view text, const std::string& path);
+[[nodiscard]] Script parseScript(std::string_view text, const std::string& path);
 
 // A script from its file. Throws RunEnded (bad input) when it cannot be read.
-Script readScript(const std::string& path);
+[[nodiscard]] Script readScript(const std::string& path);
 
 }  // namespace host
 

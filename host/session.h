@@ -27,7 +27,7 @@ struct SessionOptions {
 };
 
 // "2.1.0"; none when the text is no version.
-std::optional<HostVersion> parseVersion(const std::string& text);
+[[nodiscard]] std::optional<HostVersion> parseVersion(const std::string& text);
 
 // Opens what the options name, the protocol after the VTC whose repetition time it needs. Remarks
 // go to the log. Throws formats::FileError, or RunEnded (bad input) for a VTC, VOIs or a protocol
@@ -36,7 +36,8 @@ void openWorkspace(const SessionOptions& options, Workspace& workspace, LogPane&
 
 // Opens the workspace, runs the plug-in once, loads the last saved map set back and prints a
 // summary of its maps to `out`. One message about a failure goes to `err`. Returns the exit code.
-int runSession(const SessionOptions& options, FrontEnd& frontEnd, std::ostream& out, std::ostream& err);
+[[nodiscard]] int runSession(const SessionOptions& options, FrontEnd& frontEnd, std::ostream& out,
+                             std::ostream& err);
 
 }  // namespace host
 

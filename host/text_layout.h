@@ -9,7 +9,7 @@ namespace host {
 
 // `text` with lines broken at blanks so that none is wider than `columns` characters (UTF-8 is
 // counted by code points). A word that is wider keeps a line to itself, unbroken: it is a path.
-std::string wrapped(std::string_view text, std::size_t columns);
+[[nodiscard]] std::string wrapped(std::string_view text, std::size_t columns);
 
 }  // namespace host
 

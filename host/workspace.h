@@ -37,7 +37,7 @@ struct LinkedVtc {
 struct Voi {
   std::string name;
   LentArray<std::int32_t> coordinates;  // x, y, z of every voxel
-  std::int32_t nrOfVoxels() const { return static_cast<std::int32_t>(coordinates.size() / 3); }
+  [[nodiscard]] std::int32_t nrOfVoxels() const { return static_cast<std::int32_t>(coordinates.size() / 3); }
 };
 
 struct VoiList {
@@ -59,12 +59,12 @@ struct Protocol {
 
 class Workspace {
  public:
-  const std::optional<Anatomy>& anatomy() const { return anatomy_; }
+  [[nodiscard]] const std::optional<Anatomy>& anatomy() const { return anatomy_; }
   void openAnatomy(const std::string& path);
 
   // The linked VTC; its protocol name, parameters and so on are the host's to change.
   std::optional<LinkedVtc>& vtc() { return vtc_; }
-  const std::optional<LinkedVtc>& vtc() const { return vtc_; }
+  [[nodiscard]] const std::optional<LinkedVtc>& vtc() const { return vtc_; }
   void linkVtc(const std::string& path);
 
   // Further VTCs, for time courses over several runs.
@@ -93,7 +93,7 @@ class Workspace {
   void saveMaps(const std::string& path);
 
   // Every map file written, in order.
-  const std::vector<std::string>& savedMaps() const { return savedMaps_; }
+  [[nodiscard]] const std::vector<std::string>& savedMaps() const { return savedMaps_; }
 
  private:
   std::optional<Anatomy> anatomy_;

@@ -21,7 +21,7 @@ struct PictureOptions {
 // Draws every map of the set and returns the paths of the pictures in the order of the maps. Throws
 // formats::FileError: for files that cannot be read or written, grids that differ, a region or a
 // q-value that the files do not have.
-std::vector<std::string> drawMapSet(const PictureOptions& options);
+[[nodiscard]] std::vector<std::string> drawMapSet(const PictureOptions& options);
 
 }  // namespace inspect
 

@@ -12,16 +12,16 @@ namespace study {
 
 // A filter in the sidecar or the file's name, a filter among the regressed columns, a TR above
 // 3 s. `regressed`: names of the columns taken out.
-std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
-                                     const std::vector<std::string>& filters,
-                                     const std::vector<std::string>& regressed);
+[[nodiscard]] std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
+                                                   const std::vector<std::string>& filters,
+                                                   const std::vector<std::string>& regressed);
 
 // Fewer than 10 effective samples per model parameter. A joint model of two series has 4 * order
 // coefficients per fit. Empty when there are enough.
-std::string fewSamplesCaution(const std::string& condition, int effectiveVolumes, int order);
+[[nodiscard]] std::string fewSamplesCaution(const std::string& condition, int effectiveVolumes, int order);
 
 // A reference of fewer than two voxels; empty otherwise.
-std::string smallReferenceCaution(const std::string& reference, int voxels);
+[[nodiscard]] std::string smallReferenceCaution(const std::string& reference, int voxels);
 
 }  // namespace study
 

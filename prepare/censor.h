@@ -11,10 +11,11 @@
 namespace study {
 
 // One flag per volume: true is kept. NaN counts as no motion (the first volume has no displacement).
-std::vector<bool> volumesBelowThreshold(const std::vector<double>& fdMm, const CensorSettings& settings);
+[[nodiscard]] std::vector<bool> volumesBelowThreshold(const std::vector<double>& fdMm,
+                                                      const CensorSettings& settings);
 
 // The stretches of kept volumes of at least minimumSegment volumes.
-std::vector<VolumeRange> keptSegments(const std::vector<bool>& kept, int minimumSegment);
+[[nodiscard]] std::vector<VolumeRange> keptSegments(const std::vector<bool>& kept, int minimumSegment);
 
 }  // namespace study
 

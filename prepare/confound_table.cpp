@@ -12,6 +12,7 @@
 
 #include "request/confound_terms.h"
 #include "request/problem.h"
+#include "request/split.h"
 
 namespace study {
 namespace {
@@ -19,16 +20,6 @@ namespace {
 using Names = std::vector<std::string>;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 constexpr double kHeadRadiusMm = 50;
-
-Names split(std::string_view text, char separator) {
-  Names pieces;
-  for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator)) {
-    pieces.emplace_back(text.substr(0, end));
-    text.remove_prefix(end + 1);
-  }
-  pieces.emplace_back(text);
-  return pieces;
-}
 
 double parseValue(const std::string& text, const std::filesystem::path& file, std::size_t line) {
   if (text == "n/a" || text == "NaN" || text == "nan" || text.empty()) return kMissing;

@@ -14,27 +14,27 @@ struct ConfoundTable {
   std::vector<std::string> names;
   std::vector<std::vector<double>> columns;  // one value per volume, NaN where the table says "n/a"
 
-  std::size_t volumes() const { return columns.empty() ? 0 : columns[0].size(); }
+  [[nodiscard]] std::size_t volumes() const { return columns.empty() ? 0 : columns[0].size(); }
   const std::vector<double>* find(const std::string& name) const;
 };
 
 // Tab-separated with a header line. Throws InputError naming file and line.
-ConfoundTable readConfounds(const std::filesystem::path& file);
+[[nodiscard]] ConfoundTable readConfounds(const std::filesystem::path& file);
 
 // The columns' values, from volume `firstVolume` (0-based) on. Missing values before a column's
 // first number (derivatives have none at the start) become its mean; later ones throw InputError.
-std::vector<std::vector<double>> confoundColumns(const ConfoundTable& table,
-                                                 const std::vector<std::string>& names,
-                                                 std::size_t firstVolume);
+[[nodiscard]] std::vector<std::vector<double>> confoundColumns(const ConfoundTable& table,
+                                                               const std::vector<std::string>& names,
+                                                               std::size_t firstVolume);
 
 // Frame-wise displacement in millimetres per volume, NaN for the first: the table's own column, or
 // from translations (mm) and rotations (rad, on a sphere of 50 mm; Power et al. 2012). Throws
 // InputError when the table has neither.
-std::vector<double> framewiseDisplacement(const ConfoundTable& table);
+[[nodiscard]] std::vector<double> framewiseDisplacement(const ConfoundTable& table);
 
 // Leading volumes that the table marks as not in steady state: one more than the last volume
 // flagged by a non_steady_state_outlier column.
-int nonSteadyStateVolumes(const ConfoundTable& table);
+[[nodiscard]] int nonSteadyStateVolumes(const ConfoundTable& table);
 
 }  // namespace study
 

@@ -22,9 +22,11 @@ class CourseFilter {
   // course: `volumes` values; on return the first outputVolumes() hold the result. Allocates nothing.
   void apply(float* course);
 
-  int outputVolumes() const { return volumes_ - dropped_; }
-  int rank() const { return regression_.rank(); }
-  bool changesNothing() const { return dropped_ == 0 && regression_.rank() == 0 && gaps_.empty(); }
+  [[nodiscard]] int outputVolumes() const { return volumes_ - dropped_; }
+  [[nodiscard]] int rank() const { return regression_.rank(); }
+  [[nodiscard]] bool changesNothing() const {
+    return dropped_ == 0 && regression_.rank() == 0 && gaps_.empty();
+  }
 
  private:
   struct Gap {

@@ -25,11 +25,12 @@ struct BlockSettings {
 // Blocks as volumes of a run of the given length, volumes counted from 1. The ends are rounded as
 // the plug-in rounds protocols in milliseconds: first = round(start / TR) + 1, last = round(end / TR),
 // at least one volume. Parts outside the run are cut off. Order of time.
-std::vector<VolumeRange> eventBlocks(const std::vector<TimedEvent>& events, const BlockSettings& settings,
-                                     double trSeconds, int volumes);
+[[nodiscard]] std::vector<VolumeRange> eventBlocks(const std::vector<TimedEvent>& events,
+                                                   const BlockSettings& settings, double trSeconds,
+                                                   int volumes);
 
 // Trial types that occur, sorted, without duplicates: for messages.
-std::vector<std::string> trialTypesOf(const std::vector<TimedEvent>& events);
+[[nodiscard]] std::vector<std::string> trialTypesOf(const std::vector<TimedEvent>& events);
 
 }  // namespace study
 

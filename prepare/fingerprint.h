@@ -32,7 +32,7 @@ class Fingerprint {
 
 // A seed for one piece of work, derived from the study's seed and the piece's name, so that a
 // result does not depend on what else is computed or in which order. Below 2^31.
-std::uint32_t derivedSeed(std::uint32_t seed, std::string_view name);
+[[nodiscard]] std::uint32_t derivedSeed(std::uint32_t seed, std::string_view name);
 
 }  // namespace study
 

@@ -13,13 +13,13 @@ struct Grid {
   formats::GridSize size;
   formats::Affine affine;
 
-  std::array<double, 3> toMm(const std::array<int, 3>& voxel) const;
+  [[nodiscard]] std::array<double, 3> toMm(const std::array<int, 3>& voxel) const;
 };
 
-Grid gridOf(const formats::ImageHeader& header);
+[[nodiscard]] Grid gridOf(const formats::ImageHeader& header);
 
 // Equal dimensions, and corners that lie within toleranceMm of each other.
-bool sameGrid(const Grid& a, const Grid& b, double toleranceMm = 0.01);
+[[nodiscard]] bool sameGrid(const Grid& a, const Grid& b, double toleranceMm = 0.01);
 
 }  // namespace study
 

@@ -14,9 +14,9 @@ class HouseholderQr {
   // relativeTolerance times the largest column norm are dependent and left out of the rank.
   explicit HouseholderQr(std::vector<std::vector<double>> columns, double relativeTolerance = 1e-8);
 
-  std::size_t rank() const { return rank_; }
+  [[nodiscard]] std::size_t rank() const { return rank_; }
   // Index of the given column that stands at pivot position j < rank().
-  std::size_t pivot(std::size_t j) const { return pivots_[j]; }
+  [[nodiscard]] std::size_t pivot(std::size_t j) const { return pivots_[j]; }
   // R[i][j], i <= j < rank().
   double r(std::size_t i, std::size_t j) const { return i == j ? diagonal_[j] : columns_[j][i]; }
   // Column j of Q, n values.
@@ -25,7 +25,7 @@ class HouseholderQr {
  private:
   void bringLargestForward(std::size_t step);
   void reflect(std::size_t step);
-  double remainingNorm(std::size_t column, std::size_t step) const;
+  [[nodiscard]] double remainingNorm(std::size_t column, std::size_t step) const;
   void applyReflector(std::size_t step, std::vector<double>& column) const;
 
   std::vector<std::vector<double>> columns_;  // below the diagonal: the reflectors; above: R

@@ -17,13 +17,13 @@ struct ImageSidecar {
 
 // "X.json" beside "X.nii.gz" or "X.nii". A file that is not JSON throws InputError; a missing one
 // gives an empty record.
-ImageSidecar readImageSidecar(const std::filesystem::path& image);
+[[nodiscard]] ImageSidecar readImageSidecar(const std::filesystem::path& image);
 
 // The repetition time to work with: the chosen one if there is one (> 0), else header and sidecar
 // when they agree within a millisecond or only one of them knows. A header without unit or with 0
 // does not know. Throws InputError naming both values when they differ, or when nobody knows.
-double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,
-                      const ImageSidecar& sidecar);
+[[nodiscard]] double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,
+                                    const ImageSidecar& sidecar);
 
 }  // namespace study
 

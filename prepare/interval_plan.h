@@ -36,12 +36,13 @@ struct PlannedCondition {
 };
 
 // The shortest interval that is worth a model: two volumes go into its trend, `order` into its start.
-int leastVolumes(int order);
+[[nodiscard]] int leastVolumes(int order);
 
 // Throws InputError, naming the condition, for a trial type that no run has (with the nearest), a
 // typed interval outside its run or too short, and when nothing is left. `where` begins messages.
-PlannedCondition planCondition(const ConditionRequest& condition, const std::vector<RunVolumes>& runs,
-                               int order, const std::string& where);
+[[nodiscard]] PlannedCondition planCondition(const ConditionRequest& condition,
+                                             const std::vector<RunVolumes>& runs, int order,
+                                             const std::string& where);
 
 }  // namespace study
 

@@ -12,7 +12,7 @@
 namespace study {
 
 // True when the run's VTC lies in the folder, whole.
-bool isPrepared(const RunPlan& run, const std::filesystem::path& workFolder);
+[[nodiscard]] bool isPrepared(const RunPlan& run, const std::filesystem::path& workFolder);
 
 // Makes workFolder/run.vtcName: import with the exact mask, leading volumes dropped, confounds
 // regressed out voxel by voxel, censored volumes bridged. Writes whole files only. Memory: what the

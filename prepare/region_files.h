@@ -12,11 +12,11 @@
 namespace study {
 
 // The grid of the runs and the voxels that lie in every mask.
-RegionSpace regionSpace(const std::vector<RunPlan>& runs, Method method);
+[[nodiscard]] RegionSpace regionSpace(const std::vector<RunPlan>& runs, Method method);
 
 // Regions in the order of the request. Throws InputError for unknown labels, empty regions and
 // two regions of one name. request.title begins messages, with the line of the entry.
-std::vector<Region> readRegions(const Request& request, const RegionSpace& space);
+[[nodiscard]] std::vector<Region> readRegions(const Request& request, const RegionSpace& space);
 
 }  // namespace study
 

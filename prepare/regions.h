@@ -17,7 +17,7 @@ struct Region {
   std::string name;
   std::vector<std::int32_t> coordinates;  // 3 per voxel, indices from 0, in storage order
   std::vector<std::string> notes;         // what was left out, in words
-  int voxels() const { return static_cast<int>(coordinates.size() / 3); }
+  [[nodiscard]] int voxels() const { return static_cast<int>(coordinates.size() / 3); }
 };
 
 // An image of whole numbers on a grid of its own, with the names of its labels (may be empty; label
@@ -40,19 +40,21 @@ struct RegionSpace {
 
 // Values of the image at the centres of the space's voxels: the same voxels when the grids agree,
 // else those of the nearest voxel (labels cannot be interpolated), 0 outside the image.
-std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid);
+[[nodiscard]] std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid);
 
 // One region per label asked for, in the order asked for; "all": ascending, background left out.
 // Labels are names or indices. Throws InputError for an unknown label (with the nearest known one),
 // and, unless all are asked for, for one without a voxel in the mask.
-std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVolume& image,
-                                 const RegionSpace& space, const std::string& where);
+[[nodiscard]] std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVolume& image,
+                                               const RegionSpace& space, const std::string& where);
 // Voxels that are not 0.
-Region maskRegion(const ReferenceRequest& request, const LabelVolume& image, const RegionSpace& space,
-                  const std::string& where);
+[[nodiscard]] Region maskRegion(const ReferenceRequest& request, const LabelVolume& image,
+                                const RegionSpace& space, const std::string& where);
 // Voxels whose centre lies within the radius, borders included.
-Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where);
-Region voxelRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where);
+[[nodiscard]] Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space,
+                                  const std::string& where);
+[[nodiscard]] Region voxelRegion(const ReferenceRequest& request, const RegionSpace& space,
+                                 const std::string& where);
 
 }  // namespace study
 

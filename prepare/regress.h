@@ -28,8 +28,8 @@ class ConfoundRegression {
   void remove(float* course);
 
   // Independent directions removed beside the mean: the degrees of freedom that the fit costs.
-  int rank() const { return rank_; }
-  int volumes() const { return volumes_; }
+  [[nodiscard]] int rank() const { return rank_; }
+  [[nodiscard]] int volumes() const { return volumes_; }
 
  private:
   int volumes_ = 0;

@@ -30,7 +30,7 @@ struct RunPlan {
 
 // Looks at headers, sidecar, confounds and events; reads no image data. `version` goes into the key,
 // so that another version prepares anew. Throws InputError, naming file and remedy.
-RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version);
+[[nodiscard]] RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version);
 
 // All runs of a request must share one grid. Throws InputError naming both files.
 void requireOneGrid(const std::vector<RunPlan>& runs);

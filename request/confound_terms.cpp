@@ -9,6 +9,7 @@
 
 #include "request/nearest_name.h"
 #include "request/problem.h"
+#include "request/split.h"
 
 namespace study {
 namespace {
@@ -46,16 +47,6 @@ const std::map<std::string, std::string>& openPresets() {
   static const std::map<std::string, std::string> table = {{"cosine", "cosine"},
                                                            {"outliers", "motion_outlier"}};
   return table;
-}
-
-Names split(std::string_view text, char separator) {
-  Names pieces;
-  for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator)) {
-    pieces.emplace_back(text.substr(0, end));
-    text.remove_prefix(end + 1);
-  }
-  pieces.emplace_back(text);
-  return pieces;
 }
 
 bool parseInt(std::string_view text, int& value) {

@@ -24,16 +24,16 @@ const std::vector<std::string>& motionColumns();
 //   name*        all columns that begin so
 // Returns names of `columns`, those of the table in `file`, without duplicates. Throws InputError with
 // the nearest known name.
-std::vector<std::string> expandConfoundTerms(const std::vector<std::string>& terms,
-                                             const std::vector<std::string>& columns,
-                                             const std::string& file);
+[[nodiscard]] std::vector<std::string> expandConfoundTerms(const std::vector<std::string>& terms,
+                                                           const std::vector<std::string>& columns,
+                                                           const std::string& file);
 
 // What is wrong with a term before any table is known; empty when nothing is.
-std::string confoundTermProblem(const std::string& term);
+[[nodiscard]] std::string confoundTermProblem(const std::string& term);
 
 // The columns that begin so, in their order.
-std::vector<std::string> columnsBeginningWith(const std::vector<std::string>& columns,
-                                              std::string_view begin);
+[[nodiscard]] std::vector<std::string> columnsBeginningWith(const std::vector<std::string>& columns,
+                                                            std::string_view begin);
 
 }  // namespace study
 

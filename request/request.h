@@ -130,8 +130,8 @@ struct Request {
 const char* methodName(Method method);
 const char* orderChoiceName(OrderChoice choice);  // "fixed", "bic", "aic", "hqc"
 // The other way round; unset for an unknown name.
-std::optional<Method> methodNamed(std::string_view name);
-std::optional<OrderChoice> orderChoiceNamed(std::string_view name);
+[[nodiscard]] std::optional<Method> methodNamed(std::string_view name);
+[[nodiscard]] std::optional<OrderChoice> orderChoiceNamed(std::string_view name);
 // In words, for logs, sidecars and help: which method ran and how it differs from the other.
 const char* methodDescription(Method method);
 

@@ -15,10 +15,11 @@ namespace study {
 // Reads and checks a request. Relative paths are taken from the file's folder. Throws InputError
 // with file, line and, for a misspelt name, the nearest known one. Files named in the request must
 // exist; labels are looked up later, when the images are read.
-Request readRequestFile(const std::filesystem::path& file);
+[[nodiscard]] Request readRequestFile(const std::filesystem::path& file);
 
 // The same from a text; `name` stands in messages, `folder` is where relative paths start.
-Request parseRequest(std::string_view text, const std::string& name, const std::filesystem::path& folder);
+[[nodiscard]] Request parseRequest(std::string_view text, const std::string& name,
+                                   const std::filesystem::path& folder);
 
 // A request without runs, for the BIDS command line, which finds them itself: [settings],
 // [[reference]], [[condition]] (for every run), and [preparation] with the keys of [[run]] that say
@@ -30,10 +31,10 @@ struct RequestTemplate {
   std::vector<ReferenceRequest> references;
   std::vector<ConditionRequest> conditions;  // without parts
 };
-RequestTemplate readRequestTemplate(const std::filesystem::path& file);
+[[nodiscard]] RequestTemplate readRequestTemplate(const std::filesystem::path& file);
 
 // A request with every key explained, which runs as it stands on examples/oneback-small.
-std::string exampleRequest();
+[[nodiscard]] std::string exampleRequest();
 
 }  // namespace study
 

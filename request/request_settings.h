@@ -12,7 +12,7 @@ namespace study {
 
 // Keys and ranges are those of the settings table. Throws InputError for unknown keys, wrong types
 // and values out of range. q-values are returned in ascending order without duplicates.
-Settings parseSettings(const toml::table& table, const std::string& file);
+[[nodiscard]] Settings parseSettings(const toml::table& table, const std::string& file);
 
 }  // namespace study
 

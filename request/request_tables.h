@@ -20,16 +20,17 @@ struct RequestPlace {
 };
 
 // All throw InputError. Named files must exist; the message names the nearest file of the folder.
-RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::size_t number);
+[[nodiscard]] RunRequest parseRun(const toml::table& node, const RequestPlace& place, std::size_t number);
 // [preparation]: how every run is prepared, without the files of any.
-RunRequest parsePreparation(const toml::table& node, const std::string& file);
-ReferenceRequest parseReference(const toml::table& node, const RequestPlace& place);
+[[nodiscard]] RunRequest parsePreparation(const toml::table& node, const std::string& file);
+[[nodiscard]] ReferenceRequest parseReference(const toml::table& node, const RequestPlace& place);
 // runs: names that a condition may use.
-ConditionRequest parseCondition(const toml::table& node, const RequestPlace& place,
-                                const std::vector<std::string>& runs);
+[[nodiscard]] ConditionRequest parseCondition(const toml::table& node, const RequestPlace& place,
+                                              const std::vector<std::string>& runs);
 
 // The key's path, absolute or taken from the request's folder; empty when the key is absent.
-std::filesystem::path existingFile(const TomlTable& table, std::string_view key, const RequestPlace& place);
+[[nodiscard]] std::filesystem::path existingFile(const TomlTable& table, std::string_view key,
+                                                 const RequestPlace& place);
 
 }  // namespace study
 

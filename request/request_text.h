@@ -11,10 +11,10 @@ namespace study {
 // TOML that parseRequest() reads back to an equal request, but for the lines (see below). Every value
 // is written, defaults too; the keys "title" and [datasets] serve this alone. Precondition: a request
 // that was read, or made by bidsRequests(), so that every condition has its parts.
-std::string requestText(const Request& request);
+[[nodiscard]] std::string requestText(const Request& request);
 
 // The request with no line numbers in it: those of a text belong to that text only.
-Request withoutLines(Request request);
+[[nodiscard]] Request withoutLines(Request request);
 
 }  // namespace study
 

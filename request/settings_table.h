@@ -41,15 +41,15 @@ struct Setting {
 };
 
 // In the order of the example request.
-std::span<const Setting> settingsTable();
+[[nodiscard]] std::span<const Setting> settingsTable();
 
 using SettingValue = std::variant<std::int64_t, double, std::string>;
 // One value; of a list all of them, map types as their numbers.
-std::vector<SettingValue> valuesOf(const Setting& setting, const Settings& settings);
+[[nodiscard]] std::vector<SettingValue> valuesOf(const Setting& setting, const Settings& settings);
 
 // As a request file has it: "0.7", "\"plugin\"", "[0.01, 0.05]". The row must have a key.
-std::string settingText(const Setting& setting, const Settings& settings);
-std::string rangeText(const Setting& setting);  // "1 to 20"
+[[nodiscard]] std::string settingText(const Setting& setting, const Settings& settings);
+[[nodiscard]] std::string rangeText(const Setting& setting);  // "1 to 20"
 
 // Rows that sidecars and records have, by their place there. Seeds and version stand behind the
 // place kLastPlaceOfModel.
@@ -57,7 +57,7 @@ std::vector<const Setting*> recordedSettings();
 inline constexpr int kLastPlaceOfModel = 7;
 
 // What goes into the key of a result, names and values in their order. `order` must be the settled one.
-std::vector<std::pair<std::string, SettingValue>> keyParts(const Settings& settings);
+[[nodiscard]] std::vector<std::pair<std::string, SettingValue>> keyParts(const Settings& settings);
 
 }  // namespace study
 

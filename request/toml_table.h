@@ -17,24 +17,24 @@ class TomlTable {
   // InputError at once.
   TomlTable(const toml::table& table, std::string file, std::string where, std::vector<std::string> known);
 
-  bool has(std::string_view key) const { return table_.contains(key); }
+  [[nodiscard]] bool has(std::string_view key) const { return table_.contains(key); }
   int line() const;                      // of the table, 0 when it has none
   int line(std::string_view key) const;  // of the key's value
 
   // Each returns the fallback when the key is absent and throws InputError for a wrong type or a
   // value outside [least, most].
-  std::string text(std::string_view key, std::string fallback = "") const;
-  bool flag(std::string_view key, bool fallback) const;
-  int integer(std::string_view key, int fallback, int least, int most) const;
-  double number(std::string_view key, double fallback, double least, double most) const;
+  [[nodiscard]] std::string text(std::string_view key, std::string fallback = "") const;
+  [[nodiscard]] bool flag(std::string_view key, bool fallback) const;
+  [[nodiscard]] int integer(std::string_view key, int fallback, int least, int most) const;
+  [[nodiscard]] double number(std::string_view key, double fallback, double least, double most) const;
   // A text or a list of texts. Integers count as texts when allowed ("labels = [3, 4]").
-  std::vector<std::string> texts(std::string_view key, bool integersToo = false) const;
-  std::vector<double> numbers(std::string_view key) const;
+  [[nodiscard]] std::vector<std::string> texts(std::string_view key, bool integersToo = false) const;
+  [[nodiscard]] std::vector<double> numbers(std::string_view key) const;
   const toml::array* array(std::string_view key) const;
   const toml::table* subtable(std::string_view key) const;
 
   [[noreturn]] void fail(std::string_view key, const std::string& message) const;
-  const std::string& file() const { return file_; }
+  [[nodiscard]] const std::string& file() const { return file_; }
 
  private:
   const toml::table& table_;

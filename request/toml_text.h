@@ -10,9 +10,9 @@
 namespace study {
 
 // In quotes, with what TOML forbids in a text of one line escaped. Precondition: UTF-8.
-std::string tomlText(std::string_view text);
+[[nodiscard]] std::string tomlText(std::string_view text);
 // The shortest digits that read back exactly. Precondition: finite.
-std::string tomlNumber(double value);
+[[nodiscard]] std::string tomlNumber(double value);
 
 // "[a, b]" of anything that `spell` turns into a TOML value.
 template <typename Items, typename Spell>

@@ -16,19 +16,20 @@ struct VolumeRange {
 inline int length(const VolumeRange& range) {
   return range.last - range.first + 1;
 }
-int totalLength(const std::vector<VolumeRange>& ranges);
+[[nodiscard]] int totalLength(const std::vector<VolumeRange>& ranges);
 
 // Volumes that lie in a range of both lists. A range of a that b divides becomes several.
-std::vector<VolumeRange> intersect(const std::vector<VolumeRange>& a, const std::vector<VolumeRange>& b);
+[[nodiscard]] std::vector<VolumeRange> intersect(const std::vector<VolumeRange>& a,
+                                                 const std::vector<VolumeRange>& b);
 
 // The ranges of at least minimumLength volumes, in their order.
-std::vector<VolumeRange> dropShort(const std::vector<VolumeRange>& ranges, int minimumLength);
+[[nodiscard]] std::vector<VolumeRange> dropShort(const std::vector<VolumeRange>& ranges, int minimumLength);
 
 // Samples that a model of the given order is fitted to: each range loses its first `order` volumes.
-int effectiveVolumes(const std::vector<VolumeRange>& ranges, int order);
+[[nodiscard]] int effectiveVolumes(const std::vector<VolumeRange>& ranges, int order);
 
 // Every range moved by offset volumes (negative: towards the start).
-std::vector<VolumeRange> shifted(const std::vector<VolumeRange>& ranges, int offset);
+[[nodiscard]] std::vector<VolumeRange> shifted(const std::vector<VolumeRange>& ranges, int offset);
 
 }  // namespace study
 

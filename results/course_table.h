@@ -17,7 +17,7 @@ struct CourseColumn {
 
 // Tab-separated, the run names first, then one row per volume of the longest stored image, "n/a" where
 // a run has no value. The added constant is taken off again.
-std::string courseTable(const std::vector<CourseColumn>& columns);
+[[nodiscard]] std::string courseTable(const std::vector<CourseColumn>& columns);
 
 }  // namespace study
 

@@ -128,7 +128,7 @@ class FieldReader {
     if (found == names.end()) at.fail(fmt::format("unknown {} '{}'", what, name), kRemedy);
     value = static_cast<T>(found - names.begin());
   }
-  JsonPlace at(const char* key) const { return place_.member(key); }
+  [[nodiscard]] JsonPlace at(const char* key) const { return place_.member(key); }
   template <typename Describe>
   void inside(const char* key, Describe describeInside) {
     FieldReader fields(place_.member(key));

@@ -13,18 +13,20 @@
 namespace study {
 
 // The engine's verdict on a voxel, told apart by the mask and the reference region.
-StatusCode statusOf(tav::VoxelStatus status, bool inMask, bool inReference);
+[[nodiscard]] StatusCode statusOf(tav::VoxelStatus status, bool inMask, bool inReference);
 
 // Non-zero voxels that reach the threshold and are not the reference's own. codes: StatusCode per voxel.
-std::size_t passingOutside(const float* values, float threshold, const std::vector<std::uint8_t>& codes);
+[[nodiscard]] std::size_t passingOutside(const float* values, float threshold,
+                                         const std::vector<std::uint8_t>& codes);
 
 // One entry per threshold of the map; qValues: the q of each. An infinite threshold is left unset.
-std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map, const std::vector<double>& qValues,
-                                          const std::vector<std::uint8_t>& codes);
+[[nodiscard]] std::vector<ThresholdResult> thresholdsOf(const tav::MapOutcome& map,
+                                                        const std::vector<double>& qValues,
+                                                        const std::vector<std::uint8_t>& codes);
 
 // Index of the largest magnitude among computed voxels outside the reference, the first of equals; 0
 // when there is none. A voxel of the reference against its own mean is a degenerate case, not a finding.
-std::size_t peakOf(const float* values, const std::vector<std::uint8_t>& codes);
+[[nodiscard]] std::size_t peakOf(const float* values, const std::vector<std::uint8_t>& codes);
 
 // Header of a map, and of the status map (labels of 8 bits), on the grid of a run's image: nothing of
 // the run's intensities or times.
@@ -32,7 +34,7 @@ formats::ImageHeader mapHeader(formats::ImageHeader run);
 formats::ImageHeader statusHeader(formats::ImageHeader run);
 
 // The double with the digits of the float: 0.1F as 0.1, not as 0.10000000149.
-double withDigitsOf(float value);
+[[nodiscard]] double withDigitsOf(float value);
 
 }  // namespace study
 

@@ -9,12 +9,12 @@
 namespace study {
 
 // "influence of LH-V1 on each voxel": direction and meaning in words.
-std::string mapDescription(tav::MapType type, const std::string& reference);
+[[nodiscard]] std::string mapDescription(tav::MapType type, const std::string& reference);
 // The part of a file name that says what a map holds: "Ref2Vox". A difference is never named like
 // one of its parts.
 const char* mapLabel(tav::MapType type);
 // scale: the map scale factor as text.
-std::string mapUnits(tav::MapType type, const std::string& scale);
+[[nodiscard]] std::string mapUnits(tav::MapType type, const std::string& scale);
 
 }  // namespace study
 

@@ -15,23 +15,23 @@ namespace study {
 
 // Alphanumeric labels for a list of names, all different: a label that two names share gets a
 // number at its end from the second on.
-std::vector<std::string> uniqueLabels(const std::vector<std::string>& names);
+[[nodiscard]] std::vector<std::string> uniqueLabels(const std::vector<std::string>& names);
 
 // File names of one reference. prefix: entities or a plain word; seed: the reference's label.
 class OutputNames {
  public:
   OutputNames(std::string prefix, std::string seedLabel);
   // PREFIX_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz
-  std::string map(const std::string& conditionLabel, tav::MapType type) const;
-  std::string status(const std::string& conditionLabel) const;
-  std::string statusTable(const std::string& conditionLabel) const;
+  [[nodiscard]] std::string map(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string status(const std::string& conditionLabel) const;
+  [[nodiscard]] std::string statusTable(const std::string& conditionLabel) const;
   std::string courses() const;  // .tsv
   std::string record() const;   // .json; written last
   // "X.json" for "X.nii.gz" or "X.tsv".
   static std::string sidecarOf(const std::string& file);
 
  private:
-  std::string stem(const std::string& more) const;
+  [[nodiscard]] std::string stem(const std::string& more) const;
   std::string prefix_, seed_;
 };
 
@@ -43,8 +43,8 @@ class Staging {
   // prefix: that of the request; label: the reference's. Throws formats::FileError, also when another
   // process is making the same result.
   Staging(const std::filesystem::path& outputFolder, const std::string& prefix, const std::string& label);
-  std::filesystem::path path(const std::string& file) const { return folder() / file; }
-  const std::filesystem::path& folder() const { return folder_.path(); }
+  [[nodiscard]] std::filesystem::path path(const std::string& file) const { return folder() / file; }
+  [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
   // Throws RunError. Returns the names of the files, the record included.
   std::vector<std::string> publish(const std::string& record);
 

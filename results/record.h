@@ -35,7 +35,9 @@ struct ConditionRecord {
   int surrogatesIllDefined = 0;
   std::string statusFile;
   std::vector<MapResult> maps;  // a peak that is not finite is NaN
-  std::size_t voxelsComputed() const { return voxels[static_cast<std::size_t>(StatusCode::kComputed)]; }
+  [[nodiscard]] std::size_t voxelsComputed() const {
+    return voxels[static_cast<std::size_t>(StatusCode::kComputed)];
+  }
   bool operator==(const ConditionRecord&) const = default;
 };
 
@@ -60,7 +62,7 @@ struct Record {
 
 // Whether a map has a place of largest magnitude: not without computed voxels, whose record names the
 // first voxel of all.
-bool hasPeak(const ConditionRecord& condition, const MapResult& map);
+[[nodiscard]] bool hasPeak(const ConditionRecord& condition, const MapResult& map);
 
 }  // namespace study
 

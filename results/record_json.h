@@ -12,13 +12,13 @@ namespace study {
 
 // Keys in a fixed order, so that equal records are equal texts. Values that are not finite are null.
 nlohmann::ordered_json recordJson(const Record& record);
-std::string recordText(const Record& record);  // as the file has it
+[[nodiscard]] std::string recordText(const Record& record);  // as the file has it
 
 // Unknown keys are overlooked. Throws formats::FileError for a text that is no whole record, saying
 // what is missing or of another kind, and where. `path` is for the message alone.
-Record recordFromText(const std::string& text, const std::string& path);
+[[nodiscard]] Record recordFromText(const std::string& text, const std::string& path);
 // Throws formats::FileError for a file that cannot be read as well.
-Record readRecordFile(const std::string& path);
+[[nodiscard]] Record readRecordFile(const std::string& path);
 
 nlohmann::ordered_json runsJson(const std::vector<RunRecord>& runs);
 nlohmann::ordered_json thresholdsJson(const std::vector<ThresholdResult>& thresholds);

@@ -25,15 +25,15 @@ struct ResultContext {
 };
 
 // "bids:raw:sub-01/..." when a data set of the request holds the file, else the plain file name.
-std::string sourceUri(const Request& request, const std::filesystem::path& file);
+[[nodiscard]] std::string sourceUri(const Request& request, const std::filesystem::path& file);
 
 nlohmann::ordered_json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
                                   const ConditionResult& condition, const MapResult& map);
 nlohmann::ordered_json statusSidecar(const ResultContext& context, const ReferenceResult& reference,
                                      const ConditionResult& condition);
 // Everything about one reference but its files; `key` says from which inputs it was made.
-Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
-                       const std::string& key);
+[[nodiscard]] Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
+                                     const std::string& key);
 nlohmann::ordered_json datasetDescription(const Request& request, const std::string& version);
 
 }  // namespace study

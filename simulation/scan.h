@@ -34,7 +34,7 @@ class Scan {
   const std::vector<float>& nextVolume();
 
  private:
-  double artefactOf(std::size_t voxel) const;
+  [[nodiscard]] double artefactOf(std::size_t voxel) const;
 
   const Head& head_;
   const Artefacts& artefacts_;

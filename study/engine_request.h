@@ -23,7 +23,7 @@ tav::TAV_Pars engineRequest(const Settings& settings, int order, const std::vect
 
 // What was done to the voxels of each run, by the name of its VTC: surrogates go through the same, and rest
 // on the volumes that are not censored.
-std::map<std::string, tav::CourseTreatment> courseTreatments(const std::vector<RunPlan>& runs);
+[[nodiscard]] std::map<std::string, tav::CourseTreatment> courseTreatments(const std::vector<RunPlan>& runs);
 
 // What the method asks of the engine beyond the record.
 tav::RunOptions engineOptions(const Settings& settings);

@@ -22,8 +22,8 @@ class FileStore : public tav::MemoryStore {
   [[nodiscard]] std::string saveLog(const std::string& path, const std::string& text) override;
 
   // The log that the engine saved last: its file in the folder, and its text.
-  const std::string& logFile() const { return logFile_; }
-  const std::string& logText() const { return logText_; }
+  [[nodiscard]] const std::string& logFile() const { return logFile_; }
+  [[nodiscard]] const std::string& logText() const { return logText_; }
 
  private:
   std::filesystem::path folder_;

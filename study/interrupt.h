@@ -12,7 +12,7 @@ class InterruptGuard {
   InterruptGuard(const InterruptGuard&) = delete;
   InterruptGuard& operator=(const InterruptGuard&) = delete;
 };
-bool interruptRequested();
+[[nodiscard]] bool interruptRequested();
 
 }  // namespace study
 

@@ -27,7 +27,7 @@ struct OrderEvidence {
   Criteria total;  // mean over the entries of own plus joint
 
   // The order that the criterion chooses.
-  int best(OrderChoice choice) const;
+  [[nodiscard]] int best(OrderChoice choice) const;
 };
 
 // pars: the engine's record with arOrder = maxOrder; its VTCs, named relative to vtcFolder, must exist.
@@ -36,13 +36,14 @@ struct OrderEvidence {
 // Intervals that are not longer than maxOrder + 2 volumes are left out, so that every order sees the
 // same data. Throws InputError when no interval is long
 // enough, RunError when the engine cannot read the data.
-OrderEvidence gatherOrderEvidence(const tav::TAV_Pars& pars, const std::filesystem::path& vtcFolder,
-                                  int maxOrder, int sampleVoxels);
+[[nodiscard]] OrderEvidence gatherOrderEvidence(const tav::TAV_Pars& pars,
+                                                const std::filesystem::path& vtcFolder, int maxOrder,
+                                                int sampleVoxels);
 
 nlohmann::ordered_json orderJson(const OrderEvidence& evidence);
-OrderEvidence orderFromJson(const nlohmann::ordered_json& json);
+[[nodiscard]] OrderEvidence orderFromJson(const nlohmann::ordered_json& json);
 // The curves as tab-separated rows, one per reference, condition, criterion and order.
-std::string orderTable(const OrderEvidence& evidence);
+[[nodiscard]] std::string orderTable(const OrderEvidence& evidence);
 // For a terminal: the total curves, and which order each criterion chooses, overall and per entry.
 void printOrders(const OrderEvidence& evidence, std::ostream& out);
 

@@ -40,13 +40,13 @@ struct Criteria {
   std::vector<double> bic, aic, hqc;  // index 0 is order 1
 };
 // parametersPerOrder: 1 for a single series, 4 for two.
-Criteria criteriaOf(const std::vector<double>& logError, int parametersPerOrder, int samples);
+[[nodiscard]] Criteria criteriaOf(const std::vector<double>& logError, int parametersPerOrder, int samples);
 
 // Adds weight times each curve of `more`; an empty sum takes its shape.
 void accumulate(Criteria& sum, const Criteria& more, double weight);
 
 // The order (from 1) at the curve's minimum, the lowest of equals; 1 for an empty curve.
-int bestOrder(const std::vector<double>& curve);
+[[nodiscard]] int bestOrder(const std::vector<double>& curve);
 
 }  // namespace study
 

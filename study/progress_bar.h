@@ -14,7 +14,7 @@ namespace study {
 enum class ProgressStyle { kQuiet, kLines, kBar };
 
 // What suits standard error.
-ProgressStyle progressStyle(bool quiet);
+[[nodiscard]] ProgressStyle progressStyle(bool quiet);
 
 class ProgressBar : public PoolWatcher {
  public:
@@ -36,9 +36,9 @@ class ProgressBar : public PoolWatcher {
 };
 
 // "[#####.....]  50 %, 1 min 05 s left"; no estimate in the first two percent.
-std::string progressLine(double fraction, double elapsedSeconds);
+[[nodiscard]] std::string progressLine(double fraction, double elapsedSeconds);
 // "45 s", "1 min 05 s", "2 h 03 min".
-std::string durationText(double seconds);
+[[nodiscard]] std::string durationText(double seconds);
 
 }  // namespace study
 

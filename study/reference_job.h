@@ -22,11 +22,12 @@ void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& re
 
 // What the log of a reference says beyond the engine's own text: method, preparation, warnings,
 // thresholds in words.
-std::string logAppendix(const StudyPlan& plan, std::size_t region, const ReferenceResult& result);
+[[nodiscard]] std::string logAppendix(const StudyPlan& plan, std::size_t region,
+                                      const ReferenceResult& result);
 
 // The record of a finished reference when it was made under this key and its files are there, each of
 // its size; unset otherwise.
-std::optional<Record> finishedRecord(const StudyPlan& plan, std::size_t region);
+[[nodiscard]] std::optional<Record> finishedRecord(const StudyPlan& plan, std::size_t region);
 
 }  // namespace study
 

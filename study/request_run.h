@@ -26,8 +26,8 @@ class RequestRun {
   void start();
 
  private:
-  bool choosesOrder() const;
-  double workOfReferences() const;
+  [[nodiscard]] bool choosesOrder() const;
+  [[nodiscard]] double workOfReferences() const;
   void addWork(const std::string& name, double weight, const WorkerJob& job,
                std::function<void(const WorkOutcome&)> finished);
   void addImport(std::size_t run);

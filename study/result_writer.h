@@ -34,9 +34,9 @@ class ResultWriter : public tav::RunObserver {
   void onVoi(const tav::TAV_VOI_Pars& voi) override;
 
  private:
-  std::size_t region() const { return regions_[current_]; }
-  OutputNames names() const;
-  ResultContext context() const;
+  [[nodiscard]] std::size_t region() const { return regions_[current_]; }
+  [[nodiscard]] OutputNames names() const;
+  [[nodiscard]] ResultContext context() const;
   MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
   void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                    ConditionResult& condition);

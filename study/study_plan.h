@@ -32,18 +32,18 @@ struct StudyPlan {
 
 // Looks at every file of the request but reads no time series. Throws InputError and
 // formats::FileError.
-StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::string& version);
+[[nodiscard]] StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::string& version);
 
 // Plans the conditions for an order and adds their cautions. May be called again for another order.
 void settleOrder(StudyPlan& plan, int order);
 
 // The key of a reference's result: inputs, settings, seed and version. Equal keys mean equal files.
-std::string resultKey(const StudyPlan& plan, std::size_t region);
+[[nodiscard]] std::string resultKey(const StudyPlan& plan, std::size_t region);
 // The plan's cautions and those of the region itself.
-std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region);
+[[nodiscard]] std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region);
 // The seed from which the engine's time base is set: with method "plugin" the study's own, since its
 // references share one sequence; otherwise one per reference.
-std::uint32_t seedOf(const StudyPlan& plan, std::size_t region);
+[[nodiscard]] std::uint32_t seedOf(const StudyPlan& plan, std::size_t region);
 
 }  // namespace study
 

@@ -43,14 +43,14 @@ struct StudyOutcome {
   std::vector<std::string> cautions;
   bool inputProblem = false;                   // at least one failure is the request's fault
   std::vector<nlohmann::ordered_json> orders;  // evidence, one per request that asked for it
-  bool failed() const;
+  [[nodiscard]] bool failed() const;
 };
 
 // Requests are planned before anything is computed: an InputError in one of them throws at once when
 // it is the only one, and is a failure among others otherwise. Throws Interrupted. What workers and
 // killed runs have left in the folders is gone at the end, however that comes.
-StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options,
-                      ProgressBar& progress);
+[[nodiscard]] StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options,
+                                    ProgressBar& progress);
 
 }  // namespace study
 

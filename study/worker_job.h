@@ -27,20 +27,20 @@ struct WorkerJob {
   Request request;
 };
 
-WorkerJob importJob(const StudyPlan& plan, std::size_t run);
-WorkerJob orderJob(const StudyPlan& plan);
-WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions);
+[[nodiscard]] WorkerJob importJob(const StudyPlan& plan, std::size_t run);
+[[nodiscard]] WorkerJob orderJob(const StudyPlan& plan);
+[[nodiscard]] WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions);
 
-std::string jobText(const WorkerJob& job);
+[[nodiscard]] std::string jobText(const WorkerJob& job);
 // Throws InputError when the file is no job or names files that are gone, and formats::FileError.
-WorkerJob readJob(const std::filesystem::path& file);
+[[nodiscard]] WorkerJob readJob(const std::filesystem::path& file);
 
 // Plans again from the request, makes sure that this is what was planned before, and does the work.
 // Returns what the order evidence found, as JSON; otherwise nothing. progress receives 0 to 1. Throws
 // InputError, also when another version wrote the job; RunError, also when inputs have changed since;
 // formats::FileError.
-std::string carryOut(const WorkerJob& job, const std::string& version,
-                     const std::function<void(double)>& progress);
+[[nodiscard]] std::string carryOut(const WorkerJob& job, const std::string& version,
+                                   const std::function<void(double)>& progress);
 
 }  // namespace study
 

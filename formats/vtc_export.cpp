@@ -128,7 +128,7 @@ VTC_Header readVtcFileHeader(const std::string& path) {
   }
   const std::uint64_t needed = static_cast<std::uint64_t>(header.dataOffset) +
                                static_cast<std::uint64_t>(sliceValues(header)) *
-                                   static_cast<std::uint64_t>(gridOf(header).dimZ) * valueBytes(header);
+                                   static_cast<std::uint64_t>(gridOf(header).z) * valueBytes(header);
   if (std::filesystem::file_size(path) < needed) {
     throw FileError(path, "the file ends before its last value", "Get the file again from its source");
   }

@@ -40,7 +40,7 @@ namespace tcutils_detail {
 // Adds the time course of one cell; false when the file ends before it does.
 template <typename T, typename Accumulation, typename Value>
 bool addCell(std::FILE* file, const VTC_Header& header, const voicrd& cell, Value* buffer, T* sums) {
-  const std::int64_t voxel = gridOf(header).indexOf(cell.x, cell.y, cell.z);
+  const auto voxel = static_cast<std::int64_t>(gridOf(header).index(cell.x, cell.y, cell.z));
   const std::int64_t offset = header.dataOffset + voxel * header.nrOfVolumes * std::int64_t{sizeof(Value)};
   const auto wanted = static_cast<std::size_t>(header.nrOfVolumes);
   if (std::fseek(file, static_cast<long>(offset), SEEK_SET) != 0) return false;

@@ -185,14 +185,15 @@ TEST_F(BidsLayout, PreprocessedRunsArePreferredToFilteredOnes) {
 }
 
 TEST_F(BidsLayout, NamesWhatIsMissing) {
-  EXPECT_EQ(messageOf<InputError>([&] { findBidsGroups(raw() / "nowhere", {}, {}); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return findBidsGroups(raw() / "nowhere", {}, {}); }),
             "no folder " + (raw() / "nowhere").string() + "; give the BIDS data set");
-  EXPECT_EQ(messageOf<InputError>([&] { findBidsGroups(raw(), {raw() / "nowhere"}, {}); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return findBidsGroups(raw(), {raw() / "nowhere"}, {}); }),
             "no folder of derivatives: " + (raw() / "nowhere").string());
   Scratch empty;
-  EXPECT_NE(
-      messageOf<InputError>([&] { findBidsGroups(empty.folder(), {}, {}); }).find("no preprocessed run"),
-      std::string::npos);
+  EXPECT_NE(messageOf<InputError>([&] {
+              return findBidsGroups(empty.folder(), {}, {});
+            }).find("no preprocessed run"),
+            std::string::npos);
 }
 
 TEST_F(BidsLayout, FilterFilesTranslateLongKeys) {
@@ -205,9 +206,10 @@ TEST_F(BidsLayout, FilterFilesTranslateLongKeys) {
   filtered.entities = entities;
   EXPECT_EQ(entitiesOf(find(filtered)),
             (std::vector<std::string>{"sub-01_ses-1_task-oneback_run-2_space-MNI"}));
-  EXPECT_NE(
-      messageOf<InputError>([&] { readBidsFilter(scratch_.write("g.json", "[")); }).find("not a JSON object"),
-      std::string::npos);
+  EXPECT_NE(messageOf<InputError>([&] {
+              return readBidsFilter(scratch_.write("g.json", "["));
+            }).find("not a JSON object"),
+            std::string::npos);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ TEST(Script, IgnoresCommentsBehindAnswersButKeepsNumberSigns) {
 }
 
 TEST(Script, NamesLineAndKnownTagsForAnUnknownOne) {
-  const auto end = endingOf([] { parseScript("text a\nintger 3\n", "s.txt"); });
+  const auto end = endingOf([] { return parseScript("text a\nintger 3\n", "s.txt"); });
   EXPECT_EQ(end.exitCode, host::kExitBadInput);
   EXPECT_EQ(end.message,
             "s.txt:2: unknown answer \"intger\"; the answers are integer, text, float, open, save, yes, no, "
@@ -58,16 +58,17 @@ TEST(Script, NamesLineAndKnownTagsForAnUnknownOne) {
 }
 
 TEST(Script, RefusesAMissingOrASuperfluousValue) {
-  EXPECT_EQ(endingOf([] { parseScript("integer", "s.txt"); }).message,
+  EXPECT_EQ(endingOf([] { return parseScript("integer", "s.txt"); }).message,
             "s.txt:1: \"integer\" needs a value after it");
-  EXPECT_EQ(endingOf([] { parseScript("yes please", "s.txt"); }).message, "s.txt:1: \"yes\" takes no value");
+  EXPECT_EQ(endingOf([] { return parseScript("yes please", "s.txt"); }).message,
+            "s.txt:1: \"yes\" takes no value");
 }
 
 TEST(Script, SaysWhichFileCannotBeRead) {
-  const auto end = endingOf([] { host::readScript("no/such/script.txt"); });
+  const auto end = endingOf([] { return host::readScript("no/such/script.txt"); });
   EXPECT_EQ(end.exitCode, host::kExitBadInput);
   EXPECT_EQ(end.message, "Cannot read the script no/such/script.txt: check the path and its permissions.");
-  EXPECT_THAT(endingOf([] { host::readScript("/"); }).message, HasSubstr("Cannot read the script /"));
+  EXPECT_THAT(endingOf([] { return host::readScript("/"); }).message, HasSubstr("Cannot read the script /"));
 }
 
 }  // namespace

@@ -121,7 +121,7 @@ TEST_F(MapPictures, TheRegionThatIsNamedIsOutlined) {
   picture.title = "face: dTAV   reference: V1";
   EXPECT_TRUE(shows(inspect::drawMapSet(asked)[0], picture));
   asked.region = "V9";
-  EXPECT_EQ(reasonOf([&] { inspect::drawMapSet(asked); }),
+  EXPECT_EQ(reasonOf([&] { return inspect::drawMapSet(asked); }),
             "has no region named V9. `tavmap info` lists its regions.");
 }
 
@@ -136,7 +136,7 @@ TEST_F(MapPictures, AsManySlicesAsAskedFor) {
 TEST_F(MapPictures, UnknownQAndOtherGridsAreNamed) {
   inspect::PictureOptions asked = options();
   asked.q = 0.2;
-  EXPECT_EQ(reasonOf([&] { inspect::drawMapSet(asked); }),
+  EXPECT_EQ(reasonOf([&] { return inspect::drawMapSet(asked); }),
             "the maps have no threshold for q = 0.200. They have: thres q=0.010, thres q=0.050, thres "
             "q=0.100.");
   asked = options();
@@ -145,7 +145,7 @@ TEST_F(MapPictures, UnknownQAndOtherGridsAreNamed) {
   header.sformCode = 1;
   formats::writeImage(scratch_.file("flat.nii"), {header, std::vector<float>(12, 1)});
   asked.anatomy = scratch_.file("flat.nii");
-  EXPECT_EQ(reasonOf([&] { inspect::drawMapSet(asked); }),
+  EXPECT_EQ(reasonOf([&] { return inspect::drawMapSet(asked); }),
             "has 4 x 3 x 1 voxels and the maps have 4 x 3 x 2. Give an anatomy on the grid of the maps.");
 }
 

@@ -85,12 +85,13 @@ TEST_F(Confounds, The36ParametersAreNineTimesFour) {
 
 TEST_F(Confounds, UnknownColumnsNameTheNearest) {
   const ConfoundTable t = table("csf\tglobal_signal\n1\t1\n");
-  EXPECT_EQ(messageOf<InputError>([&] { expandConfoundTerms({"global_signl"}, t.names, t.file.string()); }),
-            scratch_.folder().string() + "/c.tsv: no column 'global_signl'; did you mean 'global_signal'?");
-  EXPECT_EQ(messageOf<InputError>([&] { expandConfoundTerms({"6motoin"}, t.names, t.file.string()); }),
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return expandConfoundTerms({"global_signl"}, t.names, t.file.string()); }),
+      scratch_.folder().string() + "/c.tsv: no column 'global_signl'; did you mean 'global_signal'?");
+  EXPECT_EQ(messageOf<InputError>([&] { return expandConfoundTerms({"6motoin"}, t.names, t.file.string()); }),
             scratch_.folder().string() + "/c.tsv: no column '6motoin'; did you mean '6motion'?");
   EXPECT_NE(messageOf<InputError>([&] {
-              expandConfoundTerms({"wmcsf"}, t.names, t.file.string());
+              return expandConfoundTerms({"wmcsf"}, t.names, t.file.string());
             }).find("no column 'white_matter', asked for by 'wmcsf'"),
             std::string::npos);
 }
@@ -103,7 +104,7 @@ TEST_F(Confounds, LeadingMissingValuesBecomeTheMean) {
 
 TEST_F(Confounds, LaterMissingValuesAreRefusedWithTheirVolume) {
   const ConfoundTable t = table("d\n1\nn/a\n3\n");
-  EXPECT_EQ(messageOf<InputError>([&] { confoundColumns(t, {"d"}, 0); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return confoundColumns(t, {"d"}, 0); }),
             scratch_.folder().string() +
                 "/c.tsv: column 'd' has no number at volume 2; choose other columns or repair the table");
 }
@@ -115,9 +116,10 @@ TEST_F(Confounds, DisplacementComesFromTheTableOrFromMotion) {
   const std::vector<double> fd = framewiseDisplacement(t);
   EXPECT_TRUE(std::isnan(fd[0]));
   EXPECT_NEAR(fd[1], 0.1 + 0.2 + 0.01 * 50, 1e-12);
-  EXPECT_NE(
-      messageOf<InputError>([&] { framewiseDisplacement(table("csf\n1\n")); }).find("censoring needs one"),
-      std::string::npos);
+  EXPECT_NE(messageOf<InputError>([&] {
+              return framewiseDisplacement(table("csf\n1\n"));
+            }).find("censoring needs one"),
+            std::string::npos);
 }
 
 TEST_F(Confounds, CountsVolumesBeforeTheSteadyState) {
@@ -133,7 +135,7 @@ TEST_F(Confounds, CountsVolumesBeforeTheSteadyState) {
 
 TEST_F(Confounds, AHoleIsNamedByItsVolumeInTheStoredImage) {
   const ConfoundTable t = table("d\n1\n2\nn/a\n3\n");
-  EXPECT_EQ(messageOf<InputError>([&] { confoundColumns(t, {"d"}, 1); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return confoundColumns(t, {"d"}, 1); }),
             scratch_.folder().string() +
                 "/c.tsv: column 'd' has no number at volume 3; choose other columns or repair the table");
 }

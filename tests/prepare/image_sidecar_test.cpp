@@ -46,7 +46,7 @@ TEST_F(Sidecar, RefusesWhatIsNotJson) {
 TEST_F(Sidecar, DisputedRepetitionTimesRequireAChoice) {
   const ImageSidecar sidecar = read(R"({"RepetitionTime": 2.0})");
   EXPECT_EQ(
-      messageOf<InputError>([&] { repetitionTime("a", 0, 1.0, sidecar); }),
+      messageOf<InputError>([&] { return repetitionTime("a", 0, 1.0, sidecar); }),
       "run 'a': the image's header says TR = 1 s, a_bold.json says TR = 2 s; choose one with 'tr' (seconds)");
   EXPECT_EQ(repetitionTime("a", 1.5, 1.0, sidecar), 1.5);
   EXPECT_EQ(repetitionTime("a", 0, 2.0005, sidecar), 2.0);
@@ -55,7 +55,7 @@ TEST_F(Sidecar, DisputedRepetitionTimesRequireAChoice) {
 }
 
 TEST_F(Sidecar, AnUnknownRepetitionTimeIsAskedFor) {
-  EXPECT_EQ(messageOf<InputError>([&] { repetitionTime("a", 0, 0, {}); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return repetitionTime("a", 0, 0, {}); }),
             "run 'a': neither the image's header nor a JSON sidecar states the repetition time; give it with "
             "'tr' (seconds)");
 }

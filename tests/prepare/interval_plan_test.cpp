@@ -61,7 +61,7 @@ TEST(IntervalPlan, TypedIntervalsAreTakenAsTheyAre) {
 TEST(IntervalPlan, TypedIntervalsMustLieInTheRunAndHoldAModel) {
   ConditionRequest condition = makeCondition(IntervalKind::kTyped);
   condition.typed = {{10, 101}};
-  EXPECT_EQ(messageOf<InputError>([&] { planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
             "r.toml: condition 'c': interval 10 to 101 ends outside run 'a', which has 100 volumes");
   condition.typed = {{10, 100}};
   EXPECT_NO_THROW(planCondition(condition, {makeRun("a")}, 3, "r.toml"));
@@ -69,7 +69,7 @@ TEST(IntervalPlan, TypedIntervalsMustLieInTheRunAndHoldAModel) {
   EXPECT_NO_THROW(planCondition(condition, {makeRun("a")}, 3, "r.toml"));
   condition.typed = {{10, 12}};
   EXPECT_EQ(
-      messageOf<InputError>([&] { planCondition(condition, {makeRun("a")}, 3, "r.toml"); }),
+      messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 3, "r.toml"); }),
       "r.toml: condition 'c': interval 10 to 12 is too short; a model of order 3 needs more than 3 volumes");
 }
 
@@ -130,7 +130,7 @@ TEST(IntervalPlan, UnknownTrialTypesNameTheNearest) {
   run.events = {{0, 50, "face"}, {60, 50, "house"}};
   ConditionRequest condition = makeCondition(IntervalKind::kEvents);
   condition.trialTypes = {"fase"};
-  EXPECT_EQ(messageOf<InputError>([&] { planCondition(condition, {run}, 1, "r.toml"); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return planCondition(condition, {run}, 1, "r.toml"); }),
             "r.toml: condition 'c': no event of trial_type 'fase'; did you mean 'face'?");
 }
 
@@ -152,7 +152,7 @@ TEST(IntervalPlan, NothingLeftIsAnErrorThatSaysWhy) {
   RunVolumes run = makeRun("a", 20);
   run.kept = {{1, 3}};
   EXPECT_EQ(messageOf<InputError>(
-                [&] { planCondition(makeCondition(IntervalKind::kWholeRun), {run}, 1, "r.toml"); }),
+                [&] { return planCondition(makeCondition(IntervalKind::kWholeRun), {run}, 1, "r.toml"); }),
             "r.toml: condition 'c': no interval of at least 4 volumes is left (condition 'c': run 'a': 17 of "
             "20 volumes "
             "dropped or censored) (condition 'c': run 'a': 1 of 1 intervals left out, shorter than 4 "

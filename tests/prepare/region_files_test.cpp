@@ -70,7 +70,7 @@ TEST_F(RegionFiles, TwoReferencesOfOneNameAreRefused) {
   voxel.voxels = {{0, 0, 0}};
   voxel.line = 7;
   request_.references = {voxel, voxel};
-  EXPECT_EQ(messageOf<InputError>([&] { readRegions(request_, space()); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return readRegions(request_, space()); }),
             "r.toml:7: two references are named 'v'; their results would overwrite each other, give one "
             "another 'name'");
 }

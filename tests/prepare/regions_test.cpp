@@ -42,17 +42,18 @@ TEST(Regions, LabelsAreTakenByNameAndByIndex) {
 }
 
 TEST(Regions, UnknownLabelsNameTheNearest) {
-  EXPECT_EQ(messageOf<InputError>([] { labelRegions(labels({"V3"}), atlas(), space(), "r.toml:4"); }),
+  EXPECT_EQ(messageOf<InputError>([] { return labelRegions(labels({"V3"}), atlas(), space(), "r.toml:4"); }),
             "r.toml:4: no label 'V3' in dseg.nii.gz; did you mean 'V1'?");
-  EXPECT_EQ(messageOf<InputError>([] { labelRegions(labels({"absent"}), atlas(), space(), "r.toml:4"); }),
-            "r.toml:4: reference 'absent' has no voxel in the grid of the runs");
-  EXPECT_NE(messageOf<InputError>([] { labelRegions(labels({"0"}), atlas(), space(), "r"); }), "");
+  EXPECT_EQ(
+      messageOf<InputError>([] { return labelRegions(labels({"absent"}), atlas(), space(), "r.toml:4"); }),
+      "r.toml:4: reference 'absent' has no voxel in the grid of the runs");
+  EXPECT_NE(messageOf<InputError>([] { return labelRegions(labels({"0"}), atlas(), space(), "r"); }), "");
 }
 
 TEST(Regions, RepeatedNamesMustBeNamedByIndex) {
   LabelVolume image = atlas();
   image.names = {{1, "V1"}, {2, "V1"}};
-  EXPECT_EQ(messageOf<InputError>([&] { labelRegions(labels({"V1"}), image, space(), "r"); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return labelRegions(labels({"V1"}), image, space(), "r"); }),
             "r: dseg.nii.gz has 2 labels named 'V1'; name them by index");
 }
 
@@ -79,7 +80,7 @@ TEST(Regions, ThePluginAveragesVoxelsOutsideTheMaskToo) {
   const auto regions = labelRegions(labels({"V1"}), atlas(), masked, "r");
   EXPECT_EQ(regions[0].voxels(), 2);
   masked.mask[2] = false;
-  EXPECT_EQ(messageOf<InputError>([&] { labelRegions(labels({"V1"}), atlas(), masked, "r"); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return labelRegions(labels({"V1"}), atlas(), masked, "r"); }),
             "r: reference 'V1' has no voxel inside the mask");
 }
 
@@ -88,9 +89,9 @@ TEST(Regions, AnotherGridIsReadAtVoxelCentres) {
   fine.size = {6, 4, 4};
   fine.affine = formats::Affine{{1, 0, 0, -10.5, 0, 1, 0, -0.5, 0, 0, 1, 4.5, 0, 0, 0, 1}};
   const auto values = labelsOnGrid(atlas(), fine);
-  EXPECT_EQ(values[fine.index({2, 0, 0})], 1);
-  EXPECT_EQ(values[fine.index({3, 1, 1})], 1);
-  EXPECT_EQ(values[fine.index({2, 2, 0})], 2);
+  EXPECT_EQ(values[fine.size.index({2, 0, 0})], 1);
+  EXPECT_EQ(values[fine.size.index({3, 1, 1})], 1);
+  EXPECT_EQ(values[fine.size.index({2, 2, 0})], 2);
   EXPECT_EQ(std::count(values.begin(), values.end(), 1), 16);  // 2 voxels of 2 mm are 16 of 1 mm
   RegionSpace other = space();
   other.grid = fine;
@@ -102,8 +103,8 @@ TEST(Regions, FlippedAffinesMeetInSpaceNotInIndices) {
   Grid flipped = atlas().grid;
   flipped.affine = formats::Affine{{-2, 0, 0, -6, 0, 2, 0, 0, 0, 0, 2, 5, 0, 0, 0, 1}};
   const auto values = labelsOnGrid(atlas(), flipped);
-  EXPECT_EQ(values[flipped.index({0, 0, 0})], 1);
-  EXPECT_EQ(values[flipped.index({2, 0, 0})], 0);
+  EXPECT_EQ(values[flipped.size.index({0, 0, 0})], 1);
+  EXPECT_EQ(values[flipped.size.index({2, 0, 0})], 0);
 }
 
 TEST(Regions, SpheresIncludeTheirBorder) {
@@ -114,7 +115,7 @@ TEST(Regions, SpheresIncludeTheirBorder) {
   EXPECT_EQ(sphereRegion(request, space(), "r").coordinates,
             (Coordinates{0, 0, 0, 1, 0, 0, 2, 0, 0, 1, 1, 0, 1, 0, 1}));
   request.centreMm = {500, 0, 0};
-  EXPECT_EQ(messageOf<InputError>([&] { sphereRegion(request, space(), "r"); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return sphereRegion(request, space(), "r"); }),
             "r: reference 's' has no voxel in the grid of the runs");
 }
 
@@ -124,7 +125,7 @@ TEST(Regions, TypedVoxelsMustLieInTheGrid) {
   request.voxels = {{2, 1, 1}, {0, 0, 0}};
   EXPECT_EQ(voxelRegion(request, space(), "r").coordinates, (Coordinates{2, 1, 1, 0, 0, 0}));
   request.voxels = {{3, 0, 0}};
-  EXPECT_EQ(messageOf<InputError>([&] { voxelRegion(request, space(), "r"); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return voxelRegion(request, space(), "r"); }),
             "r: voxel [3, 0, 0] of reference 'v' lies outside the grid of 3 x 2 x 2 voxels (counted from 0)");
 }
 
@@ -158,7 +159,7 @@ TEST(Regions, ADamagedAffineIsRefused) {
   LabelVolume image = atlas();
   for (int column = 0; column < 4; ++column)
     image.grid.affine.at(1, column) = image.grid.affine.at(0, column);
-  EXPECT_EQ(messageOf<InputError>([&] { labelsOnGrid(image, atlas().grid); }),
+  EXPECT_EQ(messageOf<InputError>([&] { return labelsOnGrid(image, atlas().grid); }),
             "dseg.nii.gz: its affine cannot be inverted; the header is damaged");
 }
 

@@ -47,8 +47,8 @@ TEST_F(Toml, BothEndsOfARangeAreAllowed) {
 }
 
 TEST_F(Toml, ValuesOutOfRangeNameLineTableAndRange) {
-  const auto integer = [](const TomlTable& t) { t.integer("b", 0, 3, 5); };
-  const auto number = [](const TomlTable& t) { t.number("b", 0, 0.25, 0.5); };
+  const auto integer = [](const TomlTable& t) { return t.integer("b", 0, 3, 5); };
+  const auto number = [](const TomlTable& t) { return t.number("b", 0, 0.25, 0.5); };
   EXPECT_EQ(problem("a = 1\nb = 2", integer), "f.toml:2: 'b' in [t] is 2, outside 3 to 5");
   EXPECT_EQ(problem("b = 6", integer), "f.toml:1: 'b' in [t] is 6, outside 3 to 5");
   EXPECT_EQ(problem("b = 0.2", number), "f.toml:1: 'b' in [t] is 0.2, outside 0.25 to 0.5");
@@ -58,20 +58,24 @@ TEST_F(Toml, ValuesOutOfRangeNameLineTableAndRange) {
 TEST_F(Toml, ValuesOfAnotherTypeAreRefused) {
   const auto message = [&](const std::string& text, auto read) { return problem("a = " + text, read); };
   const std::string begin = "f.toml:1: 'a' in [t] ";
-  EXPECT_EQ(message("1", [](const TomlTable& t) { t.text("a"); }), begin + "must be a text in quotes");
-  EXPECT_EQ(message("1", [](const TomlTable& t) { t.flag("a", true); }), begin + "must be true or false");
+  EXPECT_EQ(message("1", [](const TomlTable& t) { return t.text("a"); }), begin + "must be a text in quotes");
+  EXPECT_EQ(message("1", [](const TomlTable& t) { return t.flag("a", true); }),
+            begin + "must be true or false");
   for (const char* text : {"1.0", "true", "'1'"}) {
-    EXPECT_EQ(message(text, [](const TomlTable& t) { t.integer("a", 0, 1, 2); }),
+    EXPECT_EQ(message(text, [](const TomlTable& t) { return t.integer("a", 0, 1, 2); }),
               begin + "must be a whole number from 1 to 2");
   }
   for (const char* text : {"nan", "inf", "'1'", "true"}) {
-    EXPECT_EQ(message(text, [](const TomlTable& t) { t.number("a", 0, 0, 1); }), begin + "must be a number");
+    EXPECT_EQ(message(text, [](const TomlTable& t) { return t.number("a", 0, 0, 1); }),
+              begin + "must be a number");
   }
-  EXPECT_EQ(message("[1, 'x']", [](const TomlTable& t) { t.numbers("a"); }), begin + "must hold numbers");
-  EXPECT_EQ(message("1", [](const TomlTable& t) { t.numbers("a"); }), begin + "must be a list in [ ]");
-  EXPECT_EQ(message("1", [](const TomlTable& t) { t.subtable("a"); }), begin + "must be a table");
-  EXPECT_EQ(message("[1]", [](const TomlTable& t) { t.texts("a"); }), begin + "must hold texts in quotes");
-  EXPECT_EQ(message("[1.5]", [](const TomlTable& t) { t.texts("a", true); }),
+  EXPECT_EQ(message("[1, 'x']", [](const TomlTable& t) { return t.numbers("a"); }),
+            begin + "must hold numbers");
+  EXPECT_EQ(message("1", [](const TomlTable& t) { return t.numbers("a"); }), begin + "must be a list in [ ]");
+  EXPECT_EQ(message("1", [](const TomlTable& t) { return t.subtable("a"); }), begin + "must be a table");
+  EXPECT_EQ(message("[1]", [](const TomlTable& t) { return t.texts("a"); }),
+            begin + "must hold texts in quotes");
+  EXPECT_EQ(message("[1.5]", [](const TomlTable& t) { return t.texts("a", true); }),
             begin + "must hold names in quotes or whole numbers");
 }
 

@@ -66,7 +66,8 @@ TEST(Records, EveryValueIsNeededAndOfItsKind) {
     Json& parent = other[at.parent_pointer()];
     if (!parent.is_object() || parent == other["Files"]) continue;
     parent.erase(at.back());
-    const std::string message = messageOf<formats::FileError>([&] { recordFromText(other.dump(), "r"); });
+    const std::string message =
+        messageOf<formats::FileError>([&] { return recordFromText(other.dump(), "r"); });
     EXPECT_NE(message.find("\"" + at.back() + "\" is missing"), std::string::npos) << message;
     ++tried;
   }
@@ -77,7 +78,7 @@ TEST(Records, MessagesSayWhatAndWhere) {
   const auto problem = [](const char* pointer, const Json& value) {
     Json json = recordJson(sample_result::record());
     json[Json::json_pointer(pointer)] = value;
-    return messageOf<formats::FileError>([&] { recordFromText(json.dump(), "r.json"); });
+    return messageOf<formats::FileError>([&] { return recordFromText(json.dump(), "r.json"); });
   };
   const std::string begin = "r.json: not a whole record (", end = "). Compute the result again.";
   EXPECT_EQ(problem("/Conditions/1/Maps/0/MapType", "REF"),
@@ -92,9 +93,9 @@ TEST(Records, MessagesSayWhatAndWhere) {
             begin + "Conditions[0].Maps[0].Peak.Value: a number or null is expected" + end);
   EXPECT_EQ(problem("/Conditions/0/Maps/0/Peak/Voxel", Json::array({1, 2})),
             begin + "Conditions[0].Maps[0].Peak.Voxel: a list of 3 is expected" + end);
-  EXPECT_EQ(messageOf<formats::FileError>([] { recordFromText("{\n\"Key\": \"x", "r.json"); }),
+  EXPECT_EQ(messageOf<formats::FileError>([] { return recordFromText("{\n\"Key\": \"x", "r.json"); }),
             begin + "line 2: this is no valid JSON" + end);
-  EXPECT_EQ(messageOf<formats::FileError>([] { recordFromText("[]", "r.json"); }),
+  EXPECT_EQ(messageOf<formats::FileError>([] { return recordFromText("[]", "r.json"); }),
             begin + "an object is expected" + end);
 }
 
@@ -135,7 +136,8 @@ TEST(Records, AMapHasAPeakWhenVoxelsWereComputed) {
 TEST(Records, UnreadableFilesAreNamed) {
   const Scratch scratch;
   const std::string path = (scratch.folder() / "none.json").string();
-  EXPECT_NE(messageOf<formats::FileError>([&] { readRecordFile(path); }).find(path), std::string::npos);
+  EXPECT_NE(messageOf<formats::FileError>([&] { return readRecordFile(path); }).find(path),
+            std::string::npos);
 }
 
 }  // namespace

@@ -120,7 +120,7 @@ TEST_F(WorkerJobs, WhatIsNoJobIsNamed) {
 TEST_F(WorkerJobs, AFileThatIsGoneIsNamedWithTheJobsLine) {
   const fs::path job = written(importJob(plan_, 0));
   fs::remove(folder() / "mask.nii.gz");
-  const std::string message = messageOf<InputError>([&] { readJob(job); });
+  const std::string message = messageOf<InputError>([&] { return readJob(job); });
   std::ifstream lines(job);
   int number = 0;
   for (std::string line; std::getline(lines, line) && line.rfind("mask", 0) != 0;) ++number;

@@ -194,7 +194,7 @@ TEST(VtcImport, RefusesAnImplausibleTr) {
   spec.pixdim[4] = 2000;  // milliseconds under the unit of seconds
   const std::string image = writeSeries(folder, spec);
   EXPECT_EQ(reasonOf([&] { formats::importVtc(image, folder.file("run.vtc"), {}); }),
-            "its header gives an implausible repetition time of 2000000.000000 ms. "
+            "its header gives an implausible repetition time of 2000000 ms. "
             "Give the right one in milliseconds with --tr.");
 }
 
@@ -203,7 +203,7 @@ TEST(VtcImport, RefusesATrOfLessThanTwentyMilliseconds) {
   NiftiSpec spec = seriesSpec();
   spec.pixdim[4] = 0.0125;
   EXPECT_EQ(reasonOf([&] { formats::importVtc(writeSeries(folder, spec), folder.file("run.vtc"), {}); }),
-            "its header gives an implausible repetition time of 12.500000 ms. "
+            "its header gives an implausible repetition time of 12.5 ms. "
             "Give the right one in milliseconds with --tr.");
 }
 

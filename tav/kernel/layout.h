@@ -13,7 +13,7 @@
 //     yRows      lower factor of the voxel's lags, row after row
 //     xRows      rows of the reference's lags: p columns for the voxel's lags, then their own
 //     inverse    1 / diagonal of the 2p rows
-//     probe      u of L u = e, see fit-inl.h
+//     probe      u of L u = e, see factor-inl.h
 //     yLast      row of the voxel's current value against all 2p lags
 //     xLast      row of the reference's current value
 #ifndef TAVMAP_TAV_KERNEL_LAYOUT_H

@@ -88,6 +88,37 @@ TEST_F(RunPlanning, TheNameOfTheImportChangesWithMaskTimesValuesAndCensoring) {
   expectNew("censoring of fewer");
 }
 
+TEST_F(RunPlanning, EveryImageHasAnImportOfItsOwn) {
+  const std::string before = plan().vtcName;
+  small_study::writeBold(path("other.nii.gz"), 1, 1000, 2000, 20);
+  run_.bold = path("other.nii.gz");
+  EXPECT_NE(plan().vtcName, before);
+}
+
+// The same volumes are left, but dropped ones are not in the file.
+TEST_F(RunPlanning, ADroppedVolumeIsNotACensoredOne) {
+  std::string table = "framewise_displacement\n";
+  for (int v = 0; v < 20; ++v) table += v < 2 ? "0.9\n" : "0.1\n";
+  run_.confounds = scratch_.write("confounds.tsv", table);
+  run_.censoring.fdThresholdMm = 0.5;
+  const RunPlan censored = plan();
+  run_.dropVolumes = 2;
+  EXPECT_EQ(plan().kept, censored.kept);
+  EXPECT_NE(plan().vtcName, censored.vtcName);
+}
+
+// Records name what was regressed, and are kept as long as the import's name stays.
+TEST_F(RunPlanning, EqualConfoundsOfOtherNamesAreOtherConfounds) {
+  std::string table = "csf\twhite_matter\n";
+  for (int v = 0; v < 20; ++v) table += std::to_string(v * v % 7) + "\t" + std::to_string(v * v % 7) + "\n";
+  run_.confounds = scratch_.write("confounds.tsv", table);
+  run_.confoundTerms = {"csf"};
+  const RunPlan csf = plan();
+  run_.confoundTerms = {"white_matter"};
+  EXPECT_EQ(plan().confounds, csf.confounds);
+  EXPECT_NE(plan().vtcName, csf.vtcName);
+}
+
 TEST_F(RunPlanning, TablesMustHaveOneRowPerVolume) {
   confounds(19);
   EXPECT_EQ(problem(), "run 'a': " + path("confounds.tsv").string() +

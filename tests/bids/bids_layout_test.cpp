@@ -179,7 +179,9 @@ TEST_F(BidsLayout, PreprocessedRunsArePreferredToFilteredOnes) {
   const std::string begin =
       "raw/derivatives/xcpd/sub-01/ses-1/func/sub-01_ses-1_task-oneback_run-1_space-MNI";
   scratch_.write(begin + "_desc-denoised_bold.nii.gz");
-  EXPECT_EQ(find({})[0].runs.size(), 2U);
+  const auto both = find({});
+  ASSERT_EQ(both[0].runs.size(), 2U);
+  EXPECT_EQ(both[0].runs[0].name.get("desc"), "preproc");
   const auto only = findBidsGroups(raw(), {raw() / "derivatives/xcpd"}, {});
   EXPECT_EQ(only[0].runs[0].name.get("desc"), "denoised");
 }
@@ -210,6 +212,22 @@ TEST_F(BidsLayout, FilterFilesTranslateLongKeys) {
               return readBidsFilter(scratch_.write("g.json", "["));
             }).find("not a JSON object"),
             std::string::npos);
+}
+
+TEST_F(BidsLayout, EveryLongKeyHasItsShortOne) {
+  const auto entities = readBidsFilter(scratch_.write(
+      "long.json",
+      R"({"bold": {"subject": "1", "session": "2", "acquisition": "3", "ceagent": "4", "reconstruction": "5",
+          "direction": "6", "resolution": "7", "description": "8", "echo": 9, "part": null}})"));
+  EXPECT_EQ(entities, (std::map<std::string, std::string>{{"sub", "1"},
+                                                          {"ses", "2"},
+                                                          {"acq", "3"},
+                                                          {"ce", "4"},
+                                                          {"rec", "5"},
+                                                          {"dir", "6"},
+                                                          {"res", "7"},
+                                                          {"desc", "8"},
+                                                          {"echo", "9"}}));
 }
 
 }  // namespace

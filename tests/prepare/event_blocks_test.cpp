@@ -58,6 +58,8 @@ TEST(EventBlocks, AVolumeBelongsToOneBlockOnly) {
 
 TEST(EventBlocks, WithoutADurationAnEventIsItsVolume) {
   EXPECT_EQ(eventBlocks({{10, -4, "a"}}, settings({"a"}), 2.0, 100), (Ranges{{6, 6}}));
+  // The gap to the next one is 1.5 s, not 5.5 s.
+  EXPECT_EQ(eventBlocks({{10, -4, "a"}, {11.5, 2, "a"}}, settings({"a"}), 2.0, 100), (Ranges{{6, 7}}));
 }
 
 }  // namespace

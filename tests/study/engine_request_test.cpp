@@ -62,6 +62,8 @@ TEST_F(EngineRequest, VolumesAreCountedFromTheFirstThatIsNotDropped) {
   EXPECT_EQ(intervalsOf(pars.conds[0].vtcIntvSets[1]), (Intervals{{81, 150}}));           // 10
   EXPECT_EQ(intervalsOf(pars.conds[1].vtcIntvSets[0]), (Intervals{{7, 116}}));            // 17
   EXPECT_EQ(pars.vtcMaxNrOfVolumes, 186 - 17);
+  std::swap(plan_.runs[1], plan_.runs[3]);
+  EXPECT_EQ(make().vtcMaxNrOfVolumes, 186 - 17);  // wherever the longest run stands
 }
 
 TEST_F(EngineRequest, TheGridIsTakenAsStored) {
@@ -82,6 +84,44 @@ TEST_F(EngineRequest, RegionsComeInTheOrderAskedFor) {
   EXPECT_EQ(pars.vois[1].nVoxels, 2);
   EXPECT_EQ(pars.vois[1].voiIndex, 1);
   EXPECT_EQ(pars.vois[1].voxels, plan_.regions[0].coordinates.data());
+}
+
+// Two volumes dropped, two gaps behind them.
+RunPlan censoredRun() {
+  RunPlan run;
+  run.vtcName = "a.vtc";
+  run.volumes.volumes = 10;
+  run.volumes.dropped = 2;
+  run.kept = {false, false, true, true, false, true, true, true, false, true};
+  return run;
+}
+
+TEST(CourseTreatments, ModelsOfACourseRestOnTheVolumesThatAreKept) {
+  const tav::CourseTreatment treatment = courseTreatments({censoredRun()}).at("a.vtc");
+  std::vector<std::pair<int, int>> known;
+  for (const simo::Stretch& stretch : treatment.known) known.emplace_back(stretch.first, stretch.end);
+  EXPECT_EQ(known, (std::vector<std::pair<int, int>>{{0, 2}, {3, 6}, {7, 8}}));
+}
+
+TEST(CourseTreatments, SurrogatesGoThroughWhatTheVoxelsWentThrough) {
+  RunPlan run = censoredRun();
+  std::vector<float> course = {0, 2, 100, 6, 8, 10, -50, 14};
+  courseTreatments({run}).at("a.vtc").apply(course.data());
+  EXPECT_EQ(course, (std::vector<float>{0, 2, 4, 6, 8, 10, 12, 14}));
+  run.confounds = {{1, -1, 1, 2, -3, 1, 7, 0}};
+  for (std::size_t v = 0; v < course.size(); ++v) course[v] = 5 + 3 * static_cast<float>(run.confounds[0][v]);
+  courseTreatments({run}).at("a.vtc").apply(course.data());
+  for (const float value : course) EXPECT_NEAR(value, 5, 1e-5);
+}
+
+TEST(CourseTreatments, NothingIsDoneToARunThatIsTakenAsItIs) {
+  RunPlan run = censoredRun();
+  run.volumes.dropped = 0;
+  run.kept.assign(10, true);
+  const tav::CourseTreatment treatment = courseTreatments({run}).at("a.vtc");
+  EXPECT_FALSE(treatment.apply);
+  ASSERT_EQ(treatment.known.size(), 1U);
+  EXPECT_EQ(treatment.known[0].end, 10);
 }
 
 TEST(EngineOptions, MethodPluginAsksForNothingBeyondTheRecord) {

@@ -54,6 +54,9 @@ TEST_F(PairPlan, RunsOfAPairDropAsManyAsTheOneThatDropsMost) {
   EXPECT_EQ(plan.runs[0].volumes.dropped, 5);
   EXPECT_EQ(plan.runs[1].volumes.dropped, 5);
   EXPECT_EQ(intervalsOf(engineCondition().vtcIntvSets[0]), (Intervals{{1, 45}, {56, 155}}));
+  request_.runs[0].dropVolumes = 7;
+  EXPECT_EQ(planStudy(request_, 1, "1").runs[0].volumes.dropped, 7);
+  EXPECT_EQ(planStudy(request_, 1, "1").runs[1].volumes.dropped, 7);
 }
 
 TEST_F(PairPlan, WithoutPairsEachRunDropsItsOwn) {

@@ -49,12 +49,12 @@ std::string writeSeries(const Scratch& folder, const NiftiSpec& spec) {
   return folder.file("run.nii.gz");
 }
 
-// Every third voxel; voxel 0 has the smallest first value of them.
+// Every third voxel, whatever the sign; voxel 0 has the smallest first value of them.
 std::string writeMask(const Scratch& folder) {
   NiftiSpec spec;
   spec.dim = {3, kX, kY, kZ, 1, 1, 1, 1};
   std::vector<double> values(kVoxels, 0);
-  for (std::size_t v = 0; v < values.size(); v += 3) values[v] = 1;
+  for (std::size_t v = 0; v < values.size(); v += 3) values[v] = v % 2 == 0 ? 1 : -1;
   folder.write("mask.nii", niftiHeader(spec) + niftiData(spec, values));
   return folder.file("mask.nii");
 }

@@ -36,6 +36,20 @@ TEST(Fingerprint, ChangesWithTheFile) {
   EXPECT_NE(Fingerprint().addFile("f", "").hex(), before);
 }
 
+// Copying may keep the time of a file that was cut short.
+TEST(Fingerprint, ChangesWithTheSizeOfTheFileAtTheSameTime) {
+  const Scratch scratch;
+  const auto file = scratch.write("x", "abc");
+  const auto time = std::filesystem::last_write_time(file);
+  const std::string before = Fingerprint().addFile("f", file).hex();
+  scratch.write("x", "ab");
+  std::filesystem::last_write_time(file, time);
+  EXPECT_NE(Fingerprint().addFile("f", file).hex(), before);
+  scratch.write("x", "abc");
+  std::filesystem::last_write_time(file, time);
+  EXPECT_EQ(Fingerprint().addFile("f", file).hex(), before);
+}
+
 // A file of equal size may have changed all the same; its time says so, down to nanoseconds.
 TEST(Fingerprint, ChangesWithTheTimeOfTheFile) {
   const Scratch scratch;

@@ -21,24 +21,30 @@ constexpr int kVolumes = 8, kVoxels = 3, kThreshold = 100;
 class Prepare : public ::testing::Test {
  protected:
   Prepare() {
+    formats::writeImage(scratch_.file("mask.nii"), {header(), {1, -1, 0}});
+    writeBold(0);
+    run_.name = "a";
+    run_.bold = scratch_.file("bold.nii");
+    run_.mask = scratch_.file("mask.nii");
+  }
+  static formats::ImageHeader header() {
     formats::ImageHeader header;
     header.size = {kVoxels, 1, 1};
     header.sformCode = 1;
     for (int axis = 0; axis < 3; ++axis) header.affine.at(axis, axis) = 2;
-    formats::ImageHeader mask = header;
-    formats::writeImage(scratch_.file("mask.nii"), {mask, {1, -1, 0}});
-    header.volumes = kVolumes;
-    header.trMs = 2000;
+    return header;
+  }
+  void writeBold(float offset) const {
+    formats::ImageHeader series = header();
+    series.volumes = kVolumes;
+    series.trMs = 2000;
     std::vector<float> values;
     for (int t = 0; t < kVolumes; ++t) {
-      for (int x = 0; x < kVoxels; ++x) values.push_back(bold(x, t));
+      for (int x = 0; x < kVoxels; ++x) values.push_back(bold(x, t) + offset);
     }
-    formats::NiftiWriter writer(scratch_.file("bold.nii"), header);
+    formats::NiftiWriter writer(scratch_.file("bold.nii"), series);
     writer.writeValues(values.data(), values.size());
     writer.commit();
-    run_.name = "a";
-    run_.bold = scratch_.file("bold.nii");
-    run_.mask = scratch_.file("mask.nii");
   }
   static float bold(int x, int t) {
     const float level = x == 0 ? 40.0F : 60.0F;
@@ -100,6 +106,22 @@ TEST_F(Prepare, WhatIsAddedToStayIncludedIsRecorded) {
   for (int t = 0; t < kVolumes; ++t)
     EXPECT_EQ(values[static_cast<std::size_t>(2 * kVolumes + t)], 0.0F)
         << "outside the mask nothing is added";
+}
+
+// The import lifts the first volume, and regression lets it fall again.
+TEST_F(Prepare, WhatImportAndRegressionAddIsRecordedTogether) {
+  constexpr float kOffset = -250;
+  writeBold(kOffset);
+  const double byImport = shift(prepare());
+  EXPECT_GT(byImport, 0);
+  regressTheFirstVolume();
+  const RunPlan plan = prepare();
+  EXPECT_GT(shift(plan), byImport);
+  const std::vector<float> values = stored(plan);
+  double change = 0;
+  for (int t = 0; t < kVolumes; ++t)
+    change += static_cast<double>(values[static_cast<std::size_t>(t)] - bold(0, t) - kOffset) / kVolumes;
+  EXPECT_NEAR(change, shift(plan), 1e-3);
 }
 
 TEST_F(Prepare, ReportsHowFarItIs) {

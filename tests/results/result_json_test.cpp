@@ -54,6 +54,15 @@ TEST_F(Sidecars, ANonSurvivingLevelHasNoThreshold) {
   EXPECT_TRUE(levels[0]["AnyVoxelPasses"].get<bool>());
 }
 
+// With method "plugin" the reference's own voxels may be the only ones.
+TEST_F(Sidecars, AVoxelOfTheReferencePassesToo) {
+  reference_.conditions[0].maps[0].thresholds[0] = {0.011, 5.5, 3, 0};
+  const Json level = map(0, 0)["Thresholds"][0];
+  EXPECT_TRUE(level["AnyVoxelPasses"].get<bool>());
+  EXPECT_EQ(level["VoxelsPassing"], 3);
+  EXPECT_EQ(level["VoxelsPassingOutsideReference"], 0);
+}
+
 // The nearest data set that holds a file names it.
 TEST(SourceUri, IsRelativeToTheInnermostDataSet) {
   const Request request = sample_result::request();

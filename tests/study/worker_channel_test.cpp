@@ -1,8 +1,11 @@
 #include "study/worker_channel.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <thread>
 
 #include "request/problem.h"
@@ -38,6 +41,36 @@ TEST(WorkerChannel, MessagesLongerThanThePipeArriveWhole) {
   EXPECT_EQ(messages[1].word, WorkerWord::kResult);
   EXPECT_EQ(messages[1].text, text + "\nwith 3 lines\n");
   EXPECT_EQ(messages[2].word, WorkerWord::kDone);
+}
+
+void doNothing(int) {}
+
+// A signal ends a call that waits in the middle of a message, as a short write.
+TEST(WorkerChannel, ASignalCutsNoMessage) {
+  struct sigaction action {};
+  struct sigaction before {};
+  action.sa_handler = doNothing;  // and no SA_RESTART
+  ASSERT_EQ(sigaction(SIGUSR1, &action, &before), 0);
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const std::string text(200'000, 'x');
+  std::thread worker([&] {
+    WorkerChannel(ends[1]).send(WorkerWord::kResult, text);
+    close(ends[1]);
+  });
+  const int room = fcntl(ends[0], F_GETPIPE_SZ);
+  for (int filled = 0; filled < room; std::this_thread::yield()) ASSERT_EQ(ioctl(ends[0], FIONREAD, &filled), 0);
+  pthread_kill(worker.native_handle(), SIGUSR1);
+  MessageReader reader;
+  char bytes[5000];
+  for (ssize_t count = 0; (count = read(ends[0], bytes, sizeof bytes)) > 0;)
+    reader.take({bytes, static_cast<std::size_t>(count)});
+  worker.join();
+  close(ends[0]);
+  sigaction(SIGUSR1, &before, nullptr);
+  const auto message = reader.next();
+  ASSERT_TRUE(message);
+  EXPECT_EQ(message->text, text);
 }
 
 TEST(MessageReader, GivesAMessageWithItsLastByteAndNotBefore) {

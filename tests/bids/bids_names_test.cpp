@@ -30,7 +30,8 @@ TEST(BidsNames, PutsEntitiesIntoTheOrderOfTheStandard) {
 TEST(BidsNames, TheOrderOfTheStandardIsThatOfTheTable) {
   const std::string text =
       "sub-1_ses-1_sample-1_task-1_tracksys-1_acq-1_ce-1_trc-1_stain-1_rec-1_dir-1_run-1_mod-1_echo-1_flip-1_"
-      "inv-1_mt-1_part-1_proc-1_hemi-1_space-1_split-1_res-1_den-1_label-1_cohort-1_seg-1_x-1_desc-1_bold.nii";
+      "inv-1_mt-1_part-1_proc-1_hemi-1_space-1_split-1_res-1_den-1_label-1_cohort-1_seg-1_x-1_desc-1_bold."
+      "nii";
   BidsName name = parseBidsName(text);
   ASSERT_EQ(name.entities.size(), 29U);
   std::reverse(name.entities.begin(), name.entities.end());

@@ -123,7 +123,8 @@ TEST_F(ReferenceJob, EveryReferenceHasItsOwnPlaceAndEveryConditionItsOwnFiles) {
     const Record record = recordOf(plan, region);
     EXPECT_NE(record.conditions[0].maps[0].file, record.conditions[1].maps[0].file);
     for (const ConditionRecord& condition : record.conditions) {
-      const auto status = formats::readLabelImage((plan.request.output.folder / condition.statusFile).string());
+      const auto status =
+          formats::readLabelImage((plan.request.output.folder / condition.statusFile).string());
       std::size_t inside = 0;
       for (std::size_t i = 0; i + 2 < plan.regions[region].coordinates.size(); i += 3) {
         const auto* const at = &plan.regions[region].coordinates[i];

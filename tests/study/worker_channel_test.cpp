@@ -59,7 +59,8 @@ TEST(WorkerChannel, ASignalCutsNoMessage) {
     close(ends[1]);
   });
   const int room = fcntl(ends[0], F_GETPIPE_SZ);
-  for (int filled = 0; filled < room; std::this_thread::yield()) ASSERT_EQ(ioctl(ends[0], FIONREAD, &filled), 0);
+  for (int filled = 0; filled < room; std::this_thread::yield())
+    ASSERT_EQ(ioctl(ends[0], FIONREAD, &filled), 0);
   pthread_kill(worker.native_handle(), SIGUSR1);
   MessageReader reader;
   char bytes[5000];

@@ -109,9 +109,10 @@ simo::Feedback feedbackOf(const std::vector<float>& x, const std::vector<float>&
 }
 
 // Draw after draw, the values of one kind of map at all voxels that take part.
-std::vector<std::vector<tav::MapPoint>> literalMaps(
-    const Notes& notes, const std::vector<std::vector<float>>& courses, const tav::TAV_Pars& request,
-    tav::MapType type, const std::function<bool(std::size_t)>& takesPart) {
+std::vector<std::vector<tav::MapPoint>> literalMaps(const Notes& notes,
+                                                    const std::vector<std::vector<float>>& courses,
+                                                    const tav::TAV_Pars& request, tav::MapType type,
+                                                    const std::function<bool(std::size_t)>& takesPart) {
   std::vector<std::vector<tav::MapPoint>> maps;
   for (const std::vector<float>& surrogate : notes.surrogates) {
     auto& map = maps.emplace_back();

@@ -167,7 +167,7 @@ TEST_F(FamilyWiseRun, EqualsALiteralComputation) {
   for (const tav::MapType type : {tav::REF2VOX, tav::VOX2REF, tav::DTAV}) {
     const tav::NullMaxima& found = notes.familyWise.at(type);
     const auto maps = literalMaps(notes, courses, request, type, takesPart);
-    expectMaxima(found, maximaOf(maps, found.level(), {5, 4, 4}));
+    expectMaxima(found, maximaOf(maps, found.level(), tav::ClusterFinder({5, 4, 4})));
     EXPECT_GT(found.masses().back(), 0) << "no draw has a cluster";
   }
 }
@@ -181,7 +181,7 @@ TEST_F(FamilyWiseRun, TheReferenceTakesNoPartWhenItIsNotSearched) {
   };
   const tav::NullMaxima& found = notes.familyWise.at(tav::DTAV);
   const auto maps = literalMaps(notes, courses, request, tav::DTAV, takesPart);
-  expectMaxima(found, maximaOf(maps, found.level(), {5, 4, 4}));
+  expectMaxima(found, maximaOf(maps, found.level(), tav::ClusterFinder({5, 4, 4})));
 }
 
 // The share of magnitudes, whatever their sign; zeros stand for what could not be computed.

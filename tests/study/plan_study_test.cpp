@@ -4,9 +4,9 @@
 #include "formats/nifti.h"
 #include "request/problem.h"
 #include "study/study_plan.h"
+#include "tests/support/image_series.h"
 #include "tests/support/message_of.h"
 #include "tests/support/scratch.h"
-#include "tests/support/series.h"
 #include "tests/support/small_study.h"
 
 namespace study {

@@ -128,7 +128,7 @@ TEST_F(ReferenceJob, EveryReferenceHasItsOwnPlaceAndEveryConditionItsOwnFiles) {
       std::size_t inside = 0;
       for (std::size_t i = 0; i + 2 < plan.regions[region].coordinates.size(); i += 3) {
         const auto* const at = &plan.regions[region].coordinates[i];
-        const std::int32_t code = status.labels[plan.runs[0].grid.index({at[0], at[1], at[2]})];
+        const std::int32_t code = status.labels[plan.runs[0].grid.size.index({at[0], at[1], at[2]})];
         inside += code == static_cast<std::int32_t>(StatusCode::kInsideReference) ? 1U : 0U;
       }
       EXPECT_EQ(inside, static_cast<std::size_t>(small_study::regionVoxels()));

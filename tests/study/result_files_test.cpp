@@ -154,6 +154,26 @@ TEST_F(ResultFiles, CoursesAreThoseOfTheStoredImage) {
   EXPECT_FALSE(std::getline(table, row));
 }
 
+TEST_F(ResultFiles, CoursesOfSeveralRunsStartBehindTheVolumesThatEachDrops) {
+  const fs::path request = scratch_.write(
+      "two.toml",
+      "prefix = 'two'\nseed = 5\n[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n"
+      "[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\ndrop_volumes = 1\n"
+      "[[run]]\nname = 'run2'\nbold = 'bold2.nii.gz'\nmask = 'mask.nii.gz'\ndrop_volumes = 3\n"
+      "[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
+  ASSERT_EQ(run(request).exitCode, 0);
+  std::ifstream table(results() / "two_seed-A_desc-reference_timeseries.tsv");
+  std::string row;
+  std::getline(table, row);
+  EXPECT_EQ(row, "run1\trun2");
+  for (int v = 0; v < 4; ++v) {
+    ASSERT_TRUE(std::getline(table, row));
+    const std::size_t tab = row.find('\t');
+    EXPECT_EQ(row.substr(0, tab) == "n/a", v < 1) << v;
+    EXPECT_EQ(row.substr(tab + 1) == "n/a", v < 3) << v;
+  }
+}
+
 TEST_F(ResultFiles, EveryReferenceHasASeedOfItsOwn) {
   for (const char* reference : {"A", "B"}) {
     const study::ModelRecord model = compute(reference).model;

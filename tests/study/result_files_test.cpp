@@ -155,12 +155,12 @@ TEST_F(ResultFiles, CoursesAreThoseOfTheStoredImage) {
 }
 
 TEST_F(ResultFiles, CoursesOfSeveralRunsStartBehindTheVolumesThatEachDrops) {
-  const fs::path request = scratch_.write(
-      "two.toml",
-      "prefix = 'two'\nseed = 5\n[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n"
-      "[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\ndrop_volumes = 1\n"
-      "[[run]]\nname = 'run2'\nbold = 'bold2.nii.gz'\nmask = 'mask.nii.gz'\ndrop_volumes = 3\n"
-      "[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
+  const fs::path request =
+      scratch_.write("two.toml",
+                     "prefix = 'two'\nseed = 5\n[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n"
+                     "[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\ndrop_volumes = 1\n"
+                     "[[run]]\nname = 'run2'\nbold = 'bold2.nii.gz'\nmask = 'mask.nii.gz'\ndrop_volumes = 3\n"
+                     "[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
   ASSERT_EQ(run(request).exitCode, 0);
   std::ifstream table(results() / "two_seed-A_desc-reference_timeseries.tsv");
   std::string row;

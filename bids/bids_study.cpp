@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <map>
+
 #include "request/problem.h"
 
 namespace study {
@@ -71,13 +73,13 @@ RunRequest runRequest(const BidsRun& found, const RunRequest& preparation) {
   return run;
 }
 
-// Run names must differ: echoes, directions and the like may share a run number.
+// Run names must differ: echoes, directions and the like may share a run number. All that share a name get
+// longer ones.
 void makeNamesUnique(const BidsGroup& group, std::vector<RunRequest>& runs) {
+  std::map<std::string, int> sharers;
+  for (const RunRequest& run : runs) ++sharers[run.name];
   for (std::size_t i = 0; i < runs.size(); ++i) {
-    bool repeated = false;
-    for (std::size_t j = 0; j < runs.size(); ++j)
-      repeated = repeated || (i != j && runs[i].name == runs[j].name);
-    if (!repeated) continue;
+    if (sharers[runs[i].name] == 1) continue;
     BidsName name = group.runs[i].name;
     for (const char* key : {"sub", "ses", "space", "res", "desc"}) name.erase(key);
     runs[i].name = formatEntities(name);

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "request/request_text.h"
 #include "tests/support/scratch.h"
 
@@ -128,11 +126,9 @@ TEST_F(BidsRequest, NoTwoRunsShareAName) {
   addRun("dir-PA_run-2");
   const Request made = request();
   ASSERT_EQ(made.runs.size(), 3U);
-  std::set<std::string> names;
-  for (const RunRequest& run : made.runs) names.insert(run.name);
-  EXPECT_EQ(names.size(), 3U);
   EXPECT_EQ(made.runs[0].name, "run-1");
   EXPECT_EQ(made.runs[1].name, "task-rest_dir-AP_run-2");
+  EXPECT_EQ(made.runs[2].name, "task-rest_dir-PA_run-2");
   ASSERT_EQ(made.conditions.at(0).parts.size(), 3U);
   for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(made.conditions[0].parts[i].source, made.runs[i].name);
 }

@@ -204,6 +204,14 @@ TEST_F(Ending, AnImportThatIsNotWholeIsMadeAgain) {
   repeat();
 }
 
+TEST_F(Ending, ADamagedFileThatOnlyAWorkerReadsIsExitCode2) {
+  const fs::path bold = folder() / "bold2.nii.gz";
+  fs::resize_file(bold, fs::file_size(bold) - 1000);
+  const ProgramResult result = run(scratch_.write("r.toml", small_study::request()));
+  EXPECT_EQ(result.exitCode, 2) << result.err;
+  EXPECT_NE((result.out + result.err).find(bold.string()), std::string::npos) << result.out << result.err;
+}
+
 TEST_F(Ending, WrongInputThatOnlyAWorkerSeesIsExitCode2) {
   // Without masks, and no voxel as bright as that.
   std::string text = small_study::request("inclusion_threshold = 60000");

@@ -147,6 +147,19 @@ TEST(WorkerPool, AnInterruptEndsTheWorkersAndThrows) {
   }
 }
 
+TEST(WorkerPool, AnInterruptIsNoticedWhileMuchIsWaiting) {
+  const InterruptGuard guard;
+  WorkerPool pool(1, nullptr);
+  std::vector<std::string> finished;
+  const auto piece = [&](const std::string& name, const std::string& script) {
+    pool.add({name, 1, shell(script), [&finished, name](const WorkOutcome&) { finished.push_back(name); }});
+  };
+  piece("interrupts", "kill -INT $PPID; " + say("done"));
+  for (const char* name : {"second", "third", "fourth"}) piece(name, say("done"));
+  EXPECT_THROW(pool.run(), Interrupted);
+  EXPECT_LT(finished.size(), 2U);
+}
+
 TEST(WorkerPool, WorkersIgnoreTheTerminalsInterrupt) {
   WorkOutcome outcome;
   WorkerPool pool(1, nullptr);

@@ -114,53 +114,6 @@ TEST(AtomicFile, ReportsADiskThatFillsWhenTheFileIsClosed) {
   EXPECT_EQ(filesIn(folder), 1U);
 }
 
-// Not every file system has files without a name.
-class WithoutNamelessFiles : public testing::Test {
- protected:
-  WithoutNamelessFiles() {
-    formats::systemCalls().open = [](const char* path, int flags, mode_t mode) {
-      if ((flags & O_TMPFILE) != O_TMPFILE) return ::open(path, flags, mode);
-      errno = EOPNOTSUPP;
-      return -1;
-    };
-  }
-  Scratch folder_;
-
- private:
-  ScopedSystemCalls calls_;
-};
-
-TEST_F(WithoutNamelessFiles, AFileAppearsWithCommitOnly) {
-  folder_.write("a.txt", "old");
-  AtomicFile file(folder_.file("a.txt"));
-  file.write("new");
-  EXPECT_EQ(contentOf(folder_.file("a.txt")), "old");
-  EXPECT_EQ(filesIn(folder_), 2U) << "a temporary one beside it";
-  file.commit();
-  EXPECT_EQ(contentOf(folder_.file("a.txt")), "new");
-  EXPECT_EQ(filesIn(folder_), 1U);
-}
-
-TEST_F(WithoutNamelessFiles, NothingIsLeftWithoutCommit) {
-  { AtomicFile(folder_.file("a.txt")).write("half"); }
-  EXPECT_EQ(filesIn(folder_), 0U);
-}
-
-TEST_F(WithoutNamelessFiles, TwoFilesOfOneNameDoNotMeet) {
-  AtomicFile first(folder_.file("a.txt")), second(folder_.file("a.txt"));
-  first.write("first");
-  second.write("second");
-  second.commit();
-  first.commit();
-  EXPECT_EQ(contentOf(folder_.file("a.txt")), "first");
-  EXPECT_EQ(filesIn(folder_), 1U);
-}
-
-TEST_F(WithoutNamelessFiles, AMissingFolderIsNamed) {
-  EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder_.file("no/a.txt"), "x"); }),
-            "cannot create the file (No such file or directory). Create the folder first.");
-}
-
 TEST(AtomicFile, RemovesItsTemporaryNameWhenTheLastStepFails) {
   const Scratch folder;
   const ScopedSystemCalls calls;

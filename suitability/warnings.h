@@ -22,6 +22,7 @@ struct SuitabilityInput {
   std::vector<std::span<const float>> voxels;
   int droppedVolumes =
       0;  // leading ones, left out already; warnings count volumes of the stored image from 1
+  bool filtered = false;    // in time: known to be, and said elsewhere
   bool highPassed = false;  // known to be: cosine columns regressed, or named in the sidecar
   int confoundRank = 0;     // of what was regressed
 };

@@ -50,9 +50,10 @@ std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
                     name, list(found)));
   }
   if (isHighPassed(regressed)) {
-    cautions.push_back(name +
-                       ": regressing cosine columns is a high-pass filter, which can bias directed influence; "
-                       "keep them where slow drift would be worse, and compare the maps without them");
+    cautions.push_back(
+        name +
+        ": regressing cosine columns is a high-pass filter, which can bias directed influence; "
+        "keep them where slow drift would be worse, and compare the maps without them");
   }
   if (trSeconds > kSlowTrSeconds) {
     cautions.push_back(

@@ -41,7 +41,8 @@ std::string directionText(const DirectionResult& direction, const std::string& r
                   tested == 1 ? "voxel that passes" : "voxels that pass", q, direction.supported(),
                   direction.supported() == 1 ? "turns" : "turn");
   if (direction.supported() > 0)
-    text += fmt::format(": {} leads {} and follows {}", reference, direction.count(DirectionCode::kReferenceLeads),
+    text += fmt::format(": {} leads {} and follows {}", reference,
+                        direction.count(DirectionCode::kReferenceLeads),
                         direction.count(DirectionCode::kVoxelLeads));
   if (const std::size_t none = direction.count(DirectionCode::kNoVerdict); none > 0)
     text += fmt::format("; {} could not be judged", none);

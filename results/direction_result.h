@@ -40,8 +40,10 @@ struct DirectionResult {
 
 // What the control does, and what it cannot do: to be said wherever results speak of direction.
 inline constexpr const char* kDirectionNote =
-    "Unequal noise alone makes the cleaner of two series seem to lead, and the sign of a difference map cannot "
-    "tell. The direction map says which voxels turn round when time runs backwards, as a lead does and shared "
+    "Unequal noise alone makes the cleaner of two series seem to lead, and the sign of a difference map "
+    "cannot "
+    "tell. The direction map says which voxels turn round when time runs backwards, as a lead does and "
+    "shared "
     "noise does not (Haufe et al. 2013, doi:10.1016/j.neuroimage.2012.09.036; Winkler et al. 2016, "
     "doi:10.1109/TSP.2015.2498123). It cannot catch a true lag that comes from blood vessels alone";
 

@@ -25,7 +25,8 @@ std::vector<ConditionRun> conditionRuns(const StudyPlan& plan, std::size_t regio
   std::vector<ConditionRun> runs;
   for (const PlannedSet& set : plan.conditions[condition].sets) {
     const RunPlan &source = runNamed(plan, set.source), &target = runNamed(plan, set.target);
-    const std::string name = &source == &target ? set.target : fmt::format("{} with {}", set.target, set.source);
+    const std::string name =
+        &source == &target ? set.target : fmt::format("{} with {}", set.target, set.source);
     runs.push_back({name, &target, courses.at({plan.regions[region].name, source.vtcName}),
                     shifted(set.ranges, -target.volumes.dropped),
                     PreparedCourses(plan.workFolder / target.vtcName)});

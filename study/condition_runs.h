@@ -18,9 +18,9 @@ using ReferenceCourses = std::map<std::pair<std::string, std::string>, std::vect
 
 // One run, or a pair, of a condition. Series have the length that both runs of a pair have.
 struct ConditionRun {
-  std::string name;              // "b", or "b with a" when the reference's course is that of a
-  const RunPlan* plan;           // of the run whose voxels are mapped
-  std::vector<float> reference;  // course
+  std::string name;                 // "b", or "b with a" when the reference's course is that of a
+  const RunPlan* plan;              // of the run whose voxels are mapped
+  std::vector<float> reference;     // course
   std::vector<VolumeRange> ranges;  // of the prepared run, from 1
   PreparedCourses voxels;
 

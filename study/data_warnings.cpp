@@ -62,9 +62,9 @@ std::vector<std::string> DataWarnings::texts() const {
   std::vector<std::string> texts;
   for (const auto& [text, whose] : texts_) {
     const bool isPlain = whose.size() == conditions_.size() || text.starts_with("condition '");
-    texts.push_back(isPlain ? text
-                            : fmt::format("{} (condition{} {})", text, whose.size() == 1 ? "" : "s",
-                                          listed(whose)));
+    texts.push_back(
+        isPlain ? text
+                : fmt::format("{} (condition{} {})", text, whose.size() == 1 ? "" : "s", listed(whose)));
   }
   return texts;
 }

@@ -19,7 +19,8 @@ std::vector<float> PreparedCourses::read(std::size_t voxel) {
   const std::size_t bytes = course.size() * sizeof(float);
   stream_.clear();
   stream_.seekg(dataOffset_ + static_cast<std::streamoff>(voxel * bytes));
-  if (stream_.read(reinterpret_cast<char*>(course.data()), static_cast<std::streamsize>(bytes))) return course;
+  if (stream_.read(reinterpret_cast<char*>(course.data()), static_cast<std::streamsize>(bytes)))
+    return course;
   throw formats::FileError(file_.string(), fmt::format("the course of voxel {} cannot be read", voxel),
                            "Remove the file and repeat the command", formats::Fault::kSystem);
 }

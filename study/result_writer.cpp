@@ -151,12 +151,12 @@ void ResultWriter::writeDirections(const tav::ConditionOutcome& outcome, const s
                                    std::vector<ConditionRun>& runs, ConditionResult& condition) {
   const auto tested = voxelsToTest(outcome.maps, plan_.request.settings.qValues, codes_);
   if (!tested) return;
-  const std::vector<DirectionCode> found =
-      testDirections(runs, plan_.order, seedOf(plan_, region()), tested->voxels, [this](double share) {
-        report(conditionsDone_ + kEngineShare + (1 - kEngineShare) * share);
-      });
+  const std::vector<DirectionCode> found = testDirections(
+      runs, plan_.order, seedOf(plan_, region()), tested->voxels,
+      [this](double share) { report(conditionsDone_ + kEngineShare + (1 - kEngineShare) * share); });
   std::vector<std::uint8_t> codes(codes_.size(), 0);
-  for (std::size_t i = 0; i < found.size(); ++i) codes[tested->voxels[i]] = static_cast<std::uint8_t>(found[i]);
+  for (std::size_t i = 0; i < found.size(); ++i)
+    codes[tested->voxels[i]] = static_cast<std::uint8_t>(found[i]);
   condition.direction.q = tested->q;
   condition.direction.file = names().direction(label);
   for (const std::uint8_t code : codes) ++condition.direction.voxels[code];
@@ -177,7 +177,8 @@ void ResultWriter::writeSidecars() {
   for (const ConditionResult& condition : result_.conditions) {
     writeJson(OutputNames::sidecarOf(condition.statusFile), statusSidecar(shared, result_, condition));
     if (!condition.direction.empty())
-      writeJson(OutputNames::sidecarOf(condition.direction.file), directionSidecar(shared, result_, condition));
+      writeJson(OutputNames::sidecarOf(condition.direction.file),
+                directionSidecar(shared, result_, condition));
     for (const MapResult& map : condition.maps) {
       writeJson(OutputNames::sidecarOf(map.file), mapSidecar(shared, result_, condition, map));
     }

@@ -37,9 +37,9 @@ std::string directionText(const DirectionResult& direction, const std::string& r
   const std::size_t tested = direction.tested();
   if (tested == 0) return fmt::format("no voxel passes DTAV at q = {}, so that no direction was tested", q);
   std::string text =
-      fmt::format("of {} {} DTAV at q = {}, {} {} round when time runs backwards, as a lead does", tested,
+      fmt::format("of {} {} DTAV at q = {}, {} {} direction when it is tested with reversed time", tested,
                   tested == 1 ? "voxel that passes" : "voxels that pass", q, direction.supported(),
-                  direction.supported() == 1 ? "turns" : "turn");
+                  direction.supported() == 1 ? "keeps its" : "keep their");
   if (direction.supported() > 0)
     text += fmt::format(": {} leads {} and follows {}", reference,
                         direction.count(DirectionCode::kReferenceLeads),

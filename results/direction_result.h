@@ -34,18 +34,17 @@ struct DirectionResult {
   bool operator==(const DirectionResult&) const = default;
 };
 
-// "of 884 voxels that pass DTAV at q = 0.1, 617 turn round when time runs backwards, as a lead does: V1
-// leads 402 and follows 215; ...". Says so when there is nothing to test.
+// "of 884 voxels that pass DTAV at q = 0.1, 617 keep their direction when it is tested with reversed
+// time: V1 leads 402 and follows 215; ...". Says so when there is nothing to test.
 [[nodiscard]] std::string directionText(const DirectionResult& direction, const std::string& reference);
 
 // What the control does, and what it cannot do: to be said wherever results speak of direction.
 inline constexpr const char* kDirectionNote =
     "Unequal noise alone makes the cleaner of two series seem to lead, and the sign of a difference map "
-    "cannot "
-    "tell. The direction map says which voxels turn round when time runs backwards, as a lead does and "
-    "shared "
-    "noise does not (Haufe et al. 2013, doi:10.1016/j.neuroimage.2012.09.036; Winkler et al. 2016, "
-    "doi:10.1109/TSP.2015.2498123). It cannot catch a true lag that comes from blood vessels alone";
+    "cannot tell. The direction map says which voxels keep their direction when it is tested with reversed "
+    "time, in which a lead changes sides and what is shared without delay does not (Haufe et al. 2013, "
+    "doi:10.1016/j.neuroimage.2012.09.036; Winkler et al. 2016, doi:10.1109/TSP.2015.2498123). It cannot "
+    "catch a true lag that comes from blood vessels alone";
 
 }  // namespace study
 

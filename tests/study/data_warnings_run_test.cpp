@@ -9,10 +9,10 @@
 namespace {
 
 namespace fs = std::filesystem;
+using nlohmann::json;
 using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::Not;
-using nlohmann::json;
 
 class DataWarningsRun : public SmallStudyRun {
  protected:
@@ -31,7 +31,8 @@ class DataWarningsRun : public SmallStudyRun {
   }
 };
 
-const std::string kSpikes = "run 'run1', reference 'A': reference and voxels jump at once at 2 volumes (25, 105)";
+const std::string kSpikes =
+    "run 'run1', reference 'A': reference and voxels jump at once at 2 volumes (25, 105)";
 
 TEST_F(DataWarningsRun, CommonSpikesAreSaidOncePerReferenceWhereverWarningsAre) {
   plantSpikes();
@@ -52,7 +53,8 @@ TEST_F(DataWarningsRun, CommonSpikesAreSaidOncePerReferenceWhereverWarningsAre) 
 TEST_F(DataWarningsRun, OfResultsThatAreKeptTheyAreSaidAgain) {
   plantSpikes();
   const fs::path request = write();
-  const json first = json::parse(run(request, {"--json"}).out), again = json::parse(run(request, {"--json"}).out);
+  const json first = json::parse(run(request, {"--json"}).out),
+             again = json::parse(run(request, {"--json"}).out);
   EXPECT_TRUE(again["References"][0]["Kept"]);
   EXPECT_EQ(first["Warnings"], again["Warnings"]);
   EXPECT_THAT(first["Warnings"].get<std::vector<std::string>>(), Contains(HasSubstr(kSpikes)));
@@ -72,7 +74,8 @@ TEST_F(DataWarningsRun, FewSamplesAreCountedOnceAndByMethod) {
     const auto isIt = [&](const std::string& text) { return text.starts_with(few); };
     ASSERT_EQ(std::count_if(said.begin(), said.end(), isIt), 1) << method;
     const std::string text = *std::find_if(said.begin(), said.end(), isIt);
-    EXPECT_EQ(text.find("effective samples are left") != std::string::npos, std::string(method) == "calibrated");
+    EXPECT_EQ(text.find("effective samples are left") != std::string::npos,
+              std::string(method) == "calibrated");
   }
 }
 

@@ -46,7 +46,8 @@ class DirectionRun : public SmallStudyRun {
   }
   fs::path request(const std::string& settings = "") {
     return scratch_.write(
-        "d.toml", "prefix = 'd'\nseed = 5\n[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n" + settings +
+        "d.toml", "prefix = 'd'\nseed = 5\n[settings]\nsurrogates = 60\ndiscarded_time_points = 20\n" +
+                      settings +
                       "\n[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\n"
                       "[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = 'all'\n");
   }
@@ -56,7 +57,8 @@ class DirectionRun : public SmallStudyRun {
         .labels;
   }
   // Codes of a region's voxels.
-  static study::DirectionCounts count(const std::vector<std::int32_t>& codes, const std::array<int, 3>& first) {
+  static study::DirectionCounts count(const std::vector<std::int32_t>& codes,
+                                      const std::array<int, 3>& first) {
     study::DirectionCounts counts{};
     for (int i = 0; i < 8; ++i) {
       const int x = first[0] + i % 2, y = first[1] + i / 2 % 2, z = first[2] + i / 4;
@@ -100,9 +102,8 @@ TEST_F(DirectionRun, TheRecordCountsTheMap) {
     for (const std::int32_t code : codes(reference)) ++counted.at(static_cast<std::size_t>(code));
     EXPECT_EQ(condition.direction.voxels, counted) << reference;
     EXPECT_EQ(condition.direction.q, 0.1);
-    const auto difference =
-        std::find_if(condition.maps.begin(), condition.maps.end(),
-                     [](const study::MapResult& map) { return map.type == tav::DTAV; });
+    const auto difference = std::find_if(condition.maps.begin(), condition.maps.end(),
+                                         [](const study::MapResult& map) { return map.type == tav::DTAV; });
     ASSERT_NE(difference, condition.maps.end());
     EXPECT_EQ(condition.direction.tested(), difference->thresholds.back().outsideReference) << reference;
   }
@@ -116,9 +117,10 @@ TEST_F(DirectionRun, IsSaidInSummarySidecarsAndLog) {
   EXPECT_NE(result.out.find("    direction: " + words + "\n"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find("NOTE: " + note + "\n"), std::string::npos);
   EXPECT_EQ(result.out.find(note), result.out.rfind(note));  // once, whatever the number of references
-  EXPECT_NE(text("d_A.log").find("\nDirections\n\twhole: " + words + "\n\t" + note + ".\n"), std::string::npos);
-  for (const char* name : {"d_seed-A_desc-wholeDirection_dseg.json",
-                           "d_seed-A_contrast-wholedTAV_stat-effect_statmap.json"}) {
+  EXPECT_NE(text("d_A.log").find("\nDirections\n\twhole: " + words + "\n\t" + note + ".\n"),
+            std::string::npos);
+  for (const char* name :
+       {"d_seed-A_desc-wholeDirection_dseg.json", "d_seed-A_contrast-wholedTAV_stat-effect_statmap.json"}) {
     const json sidecar = read(name);
     EXPECT_EQ(sidecar["Direction"]["Note"], note) << name;
     EXPECT_EQ(sidecar["Direction"]["VoxelsSupported"], direction.supported()) << name;

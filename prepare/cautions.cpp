@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "bids/bids_names.h"
@@ -26,27 +27,33 @@ std::string number(double value) {
 
 }  // namespace
 
+std::vector<std::string> knownFilters(const RunRequest& run, const std::vector<std::string>& filters) {
+  const bool isDenoised = parseBidsName(run.bold.filename().string()).get("desc") == "denoised";
+  return filters.empty() && isDenoised ? std::vector<std::string>{"desc-denoised"} : filters;
+}
+
+bool isHighPassed(const std::vector<std::string>& regressed) {
+  return std::any_of(regressed.begin(), regressed.end(),
+                     [](const std::string& column) { return column.starts_with("cosine"); });
+}
+
 std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
                                      const std::vector<std::string>& filters,
                                      const std::vector<std::string>& regressed) {
   std::vector<std::string> cautions;
   const std::string name = fmt::format("run '{}'", run.name);
-  std::vector<std::string> found = filters;
-  if (found.empty() && parseBidsName(run.bold.filename().string()).get("desc") == "denoised")
-    found = {"desc-denoised"};
+  const std::vector<std::string> found = knownFilters(run, filters);
   if (!found.empty()) {
     cautions.push_back(
         fmt::format("{} was filtered in time ({}). Filtering changes the lagged structure that these maps "
                     "rest on and can create or hide directed influence; use unfiltered data",
                     name, list(found)));
   }
-  for (const std::string& column : regressed) {
-    if (column.compare(0, 6, "cosine") != 0) continue;
+  if (isHighPassed(regressed)) {
     cautions.push_back(
         name +
         ": regressing cosine columns is a high-pass filter, which can bias directed influence; "
-        "every interval is detrended anyway");
-    break;
+        "keep them where slow drift would be worse, and compare the maps without them");
   }
   if (trSeconds > kSlowTrSeconds) {
     cautions.push_back(

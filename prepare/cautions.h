@@ -10,13 +10,20 @@
 
 namespace study {
 
+// Filters in time that the run has been through: those of its sidecar, or what its file's name says.
+[[nodiscard]] std::vector<std::string> knownFilters(const RunRequest& run,
+                                                    const std::vector<std::string>& filters);
+// Whether cosine columns are among the regressed: a high-pass filter.
+[[nodiscard]] bool isHighPassed(const std::vector<std::string>& regressed);
+
 // A filter in the sidecar or the file's name, a filter among the regressed columns, a TR above
 // 3 s. `regressed`: names of the columns taken out.
 [[nodiscard]] std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
                                                    const std::vector<std::string>& filters,
                                                    const std::vector<std::string>& regressed);
 
-// Fewer than 10 effective samples per model parameter. A joint model of two series has 4 * order
+// With method "plugin" (others: suitability/warnings.h). Fewer than 10 effective samples per model
+// parameter. A joint model of two series has 4 * order
 // coefficients per fit. Empty when there are enough.
 [[nodiscard]] std::string fewSamplesCaution(const std::string& condition, int effectiveVolumes, int order);
 

@@ -17,7 +17,7 @@ constexpr auto kTable = std::to_array<Setting>({
     // member, key, least, most, shown, words
     //     name, place in records, place in result keys
     {&S::method, "method", 0, 0, true,
-         R"("calibrated": thresholds that keep their promise; "plugin": the plug-in's numbers)",
+         R"("calibrated": thresholds calibrated on simulated null data; "plugin": the plug-in's numbers)",
          "method", {"Method", 1}, {"method", 1}},
     {&S::orderChoice, "order", 1, kHighestOrder, true,
          R"({range}, or a criterion that chooses it: "bic", "aic", "hqc")",

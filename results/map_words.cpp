@@ -8,7 +8,7 @@ namespace {
 // REFERENCE, DIFFERENCE and SCALE stand for the reference's name, kDifference and the map scale factor.
 constexpr const char* kDifference =
     "difference of the directed influences, REFERENCE on the voxel minus the voxel on REFERENCE (positive: "
-    "REFERENCE leads; negative: the voxel leads)";
+    "REFERENCE leads; negative: the voxel leads; unequal noise can feign both)";
 constexpr const char* kLogarithm = "natural logarithm of a ratio of error variances, times SCALE";
 
 // Every kind needs all its words: there are no defaults.

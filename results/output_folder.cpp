@@ -8,7 +8,8 @@ namespace {
 constexpr const char* kReadme =
     "Maps of directed influence between reference regions and every voxel, made by Tavmap.\n\n"
     "*_stat-effect_statmap.nii.gz   one effect map each; its JSON sidecar says direction, model, thresholds\n"
-    "*_dseg.nii.gz                  why each voxel has the value it has; codes in the .tsv beside it\n"
+    "*Status_dseg.nii.gz            why each voxel has the value it has; codes in the .tsv beside it\n"
+    "*Direction_dseg.nii.gz         whose lead is supported by a test with reversed time; codes likewise\n"
     "*_timeseries.tsv               the reference's mean time course after preparation\n"
     "*_tavmap.json                  everything about one reference; written last\n"
     "*.tav, *.log                   the same maps as one file with the text of the computation\n"

@@ -43,6 +43,14 @@ std::string OutputNames::statusTable(const std::string& conditionLabel) const {
   return stem(fmt::format("_desc-{}Status_dseg.tsv", conditionLabel));
 }
 
+std::string OutputNames::direction(const std::string& conditionLabel) const {
+  return stem(fmt::format("_desc-{}Direction_dseg.nii.gz", conditionLabel));
+}
+
+std::string OutputNames::directionTable(const std::string& conditionLabel) const {
+  return stem(fmt::format("_desc-{}Direction_dseg.tsv", conditionLabel));
+}
+
 std::string OutputNames::courses() const {
   return stem("_desc-reference_timeseries.tsv");
 }

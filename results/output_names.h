@@ -24,6 +24,8 @@ class OutputNames {
   // PREFIX_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz
   [[nodiscard]] std::string map(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string status(const std::string& conditionLabel) const;
+  [[nodiscard]] std::string direction(const std::string& conditionLabel) const;
+  [[nodiscard]] std::string directionTable(const std::string& conditionLabel) const;
   [[nodiscard]] std::string statusTable(const std::string& conditionLabel) const;
   std::string courses() const;  // .tsv
   std::string record() const;   // .json; written last

@@ -35,6 +35,7 @@ struct ConditionRecord {
   int surrogatesIllDefined = 0;
   std::string statusFile;
   std::vector<MapResult> maps;  // a peak that is not finite is NaN
+  DirectionResult direction = {};
   [[nodiscard]] std::size_t voxelsComputed() const {
     return voxels[static_cast<std::size_t>(StatusCode::kComputed)];
   }

@@ -107,6 +107,18 @@ void describe(Fields& fields, Of<Fields, MapResult>& map) {
 }
 
 template <typename Fields>
+void describe(Fields& fields, Of<Fields, DirectionResult>& direction) {
+  fields("Q", direction.q);
+  fields("File", direction.file);
+  fields.told("VoxelsTested", direction.tested());
+  fields.told("VoxelsSupported", direction.supported());
+  fields.inside("Voxels", [&direction](Fields& voxels) {
+    for (std::size_t code = 0; code < kDirectionCodes; ++code)
+      voxels(directionName(static_cast<DirectionCode>(code)), direction.voxels[code]);
+  });
+}
+
+template <typename Fields>
 void describe(Fields& fields, Of<Fields, ConditionRecord>& condition) {
   fields("Name", condition.name);
   fields("VolumesUsed", condition.volumesUsed);
@@ -116,6 +128,7 @@ void describe(Fields& fields, Of<Fields, ConditionRecord>& condition) {
   fields("SurrogatesIllDefined", condition.surrogatesIllDefined);
   fields("StatusFile", condition.statusFile);
   fields("Maps", condition.maps);
+  fields.unlessEmpty("Direction", condition.direction);
 }
 
 template <typename Fields>
@@ -158,6 +171,10 @@ Json runsJson(const std::vector<RunRecord>& runs) {
 
 Json thresholdsJson(const std::vector<ThresholdResult>& thresholds) {
   return FieldWriter::written(thresholds);
+}
+
+Json directionJson(const DirectionResult& direction) {
+  return FieldWriter::written(direction);
 }
 
 Json voxelsJson(const StatusCounts& counts) {

@@ -48,7 +48,8 @@ ConditionRecord conditionRecord(const ResultContext& context, const ConditionRes
           condition.statusCounts,
           condition.surrogatesIllDefined,
           condition.statusFile,
-          condition.maps};
+          condition.maps,
+          condition.direction};
 }
 
 ModelRecord modelRecord(const ResultContext& context, const ReferenceResult& reference) {
@@ -90,6 +91,15 @@ Json filtersJson(const ResultContext& context, const ConditionResult& condition)
   return list;
 }
 
+bool isDifference(tav::MapType type) {
+  return type == tav::DTAV || type == tav::DTAV_IT || type == tav::DTAV_RC;
+}
+
+void addDirection(const DirectionResult& direction, Json& json) {
+  json["Direction"] = directionJson(direction);
+  json["Direction"]["Note"] = kDirectionNote;
+}
+
 }  // namespace
 
 std::string sourceUri(const Request& request, const fs::path& file) {
@@ -124,6 +134,7 @@ Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
   json["EffectiveVolumes"] = condition.effectiveVolumes;
   json["Runs"] = runsJson(runRecords(context, condition));
   if (!map.thresholds.empty()) json["Thresholds"] = thresholdsJson(map.thresholds);
+  if (isDifference(map.type) && !condition.direction.empty()) addDirection(condition.direction, json);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;
   return json;
@@ -142,6 +153,25 @@ Json statusSidecar(const ResultContext& context, const ReferenceResult& referenc
   json["Voxels"] = voxelsJson(condition.statusCounts);
   json["Sources"] = sourcesJson(context, condition);
   json["SoftwareVersion"] = context.version;
+  return json;
+}
+
+Json directionSidecar(const ResultContext& context, const ReferenceResult& reference,
+                      const ConditionResult& condition) {
+  Json json;
+  json["Description"] = fmt::format(
+      "which voxels that pass the difference map DTAV of {}, condition '{}', keep their direction when it is "
+      "tested with reversed time",
+      reference.name, condition.name);
+  Json labels;
+  for (std::size_t code = 0; code < kDirectionCodes; ++code) {
+    labels[std::to_string(code)] = directionName(static_cast<DirectionCode>(code));
+  }
+  json["Labels"] = labels;
+  addDirection(condition.direction, json);
+  json["Sources"] = sourcesJson(context, condition);
+  addModel(modelRecord(context, reference), json);
+  json["Warnings"] = context.cautions;
   return json;
 }
 

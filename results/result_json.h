@@ -31,6 +31,9 @@ nlohmann::ordered_json mapSidecar(const ResultContext& context, const ReferenceR
                                   const ConditionResult& condition, const MapResult& map);
 nlohmann::ordered_json statusSidecar(const ResultContext& context, const ReferenceResult& reference,
                                      const ConditionResult& condition);
+// Of the direction map, when there is one.
+nlohmann::ordered_json directionSidecar(const ResultContext& context, const ReferenceResult& reference,
+                                        const ConditionResult& condition);
 // Everything about one reference but its files; `key` says from which inputs it was made.
 [[nodiscard]] Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
                                      const std::string& key);

@@ -12,6 +12,7 @@
 
 #include "request/request.h"
 #include "request/volume_ranges.h"
+#include "results/direction_result.h"
 #include "results/map_words.h"
 
 namespace study {
@@ -60,6 +61,7 @@ struct ConditionResult {
   std::string statusFile;
   int surrogatesIllDefined = 0;
   std::vector<MapResult> maps;
+  DirectionResult direction = {};
 };
 
 struct ReferenceResult {
@@ -67,6 +69,7 @@ struct ReferenceResult {
   int voxels = 0;
   std::uint32_t seed = 0;
   std::vector<ConditionResult> conditions;
+  std::vector<std::string> warnings = {};  // about the data, beside those of the plan
 };
 
 }  // namespace study

@@ -67,6 +67,17 @@ void describePreparation(const StudyPlan& plan, std::ostream& out) {
   }
 }
 
+void describeDirections(const ReferenceResult& result, std::ostream& out) {
+  bool isAny = false;
+  for (const ConditionResult& condition : result.conditions) {
+    if (condition.direction.empty()) continue;
+    if (!isAny) out << "\nDirections\n";
+    isAny = true;
+    out << "\t" << condition.name << ": " << directionText(condition.direction, result.name) << "\n";
+  }
+  if (isAny) out << "\t" << kDirectionNote << ".\n";
+}
+
 bool filesAreThere(const Record& record, const fs::path& folder) {
   return std::all_of(record.files.begin(), record.files.end(), [&folder](const auto& file) {
     std::error_code missing;
@@ -91,7 +102,8 @@ std::string logAppendix(const StudyPlan& plan, std::size_t region, const Referen
       for (const ThresholdResult& threshold : map.thresholds) out << thresholdLine(map, threshold);
     }
   }
-  const std::vector<std::string> cautions = cautionsOf(plan, region);
+  describeDirections(result, out);
+  const std::vector<std::string> cautions = cautionsOf(plan, region, result.warnings);
   if (!cautions.empty()) out << "\n";
   for (const std::string& caution : cautions) out << "WARNING: " << caution << "\n";
   return out.str();

@@ -11,6 +11,8 @@
 #include "results/course_table.h"
 #include "results/map_findings.h"
 #include "results/record_json.h"
+#include "study/direction_check.h"
+#include "study/label_map.h"
 #include "study/reference_job.h"
 #include "tav/tav.h"
 
@@ -45,12 +47,11 @@ std::map<std::string, std::uintmax_t> fileSizes(const std::filesystem::path& fol
   return sizes;
 }
 
-std::string statusTableText() {
-  std::string table = "index\tname\n";
-  for (std::size_t code = 0; code < kStatusCodes; ++code) {
-    table += fmt::format("{}\t{}\n", code, statusName(static_cast<StatusCode>(code)));
-  }
-  return table;
+// Of a condition's progress, when its directions are tested: the share of the engine.
+constexpr double kEngineShare = 0.9;
+
+bool testsDirections(const Settings& settings) {
+  return settings.method == Method::kCalibrated && settings.mapTypes.count(tav::DTAV) > 0;
 }
 
 }  // namespace
@@ -69,7 +70,8 @@ void ResultWriter::report(double conditionsDone) const {
 }
 
 void ResultWriter::onProgress(int percent) {
-  report(conditionsDone_ + percent / 100.0);
+  const double share = testsDirections(plan_.request.settings) ? kEngineShare : 1;
+  report(conditionsDone_ + share * percent / 100.0);
 }
 
 OutputNames ResultWriter::names() const {
@@ -77,7 +79,8 @@ OutputNames ResultWriter::names() const {
 }
 
 ResultContext ResultWriter::context() const {
-  return {plan_.request, plan_.runs, plan_.version, plan_.seed, plan_.order, cautionsOf(plan_, region())};
+  return {plan_.request, plan_.runs,  plan_.version,
+          plan_.seed,    plan_.order, cautionsOf(plan_, region(), result_.warnings)};
 }
 
 void ResultWriter::onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) {
@@ -95,6 +98,8 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   for (const tav::MapOutcome& map : outcome.maps) {
     condition.maps.push_back(writeMap(map, plan_.conditionLabels[index]));
   }
+  if (plan_.request.settings.method == Method::kCalibrated)
+    lookAtData(outcome, plan_.conditionLabels[index], condition);
   result_.conditions.push_back(std::move(condition));
   report(++conditionsDone_);
 }
@@ -128,11 +133,35 @@ void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::
     ++condition.statusCounts[codes_[i]];
   }
   condition.statusFile = names().status(label);
-  formats::NiftiWriter writer(staging_.path(condition.statusFile).string(), statusHeader(header_),
-                              formats::Durability::kCached);
-  writer.writeStored(codes_.data(), codes_.size());
-  writer.commit();
-  writeText(names().statusTable(label), statusTableText());
+  writeLabelMap(staging_, condition.statusFile, names().statusTable(label), header_, codes_,
+                codeNames<StatusCode, kStatusCodes>(statusName));
+}
+
+// What the same series say beside the maps: where data mislead, and which directions are supported.
+void ResultWriter::lookAtData(const tav::ConditionOutcome& outcome, const std::string& label,
+                              ConditionResult& condition) {
+  std::vector<ConditionRun> runs =
+      conditionRuns(plan_, region(), static_cast<std::size_t>(outcome.condIndex), courses_);
+  warnings_.add(condition.name,
+                conditionWarnings(plan_, plan_.regions[region()].name, condition.name, runs, codes_));
+  writeDirections(outcome, label, runs, condition);
+}
+
+void ResultWriter::writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
+                                   std::vector<ConditionRun>& runs, ConditionResult& condition) {
+  const auto tested = voxelsToTest(outcome.maps, plan_.request.settings.qValues, codes_);
+  if (!tested) return;
+  const std::vector<DirectionCode> found = testDirections(
+      runs, plan_.order, seedOf(plan_, region()), tested->voxels,
+      [this](double share) { report(conditionsDone_ + kEngineShare + (1 - kEngineShare) * share); });
+  std::vector<std::uint8_t> codes(codes_.size(), 0);
+  for (std::size_t i = 0; i < found.size(); ++i)
+    codes[tested->voxels[i]] = static_cast<std::uint8_t>(found[i]);
+  condition.direction.q = tested->q;
+  condition.direction.file = names().direction(label);
+  for (const std::uint8_t code : codes) ++condition.direction.voxels[code];
+  writeLabelMap(staging_, condition.direction.file, names().directionTable(label), header_, codes,
+                codeNames<DirectionCode, kDirectionCodes>(directionName));
 }
 
 void ResultWriter::writeJson(const std::string& file, const nlohmann::ordered_json& json) const {
@@ -147,6 +176,9 @@ void ResultWriter::writeSidecars() {
   const ResultContext shared = context();
   for (const ConditionResult& condition : result_.conditions) {
     writeJson(OutputNames::sidecarOf(condition.statusFile), statusSidecar(shared, result_, condition));
+    if (!condition.direction.empty())
+      writeJson(OutputNames::sidecarOf(condition.direction.file),
+                directionSidecar(shared, result_, condition));
     for (const MapResult& map : condition.maps) {
       writeJson(OutputNames::sidecarOf(map.file), mapSidecar(shared, result_, condition, map));
     }
@@ -178,6 +210,8 @@ void ResultWriter::onVoi(const tav::TAV_VOI_Pars& voi) {
   result_.name = voi.name;
   result_.voxels = plan_.regions[region()].voxels();
   result_.seed = seedOf(plan_, region());
+  result_.warnings = warnings_.texts();
+  warnings_ = {};
   writeSidecars();
   writeCourses(names());
   writeLog();

@@ -3,14 +3,13 @@
 #define TAVMAP_STUDY_RESULT_WRITER_H
 
 #include <functional>
-#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "formats/image.h"
 #include "results/output_names.h"
 #include "results/result_json.h"
+#include "study/data_warnings.h"
 #include "study/file_store.h"
 #include "study/study_plan.h"
 #include "tav/run_observer.h"
@@ -40,6 +39,9 @@ class ResultWriter : public tav::RunObserver {
   MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
   void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                    ConditionResult& condition);
+  void lookAtData(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
+  void writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
+                       std::vector<ConditionRun>& runs, ConditionResult& condition);
   void writeSidecars();
   void writeCourses(const OutputNames& names);
   void writeLog() const;
@@ -57,7 +59,8 @@ class ResultWriter : public tav::RunObserver {
   FileStore store_;
   ReferenceResult result_;
   std::vector<std::uint8_t> codes_;  // status codes of the condition at hand
-  std::map<std::pair<std::string, std::string>, std::vector<float>> courses_;  // by reference and VTC
+  DataWarnings warnings_;
+  ReferenceCourses courses_;
 };
 
 }  // namespace study

@@ -98,6 +98,13 @@ void addConditions(const StudyPlan& plan, Fingerprint& key) {
   }
 }
 
+// With method "calibrated" the data themselves are looked at, once there are some (data_warnings.h).
+void cautionOfFewSamples(StudyPlan& plan, const PlannedCondition& planned) {
+  if (plan.request.settings.method != Method::kPlugin) return;
+  const std::string few = fewSamplesCaution(planned.name, planned.effectiveVolumes, plan.order);
+  if (!few.empty()) plan.cautions.push_back(few);
+}
+
 }  // namespace
 
 StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::string& version) {
@@ -130,8 +137,7 @@ void settleOrder(StudyPlan& plan, int order) {
     const PlannedCondition& planned = plan.conditions.back();
     names.push_back(planned.name);
     plan.cautions.insert(plan.cautions.end(), planned.notes.begin(), planned.notes.end());
-    const std::string few = fewSamplesCaution(planned.name, planned.effectiveVolumes, order);
-    if (!few.empty()) plan.cautions.push_back(few);
+    cautionOfFewSamples(plan, planned);
   }
   plan.conditionLabels = uniqueLabels(names);
 }
@@ -145,6 +151,7 @@ std::string resultKey(const StudyPlan& plan, std::size_t region) {
   }
   addSettings(plan, key);
   addConditions(plan, key);
+  if (plan.request.settings.method != Method::kPlugin) key.add("direction", "reversed time");
   // With method "plugin" a result depends on all references before it.
   const bool together = plan.request.settings.method == Method::kPlugin;
   for (std::size_t i = together ? 0 : region; i <= region; ++i) addRegion(plan.regions[i], key);
@@ -152,12 +159,14 @@ std::string resultKey(const StudyPlan& plan, std::size_t region) {
   return key.hex();
 }
 
-std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region) {
+std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region,
+                                    const std::vector<std::string>& ofData) {
   std::vector<std::string> cautions = plan.cautions;
   const Region& own = plan.regions[region];
   const std::string small = smallReferenceCaution(own.name, own.voxels());
   if (!small.empty()) cautions.push_back(small);
   cautions.insert(cautions.end(), own.notes.begin(), own.notes.end());
+  cautions.insert(cautions.end(), ofData.begin(), ofData.end());
   return cautions;
 }
 

@@ -39,8 +39,9 @@ void settleOrder(StudyPlan& plan, int order);
 
 // The key of a reference's result: inputs, settings, seed and version. Equal keys mean equal files.
 [[nodiscard]] std::string resultKey(const StudyPlan& plan, std::size_t region);
-// The plan's cautions and those of the region itself.
-[[nodiscard]] std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region);
+// The plan's cautions and those of the region itself; then what else there is, of the data.
+[[nodiscard]] std::vector<std::string> cautionsOf(const StudyPlan& plan, std::size_t region,
+                                                  const std::vector<std::string>& ofData = {});
 // The seed from which the engine's time base is set: with method "plugin" the study's own, since its
 // references share one sequence; otherwise one per reference.
 [[nodiscard]] std::uint32_t seedOf(const StudyPlan& plan, std::size_t region);

@@ -60,6 +60,18 @@ void sortOutcome(const std::vector<StudyPlan>& plans, StudyOutcome& outcome) {
                    [&](const ReferenceOutcome& a, const ReferenceOutcome& b) { return place(a) < place(b); });
 }
 
+// What is said of the data, each text once. In a data set of many participants a warning says whose it is.
+void collectWarnings(const StudyOptions& options, StudyOutcome& outcome) {
+  for (const ReferenceOutcome& reference : outcome.references) {
+    const std::string begin = options.datasetFolder.empty() ? "" : reference.request + ": ";
+    for (const std::string& warning : reference.record.warnings) {
+      const bool isKnown = std::find(outcome.cautions.begin(), outcome.cautions.end(), begin + warning) !=
+                           outcome.cautions.end();
+      if (!isKnown) outcome.cautions.push_back(begin + warning);
+    }
+  }
+}
+
 std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const StudyOptions& options,
                                StudyOutcome& outcome) {
   std::vector<StudyPlan> plans;
@@ -107,6 +119,7 @@ StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& 
   }
   pool.run();
   sortOutcome(plans, outcome);
+  collectWarnings(options, outcome);
   return outcome;
 }
 

@@ -55,6 +55,18 @@ void printMap(const ConditionRecord& condition, const MapResult& map, std::ostre
       << "\n";
 }
 
+void printDirection(const ConditionRecord& condition, const std::string& reference, std::ostream& out) {
+  if (condition.direction.tested() > 0)
+    out << "    direction: " << directionText(condition.direction, reference) << "\n";
+}
+
+bool isAnyDirectionTested(const StudyOutcome& outcome) {
+  const auto isTested = [](const ConditionRecord& condition) { return condition.direction.tested() > 0; };
+  return std::any_of(outcome.references.begin(), outcome.references.end(), [&](const ReferenceOutcome& one) {
+    return std::any_of(one.record.conditions.begin(), one.record.conditions.end(), isTested);
+  });
+}
+
 void printReference(const ReferenceOutcome& reference, std::ostream& out) {
   out << reference.reference << (reference.kept ? " (finished before, kept)" : "") << "\n";
   if (!reference.done) {
@@ -65,6 +77,7 @@ void printReference(const ReferenceOutcome& reference, std::ostream& out) {
     out << "  " << condition.name << ": " << condition.effectiveVolumes << " effective volumes, "
         << condition.voxelsComputed() << " voxels computed\n";
     for (const MapResult& map : condition.maps) printMap(condition, map, out);
+    printDirection(condition, reference.reference, out);
   }
 }
 
@@ -77,6 +90,7 @@ void printSummary(const StudyOutcome& outcome, std::ostream& out) {
     request = reference.request;
     printReference(reference, out);
   }
+  if (isAnyDirectionTested(outcome)) out << "NOTE: " << kDirectionNote << "\n";
   for (const std::string& caution : outcome.cautions) out << "WARNING: " << caution << "\n";
   for (const std::string& failure : outcome.failures) out << "FAILED: " << failure << "\n";
 }

@@ -65,6 +65,7 @@ std::string emptyWhere(const EmptyBands& bands) {
 
 // Barnett & Seth 2011, Journal of Neuroscience Methods 201, 404-419, doi:10.1016/j.jneumeth.2011.08.010.
 void checkFilter(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
+  if (input.filtered) return;
   EmptyBands bands = findEmptyBands(courses);
   if (input.highPassed) bands.belowHz.reset();
   if (!bands.belowHz && !bands.aboveHz) return;
@@ -120,14 +121,14 @@ void checkNoise(const SuitabilityInput& input, const Courses& courses, Texts& te
   if (noise->referenceIsNoisier())
     texts.push_back(
         fmt::format("{}: the reference is noisier than the voxels{}. Unequal noise alone then makes voxels "
-                    "seem to lead; take a larger or better placed reference, and believe no lead that "
-                    "reversed time does not turn round",
+                    "seem to lead; take a larger or better placed reference, and believe only leads "
+                    "that the direction map (of DTAV) supports",
                     both(input), figures));
   else
     texts.push_back(
         fmt::format("{}: the reference is much cleaner than the voxels{}. Unequal noise alone then makes the "
-                    "reference seem to lead; smooth the voxels or take a smaller reference, and believe no "
-                    "lead that reversed time does not turn round",
+                    "reference seem to lead; smooth the voxels or take a smaller reference, and believe only "
+                    "leads that the direction map (of DTAV) supports",
                     both(input), figures));
 }
 

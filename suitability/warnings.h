@@ -20,8 +20,9 @@ struct SuitabilityInput {
   std::vector<Interval> intervals;  // of the run as prepared, 0-based
   std::span<const float> referenceSeries;
   std::vector<std::span<const float>> voxels;
-  int droppedVolumes =
-      0;  // leading ones, left out already; warnings count volumes of the stored image from 1
+  // Leading ones, left out already; warnings count volumes of the stored image from 1.
+  int droppedVolumes = 0;
+  bool filtered = false;    // in time: known to be, and said elsewhere
   bool highPassed = false;  // known to be: cosine columns regressed, or named in the sidecar
   int confoundRank = 0;     // of what was regressed
 };

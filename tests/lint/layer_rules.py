@@ -20,7 +20,7 @@ ARROWS = {
     "bids": {"request"},
     "prepare": {"request", "bids", "formats"},
     "results": {"tav", "request", "bids", "prepare", "formats"},
-    "study": {"tav", "request", "bids", "prepare", "results", "formats"},
+    "study": {"tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
     "group": {"request", "bids", "results", "formats"},
     "simulation": {"formats"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",

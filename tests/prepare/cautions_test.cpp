@@ -32,7 +32,7 @@ TEST(Cautions, CosineColumnsAreAFilterToo) {
   ASSERT_EQ(cautions.size(), 1U);
   EXPECT_EQ(cautions[0],
             "run 'a': regressing cosine columns is a high-pass filter, which can bias directed influence; "
-            "every interval is detrended anyway");
+            "keep them where slow drift would be worse, and compare the maps without them");
 }
 
 TEST(Cautions, SlowDataAreNamedAboveThreeSeconds) {

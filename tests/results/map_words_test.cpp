@@ -13,12 +13,12 @@ TEST(MapWords, SayWhichWayAnInfluenceGoes) {
   EXPECT_EQ(
       mapDescription(tav::DTAV_IT, "V1"),
       "difference of the directed influences, V1 on the voxel minus the voxel on V1 (positive: V1 leads; "
-      "negative: the voxel leads), where the instantaneous influence reaches its lower threshold, else 0");
-  EXPECT_EQ(
-      mapDescription(tav::DTAV_RC, "V1"),
-      "share of the difference of the directed influences, V1 on the voxel minus the voxel on V1 "
-      "(positive: V1 leads; negative: the voxel leads) in the sum of its magnitude and the instantaneous "
-      "influence, -1 to 1");
+      "negative: the voxel leads; unequal noise can feign both), where the instantaneous influence reaches "
+      "its lower threshold, else 0");
+  EXPECT_EQ(mapDescription(tav::DTAV_RC, "V1"),
+            "share of the difference of the directed influences, V1 on the voxel minus the voxel on V1 "
+            "(positive: V1 leads; negative: the voxel leads; unequal noise can feign both) in the sum of its "
+            "magnitude and the instantaneous influence, -1 to 1");
 }
 
 TEST(MapWords, TakeTheNameOfAReferenceAsItIs) {

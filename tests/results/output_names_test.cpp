@@ -18,6 +18,9 @@ TEST(OutputNames, FollowTheConventionsOfStatisticMaps) {
   EXPECT_EQ(names.map("faces", tav::DTAV_RC),
             "sub-01_task-rest_seed-V1_contrast-facesdTAVRC_stat-effect_statmap.nii.gz");
   EXPECT_EQ(names.status("faces"), "sub-01_task-rest_seed-V1_desc-facesStatus_dseg.nii.gz");
+  EXPECT_EQ(names.direction("faces"), "sub-01_task-rest_seed-V1_desc-facesDirection_dseg.nii.gz");
+  EXPECT_EQ(OutputNames::sidecarOf(names.directionTable("faces")),
+            OutputNames::sidecarOf(names.direction("faces")));
   EXPECT_EQ(OutputNames::sidecarOf(names.status("faces")),
             "sub-01_task-rest_seed-V1_desc-facesStatus_dseg.json");
   EXPECT_EQ(OutputNames::sidecarOf(names.courses()),

@@ -70,10 +70,13 @@ TEST_F(PlanStudy, WithoutADataSetTheRunsFolderIsOne) {
   EXPECT_EQ(plan().request.datasets.at("input"), scratch_.folder());
 }
 
-// 42 volumes in three intervals leave 39 of them to a model of order 1.
+// 42 volumes in three intervals leave 39 of them to a model of order 1. With method "calibrated" it is the
+// data that are counted.
 TEST_F(PlanStudy, FewVolumesAreThoseThatTheModelHas) {
   request_.conditions[0].kind = IntervalKind::kTyped;
   request_.conditions[0].typed = {{1, 14}, {21, 34}, {41, 54}};
+  EXPECT_TRUE(plan().cautions.empty());
+  request_.settings.method = Method::kPlugin;
   const std::vector<std::string> cautions = plan().cautions;
   ASSERT_EQ(cautions.size(), 1U);
   EXPECT_EQ(cautions[0].find("condition 'c' has 39 effective volumes"), 0U) << cautions[0];

@@ -63,7 +63,7 @@ TEST_F(RunCommand, SidecarsSayWhatAReaderNeeds) {
   EXPECT_EQ(difference["Description"],
             "difference of the directed influences, A on the voxel minus the voxel on A (positive: A leads; "
             "negative: "
-            "the voxel leads); condition 'whole'");
+            "the voxel leads; unequal noise can feign both); condition 'whole'");
   EXPECT_FALSE(read("small_seed-A_contrast-wholedTAVRC_stat-effect_statmap.json").contains("Thresholds"));
 }
 

@@ -27,15 +27,20 @@ std::string summaryOf(const Record& record) {
 }
 
 TEST(StudySummary, SaysEveryMapWithItsOwnNumbers) {
-  EXPECT_EQ(summaryOf(sample_result::record()),
-            "study.toml\nV1\n"
-            "  faces: 115 effective volumes, 901 voxels computed\n"
-            "    REF2VOX: q = 0.011: 61 voxels at 5.500 or more; q = 0.033: 63 voxels at 4.500 or more; "
-            "peak -9.250 at (-2, 2, 4) mm\n"
-            "    DTAV_RC: no thresholds; peak 0.875 at (20, -20, 21) mm\n"
-            "  houses: 116 effective volumes, 911 voxels computed\n"
-            "    INST: q = 0.012: 71 voxels at 6.500 or more; q = 0.034: 73 voxels at 6.250 or more; "
-            "peak 8.750 at (-28, 30, 30) mm\n");
+  EXPECT_EQ(
+      summaryOf(sample_result::record()),
+      "study.toml\nV1\n"
+      "  faces: 115 effective volumes, 901 voxels computed\n"
+      "    REF2VOX: q = 0.011: 61 voxels at 5.500 or more; q = 0.033: 63 voxels at 4.500 or more; "
+      "peak -9.250 at (-2, 2, 4) mm\n"
+      "    DTAV_RC: no thresholds; peak 0.875 at (20, -20, 21) mm\n"
+      "    direction: of 138 voxels that pass DTAV at q = 0.035, 67 keep their direction when it is tested "
+      "with reversed time: V1 leads 33 and follows 34; 36 could not be judged\n"
+      "  houses: 116 effective volumes, 911 voxels computed\n"
+      "    INST: q = 0.012: 71 voxels at 6.500 or more; q = 0.034: 73 voxels at 6.250 or more; "
+      "peak 8.750 at (-28, 30, 30) mm\n"
+      "NOTE: " +
+          std::string(kDirectionNote) + "\n");
 }
 
 TEST(StudySummary, ThresholdsInWords) {
@@ -102,6 +107,9 @@ TEST(LogAppendix, SaysEveryNumberOfTheStudy) {
                 "\tREF2VOX, q = 0.033: 64 voxels reach the threshold 4.5, 63 of them outside the reference\n"
                 "\nThresholds: houses\n"
                 "\tINST, q = 0.012: no voxel survives\n"
+                "\nDirections\n\tfaces: " +
+                directionText(result.conditions[0].direction, "V1") + "\n\t" + kDirectionNote +
+                ".\n"
                 "\n"
                 "WARNING: filtered\n"
                 "WARNING: " +

@@ -20,7 +20,6 @@ using calibration::CellSetting;
 using calibration::Mean;
 using calibration::Orders;
 
-constexpr unsigned kSeedsPerCell = 100000;  // the cells are independent of each other
 constexpr double kQs[] = {0.01, 0.05, 0.1};
 const std::vector<Orders> kOrders = {Orders::kFixed, Orders::kChosen};
 const char* const kOrderNames[] = {"1", "bic"};
@@ -83,23 +82,24 @@ void printScan(std::size_t kind, int references, unsigned seed, const std::strin
                   all[order].worstShare.at(what));
 }
 
+// By the name (Fowler, Noll and Vo's hash), so that a cell's data do not depend on which others there are.
+unsigned firstSeedOf(const std::string& name) {
+  unsigned hash = 2166136261U;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+  return hash >> 2U;
+}
+
 // False when there is no such cell.
 bool printCell(const std::string& name, int sets, const std::string& scanFolder) {
-  unsigned seed = 1;
-  for (const CellSetting& cell : calibration::nullCells()) {
+  const unsigned seed = firstSeedOf(name);
+  for (const CellSetting& cell : calibration::nullCells())
     if (cell.name == name) return printNull(cell, sets, seed), true;
-    seed += kSeedsPerCell;
-  }
-  for (const CellSetting& cell : calibration::drivenCells()) {
+  for (const CellSetting& cell : calibration::drivenCells())
     if (cell.name == name) return printDriven(cell, sets, seed), true;
-    seed += kSeedsPerCell;
-  }
   if (name == "direction") return printDirection(sets, seed), true;
-  for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind) {
-    seed += kSeedsPerCell;
+  for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind)
     if (name == kScanCells[kind])
       return printScan(kind, std::min(sets, kMostScanReferences), seed, scanFolder), true;
-  }
   return false;
 }
 

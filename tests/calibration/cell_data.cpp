@@ -96,7 +96,8 @@ void CellData::drawCourses(Generator& generator) {
   forEachCourse([&](Course& course) {
     if (setting_.spikes == Spikes::kNone) return;
     const bool own = setting_.spikes == Spikes::kOwn;
-    addSpikes(own ? drawVolumes(kSpikes, volumes, generator) : shared, setting_.oneSign, course, generator);
+    addSpikes(own ? drawVolumes(kSpikes, volumes, generator) : shared,
+              {setting_.oneSign, setting_.spikeMemory}, course, generator);
   });
 }
 
@@ -130,7 +131,7 @@ void CellData::addMovement(Generator& generator) {
   const auto moved = movedVolumes(setting_.movement, volumes, generator);
   movement_.assign(volumes, kStillMm);
   for (const std::size_t t : moved) movement_[t] = kMovedMm;
-  forEachCourse([&](Course& course) { addSpikes(moved, true, course, generator); });
+  forEachCourse([&](Course& course) { addSpikes(moved, {true, 0}, course, generator); });
 }
 
 void CellData::write() const {

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "tests/calibration/cell_data.h"
-#include "tests/calibration/least_squares_test.h"
+#include "tests/calibration/influence_test.h"
 
 namespace calibration {
 namespace {

@@ -34,6 +34,7 @@ struct CellSetting {
   bool smoothField = false;  // voxels are smoothed in space and share a signal that the reference has not
   Spikes spikes = Spikes::kNone;
   bool oneSign = false;      // of spikes; else random
+  double spikeMemory = 0;    // what is left of a spike one volume later, as a share
   bool jumpOfScale = false;  // the middle third of every course has four times the standard deviation
   int confounds = 0;         // regressed out; all courses contain them
   Movement movement = Movement::kNone;

@@ -63,6 +63,14 @@ void addArtefacts(std::vector<CellSetting>& cells) {
       cells.push_back(setting);
     }
   }
+  CellSetting shocks =
+      cell("shocks-shared-random",
+           "AR(1), .5, three shocks of 10 standard deviations that fade as the noise does, at "
+           "shared volumes, random signs",
+           autoregressive({0.5}));
+  shocks.spikes = Spikes::kShared;
+  shocks.spikeMemory = 0.5;
+  cells.push_back(shocks);
   CellSetting jump = cell("jump", "AR(1), .5, four times the standard deviation in the middle third of all",
                           autoregressive({0.5}));
   jump.jumpOfScale = true;

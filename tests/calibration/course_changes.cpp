@@ -42,10 +42,16 @@ std::vector<std::size_t> drawVolumes(std::size_t count, std::size_t volumes, Gen
   return all;
 }
 
-void addSpikes(const std::vector<std::size_t>& at, bool oneSign, Course& course, Generator& generator) {
+void addSpikes(const std::vector<std::size_t>& at, const SpikeShape& shape, Course& course,
+               Generator& generator) {
+  constexpr double kNothing = 1e-3;
   const double height = kSpike * standardDeviation(course);
   std::bernoulli_distribution coin;
-  for (const std::size_t volume : at) course[volume] += oneSign || coin(generator) ? height : -height;
+  for (std::size_t volume : at) {
+    double left = shape.oneSign || coin(generator) ? height : -height;
+    for (; volume < course.size() && std::abs(left) > kNothing * height; left *= shape.memory)
+      course[volume++] += left;
+  }
 }
 
 void raiseMiddle(Course& course) {

@@ -12,8 +12,13 @@ namespace calibration {
 // Different volumes, drawn at random.
 [[nodiscard]] std::vector<std::size_t> drawVolumes(std::size_t count, std::size_t volumes,
                                                    Generator& generator);
+struct SpikeShape {
+  bool oneSign;   // else random signs
+  double memory;  // what is left of a spike one volume later, as a share
+};
 // Adds ten standard deviations at each of the volumes.
-void addSpikes(const std::vector<std::size_t>& at, bool oneSign, Course& course, Generator& generator);
+void addSpikes(const std::vector<std::size_t>& at, const SpikeShape& shape, Course& course,
+               Generator& generator);
 // Multiplies the middle third by four.
 void raiseMiddle(Course& course);
 // The courses of a grid with so many voxels along x and y, through a Gaussian kernel of a voxel's width, with

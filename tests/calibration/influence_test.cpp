@@ -1,4 +1,4 @@
-#include "tests/calibration/least_squares_test.h"
+#include "tests/calibration/influence_test.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // The F test of lagged influence, from least squares alone: what the maps are held against.
-#ifndef TAVMAP_TESTS_CALIBRATION_LEAST_SQUARES_TEST_H
-#define TAVMAP_TESTS_CALIBRATION_LEAST_SQUARES_TEST_H
+#ifndef TAVMAP_TESTS_CALIBRATION_INFLUENCE_TEST_H
+#define TAVMAP_TESTS_CALIBRATION_INFLUENCE_TEST_H
 
 #include <utility>
 #include <vector>

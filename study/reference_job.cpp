@@ -21,18 +21,6 @@ std::vector<const Region*> chosen(const StudyPlan& plan, const std::vector<std::
   return regions;
 }
 
-// With method "plugin" the references share one sequence of random numbers; otherwise each has its
-// own.
-tav::RunOptions runOptions(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
-  tav::RunOptions options = engineOptions(plan.request.settings);
-  options.vtcFolder = plan.workFolder.string();
-  options.timeBase = seedOf(plan, regions[0]);
-  if (plan.request.settings.method == Method::kPlugin) return options;
-  options.treatments = courseTreatments(plan.runs);
-  for (const std::size_t region : regions) options.voiTimeBases.push_back(seedOf(plan, region));
-  return options;
-}
-
 void throwStatus(int status, const std::string& errors) {
   if (status == tav::kSuccess) return;
   if (status == tav::kInvalidParameters) throw InputError(errors);
@@ -109,6 +97,16 @@ std::string logAppendix(const StudyPlan& plan, std::size_t region, const Referen
   return out.str();
 }
 
+tav::RunOptions referenceOptions(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
+  tav::RunOptions options = engineOptions(plan.request.settings);
+  options.vtcFolder = plan.workFolder.string();
+  options.timeBase = seedOf(plan, regions[0]);
+  if (plan.request.settings.method == Method::kPlugin) return options;
+  options.treatments = courseTreatments(plan.runs);
+  for (const std::size_t region : regions) options.voiTimeBases.push_back(seedOf(plan, region));
+  return options;
+}
+
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
                        const std::function<void(double)>& progress) {
   fs::create_directories(plan.request.output.folder);
@@ -116,7 +114,7 @@ void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& re
   const tav::TAV_Pars pars = engineRequest(plan.request.settings, plan.order, plan.runs, plan.conditions,
                                            chosen(plan, regions), plan.request.output.prefix);
   std::ostringstream errors;
-  tav::Computer computer(runOptions(plan, regions), &writer, &writer.store());
+  tav::Computer computer(referenceOptions(plan, regions), &writer, &writer.store());
   throwStatus(computer.computeTAVs(pars, errors), errors.str());
 }
 

@@ -11,6 +11,7 @@
 
 #include "results/record.h"
 #include "study/study_plan.h"
+#include "tav/run_options.h"
 
 namespace study {
 
@@ -19,6 +20,11 @@ namespace study {
 // receives 0 to 1. Throws RunError, InputError and formats::FileError.
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
                        const std::function<void(double)>& progress);
+
+// What the engine is asked for these regions. With method "plugin" they share one sequence of random numbers;
+// otherwise each has its own.
+[[nodiscard]] tav::RunOptions referenceOptions(const StudyPlan& plan,
+                                               const std::vector<std::size_t>& regions);
 
 // What the log of a reference says beyond the engine's own text: method, preparation, warnings,
 // thresholds in words.

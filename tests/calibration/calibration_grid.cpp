@@ -1,0 +1,126 @@
+// Measures one cell of the calibration: many data sets of one kind, and what passed. Lines of tab-separated
+// values on standard output. scripts/calibrate runs all cells and writes the tables.
+//
+// Usage: calibration_grid                   names of all cells, one a line
+//        calibration_grid CELL SETS SCAN    SETS data sets of it; SCAN: the folder of the real scan
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "tests/calibration/cell_measures.h"
+#include "tests/calibration/cells.h"
+#include "tests/calibration/direction_cells.h"
+#include "tests/calibration/real_scan.h"
+
+namespace {
+
+using calibration::CellSetting;
+using calibration::Mean;
+using calibration::Orders;
+
+constexpr double kQs[] = {0.01, 0.05, 0.1};
+const std::vector<Orders> kOrders = {Orders::kFixed, Orders::kChosen};
+const char* const kOrderNames[] = {"1", "bic"};
+const char* const kScanCells[] = {"scan-shifted", "scan-phases", "scan-signs"};
+constexpr int kMostScanReferences = 60;
+
+std::vector<std::string> cellNames() {
+  std::vector<std::string> names;
+  for (const CellSetting& cell : calibration::nullCells()) names.push_back(cell.name);
+  for (const CellSetting& cell : calibration::drivenCells()) names.push_back(cell.name);
+  names.emplace_back("direction");
+  for (const char* name : kScanCells) names.emplace_back(name);
+  return names;
+}
+
+const char* nameOf(tav::MapType type) {
+  return tav::MAPTYPE_NAMES[static_cast<std::size_t>(type)];
+}
+
+void printNull(const CellSetting& cell, int sets, unsigned seed) {
+  const auto rates = calibration::measureAny(cell, sets, seed, kOrders);
+  for (std::size_t order = 0; order < rates.size(); ++order)
+    for (const auto& [what, rate] : rates[order])
+      std::printf("%s\t%s\t%s\t%d\t%g\t%s\t%s\t%g\t%d\t%.6f\n", cell.isUnrelated ? "null" : "artefact",
+                  cell.name.c_str(), cell.words.c_str(), cell.volumes, cell.trSeconds, kOrderNames[order],
+                  nameOf(what.first), kQs[what.second], sets, rate.mean());
+}
+
+void printPower(const CellSetting& cell, int sets, const char* method, std::size_t q,
+                const calibration::PowerRates& rates, double any) {
+  std::printf("power\t%s\t%s\t%d\t%s\t%g\t%d\t%.6f\t%.6f\t%.6f\t%.6f\t%.6f\n", cell.name.c_str(),
+              cell.words.c_str(), cell.order, method, kQs[q], sets, rates.power.mean(),
+              rates.power.standardError(), rates.falseShare.mean(), rates.falseShare.standardError(), any);
+}
+
+void printDriven(const CellSetting& cell, int sets, unsigned seed) {
+  const auto found = calibration::comparePower(cell, sets, seed);
+  for (std::size_t q = 0; q < found.maps.size(); ++q) {
+    printPower(cell, sets, "maps", q, found.maps[q], found.any.at({tav::VOX2REF, q}).mean());
+    printPower(cell, sets, "F", q, found.leastSquares[q], 0);
+  }
+}
+
+void printDirection(int pairs, unsigned seed) {
+  for (const auto& cell : calibration::directionCells()) {
+    const auto rates = calibration::measureDirection(cell, pairs, seed++);
+    std::printf("direction\t%s\t%d\t%g\t%g\t%g\t%d\t%d\t%.6f\t%.6f\t%.6f\n", nameOf(cell).c_str(),
+                cell.volumes, cell.trSeconds, cell.referenceSnr, cell.voxelSnr, cell.order, pairs,
+                rates.referenceLeads.mean(), rates.voxelLeads.mean(), rates.positive.mean());
+  }
+}
+
+void printScan(std::size_t kind, int references, unsigned seed, const std::string& folder) {
+  const auto all =
+      calibration::measureScan(folder, static_cast<calibration::Unrelated>(kind), references, seed, kOrders);
+  for (std::size_t order = 0; order < all.size(); ++order)
+    for (const auto& [what, rate] : all[order].any)
+      std::printf("scan\t%s\t%s\t%s\t%g\t%d\t%.6f\t%.6f\n", kScanCells[kind], kOrderNames[order],
+                  nameOf(what.first), kQs[what.second], references, rate.mean(),
+                  all[order].worstShare.at(what));
+}
+
+// By the name (Fowler, Noll and Vo's hash), so that a cell's data do not depend on which others there are.
+unsigned firstSeedOf(const std::string& name) {
+  unsigned hash = 2166136261U;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+  return hash >> 2U;
+}
+
+// False when there is no such cell.
+bool printCell(const std::string& name, int sets, const std::string& scanFolder) {
+  const unsigned seed = firstSeedOf(name);
+  for (const CellSetting& cell : calibration::nullCells())
+    if (cell.name == name) return printNull(cell, sets, seed), true;
+  for (const CellSetting& cell : calibration::drivenCells())
+    if (cell.name == name) return printDriven(cell, sets, seed), true;
+  if (name == "direction") return printDirection(sets, seed), true;
+  for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind)
+    if (name == kScanCells[kind])
+      return printScan(kind, std::min(sets, kMostScanReferences), seed, scanFolder), true;
+  return false;
+}
+
+int listCells() {
+  for (const std::string& name : cellNames()) std::printf("%s\n", name.c_str());
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc == 1) return listCells();
+  const int sets = argc == 4 ? std::atoi(argv[2]) : 0;
+  try {
+    if (sets >= 2 && printCell(argv[1], sets, argv[3])) return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
+    return 1;
+  }
+  std::fprintf(stderr,
+               "usage: %s [CELL SETS SCAN], with at least 2 data sets; without any, the cells' names\n",
+               argv[0]);
+  return 2;
+}

@@ -1,0 +1,47 @@
+// What is counted over the data sets of a cell.
+#ifndef TAVMAP_TESTS_CALIBRATION_CELL_MEASURES_H
+#define TAVMAP_TESTS_CALIBRATION_CELL_MEASURES_H
+
+#include <functional>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "tests/calibration/cell_setting.h"
+#include "tests/calibration/library_run.h"
+#include "tests/calibration/rates.h"
+
+namespace calibration {
+
+// The order of the models: that of the setting, or the one that the criterion of Schwarz chooses for each
+// data set.
+enum class Orders { kFixed, kChosen };
+
+// By map and index of q: whether any voxel outside the reference passes.
+using AnyRates = std::map<std::pair<tav::MapType, std::size_t>, Mean>;
+void addAny(const std::vector<FoundMap>& maps, AnyRates& rates);
+
+// Over data sets of seeds firstSeed, firstSeed + 1, ...; a rate for each of the orders asked for. `change`
+// may change what the engine is asked for.
+[[nodiscard]] std::vector<AnyRates> measureAny(const CellSetting& setting, int sets, unsigned firstSeed,
+                                               const std::vector<Orders>& orders,
+                                               const std::function<void(tav::RunOptions&)>& change = nullptr);
+
+// Of lagged influence of the reference on voxels, at one q.
+struct PowerRates {
+  Mean power, falseShare;
+};
+struct PowerComparison {
+  std::vector<PowerRates> maps, leastSquares;  // per q
+  AnyRates any;                                // of all maps; those of VOX2REF are false alarms
+  double largestDifference = 0;  // of any voxel's REF2VOX and the measure of plain least squares
+};
+// Maps beside the F test of least squares with the procedure of Benjamini & Hochberg, on driven data, both
+// with models of the setting's order.
+[[nodiscard]] PowerComparison comparePower(const CellSetting& setting, int sets, unsigned firstSeed,
+                                           const std::function<void(tav::RunOptions&)>& change = nullptr);
+
+}  // namespace calibration
+
+#endif

@@ -104,7 +104,7 @@ def check_links(pages, folder):
                 yield f"{page.path.name}:{line}: no page {target}"
             elif anchor and anchor not in pages[name].anchors:
                 yield f"{page.path.name}:{line}: no place {target}"
-            else:
+            elif name != page.path.name:
                 reached.add(name)
     for name in sorted(set(pages) - reached):
         yield f"{name}: no other page leads here"

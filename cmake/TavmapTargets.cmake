@@ -12,6 +12,10 @@ if(TAVMAP_SANITIZE)
     -fsanitize=${TAVMAP_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(tavmap_flags INTERFACE -fsanitize=${TAVMAP_SANITIZE})
 endif()
+if(TAVMAP_FUZZ)  # the libraries too: the fuzzer looks for inputs that take new branches there
+  target_compile_options(tavmap_flags INTERFACE -fsanitize=fuzzer-no-link)
+  file(REMOVE ${CMAKE_BINARY_DIR}/fuzzers.txt)
+endif()
 
 # tavmap_library(<folder> SOURCES ... [LINKS ...]): the static library tavmap_<folder>.
 # LINKS are the layer's arrows and nothing else.
@@ -41,18 +45,23 @@ endif()
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${labels_file})
 endfunction()
 
-# tavmap_fuzzer(<name> SOURCE file LINKS ...): with TAVMAP_FUZZ a libFuzzer program, otherwise a
-# program that replays fuzz/corpus/<name>/ and runs as a test.
+# tavmap_fuzzer(<name> SOURCES ... LINKS ... [CORPUS <folder>]): with TAVMAP_FUZZ a libFuzzer program,
+# otherwise a program that replays fuzz/corpus/<folder>/ (<name> unless given) and runs as a test.
 function(tavmap_fuzzer name)
-  cmake_parse_arguments(ARG "" "SOURCE" "LINKS" ${ARGN})
-  add_executable(${name} ${ARG_SOURCE})
+  cmake_parse_arguments(ARG "" "CORPUS" "SOURCES;LINKS" ${ARGN})
+  if(NOT ARG_CORPUS)
+    set(ARG_CORPUS ${name})
+  endif()
+  set(corpus ${CMAKE_SOURCE_DIR}/fuzz/corpus/${ARG_CORPUS})
+  add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tavmap_flags ${ARG_LINKS})
+  add_dependencies(fuzzers ${name})
   if(TAVMAP_FUZZ)
-    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    file(APPEND ${CMAKE_BINARY_DIR}/fuzzers.txt "${name} ${corpus}\n")
   else()
     target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/fuzz/replay_main.cpp)
-    add_test(NAME ${name}.corpus COMMAND ${name} ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
+    add_test(NAME ${name}.corpus COMMAND ${name} ${corpus})
     set_tests_properties(${name}.corpus PROPERTIES LABELS "fuzz" TIMEOUT 120)
   endif()
 endfunction()

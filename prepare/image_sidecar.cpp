@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -70,18 +71,22 @@ std::string seconds(double value) {
 
 }  // namespace
 
-ImageSidecar readImageSidecar(const std::filesystem::path& image) {
+ImageSidecar parseImageSidecar(const std::string& text, const std::filesystem::path& file) {
   ImageSidecar sidecar;
-  const std::filesystem::path file = besideImage(image);
-  std::ifstream stream(file);
-  if (file.empty() || !stream) return sidecar;
-  const json content = json::parse(stream, nullptr, false);
+  const json content = json::parse(text, nullptr, false);
   if (!content.is_object()) throw InputError(file.string() + ": not a JSON object; repair or remove it");
   sidecar.file = file;
   const auto tr = content.find("RepetitionTime");
   if (tr != content.end() && tr->is_number() && tr->get<double>() > 0) sidecar.trSeconds = tr->get<double>();
   collectFilters(content, sidecar.filters);
   return sidecar;
+}
+
+ImageSidecar readImageSidecar(const std::filesystem::path& image) {
+  const std::filesystem::path file = besideImage(image);
+  std::ifstream stream(file);
+  if (file.empty() || !stream) return {};
+  return parseImageSidecar({std::istreambuf_iterator<char>(stream), {}}, file);
 }
 
 double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,

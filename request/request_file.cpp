@@ -149,12 +149,12 @@ Request parseRequest(std::string_view text, const std::string& name, const std::
   return request;
 }
 
-RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
-  const std::string name = file.string();
-  const toml::table root = parseToml(contents(file), name);
+RequestTemplate parseRequestTemplate(std::string_view text, const std::string& name,
+                                     const std::filesystem::path& folder) {
+  const toml::table root = parseToml(text, name);
   const TomlTable top(root, name, "the configuration",
                       {"seed", "settings", "preparation", "reference", "condition"});
-  const RequestPlace place{name, file.parent_path()};
+  const RequestPlace place{name, folder};
   RequestTemplate result;
   if (top.has("seed")) result.seed = readSeed(top);
   if (const toml::table* settings = top.subtable("settings"))
@@ -169,6 +169,10 @@ RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
     result.conditions.push_back(parseCondition(*node, place, {}));
   }
   return result;
+}
+
+RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
+  return parseRequestTemplate(contents(file), file.string(), file.parent_path());
 }
 
 Request readRequestFile(const std::filesystem::path& file) {

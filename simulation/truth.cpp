@@ -92,7 +92,10 @@ void writeTruth(const std::string& path, const Truth& truth) {
 }
 
 Truth readTruth(const std::string& path) {
-  const std::string text = formats::readTextFile(path);
+  return parseTruth(formats::readTextFile(path), path);
+}
+
+Truth parseTruth(const std::string& text, const std::string& path) {
   try {
     return truthFromJson(Json::parse(text));
   } catch (const std::exception& error) {  // of the JSON library, or thrown above

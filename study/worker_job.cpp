@@ -125,8 +125,7 @@ std::string jobText(const WorkerJob& job) {
 }
 
 // The request stands behind an empty line in place of the head, so that its lines count as in the file.
-WorkerJob readJob(const fs::path& file) {
-  const std::string text = formats::readTextFile(file.string());
+WorkerJob parseJob(const std::string& text, const fs::path& file) {
   const std::size_t end = std::min(text.find('\n'), text.size());
   WorkerJob job;
   try {
@@ -136,6 +135,10 @@ WorkerJob readJob(const fs::path& file) {
   }
   job.request = withoutLines(parseRequest(text.substr(end), file.string(), file.parent_path()));
   return job;
+}
+
+WorkerJob readJob(const fs::path& file) {
+  return parseJob(formats::readTextFile(file.string()), file);
 }
 
 std::string carryOut(const WorkerJob& job, const std::string& version,

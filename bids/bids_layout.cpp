@@ -232,15 +232,16 @@ std::map<std::string, std::string> parseBidsFilter(const std::string& text, cons
   const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
   if (!json.is_object()) throw InputError(name + ": not a JSON object; a filter reads {\"bold\": {...}}");
   std::map<std::string, std::string> entities;
-  const nlohmann::json bold = json.value("bold", nlohmann::json::object());
-  for (const auto& [key, value] : bold.items()) {
+  const auto bold = json.find("bold");
+  if (bold == json.end()) return entities;
+  for (const auto& [key, value] : bold->items()) {
     if (key == "suffix" || key == "datatype" || key == "extension" || value.is_null()) continue;
     const auto known = shortKeys.find(key);
     const std::string entity = known == shortKeys.end() ? key : known->second;
     if (value.is_string())
       entities[entity] = value.get<std::string>();
     else if (value.is_number_integer())
-      entities[entity] = std::to_string(value.get<int>());
+      entities[entity] = value.dump();
     else
       throw InputError(fmt::format("{}: '{}' must be a text or a whole number", name, key));
   }

@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -28,7 +29,21 @@ std::string contents(const std::filesystem::path& file) {
   return text.str();
 }
 
+constexpr std::ptrdiff_t kMostDots = 4000;  // in one line
+
+// A key of very many parts, "a.a.a...", is a table in a table; the library follows them until the stack ends.
+void refuseEndlessKeys(std::string_view text, const std::string& name) {
+  for (int line = 1; !text.empty(); ++line) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1);
+    if (std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '.') > kMostDots) {
+      failAt(name, line, "a key has too many parts; check that it is the right file");
+    }
+    text.remove_prefix(end + 1);
+  }
+}
+
 toml::table parseToml(std::string_view text, const std::string& name) {
+  refuseEndlessKeys(text, name);
   try {
     return toml::parse(text, name);
   } catch (const toml::parse_error& error) {

@@ -36,7 +36,8 @@ void refuseEndlessKeys(std::string_view text, const std::string& name) {
   for (int line = 1; !text.empty(); ++line) {
     const std::size_t end = std::min(text.find('\n'), text.size() - 1);
     if (std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '.') > kMostDots) {
-      failAt(name, line, "a key has too many parts; check that it is the right file");
+      failAt(name, line,
+             "more than " + std::to_string(kMostDots) + " dots in one line; check that it is the right file");
     }
     text.remove_prefix(end + 1);
   }

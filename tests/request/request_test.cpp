@@ -49,10 +49,10 @@ TEST_F(RequestFile, KeysOfEndlessPartsAreRefusedAndLongListsAreNot) {
   for (int i = 0; i < 4001; ++i) key += ".a";
   for (int i = 0; i < 3999; ++i) list += ", 0.5";
   EXPECT_EQ(problem("# a line\n" + key + " = 1\n"),
-            "r.toml:2: a key has too many parts; check that it is the right file");
+            "r.toml:2: more than 4000 dots in one line; check that it is the right file");
   EXPECT_EQ(parse(list + "] }\n" + kRun + kReference).settings.qValues, std::vector<double>{0.5});
   EXPECT_EQ(problem(list + ", 0.5] }\n" + kRun + kReference),
-            "r.toml:1: a key has too many parts; check that it is the right file");
+            "r.toml:1: more than 4000 dots in one line; check that it is the right file");
 }
 
 TEST_F(RequestFile, TheExampleIsAValidRequest) {

@@ -7,6 +7,16 @@ target_compile_options(tavmap_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align
   -Wdouble-promotion -Wnon-virtual-dtor -ffp-contract=off
   $<$<BOOL:${TAVMAP_WERROR}>:-Werror>)
+# g++ 12 takes the pieces of a text put together with + for ones that overlap, and what std::optional and
+# std::variant hold for values that were never set once a sanitizer's checks stand in between.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(tavmap_flags INTERFACE -Wno-restrict)
+  endif()
+  if(TAVMAP_SANITIZE)
+    target_compile_options(tavmap_flags INTERFACE -Wno-maybe-uninitialized)
+  endif()
+endif()
 if(TAVMAP_SANITIZE)
   target_compile_options(tavmap_flags INTERFACE
     -fsanitize=${TAVMAP_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -15,6 +25,14 @@ endif()
 if(TAVMAP_FUZZ)  # the libraries too: the fuzzer looks for inputs that take new branches there
   target_compile_options(tavmap_flags INTERFACE -fsanitize=fuzzer-no-link)
   file(REMOVE ${CMAKE_BINARY_DIR}/fuzzers.txt)
+endif()
+
+# ccache stores what was made from precompiled headers when it is told that it may.
+if(CMAKE_CXX_COMPILER_LAUNCHER STREQUAL "ccache")
+  set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_SLOPPINESS=pch_defines,time_macros ccache)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(tavmap_flags INTERFACE $<$<BOOL:${TAVMAP_PRECOMPILE}>:-fpch-preprocess>)
 endif()
 
 # tavmap_library(<folder> SOURCES ... [LINKS ...]): the static library tavmap_<folder>.
@@ -34,6 +52,10 @@ function(tavmap_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tavmap_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_compile_options(${name} PRIVATE ${TAVMAP_TEST_OPTIONS})
+  if(TAVMAP_PRECOMPILE)
+    target_precompile_headers(${name} REUSE_FROM tavmap_test_headers)
+  endif()
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT ${ARG_TIMEOUT})
   # As a property of the discovery, a list of labels would lose all but its first.
   set(labels_file ${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake)

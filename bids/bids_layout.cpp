@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <tuple>
@@ -224,29 +225,33 @@ std::vector<BidsGroup> findBidsGroups(const fs::path& bidsDir, const std::vector
   return grouped(std::move(runs));
 }
 
-std::map<std::string, std::string> readBidsFilter(const fs::path& file) {
+std::map<std::string, std::string> parseBidsFilter(const std::string& text, const std::string& name) {
   static const std::map<std::string, std::string> shortKeys = {
       {"subject", "sub"},        {"session", "ses"},   {"acquisition", "acq"}, {"ceagent", "ce"},
       {"reconstruction", "rec"}, {"direction", "dir"}, {"resolution", "res"},  {"description", "desc"}};
-  std::ifstream stream(file);
-  if (!stream) throw InputError("cannot open the BIDS filter file " + file.string());
-  const nlohmann::json json = nlohmann::json::parse(stream, nullptr, false);
-  if (!json.is_object())
-    throw InputError(file.string() + ": not a JSON object; a filter reads {\"bold\": {...}}");
+  const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
+  if (!json.is_object()) throw InputError(name + ": not a JSON object; a filter reads {\"bold\": {...}}");
   std::map<std::string, std::string> entities;
-  const nlohmann::json bold = json.value("bold", nlohmann::json::object());
-  for (const auto& [key, value] : bold.items()) {
+  const auto bold = json.find("bold");
+  if (bold == json.end()) return entities;
+  for (const auto& [key, value] : bold->items()) {
     if (key == "suffix" || key == "datatype" || key == "extension" || value.is_null()) continue;
     const auto known = shortKeys.find(key);
     const std::string entity = known == shortKeys.end() ? key : known->second;
     if (value.is_string())
       entities[entity] = value.get<std::string>();
     else if (value.is_number_integer())
-      entities[entity] = std::to_string(value.get<int>());
+      entities[entity] = value.dump();
     else
-      throw InputError(fmt::format("{}: '{}' must be a text or a whole number", file.string(), key));
+      throw InputError(fmt::format("{}: '{}' must be a text or a whole number", name, key));
   }
   return entities;
+}
+
+std::map<std::string, std::string> readBidsFilter(const fs::path& file) {
+  std::ifstream stream(file);
+  if (!stream) throw InputError("cannot open the BIDS filter file " + file.string());
+  return parseBidsFilter({std::istreambuf_iterator<char>(stream), {}}, file.string());
 }
 
 }  // namespace study

@@ -47,6 +47,8 @@ struct BidsGroup {
 // A BIDS filter file: {"bold": {"acquisition": "mb", "echo": 1, ...}}; returns entities by their short keys.
 // Keys that the filter knows under their long names ("session", "task", "run", "space") are translated.
 [[nodiscard]] std::map<std::string, std::string> readBidsFilter(const std::filesystem::path& file);
+[[nodiscard]] std::map<std::string, std::string> parseBidsFilter(const std::string& text,
+                                                                 const std::string& name);
 
 }  // namespace study
 

@@ -47,7 +47,11 @@ std::string LabelTable::nameOf(std::int32_t index) const {
 }
 
 LabelTable readLabelTable(const std::string& path) {
-  const Table table = Table::read(path);
+  return parseLabelTable(readTextFile(path), path);
+}
+
+LabelTable parseLabelTable(std::string_view text, const std::string& path) {
+  const Table table = Table::parse(text, path);
   const std::size_t index = table.require("index"), name = table.require("name");
   const auto color = table.find("color");
   LabelTable result;

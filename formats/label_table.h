@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace formats {
@@ -28,6 +29,7 @@ struct LabelTable {
 // Column names in any case. Throws FileError: a missing column, an index that is no whole number
 // or comes twice, an empty name, a color that is not #RRGGBB.
 [[nodiscard]] LabelTable readLabelTable(const std::string& path);
+[[nodiscard]] LabelTable parseLabelTable(std::string_view text, const std::string& path);
 
 void writeLabelTable(const std::string& path, const LabelTable& table);
 

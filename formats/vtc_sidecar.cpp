@@ -15,7 +15,11 @@ std::string sidecarPathOf(const std::string& vtcPath) {
 std::optional<VtcSidecar> readVtcSidecar(const std::string& vtcPath) {
   const std::string path = sidecarPathOf(vtcPath);
   if (!std::filesystem::exists(path)) return std::nullopt;
-  const Json document = parseJson(readTextFile(path), path);
+  return parseVtcSidecar(readTextFile(path), path);
+}
+
+VtcSidecar parseVtcSidecar(const std::string& text, const std::string& path) {
+  const Json document = parseJson(text, path);
   const JsonPlace root(document, path);
   VtcSidecar sidecar;
   sidecar.affine = affineFromJson(root.member("affine"));

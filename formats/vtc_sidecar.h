@@ -24,6 +24,7 @@ struct VtcSidecar {
 
 // Empty when there is no sidecar; throws FileError for one that cannot be understood.
 [[nodiscard]] std::optional<VtcSidecar> readVtcSidecar(const std::string& vtcPath);
+[[nodiscard]] VtcSidecar parseVtcSidecar(const std::string& text, const std::string& path);
 [[nodiscard]] std::string encodeVtcSidecar(const VtcSidecar& sidecar);
 void writeVtcSidecar(const std::string& vtcPath, const VtcSidecar& sidecar);
 

@@ -85,22 +85,26 @@ const std::vector<double>* ConfoundTable::find(const std::string& name) const {
   return found == names.end() ? nullptr : &columns[static_cast<std::size_t>(found - names.begin())];
 }
 
-ConfoundTable readConfounds(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw InputError("cannot open the confounds table " + file.string());
+ConfoundTable parseConfounds(std::istream& text, const std::filesystem::path& file) {
   ConfoundTable table;
   table.file = file;
   std::string row;
-  std::getline(stream, row);
+  std::getline(text, row);
   for (const std::string& cell : split(row, '\t')) table.names.push_back(unquoted(cell));
   if (row.empty())
     throw InputError(file.string() + ": empty; a confounds table begins with a line of column names");
   table.columns.resize(table.names.size());
-  for (std::size_t line = 2; std::getline(stream, row); ++line) {
+  for (std::size_t line = 2; std::getline(text, row); ++line) {
     if (!row.empty() && row != "\r") addRow(row, line, table);
   }
   if (table.volumes() == 0) throw InputError(file.string() + ": no rows below the column names");
   return table;
+}
+
+ConfoundTable readConfounds(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) throw InputError("cannot open the confounds table " + file.string());
+  return parseConfounds(stream, file);
 }
 
 std::vector<std::vector<double>> confoundColumns(const ConfoundTable& table, const Names& names,

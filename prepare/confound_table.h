@@ -4,6 +4,7 @@
 #define TAVMAP_PREPARE_CONFOUND_TABLE_H
 
 #include <filesystem>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,8 @@ struct ConfoundTable {
 
 // Tab-separated with a header line. Throws InputError naming file and line.
 [[nodiscard]] ConfoundTable readConfounds(const std::filesystem::path& file);
+// The same from a text; `file` stands in messages.
+[[nodiscard]] ConfoundTable parseConfounds(std::istream& text, const std::filesystem::path& file);
 
 // The columns' values, from volume `firstVolume` (0-based) on. Missing values before a column's
 // first number (derivatives have none at the start) become its mean; later ones throw InputError.

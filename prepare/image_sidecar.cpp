@@ -6,9 +6,12 @@
 #include <cctype>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "formats/file_error.h"
+#include "formats/json_file.h"
 #include "request/problem.h"
 
 namespace study {
@@ -16,6 +19,7 @@ namespace {
 
 using nlohmann::json;
 constexpr double kAgreementSeconds = 0.001;
+constexpr const char* kNoObject = ": not a JSON object; repair or remove it";
 
 std::string lowerCase(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -51,6 +55,15 @@ void collectFilters(const json& object, std::vector<std::string>& filters) {
   }
 }
 
+// The reader of this program's files: it refuses what nests without end.
+json parsed(const std::string& text, const std::filesystem::path& file) {
+  try {
+    return formats::parseJson(text, file.string());
+  } catch (const formats::FileError&) {
+    throw InputError(file.string() + kNoObject);
+  }
+}
+
 std::filesystem::path besideImage(const std::filesystem::path& image) {
   std::string name = image.filename().string();
   for (const std::string extension : {".nii.gz", ".nii"}) {
@@ -70,18 +83,22 @@ std::string seconds(double value) {
 
 }  // namespace
 
-ImageSidecar readImageSidecar(const std::filesystem::path& image) {
+ImageSidecar parseImageSidecar(const std::string& text, const std::filesystem::path& file) {
   ImageSidecar sidecar;
-  const std::filesystem::path file = besideImage(image);
-  std::ifstream stream(file);
-  if (file.empty() || !stream) return sidecar;
-  const json content = json::parse(stream, nullptr, false);
-  if (!content.is_object()) throw InputError(file.string() + ": not a JSON object; repair or remove it");
+  const json content = parsed(text, file);
+  if (!content.is_object()) throw InputError(file.string() + kNoObject);
   sidecar.file = file;
   const auto tr = content.find("RepetitionTime");
   if (tr != content.end() && tr->is_number() && tr->get<double>() > 0) sidecar.trSeconds = tr->get<double>();
   collectFilters(content, sidecar.filters);
   return sidecar;
+}
+
+ImageSidecar readImageSidecar(const std::filesystem::path& image) {
+  const std::filesystem::path file = besideImage(image);
+  std::ifstream stream(file);
+  if (file.empty() || !stream) return {};
+  return parseImageSidecar({std::istreambuf_iterator<char>(stream), {}}, file);
 }
 
 double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,

@@ -18,6 +18,8 @@ struct ImageSidecar {
 // "X.json" beside "X.nii.gz" or "X.nii". A file that is not JSON throws InputError; a missing one
 // gives an empty record.
 [[nodiscard]] ImageSidecar readImageSidecar(const std::filesystem::path& image);
+// The same from the text of the sidecar `file`.
+[[nodiscard]] ImageSidecar parseImageSidecar(const std::string& text, const std::filesystem::path& file);
 
 // The repetition time to work with: the chosen one if there is one (> 0), else header and sidecar
 // when they agree within a millisecond or only one of them knows. A header without unit or with 0

@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -28,7 +29,22 @@ std::string contents(const std::filesystem::path& file) {
   return text.str();
 }
 
+constexpr std::ptrdiff_t kMostDots = 4000;  // in one line
+
+// A key of very many parts, "a.a.a...", is a table in a table; the library follows them until the stack ends.
+void refuseEndlessKeys(std::string_view text, const std::string& name) {
+  for (int line = 1; !text.empty(); ++line) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1);
+    if (std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '.') > kMostDots) {
+      failAt(name, line,
+             "more than " + std::to_string(kMostDots) + " dots in one line; check that it is the right file");
+    }
+    text.remove_prefix(end + 1);
+  }
+}
+
 toml::table parseToml(std::string_view text, const std::string& name) {
+  refuseEndlessKeys(text, name);
   try {
     return toml::parse(text, name);
   } catch (const toml::parse_error& error) {
@@ -149,12 +165,12 @@ Request parseRequest(std::string_view text, const std::string& name, const std::
   return request;
 }
 
-RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
-  const std::string name = file.string();
-  const toml::table root = parseToml(contents(file), name);
+RequestTemplate parseRequestTemplate(std::string_view text, const std::string& name,
+                                     const std::filesystem::path& folder) {
+  const toml::table root = parseToml(text, name);
   const TomlTable top(root, name, "the configuration",
                       {"seed", "settings", "preparation", "reference", "condition"});
-  const RequestPlace place{name, file.parent_path()};
+  const RequestPlace place{name, folder};
   RequestTemplate result;
   if (top.has("seed")) result.seed = readSeed(top);
   if (const toml::table* settings = top.subtable("settings"))
@@ -169,6 +185,10 @@ RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
     result.conditions.push_back(parseCondition(*node, place, {}));
   }
   return result;
+}
+
+RequestTemplate readRequestTemplate(const std::filesystem::path& file) {
+  return parseRequestTemplate(contents(file), file.string(), file.parent_path());
 }
 
 Request readRequestFile(const std::filesystem::path& file) {

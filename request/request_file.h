@@ -32,6 +32,8 @@ struct RequestTemplate {
   std::vector<ConditionRequest> conditions;  // without parts
 };
 [[nodiscard]] RequestTemplate readRequestTemplate(const std::filesystem::path& file);
+[[nodiscard]] RequestTemplate parseRequestTemplate(std::string_view text, const std::string& name,
+                                                   const std::filesystem::path& folder);
 
 // A request with every key explained, which runs as it stands on examples/oneback-small.
 [[nodiscard]] std::string exampleRequest();

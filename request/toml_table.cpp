@@ -115,8 +115,9 @@ std::vector<double> TomlTable::numbers(std::string_view key) const {
   const toml::array* items = array(key);
   if (items == nullptr) return result;
   for (const toml::node& item : *items) {
-    if (!item.is_number()) fail(key, "must hold numbers");
-    result.push_back(*item.value<double>());
+    const auto value = item.value<double>();
+    if (!item.is_number() || !value || !std::isfinite(*value)) fail(key, "must hold numbers");
+    result.push_back(*value);
   }
   return result;
 }

@@ -3,6 +3,8 @@
 #include <fmt/core.h>
 
 #include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
 
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
@@ -37,11 +39,21 @@ Json toJson(const TruthRegion& region) {
             {"inst", region.expected.inst}}}};
 }
 
+// The library would cut off what does not fit.
+template <typename Integer>
+Integer wholeNumber(const Json& value) {
+  const bool fits = value.is_number_unsigned()
+                        ? std::in_range<Integer>(value.get<std::uint64_t>())
+                        : value.is_number_integer() && std::in_range<Integer>(value.get<std::int64_t>());
+  if (!fits) throw std::invalid_argument("a number is not whole, or out of range");
+  return value.get<Integer>();
+}
+
 TruthRegion regionFromJson(const Json& json) {
   TruthRegion region;
-  region.label = json.at("label").get<std::int32_t>();
+  region.label = wholeNumber<std::int32_t>(json.at("label"));
   region.model.name = json.at("name").get<std::string>();
-  region.voxels = json.at("voxels").get<std::size_t>();
+  region.voxels = wholeNumber<std::size_t>(json.at("voxels"));
   const std::string kind = json.at("kind").get<std::string>();
   if (!kindFromName(kind, region.model.kind))
     throw std::invalid_argument(fmt::format("unknown kind \"{}\"", kind));
@@ -59,7 +71,7 @@ TruthRegion regionFromJson(const Json& json) {
 
 Truth truthFromJson(const Json& json) {
   Truth truth;
-  truth.seed = json.at("seed").get<std::uint64_t>();
+  truth.seed = wholeNumber<std::uint64_t>(json.at("seed"));
   truth.strength = json.at("strength").get<double>();
   for (const Json& region : json.at("regions")) truth.regions.push_back(regionFromJson(region));
   if (truth.regions.empty() || truth.regions.front().model.kind != Kind::kReference)
@@ -92,7 +104,10 @@ void writeTruth(const std::string& path, const Truth& truth) {
 }
 
 Truth readTruth(const std::string& path) {
-  const std::string text = formats::readTextFile(path);
+  return parseTruth(formats::readTextFile(path), path);
+}
+
+Truth parseTruth(const std::string& text, const std::string& path) {
   try {
     return truthFromJson(Json::parse(text));
   } catch (const std::exception& error) {  // of the JSON library, or thrown above

@@ -31,6 +31,7 @@ void writeTruth(const std::string& path, const Truth& truth);
 
 // Throws FileError for a file that is no such truth, naming the place in it.
 [[nodiscard]] Truth readTruth(const std::string& path);
+[[nodiscard]] Truth parseTruth(const std::string& text, const std::string& path);
 
 }  // namespace simulation
 

@@ -31,7 +31,7 @@ struct Head {
 
 std::optional<Head> parseHead(std::string_view line) {
   for (std::size_t i = 0; i < kWords.size(); ++i) {
-    if (line.substr(0, line.find(' ')) != kWords[i]) continue;
+    if (!line.starts_with(kWords[i]) || line.substr(kWords[i].size(), 1) != " ") continue;
     const char* const end = line.data() + line.size();
     std::size_t length = 0;
     const auto [at, error] = std::from_chars(line.data() + kWords[i].size() + 1, end, length);
@@ -56,7 +56,8 @@ void WorkerChannel::progress(double fraction) {
 std::optional<WorkerMessage> MessageReader::next() {
   const std::size_t end = inbox_.find('\n');
   if (end == std::string::npos && inbox_.size() < kLongestHead) return std::nullopt;
-  const auto head = parseHead(std::string_view(inbox_).substr(0, end));
+  // However the bytes come, a head that is too long is none.
+  const auto head = end < kLongestHead ? parseHead(std::string_view(inbox_).substr(0, end)) : std::nullopt;
   if (!head) throw RunError("the worker process sent what is no message");
   const std::size_t begin = end + 1;
   if (inbox_.size() - begin < head->length) return std::nullopt;

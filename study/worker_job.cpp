@@ -3,7 +3,9 @@
 #include <fmt/core.h>
 
 #include <array>
+#include <cstdint>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "formats/atomic_file.h"
 #include "prepare/prepare.h"
@@ -82,14 +84,31 @@ std::string orderEvidence(const StudyPlan& plan) {
       .dump();
 }
 
+// The library would cut off what does not fit.
+template <typename Integer>
+Integer wholeNumber(const Json& value) {
+  if (value.is_number_unsigned()) {
+    const auto number = value.get<std::uint64_t>();
+    if (std::in_range<Integer>(number)) return static_cast<Integer>(number);
+  }
+  throw Json::type_error::create(302, "a whole number from 0 is expected", &value);
+}
+
+std::vector<std::size_t> wholeNumbers(const Json& list) {
+  if (!list.is_array()) throw Json::type_error::create(302, "a list is expected", &list);
+  std::vector<std::size_t> numbers;
+  for (const Json& item : list) numbers.push_back(wholeNumber<std::size_t>(item));
+  return numbers;
+}
+
 // What the head says; throws Json::exception when an entry is missing or of the wrong type.
 WorkerJob parseHead(const std::string& line) {
   const Json head = Json::parse(line);
   WorkerJob job;
   job.version = head.at("Tavmap").get<std::string>();
   job.work = workNamed(head.at("Work").get<std::string>());
-  job.items = head.at("Items").get<std::vector<std::size_t>>();
-  job.order = head.at("Order").get<int>();
+  job.items = wholeNumbers(head.at("Items"));
+  job.order = wholeNumber<int>(head.at("Order"));
   job.expected = head.at("Expected").get<std::vector<std::string>>();
   return job;
 }
@@ -125,8 +144,7 @@ std::string jobText(const WorkerJob& job) {
 }
 
 // The request stands behind an empty line in place of the head, so that its lines count as in the file.
-WorkerJob readJob(const fs::path& file) {
-  const std::string text = formats::readTextFile(file.string());
+WorkerJob parseJob(const std::string& text, const fs::path& file) {
   const std::size_t end = std::min(text.find('\n'), text.size());
   WorkerJob job;
   try {
@@ -136,6 +154,10 @@ WorkerJob readJob(const fs::path& file) {
   }
   job.request = withoutLines(parseRequest(text.substr(end), file.string(), file.parent_path()));
   return job;
+}
+
+WorkerJob readJob(const fs::path& file) {
+  return parseJob(formats::readTextFile(file.string()), file);
 }
 
 std::string carryOut(const WorkerJob& job, const std::string& version,

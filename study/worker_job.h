@@ -34,6 +34,7 @@ struct WorkerJob {
 [[nodiscard]] std::string jobText(const WorkerJob& job);
 // Throws InputError when the file is no job or names files that are gone, and formats::FileError.
 [[nodiscard]] WorkerJob readJob(const std::filesystem::path& file);
+[[nodiscard]] WorkerJob parseJob(const std::string& text, const std::filesystem::path& file);
 
 // Plans again from the request, makes sure that this is what was planned before, and does the work.
 // Returns what the order evidence found, as JSON; otherwise nothing. progress receives 0 to 1. Throws

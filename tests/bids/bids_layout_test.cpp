@@ -230,5 +230,18 @@ TEST_F(BidsLayout, EveryLongKeyHasItsShortOne) {
                                                           {"echo", "9"}}));
 }
 
+TEST(BidsFilter, KeepsEveryDigitOfANumber) {
+  const auto entities =
+      parseBidsFilter(R"({"bold": {"run": 18446744073709551615, "echo": -4294967297}})", "f");
+  EXPECT_EQ(entities.at("run"), "18446744073709551615");
+  EXPECT_EQ(entities.at("echo"), "-4294967297");
+}
+
+TEST(BidsFilter, RefusesNestedValuesHoweverDeep) {
+  const std::string nested = std::string(200'000, '[') + std::string(200'000, ']');
+  EXPECT_EQ(messageOf<InputError>([&] { parseBidsFilter("{\"bold\": {\"task\": " + nested + "}}", "f"); }),
+            "f: 'task' must be a text or a whole number");
+}
+
 }  // namespace
 }  // namespace study

@@ -43,6 +43,13 @@ TEST_F(Sidecar, RefusesWhatIsNotJson) {
             (scratch_.folder() / "a_bold.json").string() + ": not a JSON object; repair or remove it");
 }
 
+TEST_F(Sidecar, RefusesWhatNestsWithoutEnd) {
+  std::string nested;
+  for (int i = 0; i < 200'000; ++i) nested += "{\"a\":";
+  nested += "1" + std::string(200'000, '}');
+  EXPECT_NE(messageOf<InputError>([&] { read(nested); }).find(": not a JSON object"), std::string::npos);
+}
+
 TEST_F(Sidecar, DisputedRepetitionTimesRequireAChoice) {
   const ImageSidecar sidecar = read(R"({"RepetitionTime": 2.0})");
   EXPECT_EQ(

@@ -44,6 +44,17 @@ TEST_F(RequestFile, PathsAreRelativeToTheRequest) {
   EXPECT_EQ(parse(kRun + kReference).runs[0].bold, scratch_.folder() / "bold.nii.gz");
 }
 
+TEST_F(RequestFile, KeysOfEndlessPartsAreRefusedAndLongListsAreNot) {
+  std::string key = "a", list = "settings = { q = [0.5";
+  for (int i = 0; i < 4001; ++i) key += ".a";
+  for (int i = 0; i < 3999; ++i) list += ", 0.5";
+  EXPECT_EQ(problem("# a line\n" + key + " = 1\n"),
+            "r.toml:2: more than 4000 dots in one line; check that it is the right file");
+  EXPECT_EQ(parse(list + "] }\n" + kRun + kReference).settings.qValues, std::vector<double>{0.5});
+  EXPECT_EQ(problem(list + ", 0.5] }\n" + kRun + kReference),
+            "r.toml:1: more than 4000 dots in one line; check that it is the right file");
+}
+
 TEST_F(RequestFile, TheExampleIsAValidRequest) {
   for (const char* name : {"bold_small.nii.gz", "mask_small.nii.gz", "dseg_small.nii.gz"})
     scratch_.write(name);

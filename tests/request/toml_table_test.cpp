@@ -69,8 +69,10 @@ TEST_F(Toml, ValuesOfAnotherTypeAreRefused) {
     EXPECT_EQ(message(text, [](const TomlTable& t) { return t.number("a", 0, 0, 1); }),
               begin + "must be a number");
   }
-  EXPECT_EQ(message("[1, 'x']", [](const TomlTable& t) { return t.numbers("a"); }),
-            begin + "must hold numbers");
+  for (const char* list : {"[1, 'x']", "[1, nan]", "[inf, 2]", "[3, -inf]"}) {
+    EXPECT_EQ(message(list, [](const TomlTable& t) { return t.numbers("a"); }), begin + "must hold numbers")
+        << list;
+  }
   EXPECT_EQ(message("1", [](const TomlTable& t) { return t.numbers("a"); }), begin + "must be a list in [ ]");
   EXPECT_EQ(message("1", [](const TomlTable& t) { return t.subtable("a"); }), begin + "must be a table");
   EXPECT_EQ(message("[1]", [](const TomlTable& t) { return t.texts("a"); }),

@@ -56,4 +56,11 @@ TEST(Truth, ForeignFilesAreRefused) {
             "it is no truth file: unknown kind \"driver\"");
 }
 
+TEST(Truth, NumbersThatDoNotFitAreRefused) {
+  for (const char* seed : {"1e300", "-1", "1.5", "18446744073709551616"}) {
+    const std::string text = std::string("{\"seed\": ") + seed + ", \"strength\": 1, \"regions\": []}";
+    EXPECT_EQ(reasonAgainst(text), "it is no truth file: a number is not whole, or out of range") << seed;
+  }
+}
+
 }  // namespace

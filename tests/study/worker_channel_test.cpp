@@ -89,8 +89,10 @@ TEST(MessageReader, GivesAMessageWithItsLastByteAndNotBefore) {
 }
 
 TEST(MessageReader, RefusesWhatIsNoMessage) {
-  for (const char* text : {"hello world\n", "done\n", "done 0x\n", "done -1\n", "Done 0\n", "result \n",
-                           "a line of more than thirty-two bytes without an end"}) {
+  for (const char* text :
+       {"hello world\n", "done\n", "done 0x\n", "done -1\n", "Done 0\n", "result \n",
+        "a line of more than thirty-two bytes without an end", "done 000000000000000000000000000000000000",
+        "done 000000000000000000000000000000000000\n", "done0 0\n"}) {
     MessageReader reader;
     reader.take(text);
     EXPECT_EQ(messageOf<RunError>([&] { reader.next(); }), "the worker process sent what is no message")

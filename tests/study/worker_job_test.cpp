@@ -117,6 +117,23 @@ TEST_F(WorkerJobs, WhatIsNoJobIsNamed) {
   EXPECT_EQ(tavmap({"worker", (folder() / "nowhere.job").string()}, folder()).exitCode, 2);
 }
 
+TEST_F(WorkerJobs, NumbersThatDoNotFitAreRefused) {
+  const std::string request = jobText(importJob(plan_, 0)).substr(jobText(importJob(plan_, 0)).find('\n'));
+  const auto head = [](const std::string& items, const std::string& order) {
+    return R"({"Tavmap": "1", "Work": "order", "Items": )" + items + ", \"Order\": " + order +
+           R"(, "Expected": []})";
+  };
+  EXPECT_EQ(parseJob(head("[0, 7]", "2147483647") + request, "a.job").order, 2147483647);
+  for (const char* items : {"[-1]", "[1.5]", "[1e300]", "3", "{\"a\": 1}"}) {
+    const auto read = [&] { parseJob(head(items, "1") + request, "a.job"); };
+    EXPECT_NE(messageOf<InputError>(read).find("a.job is no job of tavmap: "), std::string::npos) << items;
+  }
+  for (const char* order : {"2147483648", "-1", "1e300", "\"1\""}) {
+    const auto read = [&] { parseJob(head("[0]", order) + request, "a.job"); };
+    EXPECT_NE(messageOf<InputError>(read).find("a.job is no job of tavmap: "), std::string::npos) << order;
+  }
+}
+
 TEST_F(WorkerJobs, AFileThatIsGoneIsNamedWithTheJobsLine) {
   const fs::path job = written(importJob(plan_, 0));
   fs::remove(folder() / "mask.nii.gz");

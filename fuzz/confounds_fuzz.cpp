@@ -34,7 +34,9 @@ void use(const study::ConfoundTable& table) {
   attempt([&] { require(study::framewiseDisplacement(table).size() == table.volumes()); });
   for (const std::string& name : table.names) {
     for (const std::size_t first : {std::size_t{0}, table.volumes() - 1, table.volumes()}) {
-      attempt([&] { require(study::confoundColumns(table, {name}, first)[0].size() == table.volumes() - first); });
+      attempt([&] {
+        require(study::confoundColumns(table, {name}, first)[0].size() == table.volumes() - first);
+      });
     }
     attempt([&] { (void)study::expandConfoundTerms({name}, table.names, "input"); });
   }

@@ -34,6 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   study::WorkerJob job, again;
   if (!readable({reinterpret_cast<const char*>(data), size}, job)) return 0;
   const std::string text = study::jobText(job);
-  if (!readable(text, again) || study::jobText(again) != text || !(again.request == job.request)) std::abort();
+  if (!readable(text, again) || study::jobText(again) != text || !(again.request == job.request))
+    std::abort();
   return 0;
 }

@@ -9,6 +9,8 @@
 #include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
 #include "results/course_table.h"
+#include "results/family_wise_findings.h"
+#include "results/family_wise_json.h"
 #include "results/map_findings.h"
 #include "results/record_json.h"
 #include "study/reference_job.h"
@@ -31,8 +33,16 @@ ConditionResult emptyResult(const PlannedCondition& planned) {
   condition.name = planned.name;
   condition.totalVolumes = planned.totalVolumes;
   condition.effectiveVolumes = planned.effectiveVolumes;
-  for (const PlannedSet& set : planned.sets) condition.sets.push_back({set.source, set.target, set.ranges});
+  for (const PlannedSet& set : planned.sets)
+    condition.sets.push_back({set.source, set.target, set.ranges, set.effectiveVolumes});
   return condition;
+}
+
+// The part of a condition's time that its voxels take; its whole maps of surrogates take the rest.
+double voxelShare(const Settings& settings) {
+  constexpr double kOfEverything = 5;  // in draws: reading, the models without surrogates, thresholds
+  const double voxels = kOfEverything + settings.nullDraws;
+  return voxels / (voxels + settings.fweDraws);
 }
 
 // Name and size of every file of a result. A repeated command trusts a result only when they are
@@ -69,7 +79,12 @@ void ResultWriter::report(double conditionsDone) const {
 }
 
 void ResultWriter::onProgress(int percent) {
-  report(conditionsDone_ + percent / 100.0);
+  report(conditionsDone_ + voxelShare(plan_.request.settings) * percent / 100.0);
+}
+
+void ResultWriter::onNullMaps(int percent) {
+  const double before = voxelShare(plan_.request.settings);
+  report(conditionsDone_ + before + (1 - before) * percent / 100.0);
 }
 
 OutputNames ResultWriter::names() const {
@@ -93,7 +108,10 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   condition.surrogatesIllDefined = outcome.counts.surrogatesIllDefined;
   writeStatus(outcome, plan_.conditionLabels[index], condition);
   for (const tav::MapOutcome& map : outcome.maps) {
-    condition.maps.push_back(writeMap(map, plan_.conditionLabels[index]));
+    MapResult& written = condition.maps.emplace_back(writeMap(map, plan_.conditionLabels[index]));
+    const auto nulls = outcome.familyWise.find(map.type);
+    if (nulls == outcome.familyWise.end()) continue;
+    written.familyWise = writeFamilyWise(map, nulls->second, plan_.conditionLabels[index]);
   }
   result_.conditions.push_back(std::move(condition));
   report(++conditionsDone_);
@@ -109,12 +127,32 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   result.peak = withDigitsOf(map.values[peak]);
   result.peakVoxel = grid.size.voxelAt(peak);
   result.peakMm = grid.toMm(result.peakVoxel);
-  formats::ImageHeader header = mapHeader(header_);
-  header.description = mapLabel(map.type);
-  formats::NiftiWriter writer(staging_.path(result.file).string(), header, formats::Durability::kCached);
-  writer.writeValues(map.values, grid.size.voxels());
-  writer.commit();
+  writeImage(result.file, mapLabel(map.type), map.values);
   return result;
+}
+
+FamilyWiseResult ResultWriter::writeFamilyWise(const tav::MapOutcome& map, const tav::NullMaxima& nulls,
+                                               const std::string& label) const {
+  const Grid& grid = plan_.runs[0].grid;
+  const JudgedMap judged{map.values, codes_, nulls};
+  const std::vector<tav::Cluster> clusters = clustersOf(judged, grid);
+  FamilyWiseResult result = familyWiseResult(judged, clusters, grid, plan_.request.settings.qValues);
+  result.voxelFile = names().voxelP(label, map.type);
+  result.clusterFile = names().clusterP(label, map.type);
+  const std::string name = mapLabel(map.type);
+  writeImage(result.voxelFile, name + " family-wise p", voxelP(judged).data());
+  writeImage(result.clusterFile, name + " family-wise p of clusters", clusterP(judged, clusters).data());
+  return result;
+}
+
+// values: of every voxel of the grid.
+void ResultWriter::writeImage(const std::string& file, const std::string& description,
+                              const float* values) const {
+  formats::ImageHeader header = mapHeader(header_);
+  header.description = description;
+  formats::NiftiWriter writer(staging_.path(file).string(), header, formats::Durability::kCached);
+  writer.writeValues(values, plan_.runs[0].grid.size.voxels());
+  writer.commit();
 }
 
 void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
@@ -147,10 +185,19 @@ void ResultWriter::writeSidecars() {
   const ResultContext shared = context();
   for (const ConditionResult& condition : result_.conditions) {
     writeJson(OutputNames::sidecarOf(condition.statusFile), statusSidecar(shared, result_, condition));
-    for (const MapResult& map : condition.maps) {
-      writeJson(OutputNames::sidecarOf(map.file), mapSidecar(shared, result_, condition, map));
-    }
+    for (const MapResult& map : condition.maps) writeMapSidecars(shared, condition, map);
   }
+}
+
+void ResultWriter::writeMapSidecars(const ResultContext& shared, const ConditionResult& condition,
+                                    const MapResult& map) {
+  const nlohmann::ordered_json sidecar = mapSidecar(shared, result_, condition, map);
+  writeJson(OutputNames::sidecarOf(map.file), sidecar);
+  if (map.familyWise.empty()) return;
+  writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),
+            familyWiseSidecar(sidecar, map, FamilyWiseImage::kVoxels));
+  writeJson(OutputNames::sidecarOf(map.familyWise.clusterFile),
+            familyWiseSidecar(sidecar, map, FamilyWiseImage::kClusters));
 }
 
 void ResultWriter::writeCourses(const OutputNames& names) {

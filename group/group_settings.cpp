@@ -58,8 +58,10 @@ std::string differenceText(const std::string& setting, const std::map<std::strin
 void SettingsSeen::add(const Record& record) {
   Values values;
   values["software version"].insert(record.model.version);
-  for (const Setting* row : recordedSettings())
-    values[row->name].insert(textOf(valuesOf(*row, record.model.settings).at(0)));
+  const Settings& settings = record.model.settings;
+  for (const Setting* row : recordedSettings()) {
+    if (isKept(*row, settings.method)) values[row->name].insert(textOf(valuesOf(*row, settings).at(0)));
+  }
   for (const ConditionRecord& condition : record.conditions) addCondition(condition, values);
   for (const auto& [setting, own] : values) {
     for (const std::string& value : own) ++seen_[setting][value];

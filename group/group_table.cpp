@@ -40,6 +40,11 @@ constexpr std::array kColumns = {
     Column{"voxels_passing", "voxels that reach the threshold"},
     Column{"voxels_passing_outside_reference",
            "those of them outside the reference; a voxel of the reference is no finding"},
+    Column{"family_wise_threshold",
+           "magnitude that a voxel must reach for a family-wise p of at most q; n/a when there are too few "
+           "draws for it, or none"},
+    Column{"family_wise_voxels", "voxels outside the reference with a family-wise p of at most q"},
+    Column{"family_wise_clusters", "clusters whose family-wise p is at most q"},
     Column{"peak",
            "value with the largest magnitude outside the reference, whether or not it reaches a threshold"},
     Column{"peak_x", "place of the peak, to the right"},
@@ -49,6 +54,8 @@ constexpr std::array kColumns = {
     Column{"method", "procedure of models, surrogates and thresholds"},
     Column{"software_version", "version of Tavmap that made the maps"},
     Column{"record", "file that the row was read from, relative to this one"}};
+
+constexpr const char* kNoFamilyWise = "\tn/a\tn/a\tn/a";
 
 std::string cell(std::string text) {
   std::replace_if(
@@ -80,6 +87,16 @@ std::string thresholdCells(const ThresholdResult& result) {
                      result.outsideReference);
 }
 
+// What passes at a family-wise error rate of q, each cell with the tab before it.
+std::string familyWiseCells(const FamilyWiseResult& result, double q) {
+  for (const FamilyWiseLevel& level : result.levels) {
+    if (level.alpha != q) continue;
+    return fmt::format("\t{}\t{}\t{}", level.threshold ? numberText(*level.threshold) : "n/a",
+                       level.voxelsPassing, level.clustersPassing);
+  }
+  return kNoFamilyWise;
+}
+
 // The cells behind those of the threshold, each with the tab before it, and the end of the line.
 std::string endOf(const GroupRecord& record, const MapResult& map) {
   std::string text = "\t" + numberText(map.peak);
@@ -95,8 +112,11 @@ std::string endOf(const GroupRecord& record, const MapResult& map) {
 std::size_t writeMap(const GroupRecord& record, const ConditionRecord& condition, const MapResult& map,
                      formats::AtomicFile& out) {
   const std::string begin = beginOf(record, condition, map), end = endOf(record, map);
-  if (map.thresholds.empty()) out.write(fmt::format("{}n/a\tn/a\tn/a\tn/a{}", begin, end));
-  for (const ThresholdResult& result : map.thresholds) out.write(begin + thresholdCells(result) + end);
+  if (map.thresholds.empty()) out.write(fmt::format("{}n/a\tn/a\tn/a\tn/a{}{}", begin, kNoFamilyWise, end));
+  for (const ThresholdResult& result : map.thresholds) {
+    out.write(fmt::format("{}{}{}{}", begin, thresholdCells(result),
+                          familyWiseCells(map.familyWise, result.q), end));
+  }
   return std::max<std::size_t>(map.thresholds.size(), 1);
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <set>
 
+#include "prepare/effective_volumes.h"
 #include "request/nearest_name.h"
 #include "request/problem.h"
 
@@ -123,9 +124,12 @@ PlannedCondition Planner::plan() {
     const RunVolumes& target = run(part.target);
     const Ranges ranges = usable(wanted(part, source), source, target);
     if (ranges.empty()) continue;
+    // Of a pair the run counts that lost more.
+    const double cost = std::max(source.costPerVolume, target.costPerVolume);
+    const int effective = effectiveAfterRegression(ranges, order_, cost);
     planned_.totalVolumes += totalLength(ranges);
-    planned_.effectiveVolumes += study::effectiveVolumes(ranges, order_);
-    planned_.sets.push_back({part.source, part.target, ranges});
+    planned_.effectiveVolumes += effective;
+    planned_.sets.push_back({part.source, part.target, ranges, effective});
   }
   if (planned_.sets.empty()) {
     std::string reasons;

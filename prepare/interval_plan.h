@@ -20,18 +20,20 @@ struct RunVolumes {
   double trSeconds = 0;
   std::vector<VolumeRange> kept;  // neither dropped nor censored
   std::vector<TimedEvent> events;
+  double costPerVolume = 0;  // of regressed confounds, in degrees of freedom; see effective_volumes.h
 };
 
 struct PlannedSet {
   std::string source, target;       // runs
   std::vector<VolumeRange> ranges;  // volumes of the stored image; of the target's as well
+  int effectiveVolumes = 0;         // less the order per range and what confounds cost
 };
 
 struct PlannedCondition {
   std::string name;
   std::vector<PlannedSet> sets;  // none without ranges
   int totalVolumes = 0;
-  int effectiveVolumes = 0;        // total less the order per interval
+  int effectiveVolumes = 0;        // of all sets
   std::vector<std::string> notes;  // what was left out, in words
 };
 

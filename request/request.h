@@ -95,9 +95,11 @@ struct Settings {
   int maxOrder = 8;       // tried when the order is chosen by a criterion
   int orderSample = 500;  // voxels whose joint fits are looked at
   int nullDraws = 20;     // method calibrated only
+  int fweDraws = 1000;    // whole maps of surrogates; method calibrated only, else 0
   std::set<tav::MapType> mapTypes{tav::DEF_T_MAPTYPES.begin(), tav::DEF_T_MAPTYPES.end()};
   std::vector<double> qValues{0.01, 0.05, 0.1};  // ascending
-  int cvConstant = 2;
+  double fdrConstant = 1.5;                      // method calibrated only
+  int cvConstant = 2;                            // method plugin only
   int surrogates = 1000;
   int discardedTimePoints = 100;
   int inclusionThreshold = 100;

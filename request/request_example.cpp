@@ -85,11 +85,12 @@ std::string settingLine(const Setting& row, const Settings& settings) {
   return fmt::format("{}# {}\n", line, words);
 }
 
-// Every setting with its default.
+// Every setting of its method with its default.
 std::string exampleSettings() {
+  const Settings settings;
   std::string lines;
   for (const Setting& row : settingsTable()) {
-    if (row.key != nullptr) lines += settingLine(row, Settings{});
+    if (row.key != nullptr && canBeAsked(row, settings.method)) lines += settingLine(row, settings);
   }
   return lines;
 }

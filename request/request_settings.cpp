@@ -86,13 +86,29 @@ struct RowReader {
   }
 };
 
-void settleNullDraws(const TomlTable& table, Settings& settings) {
-  if (settings.method != Method::kPlugin) return;
-  if (table.has("null_draws")) {
-    table.fail("null_draws",
-               "has no meaning with method \"plugin\", which draws one surrogate per voxel; remove it");
+void refuseOfOtherMethod(const TomlTable& table, Method method) {
+  for (const Setting& row : settingsTable()) {
+    if (row.key != nullptr && table.has(row.key) && !canBeAsked(row, method))
+      table.fail(row.key, row.only->otherwise);
   }
+}
+
+// Each draw is a surrogate of its own.
+void settleFweDraws(const TomlTable& table, Settings& settings) {
+  if (table.has("fwe_draws") && settings.fweDraws > settings.surrogates) {
+    table.fail("fwe_draws", fmt::format("is {}, more than the {} surrogates that there are; ask for as many "
+                                        "with 'surrogates', or for fewer draws",
+                                        settings.fweDraws, settings.surrogates));
+  }
+  settings.fweDraws = std::min(settings.fweDraws, settings.surrogates);
+}
+
+void settleMethod(const TomlTable& table, Settings& settings) {
+  refuseOfOtherMethod(table, settings.method);
+  settleFweDraws(table, settings);
+  if (settings.method != Method::kPlugin) return;
   settings.nullDraws = 1;
+  settings.fweDraws = 0;
 }
 
 }  // namespace
@@ -105,7 +121,7 @@ Settings parseSettings(const toml::table& node, const std::string& file) {
       std::visit(RowReader{table, row, settings}, row.member);
     }
   }
-  settleNullDraws(table, settings);
+  settleMethod(table, settings);
   return settings;
 }
 

@@ -48,13 +48,11 @@ void putDatasets(const Request& request, Lines& lines) {
   for (const auto& [name, folder] : request.datasets) lines.text(tomlText(name), folder.string());
 }
 
-// The plug-in's method has one draw and knows no key for it.
 void putSettings(const Settings& settings, Lines& lines) {
   lines.table("[settings]");
   for (const Setting& row : settingsTable()) {
-    const bool draws = row.key != nullptr && std::string_view(row.key) == "null_draws";
-    if (row.key == nullptr || (draws && settings.method == Method::kPlugin)) continue;
-    lines.put(row.key, settingText(row, settings));
+    if (row.key != nullptr && canBeAsked(row, settings.method))
+      lines.put(row.key, settingText(row, settings));
   }
 }
 

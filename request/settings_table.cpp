@@ -12,6 +12,21 @@ namespace {
 constexpr double kHighestOrder = 20;
 using S = Settings;
 
+constexpr ForOneMethod kDraws{
+    Method::kCalibrated,
+    R"(has no meaning with method "plugin", which draws one surrogate per voxel; remove it)", true};
+constexpr ForOneMethod kWholeMaps{
+    Method::kCalibrated,
+    R"(has no meaning with method "plugin", which computes no whole maps of surrogates; remove it)"};
+constexpr ForOneMethod kFdrConstant{
+    Method::kCalibrated,
+    R"(has no meaning with method "plugin"; write cv_constant instead: 1 for independent or positively )"
+    R"(dependent voxels, 2 for any dependence)"};
+constexpr ForOneMethod kCvConstant{
+    Method::kPlugin,
+    R"(is a choice of method "plugin"; write fdr_constant instead: 1 for independent or positively )"
+    R"(dependent voxels, ln(voxels) + 0.58 for any dependence, or nothing for 1.5)"};
+
 // clang-format off
 constexpr auto kTable = std::to_array<Setting>({
     // member, key, least, most, shown, words
@@ -30,15 +45,21 @@ constexpr auto kTable = std::to_array<Setting>({
     {&S::orderSample, "order_sample", 0, 1000000, false, "voxels whose joint models a criterion looks at",
          "voxels looked at for the model order", kNotPart, kNotPart},
     {&S::nullDraws, "null_draws", 1, 100, false, R"(surrogates per voxel, {range} (method "calibrated"))",
-         "null draws per voxel", {"NullDrawsPerVoxel", 5}, {"draws", 4}},
+         "null draws per voxel", {"NullDrawsPerVoxel", 5}, {"draws", 4}, kDraws},
+    {&S::fweDraws, "fwe_draws", 0, 10000, false,
+         R"(whole maps of surrogates for family-wise p, at most "surrogates"; 0: none (method "calibrated"))",
+         "draws of the family-wise error", {"FamilyWiseDraws", 13}, {"fwe", 15}, kWholeMaps},
     // Records have these two by map.
     {&S::mapTypes, "map_types", 0, 0, false, "",
          "map types", kNotPart, {"map", 12}},
     {&S::qValues, "q", 0, 1, true, "false discovery rates",
          "q", kNotPart, {"q", 13}},
+    {&S::fdrConstant, "fdr_constant", 1, 30, false,
+         R"(divides every q; ln(voxels) + 0.58 for any dependence (method "plugin": cv_constant, 1 or 2))",
+         "constant that divides q", {"FDRConstant", 12}, {"fdr", 14}, kFdrConstant},
     {&S::cvConstant, "cv_constant", 1, 2, false,
          "2: valid under any dependence of voxels; 1: independent or positively dependent",
-         "constant of the false discovery rate", {"CVConstant", 7}, {"cv", 5}},
+         "constant of the false discovery rate", {"CVConstant", 7}, {"cv", 5}, kCvConstant},
     {&S::surrogates, "surrogates", 10, 10000, false, "simulated reference courses, {range}",
          "number of surrogates", {"NumberOfSurrogates", 4}, {"surrogates", 6}},
     {&S::discardedTimePoints, "discarded_time_points", 10, 1000, false, "warm-up of each simulation, {range}",
@@ -137,6 +158,14 @@ std::span<const Setting> settingsTable() {
   return kTable;
 }
 
+bool canBeAsked(const Setting& setting, Method method) {
+  return !setting.only || setting.only->method == method;
+}
+
+bool isKept(const Setting& setting, Method method) {
+  return canBeAsked(setting, method) || setting.only->keptWithout;
+}
+
 std::vector<SettingValue> valuesOf(const Setting& setting, const Settings& settings) {
   return std::visit(Values{settings}, setting.member);
 }
@@ -157,6 +186,7 @@ std::vector<const Setting*> recordedSettings() {
 std::vector<std::pair<std::string, SettingValue>> keyParts(const Settings& settings) {
   std::vector<std::pair<std::string, SettingValue>> parts;
   for (const Setting* row : placed(&Setting::resultKey)) {
+    if (!isKept(*row, settings.method)) continue;
     for (SettingValue& value : valuesOf(*row, settings)) {
       parts.emplace_back(row->resultKey.name, std::move(value));
     }

@@ -4,6 +4,7 @@
 #define TAVMAP_REQUEST_SETTINGS_TABLE_H
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -24,6 +25,13 @@ struct SettingPlace {
 };
 inline constexpr SettingPlace kNotPart{nullptr, 0};
 
+// A setting that a request may have with one of the methods alone.
+struct ForOneMethod {
+  Method method;
+  const char* otherwise;     // end of the message to a request that has it with the other method
+  bool keptWithout = false;  // the other method has a value of its own, which records and keys keep
+};
+
 struct Setting {
   using Member =
       std::variant<Method Settings::*, OrderChoice Settings::*, int Settings::*, double Settings::*,
@@ -38,7 +46,12 @@ struct Setting {
   // In the key of a result: whatever changes a result must be part of it, or a repeated command
   // would keep what another setting made.
   SettingPlace resultKey;
+  std::optional<ForOneMethod> only{};  // unset: of both methods
 };
+
+// Whether requests with this method may have it, and whether their records and keys do.
+[[nodiscard]] bool canBeAsked(const Setting& setting, Method method);
+[[nodiscard]] bool isKept(const Setting& setting, Method method);
 
 // In the order of the example request.
 [[nodiscard]] std::span<const Setting> settingsTable();
@@ -51,8 +64,8 @@ using SettingValue = std::variant<std::int64_t, double, std::string>;
 [[nodiscard]] std::string settingText(const Setting& setting, const Settings& settings);
 [[nodiscard]] std::string rangeText(const Setting& setting);  // "1 to 20"
 
-// Rows that sidecars and records have, by their place there. Seeds and version stand behind the
-// place kLastPlaceOfModel.
+// Rows that sidecars and records have, by their place there, the method first; isKept() says which of them
+// are there with a method. Seeds and version stand behind the place kLastPlaceOfModel.
 std::vector<const Setting*> recordedSettings();
 inline constexpr int kLastPlaceOfModel = 7;
 

@@ -8,6 +8,7 @@ namespace {
 constexpr const char* kReadme =
     "Maps of directed influence between reference regions and every voxel, made by Tavmap.\n\n"
     "*_stat-effect_statmap.nii.gz   one effect map each; its JSON sidecar says direction, model, thresholds\n"
+    "*_stat-pfwe_statmap.nii.gz     family-wise p of each voxel, *_stat-pfwecluster_* of its cluster\n"
     "*Status_dseg.nii.gz            why each voxel has the value it has; codes in the .tsv beside it\n"
     "*Direction_dseg.nii.gz         whose lead is supported by a test with reversed time; codes likewise\n"
     "*_timeseries.tsv               the reference's mean time course after preparation\n"

@@ -31,8 +31,19 @@ std::string OutputNames::stem(const std::string& more) const {
   return fmt::format("{}_seed-{}{}", prefix_, seed_, more);
 }
 
+std::string OutputNames::statistic(const std::string& conditionLabel, tav::MapType type,
+                                   const char* what) const {
+  return stem(fmt::format("_contrast-{}{}_stat-{}_statmap.nii.gz", conditionLabel, mapLabel(type), what));
+}
+
 std::string OutputNames::map(const std::string& conditionLabel, tav::MapType type) const {
-  return stem(fmt::format("_contrast-{}{}_stat-effect_statmap.nii.gz", conditionLabel, mapLabel(type)));
+  return statistic(conditionLabel, type, "effect");
+}
+std::string OutputNames::voxelP(const std::string& conditionLabel, tav::MapType type) const {
+  return statistic(conditionLabel, type, "pfwe");
+}
+std::string OutputNames::clusterP(const std::string& conditionLabel, tav::MapType type) const {
+  return statistic(conditionLabel, type, "pfwecluster");
 }
 
 std::string OutputNames::status(const std::string& conditionLabel) const {

@@ -23,6 +23,9 @@ class OutputNames {
   OutputNames(std::string prefix, std::string seedLabel);
   // PREFIX_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz
   [[nodiscard]] std::string map(const std::string& conditionLabel, tav::MapType type) const;
+  // The same with stat-pfwe and stat-pfwecluster: family-wise p of each voxel and of each voxel's cluster.
+  [[nodiscard]] std::string voxelP(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string clusterP(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string status(const std::string& conditionLabel) const;
   [[nodiscard]] std::string direction(const std::string& conditionLabel) const;
   [[nodiscard]] std::string directionTable(const std::string& conditionLabel) const;
@@ -33,6 +36,8 @@ class OutputNames {
   static std::string sidecarOf(const std::string& file);
 
  private:
+  [[nodiscard]] std::string statistic(const std::string& conditionLabel, tav::MapType type,
+                                      const char* what) const;
   [[nodiscard]] std::string stem(const std::string& more) const;
   std::string prefix_, seed_;
 };

@@ -42,6 +42,7 @@ void describeCounts(Fields& fields, Counts& counts) {
 }
 
 void describeSetting(FieldWriter& fields, const Setting& row, const Settings& settings) {
+  if (!isKept(row, settings.method)) return;
   fields.told(row.record.name, settingJson(row, settings));
   if (std::holds_alternative<Method Settings::*>(row.member)) {
     fields.told("MethodDescription", methodDescription(settings.method));
@@ -49,7 +50,8 @@ void describeSetting(FieldWriter& fields, const Setting& row, const Settings& se
 }
 
 void describeSetting(FieldReader& fields, const Setting& row, Settings& settings) {
-  std::visit(SettingReader{fields.at(row.record.name), settings}, row.member);
+  if (isKept(row, settings.method))
+    std::visit(SettingReader{fields.at(row.record.name), settings}, row.member);
 }
 
 }  // namespace
@@ -94,16 +96,51 @@ void describe(Fields& fields, Of<Fields, ThresholdResult>& result) {
   fields("VoxelsPassingOutsideReference", result.outsideReference);
 }
 
+template <typename Fields, typename Place>
+void describePeak(Fields& fields, Place& place) {
+  fields.inside("Peak", [&place](Fields& peak) {
+    peak("Value", place.peak);
+    peak("Voxel", place.peakVoxel);
+    peak("Millimetres", place.peakMm);
+  });
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, ClusterResult>& cluster) {
+  describePeak(fields, cluster);
+  fields("Voxels", cluster.voxels);
+  fields("Mass", cluster.mass);
+  fields("P", cluster.p);
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, FamilyWiseLevel>& level) {
+  fields("P", level.alpha);
+  fields("Threshold", level.threshold);
+  fields("VoxelsPassing", level.voxelsPassing);
+  fields("ClustersPassing", level.clustersPassing);
+  fields("VoxelsInClustersPassing", level.voxelsInClusters);
+}
+
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, FamilyWiseResult>& result) {
+  fields("Draws", result.draws);
+  fields("ClusterFormingP", result.clusterFormingP);
+  fields("ClusterFormingLevel", result.clusterFormingLevel);
+  fields("VoxelFile", result.voxelFile);
+  fields("ClusterFile", result.clusterFile);
+  fields("Levels", result.levels);
+  fields("NumberOfClusters", result.clusters);
+  fields("Clusters", result.largest);
+}
+
 template <typename Fields>
 void describe(Fields& fields, Of<Fields, MapResult>& map) {
   fields.choice("MapType", map.type, tav::MAPTYPE_NAMES, "map type");
   fields("File", map.file);
   fields.unlessEmpty("Thresholds", map.thresholds);
-  fields.inside("Peak", [&map](Fields& peak) {
-    peak("Value", map.peak);
-    peak("Voxel", map.peakVoxel);
-    peak("Millimetres", map.peakMm);
-  });
+  describePeak(fields, map);
+  fields.unlessEmpty("FamilyWise", map.familyWise);
 }
 
 template <typename Fields>
@@ -175,6 +212,12 @@ Json thresholdsJson(const std::vector<ThresholdResult>& thresholds) {
 
 Json directionJson(const DirectionResult& direction) {
   return FieldWriter::written(direction);
+}
+
+Json familyWiseJson(const FamilyWiseResult& result, bool withClusters) {
+  Json json = FieldWriter::written(result);
+  if (!withClusters) json.erase("Clusters");
+  return json;
 }
 
 Json voxelsJson(const StatusCounts& counts) {

@@ -23,6 +23,7 @@ nlohmann::ordered_json recordJson(const Record& record);
 nlohmann::ordered_json runsJson(const std::vector<RunRecord>& runs);
 nlohmann::ordered_json thresholdsJson(const std::vector<ThresholdResult>& thresholds);
 nlohmann::ordered_json directionJson(const DirectionResult& direction);
+nlohmann::ordered_json familyWiseJson(const FamilyWiseResult& result, bool withClusters);
 nlohmann::ordered_json voxelsJson(const StatusCounts& counts);
 void addModel(const ModelRecord& model, nlohmann::ordered_json& json);
 

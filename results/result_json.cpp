@@ -28,7 +28,7 @@ RunRecord runRecord(const ResultContext& context, const SetResult& set) {
   record.volumesCensored = run.censored;
   record.intervals = set.ranges;
   record.volumesUsed = totalLength(set.ranges);
-  record.effectiveVolumes = effectiveVolumes(set.ranges, context.order);
+  record.effectiveVolumes = set.effectiveVolumes;
   record.confoundsRegressed = run.confoundNames;
   record.confoundDegreesOfFreedom = run.confoundRank;
   return record;
@@ -135,6 +135,7 @@ Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
   json["Runs"] = runsJson(runRecords(context, condition));
   if (!map.thresholds.empty()) json["Thresholds"] = thresholdsJson(map.thresholds);
   if (isDifference(map.type) && !condition.direction.empty()) addDirection(condition.direction, json);
+  if (!map.familyWise.empty()) json["FamilyWise"] = familyWiseJson(map.familyWise, false);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;
   return json;

@@ -13,6 +13,7 @@
 #include "request/request.h"
 #include "request/volume_ranges.h"
 #include "results/direction_result.h"
+#include "results/family_wise_result.h"
 #include "results/map_words.h"
 
 namespace study {
@@ -32,12 +33,14 @@ struct MapResult {
   double peak = 0;                          // largest magnitude with its sign
   std::array<int, 3> peakVoxel{};           // indices from 0
   std::array<double, 3> peakMm{};
+  FamilyWiseResult familyWise{};  // empty: none was asked for, or this kind of map has none
   bool operator==(const MapResult&) const = default;
 };
 
 struct SetResult {  // one run, or a pair, of a condition
   std::string source, target;
   std::vector<VolumeRange> ranges;  // volumes of the stored image, from 1
+  int effectiveVolumes = 0;
 };
 
 // Codes of the status map.

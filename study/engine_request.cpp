@@ -113,6 +113,8 @@ tav::RunOptions engineOptions(const Settings& settings) {
   options.nullDraws = settings.nullDraws;
   options.thresholdRule = tav::ThresholdRule::kStepUp;
   options.searchOutsideReference = true;
+  options.fdrConstant = settings.fdrConstant;
+  options.fweDraws = settings.fweDraws;
   return options;
 }
 

@@ -1,10 +1,13 @@
 #include "study/reference_job.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <sstream>
 
 #include "formats/file_error.h"
 #include "request/problem.h"
+#include "results/family_wise_words.h"
 #include "results/record_json.h"
 #include "study/engine_request.h"
 #include "study/result_writer.h"
@@ -41,6 +44,29 @@ std::string thresholdLine(const MapResult& map, const ThresholdResult& result) {
     }
   }
   return line.str();
+}
+
+// The plug-in's log has neither constant nor draws.
+std::string methodText(const Settings& settings) {
+  if (settings.method == Method::kPlugin) return "";
+  return fmt::format("every q divided by {}, {} draws of the family-wise error, ", settings.fdrConstant,
+                     settings.fweDraws);
+}
+
+// With method "plugin" the engine's own count says all.
+void describeVolumes(const StudyPlan& plan, const ReferenceResult& result, std::ostream& out) {
+  if (plan.request.settings.method == Method::kPlugin) return;
+  out << "\nEffective volumes (less the order per interval and what regressed confounds cost)\n";
+  for (const ConditionResult& condition : result.conditions)
+    out << "\t" << condition.name << ": " << condition.effectiveVolumes << " of " << condition.totalVolumes
+        << "\n";
+}
+
+void describeMap(const MapResult& map, std::ostream& out) {
+  for (const ThresholdResult& threshold : map.thresholds) out << thresholdLine(map, threshold);
+  if (map.familyWise.empty()) return;
+  out << "\t" << tav::MAPTYPE_NAMES[static_cast<std::size_t>(map.type)] << ", "
+      << familyWiseText(map.familyWise) << "\n";
 }
 
 void describePreparation(const StudyPlan& plan, std::ostream& out) {
@@ -80,15 +106,15 @@ std::string logAppendix(const StudyPlan& plan, std::size_t region, const Referen
   std::ostringstream out;
   out << "\nMethod " << methodDescription(plan.request.settings.method) << "\n";
   out << "Model order " << plan.order << " (" << orderChoiceName(plan.request.settings.orderChoice) << "), "
-      << plan.request.settings.nullDraws << " surrogates per voxel, seed " << plan.seed
-      << " (of this reference " << result.seed << "), Tavmap " << plan.version << "\n";
+      << plan.request.settings.nullDraws << " surrogates per voxel, " << methodText(plan.request.settings)
+      << "seed " << plan.seed << " (of this reference " << result.seed << "), Tavmap " << plan.version
+      << "\n";
   out << "\nRuns\n";
   describePreparation(plan, out);
+  describeVolumes(plan, result, out);
   for (const ConditionResult& condition : result.conditions) {
     out << "\nThresholds: " << condition.name << "\n";
-    for (const MapResult& map : condition.maps) {
-      for (const ThresholdResult& threshold : map.thresholds) out << thresholdLine(map, threshold);
-    }
+    for (const MapResult& map : condition.maps) describeMap(map, out);
   }
   describeDirections(result, out);
   const std::vector<std::string> cautions = cautionsOf(plan, region, result.warnings);

@@ -35,8 +35,9 @@ bool RequestRun::choosesOrder() const {
 
 // In units of one import, which is about as long as one reference of a run with few draws.
 double RequestRun::workOfReferences() const {
+  const Settings& settings = plan_.request.settings;
   const double perReference = static_cast<double>(plan_.runs.size()) *
-                              (1 + 0.2 * static_cast<double>(plan_.request.settings.nullDraws)) *
+                              (1 + 0.2 * static_cast<double>(settings.nullDraws + settings.fweDraws)) *
                               static_cast<double>(plan_.request.conditions.size());
   return options_.ordersOnly ? 0 : perReference * static_cast<double>(plan_.regions.size());
 }

@@ -9,6 +9,8 @@
 #include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
 #include "results/course_table.h"
+#include "results/family_wise_findings.h"
+#include "results/family_wise_json.h"
 #include "results/map_findings.h"
 #include "results/record_json.h"
 #include "study/direction_check.h"
@@ -33,8 +35,16 @@ ConditionResult emptyResult(const PlannedCondition& planned) {
   condition.name = planned.name;
   condition.totalVolumes = planned.totalVolumes;
   condition.effectiveVolumes = planned.effectiveVolumes;
-  for (const PlannedSet& set : planned.sets) condition.sets.push_back({set.source, set.target, set.ranges});
+  for (const PlannedSet& set : planned.sets)
+    condition.sets.push_back({set.source, set.target, set.ranges, set.effectiveVolumes});
   return condition;
+}
+
+// The part of a condition's time that its voxels take; its whole maps of surrogates take the rest.
+double voxelShare(const Settings& settings) {
+  constexpr double kOfEverything = 5;  // in draws: reading, the models without surrogates, thresholds
+  const double voxels = kOfEverything + settings.nullDraws;
+  return voxels / (voxels + settings.fweDraws);
 }
 
 // Name and size of every file of a result. A repeated command trusts a result only when they are
@@ -50,8 +60,10 @@ std::map<std::string, std::uintmax_t> fileSizes(const std::filesystem::path& fol
 // Of a condition's progress, when its directions are tested: the share of the engine.
 constexpr double kEngineShare = 0.9;
 
-bool testsDirections(const Settings& settings) {
-  return settings.method == Method::kCalibrated && settings.mapTypes.count(tav::DTAV) > 0;
+double engineShare(const Settings& settings) {
+  const bool testsDirections =
+      settings.method == Method::kCalibrated && settings.mapTypes.count(tav::DTAV) > 0;
+  return testsDirections ? kEngineShare : 1;
 }
 
 }  // namespace
@@ -70,8 +82,14 @@ void ResultWriter::report(double conditionsDone) const {
 }
 
 void ResultWriter::onProgress(int percent) {
-  const double share = testsDirections(plan_.request.settings) ? kEngineShare : 1;
-  report(conditionsDone_ + share * percent / 100.0);
+  const auto& settings = plan_.request.settings;
+  report(conditionsDone_ + engineShare(settings) * voxelShare(settings) * percent / 100.0);
+}
+
+void ResultWriter::onNullMaps(int percent) {
+  const auto& settings = plan_.request.settings;
+  const double before = voxelShare(settings);
+  report(conditionsDone_ + engineShare(settings) * (before + (1 - before) * percent / 100.0));
 }
 
 OutputNames ResultWriter::names() const {
@@ -96,7 +114,10 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   condition.surrogatesIllDefined = outcome.counts.surrogatesIllDefined;
   writeStatus(outcome, plan_.conditionLabels[index], condition);
   for (const tav::MapOutcome& map : outcome.maps) {
-    condition.maps.push_back(writeMap(map, plan_.conditionLabels[index]));
+    MapResult& written = condition.maps.emplace_back(writeMap(map, plan_.conditionLabels[index]));
+    const auto nulls = outcome.familyWise.find(map.type);
+    if (nulls == outcome.familyWise.end()) continue;
+    written.familyWise = writeFamilyWise(map, nulls->second, plan_.conditionLabels[index]);
   }
   if (plan_.request.settings.method == Method::kCalibrated)
     lookAtData(outcome, plan_.conditionLabels[index], condition);
@@ -114,12 +135,32 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   result.peak = withDigitsOf(map.values[peak]);
   result.peakVoxel = grid.size.voxelAt(peak);
   result.peakMm = grid.toMm(result.peakVoxel);
-  formats::ImageHeader header = mapHeader(header_);
-  header.description = mapLabel(map.type);
-  formats::NiftiWriter writer(staging_.path(result.file).string(), header, formats::Durability::kCached);
-  writer.writeValues(map.values, grid.size.voxels());
-  writer.commit();
+  writeImage(result.file, mapLabel(map.type), map.values);
   return result;
+}
+
+FamilyWiseResult ResultWriter::writeFamilyWise(const tav::MapOutcome& map, const tav::NullMaxima& nulls,
+                                               const std::string& label) const {
+  const Grid& grid = plan_.runs[0].grid;
+  const JudgedMap judged{map.values, codes_, nulls};
+  const std::vector<tav::Cluster> clusters = clustersOf(judged, grid);
+  FamilyWiseResult result = familyWiseResult(judged, clusters, grid, plan_.request.settings.qValues);
+  result.voxelFile = names().voxelP(label, map.type);
+  result.clusterFile = names().clusterP(label, map.type);
+  const std::string name = mapLabel(map.type);
+  writeImage(result.voxelFile, name + " family-wise p", voxelP(judged).data());
+  writeImage(result.clusterFile, name + " family-wise p of clusters", clusterP(judged, clusters).data());
+  return result;
+}
+
+// values: of every voxel of the grid.
+void ResultWriter::writeImage(const std::string& file, const std::string& description,
+                              const float* values) const {
+  formats::ImageHeader header = mapHeader(header_);
+  header.description = description;
+  formats::NiftiWriter writer(staging_.path(file).string(), header, formats::Durability::kCached);
+  writer.writeValues(values, plan_.runs[0].grid.size.voxels());
+  writer.commit();
 }
 
 void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
@@ -179,10 +220,19 @@ void ResultWriter::writeSidecars() {
     if (!condition.direction.empty())
       writeJson(OutputNames::sidecarOf(condition.direction.file),
                 directionSidecar(shared, result_, condition));
-    for (const MapResult& map : condition.maps) {
-      writeJson(OutputNames::sidecarOf(map.file), mapSidecar(shared, result_, condition, map));
-    }
+    for (const MapResult& map : condition.maps) writeMapSidecars(shared, condition, map);
   }
+}
+
+void ResultWriter::writeMapSidecars(const ResultContext& shared, const ConditionResult& condition,
+                                    const MapResult& map) {
+  const nlohmann::ordered_json sidecar = mapSidecar(shared, result_, condition, map);
+  writeJson(OutputNames::sidecarOf(map.file), sidecar);
+  if (map.familyWise.empty()) return;
+  writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),
+            familyWiseSidecar(sidecar, map, FamilyWiseImage::kVoxels));
+  writeJson(OutputNames::sidecarOf(map.familyWise.clusterFile),
+            familyWiseSidecar(sidecar, map, FamilyWiseImage::kClusters));
 }
 
 void ResultWriter::writeCourses(const OutputNames& names) {

@@ -27,6 +27,7 @@ class ResultWriter : public tav::RunObserver {
   tav::MapStore& store() { return store_; }
 
   void onProgress(int percent) override;
+  void onNullMaps(int percent) override;
   void onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) override;
   void onCondition(const tav::ConditionOutcome& outcome) override;
   // Writes the rest and publishes everything.
@@ -37,12 +38,16 @@ class ResultWriter : public tav::RunObserver {
   [[nodiscard]] OutputNames names() const;
   [[nodiscard]] ResultContext context() const;
   MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
+  FamilyWiseResult writeFamilyWise(const tav::MapOutcome& map, const tav::NullMaxima& nulls,
+                                   const std::string& label) const;
+  void writeImage(const std::string& file, const std::string& description, const float* values) const;
   void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                    ConditionResult& condition);
   void lookAtData(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
   void writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
                        std::vector<ConditionRun>& runs, ConditionResult& condition);
   void writeSidecars();
+  void writeMapSidecars(const ResultContext& shared, const ConditionResult& condition, const MapResult& map);
   void writeCourses(const OutputNames& names);
   void writeLog() const;
   void report(double conditionsDone) const;

@@ -68,9 +68,19 @@ void collectCautions(StudyPlan& plan) {
   }
 }
 
+// The plug-in's procedure does not count what regression costs.
+double costPerVolume(const RunPlan& run, Method method) {
+  const auto used = std::count(run.kept.begin(), run.kept.end(), true);
+  const bool counts = method == Method::kCalibrated && used > 0;
+  return counts ? static_cast<double>(run.confoundRank) / static_cast<double>(used) : 0;
+}
+
 std::vector<RunVolumes> runVolumes(const StudyPlan& plan) {
   std::vector<RunVolumes> volumes;
-  for (const RunPlan& run : plan.runs) volumes.push_back(run.volumes);
+  for (const RunPlan& run : plan.runs) {
+    volumes.push_back(run.volumes);
+    volumes.back().costPerVolume = costPerVolume(run, plan.request.settings.method);
+  }
   return volumes;
 }
 

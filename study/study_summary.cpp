@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "results/family_wise_words.h"
 #include "results/record_json.h"
 
 namespace study {
@@ -53,6 +54,7 @@ void printMap(const ConditionRecord& condition, const MapResult& map, std::ostre
   out << "    " << tav::MAPTYPE_NAMES[static_cast<std::size_t>(map.type)] << ": "
       << thresholdsText(map.thresholds) << "; " << (hasPeak(condition, map) ? peakText(map) : "no peak")
       << "\n";
+  if (!map.familyWise.empty()) out << "      " << familyWiseText(map.familyWise) << "\n";
 }
 
 void printDirection(const ConditionRecord& condition, const std::string& reference, std::ostream& out) {

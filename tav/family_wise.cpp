@@ -140,14 +140,18 @@ std::map<MapType, float> clusterFormingLevels(const std::vector<RawValues>& null
 
 int computeFamilyWise(const ConditionJobs& condition, const TAV_Pars& request, int draws,
                       const std::map<MapType, float>& levels, const std::vector<std::size_t>& leftOut,
-                      VoxelPath& path, FamilyWise& familyWise, std::ostream& errors) {
+                      VoxelPath& path, FamilyWise& familyWise, const std::function<void(int)>& progress,
+                      std::ostream& errors) {
   const int available = std::min(draws, condition.jobs[0].nrOfSurrogates);
   familyWise.clear();
   for (const auto& [type, level] : levels)
     familyWise.emplace(type, NullMaxima(static_cast<std::size_t>(std::max(available, 0)), level));
   Chunks chunks(condition, request, leftOut, path, familyWise, errors);
-  for (int first = 0; first < available; first += kDrawsPerChunk)
-    if (!chunks.compute(first, std::min(kDrawsPerChunk, available - first))) return kTerminalError;
+  for (int first = 0, next = 0; first < available; first = next) {
+    next = std::min(first + kDrawsPerChunk, available);
+    if (!chunks.compute(first, next - first)) return kTerminalError;
+    progress(100 * next / available);
+  }
   ClusterFinder finder(gridOf(request));
   for (auto& [type, maxima] : familyWise) maxima.findClusters(finder);
   return kSuccess;

@@ -2,6 +2,7 @@
 #ifndef TAVMAP_TAV_FAMILY_WISE_H
 #define TAVMAP_TAV_FAMILY_WISE_H
 
+#include <functional>
 #include <map>
 #include <ostream>
 #include <vector>
@@ -26,12 +27,14 @@ inline constexpr double kClusterFormingP = 0.001;
 
 // Computes the maps of surrogates 0 ... draws - 1 (at most those that there are) against all voxels but
 // `leftOut`, ascending cells of the grid. condition: one job, in least squares. Returns a Status: 3 when a
-// file ends before its last slice. Memory: 12 bytes per voxel of a piece and draw of a chunk, and the
-// points of the clusters. Time: about that of draws / 20 runs with 20 null draws.
+// file ends before its last slice. progress: percent of the draws that are done. Memory: 12 bytes per voxel
+// of a piece and draw of a chunk, and the points of the clusters. Time: about that of draws / 20 runs with 20
+// null draws.
 [[nodiscard]] int computeFamilyWise(const ConditionJobs& condition, const TAV_Pars& request, int draws,
                                     const std::map<MapType, float>& levels,
                                     const std::vector<std::size_t>& leftOut, VoxelPath& path,
-                                    FamilyWise& familyWise, std::ostream& errors);
+                                    FamilyWise& familyWise, const std::function<void(int)>& progress,
+                                    std::ostream& errors);
 
 }  // namespace tav
 

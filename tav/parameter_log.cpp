@@ -33,7 +33,8 @@ void writeRunOptionsLog(const RunOptions& options, std::ostream& out) {
   out << "Surrogates= " << (ownResiduals ? "own residuals with random signs" : "pooled models") << "\n";
   out << "NullDrawsPerVoxel= " << options.nullDraws << "\n";
   out << "ThresholdRule= " << (stepUp ? "step-up" : "walk") << "\n";
-  if (options.fdrConstant > 0) out << "FDRConstant= " << options.fdrConstant << "\n";
+  if (options.fdrConstant > 0)
+    out << "FDRConstant= " << options.fdrConstant << " (CVConstantForFDR is not used)\n";
   if (options.fweDraws > 0) out << "FamilyWiseDraws= " << options.fweDraws << "\n";
   out << "ThresholdSearch= " << (options.searchOutsideReference ? "outside the reference" : "all voxels")
       << "\n\n";

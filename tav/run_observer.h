@@ -78,6 +78,8 @@ class RunObserver {
   // How much of a condition's voxels is done: 0, 10, ... 100 for each, also when they were computed
   // along with an earlier reference; a single slice is 0 alone.
   virtual void onProgress(int /*percent*/) {}
+  // How much of a condition's whole maps of surrogates is done, after its voxels: up to 100.
+  virtual void onNullMaps(int /*percent*/) {}
   // After the surrogates are made: every reference course with its model and its surrogates.
   virtual void onReferences(const std::vector<std::unique_ptr<VoiTc>>& /*voiTcs*/) {}
   // After a condition's maps are in the store.

@@ -157,9 +157,13 @@ int Computer::compareWithWholeMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars&
   for (const TAV_VTC_intv_set& set : cond.vtcIntvSets)
     reference.courses.push_back(getFetchedVoiTc(voi.name, set.srcVtcName));
   const ConditionJobs condition = makeConditionJobs(cond, {reference}, request, options_);
-  return computeFamilyWise(condition, request, options_.fweDraws,
-                           clusterFormingLevels(outcome_.nulls, request), leftOut, *voxelPath_,
-                           outcome_.familyWise, errors);
+  return computeFamilyWise(
+      condition, request, options_.fweDraws, clusterFormingLevels(outcome_.nulls, request), leftOut,
+      *voxelPath_, outcome_.familyWise,
+      [this](int percent) {
+        if (observer_ != nullptr) observer_->onNullMaps(percent);
+      },
+      errors);
 }
 
 int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, int condIndex,

@@ -1,7 +1,9 @@
 #include "tests/calibration/chain_run.h"
 
+#include <cmath>
 #include <cstdint>
 #include <iostream>
+#include <numbers>
 #include <sstream>
 #include <stdexcept>
 
@@ -23,10 +25,19 @@ std::string listOf(const std::vector<double>& numbers) {
   return "[" + text.str() + "]";
 }
 
-std::string settingsText(const Analysis& analysis) {
+// The constant of the search: 1, or the one for any dependence (fdr_thresholds.h).
+std::string constantText(const Analysis& analysis, int voxels) {
+  if (analysis.method == "plugin") return "cv_constant = " + std::to_string(analysis.cvConstant);
   std::ostringstream text;
-  text << "[settings]\nmethod = '" << analysis.method << "'\norder = " << analysis.order
-       << "\ncv_constant = " << analysis.cvConstant << "\nq = " << listOf(analysis.qs)
+  text << "fdr_constant = " << (analysis.cvConstant == 1 ? 1.0 : std::log(voxels) + std::numbers::egamma)
+       << "\nfwe_draws = 0";
+  return text.str();
+}
+
+std::string settingsText(const Analysis& analysis, int voxels) {
+  std::ostringstream text;
+  text << "[settings]\nmethod = '" << analysis.method << "'\norder = " << analysis.order << "\n"
+       << constantText(analysis, voxels) << "\nq = " << listOf(analysis.qs)
        << "\nsurrogates = " << analysis.surrogates << "\nmap_types = ['REF2VOX']\n";
   return text.str();
 }
@@ -58,8 +69,8 @@ std::string failureOf(const study::StudyOutcome& outcome) {
 
 std::string requestText(const SimulatedData& data, const Analysis& analysis) {
   std::string text = "prefix = 'simulated'\nfolder = 'results'\nwork_folder = 'work'\nseed = " +
-                     std::to_string(data.seed() * kSeedStep % kSeeds) + "\n" + settingsText(analysis) +
-                     runsText(data.setting()) +
+                     std::to_string(data.seed() * kSeedStep % kSeeds) + "\n" +
+                     settingsText(analysis, data.setting().voxels()) + runsText(data.setting()) +
                      "[[reference]]\nname = 'region'\nlabel_image = 'reference.nii.gz'\nlabels = ['1']\n";
   for (const int intervals : analysis.intervals) text += conditionText(data.setting(), intervals);
   return text;

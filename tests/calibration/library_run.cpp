@@ -15,9 +15,6 @@
 namespace calibration {
 namespace {
 
-// What divides q where the request does not say it yet.
-constexpr double kFdrConstant = 1.5;
-
 // Keeps the maps of every reference.
 class Keeper : public tav::RunObserver {
  public:
@@ -73,7 +70,6 @@ std::vector<FoundMap> LibraryRun::compute(int order, const std::function<void(ta
   std::vector<std::size_t> all(plan_.regions.size());
   std::iota(all.begin(), all.end(), std::size_t{0});
   tav::RunOptions options = study::referenceOptions(plan_, all);
-  if (options.fdrConstant == 0) options.fdrConstant = kFdrConstant;
   if (change) change(options);
   Keeper keeper;
   std::ostringstream errors;

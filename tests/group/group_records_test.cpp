@@ -44,18 +44,20 @@ class GroupRecords : public ::testing::Test {
 
 // All numbers of this record are different: 62 voxels pass, 61 of them outside the reference.
 TEST_F(GroupRecords, RowsHaveEveryNumberInItsColumn) {
-  add("sub-01/func/sub-01_ses-2_task-x_run-3_space-MNI_seed-V1_tavmap.json");
-  const std::string begin = "sub-01\tses-2\tx\t3\tMNI\tV1\t";
+  Record record = sample_result::record();
+  record.conditions[0].maps[0].familyWise.levels[1].alpha = 0.033;
+  add("sub-01/func/sub-01_ses-2_task-x_run-3_space-MNI_seed-V1_tavmap.json", record);
+  const std::string begin = "sub-01\tses-2\tx\t3\tMNI\tV1\t", none = "\tn/a\tn/a\tn/a";
   const std::string end =
       "\t7001\tcalibrated\t1.2.3\tsub-01/func/sub-01_ses-2_task-x_run-3_space-MNI_seed-V1_tavmap.json";
   const std::string peak = "\t-9.25\t-1.5\t2.5\t3.5", faces = "faces\tREF2VOX\t4\t115\t901\t";
   const std::string houses = "houses\tINST\t4\t116\t911\t", housePeak = "\t8.75\t-28.5\t29.5\t30.5";
-  EXPECT_EQ(rows(),
-            (Lines{begin + faces + "0.011\t5.5\t62\t61" + peak + end,
-                   begin + faces + "0.033\t4.5\t64\t63" + peak + end,
-                   begin + "faces\tDTAV_RC\t4\t115\t901\tn/a\tn/a\tn/a\tn/a\t0.875\t19.5\t-20.5\t21.25" + end,
-                   begin + houses + "0.012\t6.5\t72\t71" + housePeak + end,
-                   begin + houses + "0.034\t6.25\t74\t73" + housePeak + end}));
+  EXPECT_EQ(rows(), (Lines{begin + faces + "0.011\t5.5\t62\t61" + none + peak + end,
+                           begin + faces + "0.033\t4.5\t64\t63\t7.125\t59\t68" + peak + end,
+                           begin + "faces\tDTAV_RC\t4\t115\t901\tn/a\tn/a\tn/a\tn/a" + none +
+                               "\t0.875\t19.5\t-20.5\t21.25" + end,
+                           begin + houses + "0.012\t6.5\t72\t71" + none + housePeak + end,
+                           begin + houses + "0.034\t6.25\t74\t73" + none + housePeak + end}));
 }
 
 TEST_F(GroupRecords, WhatARecordLacksIsNotApplicable) {
@@ -66,9 +68,9 @@ TEST_F(GroupRecords, WhatARecordLacksIsNotApplicable) {
   map.thresholds = {{0.011, std::nullopt, 0, 0}};
   map.peak = std::numeric_limits<double>::quiet_NaN();
   add("sub-01_seed-V1_tavmap.json", record);
-  EXPECT_EQ(rows(),
-            Lines{"sub-01\tn/a\tn/a\tn/a\tn/a\tV1\tfaces\tREF2VOX\t4\t115\t901\t0.011\tn/a\t0\t0\tn/a\tn/a\t"
-                  "n/a\tn/a\t7001\tcalibrated\t1.2.3\tsub-01_seed-V1_tavmap.json"});
+  EXPECT_EQ(rows(), Lines{"sub-01\tn/a\tn/a\tn/a\tn/a\tV1\tfaces\tREF2VOX\t4\t115\t901\t0.011\tn/a\t0\t0\tn/"
+                          "a\tn/a\tn/a\tn/a\tn/a\t"
+                          "n/a\tn/a\t7001\tcalibrated\t1.2.3\tsub-01_seed-V1_tavmap.json"});
   EXPECT_NE(printed().find("; peaks n/a to n/a\n"), std::string::npos) << printed();
 }
 
@@ -167,8 +169,10 @@ TEST_F(GroupRecords, EveryDifferenceInSettingsIsToldByName) {
   setting("null draws per voxel: 22 (1 record); 23 (1 record)", [](Settings& s) { s.nullDraws = 23; });
   setting("discarded simulated time points: 101 (1 record); 102 (1 record)",
           [](Settings& s) { s.discardedTimePoints = 102; });
-  setting("constant of the false discovery rate: 1 (1 record); 2 (1 record)",
-          [](Settings& s) { s.cvConstant = 2; });
+  setting("constant that divides q: 1.375 (1 record); 2.0 (1 record)",
+          [](Settings& s) { s.fdrConstant = 2; });
+  setting("draws of the family-wise error: 0 (1 record); 1002 (1 record)",
+          [](Settings& s) { s.fweDraws = 0; });
   setting("inclusion threshold: 103 (1 record); 104 (1 record)",
           [](Settings& s) { s.inclusionThreshold = 104; });
   setting("lower threshold of the instantaneous influence: 0.055 (1 record); 0.06 (1 record)",

@@ -50,6 +50,20 @@ TEST(IntervalPlan, SeveralRunsArePooledAsIntervals) {
   EXPECT_EQ(plan.effectiveVolumes, 156);
 }
 
+TEST(IntervalPlan, ConfoundsCostEachRunItsOwnAndAPairTheGreater) {
+  RunVolumes a = makeRun("a"), b = makeRun("b", 60);
+  a.costPerVolume = 24.0 / 100, b.costPerVolume = 6.0 / 60;
+  ConditionRequest condition = makeCondition(IntervalKind::kWholeRun, {"a", "b"});
+  PlannedCondition plan = planCondition(condition, {a, b}, 2, "r");
+  EXPECT_EQ(plan.sets[0].effectiveVolumes, 98 - 24);
+  EXPECT_EQ(plan.sets[1].effectiveVolumes, 58 - 6);
+  EXPECT_EQ(plan.effectiveVolumes, 126);
+  condition.parts = {{"b", "a", {}}};
+  plan = planCondition(condition, {a, b}, 2, "r");
+  EXPECT_EQ(plan.effectiveVolumes, 58 - 15);  // 60 volumes at the cost of a
+  EXPECT_EQ(plan.totalVolumes, 60);
+}
+
 TEST(IntervalPlan, TypedIntervalsAreTakenAsTheyAre) {
   ConditionRequest condition = makeCondition(IntervalKind::kTyped);
   condition.typed = {{10, 11}, {20, 90}};

@@ -141,6 +141,36 @@ TEST_F(RequestFile, SettingsOutsideTheirRangeAreRefused) {
             "voxel; remove it");
 }
 
+TEST_F(RequestFile, ASettingOfTheOtherMethodSaysWhatToWriteInstead) {
+  const auto setting = [&](const std::string& lines) { return problem(with("[settings]\n" + lines + "\n")); };
+  EXPECT_EQ(
+      setting("cv_constant = 1"),
+      "r.toml:8: 'cv_constant' in [settings] is a choice of method \"plugin\"; write fdr_constant "
+      "instead: 1 for independent or positively dependent voxels, ln(voxels) + 0.58 for any dependence, "
+      "or nothing for 1.5");
+  EXPECT_EQ(setting("fdr_constant = 2\nmethod = 'plugin'"),
+            "r.toml:8: 'fdr_constant' in [settings] has no meaning with method \"plugin\"; write cv_constant "
+            "instead: 1 for independent or positively dependent voxels, 2 for any dependence");
+  EXPECT_EQ(setting("method = 'plugin'\nfwe_draws = 0"),
+            "r.toml:9: 'fwe_draws' in [settings] has no meaning with method \"plugin\", which computes no "
+            "whole maps of surrogates; remove it");
+}
+
+TEST_F(RequestFile, DrawsOfTheFamilyWiseErrorAreSurrogates) {
+  const auto draws = [&](const std::string& lines) {
+    return parse(with("[settings]\n" + lines + "\n")).settings.fweDraws;
+  };
+  EXPECT_EQ(draws("surrogates = 2000"), 1000);
+  EXPECT_EQ(draws("surrogates = 60"), 60);  // the default gives way
+  EXPECT_EQ(draws("surrogates = 60\nfwe_draws = 60"), 60);
+  EXPECT_EQ(draws("fwe_draws = 0"), 0);
+  EXPECT_EQ(draws("method = 'plugin'"), 0);
+  EXPECT_EQ(
+      problem(with("[settings]\nsurrogates = 60\nfwe_draws = 61\n")),
+      "r.toml:9: 'fwe_draws' in [settings] is 61, more than the 60 surrogates that there are; ask for as "
+      "many with 'surrogates', or for fewer draws");
+}
+
 TEST_F(RequestFile, QValuesAreSortedAndUnique) {
   EXPECT_EQ(parse(with("[settings]\nq = [0.1, 0.01, 0.1, 0.05]\n")).settings.qValues,
             (std::vector<double>{0.01, 0.05, 0.1}));

@@ -21,10 +21,10 @@ class RequestText : public ::testing::Test {
 
   static Settings settings() {
     Settings s;
-    s.order = 3, s.maxOrder = 7, s.orderSample = 123, s.nullDraws = 11;
+    s.order = 3, s.maxOrder = 7, s.orderSample = 123, s.nullDraws = 11, s.fweDraws = 66;
     s.mapTypes = {tav::MapType::REF2VOX, tav::MapType::DTAV_RC};
     s.qValues = {1e-7, 0.1, 1.0 / 3};
-    s.cvConstant = 1, s.surrogates = 77, s.discardedTimePoints = 55, s.inclusionThreshold = 33;
+    s.fdrConstant = 1.0 / 0.7, s.surrogates = 77, s.discardedTimePoints = 55, s.inclusionThreshold = 33;
     s.instantaneousLower = 0.1 + 0.2, s.rcUpper = 0.123456789012345678, s.mapScale = 1e-2;
     return s;
   }
@@ -103,7 +103,8 @@ TEST_F(RequestText, ChoicesThatExcludeOthersReadBackToo) {
     EXPECT_EQ(readBack(given), given) << orderChoiceName(choice);
   }
   given.settings.method = Method::kPlugin;
-  given.settings.nullDraws = 1;
+  given.settings.nullDraws = 1, given.settings.fweDraws = 0;
+  given.settings.fdrConstant = Settings{}.fdrConstant, given.settings.cvConstant = 1;
   given.seed.reset();
   given.output.workFolder.clear();
   given.datasets.clear();

@@ -20,14 +20,29 @@ struct OtherValue {
   Settings& settings;
   void operator()(Method Settings::*m) const { settings.*m = Method::kPlugin; }
   void operator()(OrderChoice Settings::*m) const { settings.*m = OrderChoice::kHqc; }
-  void operator()(int Settings::*m) const { settings.*m = settings.*m == 2 ? 1 : settings.*m + 1; }
-  void operator()(double Settings::*m) const { settings.*m *= 0.5; }
+  void operator()(int Settings::*m) const { settings.*m = settings.*m == 1 ? 2 : settings.*m - 1; }
+  void operator()(double Settings::*m) const { settings.*m *= 1.25; }
   void operator()(std::set<tav::MapType> Settings::*m) const { settings.*m = {tav::INST, tav::DTAV}; }
   void operator()(std::vector<double> Settings::*m) const { settings.*m = {0.02, 0.2}; }
 };
 
-Settings changed(const Setting& row) {
+// The defaults, with a method that has the setting.
+Settings baseOf(const Setting& row) {
   Settings settings;
+  if (row.only) settings.method = row.only->method;
+  return settings;
+}
+
+// Lines that a request with this setting needs before it.
+std::string linesBefore(const Setting& row) {
+  const std::string key = row.key;
+  if (key == "method") return "";
+  const std::string method = std::string("method = \"") + methodName(baseOf(row).method) + "\"\n";
+  return key == "fwe_draws" ? method + "surrogates = 10000\n" : method;
+}
+
+Settings changed(const Setting& row) {
+  Settings settings = baseOf(row);
   std::visit(OtherValue{settings}, row.member);
   return settings;
 }
@@ -61,28 +76,49 @@ TEST(SettingsTable, NamesAndPlacesAreUnique) {
   }
 }
 
+Names recordNames(Method method) {
+  Names names;
+  for (const Setting* row : recordedSettings()) {
+    if (isKept(*row, method)) names.emplace_back(row->record.name);
+  }
+  return names;
+}
+
+Names keyNames(const Settings& settings) {
+  Names names;
+  for (const auto& [name, value] : keyParts(settings)) {
+    if (names.empty() || names.back() != name) names.push_back(name);
+  }
+  return names;
+}
+
 // What stands in files and keys of results that exist; new names go behind these.
 TEST(SettingsTable, NamesOfWhatWasMadeBeforeStay) {
-  Names recorded, keyed;
-  for (const Setting* row : recordedSettings()) recorded.emplace_back(row->record.name);
-  for (const auto& [name, value] : keyParts(Settings{})) {
-    if (keyed.empty() || keyed.back() != name) keyed.push_back(name);
-  }
-  recorded.resize(11);
-  keyed.resize(13);
-  EXPECT_EQ(recorded,
+  Settings plugin;
+  plugin.method = Method::kPlugin;
+  EXPECT_EQ(recordNames(plugin.method),
             (Names{"Method", "ModelOrder", "ModelOrderChosenBy", "NumberOfSurrogates", "NullDrawsPerVoxel",
                    "DiscardedSimulatedTimePoints", "CVConstant", "FirstTimePointInclusionThreshold",
                    "InstantaneousLowerThreshold", "RCUpperThreshold", "MapScaleFactor"}));
-  EXPECT_EQ(keyed, (Names{"method", "order", "choice", "draws", "cv", "surrogates", "discarded", "inclusion",
-                          "inst", "rc", "scale", "map", "q"}));
+  EXPECT_EQ(keyNames(plugin), (Names{"method", "order", "choice", "draws", "cv", "surrogates", "discarded",
+                                     "inclusion", "inst", "rc", "scale", "map", "q"}));
+}
+
+TEST(SettingsTable, MethodCalibratedHasItsOwnConstantAndDraws) {
+  EXPECT_EQ(recordNames(Method::kCalibrated),
+            (Names{"Method", "ModelOrder", "ModelOrderChosenBy", "NumberOfSurrogates", "NullDrawsPerVoxel",
+                   "DiscardedSimulatedTimePoints", "FirstTimePointInclusionThreshold",
+                   "InstantaneousLowerThreshold", "RCUpperThreshold", "MapScaleFactor", "FDRConstant",
+                   "FamilyWiseDraws"}));
+  EXPECT_EQ(keyNames(Settings{}), (Names{"method", "order", "choice", "draws", "surrogates", "discarded",
+                                         "inclusion", "inst", "rc", "scale", "map", "q", "fdr", "fwe"}));
 }
 
 // Only how an order is searched for may stay out: what was found counts.
 TEST(SettingsTable, WhateverChangesAResultIsPartOfItsKey) {
   for (const Setting& row : settingsTable()) {
     const std::string key = row.key == nullptr ? "" : row.key;
-    const bool inKey = keyParts(changed(row)) != keyParts(Settings{});
+    const bool inKey = keyParts(changed(row)) != keyParts(baseOf(row));
     EXPECT_EQ(inKey, key != "max_order" && key != "order_sample") << row.name;
   }
 }
@@ -124,8 +160,10 @@ TEST(SettingsTable, WhatIsWrittenIsReadTheSame) {
   for (const Setting& row : settingsTable()) {
     if (row.key == nullptr) continue;
     Settings before = changed(row);
-    const std::string text = std::string(row.key) + " = " + settingText(row, before);
-    if (before.method == Method::kPlugin) before.nullDraws = 1;  // goes with the method
+    const std::string text = linesBefore(row) + row.key + " = " + settingText(row, before);
+    if (std::string(row.key) == "fwe_draws") before.surrogates = 10000;
+    before.fweDraws = std::min(before.fweDraws, before.surrogates);
+    if (before.method == Method::kPlugin) before.nullDraws = 1, before.fweDraws = 0;  // go with the method
     EXPECT_EQ(parseSettings(toml::parse(text), "r.toml"), before) << row.name;
   }
 }
@@ -134,7 +172,7 @@ TEST(SettingsTable, NumbersAreHeldToTheRangeOfTheirRow) {
   const auto read = [](const Setting& row, double value) {
     const bool whole = std::holds_alternative<int Settings::*>(row.member);
     const std::string number = whole ? std::to_string(static_cast<int>(value)) : std::to_string(value);
-    (void)parseSettings(toml::parse(std::string(row.key) + " = " + number), "r.toml");
+    (void)parseSettings(toml::parse(linesBefore(row) + row.key + " = " + number), "r.toml");
   };
   int tried = 0;
   for (const Setting& row : settingsTable()) {

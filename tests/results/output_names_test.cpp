@@ -17,6 +17,10 @@ TEST(OutputNames, FollowTheConventionsOfStatisticMaps) {
             "sub-01_task-rest_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz");
   EXPECT_EQ(names.map("faces", tav::DTAV_RC),
             "sub-01_task-rest_seed-V1_contrast-facesdTAVRC_stat-effect_statmap.nii.gz");
+  EXPECT_EQ(names.voxelP("faces", tav::DTAV),
+            "sub-01_task-rest_seed-V1_contrast-facesdTAV_stat-pfwe_statmap.nii.gz");
+  EXPECT_EQ(names.clusterP("faces", tav::DTAV),
+            "sub-01_task-rest_seed-V1_contrast-facesdTAV_stat-pfwecluster_statmap.nii.gz");
   EXPECT_EQ(names.status("faces"), "sub-01_task-rest_seed-V1_desc-facesStatus_dseg.nii.gz");
   EXPECT_EQ(names.direction("faces"), "sub-01_task-rest_seed-V1_desc-facesDirection_dseg.nii.gz");
   EXPECT_EQ(OutputNames::sidecarOf(names.directionTable("faces")),

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "formats/atomic_file.h"
+#include "results/family_wise_json.h"
 #include "tests/support/sample_result.h"
 
 namespace study {
@@ -33,6 +34,27 @@ TEST_F(Sidecars, OfAMapAreWrittenAsTheyAlwaysWere) {
 TEST_F(Sidecars, OfAStatusMapAreWrittenAsTheyAlwaysWere) {
   const ConditionResult& condition = reference_.conditions[0];
   EXPECT_EQ(statusSidecar(context_, reference_, condition).dump(2) + "\n", stored("status_sidecar.json"));
+}
+
+TEST_F(Sidecars, OfFamilyWiseImagesSayWhatTheirValuesAre) {
+  const MapResult& ofFaces = reference_.conditions[0].maps[0];
+  const Json voxels = familyWiseSidecar(map(0, 0), ofFaces, FamilyWiseImage::kVoxels);
+  EXPECT_EQ(voxels["Description"],
+            "family-wise p of each voxel: (1 + the number of 1003 whole maps of surrogates whose largest "
+            "magnitude reaches the voxel's) / (1 + 1003), over the voxels of this one map outside the "
+            "reference. The map: influence of V1 on each voxel; condition 'faces'");
+  EXPECT_EQ(voxels["Units"], "probability; NaN where the status map says anything but \"computed\"");
+  EXPECT_EQ(voxels["StatisticFile"], "faces_ref2vox.nii.gz");
+  EXPECT_EQ(voxels["FamilyWise"]["Draws"], 1003);
+  EXPECT_FALSE(voxels.contains("Thresholds"));
+  const Json clusters = familyWiseSidecar(map(0, 0), ofFaces, FamilyWiseImage::kClusters);
+  const std::string text = clusters["Description"];
+  EXPECT_NE(text.find("magnitudes of at least 3.125, which a share of 0.0015 of the null values"),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(clusters["Literature"], voxels["Literature"]);
+  EXPECT_FALSE(voxels["FamilyWise"].contains("Clusters"));
+  EXPECT_EQ(clusters["FamilyWise"]["Clusters"][1]["Voxels"], 98);
 }
 
 TEST_F(Sidecars, TheRepetitionTimeIsThatOfAllRunsOrNone) {

@@ -25,6 +25,7 @@ class EngineRequest : public ::testing::Test {
 
 TEST_F(EngineRequest, SettingsArriveEachInItsField) {
   plan_.request.settings.mapTypes = {tav::VOX2REF, tav::DTAV_IT};
+  plan_.request.settings.cvConstant = 1;
   const tav::TAV_Pars pars = make();
   EXPECT_EQ(pars.arOrder, 4);  // the one in use
   EXPECT_EQ(pars.cvConstant, 1);
@@ -127,18 +128,24 @@ TEST(CourseTreatments, NothingIsDoneToARunThatIsTakenAsItIs) {
 TEST(EngineOptions, MethodPluginAsksForNothingBeyondTheRecord) {
   Settings settings;
   settings.nullDraws = 22;
+  settings.fdrConstant = 1.75;
+  settings.fweDraws = 321;
   const tav::RunOptions calibrated = engineOptions(settings);
   EXPECT_EQ(calibrated.fitForm, tav::FitForm::kLeastSquares);
   EXPECT_EQ(calibrated.surrogateKind, tav::SurrogateKind::kOwnResiduals);
   EXPECT_EQ(calibrated.nullDraws, 22);
   EXPECT_EQ(calibrated.thresholdRule, tav::ThresholdRule::kStepUp);
   EXPECT_TRUE(calibrated.searchOutsideReference);
+  EXPECT_EQ(calibrated.fdrConstant, 1.75);
+  EXPECT_EQ(calibrated.fweDraws, 321);
   settings.method = Method::kPlugin;
   const tav::RunOptions plugin = engineOptions(settings), none;
   EXPECT_EQ(plugin.fitForm, none.fitForm);
   EXPECT_EQ(plugin.surrogateKind, none.surrogateKind);
   EXPECT_EQ(plugin.nullDraws, none.nullDraws);
   EXPECT_EQ(plugin.thresholdRule, none.thresholdRule);
+  EXPECT_EQ(plugin.fdrConstant, none.fdrConstant);
+  EXPECT_EQ(plugin.fweDraws, none.fweDraws);
   EXPECT_EQ(plugin.searchOutsideReference, none.searchOutsideReference);
 }
 

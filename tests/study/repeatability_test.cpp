@@ -74,7 +74,7 @@ TEST_F(Repeatability, ARepeatedCommandKeepsWhatIsFinished) {
   EXPECT_EQ(kept(run(request, {"--json"})), (std::vector<bool>{false, true, true}));
   EXPECT_EQ(filesBelow(results()), before);
   // The imported runs stay, so that it is the key of the results that differs.
-  EXPECT_EQ(kept(run(write("cv_constant = 1"), {"--json"})), std::vector<bool>(3, false));
+  EXPECT_EQ(kept(run(write("fdr_constant = 1"), {"--json"})), std::vector<bool>(3, false));
 }
 
 TEST_F(Repeatability, ChangedInputIsNoticed) {

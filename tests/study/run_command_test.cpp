@@ -259,7 +259,11 @@ TEST_F(RunCommand, StandardisedDataStayInTheMaskAfterRegression) {
   ASSERT_EQ(run(scratch_.write("r.toml", text)).exitCode, 0);
   const json record = read("small_seed-A_tavmap.json");
   EXPECT_EQ(record["Conditions"][0]["Voxels"]["below the inclusion threshold"], 0);
-  EXPECT_EQ(record["Conditions"][0]["Runs"][0]["ConfoundDegreesOfFreedom"], 1);
+  const json whole = record["Conditions"][0];
+  EXPECT_EQ(whole["Runs"][0]["ConfoundDegreesOfFreedom"], 1);
+  EXPECT_EQ(whole["Runs"][0]["EffectiveVolumes"], small_study::kVolumes - 2);
+  EXPECT_EQ(whole["Runs"][1]["EffectiveVolumes"], small_study::kVolumes - 1);
+  EXPECT_EQ(whole["EffectiveVolumes"], 2 * small_study::kVolumes - 3);
 }
 
 TEST_F(RunCommand, OrdersAreChosenByACriterionAndTheirCurvesSaved) {

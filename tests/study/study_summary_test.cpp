@@ -33,6 +33,7 @@ TEST(StudySummary, SaysEveryMapWithItsOwnNumbers) {
       "  faces: 115 effective volumes, 901 voxels computed\n"
       "    REF2VOX: q = 0.011: 61 voxels at 5.500 or more; q = 0.033: 63 voxels at 4.500 or more; "
       "peak -9.250 at (-2, 2, 4) mm\n"
+      "      family-wise p of 0.05 or less: 57 voxels; 2 clusters of 58 voxels\n"
       "    DTAV_RC: no thresholds; peak 0.875 at (20, -20, 21) mm\n"
       "    direction: of 138 voxels that pass DTAV at q = 0.035, 67 keep their direction when it is tested "
       "with reversed time: V1 leads 33 and follows 34; 36 could not be judged\n"
@@ -87,8 +88,8 @@ TEST(LogAppendix, SaysEveryNumberOfTheStudy) {
   EXPECT_EQ(logAppendix(plan, 1, result),
             "\nMethod " + std::string(methodDescription(Method::kCalibrated)) +
                 "\n"
-                "Model order 4 (bic), 22 surrogates per voxel, seed 7001 (of this reference 7002), Tavmap "
-                "1.2.3\n"
+                "Model order 4 (bic), 22 surrogates per voxel, every q divided by 1.375, 1002 draws of the "
+                "family-wise error, seed 7001 (of this reference 7002), Tavmap 1.2.3\n"
                 "\nRuns\n"
                 "\ta: 156 volumes, TR 2.25 s, 6 dropped, 5 censored, 2 confounds regressed (3 degrees of "
                 "freedom)\n"
@@ -102,9 +103,13 @@ TEST(LogAppendix, SaysEveryNumberOfTheStudy) {
                 "\td: 186 volumes, TR 3.25 s, 17 dropped, 19 censored, 1 confounds regressed (20 degrees of "
                 "freedom)\n"
                 "\t\tvolume v above is volume v + 17 of the stored image\n"
+                "\nEffective volumes (less the order per interval and what regressed confounds cost)\n"
+                "\tfaces: 115 of 127\n"
+                "\thouses: 116 of 128\n"
                 "\nThresholds: faces\n"
                 "\tREF2VOX, q = 0.011: 62 voxels reach the threshold 5.5, all outside the reference\n"
                 "\tREF2VOX, q = 0.033: 64 voxels reach the threshold 4.5, 63 of them outside the reference\n"
+                "\tREF2VOX, family-wise p of 0.05 or less: 57 voxels; 2 clusters of 58 voxels\n"
                 "\nThresholds: houses\n"
                 "\tINST, q = 0.012: no voxel survives\n"
                 "\nDirections\n\tfaces: " +

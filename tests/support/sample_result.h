@@ -44,7 +44,8 @@ inline study::Request request() {
   s.orderChoice = study::OrderChoice::kBic;
   s.order = 2;  // not the one in use
   s.nullDraws = 22;
-  s.cvConstant = 1;
+  s.fdrConstant = 1.375;
+  s.fweDraws = 1002;
   s.surrogates = 1001;
   s.discardedTimePoints = 101;
   s.inclusionThreshold = 103;
@@ -55,10 +56,24 @@ inline study::Request request() {
   return request;
 }
 
+inline study::FamilyWiseResult familyWise() {
+  study::FamilyWiseResult result;
+  result.draws = 1003;
+  result.clusterFormingP = 0.0015;
+  result.clusterFormingLevel = 3.125;
+  result.voxelFile = "faces_pfwe.nii.gz";
+  result.clusterFile = "faces_pfwecluster.nii.gz";
+  result.levels = {{0.05, 7.25, 57, 2, 58}, {0.06, 7.125, 59, 68, 60}};
+  result.clusters = 80;
+  result.largest = {{-9.5, {81, 82, 83}, {-84.5, 85.5, 86.5}, 87, 89.25, 0.0625},
+                    {9.75, {92, 93, 94}, {-95.5, 96.5, 97.5}, 98, 99.25, 0.125}};
+  return result;
+}
+
 inline study::ConditionResult faces() {
   study::ConditionResult condition;
   condition.name = "faces";
-  condition.sets = {{"b", "a", {{23, 42}, {53, 88}}}, {"c", "c", {{91, 160}}}};
+  condition.sets = {{"b", "a", {{23, 42}, {53, 88}}, 48}, {"c", "c", {{91, 160}}, 66}};
   condition.totalVolumes = 127;
   condition.effectiveVolumes = 115;
   condition.statusCounts = {900, 901, 902, 903, 904, 905};
@@ -69,7 +84,8 @@ inline study::ConditionResult faces() {
                      {{0.011, 5.5, 62, 61}, {0.033, 4.5, 64, 63}},
                      -9.25,
                      {11, 12, 13},
-                     {-1.5, 2.5, 3.5}},
+                     {-1.5, 2.5, 3.5},
+                     familyWise()},
                     {tav::DTAV_RC, "faces_rc.nii.gz", {}, 0.875, {15, 18, 21}, {19.5, -20.5, 21.25}}};
   condition.direction = {0.035, "faces_direction.nii.gz", {920, 33, 34, 35, 36}};
   return condition;
@@ -78,7 +94,7 @@ inline study::ConditionResult faces() {
 inline study::ConditionResult houses() {
   study::ConditionResult condition;
   condition.name = "houses";
-  condition.sets = {{"d", "d", {{24, 133}}}};
+  condition.sets = {{"d", "d", {{24, 133}}, 106}};
   condition.totalVolumes = 128;
   condition.effectiveVolumes = 116;
   condition.statusCounts = {910, 911, 912, 913, 914, 915};

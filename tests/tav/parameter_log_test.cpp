@@ -66,7 +66,7 @@ TEST(RunOptionsLog, NamesWhatDiffers) {
             "Surrogates= own residuals with random signs\n"
             "NullDrawsPerVoxel= 20\n"
             "ThresholdRule= step-up\n"
-            "FDRConstant= 1.5\n"
+            "FDRConstant= 1.5 (CVConstantForFDR is not used)\n"
             "FamilyWiseDraws= 500\n"
             "ThresholdSearch= all voxels\n"
             "\n");

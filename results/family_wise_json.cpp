@@ -1,0 +1,49 @@
+#include "results/family_wise_json.h"
+
+#include <fmt/core.h>
+
+#include "results/record_json.h"
+
+namespace study {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string voxelsDescription(int draws) {
+  return fmt::format(
+      "family-wise p of each voxel: (1 + the number of {0} whole maps of surrogates whose largest magnitude "
+      "reaches the voxel's) / (1 + {0}), over the voxels of this one map outside the reference",
+      draws);
+}
+
+std::string clustersDescription(const FamilyWiseResult& result) {
+  return fmt::format(
+      "family-wise p of each voxel's cluster: (1 + the number of {0} whole maps of surrogates whose largest "
+      "cluster mass reaches the cluster's) / (1 + {0}); clusters are voxels of one sign that touch, be it at "
+      "a corner, with magnitudes of at least {1}, which a share of {2} of the null values reaches; a "
+      "cluster's mass is what its voxels exceed that by; 1 outside any cluster",
+      result.draws, Json(result.clusterFormingLevel).dump(), Json(result.clusterFormingP).dump());
+}
+
+// Where the procedures come from.
+const Json kLiterature =
+    Json::array({"Nichols & Holmes 2002, Human Brain Mapping 15, 1-25, doi:10.1002/hbm.1058",
+                 "Phipson & Smyth 2010, Statistical Applications in Genetics and Molecular Biology 9, "
+                 "doi:10.2202/1544-6115.1585"});
+
+}  // namespace
+
+Json familyWiseSidecar(Json ofMap, const MapResult& map, FamilyWiseImage image) {
+  const FamilyWiseResult& result = map.familyWise;
+  const std::string what =
+      image == FamilyWiseImage::kVoxels ? voxelsDescription(result.draws) : clustersDescription(result);
+  ofMap["Description"] = fmt::format("{}. The map: {}", what, ofMap["Description"].get<std::string>());
+  ofMap["Units"] = "probability; NaN where the status map says anything but \"computed\"";
+  ofMap["StatisticFile"] = map.file;
+  ofMap["Literature"] = kLiterature;
+  ofMap.erase("Thresholds");
+  if (image == FamilyWiseImage::kClusters) ofMap["FamilyWise"] = familyWiseJson(result, true);
+  return ofMap;
+}
+
+}  // namespace study

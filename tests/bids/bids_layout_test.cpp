@@ -239,8 +239,9 @@ TEST(BidsFilter, KeepsEveryDigitOfANumber) {
 
 TEST(BidsFilter, RefusesNestedValuesHoweverDeep) {
   const std::string nested = std::string(200'000, '[') + std::string(200'000, ']');
-  EXPECT_EQ(messageOf<InputError>([&] { parseBidsFilter("{\"bold\": {\"task\": " + nested + "}}", "f"); }),
-            "f: 'task' must be a text or a whole number");
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return parseBidsFilter("{\"bold\": {\"task\": " + nested + "}}", "f"); }),
+      "f: 'task' must be a text or a whole number");
 }
 
 }  // namespace

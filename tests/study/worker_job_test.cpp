@@ -125,11 +125,11 @@ TEST_F(WorkerJobs, NumbersThatDoNotFitAreRefused) {
   };
   EXPECT_EQ(parseJob(head("[0, 7]", "2147483647") + request, "a.job").order, 2147483647);
   for (const char* items : {"[-1]", "[1.5]", "[1e300]", "3", "{\"a\": 1}"}) {
-    const auto read = [&] { parseJob(head(items, "1") + request, "a.job"); };
+    const auto read = [&] { return parseJob(head(items, "1") + request, "a.job"); };
     EXPECT_NE(messageOf<InputError>(read).find("a.job is no job of tavmap: "), std::string::npos) << items;
   }
   for (const char* order : {"2147483648", "-1", "1e300", "\"1\""}) {
-    const auto read = [&] { parseJob(head("[0]", order) + request, "a.job"); };
+    const auto read = [&] { return parseJob(head("[0]", order) + request, "a.job"); };
     EXPECT_NE(messageOf<InputError>(read).find("a.job is no job of tavmap: "), std::string::npos) << order;
   }
 }

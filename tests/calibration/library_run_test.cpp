@@ -29,7 +29,7 @@ TEST(LibraryRun, FindsTheMapsThatAWorkerWrites) {
   study::computeReferences(plan, {0}, [](double) {});
   ASSERT_FALSE(maps.empty());
   EXPECT_EQ(maps[0].type, tav::REF2VOX);
-  const auto file = writtenMap(data.folder() / "results", "Ref2Vox");
+  const auto file = writtenMap(data.folder() / "results", "Ref2Vox_stat-effect");
   EXPECT_EQ(formats::readImage(file.string()).values, maps[0].values);
 }
 

@@ -28,7 +28,7 @@ mask = numpy.asarray(nibabel.load(str(example / "mask_small.nii.gz")).dataobj) !
 label = numpy.asarray(nibabel.load(str(example / "dseg_small.nii.gz")).dataobj)
 region = label == 20  # 7Networks_LH_Vis_4
 results = work / "results"
-maps = sorted(results.glob("*_statmap.nii.gz"))
+maps = sorted(results.glob("*_stat-effect_statmap.nii.gz"))
 assert len(maps) == 12, maps
 for path in maps:
     image = nibabel.load(str(path))

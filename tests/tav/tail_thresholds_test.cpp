@@ -34,7 +34,7 @@ std::vector<float> makeMap(std::mt19937& random, std::size_t size, float shift) 
 
 MapPieces cut(const std::vector<float>& map, std::mt19937& random) {
   MapPieces pieces;
-  std::uniform_int_distribution<std::size_t> length(1, map.size());
+  std::uniform_int_distribution<std::size_t> length(1, std::max<std::size_t>(map.size(), 1));
   for (std::size_t first = 0; first < map.size();) {
     const std::size_t count = std::min(length(random), map.size() - first);
     pieces.emplace_back(map.data() + first, count);

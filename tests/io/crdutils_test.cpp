@@ -30,7 +30,7 @@ TEST(RoundHalfUp, RoundsHalvesUpForEverySign) {
 TEST(RoundHalfUp, StaysInside32Bits) {
   EXPECT_EQ(roundHalfUp(1.0e12), std::numeric_limits<std::int32_t>::max());
   EXPECT_EQ(roundHalfUp(-1.0e12), std::numeric_limits<std::int32_t>::min());
-  EXPECT_EQ(roundHalfUp(NAN), std::numeric_limits<std::int32_t>::min());
+  EXPECT_EQ(roundHalfUp(std::numeric_limits<double>::quiet_NaN()), std::numeric_limits<std::int32_t>::min());
 }
 
 TEST(AnatomicalCoordinates, TalairachIsTurnedAndMirrored) {

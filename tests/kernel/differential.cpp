@@ -178,7 +178,7 @@ double conditioning(const Case& made, std::size_t voxel, const std::uint32_t* dr
 // Fits in single precision of both sides; in least squares the reference is exact, and the kernel's
 // margin of accuracy bounds what large values at an interval's edges cost it.
 double toleranceOf(const Case& made, double conditioning) {
-  constexpr double kEps = std::numeric_limits<float>::epsilon(), kLeastSquares = 3e-4;
+  constexpr double kEps = static_cast<double>(std::numeric_limits<float>::epsilon()), kLeastSquares = 3e-4;
   const int order = made.job.order;
   const double least = made.job.fitForm == tav::FitForm::kLeastSquares ? kLeastSquares : 0;
   return least + 2.0 * kEps * (20.0 + 4.0 * order) / std::min(1.0, conditioning);

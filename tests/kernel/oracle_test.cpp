@@ -22,7 +22,7 @@ using tav::kernel::Verdict;
 // elimination); relative to a pivot they grow by 1 / conditioning, and the logarithm of a quotient
 // passes relative errors on as absolute ones.
 double tolerance(const oracle::Answer& answer, int order) {
-  constexpr double kEps = std::numeric_limits<float>::epsilon();
+  constexpr double kEps = static_cast<double>(std::numeric_limits<float>::epsilon());
   return kEps * (20.0 + 4.0 * order) / std::min(1.0, answer.conditioning);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "tests/simulation/normal_equations.h"
 
@@ -69,7 +70,8 @@ TEST(Confounds, EachUnsteadyVolumeHasAnIndicator) {
 }
 
 TEST(Confounds, TableHasAHeaderALinePerVolumeAndNaInPlaceOfNaN) {
-  const std::vector<Confound> table = {{"a", {NAN, 0.5}}, {"b", {1, -2}}};
+  const std::vector<Confound> table = {{"a", {std::numeric_limits<double>::quiet_NaN(), 0.5}},
+                                       {"b", {1, -2}}};
   EXPECT_EQ(simulation::confoundsTable(table), "a\tb\nn/a\t1\n0.5\t-2\n");
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -107,7 +108,7 @@ TEST_F(Transfer, TheSmallestQGivesTheDisplayThreshold) {
     }
   }
   ASSERT_EQ(transfer(0), tav::kSuccess);
-  for (const std::size_t type : {tav::REF2VOX, tav::INST, tav::DTAV}) {
+  for (const auto type : std::to_array<std::size_t>({tav::REF2VOX, tav::INST, tav::DTAV})) {
     const auto& found = thresholds(type);
     ASSERT_GT(found[0], found[1]) << type;
     ASSERT_GT(found[1], found[2]) << type;

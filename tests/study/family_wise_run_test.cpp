@@ -112,7 +112,8 @@ class FamilyWiseRun : public SmallStudyRun {
     for (std::size_t v = 0; v < voxels; ++v) {
       if (!takesPart(v)) continue;
       Course voxel;
-      for (std::size_t t = 0; t < small_study::kVolumes; ++t) voxel.push_back(bold.values[t * voxels + v]);
+      for (std::size_t t = 0; t < small_study::kVolumes; ++t)
+        voxel.push_back(static_cast<double>(bold.values[t * voxels + v]));
       detrend(voxel);
       for (std::size_t s = 0; s < maps.size(); ++s) {
         maps[s][v] = 100 * influence(references[s], voxel);

@@ -36,17 +36,38 @@ FakeLoader completeLoader() {
 
 }  // namespace fakes
 
-// The linker sends every dlopen() and dlsym() of this program here.
-extern "C" void* __wrap_dlopen(const char* file, int mode) {
+namespace {
+
+bool hasStarted = false;
+[[maybe_unused]] const bool kStarted = (hasStarted = true);
+
+void* openFaked(const char* file, int mode) {
   fakes::FakeLoader& loader = fakes::loader();
   loader.openings.push_back(std::string(file == nullptr ? "<executable>" : file) +
                             (mode == RTLD_LAZY ? " lazy" : " other mode"));
   return loader.canOpenExecutable ? &loader : nullptr;
 }
 
-extern "C" void* __wrap_dlsym(void* handle, const char* name) {
+void* lookUpFaked(void* handle, const char* name) {
   fakes::FakeLoader& loader = fakes::loader();
   loader.lookups.emplace_back(handle == &loader ? name : "wrong handle");
   const auto found = loader.symbols.find(name);
   return found == loader.symbols.end() ? nullptr : found->second;
+}
+
+}  // namespace
+
+// The linker sends every dlopen() and dlsym() of this program here: those of a sanitizer's runtime too, which
+// asks before it is ready itself, and for what comes next. They get the true answer.
+extern "C" void* __real_dlopen(const char* file, int mode);
+extern "C" void* __real_dlsym(void* handle, const char* name);
+
+extern "C" __attribute__((no_sanitize("address", "undefined"))) void* __wrap_dlopen(const char* file,
+                                                                                    int mode) {
+  return hasStarted ? openFaked(file, mode) : __real_dlopen(file, mode);
+}
+
+extern "C" __attribute__((no_sanitize("address", "undefined"))) void* __wrap_dlsym(void* handle,
+                                                                                   const char* name) {
+  return hasStarted && handle != RTLD_NEXT ? lookUpFaked(handle, name) : __real_dlsym(handle, name);
 }

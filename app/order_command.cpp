@@ -1,6 +1,7 @@
 // tavmap order: what the data of a request say about the model order.
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
@@ -37,7 +38,7 @@ int order(const OrderArguments& arguments) {
   if (arguments.study.json)
     std::cout << study::summaryJson(outcome, options.version).dump(2) << "\n";
   else
-    study::printOrders(study::orderFromJson(outcome.orders.at(0)), std::cout);
+    study::printOrders(outcome.orders.at(0).evidence, std::cout);
   return kDone;
 }
 

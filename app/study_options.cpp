@@ -1,6 +1,7 @@
 #include "app/study_options.h"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 #include "app/exit_codes.h"
 #include "request/problem.h"

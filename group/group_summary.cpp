@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <tuple>
 

@@ -3,7 +3,7 @@
 #ifndef TAVMAP_GROUP_GROUP_SUMMARY_H
 #define TAVMAP_GROUP_GROUP_SUMMARY_H
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <ostream>
 #include <string>
 

@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <nlohmann/json.hpp>
+
 #include "results/record_json.h"
 
 namespace study {

@@ -2,7 +2,7 @@
 #ifndef TAVMAP_RESULTS_FAMILY_WISE_JSON_H
 #define TAVMAP_RESULTS_FAMILY_WISE_JSON_H
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "results/results.h"
 

@@ -3,7 +3,7 @@
 #ifndef TAVMAP_RESULTS_RESULT_JSON_H
 #define TAVMAP_RESULTS_RESULT_JSON_H
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 

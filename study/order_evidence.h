@@ -4,7 +4,7 @@
 #define TAVMAP_STUDY_ORDER_EVIDENCE_H
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <ostream>
 #include <string>
 #include <vector>

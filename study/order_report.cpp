@@ -1,6 +1,7 @@
 #include <fmt/core.h>
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "study/order_evidence.h"
 

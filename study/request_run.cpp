@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "formats/atomic_file.h"
 #include "prepare/prepare.h"
@@ -89,16 +90,15 @@ void RequestRun::addOrder() {
 }
 
 void RequestRun::takeOrder(const WorkOutcome& work) {
-  Json json = Json::parse(work.result);
-  const OrderEvidence evidence = orderFromJson(json);
+  OrderEvidence evidence = orderFromJson(Json::parse(work.result));
   const fs::path file =
       plan_.request.output.folder / (plan_.request.output.prefix + "_desc-order_timeseries.tsv");
   formats::writeTextFile(file.string(), orderTable(evidence));
-  json["Request"] = plan_.request.title;
-  outcome_.orders.push_back(json);
+  const int best = evidence.best(plan_.request.settings.orderChoice);
+  outcome_.orders.push_back({plan_.request.title, std::move(evidence)});
   if (options_.ordersOnly) return;
   try {
-    settleOrder(plan_, evidence.best(plan_.request.settings.orderChoice));
+    settleOrder(plan_, best);
   } catch (const InputError& error) {
     return fail({false, true, error.what(), ""}, plan_.request.title);
   }

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "formats/atomic_file.h"
 #include "formats/nifti.h"

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -13,6 +12,7 @@
 
 #include "request/request.h"
 #include "results/record.h"
+#include "study/order_evidence.h"
 #include "study/progress_bar.h"
 #include "study/study_plan.h"
 
@@ -37,12 +37,18 @@ struct ReferenceOutcome {
   Record record;                    // when done
 };
 
+// What a request's data say of the model order.
+struct OrderOutcome {
+  std::string request;
+  OrderEvidence evidence;
+};
+
 struct StudyOutcome {
   std::vector<ReferenceOutcome> references;
   std::vector<std::string> failures;  // of requests as a whole, in words
   std::vector<std::string> cautions;
-  bool inputProblem = false;                   // at least one failure is the request's fault
-  std::vector<nlohmann::ordered_json> orders;  // evidence, one per request that asked for it
+  bool inputProblem = false;         // at least one failure is the request's fault
+  std::vector<OrderOutcome> orders;  // one per request that asked for it
   [[nodiscard]] bool failed() const;
 };
 

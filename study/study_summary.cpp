@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "results/family_wise_words.h"
 #include "results/record_json.h"
@@ -112,7 +113,11 @@ Json summaryJson(const StudyOutcome& outcome, const std::string& version) {
   }
   json["Warnings"] = outcome.cautions;
   json["Failures"] = outcome.failures;
-  if (!outcome.orders.empty()) json["Orders"] = outcome.orders;
+  for (const OrderOutcome& order : outcome.orders) {
+    Json evidence = orderJson(order.evidence);
+    evidence["Request"] = order.request;
+    json["Orders"].push_back(std::move(evidence));
+  }
   return json;
 }
 

@@ -2,7 +2,7 @@
 #ifndef TAVMAP_STUDY_STUDY_SUMMARY_H
 #define TAVMAP_STUDY_STUDY_SUMMARY_H
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <ostream>
 
 #include "study/study_run.h"

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "formats/atomic_file.h"

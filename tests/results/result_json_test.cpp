@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "formats/atomic_file.h"
 #include "results/family_wise_json.h"
 #include "tests/support/sample_result.h"

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "results/record_json.h"

@@ -12,10 +12,16 @@ namespace simo {
 
 // Drives an autoregressive model of the series with the series' own residuals, each where it stood and
 // times a random sign: a spike or a change of variance stays where it was, its sign and with it any
-// relation to another series does not. The model starts with a warm-up of residuals resampled with
-// random signs; values outside the stretches get such residuals as well.
+// relation to another series does not. A spike that was added to the series, as movement adds it, does not
+// fade as the model says: the model answers with as many further residuals as it has coefficients. These
+// share the spike's sign, or the surrogates would hold echoes that the series does not have. The model
+// starts with a warm-up of residuals resampled with random signs; values outside the stretches get such
+// residuals as well.
 // (Sign flips of residuals: Wu 1986, the wild bootstrap, Annals of Statistics 14, 1261-1295,
-// doi:10.1214/aos/1176350142.)
+// doi:10.1214/aos/1176350142; signs shared by neighbours: Shao 2010, The dependent wild bootstrap, Journal
+// of the American Statistical Association 105, 218-235, doi:10.1198/jasa.2009.tm08744. Outliers that are
+// added and those that the model carries on: Fox 1972, Journal of the Royal Statistical Society B 34,
+// 350-363, doi:10.1111/j.2517-6161.1972.tb00912.x.)
 class ResidualSurrogates {
  public:
   // series: one value per volume, finite within the stretches, whose mean and line are taken off first.
@@ -36,6 +42,7 @@ class ResidualSurrogates {
   BurgModel model_;
   std::vector<double> innovations_;  // per value of the series
   std::vector<bool> known_;          // whether it lies in a stretch
+  std::vector<bool> follows_;        // whether it shares the sign of the value before it
   std::vector<double> simulated_;    // warm-up and series
 };
 

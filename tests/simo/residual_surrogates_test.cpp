@@ -89,6 +89,38 @@ TEST(ResidualSurrogates, KeepTheEnvelope) {
   EXPECT_GT(inside / outside, 10);
 }
 
+// Added spikes as high as the series' own and nothing that answers them: at the values behind each, a
+// surrogate stays near what the noise alone makes of it.
+TEST(ResidualSurrogates, AnAddedSpikeHasNoEcho) {
+  Series x = smoothNoise(400, 9);
+  const std::vector<std::size_t> spikes = {60, 170, 290};
+  for (const std::size_t t : spikes) x[t] += 60;
+  simo::ResidualSurrogates maker(x, {{0, 400}});
+  ASSERT_GE(maker.model().coefficients.size(), 1U);
+  double at = 0, behind = 0;
+  int positive = 0;
+  for (const Series& surrogate : drawMany(maker, 400, 200)) {
+    for (const std::size_t t : spikes) {
+      at += std::abs(static_cast<double>(surrogate[t])) / 600;
+      behind += std::abs(static_cast<double>(surrogate[t + 1])) / 600;
+      positive += surrogate[t] > 0 ? 1 : 0;
+    }
+  }
+  EXPECT_NEAR(at, 60, 6);
+  EXPECT_LT(behind, 3);
+  EXPECT_NEAR(positive / 600.0, 0.5, 0.1);
+}
+
+TEST(ResidualSurrogates, SpikesApartHaveSignsOfTheirOwn) {
+  Series x = smoothNoise(400, 10);
+  for (const std::size_t t : {std::size_t{100}, std::size_t{300}}) x[t] += 80;
+  simo::ResidualSurrogates maker(x, {{0, 400}});
+  int alike = 0;
+  for (const Series& surrogate : drawMany(maker, 400, 300))
+    alike += (surrogate[100] > 0) == (surrogate[300] > 0) ? 1 : 0;
+  EXPECT_NEAR(alike / 300.0, 0.5, 0.1);
+}
+
 TEST(ResidualSurrogates, ValuesOutsideTheStretchesPlayNoPart) {
   Series x = smoothNoise(400, 4), spoiled = x;
   for (std::size_t t = 100; t < 110; ++t) spoiled[t] = NAN;

@@ -61,4 +61,28 @@ TEST_F(OrderCommand, VoxelsAtTheInclusionThresholdAreLeftOut) {
   EXPECT_EQ(found[0]["EffectiveVolumes"], 57);
 }
 
+// The region that is driven at lag 1 passes at every order; the table has a row per reference, condition,
+// map, q and order, and the curves of the criteria come as without it.
+TEST_F(OrderCommand, SensitivityShowsWhatPassesAtAllOrders) {
+  const auto request = scratch_.write(
+      "o.toml", small_study::request("order_sample = 20\nmaps = ['REF2VOX', 'DTAV']\nq = [0.05]"));
+  const ProgramResult result =
+      tavmap({"order", request.string(), "--max-order", "2", "--sensitivity", "--json"}, folder());
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  const json summary = json::parse(result.out);
+  EXPECT_FALSE(summary["Orders"][0]["Entries"].empty());
+  const json& sensitivity = summary["OrderSensitivity"];
+  EXPECT_EQ(sensitivity["BaseOrder"], 1);
+  bool found = false;
+  for (const json& entry : sensitivity["AtAllOrders"]) {
+    if (entry["Reference"] != "A" || entry["Map"] != "REF2VOX") continue;
+    found = true;
+    EXPECT_GE(entry["VoxelsPassingAtAll"].get<int>(), small_study::regionVoxels());
+  }
+  EXPECT_TRUE(found) << sensitivity;
+  std::ifstream table(results() / "small_desc-ordersensitivity_statmap.tsv");
+  const std::string text{std::istreambuf_iterator<char>(table), {}};
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), static_cast<long>(sensitivity["Rows"].size()) + 1);
+}
+
 }  // namespace

@@ -59,7 +59,7 @@ void convert(const ConvertOptions& options) {
                                options.in, options.out));
 }
 
-constexpr const char* kExamples = R"(
+constexpr const char* kConvertExamples = R"(
 Examples:
   tavmap convert bold.nii.gz run1.vtc --mask brain_mask.nii.gz
   tavmap convert bold.nii.gz run1.vtc --type uint16 --tr 2000
@@ -91,7 +91,7 @@ void addConvertCommand(CLI::App& program) {
   import->add_option("--skip", o.skipVolumes, "volumes to leave out at the start")
       ->check(CLI::NonNegativeNumber);
   verb->add_flag("-q,--quiet", options->quiet, "say nothing but warnings and errors");
-  verb->footer(kExamples);
+  verb->footer(kConvertExamples);
   verb->callback([options, import] {
     options->importOptionGiven = import->count_all() > 0;
     convert(*options);

@@ -15,13 +15,13 @@
 namespace app {
 namespace {
 
-struct Arguments {
+struct HostArguments {
   host::SessionOptions session;
   std::string version, script;
   std::int64_t seed = 0;
 };
 
-constexpr const char* kExamples = R"(
+constexpr const char* kHostExamples = R"(
 Examples:
   tavmap host TAVPlugin.so --anatomy t1.nii.gz --vtc run1.vtc --vois dseg.nii.gz
       answer the dialogs at the terminal
@@ -35,7 +35,7 @@ At the terminal, "cancel" or Ctrl-D cancels a dialog and "quit" ends the run.
 
 Exit codes: 0 done, 1 the run failed or reported errors, 2 wrong usage or input.)";
 
-std::unique_ptr<host::FrontEnd> makeFrontEnd(const Arguments& arguments) {
+std::unique_ptr<host::FrontEnd> makeFrontEnd(const HostArguments& arguments) {
   if (!arguments.script.empty())
     return std::make_unique<host::ScriptFrontEnd>(host::readScript(arguments.script), std::cout);
   // C's stdin remembers the end of its input, so that one Ctrl-D would answer every later dialog.
@@ -43,7 +43,7 @@ std::unique_ptr<host::FrontEnd> makeFrontEnd(const Arguments& arguments) {
   return std::make_unique<host::TerminalFrontEnd>(std::cin, std::cout, isatty(STDIN_FILENO) == 0);
 }
 
-int runHost(Arguments& arguments) {
+int runHost(HostArguments& arguments) {
   const std::optional<host::HostVersion> version = host::parseVersion(arguments.version);
   if (!version)
     throw UsageError(fmt::format("--host-version {}: a version looks like 2.1.0", arguments.version));
@@ -61,7 +61,7 @@ int runHost(Arguments& arguments) {
 
 void addHostCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("host", "Run a plug-in under the stand-in host");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<HostArguments>();
   host::SessionOptions& session = arguments->session;
   command->add_option("plugin", session.pluginPath, "The plug-in, a shared library")->required();
   command->add_option("--anatomy", session.anatomyPath, "Current anatomy, a NIfTI image");
@@ -81,7 +81,7 @@ void addHostCommand(CLI::App& program) {
   command->add_option("--script", arguments->script, "Take the answers from this file");
   command->add_option("--log-file", session.logPath, "Write the log pane into this file as well");
   command->add_flag("--quiet", session.quiet, "Show dialogs and errors only");
-  command->footer(kExamples);
+  command->footer(kHostExamples);
   command->callback([arguments, seed] {
     if (seed->count() > 0) arguments->session.seed = arguments->seed;
     const int exitCode = runHost(*arguments);

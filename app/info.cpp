@@ -24,7 +24,7 @@ void info(const InfoOptions& options) {
   }
 }
 
-constexpr const char* kExamples = R"(
+constexpr const char* kInfoExamples = R"(
 Examples:
   tavmap info bold.nii.gz
   tavmap info maps_LH-V1.tav --labels dseg.nii.gz
@@ -45,7 +45,7 @@ void addInfoCommand(CLI::App& program) {
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
   verb->add_flag("--json", options->json, "machine-readable output");
-  verb->footer(kExamples);
+  verb->footer(kInfoExamples);
   verb->callback([options] { info(*options); });
 }
 

@@ -17,13 +17,13 @@
 namespace app {
 namespace {
 
-struct Arguments {
+struct RecoverArguments {
   std::string maps, truth, labels, condition;
   double q = 0.05;
   bool json = false;
 };
 
-constexpr const char* kExamples = R"(
+constexpr const char* kRecoverExamples = R"(
 Example:
   tavmap recover sim/maps/sim_Reference.tav sim/truth.json --labels sim/dseg.nii.gz
 
@@ -43,7 +43,7 @@ formats::ImageHeader headerOf(const formats::MapSet& maps) {
   return header;
 }
 
-std::vector<simulation::ConditionRecovery> assessAll(const Arguments& arguments) {
+std::vector<simulation::ConditionRecovery> assessAll(const RecoverArguments& arguments) {
   const formats::MapSet maps = formats::loadMapSet(arguments.maps);
   const simulation::Truth truth = simulation::readTruth(arguments.truth);
   const formats::LabelImage labels = formats::readLabelImage(arguments.labels);
@@ -57,7 +57,7 @@ std::vector<simulation::ConditionRecovery> assessAll(const Arguments& arguments)
   return recoveries;
 }
 
-void print(const std::vector<simulation::ConditionRecovery>& recoveries, const Arguments& arguments) {
+void print(const std::vector<simulation::ConditionRecovery>& recoveries, const RecoverArguments& arguments) {
   if (arguments.json) {
     std::cout << simulation::toJsonText(recoveries, arguments.q);
     return;
@@ -66,7 +66,7 @@ void print(const std::vector<simulation::ConditionRecovery>& recoveries, const A
   for (const simulation::ConditionRecovery& recovery : recoveries) std::cout << simulation::toText(recovery);
 }
 
-void recover(const Arguments& arguments) {
+void recover(const RecoverArguments& arguments) {
   std::vector<simulation::ConditionRecovery> recoveries;
   try {
     recoveries = assessAll(arguments);
@@ -88,14 +88,14 @@ void recover(const Arguments& arguments) {
 void addRecoverCommand(CLI::App& program) {
   CLI::App* command =
       program.add_subcommand("recover", "Compare maps of simulated data with what was planted");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<RecoverArguments>();
   command->add_option("maps", arguments->maps, "Map set of the reference region (.tav)")->required();
   command->add_option("truth", arguments->truth, "truth.json of the data set")->required();
   command->add_option("--labels", arguments->labels, "Label image of the regions")->required();
   command->add_option("--condition", arguments->condition, "Only this condition (default: each)");
   command->add_option("--q", arguments->q, "False discovery rate of the thresholds")->capture_default_str();
   command->add_flag("--json", arguments->json, "Print JSON");
-  command->footer(kExamples);
+  command->footer(kRecoverExamples);
   command->callback([arguments] { recover(*arguments); });
 }
 

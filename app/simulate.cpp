@@ -12,7 +12,7 @@
 namespace app {
 namespace {
 
-struct Arguments {
+struct SimulateArguments {
   std::string folder;
   std::vector<int> grid{24, 28, 20};
   simulation::DataSetOptions options;
@@ -20,7 +20,7 @@ struct Arguments {
   int participants = 2;
 };
 
-constexpr const char* kExamples = R"(
+constexpr const char* kSimulateExamples = R"(
 Examples:
   tavmap simulate sim
       two runs of 160 volumes, nine regions, truth.json
@@ -36,7 +36,7 @@ Examples:
 
 The same options give the same files, on every machine.)";
 
-void simulate(Arguments& arguments) {
+void simulate(SimulateArguments& arguments) {
   formats::GridSize& grid = arguments.options.head.grid;
   grid = {arguments.grid[0], arguments.grid[1], arguments.grid[2]};
   const std::string problem = simulation::problemWith(arguments.options);
@@ -55,7 +55,7 @@ void simulate(Arguments& arguments) {
 void addSimulateCommand(CLI::App& program) {
   CLI::App* command =
       program.add_subcommand("simulate", "A data set with planted influences and the truth beside it");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<SimulateArguments>();
   simulation::DataSetOptions& options = arguments->options;
   command->add_option("folder", arguments->folder, "Where to write; created when it is missing")->required();
   command->add_option("--seed", options.seed, "Another number, another data set")->capture_default_str();
@@ -75,7 +75,7 @@ void addSimulateCommand(CLI::App& program) {
       ->needs(bids)
       ->check(CLI::Range(1, simulation::kMostParticipants))
       ->capture_default_str();
-  command->footer(kExamples);
+  command->footer(kSimulateExamples);
   command->callback([arguments] { simulate(*arguments); });
 }
 

@@ -35,24 +35,39 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(tavmap_flags INTERFACE $<$<BOOL:${TAVMAP_PRECOMPILE}>:-fpch-preprocess>)
 endif()
 
+# tavmap_together(<target>): with TAVMAP_TOGETHER the compiler reads several of the target's files at a time, which
+# saves it most of their headers. Files with options of their own stay alone; so does what sets
+# SKIP_UNITY_BUILD_INCLUSION.
+function(tavmap_together target)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TAVMAP_TOGETHER} UNITY_BUILD_BATCH_SIZE 12)
+  if(TAVMAP_TOGETHER AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # a file is not a header because it is included
+    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+  endif()
+endfunction()
+
 # tavmap_library(<folder> SOURCES ... [LINKS ...]): the static library tavmap_<folder>.
 # LINKS are the layer's arrows and nothing else.
 function(tavmap_library folder)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_library(tavmap_${folder} STATIC ${ARG_SOURCES})
+  tavmap_together(tavmap_${folder})
   target_link_libraries(tavmap_${folder} PUBLIC tavmap_flags ${ARG_LINKS})
 endfunction()
 
 # tavmap_test(<name> SOURCES ... LINKS ... LABELS ...): one GoogleTest program; each test case
-# becomes a ctest test "<name>.<Suite>.<claim>" with the given labels.
+# becomes a ctest test "<name>.<Suite>.<claim>" with the given labels. APART: its files share names that the
+# compiler must not see together.
 function(tavmap_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "APART" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tavmap_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_options(${name} PRIVATE ${TAVMAP_TEST_OPTIONS})
+  if(NOT ARG_APART)
+    tavmap_together(${name})
+  endif()
   if(TAVMAP_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavmap_test_headers)
   endif()

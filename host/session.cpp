@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kColumns = 78;
+constexpr std::size_t kTextColumns = 78;
 
 void requireAnatomyFor(const SessionOptions& options) {
   if (!options.anatomyPath.empty()) return;
@@ -51,8 +51,8 @@ void setTimeBase(const std::optional<std::int64_t>& seed) {
 
 void introduce(const PluginLibrary& library, std::ostream& out) {
   out << dialogText(library.name()) << '\n'
-      << wrapped(dialogText(library.description()), kColumns) << '\n'
-      << wrapped(dialogText(library.author()), kColumns) << "\n\n"
+      << wrapped(dialogText(library.description()), kTextColumns) << '\n'
+      << wrapped(dialogText(library.author()), kTextColumns) << "\n\n"
       << std::flush;
 }
 

@@ -28,7 +28,7 @@ struct Tree {
   [[nodiscard]] std::string atlas() const { return folder + "/derivatives/atlas"; }
 };
 
-struct Series {
+struct SeriesPaths {
   std::string raw, preprocessed;  // paths without .nii.gz
 };
 
@@ -82,7 +82,7 @@ formats::ImageHeader seriesHeader(const Tree& tree, formats::DataType type) {
 }
 
 // The raw series is the other one rounded to whole numbers, as scanners give it.
-void writeSeries(const Tree& tree, const Series& paths, const Artefacts& artefacts, NoiseStream& random) {
+void writeSeries(const Tree& tree, const SeriesPaths& paths, const Artefacts& artefacts, NoiseStream& random) {
   Scan scan(tree.head, tree.model, artefacts, tree.options.volumes, random);
   formats::NiftiWriter raw(paths.raw + ".nii.gz", seriesHeader(tree, formats::DataType::kInt16));
   formats::NiftiWriter preprocessed(paths.preprocessed + ".nii.gz",

@@ -11,8 +11,8 @@ namespace {
 constexpr double kJump = 5;      // robust standard deviations of the differences
 constexpr double kOffLevel = 3;  // robust standard deviations of the level
 constexpr double kSettled = 1;   // the same
-constexpr double kShareOfVoxels = 0.2;
-constexpr int kFewestVolumes = 40;
+constexpr double kShareWithArtefact = 0.2;
+constexpr int kFewestForArtefacts = 40;
 constexpr std::size_t kJumpsWithin = 3;
 constexpr std::size_t kLevelFirst = 10, kLevelEnd = 110;  // volumes that show the level
 constexpr std::size_t kMostTransient = 20;
@@ -37,7 +37,7 @@ std::vector<bool> commonJumps(const Courses& courses) {
     for (std::size_t t = 0; t < counts.size(); ++t) counts[t] += jumps[t] ? 1U : 0U;
   }
   for (std::size_t t = 0; t < counts.size(); ++t)
-    common[t] = common[t] && courses.areMany(counts[t], kShareOfVoxels);
+    common[t] = common[t] && courses.areMany(counts[t], kShareWithArtefact);
   return common;
 }
 
@@ -68,17 +68,17 @@ int volumesUntilSettled(const std::vector<Series>& starts) {
 }  // namespace
 
 int countTransientVolumes(const Courses& courses) {
-  if (courses.length() < kFewestVolumes || startOf(courses.reference).empty()) return 0;
+  if (courses.length() < kFewestForArtefacts || startOf(courses.reference).empty()) return 0;
   std::vector<Series> starts;
   for (const Series& voxel : courses.voxels)
     if (Series start = startOf(voxel); !start.empty()) starts.push_back(std::move(start));
-  if (!courses.areMany(starts.size(), kShareOfVoxels)) return 0;
+  if (!courses.areMany(starts.size(), kShareWithArtefact)) return 0;
   return volumesUntilSettled(starts);
 }
 
 std::vector<int> findSpikes(const Courses& courses, int transient) {
   std::vector<int> volumes;
-  if (courses.length() < kFewestVolumes) return volumes;
+  if (courses.length() < kFewestForArtefacts) return volumes;
   const std::vector<bool> jumps = commonJumps(courses);
   for (std::size_t t = 1; t < jumps.size(); ++t) {
     const int volume = static_cast<int>(t);

@@ -86,6 +86,13 @@ Series solveLags(const simo::LaggedMoments& moments, Series right) {
   return right;
 }
 
+double sumOfSquares(const std::vector<Series>& residuals) {
+  double sum = 0;
+  for (const Series& stretch : residuals)
+    for (const double e : stretch) sum += e * e;
+  return sum;
+}
+
 std::optional<OwnModel> fitOwnModel(const std::vector<Series>& stretches, int order) {
   OwnModel model{{}, {}, momentsOf(stretches, order)};
   Series right;

@@ -21,6 +21,7 @@ struct OwnModel {
 
   [[nodiscard]] int order() const { return moments.order(); }
 };
+[[nodiscard]] double sumOfSquares(const std::vector<Series>& residuals);
 
 // Stretches that are not longer than the order add nothing. Nothing when the lags are degenerate.
 [[nodiscard]] std::optional<OwnModel> fitOwnModel(const std::vector<Series>& stretches, int order);

@@ -39,13 +39,6 @@ Series impulseResponse(const Series& a) {
   return response;
 }
 
-double sumOfSquares(const std::vector<Series>& residuals) {
-  double sum = 0;
-  for (const Series& stretch : residuals)
-    for (const double e : stretch) sum += e * e;
-  return sum;
-}
-
 // How x(t + d) and e(t) are related when errors are white: directly, and through mean and trend, which hold
 // e(t) and what errors made of x.
 class Relation {

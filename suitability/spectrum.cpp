@@ -14,7 +14,7 @@ constexpr double kNearlyNothing = 1e-3;
 constexpr double kOfHaemodynamic = 0.02;
 constexpr double kLowestUpperEdgeHz = 0.03;
 constexpr double kHighestLowerEdgeHz = 0.05;
-constexpr int kFewestVolumes = 40;
+constexpr int kFewestForSpectrum = 40;
 
 using Spectrum = std::vector<double>;
 
@@ -85,7 +85,7 @@ std::optional<std::size_t> lowerEdge(const Spectrum& s, double seconds) {
 
 EmptyBands findEmptyBands(const Courses& courses) {
   EmptyBands bands;
-  if (courses.length() < kFewestVolumes) return bands;
+  if (courses.length() < kFewestForSpectrum) return bands;
   const Spectrum s = meanDensity(courses);
   const double seconds = courses.seconds();
   const auto hz = [&](std::size_t bin) { return static_cast<double>(bin) / seconds; };

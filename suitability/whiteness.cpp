@@ -19,13 +19,6 @@ std::size_t totalLength(const std::vector<Series>& residuals) {
   return n;
 }
 
-double sumOfSquares(const std::vector<Series>& residuals) {
-  double sum = 0;
-  for (const Series& stretch : residuals)
-    for (const double e : stretch) sum += e * e;
-  return sum;
-}
-
 Product productAt(const std::vector<Series>& residuals, std::size_t lag) {
   Product product;
   for (const Series& e : residuals) {

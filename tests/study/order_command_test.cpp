@@ -65,7 +65,7 @@ TEST_F(OrderCommand, VoxelsAtTheInclusionThresholdAreLeftOut) {
 // map, q and order, and the curves of the criteria come as without it.
 TEST_F(OrderCommand, SensitivityShowsWhatPassesAtAllOrders) {
   const auto request = scratch_.write(
-      "o.toml", small_study::request("order_sample = 20\nmaps = ['REF2VOX', 'DTAV']\nq = [0.05]"));
+      "o.toml", small_study::request("order_sample = 20\nmap_types = ['REF2VOX', 'DTAV']\nq = [0.05]"));
   const ProgramResult result =
       tavmap({"order", request.string(), "--max-order", "2", "--sensitivity", "--json"}, folder());
   ASSERT_EQ(result.exitCode, 0) << result.err;

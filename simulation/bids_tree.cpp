@@ -82,7 +82,8 @@ formats::ImageHeader seriesHeader(const Tree& tree, formats::DataType type) {
 }
 
 // The raw series is the other one rounded to whole numbers, as scanners give it.
-void writeSeries(const Tree& tree, const SeriesPaths& paths, const Artefacts& artefacts, NoiseStream& random) {
+void writeSeries(const Tree& tree, const SeriesPaths& paths, const Artefacts& artefacts,
+                 NoiseStream& random) {
   Scan scan(tree.head, tree.model, artefacts, tree.options.volumes, random);
   formats::NiftiWriter raw(paths.raw + ".nii.gz", seriesHeader(tree, formats::DataType::kInt16));
   formats::NiftiWriter preprocessed(paths.preprocessed + ".nii.gz",

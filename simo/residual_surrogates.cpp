@@ -1,15 +1,14 @@
 #include "simo/residual_surrogates.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
+
+#include "simo/spikes.h"
 
 namespace simo {
 namespace {
 
 constexpr int kWarmUp = 200;
-// What counts as a spike, in standard deviations of the residuals: one in 500 million of Gaussian ones.
-constexpr double kSpike = 6;
 
 // The residuals about one straight line through all stretches.
 std::vector<double> withoutLine(std::span<const float> series, const std::vector<Stretch>& stretches) {
@@ -34,31 +33,15 @@ std::vector<double> withoutLine(std::span<const float> series, const std::vector
   return residuals;
 }
 
-int lengthOf(const std::vector<Stretch>& stretches) {
-  int length = 0;
-  for (const Stretch& stretch : stretches) length += stretch.end - stretch.first;
-  return length;
-}
-
-// The standard deviation of Gaussian values, from the median of their magnitudes, which spikes hardly move.
-double robustDeviation(std::vector<double> values) {
-  if (values.empty()) return 0;
-  for (double& value : values) value = std::abs(value);
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return 1.4826 * *middle;
-}
-
-// The values that follow a spike of the stretch within `length` values. A spike among them begins nothing
-// new: it may be the model's answer.
-void markFollowers(const std::vector<double>& innovations, const Stretch& stretch, double limit, int length,
+// Marks the values of the stretch that follow a spike within `length` values. A spike among them begins
+// nothing new: it may be the model's answer. spikes: one flag per value of the stretch.
+void markFollowers(std::vector<bool>::const_iterator spikes, const Stretch& stretch, int length,
                    std::vector<bool>& follows) {
   int end = stretch.first;  // behind the last value that follows
-  for (int t = stretch.first; t < stretch.end; ++t) {
-    const auto index = static_cast<std::size_t>(t);
+  for (int t = stretch.first; t < stretch.end; ++t, ++spikes) {
     if (t < end)
-      follows[index] = true;
-    else if (std::abs(innovations[index]) > limit)
+      follows[static_cast<std::size_t>(t)] = true;
+    else if (*spikes)
       end = t + 1 + length;
   }
 }
@@ -76,17 +59,18 @@ ResidualSurrogates::ResidualSurrogates(std::span<const float> series, const std:
       follows_(series.size(), false),
       simulated_(kWarmUp + series.size(), 0.0) {
   if (stretches.empty()) return;
-  model_ = fitBurg(withoutLine(series, stretches), stretches, mostBurgOrder(lengthOf(stretches)));
-  auto residual = model_.residuals.begin();
+  model_ = fitBetweenSpikes(withoutLine(series, stretches), stretches);
+  const std::vector<bool> spikes = spikesAmong(model_.residuals);
+  std::size_t first = 0;  // of the stretch, among the residuals
   for (const Stretch& stretch : stretches) {
     for (int t = stretch.first; t < stretch.end; ++t) {
-      innovations_[static_cast<std::size_t>(t)] = *residual++;
+      const std::size_t offset = first + static_cast<std::size_t>(t - stretch.first);
+      innovations_[static_cast<std::size_t>(t)] = model_.residuals[offset];
       known_[static_cast<std::size_t>(t)] = true;
     }
+    markFollowers(spikes.begin() + static_cast<std::ptrdiff_t>(first), stretch, model_.order(), follows_);
+    first += static_cast<std::size_t>(stretch.end - stretch.first);
   }
-  const double limit = kSpike * robustDeviation(model_.residuals);
-  const auto order = static_cast<int>(model_.coefficients.size());
-  for (const Stretch& stretch : stretches) markFollowers(innovations_, stretch, limit, order, follows_);
 }
 
 bool ResidualSurrogates::isDefined() const {

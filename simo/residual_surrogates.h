@@ -14,7 +14,8 @@ namespace simo {
 // times a random sign: a spike or a change of variance stays where it was, its sign and with it any
 // relation to another series does not. A spike that was added to the series, as movement adds it, does not
 // fade as the model says: the model answers with as many further residuals as it has coefficients. These
-// share the spike's sign, or the surrogates would hold echoes that the series does not have. The model
+// share the spike's sign, or the surrogates would hold echoes that the series does not have; and the model is
+// fitted to what lies between spikes, which would otherwise hide how the series remembers. The model
 // starts with a warm-up of residuals resampled with random signs; values outside the stretches get such
 // residuals as well.
 // (Sign flips of residuals: Wu 1986, the wild bootstrap, Annals of Statistics 14, 1261-1295,

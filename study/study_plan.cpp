@@ -161,7 +161,8 @@ std::string resultKey(const StudyPlan& plan, std::size_t region) {
   }
   addSettings(plan, key);
   addConditions(plan, key);
-  if (plan.request.settings.method != Method::kPlugin) key.add("direction", "reversed time");
+  if (plan.request.settings.method != Method::kPlugin)
+    key.add("direction", "reversed time").add("surrogates", "between spikes");
   // With method "plugin" a result depends on all references before it.
   const bool together = plan.request.settings.method == Method::kPlugin;
   for (std::size_t i = together ? 0 : region; i <= region; ++i) addRegion(plan.regions[i], key);

@@ -41,7 +41,7 @@ Course meanOf(const std::vector<Course>& courses) {
 
 formats::ImageHeader headerOf(const CellSetting& setting) {
   formats::ImageHeader header;
-  header.size = {kCellAcross, kCellAcross, kCellSlices + 1};
+  header.size = {kCellAcross, kCellAcross, setting.slices + 1};
   for (int axis = 0; axis < 3; ++axis) header.affine.at(axis, axis) = kVoxelMm;
   header.sformCode = 1;
   header.volumes = setting.volumes;
@@ -56,10 +56,10 @@ void put(const std::vector<Course>& courses, std::size_t first, std::size_t grid
       values[t * gridVoxels + first + i] = static_cast<float>(kBase + kSpread * courses[i][t]);
 }
 
-std::string voxelList(int count) {
+std::string voxelList(int count, int slice) {
   std::ostringstream text;
   for (int i = 0; i < count; ++i)
-    text << "[" << i % kCellAcross << ", " << i / kCellAcross << ", " << kCellSlices << "], ";
+    text << "[" << i % kCellAcross << ", " << i / kCellAcross << ", " << slice << "], ";
   return text.str();
 }
 
@@ -84,7 +84,7 @@ void CellData::forEachCourse(Change change) {
 
 void CellData::drawCourses(Generator& generator) {
   const auto volumes = static_cast<std::size_t>(setting_.volumes);
-  for (std::size_t i = 0; i < kCellVoxels; ++i) voxels_.push_back(setting_.voxel(volumes, generator));
+  for (std::size_t i = 0; i < setting_.voxels(); ++i) voxels_.push_back(setting_.voxel(volumes, generator));
   for (int i = 0; i < setting_.regionVoxels; ++i) region_.push_back(setting_.reference(volumes, generator));
   if (setting_.smoothField) {
     smoothInSpace(kCellAcross, voxels_);
@@ -102,7 +102,8 @@ void CellData::drawCourses(Generator& generator) {
 }
 
 void CellData::drive() {
-  driven_ = static_cast<std::size_t>(std::lround(setting_.drivenShare * kCellVoxels));
+  driven_ =
+      static_cast<std::size_t>(std::lround(setting_.drivenShare * static_cast<double>(setting_.voxels())));
   const Course driver = meanOf(region_);
   for (std::size_t i = 0; i < driven_; ++i) {
     double response = 0;
@@ -139,7 +140,7 @@ void CellData::write() const {
   const std::size_t gridVoxels = header.size.voxels();
   std::vector<float> values(gridVoxels * static_cast<std::size_t>(setting_.volumes), 0.0F);
   put(voxels_, 0, gridVoxels, values);
-  put(region_, kCellVoxels, gridVoxels, values);
+  put(region_, setting_.voxels(), gridVoxels, values);
   formats::NiftiWriter writer((folder() / "run.nii").string(), header, formats::Durability::kCached);
   writer.writeValues(values.data(), values.size());
   writer.commit();
@@ -164,7 +165,8 @@ std::string CellData::requestText() const {
   if (!confounds_.empty() || !movement_.empty()) text << "confounds = 'confounds.tsv'\n";
   if (!confounds_.empty()) text << "regress = ['confound*']\n";
   if (!movement_.empty()) text << "fd_threshold = " << kThresholdMm << "\n";
-  text << "[[reference]]\nname = 'reference'\nvoxels = [" << voxelList(setting_.regionVoxels) << "]\n"
+  text << "[[reference]]\nname = 'reference'\nvoxels = [" << voxelList(setting_.regionVoxels, setting_.slices)
+       << "]\n"
        << "[[condition]]\nname = 'all'\n";
   if (setting_.intervals.empty()) return text.str() + "whole_run = true\n";
   text << "intervals = [";

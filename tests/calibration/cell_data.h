@@ -11,10 +11,6 @@
 
 namespace calibration {
 
-// The grid: eight by eight voxels in four slices to map, and a last slice for the reference.
-inline constexpr int kCellAcross = 8, kCellSlices = 4;
-inline constexpr std::size_t kCellVoxels = std::size_t{kCellAcross} * kCellAcross * kCellSlices;
-
 class CellData {
  public:
   // Draws the courses and writes run.nii and, when there are any, confounds.tsv to a temporary folder, which

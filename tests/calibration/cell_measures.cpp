@@ -19,7 +19,7 @@ PowerRates& at(std::vector<PowerRates>& rates, std::size_t i) {
 template <typename Passes>
 void addPower(const CellData& data, Passes passes, PowerRates& rates) {
   double truly = 0, all = 0;
-  for (std::size_t voxel = 0; voxel < kCellVoxels; ++voxel) {
+  for (std::size_t voxel = 0; voxel < data.voxels().size(); ++voxel) {
     if (!passes(voxel)) continue;
     ++all;
     if (data.isDriven(voxel)) ++truly;
@@ -39,7 +39,7 @@ void addLeastSquares(const CellData& data, const CellSetting& setting, const Fou
   auto intervals = setting.intervals;
   if (intervals.empty()) intervals = {{1, setting.volumes}};
   std::vector<double> p;
-  for (std::size_t voxel = 0; voxel < kCellVoxels; ++voxel) {
+  for (std::size_t voxel = 0; voxel < data.voxels().size(); ++voxel) {
     const InfluenceTest test =
         testInfluence(data.reference(), data.voxels()[voxel], intervals, setting.order);
     p.push_back(test.p);

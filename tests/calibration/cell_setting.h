@@ -2,6 +2,7 @@
 #ifndef TAVMAP_TESTS_CALIBRATION_CELL_SETTING_H
 #define TAVMAP_TESTS_CALIBRATION_CELL_SETTING_H
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,10 +25,14 @@ enum class Movement {
   kBursts      // five bursts of six volumes
 };
 
+// The grid: eight by eight voxels in some slices to map, and a last slice for the reference.
+inline constexpr int kCellAcross = 8;
+
 struct CellSetting {
   std::string name;   // one word
   std::string words;  // for people
   int volumes = 200;
+  int slices = 4;  // to map
   double trSeconds = 2;
   CourseKind reference, voxel;
   int regionVoxels = 1;      // of the reference: a mean of so many courses
@@ -44,6 +49,10 @@ struct CellSetting {
   double drivenShare = 0, coupling = 0, memory = 0;
   int order = 1;            // of the models when it is not chosen
   bool isUnrelated = true;  // false: the reference is related to the voxels, by influence or artefacts
+
+  [[nodiscard]] std::size_t voxels() const {
+    return static_cast<std::size_t>(kCellAcross) * kCellAcross * static_cast<std::size_t>(slices);
+  }
 };
 
 }  // namespace calibration

@@ -6,6 +6,8 @@ namespace calibration {
 namespace {
 
 constexpr double kScannerNoise = 0.7;
+// 2,048 voxels: with fewer the null draws of all of them say little of the tail that thresholds lie in.
+constexpr int kSlicesOfDriven = 32;
 
 CellSetting cell(const std::string& name, const std::string& words, const CourseKind& kind) {
   CellSetting setting;
@@ -123,6 +125,7 @@ CellSetting driven(const char* name, const char* words, int volumes, double coup
   setting.coupling = coupling;
   setting.memory = kMemory;
   setting.drivenShare = 0.1;
+  setting.slices = kSlicesOfDriven;
   setting.isUnrelated = false;
   return setting;
 }

@@ -186,6 +186,18 @@ TEST_F(Ending, TheSecondOfTwoIsToldWhoWorksThere) {
   EXPECT_EQ(leftovers(results()), std::set<std::string>());
 }
 
+TEST_F(Ending, ASummaryThatCannotBeWrittenIsAFailure) {
+  const fs::path request = write();
+  const ProgramResult result = tavmap({{"run", request.string(), "--json"},
+                                       folder(),
+                                       "",
+                                       {"/bin/sh", "-c", R"(exec "$0" "$@" > /dev/full)"}});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("tavmap: cannot write to standard output ("), std::string::npos) << result.err;
+  EXPECT_EQ(kept(run(request, {"--json"})),
+            std::vector<bool>(3, true));  // the results are there all the same
+}
+
 TEST_F(Ending, ATruncatedMapIsMadeAgain) {
   const fs::path request = write();
   ASSERT_EQ(run(request).exitCode, 0);

@@ -19,7 +19,7 @@ endfunction()
 if(HELP2MAN)
   tavmap_made_from_program(man "manual pages" COMMAND
     ${CMAKE_SOURCE_DIR}/scripts/make-manual $<TARGET_FILE:tavmap> ${CMAKE_CURRENT_BINARY_DIR}/man ${PROJECT_VERSION})
-  install(DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT manual)
 else()
   message(STATUS "No help2man: the manual pages are left out")
 endif()
@@ -28,9 +28,10 @@ if(Python3_FOUND)
   tavmap_made_from_program(completions "completions of shells" COMMAND
     Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/scripts/make-completions $<TARGET_FILE:tavmap> ${completions})
   install(FILES ${completions}/tavmap.bash RENAME tavmap
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-  install(FILES ${completions}/_tavmap DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-  install(FILES ${completions}/tavmap.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT manual)
+  install(FILES ${completions}/_tavmap DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT manual)
+  install(FILES ${completions}/tavmap.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+    COMPONENT manual)
 else()
   message(STATUS "No Python 3: the completions of shells are left out")
 endif()

@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Completions and manual pages, made from the built program. Usage: completions_test.py SOURCES PROGRAM"""
+"""Completions and manual pages, made from the built program, and installed.
+Usage: completions_test.py SOURCES PROGRAM CMAKE BUILD_DIR
+"""
 
 import re
 import shutil
@@ -9,7 +11,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-SOURCES, PROGRAM = Path(sys.argv[1]), sys.argv[2]
+SOURCES, PROGRAM, CMAKE, BUILD = Path(sys.argv[1]), *sys.argv[2:5]
 
 
 def output_of(*command):
@@ -71,6 +73,16 @@ class Manual(InFolder):
         for text in ("tavmap-run - Compute the maps of a request", "--work-dir", "tavmap run --example > study.toml"):
             self.assertIn(text, page.replace("\\fR", "").replace("\\fB", "").replace("\\fI", ""))
         self.assertNotIn("ELF", page)
+
+
+class Installation(InFolder):
+    def test_every_file_lies_where_its_reader_looks(self):
+        output_of(CMAKE, "--install", BUILD, "--prefix", self.folder, "--component", "manual")
+        installed = {str(file.relative_to(self.folder)) for file in self.folder.rglob("*") if file.is_file()}
+        pages = {"tavmap.1"} | {f"tavmap-{verb}.1" for verb in verbs()} if shutil.which("help2man") else set()
+        self.assertEqual(installed, {f"share/man/man1/{page}" for page in pages} | {
+            "share/bash-completion/completions/tavmap", "share/zsh/site-functions/_tavmap",
+            "share/fish/vendor_completions.d/tavmap.fish"})
 
 
 if __name__ == "__main__":

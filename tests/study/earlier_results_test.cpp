@@ -65,7 +65,8 @@ class EarlierResults : public ::testing::Test {
         condition.sets.push_back({set.source, set.target, set.ranges, set.effectiveVolumes});
       for (const tav::MapType type : plan.request.settings.mapTypes) {
         condition.maps.push_back({type, "", {}});
-        for (const double q : plan.request.settings.qValues) condition.maps.back().thresholds.push_back({q, {}, 0, 0});
+        for (const double q : plan.request.settings.qValues)
+          condition.maps.back().thresholds.push_back({q, {}, 0, 0});
       }
     }
     return result;

@@ -24,7 +24,7 @@ struct BidsArguments {
   std::string level, bidsDir, outDir, workDir, filterFile, configFile, atlas, atlasTable, drop;
   std::vector<std::string> derivatives, confounds;
   double fdThreshold = -1;
-  bool stopOnFirstCrash = false, reportsOnly = false;
+  bool stopOnFirstCrash = false, reportsOnly = false, leaveOutOutdated = false;
   bool ignored = false;  // flags that schedulers pass and nothing here needs
   double ignoredMegabytes = 0;
   StudyArguments study;
@@ -58,15 +58,19 @@ int participants(const BidsArguments& arguments) {
   study::StudyOptions run;
   run.stopOnFirstCrash = arguments.stopOnFirstCrash;
   run.datasetFolder = arguments.outDir;
-  return runRequests(study::bidsRequests(options), run, arguments.study);
+  study::BidsRequests made = study::bidsRequests(options);
+  run.withoutRequest = std::move(made.failures);
+  return runRequests(made.requests, run, arguments.study);
 }
 
 int group(const BidsArguments& arguments) {
   study::requireOutputElsewhere(arguments.bidsDir, arguments.outDir);
-  const study::GroupResult result = study::readGroup(arguments.outDir, arguments.options.query);
+  const auto outdated = arguments.leaveOutOutdated ? study::Outdated::kLeftOut : study::Outdated::kRefused;
+  const study::GroupResult result =
+      study::readGroup(arguments.outDir, {arguments.bidsDir, arguments.options.query, outdated});
   for (const std::string& failure : result.failures) std::cerr << "tavmap: " << failure << "\n";
   if (result.records.empty()) {
-    throw study::RunError(fmt::format("no record could be read; {} is not written", study::kGroupTable));
+    throw study::RunError(fmt::format("no record could be used; {} is not written", study::kGroupTable));
   }
   const std::size_t rows = study::writeGroupTable(result, arguments.outDir);
   study::explainOutputFolder(arguments.outDir);
@@ -149,7 +153,9 @@ constexpr const char* kFooter =
     "numbers of\n"
     "voxels that pass, peaks; one row per record, condition, map and q. It computes no map and tests "
     "nothing. Options\n"
-    "that apply to it: --participant-label, --session-label, --task-label, --space, --quiet, --json.\n\n"
+    "that apply to it: --participant-label, --session-label, --task-label, --space, --leave-out-outdated, "
+    "--quiet,\n"
+    "--json.\n\n"
     "Examples:\n"
     "  tavmap bids /data /out participant --derivatives /data/derivatives/fmriprep \\\n"
     "      --participant-label 01 02 --task-id rest --atlas atlas_dseg.nii.gz --labels LH-V1\n"
@@ -170,6 +176,8 @@ void addBidsCommand(CLI::App& program) {
   addQueryOptions(*command, arguments->options.query);
   addInputOptions(*command, *arguments);
   addSchedulerOptions(*command, *arguments);
+  command->add_flag("--leave-out-outdated,--leave_out_outdated", arguments->leaveOutOutdated,
+                    "Group level: go on without records whose inputs are gone or were changed since");
   addStudyOptions(*command, arguments->study);
   command->set_version_flag("--version", std::string("tavmap ") + softwareVersion());
   command->footer(kFooter);

@@ -1,5 +1,8 @@
 // `tavmap`: one subcommand per verb.
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -8,6 +11,7 @@
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
+#include "app/suggestions.h"
 #include "formats/file_error.h"
 #include "tav/voxel_path.h"
 
@@ -45,14 +49,26 @@ int run(int argc, char** argv) {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     // CLI11 has an exit code for every kind of wrong usage; callers need only one.
-    return program.exit(error) == 0 ? app::kDone : app::kWrongInput;
+    if (program.exit(error) == 0) return app::kDone;
+    for (const std::string& sentence : app::suggestionsFor(program))
+      std::cerr << "tavmap: " << sentence << '\n';
+    return app::kWrongInput;
   }
   return app::kDone;
 }
 
-}  // namespace
+// What was printed has arrived, or the program has failed: a full disk may tell only now.
+int afterOutput(int exitCode) {
+  errno = 0;
+  const bool isFlushed = std::fflush(stdout) == 0;
+  if (isFlushed && std::cout.good()) return exitCode;
+  std::cerr << "tavmap: cannot write to standard output ("
+            << (errno != 0 ? std::strerror(errno) : "its disk is full, or it is closed")
+            << "); free some space or send it elsewhere, and repeat the command\n";
+  return exitCode == app::kDone ? app::kFailed : exitCode;
+}
 
-int main(int argc, char** argv) {
+int runAndReport(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const app::Reported& reported) {
@@ -64,4 +80,10 @@ int main(int argc, char** argv) {
   } catch (const std::exception& error) {
     return report(error, app::kFailed);
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return afterOutput(runAndReport(argc, argv));
 }

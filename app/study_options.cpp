@@ -23,7 +23,10 @@ void addStudyOptions(CLI::App& command, StudyArguments& arguments) {
       .add_option("--seed,--random-seed", arguments.seed,
                   "Seed of all random numbers; stored with every result")
       ->check(CLI::Range(0U, 2147483647U));
-  command.add_flag("--force", arguments.force, "Compute again what is finished");
+  command.add_flag(
+      "--force", arguments.force,
+      "Compute again what is finished, replace what another request made under the same names, and "
+      "remove results of references that are no longer asked for");
   command.add_flag("-q,--quiet", arguments.quiet, "No progress and no summary; failures are still told");
   command.add_flag("--json", arguments.json, "Print the summary as JSON");
 }
@@ -46,7 +49,8 @@ int runRequests(const std::vector<study::Request>& requests, study::StudyOptions
     study::printSummary(outcome, std::cout);
   }
   if (!outcome.failed()) return kDone;
-  return requests.size() == 1 && outcome.inputProblem ? kWrongInput : kFailed;
+  const bool isAlone = requests.size() == 1 && options.withoutRequest.empty();
+  return isAlone && outcome.inputProblem ? kWrongInput : kFailed;
 }
 
 void leaveWith(const std::function<int()>& action) {

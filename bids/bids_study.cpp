@@ -95,16 +95,13 @@ void requireEvents(const std::vector<ConditionRequest>& conditions, const RunReq
   }
 }
 
-Request groupRequest(const BidsGroup& group, const BidsOptions& options) {
-  Request request;
+Request groupRequest(const BidsGroup& group, const BidsOptions& options, Request request) {
   request.title = group.entities();
   request.settings = options.configuration.settings;
   request.seed = options.configuration.seed;
   request.output.prefix = group.entities();
   request.output.folder = options.outDir / group.folder();
   request.output.workFolder = options.workDir.empty() ? options.outDir / "work" : options.workDir;
-  request.references = references(options);
-  request.conditions = conditions(options);
   for (const BidsRun& run : group.runs) {
     request.runs.push_back(runRequest(run, options.configuration.preparation));
     requireEvents(request.conditions, request.runs.back());
@@ -131,13 +128,22 @@ void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::fil
   }
 }
 
-std::vector<Request> bidsRequests(const BidsOptions& options) {
+BidsRequests bidsRequests(const BidsOptions& options) {
   requireOutputElsewhere(options.bidsDir, options.outDir);
-  std::vector<Request> requests;
-  for (const BidsGroup& group : findBidsGroups(options.bidsDir, options.derivatives, options.query)) {
-    requests.push_back(groupRequest(group, options));
+  const std::vector<BidsGroup> groups = findBidsGroups(options.bidsDir, options.derivatives, options.query);
+  Request shared;
+  shared.references = references(options);
+  shared.conditions = conditions(options);
+  BidsRequests made;
+  for (const BidsGroup& group : groups) {
+    try {
+      made.requests.push_back(groupRequest(group, options, shared));
+    } catch (const InputError& error) {
+      if (groups.size() == 1) throw;
+      made.failures.push_back(fmt::format("{}: {}", group.entities(), error.what()));
+    }
   }
-  return requests;
+  return made;
 }
 
 }  // namespace study

@@ -26,10 +26,17 @@ struct BidsOptions {
 // Throws InputError when the output would go into the data set's own top folder.
 void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::filesystem::path& outDir);
 
-// Throws InputError as findBidsGroups does, and when there is no reference, when a run lacks the
-// events or confounds that it needs, or when an option and the configuration contradict each other.
-// Outputs are named after the entities that the runs of a group share.
-[[nodiscard]] std::vector<Request> bidsRequests(const BidsOptions& options);
+struct BidsRequests {
+  std::vector<Request> requests;
+  std::vector<std::string>
+      failures;  // one per participant, session and task without a request: whose, and why
+};
+
+// Throws InputError as findBidsGroups does, when there is no reference, and when an option and the
+// configuration contradict each other. A run that lacks the events or confounds that it needs costs its
+// own participant, session and task the request; when there are no others it is an InputError. Outputs are
+// named after the entities that the runs of a group share.
+[[nodiscard]] BidsRequests bidsRequests(const BidsOptions& options);
 
 }  // namespace study
 

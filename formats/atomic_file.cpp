@@ -30,12 +30,12 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
-// ".NAME.PID-N.part" beside the final name, which no other file of this process gets.
+// ".tavmap.PID-N.part" beside the final name, which no other file of this process gets. Without the final
+// name in it, since that may be as long as names can be.
 std::string nextTemporaryName(const std::string& path) {
   static unsigned counter = 0;
-  const std::filesystem::path whole(path);
-  const std::string name = fmt::format(".{}.{}-{}.part", whole.filename().string(), ::getpid(), ++counter);
-  return (whole.parent_path() / name).string();
+  const std::string name = fmt::format(".tavmap.{}-{}.part", ::getpid(), ++counter);
+  return (std::filesystem::path(path).parent_path() / name).string();
 }
 
 // The rows from byte `done` of all of them on, as many as there are places in `pieces`.
@@ -216,7 +216,7 @@ void AtomicFile::fail(const char* doing) {
                   remedyFor(error), Fault::kSystem);
 }
 
-// ".NAME.PROCESS-NUMBER.part"
+// ".NAME.PROCESS-NUMBER.part", whatever the name: earlier versions put the final one there.
 bool isTemporaryName(const std::string& name) {
   constexpr std::string_view kEnd = ".part", kDigits = "0123456789";
   if (!name.starts_with('.') || !name.ends_with(kEnd)) return false;

@@ -10,6 +10,7 @@
 
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
+#include "formats/lock_owner.h"
 
 namespace formats {
 namespace {
@@ -46,6 +47,14 @@ void removeClaimed(const fs::path& folder) noexcept {
   std::error_code ignored;
   fs::remove_all(folder, ignored);
   ::unlink(lockOf(folder).c_str());
+}
+
+[[noreturn]] void failTaken(const fs::path& folder, int lock) {
+  const std::string owner = readLockOwner(lock);
+  throw FileError(folder.parent_path().string(),
+                  fmt::format("another process is at work here under the same names{}{}",
+                              owner.empty() ? "" : ": ", owner),
+                  "Wait until it is done, or choose another output folder", Fault::kSystem);
 }
 
 [[noreturn]] void failMaking(const fs::path& folder, const std::string& why) {
@@ -101,10 +110,8 @@ ClaimedFolder::ClaimedFolder(const fs::path& parent, const std::string& name)
     : path_(parent / (kBegin + name)) {
   Claim claimed = claim(path_);
   if (claimed.lock.get() < 0) failMaking(path_, std::strerror(errno));
-  if (claimed.state == FileLock::kTaken) {
-    throw FileError(path_.string(), "another process is at work in this folder",
-                    "Wait until it is done, or choose another output folder", Fault::kSystem);
-  }
+  if (claimed.state == FileLock::kTaken) failTaken(path_, claimed.lock.get());
+  writeLockOwner(claimed.lock.get());
   lock_ = std::move(claimed.lock);
   makeEmpty(path_);
 }

@@ -11,10 +11,11 @@ namespace formats {
 
 // An empty folder of this process alone, ".tavmap-NAME" in another folder, removed with the object.
 // While it lives, a lock on ".tavmap-NAME.lock" says so to others, who leave it alone.
+// The file says who has it (lock_owner.h).
 class ClaimedFolder {
  public:
-  // Removes what a dead process left under the name. Throws FileError: a living process has it, or it
-  // cannot be made.
+  // Removes what a dead process left under the name. Throws FileError: a living process has it (which one,
+  // and since when), or it cannot be made.
   ClaimedFolder(const std::filesystem::path& parent, const std::string& name);
   ~ClaimedFolder();
   ClaimedFolder(ClaimedFolder&& other) noexcept = default;

@@ -9,6 +9,7 @@
 #include "bids/bids_filter.h"
 #include "formats/file_error.h"
 #include "group/group_settings.h"
+#include "group/present_inputs.h"
 #include "request/problem.h"
 #include "results/record_json.h"
 
@@ -40,12 +41,11 @@ Record readSorted(const fs::path& file) {
   return record;
 }
 
-void readRecord(const RecordFile& file, const fs::path& outDir, GroupResult& group, SettingsSeen& settings) {
+void readRecord(const RecordFile& file, const fs::path& outDir, GroupResult& group) {
   const std::string remedy =
       fmt::format("; left out, run the participant level of 'sub-{}' again", file.name.get("sub"));
   try {
     Record record = readSorted(file.path);
-    settings.add(record);
     group.records.push_back(
         {file.name, file.path.lexically_relative(outDir).generic_string(), std::move(record)});
   } catch (const formats::FileError& error) {
@@ -113,6 +113,41 @@ void choose(const BidsQuery& query, std::vector<RecordFile>& records) {
   }
 }
 
+std::string outdatedText(const GroupRecord& record, const std::vector<std::string>& problems) {
+  constexpr std::size_t kMostProblems = 3;
+  std::string text = record.file + ":";
+  for (std::size_t i = 0; i < std::min(problems.size(), kMostProblems); ++i)
+    text += fmt::format("{} {}", i > 0 ? "," : "", problems[i]);
+  if (problems.size() > kMostProblems) text += fmt::format(" and {} more", problems.size() - kMostProblems);
+  return text;
+}
+
+void refuse(const std::vector<std::string>& outdated) {
+  std::string text = "these records do not belong to the present inputs:";
+  for (const std::string& record : outdated) text += "\n  " + record;
+  throw InputError(
+      text +
+      "\nrun the participant level again for them, with --force, or give --leave-out-outdated to go on "
+      "without them");
+}
+
+// A record outlives its inputs.
+void holdAgainstInputs(const fs::path& outDir, const GroupOptions& options, GroupResult& group) {
+  PresentInputs inputs(options.bidsDir, outDir);
+  std::vector<std::string> outdated;
+  std::erase_if(group.records, [&](const GroupRecord& record) {
+    const std::vector<std::string> problems = inputs.problemsOf(record.record, outDir / record.file);
+    if (!problems.empty()) outdated.push_back(outdatedText(record, problems));
+    return !problems.empty();
+  });
+  for (const std::string& folder : inputs.missing())
+    group.cautions.push_back(
+        fmt::format("there is no folder {}; records were not held against their inputs there", folder));
+  if (!outdated.empty() && options.outdated == Outdated::kRefused) refuse(outdated);
+  for (const std::string& record : outdated)
+    group.cautions.push_back(fmt::format("left out, not belonging to the present inputs: {}", record));
+}
+
 auto subjectOf(const GroupRecord& record) {
   return std::tuple(record.name.get("sub"), record.name.get("ses"), record.name.get("task"),
                     record.record.reference);
@@ -131,12 +166,14 @@ void tellRepeated(const std::vector<GroupRecord>& records, std::vector<std::stri
 
 }  // namespace
 
-GroupResult readGroup(const fs::path& outDir, const BidsQuery& query) {
+GroupResult readGroup(const fs::path& outDir, const GroupOptions& options) {
   GroupResult group;
   std::vector<RecordFile> files = recordsOfParticipants(outDir, group.cautions);
-  choose(query, files);
+  choose(options.query, files);
+  for (const RecordFile& file : files) readRecord(file, outDir, group);
+  holdAgainstInputs(outDir, options, group);
   SettingsSeen settings;
-  for (const RecordFile& file : files) readRecord(file, outDir, group, settings);
+  for (const GroupRecord& record : group.records) settings.add(record.record);
   std::stable_sort(group.records.begin(), group.records.end(),
                    [](const GroupRecord& a, const GroupRecord& b) {
                      return std::tuple_cat(subjectOf(a), std::tie(a.file)) <

@@ -27,10 +27,20 @@ struct GroupResult {
   std::vector<std::string> failures;  // one per record that could not be read, naming it
 };
 
+// Records whose inputs are gone or were changed since.
+enum class Outdated { kRefused, kLeftOut };
+
+struct GroupOptions {
+  std::filesystem::path bidsDir;  // the data set that the records were made from
+  BidsQuery query;
+  Outdated outdated = Outdated::kRefused;
+};
+
 // Reads every *_tavmap.json of a participant below outDir, as far as the query's participants,
-// sessions, tasks and space ask for it. Throws InputError when there is none, or when a label
-// matches nothing.
-[[nodiscard]] GroupResult readGroup(const std::filesystem::path& outDir, const BidsQuery& query);
+// sessions, tasks and space ask for it. Throws InputError when there is none, when a label matches nothing,
+// or, unless they are to be left out, when a record does not belong to the present inputs
+// (present_inputs.h); the message names them all.
+[[nodiscard]] GroupResult readGroup(const std::filesystem::path& outDir, const GroupOptions& options);
 
 }  // namespace study
 

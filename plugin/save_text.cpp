@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -27,11 +28,19 @@ bool replaceFile(const std::string& temporary, const std::string& path, const st
   return false;
 }
 
+// Beside the file, and short: the final name may be as long as names can be. The process id keeps two runs
+// with one prefix from writing into each other's temporary file, the hash other files of a folder.
+std::string temporaryFor(const std::string& path) {
+  const std::string::size_type slash = path.rfind('/');
+  const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+  return folder + ".tav" + std::to_string(std::hash<std::string>{}(path)) + "-" + std::to_string(getpid()) +
+         ".tmp";
+}
+
 }  // namespace
 
 std::string saveTextWhole(const std::string& path, const std::string& text) {
-  // The process id keeps two runs with one prefix from writing into each other's temporary file.
-  const std::string temporary = path + ".tmp" + std::to_string(getpid());
+  const std::string temporary = temporaryFor(path);
   errno = 0;
   if (replaceFile(temporary, path, text)) return "";
   return errno != 0 ? std::strerror(errno) : "unknown error";

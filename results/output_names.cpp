@@ -3,23 +3,65 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "bids/bids_names.h"
+#include "formats/file_error.h"
 #include "request/problem.h"
+#include "results/record_json.h"
 
 namespace study {
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> uniqueLabels(const std::vector<std::string>& names) {
+namespace {
+
+// Names of files beside the record, and nothing that leads elsewhere.
+std::set<std::string> plainNames(const Record& record) {
+  std::set<std::string> names;
+  for (const auto& [name, size] : record.files) {
+    if (!name.empty() && name != ".." && fs::path(name).filename() == name) names.insert(name);
+  }
+  return names;
+}
+
+// Of the result that a record stands for; none when there is no whole one.
+std::set<std::string> filesOfResult(const fs::path& record) {
+  if (!fs::exists(record)) return {};
+  try {
+    return plainNames(readRecordFile(record.string()));
+  } catch (const formats::FileError&) {
+    return {};
+  }
+}
+
+void removeFile(const fs::path& file) {
+  std::error_code error;
+  fs::remove(file, error);
+  if (error) throw RunError(fmt::format("cannot remove {}: {}", file.string(), error.message()));
+}
+
+void moveFile(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::rename(from, to, error);
+  if (error) throw RunError(fmt::format("cannot write {}: {}", to.string(), error.message()));
+}
+
+}  // namespace
+
+std::vector<std::string> labelsOf(const std::vector<std::string>& names, const char* what,
+                                  const std::string& where) {
   std::vector<std::string> labels;
-  std::set<std::string> taken;
+  std::map<std::string, std::string> taken;
   for (const std::string& name : names) {
-    const std::string base = bidsLabel(name);
-    std::string label = base;
-    for (int number = 2; !taken.insert(label).second; ++number) label = fmt::format("{}n{}", base, number);
-    labels.push_back(label);
+    labels.push_back(bidsLabel(name));
+    const auto [other, isNew] = taken.emplace(labels.back(), name);
+    if (isNew) continue;
+    throw InputError(
+        fmt::format("{}: the {} '{}' and '{}' would share their files, whose names keep letters and digits "
+                    "alone ('{}'); rename one, or take them in two requests with different prefixes",
+                    where, what, other->second, name, labels.back()));
   }
   return labels;
 }
@@ -90,15 +132,19 @@ std::vector<std::string> Staging::publish(const std::string& record) {
   }
   std::sort(files.begin(), files.end());
   files.push_back(record);
+  std::set<std::string> outdated = filesOfResult(output_ / record);
+  for (const std::string& name : files) outdated.erase(name);
   // An older record must not vouch for a mixture of its files and new ones.
   std::error_code ignored;
   fs::remove(output_ / record, ignored);
-  for (const std::string& name : files) {
-    std::error_code error;
-    fs::rename(folder() / name, output_ / name, error);
-    if (error) throw RunError(fmt::format("cannot write {}: {}", (output_ / name).string(), error.message()));
-  }
+  for (const std::string& name : outdated) removeFile(output_ / name);
+  for (const std::string& name : files) moveFile(folder() / name, output_ / name);
   return files;
+}
+
+void removeResult(const fs::path& outputFolder, const std::string& recordFile, const Record& record) {
+  removeFile(outputFolder / recordFile);
+  for (const std::string& name : plainNames(record)) removeFile(outputFolder / name);
 }
 
 }  // namespace study

@@ -9,13 +9,16 @@
 #include <vector>
 
 #include "formats/claimed_folder.h"
+#include "results/record.h"
 #include "results/results.h"
 
 namespace study {
 
-// Alphanumeric labels for a list of names, all different: a label that two names share gets a
-// number at its end from the second on.
-[[nodiscard]] std::vector<std::string> uniqueLabels(const std::vector<std::string>& names);
+// Alphanumeric labels for a list of names, each from its name alone: what else is asked for must not
+// decide which files a result has. Throws InputError when two names share a label. what: "references";
+// where begins the message.
+[[nodiscard]] std::vector<std::string> labelsOf(const std::vector<std::string>& names, const char* what,
+                                                const std::string& where);
 
 // File names of one reference. prefix: entities or a plain word; seed: the reference's label.
 class OutputNames {
@@ -42,6 +45,10 @@ class OutputNames {
   std::string prefix_, seed_;
 };
 
+// Removes a result, its record first. Files that the record names outside the folder stay. Throws RunError.
+void removeResult(const std::filesystem::path& outputFolder, const std::string& recordFile,
+                  const Record& record);
+
 // A folder inside the output folder in which a result's files are made. publish() moves them into
 // the output folder, the record last, so that a result either has its record or does not count. What
 // a killed process leaves of it, formats::removeAbandoned() removes.
@@ -52,7 +59,8 @@ class Staging {
   Staging(const std::filesystem::path& outputFolder, const std::string& prefix, const std::string& label);
   [[nodiscard]] std::filesystem::path path(const std::string& file) const { return folder() / file; }
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
-  // Throws RunError. Returns the names of the files, the record included.
+  // Files of the result that was there go where the new one has none of their names. Throws RunError.
+  // Returns the names of the files, the record included.
   std::vector<std::string> publish(const std::string& record);
 
  private:

@@ -69,7 +69,9 @@ void ProgressBar::onProgress(double doneWeight, double totalWeight) {
 
 void ProgressBar::onFinished(const WorkPiece& piece, const WorkOutcome& outcome) {
   if (outcome.done && style_ == ProgressStyle::kLines) say("done: " + piece.name);
-  if (!outcome.done) say(fmt::format("FAILED: {}: {}", piece.name, outcome.message));
+  if (outcome.done || (piece.isTriedInParts && style_ == ProgressStyle::kQuiet)) return;
+  say(fmt::format("{}: {}: {}", piece.isTriedInParts ? "tried again one by one" : "FAILED", piece.name,
+                  outcome.message));
 }
 
 void ProgressBar::say(const std::string& line) {

@@ -9,6 +9,7 @@
 #include "prepare/prepare.h"
 #include "request/problem.h"
 #include "study/child_process.h"
+#include "study/earlier_results.h"
 #include "study/order_evidence.h"
 #include "study/reference_job.h"
 
@@ -55,10 +56,10 @@ void RequestRun::start() {
 
 // What a worker finds in its job file, it plans again; see worker_job.h.
 void RequestRun::addWork(const std::string& name, double weight, const WorkerJob& job,
-                         std::function<void(const WorkOutcome&)> finished) {
+                         std::function<void(const WorkOutcome&)> finished, bool isTriedInParts) {
   const fs::path file = folders_.writeJob(plan_.workFolder, jobText(job));
   pool_.add({fmt::format("{}: {}", plan_.request.title, name), weight, workerCommand(options_, file),
-             std::move(finished)});
+             std::move(finished), isTriedInParts});
 }
 
 void RequestRun::addImport(std::size_t run) {
@@ -91,18 +92,31 @@ void RequestRun::addOrder() {
 
 void RequestRun::takeOrder(const WorkOutcome& work) {
   OrderEvidence evidence = orderFromJson(Json::parse(work.result));
-  const fs::path file =
-      plan_.request.output.folder / (plan_.request.output.prefix + "_desc-order_timeseries.tsv");
-  formats::writeTextFile(file.string(), orderTable(evidence));
   const int best = evidence.best(plan_.request.settings.orderChoice);
-  outcome_.orders.push_back({plan_.request.title, std::move(evidence)});
-  if (options_.ordersOnly) return;
   try {
+    refuseOtherOrder(best);
+    const fs::path file =
+        plan_.request.output.folder / (plan_.request.output.prefix + "_desc-order_timeseries.tsv");
+    formats::writeTextFile(file.string(), orderTable(evidence));
+    outcome_.orders.push_back({plan_.request.title, std::move(evidence)});
+    if (options_.ordersOnly) return;
     settleOrder(plan_, best);
   } catch (const InputError& error) {
     return fail({false, true, error.what(), ""}, plan_.request.title);
   }
   addReferences();
+}
+
+// Which order the data speak for may have changed although the request has not.
+void RequestRun::refuseOtherOrder(int order) const {
+  if (options_.ordersOnly || options_.force) return;
+  StudyPlan settled = plan_;
+  try {
+    settleOrder(settled, order);
+  } catch (const InputError&) {
+    return;  // it will overwrite nothing
+  }
+  refuseOtherRequests({settled}, OrderIs::kSettled);
 }
 
 bool RequestRun::keep(std::size_t region) {
@@ -149,15 +163,21 @@ void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions) {
   if (regions.size() > 1) name += fmt::format(" and {} more", regions.size() - 1);
   const double weight =
       workOfReferences() * static_cast<double>(regions.size()) / static_cast<double>(plan_.regions.size());
-  addWork(name, weight, referencesJob(plan_, regions),
-          [this, regions](const WorkOutcome& done) { settleResults(regions, done); });
+  addWork(
+      name, weight, referencesJob(plan_, regions),
+      [this, regions](const WorkOutcome& done) { settleResults(regions, done); }, isTriedInParts(regions));
 }
 
-// A worker with several references may have finished some before it failed. The others of a method
-// that lets them go on alone get a worker each, so that one bad reference takes no other with it.
-void RequestRun::settleResults(const std::vector<std::size_t>& regions, const WorkOutcome& work) {
+// The others of a worker that failed get one each where the method lets them go on alone.
+bool RequestRun::isTriedInParts(const std::vector<std::size_t>& regions) const {
   const bool alone = regions.size() == 1 || plan_.request.settings.method == Method::kPlugin;
-  const bool retry = !work.done && !alone && !options_.stopOnFirstCrash;
+  return !alone && !options_.stopOnFirstCrash;
+}
+
+// A worker with several references may have finished some before it failed. The others are tried alone, so
+// that one bad reference takes no other with it.
+void RequestRun::settleResults(const std::vector<std::size_t>& regions, const WorkOutcome& work) {
+  const bool retry = !work.done && isTriedInParts(regions);
   for (const std::size_t i : regions) {
     ReferenceOutcome reference{plan_.request.title, plan_.regions[i].name, false, false, work.message, {}};
     const auto record = finishedRecord(plan_, i);

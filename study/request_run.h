@@ -29,11 +29,13 @@ class RequestRun {
   [[nodiscard]] bool choosesOrder() const;
   [[nodiscard]] double workOfReferences() const;
   void addWork(const std::string& name, double weight, const WorkerJob& job,
-               std::function<void(const WorkOutcome&)> finished);
+               std::function<void(const WorkOutcome&)> finished, bool isTriedInParts = false);
+  [[nodiscard]] bool isTriedInParts(const std::vector<std::size_t>& regions) const;
   void addImport(std::size_t run);
   void afterImports();
   void addOrder();
   void takeOrder(const WorkOutcome& work);
+  void refuseOtherOrder(int order) const;
   void addReferences();
   static std::vector<std::vector<std::size_t>> sharedOut(const std::vector<std::size_t>& regions, int jobs);
   void addReferenceJob(const std::vector<std::size_t>& regions);

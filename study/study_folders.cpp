@@ -15,6 +15,11 @@ void StudyFolders::enter(const std::filesystem::path& folder) {
   formats::removeAbandoned(folder);
 }
 
+void StudyFolders::claim(const std::filesystem::path& folder, const std::string& prefix) {
+  enter(folder);
+  claims_.emplace_back(folder, "study-" + prefix);
+}
+
 std::filesystem::path StudyFolders::writeJob(const std::filesystem::path& workFolder,
                                              const std::string& text) {
   auto at = jobs_.find(workFolder);

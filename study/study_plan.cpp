@@ -9,6 +9,7 @@
 #include "prepare/region_files.h"
 #include "request/settings_table.h"
 #include "results/output_names.h"
+#include "study/name_checks.h"
 
 namespace study {
 namespace {
@@ -130,9 +131,10 @@ StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::strin
   plan.regions = readRegions(plan.request, plan.space);
   std::vector<std::string> names;
   for (const Region& region : plan.regions) names.push_back(region.name);
-  plan.regionLabels = uniqueLabels(names);
+  plan.regionLabels = labelsOf(names, "references", request.title);
   // Trial types, intervals and lengths are checked for the lowest order before any data are read.
   settleOrder(plan, request.settings.orderChoice == OrderChoice::kFixed ? request.settings.order : 1);
+  requireUsableNames(plan);
   return plan;
 }
 
@@ -149,7 +151,7 @@ void settleOrder(StudyPlan& plan, int order) {
     plan.cautions.insert(plan.cautions.end(), planned.notes.begin(), planned.notes.end());
     cautionOfFewSamples(plan, planned);
   }
-  plan.conditionLabels = uniqueLabels(names);
+  plan.conditionLabels = labelsOf(names, "conditions", plan.request.title);
 }
 
 std::string resultKey(const StudyPlan& plan, std::size_t region) {

@@ -11,6 +11,7 @@
 #include "request/problem.h"
 #include "results/output_folder.h"
 #include "results/result_json.h"
+#include "study/earlier_results.h"
 #include "study/interrupt.h"
 #include "study/request_run.h"
 #include "study/study_folders.h"
@@ -73,8 +74,15 @@ void collectWarnings(const StudyOptions& options, StudyOutcome& outcome) {
   }
 }
 
+void failInput(const std::string& failure, StudyOutcome& outcome, ProgressBar& progress) {
+  progress.say("FAILED: " + failure);
+  outcome.failures.push_back(failure);
+  outcome.inputProblem = true;
+}
+
 std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const StudyOptions& options,
-                               StudyOutcome& outcome) {
+                               StudyOutcome& outcome, ProgressBar& progress) {
+  for (const std::string& failure : options.withoutRequest) failInput(failure, outcome, progress);
   std::vector<StudyPlan> plans;
   const auto plan = [&](const Request& request) {
     const auto given = options.seed ? options.seed : request.seed;
@@ -82,20 +90,39 @@ std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const Study
     if (!given) made.seed = drawnSeed(made.request);
     plans.push_back(std::move(made));
   };
+  const bool isAlone = requests.size() == 1 && options.withoutRequest.empty();
   for (const Request& request : requests) {
-    if (requests.size() == 1) {
-      plan(request);
-      continue;
-    }
+    if (options.stopOnFirstCrash && outcome.failed()) break;
     try {
       plan(request);
     } catch (const std::exception& error) {
-      outcome.failures.push_back(fmt::format("{}: {}", request.title, error.what()));
-      outcome.inputProblem = true;
-      if (options.stopOnFirstCrash) break;
+      if (isAlone) throw;
+      failInput(fmt::format("{}: {}", request.title, error.what()), outcome, progress);
     }
   }
   return plans;
+}
+
+// Nobody else works under these names, and what is there already may stay or go.
+void takeOver(const std::vector<StudyPlan>& plans, const StudyOptions& options, StudyFolders& folders,
+              StudyOutcome& outcome) {
+  if (options.ordersOnly) return;
+  for (const StudyPlan& plan : plans) folders.claim(plan.request.output.folder, plan.request.output.prefix);
+  if (options.force) return;
+  refuseOtherRequests(plans);
+  for (const StudyPlan& plan : plans) {
+    const std::string foreign = foreignResultsCaution(plan);
+    if (!foreign.empty()) outcome.cautions.push_back(fmt::format("{}: {}", plan.request.title, foreign));
+  }
+}
+
+// Not before the new results are there.
+void removeForeign(const std::vector<StudyPlan>& plans, const StudyOptions& options, StudyOutcome& outcome) {
+  if (!options.force || options.ordersOnly || outcome.failed()) return;
+  for (const StudyPlan& plan : plans) {
+    const std::string removed = removeForeignResults(plan);
+    if (!removed.empty()) outcome.cautions.push_back(fmt::format("{}: {}", plan.request.title, removed));
+  }
 }
 
 }  // namespace
@@ -108,9 +135,10 @@ bool StudyOutcome::failed() const {
 StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options,
                       ProgressBar& progress) {
   StudyOutcome outcome;
-  const std::vector<StudyPlan> plans = planAll(requests, options, outcome);
+  const std::vector<StudyPlan> plans = planAll(requests, options, outcome, progress);
   const InterruptGuard guard;
   StudyFolders folders;
+  takeOver(plans, options, folders, outcome);
   WorkerPool pool(options.jobs, &progress);  // ends its workers before the folders are swept
   std::vector<std::unique_ptr<RequestRun>> runs;
   for (const StudyPlan& plan : plans) {
@@ -119,6 +147,7 @@ StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& 
     if (!options.ordersOnly) writeDescription(plan.request, options, folders);
   }
   pool.run();
+  removeForeign(plans, options, outcome);
   sortOutcome(plans, outcome);
   collectWarnings(options, outcome);
   return outcome;

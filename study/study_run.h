@@ -21,12 +21,16 @@ namespace study {
 struct StudyOptions {
   std::string program;  // the path of `tavmap`, which does the work: PROGRAM worker JOB
   int jobs = 1;
-  bool force = false;  // recompute what is finished
+  // Recompute what is finished, replace results of other requests, remove those of references that a request
+  // does not have.
+  bool force = false;
   bool stopOnFirstCrash = false;
   bool ordersOnly = false;            // gather evidence for the order and stop there
   std::optional<std::uint32_t> seed;  // overrides the requests'
   std::string version;                // of the software, for sidecars and keys
-  std::string datasetFolder;          // where dataset_description.json goes; empty: each request's folder
+  // What no request could be made for, whose and why in words: failures beside those of the requests.
+  std::vector<std::string> withoutRequest;
+  std::string datasetFolder;  // where dataset_description.json goes; empty: each request's folder
 };
 
 // What became of one reference.
@@ -53,8 +57,10 @@ struct StudyOutcome {
 };
 
 // Requests are planned before anything is computed: an InputError in one of them throws at once when
-// it is the only one, and is a failure among others otherwise. Throws Interrupted. What workers and
-// killed runs have left in the folders is gone at the end, however that comes.
+// it is the only one, and is a failure among others otherwise. Results of another request in the way of
+// any of them, without `force`, are an InputError before any work; another process at work under the same
+// names is a formats::FileError. Throws Interrupted. What workers and killed runs have left in the folders
+// is gone at the end, however that comes.
 [[nodiscard]] StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& options,
                                     ProgressBar& progress);
 

@@ -24,6 +24,7 @@ struct WorkPiece {
   std::vector<std::string> command;  // reports as worker_channel.h says, on kReportDescriptor
   // Runs in the parent, in order of completion; may add pieces to the pool.
   std::function<void(const WorkOutcome&)> finished;
+  bool isTriedInParts = false;  // when it fails, its parts are tried one by one: no failure yet
 };
 
 // What the pool reports while it works. All calls come from the parent.

@@ -23,8 +23,7 @@ bool PieceReader::next(std::ostream& errors) {
   data_.clear();
   for (VtcFile* const file : files_) {
     if (!file->readVoxels(count_)) {
-      errors << "Could not read data from vtc '" << file->name << "'\n"
-             << "The file was corrupted (not of expected size) or made inaccessible";
+      reportUnreadable(files_, file, (slice() + 1) * voxelsPerSlice_, errors);
       hasFailed_ = true;
       return false;
     }

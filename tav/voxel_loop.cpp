@@ -53,13 +53,13 @@ std::size_t voxelsPerPiece(const std::vector<VtcFile*>& files) {
   return voxels;
 }
 
-bool readPiece(const std::vector<VtcFile*>& files, std::size_t nrOfVoxels, std::vector<VoxelData>& data,
-               std::ostream& errors) {
+// endOfSlice: voxels up to the end of the slice that the piece lies in.
+bool readPiece(const std::vector<VtcFile*>& files, std::size_t nrOfVoxels, std::size_t endOfSlice,
+               std::vector<VoxelData>& data, std::ostream& errors) {
   data.clear();
   for (VtcFile* const file : files) {
     if (!file->readVoxels(nrOfVoxels)) {
-      errors << "Could not read data from vtc '" << file->name << "'\n"
-             << "The file was corrupted (not of expected size) or made inaccessible";
+      reportUnreadable(files, file, endOfSlice, errors);
       return false;
     }
     data.push_back({file->floatSlice.get(), file->shortSlice.get()});
@@ -119,7 +119,8 @@ int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelP
     progress.atSlice(z);
     for (std::size_t first = 0; first < sliceVoxels; first += pieceVoxels) {
       const std::size_t count = std::min(pieceVoxels, sliceVoxels - first);
-      if (!readPiece(condition.files, count, data, errors)) return kTerminalError;
+      const std::size_t endOfSlice = (static_cast<std::size_t>(z) + 1) * sliceVoxels;
+      if (!readPiece(condition.files, count, endOfSlice, data, errors)) return kTerminalError;
       places.clear();
       for (RawResult* const result : results)
         places.push_back(resultsFrom(static_cast<std::size_t>(z) * sliceVoxels + first, *result));

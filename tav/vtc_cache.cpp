@@ -87,6 +87,19 @@ bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
   return std::fread(buffer, valueBytes(header), wanted, fp) == wanted;
 }
 
+bool VtcFile::holdsVoxels(std::size_t nrOfVoxels) const {
+  return valuesInFile(fp, header) >= nrOfVoxels * static_cast<std::size_t>(header.nrOfVolumes);
+}
+
+void reportUnreadable(const std::vector<VtcFile*>& files, const VtcFile* failed, std::size_t nrOfVoxels,
+                      std::ostream& errors) {
+  const auto first = std::find_if(files.begin(), files.end(), [&](const VtcFile* file) {
+    return file == failed || !file->holdsVoxels(nrOfVoxels);
+  });
+  errors << "Could not read data from vtc '" << (*first)->name << "'\n"
+         << "The file was corrupted (not of expected size) or made inaccessible";
+}
+
 int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
   for (const TAV_Cond_Pars& cond : request.conds) {
     for (const TAV_VTC_intv_set& set : cond.vtcIntvSets) {

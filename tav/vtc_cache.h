@@ -7,7 +7,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include "io/vtc_header.h"
 #include "simo/smatrix.h"
@@ -31,6 +33,8 @@ struct VtcFile {
   // Reads the time courses of the next voxels, at most voxelsPerRead(), into the buffer. False when
   // the file does not hold them all.
   [[nodiscard]] bool readVoxels(std::size_t nrOfVoxels);
+  // Whether the file holds the time courses of its first voxels. Leaves the stream anywhere.
+  [[nodiscard]] bool holdsVoxels(std::size_t nrOfVoxels) const;
 
   std::string name;  // as the request gives it
   VTC_Header header;
@@ -45,6 +49,12 @@ struct VtcFile {
   // less, so that a header that promises more than its file costs no memory.
   std::size_t bufferSize_;
 };
+
+// Says which file cannot be read, in the order of the list: `failed`, or one before it that ends within its
+// first `nrOfVoxels` voxels, too. With the voxels up to the end of a slice, the answer does not depend on how
+// the slice is cut into pieces.
+void reportUnreadable(const std::vector<VtcFile*>& files, const VtcFile* failed, std::size_t nrOfVoxels,
+                      std::ostream& errors);
 
 // The time course of one reference in one source VTC, with what is derived from it alone.
 // All columns are volumes, from 1.

@@ -167,7 +167,8 @@ TEST_F(BidsCommand, TheCommandLineDropsCensorsAndRegressesToo) {
   EXPECT_EQ(run1["VolumesDropped"], 3);
   EXPECT_EQ(run1["VolumesCensored"], 4);
   EXPECT_EQ(run1["ConfoundsRegressed"], json::parse(R"(["csf"])"));
-  ASSERT_EQ(run({"--labels", "A", "--participant-label", "01", "--drop-volumes", "7"}).exitCode, 0);
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "01", "--drop-volumes", "7", "--force"}).exitCode,
+            0);
   const json dropped = read(out() / "sub-01/func" / (kFirst + ".json"))["Runs"][0];
   EXPECT_EQ(dropped["VolumesDropped"], 7);
   EXPECT_EQ(dropped["VolumesCensored"], 0);
@@ -247,6 +248,39 @@ TEST_F(BidsCommand, AfterAFailureNothingNewIsStartedWhenAskedForThat) {
   EXPECT_FALSE(fs::exists(second));
   EXPECT_EQ(run({"--labels", "A", "--jobs", "1"}).exitCode, 1);
   EXPECT_TRUE(fs::exists(second));
+}
+
+TEST_F(BidsCommand, AParticipantWithoutATableFailsAloneAndIsNamed) {
+  fs::remove(folder() /
+             "raw/derivatives/fmriprep/sub-01/func/sub-01_task-blocks_run-2_desc-confounds_timeseries.tsv");
+  const fs::path second =
+      out() /
+      "sub-02/func/sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholeInst_stat-effect_statmap.nii.gz";
+  const std::string failure = "FAILED: sub-01_task-blocks_space-MNI: ";
+  ProgramResult result = run({"--labels", "A", "--confounds", "csf", "--stop-on-first-crash"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.out.find(failure), std::string::npos) << result.out;
+  EXPECT_FALSE(fs::exists(second));
+  result = run({"--labels", "A", "--confounds", "csf"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.out.find(failure), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find(
+                "_run-2_space-MNI_desc-preproc_bold.nii.gz: no *_desc-confounds_timeseries.tsv beside it"),
+            std::string::npos)
+      << result.out;
+  EXPECT_TRUE(fs::exists(second));
+  EXPECT_FALSE(fs::exists(out() / "sub-01"));
+  EXPECT_NE(run({"--labels", "A", "--confounds", "csf", "--quiet"}).err.find(failure), std::string::npos);
+}
+
+TEST_F(BidsCommand, ParticipantsWithoutEventsAreAllNamed) {
+  fs::rename(folder() / "raw/task-blocks_events.tsv", folder() / "raw/task-other_events.tsv");
+  const ProgramResult result = run({"--labels", "A", "--trial-types", "face"});
+  EXPECT_EQ(result.exitCode, 1);
+  for (const char* begin : {"FAILED: sub-01_task-blocks", "FAILED: sub-02_task-blocks"})
+    EXPECT_NE(result.out.find(begin), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("no events file in the data set, which condition 'face' needs"),
+            std::string::npos);
 }
 
 TEST_F(BidsCommand, InputIsOnlyRead) {

@@ -29,7 +29,7 @@ TEST(BidsStudy, RequestsReadBackFromTheirText) {
   options.configuration.preparation.confoundTerms = {"24motion"};
   options.configuration.preparation.dropVolumes = kDropFromConfounds;
   options.configuration.preparation.censoring.fdThresholdMm = 0.5;
-  const std::vector<Request> requests = bidsRequests(options);
+  const std::vector<Request> requests = bidsRequests(options).requests;
   ASSERT_EQ(requests.size(), 1U);
   ASSERT_EQ(requests[0].conditions.size(), 2U);
   ASSERT_EQ(requests[0].datasets.size(), 2U);
@@ -53,7 +53,7 @@ class BidsRequest : public ::testing::Test {
     if (withTable) scratch_.write(begin + "_desc-confounds_timeseries.tsv");
   }
   std::filesystem::path found(const std::string& end) const { return scratch_.folder() / (kBegin + end); }
-  Request request() const { return bidsRequests(options_).at(0); }
+  Request request() const { return bidsRequests(options_).requests.at(0); }
 
   static constexpr const char* kBegin = "raw/derivatives/prep/sub-01/func/sub-01_task-rest_";
   Scratch scratch_;

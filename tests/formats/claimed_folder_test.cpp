@@ -9,6 +9,7 @@
 #include <set>
 
 #include "formats/atomic_file.h"
+#include "formats/lock_owner.h"
 #include "formats/system_calls.h"
 #include "tests/fakes/vtc_file.h"
 #include "tests/formats/scoped_system_calls.h"
@@ -73,13 +74,27 @@ TEST(ClaimedFolder, IsEmptyAndLeavesNothing) {
 TEST(ClaimedFolder, BelongsToOneAtATime) {
   const Scratch folder;
   const ClaimedFolder mine(folder.path(), "a");
-  EXPECT_EQ(
-      reasonOf([&] { ClaimedFolder(folder.path(), "a"); }),
-      "another process is at work in this folder. Wait until it is done, or choose another output folder.");
+  const std::string reason = reasonOf([&] { ClaimedFolder(folder.path(), "a"); });
+  EXPECT_EQ(reason.find("another process is at work here under the same names: process " +
+                        std::to_string(getpid()) + " on "),
+            0U)
+      << reason;
+  EXPECT_NE(reason.find(" UTC. Wait until it is done, or choose another output folder."), std::string::npos)
+      << reason;
   EXPECT_TRUE(fs::exists(mine.path()));
   const ClaimedFolder one = ClaimedFolder::anew(folder.path(), "b");
   const ClaimedFolder two = ClaimedFolder::anew(folder.path(), "b");
   EXPECT_NE(one.path(), two.path());
+}
+
+TEST(LockOwner, IsReadAsOneLineWithoutControlCharacters) {
+  const Scratch folder;
+  const formats::Descriptor file(open(folder.file("lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  EXPECT_EQ(formats::readLockOwner(file.get()), "");
+  formats::writeLockOwner(file.get());
+  EXPECT_EQ(formats::readLockOwner(file.get()), contentOf(folder.file("lock")));
+  writeBytes(folder.file("lock"), "\033[1mprocess\n7");
+  EXPECT_EQ(formats::readLockOwner(file.get()), "[1mprocess7");
 }
 
 TEST(ClaimedFolder, OfADeadProcessIsSweptAndOfALivingOneStays) {
@@ -148,7 +163,8 @@ TEST(AtomicFile, ATakenTemporaryNameIsPassedOver) {
   // another container would have them.
   formats::writeTextFile(folder.file("a"), "first");
   for (int number = 1; number < 2000; ++number) {
-    writeBytes(folder.file(".a." + std::to_string(getpid()) + "-" + std::to_string(number) + ".part"), "");
+    writeBytes(folder.file(".tavmap." + std::to_string(getpid()) + "-" + std::to_string(number) + ".part"),
+               "");
   }
   formats::writeTextFile(folder.file("a"), "second");
   EXPECT_EQ(contentOf(folder.file("a")), "second");

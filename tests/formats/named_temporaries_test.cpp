@@ -67,6 +67,14 @@ TEST_F(WithoutNamelessFiles, TwoFilesOfOneNameDoNotMeet) {
   EXPECT_EQ(filesIn(folder_), 1U);
 }
 
+// 255 bytes are what a name may have; the temporary one has no share in it.
+TEST_F(WithoutNamelessFiles, TheLongestNameThereIsCanBeWritten) {
+  const std::string name(255, 'n');
+  formats::writeTextFile(folder_.file(name), "whole");
+  EXPECT_EQ(contentOf(folder_.file(name)), "whole");
+  EXPECT_EQ(filesIn(folder_), 1U);
+}
+
 TEST_F(WithoutNamelessFiles, AMissingFolderIsNamed) {
   EXPECT_EQ(reasonOf([&] { formats::writeTextFile(folder_.file("no/a.txt"), "x"); }),
             "cannot create the file (No such file or directory). Create the folder first.");

@@ -10,6 +10,8 @@
 #include "group/group_settings.h"
 #include "group/group_summary.h"
 #include "group/group_table.h"
+#include "group/present_inputs.h"
+#include "request/problem.h"
 #include "request/settings_table.h"
 #include "results/record_json.h"
 #include "tests/support/sample_result.h"
@@ -18,6 +20,7 @@
 namespace study {
 namespace {
 
+namespace fs = std::filesystem;
 using Lines = std::vector<std::string>;
 
 class GroupRecords : public ::testing::Test {
@@ -25,7 +28,9 @@ class GroupRecords : public ::testing::Test {
   void add(const std::string& path, const Record& record = sample_result::record()) {
     scratch_.write(path, recordText(record));
   }
-  GroupResult group(const BidsQuery& query = {}) const { return readGroup(scratch_.folder(), query); }
+  GroupResult group(const BidsQuery& query = {}, Outdated outdated = Outdated::kRefused) const {
+    return readGroup(scratch_.folder(), {scratch_.folder() / "raw", query, outdated});
+  }
   // The table without its header.
   Lines rows() const {
     const std::size_t count = writeGroupTable(group(), scratch_.folder());
@@ -130,6 +135,32 @@ TEST_F(GroupRecords, SessionsAndTasksAreCountedApart) {
   EXPECT_EQ(json["Counts"][1]["Task"], "x");
   EXPECT_EQ(json["Counts"][1]["Participants"], 2);
   EXPECT_EQ(json["Counts"][1]["Maps"][0]["Thresholds"][0]["ParticipantsPassing"], 1);
+}
+
+// Sources are what the sidecar of a map says: URIs, or names that lead nowhere.
+TEST_F(GroupRecords, ARecordIsHeldAgainstTheSourcesOfItsMaps) {
+  add("sub-01_seed-V1_tavmap.json");
+  scratch_.write("faces_ref2vox.json",
+                 R"({"Sources": ["bids:raw:a%20b_bold.nii.gz", "bids:raw:50%_mask.nii.gz", "c_confounds.tsv",
+                                 "bids:other:d.tsv", 7]})");
+  scratch_.write("dataset_description.json",
+                 R"({"DatasetLinks": {"raw": "file:///nowhere/now", "other": "file:///nowhere/at%20all"}})");
+  const auto problems = [this](const fs::path& record) {
+    PresentInputs inputs(scratch_.folder() / "raw", scratch_.folder());
+    Lines found = inputs.problemsOf(sample_result::record(), record);
+    for (const std::string& folder : inputs.missing()) found.push_back("missing " + folder);
+    return found;
+  };
+  const fs::path record = scratch_.folder() / "sub-01_seed-V1_tavmap.json";
+  const fs::path bold = scratch_.write("raw/a b_bold.nii.gz"), mask = scratch_.write("raw/50%_mask.nii.gz");
+  for (const fs::path& file : {bold, mask}) fs::last_write_time(file, fs::last_write_time(record));
+  EXPECT_EQ(problems(record), Lines{"missing /nowhere/at all"});
+  fs::last_write_time(mask, fs::last_write_time(record) + std::chrono::seconds(1));
+  EXPECT_EQ(problems(record), (Lines{mask.string() + " was changed since", "missing /nowhere/at all"}));
+  fs::remove(bold);
+  EXPECT_EQ(problems(record).size(), 3U);
+  EXPECT_EQ(group({}, Outdated::kLeftOut).records.size(), 0U);
+  EXPECT_THROW(group(), InputError);
 }
 
 TEST_F(GroupRecords, TwoRecordsOfOneParticipantCountOnceAndAreToldOf) {

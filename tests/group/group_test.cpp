@@ -211,7 +211,7 @@ TEST_F(BidsGroupLevel, ABrokenRecordIsNamedAndTheOthersGoOn) {
   fs::remove(out() / "group_tavmap.tsv");
   const ProgramResult none = bids("group", {"--participant-label", "01"});
   EXPECT_EQ(none.exitCode, 1);
-  EXPECT_NE(none.err.find("no record could be read; group_tavmap.tsv is not written"), std::string::npos)
+  EXPECT_NE(none.err.find("no record could be used; group_tavmap.tsv is not written"), std::string::npos)
       << none.err;
   EXPECT_FALSE(fs::exists(out() / "group_tavmap.tsv"));
 }
@@ -244,6 +244,41 @@ TEST_F(BidsGroupLevel, DifferentSettingsAndRepeatedRecordsAreWarnedOf) {
   EXPECT_NE(result.out.find("5 records of 2 participants"), std::string::npos) << result.out;
   EXPECT_NE(result.out.find("pilot_tavmap.json names no participant (sub-LABEL_...) and is left out"),
             std::string::npos);
+}
+
+TEST_F(BidsGroupLevel, RecordsThatOutlivedTheirInputsAreNamedAndLeftOutOnDemand) {
+  runParticipants();
+  const fs::path func = folder() / "raw/derivatives/fmriprep";
+  const fs::path mask = func / "sub-01/func/sub-01_task-rest_space-MNI_desc-brain_mask.nii.gz";
+  fs::last_write_time(mask, fs::last_write_time(record("01", "B")) + std::chrono::seconds(1));
+  ProgramResult result = bids("group");
+  EXPECT_EQ(result.exitCode, 2);
+  for (const char* reference : {"A", "B"}) {
+    EXPECT_NE(result.err.find(record("01", reference).lexically_relative(out()).string() + ": " +
+                              mask.string() + " was changed since"),
+              std::string::npos)
+        << result.err;
+  }
+  EXPECT_EQ(result.err.find("sub-02"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("--leave-out-outdated"), std::string::npos) << result.err;
+  EXPECT_FALSE(fs::exists(out() / "group_tavmap.tsv"));
+  result = bids("group", {"--leave-out-outdated"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_NE(result.out.find("WARNING: left out, not belonging to the present inputs: sub-01/func/"),
+            std::string::npos)
+      << result.out;
+  for (const Row& row : table()) EXPECT_EQ(row.at("participant_id"), "sub-02");
+  fs::remove(mask);
+  EXPECT_NE(bids("group").err.find(mask.string() + " is gone"), std::string::npos);
+}
+
+TEST_F(BidsGroupLevel, WithoutTheDataSetRecordsCannotBeHeldAgainstIt) {
+  runParticipants();
+  fs::rename(folder() / "raw", folder() / "moved");
+  const ProgramResult result = bids("group");
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_NE(result.out.find("WARNING: there is no folder " + (folder() / "raw").string()), std::string::npos)
+      << result.out;
 }
 
 TEST_F(BidsGroupLevel, TheDataSetItselfIsNoOutputFolder) {

@@ -198,6 +198,11 @@ class StyleRules(LintTest):
         self.assertEqual(self.found({"simo/f.cpp": call + "void g() {\n  call([] {});\n" + "  x();\n" * 50 + "}\n"}), [])
         self.assertEqual(self.found({"simo/f.cpp": 'const char* f() {\n  return R"(' + "text\n" * 90 + ')";\n}\n'}), [])
 
+    def test_citation_of_another_version(self):
+        changes = {"CMakeLists.txt": "project(Small VERSION 1.2.3)\n", "CITATION.cff": "title: x\nversion: 1.2.2\n"}
+        self.assert_found("CITATION.cff:2", "CMakeLists.txt builds version 1.2.3", changes)
+        self.assertEqual(self.found(changes | {"CITATION.cff": "version: 1.2.3\n"}), [])
+
     def test_folder_without_readme(self):
         self.assert_found("study:1", "no README.md", {"study/s.cpp": "int x;\n"})
         self.assert_found("tests:1", "no README.md", {"tests/simo/s.cpp": "int x;\n"})
@@ -259,7 +264,7 @@ class Program(unittest.TestCase):
 
     def test_every_rule_has_a_planted_violation(self):
         tested = Path(__file__).read_text(encoding="utf-8")
-        self.assertEqual(len(lint.RULES), 20, "a rule was added or removed: plant its violation here, then adapt this number")
+        self.assertEqual(len(lint.RULES), 21, "a rule was added or removed: plant its violation here, then adapt this number")
         self.assertGreaterEqual(tested.count("assert_found("), len(lint.RULES))
         self.assertEqual(style_rules.MAX_FILE_LINES, 400)
         self.assertEqual(folder_rules.MAX_SHARE, 0.2)

@@ -156,7 +156,20 @@ def check_no_fast_math(files):
                          re.compile(r"-ff" + r"ast-math|-Of" + r"ast\b"), "'{0}' changes results")
 
 
+def check_citation_is_of_this_version(files):
+    """Who cites the program cites the version that CMakeLists.txt builds."""
+    by_path = {file.path: file for file in files}
+    project = re.search(r"^project\([^)]*\bVERSION ([\d.]+)", by_path["CMakeLists.txt"].text, re.MULTILINE)
+    citation = by_path.get("CITATION.cff")
+    if project is None or citation is None:
+        return
+    for number, line in enumerate(citation.lines, 1):
+        if line.startswith("version: ") and line != f"version: {project.group(1)}":
+            yield Finding("CITATION.cff", number, f"CMakeLists.txt builds version {project.group(1)}")
+
+
 RULES = [
+    check_citation_is_of_this_version,
     check_file_length,
     check_function_length,
     check_readmes,

@@ -1,8 +1,9 @@
 #include "plugin/save_text.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <filesystem>
 
 #include "tests/fakes/vtc_file.h"
@@ -38,12 +39,31 @@ TEST(SaveTextWhole, LeavesNoTemporaryFileWhenTheNameIsTaken) {
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(SaveTextWhole, ReportsAFullDisk) {
-  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device here";
+// 255 bytes are what a name may have; the temporary one has no share in it.
+TEST(SaveTextWhole, TheLongestNameThereIsCanBeWritten) {
   const Scratch folder;
-  // The temporary name is the path plus the process id, so a link of that name leads it astray.
-  const std::string path = folder.file("a.log");
-  std::filesystem::create_symlink("/dev/full", path + ".tmp" + std::to_string(getpid()));
-  EXPECT_EQ(saveTextWhole(path, "new"), "No space left on device");
-  EXPECT_FALSE(std::filesystem::exists(path));
+  const std::string name = std::string(251, 'v') + ".log";
+  EXPECT_EQ(saveTextWhole(folder.file(name), "new"), "");
+  EXPECT_EQ(contentOf(folder.file(name)), "new");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
+  EXPECT_EQ(saveTextWhole(folder.file("v" + name), "new"), "File name too long");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
+// A limit on the size of files stands for the disk's.
+TEST(SaveTextWhole, ReportsAFullDisk) {
+  const Scratch folder;
+  folder.write("a.log", "old");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  rlimit tiny = before;
+  tiny.rlim_cur = 2;
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+  const std::string reason = saveTextWhole(folder.file("a.log"), "new, and longer than that");
+  setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(reason, "File too large");
+  EXPECT_EQ(contentOf(folder.file("a.log")), "old");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
 }

@@ -4,6 +4,8 @@
 
 #include "formats/file_error.h"
 #include "request/problem.h"
+#include "results/record_json.h"
+#include "tests/support/message_of.h"
 #include "tests/support/scratch.h"
 
 namespace study {
@@ -31,9 +33,17 @@ TEST(OutputNames, FollowTheConventionsOfStatisticMaps) {
             "sub-01_task-rest_seed-V1_desc-reference_timeseries.json");
 }
 
-TEST(OutputNames, LabelsThatWouldCollideGetNumbers) {
-  EXPECT_EQ(uniqueLabels({"LH-V1", "LHV1", "LH V1", "x"}),
-            (std::vector<std::string>{"LHV1", "LHV1n2", "LHV1n3", "x"}));
+TEST(OutputNames, LabelsThatWouldCollideAreRefusedWithBothNames) {
+  EXPECT_EQ(labelsOf({"LH-V1", "LHV2", "x"}, "references", "r.toml"),
+            (std::vector<std::string>{"LHV1", "LHV2", "x"}));
+  EXPECT_EQ(
+      messageOf<InputError>([] {
+        (void)labelsOf({"LH-V1", "a", "LHV1"}, "references", "r.toml");
+      })
+          .find("r.toml: the references 'LH-V1' and 'LHV1' would share their files, whose names keep letters "
+                "and digits alone ('LHV1')"),
+      0U);
+  EXPECT_THROW((void)labelsOf({"+", "-"}, "conditions", "r.toml"), InputError);  // nothing is left of either
 }
 
 TEST(Staging, PublishesEverythingAndTheRecordLast) {
@@ -75,6 +85,39 @@ TEST(Staging, AnOldRecordDoesNotVouchForNewFiles) {
   EXPECT_THROW(staging.publish("record.json"), RunError);
   EXPECT_TRUE(fs::exists(scratch.folder() / "a.nii.gz"));
   EXPECT_FALSE(fs::exists(scratch.folder() / "record.json"));
+}
+
+Record recordWith(const std::map<std::string, std::uintmax_t>& files) {
+  Record record;
+  record.key = "k";
+  record.files = files;
+  return record;
+}
+
+// The files of a condition that the new result does not have.
+TEST(Staging, FilesThatTheNewResultDoesNotHaveGoWithTheOldRecord) {
+  Scratch scratch;
+  scratch.write("out/record.json",
+                recordText(recordWith({{"faces.nii.gz", 1}, {"houses.nii.gz", 1}, {"../mine", 1}})));
+  for (const char* name : {"out/faces.nii.gz", "out/houses.nii.gz", "out/other.nii.gz", "mine"})
+    scratch.write(name, "old");
+  Staging staging(scratch.folder() / "out", "p", "V1");
+  for (const char* name : {"faces.nii.gz", "record.json"}) std::ofstream(staging.path(name)) << "new";
+  staging.publish("record.json");
+  EXPECT_EQ(contentOf(scratch.file("out/faces.nii.gz")), "new");
+  EXPECT_FALSE(fs::exists(scratch.file("out/houses.nii.gz")));
+  EXPECT_TRUE(fs::exists(scratch.file("out/other.nii.gz")));
+  EXPECT_TRUE(fs::exists(scratch.file("mine")));
+}
+
+TEST(RemoveResult, TakesTheRecordAndItsFilesAlone) {
+  Scratch scratch;
+  for (const char* name : {"record.json", "a", "b", "folder/c"}) scratch.write(name, "x");
+  removeResult(scratch.folder(), "record.json", recordWith({{"a", 1}, {"gone", 1}, {"folder/c", 1}}));
+  EXPECT_FALSE(fs::exists(scratch.folder() / "record.json"));
+  EXPECT_FALSE(fs::exists(scratch.folder() / "a"));
+  EXPECT_TRUE(fs::exists(scratch.folder() / "b"));
+  EXPECT_TRUE(fs::exists(scratch.folder() / "folder/c"));
 }
 
 }  // namespace

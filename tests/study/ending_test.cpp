@@ -167,6 +167,37 @@ TEST_F(Ending, AnotherRunsTemporariesAreLeftAlone) {
   EXPECT_EQ(leftovers(results()), std::set<std::string>());
 }
 
+TEST_F(Ending, TheSecondOfTwoIsToldWhoWorksThere) {
+  const fs::path request = longRequest();
+  Program first({{"run", request.string()}, folder()});
+  ASSERT_TRUE(eventually([&] { return hasEntry(results(), ".tavmap-study-small"); }));
+  const ProgramResult second = run(request);
+  ASSERT_TRUE(first.running()) << "the test came too late";
+  EXPECT_EQ(second.exitCode, 1);
+  EXPECT_NE(second.err.find(results().string() +
+                            ": another process is at work here under the same names: process " +
+                            std::to_string(first.pid()) + " on "),
+            std::string::npos)
+      << second.err;
+  first.signal(SIGKILL);
+  first.wait();
+  EXPECT_TRUE(hasEntry(results(), ".tavmap-study-small"));  // of a dead process, and no obstacle
+  EXPECT_EQ(run(write()).exitCode, 0);
+  EXPECT_EQ(leftovers(results()), std::set<std::string>());
+}
+
+TEST_F(Ending, ASummaryThatCannotBeWrittenIsAFailure) {
+  const fs::path request = write();
+  const ProgramResult result = tavmap({{"run", request.string(), "--json"},
+                                       folder(),
+                                       "",
+                                       {"/bin/sh", "-c", R"(exec "$0" "$@" > /dev/full)"}});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("tavmap: cannot write to standard output ("), std::string::npos) << result.err;
+  EXPECT_EQ(kept(run(request, {"--json"})),
+            std::vector<bool>(3, true));  // the results are there all the same
+}
+
 TEST_F(Ending, ATruncatedMapIsMadeAgain) {
   const fs::path request = write();
   ASSERT_EQ(run(request).exitCode, 0);
@@ -186,6 +217,7 @@ TEST_F(Ending, ForceComputesAgainWithEitherMethod) {
     EXPECT_EQ(fs::last_write_time(record), first) << method;
     ASSERT_EQ(run(request, {"--force"}).exitCode, 0);
     EXPECT_GT(fs::last_write_time(record), first) << method;
+    fs::remove_all(results());
   }
 }
 

@@ -42,6 +42,18 @@ TEST(ProgressBar, QuietStillReportsFailures) {
   EXPECT_EQ(text.str(), "FAILED: V1: no space\n");
 }
 
+TEST(ProgressBar, WhatIsTriedAgainInPartsHasNotFailed) {
+  WorkPiece piece;
+  piece.name = "V1 and 2 more";
+  piece.isTriedInParts = true;
+  for (const ProgressStyle style : {ProgressStyle::kLines, ProgressStyle::kQuiet}) {
+    std::ostringstream text;
+    ProgressBar(text, style).onFinished(piece, {false, false, "no space", ""});
+    EXPECT_EQ(text.str(),
+              style == ProgressStyle::kQuiet ? "" : "tried again one by one: V1 and 2 more: no space\n");
+  }
+}
+
 TEST(ProgressBar, RedrawsItsLineOnATerminal) {
   std::ostringstream text;
   {

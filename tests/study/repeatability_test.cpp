@@ -43,7 +43,7 @@ TEST_F(Repeatability, AReferenceDoesNotDependOnWhichOthersAreComputed) {
 TEST_F(Repeatability, AnotherSeedGivesOtherThresholds) {
   ASSERT_EQ(run(write()).exitCode, 0);
   const auto before = filesBelow(results());
-  ASSERT_EQ(run(write(), {"--seed", "6"}).exitCode, 0);
+  ASSERT_EQ(run(write(), {"--seed", "6", "--force"}).exitCode, 0);
   const auto after = filesBelow(results());
   EXPECT_EQ(after.at(kMap + ".nii.gz"),
             before.at(kMap + ".nii.gz"));  // the effect itself is no matter of luck
@@ -73,15 +73,17 @@ TEST_F(Repeatability, ARepeatedCommandKeepsWhatIsFinished) {
   fs::resize_file(map, fs::file_size(map) - 1);
   EXPECT_EQ(kept(run(request, {"--json"})), (std::vector<bool>{false, true, true}));
   EXPECT_EQ(filesBelow(results()), before);
-  // The imported runs stay, so that it is the key of the results that differs.
-  EXPECT_EQ(kept(run(write("fdr_constant = 1"), {"--json"})), std::vector<bool>(3, false));
 }
 
 TEST_F(Repeatability, ChangedInputIsNoticed) {
   const fs::path request = write();
   ASSERT_EQ(run(request).exitCode, 0);
   small_study::writeBold(folder() / "bold2.nii.gz", 77);
-  EXPECT_EQ(kept(run(request, {"--json"})), std::vector<bool>(3, false));
+  const ProgramResult refused = run(request);
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_NE(refused.err.find((folder() / "bold2.nii.gz").string() + " was changed since"), std::string::npos)
+      << refused.err;
+  EXPECT_EQ(kept(run(request, {"--json", "--force"})), std::vector<bool>(3, false));
 }
 
 TEST_F(Repeatability, ADeadWorkerIsNamedAndTheOthersFinish) {
@@ -123,7 +125,10 @@ TEST_F(Repeatability, ReferencesOfADeadWorkerAreTriedAgainOneByOne) {
   }
   ASSERT_GT(victim, 0);
   kill(victim, SIGKILL);
-  EXPECT_EQ(program.wait().exitCode, 0);
+  const ProgramResult result = program.wait();
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.err.find("FAILED"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("tried again one by one: "), std::string::npos) << result.err;
   EXPECT_EQ(filesBelow(results()), undisturbed);
 }
 

@@ -190,6 +190,7 @@ TEST_F(ResultFiles, ARunWithoutAComputableVoxelEndsLikeAnyOther) {
   }
   writeSeries(folder() / "bold1.nii.gz", bold_);
   for (const char* method : {"calibrated", "plugin"}) {
+    fs::remove_all(results());
     const fs::path request =
         scratch_.write("none.toml", "prefix = 'none'\nseed = 5\n[settings]\nsurrogates = 60\nmethod = '" +
                                         std::string(method) +

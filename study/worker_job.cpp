@@ -15,6 +15,7 @@
 #include "study/engine_request.h"
 #include "study/order_evidence.h"
 #include "study/reference_job.h"
+#include "study/usable_region.h"
 
 namespace study {
 namespace {
@@ -75,8 +76,9 @@ StudyPlan planAgain(const WorkerJob& job) {
 }
 
 std::string orderEvidence(const StudyPlan& plan) {
+  const std::vector<UsableRegion> usable = usableRegions(plan, allRegions(plan));
   std::vector<const Region*> regions;
-  for (const Region& region : plan.regions) regions.push_back(&region);
+  for (const UsableRegion& one : usable) regions.push_back(&one.region);
   const Settings& settings = plan.request.settings;
   const tav::TAV_Pars pars =
       engineRequest(settings, settings.maxOrder, plan.runs, plan.conditions, regions, "");

@@ -67,8 +67,9 @@ TEST(Regions, AllLabelsLeaveOutBackgroundAndThoseOutsideTheMask) {
   ASSERT_EQ(regions.size(), 2U);
   EXPECT_EQ(regions[0].coordinates, (Coordinates{2, 0, 0}));
   EXPECT_EQ(regions[0].notes,
-            (std::vector<std::string>{"reference 'V1': 1 of 2 voxels lie outside the mask and are left out",
-                                      "labels without a voxel in the runs, left out: V2"}));
+            (std::vector<std::string>{"reference 'V1': 1 of 2 voxels lie outside the mask and are left out; 50 % "
+                                      "of it is used",
+                                      "labels of which the runs hold less than 10 %, left out: V2"}));
   EXPECT_EQ(regions[1].name, "label3");
 }
 
@@ -97,6 +98,46 @@ TEST(Regions, AnotherGridIsReadAtVoxelCentres) {
   other.grid = fine;
   EXPECT_EQ(labelRegions(labels({"V1"}), atlas(), other, "r")[0].notes[0],
             "dseg.nii.gz has another grid than the runs: each voxel takes the label at its centre");
+}
+
+TEST(Regions, WhatTheGridOfTheRunsCutsOffIsCounted) {
+  RegionSpace half = space();
+  half.grid.size = {2, 2, 2};
+  EXPECT_EQ(labelRegions(labels({"V1"}), atlas(), half, "r")[0].notes[0],
+            "reference 'V1': 1 of 2 voxels lie outside the grid of the runs and are left out; 50 % of it is "
+            "used");
+  half.mask.assign(8, true);
+  half.mask[3] = false;
+  ReferenceRequest mask;
+  mask.name = "m";
+  EXPECT_EQ(maskRegion(mask, atlas(), half, "r").notes[0],
+            "reference 'm': 1 of 4 voxels lie outside the grid of the runs, and 1 of 3 voxels inside it lie "
+            "outside the mask and are left out; 50 % of it is used");
+  ReferenceRequest sphere;
+  sphere.name = "s";
+  sphere.centreMm = {-10, 0, 5};
+  sphere.radiusMm = 2;  // 7 voxels, of which 4 are in the corner of the grid
+  half.mask.clear();
+  EXPECT_EQ(sphereRegion(sphere, half, "r").notes[0],
+            "reference 's': 3 of 7 voxels lie outside the grid of the runs and are left out; 57 % of it is used");
+}
+
+TEST(Regions, LessThanATenthIsRefusedAndLeftOutOfAll) {
+  LabelVolume image = atlas();
+  image.grid.size = {11, 1, 1};
+  image.labels = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2};
+  RegionSpace masked{image.grid, std::vector<bool>(11, false), true};
+  masked.mask[0] = masked.mask[10] = true;
+  EXPECT_EQ(labelRegions(labels({"V1"}), image, masked, "r")[0].voxels(), 1);  // a tenth
+  image.labels[10] = 1;
+  masked.mask[10] = false;
+  EXPECT_EQ(messageOf<InputError>([&] { return labelRegions(labels({"V1"}), image, masked, "r.toml:4"); }),
+            "r.toml:4: reference 'V1': 10 of 11 voxels lie outside the mask; the 9.1 % that is left does not "
+            "stand for it, take another reference or runs and a mask that hold at least 10 % of it");
+  ReferenceRequest all;
+  all.allLabels = true;
+  EXPECT_EQ(messageOf<InputError>([&] { return labelRegions(all, image, masked, "r.toml:4"); }),
+            "r.toml:4: no label of dseg.nii.gz has 10 % of its voxels inside the mask");
 }
 
 TEST(Regions, FlippedAffinesMeetInSpaceNotInIndices) {

@@ -86,9 +86,8 @@ std::vector<TimedEvent> eventsOutside(const std::vector<TimedEvent>& events, con
         volumesOf({span.start + settings.delaySeconds, span.end + settings.delaySeconds}, trSeconds);
     if (range.last < 1 || range.first > volumes) outside.push_back(event);
   }
-  std::stable_sort(outside.begin(), outside.end(), [](const TimedEvent& a, const TimedEvent& b) {
-    return a.onsetSeconds < b.onsetSeconds;
-  });
+  std::stable_sort(outside.begin(), outside.end(),
+                   [](const TimedEvent& a, const TimedEvent& b) { return a.onsetSeconds < b.onsetSeconds; });
   return outside;
 }
 

@@ -87,8 +87,8 @@ void Planner::checkTrialTypes() const {
 void Planner::checkTyped(const VolumeRange& range, const RunVolumes& source, const RunVolumes& target) const {
   for (const RunVolumes* run : {&source, &target}) {
     if (range.last > run->volumes) {
-      throw InputError(fmt::format("{}: {} ends outside run '{}', which has {} volumes", begin_, textOf(range),
-                                   run->name, run->volumes));
+      throw InputError(fmt::format("{}: {} ends outside run '{}', which has {} volumes", begin_,
+                                   textOf(range), run->name, run->volumes));
     }
   }
   if (length(range) < leastVolumes(order_)) {
@@ -101,12 +101,14 @@ void Planner::checkTyped(const VolumeRange& range, const RunVolumes& source, con
 void Planner::requireApart(Ranges ranges) const {
   std::sort(ranges.begin(), ranges.end(),
             [](const VolumeRange& a, const VolumeRange& b) { return a.first < b.first; });
-  const auto overlap = std::adjacent_find(
-      ranges.begin(), ranges.end(), [](const VolumeRange& a, const VolumeRange& b) { return b.first <= a.last; });
+  const auto overlap =
+      std::adjacent_find(ranges.begin(), ranges.end(),
+                         [](const VolumeRange& a, const VolumeRange& b) { return b.first <= a.last; });
   if (overlap == ranges.end()) return;
-  throw InputError(fmt::format("{}: {} and {} overlap, and volumes of both would count twice; join them, or "
-                               "end the one before the other begins",
-                               begin_, textOf(overlap[0]), textOf(overlap[1])));
+  throw InputError(
+      fmt::format("{}: {} and {} overlap, and volumes of both would count twice; join them, or "
+                  "end the one before the other begins",
+                  begin_, textOf(overlap[0]), textOf(overlap[1])));
 }
 
 Ranges Planner::typed(const ConditionPart& part, const RunVolumes& source, const RunVolumes& target) const {
@@ -155,8 +157,8 @@ void Planner::requireNewVolumes(const ConditionPart& part, const Ranges& ranges)
     const bool same = set.source == part.source && set.target == part.target;
     const Ranges common = same ? intersect(set.ranges, ranges) : Ranges{};
     if (common.empty()) continue;
-    throw InputError(fmt::format("{}: run '{}' is named twice, and {} would count twice; name it once", begin_,
-                                 part.target, textOf(common[0])));
+    throw InputError(fmt::format("{}: run '{}' is named twice, and {} would count twice; name it once",
+                                 begin_, part.target, textOf(common[0])));
   }
 }
 

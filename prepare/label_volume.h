@@ -17,7 +17,8 @@ struct LabelVolume {
   Grid grid;
   std::vector<std::int32_t> labels;
   std::map<std::int32_t, std::string> names;
-  std::string file;  // for messages
+  std::string file;        // for messages
+  std::string table = {};  // of the names; empty: none
 };
 
 // Values of the image at the centres of the grid's voxels: the same voxels when the grids agree, else

@@ -122,7 +122,9 @@ Region regionOfValue(const std::string& name, std::int32_t value, const std::vec
   for (std::size_t i = 0; i < labels.size(); ++i) {
     if (labels[i] == value) collector.add(i);
   }
-  return collector.finish(where);
+  Region region = collector.finish(where);
+  region.source.label = value;
+  return region;
 }
 
 // All but 0. Neighbours mostly share their label.
@@ -159,7 +161,7 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
     if (collector.isTooLittle())
       missing += (missing.empty() ? "" : ", ") + nameOf(image, value);
     else
-      regions.push_back(collector.finish(where));
+      regions.push_back(collector.finish(where)), regions.back().source.label = value;
   }
   if (regions.empty())
     throw InputError(fmt::format("{}: no label of {} has {} of its voxels inside the mask", where, image.file,
@@ -177,6 +179,29 @@ Reach together(const std::map<std::int32_t, Reach>& reaches) {
   return sum;
 }
 
+std::string gridText(const Grid& grid) {
+  const formats::Point mm = formats::voxelSize(grid.affine);
+  return fmt::format("{} voxels of {:.4g} x {:.4g} x {:.4g} mm", toText(grid.size), mm[0], mm[1], mm[2]);
+}
+
+void setSource(const ReferenceRequest& request, const LabelVolume& image, const RegionSpace& space,
+               Region& region) {
+  RegionSource& source = region.source;
+  source.kind = request.kind;
+  source.image = image.file;
+  source.table = image.table;
+  source.grid = gridText(image.grid);
+  source.isResampled = !sameGrid(image.grid, space.grid);
+  const auto found = image.names.find(source.label);
+  if (found != image.names.end()) source.labelName = found->second;
+}
+
+void noteResampling(const LabelVolume& image, Region& region) {
+  if (!region.source.isResampled) return;
+  region.notes.push_back(image.file +
+                         " has another grid than the runs: each voxel takes the label at its centre");
+}
+
 }  // namespace
 
 std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVolume& image,
@@ -185,15 +210,16 @@ std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVol
   const std::vector<std::int32_t> labels = labelsOnGrid(image, space.grid);
   std::vector<Region> regions;
   if (request.allLabels) regions = allRegions(image, labels, present, space, where);
-  const auto reaches = request.labels.empty() ? std::map<std::int32_t, Reach>{} : reachOfLabels(image, space.grid);
+  const auto reaches =
+      request.labels.empty() ? std::map<std::int32_t, Reach>{} : reachOfLabels(image, space.grid);
   for (const std::string& label : request.labels) {
     const std::int32_t value = valueOf(label, image, present, where);
     const std::string name = request.name.empty() ? nameOf(image, value) : request.name;
     regions.push_back(regionOfValue(name, value, labels, space, reachOf(reaches, value), where));
   }
-  if (!sameGrid(image.grid, space.grid)) {
-    regions[0].notes.push_back(image.file +
-                               " has another grid than the runs: each voxel takes the label at its centre");
+  for (Region& region : regions) {
+    setSource(request, image, space, region);
+    noteResampling(image, region);
   }
   return regions;
 }
@@ -205,7 +231,10 @@ Region maskRegion(const ReferenceRequest& request, const LabelVolume& image, con
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (values[i] != 0) collector.add(i);
   }
-  return collector.finish(where);
+  Region region = collector.finish(where);
+  setSource(request, image, space, region);
+  noteResampling(image, region);
+  return region;
 }
 
 Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {
@@ -214,7 +243,11 @@ Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, c
     if (isInSphere(request.centreMm, request.radiusMm, space.grid, space.grid.size.voxelAt(i)))
       collector.add(i);
   }
-  return collector.finish(where);
+  Region region = collector.finish(where);
+  region.source.kind = ReferenceKind::kSphere;
+  region.source.centreMm = request.centreMm;
+  region.source.radiusMm = request.radiusMm;
+  return region;
 }
 
 Region voxelRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {

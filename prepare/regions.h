@@ -3,7 +3,9 @@
 #ifndef TAVMAP_PREPARE_REGIONS_H
 #define TAVMAP_PREPARE_REGIONS_H
 
+#include <array>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,10 +14,23 @@
 
 namespace study {
 
+// Where a region comes from.
+struct RegionSource {
+  ReferenceKind kind = ReferenceKind::kVoxels;
+  std::filesystem::path image, table;  // empty: none
+  std::int32_t label = 0;              // its value in the image, and its name in the table
+  std::string labelName;
+  std::string grid;          // of the image, in words
+  bool isResampled = false;  // the image has another grid than the runs
+  std::array<double, 3> centreMm{};
+  double radiusMm = 0;
+};
+
 struct Region {
   std::string name;
   std::vector<std::int32_t> coordinates;  // 3 per voxel, indices from 0, in storage order
   std::vector<std::string> notes;         // what was left out, in words
+  RegionSource source = {};
   [[nodiscard]] int voxels() const { return static_cast<int>(coordinates.size() / 3); }
 };
 

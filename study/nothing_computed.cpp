@@ -39,7 +39,8 @@ bool isCode(std::uint8_t code, StatusCode wanted) {
 std::vector<std::size_t> sampledVoxels(const std::vector<std::uint8_t>& codes) {
   std::vector<std::size_t> failed, sample;
   for (std::size_t i = 0; i < codes.size(); ++i) {
-    if (isCode(codes[i], StatusCode::kIllDefined) || isCode(codes[i], StatusCode::kNotFinite)) failed.push_back(i);
+    if (isCode(codes[i], StatusCode::kIllDefined) || isCode(codes[i], StatusCode::kNotFinite))
+      failed.push_back(i);
   }
   const std::size_t count = std::min(kSampledVoxels, failed.size());
   for (std::size_t i = 0; i < count; ++i) sample.push_back(failed[i * failed.size() / count]);
@@ -71,18 +72,20 @@ std::string problemOf(const std::string& whose, const std::vector<ConditionRun>&
   if (std::count(kinds.begin(), kinds.end(), Kind::kNotFinite) > 0)
     return fmt::format("{} {} hold {}", whose, runsOf(Kind::kNotFinite, runs, kinds), kBeyondPrecision);
   if (std::count(kinds.begin(), kinds.end(), Kind::kVaries) > 0) return "";
-  return fmt::format("{} {} are constant over its intervals; without change there is no influence to see, "
-                     "check the image",
-                     whose, runsOf(Kind::kConstant, runs, kinds));
+  return fmt::format(
+      "{} {} are constant over its intervals; without change there is no influence to see, "
+      "check the image",
+      whose, runsOf(Kind::kConstant, runs, kinds));
 }
 
 std::string tooShort(int effectiveVolumes, int order) {
   const int coefficients = 2 * order;
   if (effectiveVolumes > 4 * coefficients)
     return "no model of them can be solved; are the voxels copies of the reference or of one another?";
-  return fmt::format("the intervals are too short, {} effective volumes for the {} coefficients of each "
-                     "equation of a model of order {}; give longer intervals or a lower order",
-                     effectiveVolumes, coefficients, order);
+  return fmt::format(
+      "the intervals are too short, {} effective volumes for the {} coefficients of each "
+      "equation of a model of order {}; give longer intervals or a lower order",
+      effectiveVolumes, coefficients, order);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "study/label_map.h"
 #include "study/nothing_computed.h"
 #include "study/reference_job.h"
+#include "study/result_inputs.h"
 #include "tav/tav.h"
 
 namespace study {
@@ -101,8 +102,15 @@ OutputNames ResultWriter::names() const {
 }
 
 ResultContext ResultWriter::context() const {
-  return {plan_.request, plan_.runs,  plan_.version,
-          plan_.seed,    plan_.order, cautionsOf(plan_, region(), result_.warnings)};
+  const Region& own = usable().region;
+  return {plan_.request,
+          plan_.runs,
+          plan_.version,
+          plan_.seed,
+          plan_.order,
+          cautionsOf(plan_, region(), result_.warnings),
+          referenceSource(plan_.request, own),
+          resultInputs(plan_, own)};
 }
 
 void ResultWriter::onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) {
@@ -186,8 +194,8 @@ void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::
 void ResultWriter::requireComputed(std::size_t index, const ConditionResult& condition) const {
   if (condition.statusCounts[static_cast<std::size_t>(StatusCode::kComputed)] > 0) return;
   std::vector<ConditionRun> runs = conditionRuns(plan_, region(), index, courses_);
-  throw InputError(fmt::format("{}: reference '{}', condition '{}': no voxel could be computed: {}",
-                               plan_.request.title, usable().region.name, condition.name,
+  throw InputError(fmt::format("reference '{}', condition '{}': no voxel could be computed: {}",
+                               usable().region.name, condition.name,
                                whyNothingIsComputed(runs, codes_, condition.effectiveVolumes, plan_.order)));
 }
 
@@ -254,7 +262,8 @@ void ResultWriter::writeCourses(const OutputNames& names) {
     const auto found = courses_.find({plan_.regions[region()].name, run.vtcName});
     const auto sidecar = formats::readVtcSidecar((plan_.workFolder / run.vtcName).string());
     columns.push_back({run.request.name, run.volumes.volumes, run.volumes.dropped,
-                       sidecar ? sidecar->shift : 0, found == courses_.end() ? nullptr : &found->second});
+                       sidecar ? sidecar->shift : 0, found == courses_.end() ? nullptr : &found->second,
+                       sidecar ? sidecar->scale : 1});
   }
   writeText(names.courses(), courseTable(columns));
   writeJson(OutputNames::sidecarOf(names.courses()),

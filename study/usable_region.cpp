@@ -68,12 +68,13 @@ class Sieve {
     const auto left = std::count(courses_.begin(), courses_.end(), Course::kUsable);
     const auto lost = static_cast<std::ptrdiff_t>(courses_.size()) - left;
     if (lost == 0) return usable;
-    const std::string what = fmt::format("reference '{}': {} of {} voxels", region_.name, lost, courses_.size());
+    const std::string what =
+        fmt::format("reference '{}': {} of {} voxels", region_.name, lost, courses_.size());
     if (2 * left < static_cast<std::ptrdiff_t>(courses_.size())) {
       throw InputError(fmt::format(
-          "{}: {} have no course ({}; run {}), and what is left does not stand for it; take another "
-          "reference, or repair the images",
-          plan_.request.title, what, reasons(), runs_));
+          "{} have no course ({}; run {}), and what is left does not stand for it; take another reference, "
+          "or repair the images",
+          what, reasons(), runs_));
     }
     usable.region.coordinates = coordinatesLeft();
     usable.notes = {fmt::format("{} are left out, {} (run {})", what, reasons(), runs_)};
@@ -100,7 +101,8 @@ class Sieve {
     for (const Course reason : {Course::kNotFinite, Course::kZero}) {
       const auto count = std::count(courses_.begin(), courses_.end(), reason);
       if (count == 0) continue;
-      text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, kWords[static_cast<std::size_t>(reason)]);
+      text +=
+          fmt::format("{}{} {}", text.empty() ? "" : ", ", count, kWords[static_cast<std::size_t>(reason)]);
     }
     return text;
   }

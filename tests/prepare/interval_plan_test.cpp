@@ -91,17 +91,19 @@ TEST(IntervalPlan, TypedIntervalsOfAPairMustLieInBothRuns) {
   ConditionRequest condition = makeCondition(IntervalKind::kTyped);
   condition.parts = {{"a", "b", {}}};
   condition.typed = {{10, 90}};
-  EXPECT_EQ(messageOf<InputError>(
-                [&] { return planCondition(condition, {makeRun("a"), makeRun("b", 80)}, 1, "r.toml"); }),
+  EXPECT_EQ(messageOf<InputError>([&] {
+              return planCondition(condition, {makeRun("a"), makeRun("b", 80)}, 1, "r.toml");
+            }),
             "r.toml: condition 'c': interval 10 to 90 ends outside run 'b', which has 80 volumes");
 }
 
 TEST(IntervalPlan, TypedIntervalsThatOverlapAreRefused) {
   ConditionRequest condition = makeCondition(IntervalKind::kTyped);
   condition.typed = {{60, 90}, {10, 40}, {41, 60}};
-  EXPECT_EQ(messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
-            "r.toml: condition 'c': interval 41 to 60 and interval 60 to 90 overlap, and volumes of both would "
-            "count twice; join them, or end the one before the other begins");
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
+      "r.toml: condition 'c': interval 41 to 60 and interval 60 to 90 overlap, and volumes of both would "
+      "count twice; join them, or end the one before the other begins");
   condition.typed = {{61, 90}, {10, 40}, {41, 60}};
   EXPECT_EQ(planCondition(condition, {makeRun("a")}, 1, "r").totalVolumes, 81);
 }
@@ -148,9 +150,10 @@ TEST(IntervalPlan, EventsOutsideTheRunAreNamed) {
   run.events = {{20, 20, "face"}, {190, 8, "face"}};
   EXPECT_TRUE(planCondition(condition, {run}, 1, "r").notes.empty());
   condition.delaySeconds = 12;
-  EXPECT_EQ(planCondition(condition, {run}, 1, "r").notes[0],
-            "condition 'c': run 'a': 1 event before the first or after the last volume is left out: 'face' at "
-            "190 s");
+  EXPECT_EQ(
+      planCondition(condition, {run}, 1, "r").notes[0],
+      "condition 'c': run 'a': 1 event before the first or after the last volume is left out: 'face' at "
+      "190 s");
 }
 
 TEST(IntervalPlan, EventsBecomeBlocksJoinedWithinOneTr) {

@@ -19,7 +19,7 @@ class NothingComputed : public PreparedStudy {
     const StudyPlan plan = prepared();
     std::string text = messageOf<InputError>([&] { computeReferences(plan, {0}, [](double) {}); });
     EXPECT_FALSE(finishedRecord(plan, 0));
-    const std::string begin = "r.toml: reference 'A', condition 'whole': no voxel could be computed: ";
+    const std::string begin = "reference 'A', condition 'whole': no voxel could be computed: ";
     EXPECT_EQ(text.substr(0, begin.size()), begin) << text;
     return text.substr(std::min(text.size(), begin.size()));
   }
@@ -37,9 +37,10 @@ class NothingComputed : public PreparedStudy {
 
 TEST_F(NothingComputed, OfAConstantReference) {
   overwrite(900, true);
-  EXPECT_EQ(problem(),
-            "the courses of the reference in run 'run1' are constant over its intervals; without change there "
-            "is no influence to see, check the image");
+  EXPECT_EQ(
+      problem(),
+      "the courses of the reference in run 'run1' are constant over its intervals; without change there "
+      "is no influence to see, check the image");
 }
 
 TEST_F(NothingComputed, OfConstantVoxels) {
@@ -58,17 +59,19 @@ TEST_F(NothingComputed, OfVoxelsThatAreNotFinite) {
       }
     }
   }
-  EXPECT_EQ(problem(),
-            "the voxels of run 'run1' hold values beyond single precision (magnitudes above 3.4e38) or values "
-            "that are no numbers; repair the image, or scale it down");
+  EXPECT_EQ(
+      problem(),
+      "the voxels of run 'run1' hold values beyond single precision (magnitudes above 3.4e38) or values "
+      "that are no numbers; repair the image, or scale it down");
 }
 
 TEST_F(NothingComputed, OfAReferenceThatIsNotFiniteWithThePlugin) {
   request_.settings.method = Method::kPlugin;
   bold_.at(3, 3, 3, 17) = std::nanf("");
-  EXPECT_EQ(problem(),
-            "the courses of the reference in run 'run1' hold values beyond single precision (magnitudes above "
-            "3.4e38) or values that are no numbers; repair the image, or scale it down");
+  EXPECT_EQ(
+      problem(),
+      "the courses of the reference in run 'run1' hold values beyond single precision (magnitudes above "
+      "3.4e38) or values that are no numbers; repair the image, or scale it down");
 }
 
 TEST_F(NothingComputed, OfIntervalsThatAreTooShort) {

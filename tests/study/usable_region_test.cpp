@@ -57,7 +57,7 @@ TEST_F(UsableRegionOf, HalfOfItsVoxelsIsEnoughAndLessIsRefused) {
   bold_.at(3, 4, 4, 9) = std::nanf("");
   const StudyPlan plan = prepared();
   EXPECT_EQ(messageOf<InputError>([&] { return usableRegion(plan, 0); }),
-            "r.toml: reference 'A': 5 of 8 voxels have no course (1 with values that are not finite numbers, 4 "
+            "reference 'A': 5 of 8 voxels have no course (1 with values that are not finite numbers, 4 "
             "that are 0 throughout, as outside the field of view; run 'run1'), and what is left does not "
             "stand for it; take another reference, or repair the images");
 }
@@ -91,8 +91,9 @@ TEST_F(UsableRegionOf, TheResultCountsWhatIsLeftAndSaysSo) {
   EXPECT_EQ(record.referenceVoxels, 7);
   EXPECT_EQ(record.conditions[0].voxels[static_cast<std::size_t>(StatusCode::kInsideReference)], 7U);
   EXPECT_GT(record.conditions[0].voxelsComputed(), 100U);
-  EXPECT_EQ(record.warnings.front(),
-            "reference 'A': 1 of 8 voxels are left out, 1 with values that are not finite numbers (run 'run1')");
+  EXPECT_EQ(
+      record.warnings.front(),
+      "reference 'A': 1 of 8 voxels are left out, 1 with values that are not finite numbers (run 'run1')");
   EXPECT_TRUE(finishedRecord(plan, 0));
 }
 

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 enum class Course { kUsable, kNotFinite, kZero };
-constexpr std::array<const char*, 3> kWords = {"", "with values that are not finite numbers",
+constexpr std::array<const char*, 3> kWords = {"", "with values that are not finite in single precision",
                                                "that are 0 throughout, as outside the field of view"};
 
 std::set<std::string> sourceRuns(const StudyPlan& plan) {

@@ -106,11 +106,11 @@ TEST_F(RegionFiles, EveryRegionNotesThatOneNameStatesNoSpace) {
   }
   request_.runs[0].bold = "bold.nii";
   EXPECT_TRUE(readRegions(request_, space())[0].notes.empty());
-  request_.references[0].image = image("a_space-T1w_dseg.nii", {0, 1, 2, 0, 0, 0});
-  EXPECT_EQ(
-      readRegions(request_, space())[0].notes[0],
-      "the runs have no 'space-' in their name, but 'T1w' in that of a_space-T1w_dseg.nii: nothing says "
-      "that both lie in the same space; make sure, or regions lie in the wrong place");
+  request_.references[0].image = image("atlas-x_space-T1w_dseg.nii", {0, 1, 2, 0, 0, 0});
+  EXPECT_EQ(readRegions(request_, space())[0].notes[0],
+            "the runs have no 'space-' in their name, but 'T1w' in that of atlas-x_space-T1w_dseg.nii: "
+            "nothing says "
+            "that both lie in the same space; make sure, or regions lie in the wrong place");
 }
 
 TEST_F(RegionFiles, NamesComeFromTheTableThatWasAskedFor) {

@@ -31,7 +31,8 @@ TEST_F(UnusableData, AVoxelThatIsNoNumberIsLeftOutOfItsReferenceEverywhere) {
   const ProgramResult result = run(write());
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const std::string text =
-      "reference 'A': 1 of 8 voxels are left out, 1 with values that are not finite numbers (run 'run1')";
+      "reference 'A': 1 of 8 voxels are left out, 1 with values that are not finite in single precision (run "
+      "'run1')";
   EXPECT_NE(result.out.find("WARNING: " + text + "\n"), std::string::npos) << result.out;
   const nlohmann::json record = read("small_seed-A_tavmap.json"), sidecar = read(kMap + ".json");
   EXPECT_EQ(record["ReferenceVoxels"], 7);

@@ -31,7 +31,7 @@ TEST_F(UsableRegionOf, ValuesThatAreNoNumbersIsWithoutTheirVoxels) {
   EXPECT_EQ(usable.region.coordinates[4], 4);  // (3, 3, 3) was the second
   EXPECT_EQ(usable.notes, (std::vector<std::string>{
                               "reference 'A': 2 of 8 voxels are left out, 2 with values that are not finite "
-                              "numbers (run 'run1')"}));
+                              "in single precision (run 'run1')"}));
 }
 
 // With a mask the zeros become the constant that is added.
@@ -56,10 +56,11 @@ TEST_F(UsableRegionOf, HalfOfItsVoxelsIsEnoughAndLessIsRefused) {
   EXPECT_EQ(usableRegion(prepared(), 0).region.voxels(), 4);
   bold_.at(3, 4, 4, 9) = std::nanf("");
   const StudyPlan plan = prepared();
-  EXPECT_EQ(messageOf<InputError>([&] { return usableRegion(plan, 0); }),
-            "reference 'A': 5 of 8 voxels have no course (1 with values that are not finite numbers, 4 "
-            "that are 0 throughout, as outside the field of view; run 'run1'), and what is left does not "
-            "stand for it; take another reference, or repair the images");
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return usableRegion(plan, 0); }),
+      "reference 'A': 5 of 8 voxels have no course (1 with values that are not finite in single precision, 4 "
+      "that are 0 throughout, as outside the field of view; run 'run1'), and what is left does not "
+      "stand for it; take another reference, or repair the images");
 }
 
 TEST_F(UsableRegionOf, ThePluginIsTheRegionItself) {
@@ -79,7 +80,7 @@ TEST_F(UsableRegionOf, ARunThatNoConditionTakesItsCourseFromIsNotLookedAt) {
   request_.conditions[0].parts.push_back({"run2", "run2", {}});
   EXPECT_EQ(usableRegion(prepared(), 0).notes,
             (std::vector<std::string>{"reference 'A': 1 of 8 voxels are left out, 1 with values that are not "
-                                      "finite numbers (run 'run2')"}));
+                                      "finite in single precision (run 'run2')"}));
 }
 
 TEST_F(UsableRegionOf, TheResultCountsWhatIsLeftAndSaysSo) {
@@ -91,9 +92,9 @@ TEST_F(UsableRegionOf, TheResultCountsWhatIsLeftAndSaysSo) {
   EXPECT_EQ(record.referenceVoxels, 7);
   EXPECT_EQ(record.conditions[0].voxels[static_cast<std::size_t>(StatusCode::kInsideReference)], 7U);
   EXPECT_GT(record.conditions[0].voxelsComputed(), 100U);
-  EXPECT_EQ(
-      record.warnings.front(),
-      "reference 'A': 1 of 8 voxels are left out, 1 with values that are not finite numbers (run 'run1')");
+  EXPECT_EQ(record.warnings.front(),
+            "reference 'A': 1 of 8 voxels are left out, 1 with values that are not finite in single "
+            "precision (run 'run1')");
   EXPECT_TRUE(finishedRecord(plan, 0));
 }
 

@@ -21,7 +21,8 @@ TEST(Sha256, HasTheDigestsOfTheStandard) {
 TEST(Sha256, ReadsBeyondOneBlock) {
   Scratch scratch;
   const std::string block(std::size_t{1} << 20U, 'x');
-  EXPECT_NE(formats::sha256Of(scratch.write("one", block)), formats::sha256Of(scratch.write("two", block + "y")));
+  EXPECT_NE(formats::sha256Of(scratch.write("one", block)),
+            formats::sha256Of(scratch.write("two", block + "y")));
 }
 
 TEST(Sha256, NamesAFileThatIsNotThere) {

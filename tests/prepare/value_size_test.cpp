@@ -22,9 +22,9 @@ ValueSize times(ValueSize size, double factor) {
 
 TEST(CommonScale, LeavesUsualDataAsTheyAre) {
   EXPECT_EQ(commonScale({usual()}, 100), 1);
-  EXPECT_EQ(commonScale({{true, 9, 0, 1400, 900, 10}}, 100), 1);      // a mask with empty voxels
-  EXPECT_EQ(commonScale({{true, 9, -3, 3, 0.8, 0.9}}, 100), 1);       // standardised
-  EXPECT_EQ(commonScale({{true, 9, 60, 140, 100, 0.6}}, 100), 1);     // per cent of the mean
+  EXPECT_EQ(commonScale({{true, 9, 0, 1400, 900, 10}}, 100), 1);   // a mask with empty voxels
+  EXPECT_EQ(commonScale({{true, 9, -3, 3, 0.8, 0.9}}, 100), 1);    // standardised
+  EXPECT_EQ(commonScale({{true, 9, 60, 140, 100, 0.6}}, 100), 1);  // per cent of the mean
   EXPECT_EQ(commonScale({{false, 9, 101, 30000, 9000, 80}}, 100), 1);
   EXPECT_EQ(commonScale({{true, 0, 0, 0, 0, 0}}, 100), 1);
 }
@@ -68,7 +68,8 @@ TEST(SizeOfValues, LooksAtTheFirstTwoKeptVolumesInsideTheMask) {
   header.sformCode = 1;
   formats::writeImage(scratch.file("mask.nii"), {header, {1, 1, 0, 1}});
   header.volumes = 5;
-  const std::vector<float> values = {9, 9, 9, 9, -2, 6, 500, std::nanf(""), 1, 8, 900, 4, 0, 0, 0, 0, 0, 0, 0, 0};
+  const std::vector<float> values = {9, 9, 9, 9, -2, 6, 500, std::nanf(""), 1, 8, 900, 4, 0,
+                                     0, 0, 0, 0, 0,  0, 0};
   formats::NiftiWriter writer(scratch.file("bold.nii"), header);
   writer.writeValues(values.data(), values.size());
   writer.commit();

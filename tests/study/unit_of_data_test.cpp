@@ -15,7 +15,8 @@ class UnitOfData : public SmallStudyRun {
  protected:
   void SetUp() override {
     SmallStudyRun::SetUp();
-    for (const char* name : {"bold1.nii.gz", "bold2.nii.gz"}) originals_.push_back(readSeries(folder() / name));
+    for (const char* name : {"bold1.nii.gz", "bold2.nii.gz"})
+      originals_.push_back(readSeries(folder() / name));
   }
   // Every value of one kind of map, after a run with all values times the factor and plus the offset.
   std::vector<float> mapOf(double factor, const char* kind, float offset = 0) {
@@ -28,7 +29,8 @@ class UnitOfData : public SmallStudyRun {
     fs::remove_all(results());
     const ProgramResult result = run(write("null_draws = 2\nfwe_draws = 0"));
     EXPECT_EQ(result.exitCode, 0) << factor << " " << result.err;
-    const std::string name = std::string("small_seed-A_contrast-whole") + kind + "_stat-effect_statmap.nii.gz";
+    const std::string name =
+        std::string("small_seed-A_contrast-whole") + kind + "_stat-effect_statmap.nii.gz";
     return formats::readImage((results() / name).string()).values;
   }
   static double largestDifference(const std::vector<float>& a, const std::vector<float>& b) {

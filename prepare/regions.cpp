@@ -196,9 +196,9 @@ void setSource(const ReferenceRequest& request, const LabelVolume& image, const 
   if (found != image.names.end()) source.labelName = found->second;
 }
 
-void noteResampling(const LabelVolume& image, Region& region) {
+void noteResampling(Region& region) {
   if (!region.source.isResampled) return;
-  region.notes.push_back(image.file +
+  region.notes.push_back(region.source.image.filename().string() +
                          " has another grid than the runs: each voxel takes the label at its centre");
 }
 
@@ -219,7 +219,7 @@ std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVol
   }
   for (Region& region : regions) {
     setSource(request, image, space, region);
-    noteResampling(image, region);
+    noteResampling(region);
   }
   return regions;
 }
@@ -233,7 +233,7 @@ Region maskRegion(const ReferenceRequest& request, const LabelVolume& image, con
   }
   Region region = collector.finish(where);
   setSource(request, image, space, region);
-  noteResampling(image, region);
+  noteResampling(region);
   return region;
 }
 

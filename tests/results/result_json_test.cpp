@@ -39,6 +39,13 @@ TEST_F(Sidecars, OfAStatusMapAreWrittenAsTheyAlwaysWere) {
   EXPECT_EQ(statusSidecar(context_, reference_, condition).dump(2) + "\n", stored("status_sidecar.json"));
 }
 
+TEST_F(Sidecars, OfFamilyWiseImagesNameWholeMapsOfAnotherKind) {
+  MapResult emptied = reference_.conditions[0].maps[0];
+  emptied.type = tav::DTAV_IT;
+  const std::string text = familyWiseSidecar(map(0, 0), emptied, FamilyWiseImage::kVoxels)["Description"];
+  EXPECT_NE(text.find("the whole maps are those of DTAV, since"), std::string::npos) << text;
+}
+
 TEST_F(Sidecars, OfFamilyWiseImagesSayWhatTheirValuesAre) {
   const MapResult& ofFaces = reference_.conditions[0].maps[0];
   const Json voxels = familyWiseSidecar(map(0, 0), ofFaces, FamilyWiseImage::kVoxels);

@@ -7,11 +7,11 @@
 #include <limits>
 
 #include "results/results.h"
+#include "study/voxel_sample.h"
 
 namespace study {
 namespace {
 
-constexpr std::size_t kSampledVoxels = 50;
 constexpr const char* kBeyondPrecision =
     "values beyond single precision (magnitudes above 3.4e38) or values that are no numbers; repair the "
     "image, or scale it down";
@@ -33,18 +33,6 @@ Kind kindOf(const std::vector<float>& course, const std::vector<VolumeRange>& ra
 
 bool isCode(std::uint8_t code, StatusCode wanted) {
   return code == static_cast<std::uint8_t>(wanted);
-}
-
-// Of the voxels that the engine looked at and could not compute.
-std::vector<std::size_t> sampledVoxels(const std::vector<std::uint8_t>& codes) {
-  std::vector<std::size_t> failed, sample;
-  for (std::size_t i = 0; i < codes.size(); ++i) {
-    if (isCode(codes[i], StatusCode::kIllDefined) || isCode(codes[i], StatusCode::kNotFinite))
-      failed.push_back(i);
-  }
-  const std::size_t count = std::min(kSampledVoxels, failed.size());
-  for (std::size_t i = 0; i < count; ++i) sample.push_back(failed[i * failed.size() / count]);
-  return sample;
 }
 
 // What all sampled voxels of a run are.
@@ -96,7 +84,7 @@ std::string whyNothingIsComputed(std::vector<ConditionRun>& runs, const std::vec
   for (const ConditionRun& run : runs) kinds.push_back(kindOf(run.reference, run.ranges));
   const std::string ofReference = problemOf("the courses of the reference in", runs, kinds);
   if (!ofReference.empty()) return ofReference;
-  const std::vector<std::size_t> sample = sampledVoxels(codes);
+  const std::vector<std::size_t> sample = sampleOf(codes, {StatusCode::kIllDefined, StatusCode::kNotFinite});
   if (sample.empty()) {
     const bool isAnyInside = std::any_of(codes.begin(), codes.end(), [](std::uint8_t code) {
       return isCode(code, StatusCode::kInsideReference);

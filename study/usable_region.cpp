@@ -18,8 +18,9 @@ namespace {
 namespace fs = std::filesystem;
 
 enum class Course { kUsable, kNotFinite, kZero };
-constexpr std::array<const char*, 3> kWords = {"", "with values that are not finite in single precision",
-                                               "that are 0 throughout, as outside the field of view"};
+constexpr std::array<const char*, 3> kReasonWords = {"",
+                                                     "with values that are not finite in single precision",
+                                                     "that are 0 throughout, as outside the field of view"};
 
 std::set<std::string> sourceRuns(const StudyPlan& plan) {
   std::set<std::string> names;
@@ -101,8 +102,8 @@ class Sieve {
     for (const Course reason : {Course::kNotFinite, Course::kZero}) {
       const auto count = std::count(courses_.begin(), courses_.end(), reason);
       if (count == 0) continue;
-      text +=
-          fmt::format("{}{} {}", text.empty() ? "" : ", ", count, kWords[static_cast<std::size_t>(reason)]);
+      text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count,
+                          kReasonWords[static_cast<std::size_t>(reason)]);
     }
     return text;
   }

@@ -16,9 +16,10 @@
 namespace study {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 std::vector<std::string> workerCommand(const StudyOptions& options, const fs::path& job) {
   if (options.program.empty()) throw RunError("no program is known that could do the work");

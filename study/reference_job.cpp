@@ -141,14 +141,16 @@ tav::RunOptions referenceOptions(const StudyPlan& plan, const std::vector<std::s
 }
 
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
-                       const std::function<void(double)>& progress) {
+                       const std::function<void(double)>& progress, int threads) {
   fs::create_directories(plan.request.output.folder);
   const std::vector<UsableRegion> usable = usableRegions(plan, regions);
   ResultWriter writer(plan, regions, usable, progress);
   const tav::TAV_Pars pars = engineRequest(plan.request.settings, plan.order, plan.runs, plan.conditions,
                                            pointersTo(usable), plan.request.output.prefix);
   std::ostringstream errors;
-  tav::Computer computer(referenceOptions(plan, regions), &writer, &writer.store());
+  tav::RunOptions engine = referenceOptions(plan, regions);
+  engine.threads = threads;
+  tav::Computer computer(engine, &writer, &writer.store());
   throwStatus(computer.computeTAVs(pars, errors), errors.str());
 }
 

@@ -17,9 +17,10 @@ namespace study {
 
 // Computes the regions with these indices and publishes their files in the output folder, each
 // reference's record last. Runs on the caller's thread and changes nothing of the process. progress
-// receives 0 to 1. Throws RunError, InputError and formats::FileError.
+// receives 0 to 1. Whole maps of surrogates are computed on so many threads. Throws RunError, InputError and
+// formats::FileError.
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
-                       const std::function<void(double)>& progress);
+                       const std::function<void(double)>& progress, int threads = 1);
 
 // What the engine is asked for these regions. With method "plugin" they share one sequence of random numbers;
 // otherwise each has its own.

@@ -29,8 +29,9 @@ std::vector<std::string> workerCommand(const StudyOptions& options, const fs::pa
 }  // namespace
 
 RequestRun::RequestRun(StudyPlan plan, const StudyOptions& options, WorkerPool& pool, StudyFolders& folders,
-                       StudyOutcome& outcome, ProgressBar& progress)
+                       StudyOutcome& outcome, ProgressBar& progress, std::size_t requests)
     : plan_(std::move(plan)),
+      requests_(requests),
       options_(options),
       pool_(pool),
       folders_(folders),
@@ -147,14 +148,15 @@ void RequestRun::addReferences() {
   for (std::size_t i = 0; i < plan_.regions.size(); ++i) all.push_back(i);
   if (plan_.request.settings.method == Method::kCalibrated) {
     std::erase_if(all, [&](std::size_t i) { return keep(i); });
-    for (const auto& together : sharedOut(all, options_.jobs)) addReferenceJob(together);
+    const auto shares = sharedOut(all, options_.jobs);
+    for (const auto& together : shares) addReferenceJob(together, threadsOf(shares.size()));
     return;
   }
   // The plug-in's numbers of a reference depend on those before it: all or none.
   const bool finished = !options_.force && std::all_of(all.begin(), all.end(), [&](std::size_t i) {
     return finishedRecord(plan_, i).has_value();
   });
-  if (!finished) return addReferenceJob(all);
+  if (!finished) return addReferenceJob(all, 1);
   for (const std::size_t i : all) keep(i);
 }
 
@@ -171,13 +173,18 @@ std::vector<std::vector<std::size_t>> RequestRun::sharedOut(const std::vector<st
   return shares;
 }
 
-void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions) {
+// When there is less to do at a time than there are processors for it.
+int RequestRun::threadsOf(std::size_t workers) const {
+  return std::max(1, options_.jobs / static_cast<int>(std::max<std::size_t>(1, workers * requests_)));
+}
+
+void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions, int threads) {
   std::string name = plan_.regions[regions[0]].name;
   if (regions.size() > 1) name += fmt::format(" and {} more", regions.size() - 1);
   const double weight =
       workOfReferences() * static_cast<double>(regions.size()) / static_cast<double>(plan_.regions.size());
   addWork(
-      name, weight, referencesJob(plan_, regions),
+      name, weight, referencesJob(plan_, regions, threads),
       [this, regions](const WorkOutcome& done) { settleResults(regions, done); }, isTriedInParts(regions));
 }
 
@@ -203,7 +210,7 @@ void RequestRun::settleResults(const std::vector<std::size_t>& regions, const Wo
     if (record && (work.done || regions.size() > 1)) {
       reference = {plan_.request.title, plan_.regions[i].name, true, false, "", *record};
     } else if (retry) {
-      addReferenceJob({i});
+      addReferenceJob({i}, 1);
       continue;
     } else if (work.done) {
       reference.message = "its files are missing";

@@ -17,9 +17,9 @@ namespace study {
 
 class RequestRun {
  public:
-  // All but the plan must outlive the pool's run.
+  // All but the plan must outlive the pool's run. requests: how many share the pool.
   RequestRun(StudyPlan plan, const StudyOptions& options, WorkerPool& pool, StudyFolders& folders,
-             StudyOutcome& outcome, ProgressBar& progress);
+             StudyOutcome& outcome, ProgressBar& progress, std::size_t requests);
 
   // Adds what can be done at once to the pool; the rest follows when that is finished. Throws
   // formats::FileError.
@@ -38,13 +38,15 @@ class RequestRun {
   void refuseOtherOrder(int order) const;
   void addReferences();
   static std::vector<std::vector<std::size_t>> sharedOut(const std::vector<std::size_t>& regions, int jobs);
-  void addReferenceJob(const std::vector<std::size_t>& regions);
+  [[nodiscard]] int threadsOf(std::size_t workers) const;
+  void addReferenceJob(const std::vector<std::size_t>& regions, int threads);
   void fail(const WorkOutcome& work, const std::string& what);
   void settle(ReferenceOutcome reference);
   bool keep(std::size_t region);
   void settleResults(const std::vector<std::size_t>& regions, const WorkOutcome& work);
 
   StudyPlan plan_;
+  std::size_t requests_;
   const StudyOptions& options_;
   WorkerPool& pool_;
   StudyFolders& folders_;

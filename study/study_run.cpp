@@ -143,7 +143,8 @@ StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& 
   WorkerPool pool(options.jobs, &progress);  // ends its workers before the folders are swept
   std::vector<std::unique_ptr<RequestRun>> runs;
   for (const StudyPlan& plan : plans) {
-    runs.push_back(std::make_unique<RequestRun>(plan, options, pool, folders, outcome, progress));
+    runs.push_back(
+        std::make_unique<RequestRun>(plan, options, pool, folders, outcome, progress, plans.size()));
     runs.back()->start();
     if (!options.ordersOnly) writeDescription(plan.request, options, folders);
   }

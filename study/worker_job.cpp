@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -25,6 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
+constexpr int kMostThreads = 256;
 constexpr std::array<const char*, 3> kWorkNames = {"import", "order", "references"};
 
 std::vector<std::size_t> allRegions(const StudyPlan& plan) {
@@ -42,7 +44,7 @@ std::vector<std::string> keysOf(const StudyPlan& plan, const std::vector<std::si
 }
 
 WorkerJob jobOf(const StudyPlan& plan, Work work, std::vector<std::size_t> items) {
-  WorkerJob job{work, plan.version, std::move(items), plan.order, 1, {}, withoutLines(plan.request)};
+  WorkerJob job{work, plan.version, std::move(items), plan.order, 1, 1, {}, withoutLines(plan.request)};
   job.request.seed = plan.seed;
   return job;
 }
@@ -121,6 +123,7 @@ WorkerJob parseHead(const std::string& line) {
   job.items = wholeNumbers(head.at("Items"));
   job.order = wholeNumber<int>(head.at("Order"));
   if (head.contains("Scale")) job.scale = powerOfTwo(head["Scale"]);
+  if (head.contains("Threads")) job.threads = std::clamp(wholeNumber<int>(head["Threads"]), 1, kMostThreads);
   job.expected = head.at("Expected").get<std::vector<std::string>>();
   return job;
 }
@@ -140,8 +143,9 @@ WorkerJob orderJob(const StudyPlan& plan) {
   return job;
 }
 
-WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions) {
+WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions, int threads) {
   WorkerJob job = jobOf(plan, Work::kReferences, regions);
+  job.threads = threads;
   job.expected = keysOf(plan, regions);
   return job;
 }
@@ -153,6 +157,7 @@ std::string jobText(const WorkerJob& job) {
   head["Items"] = job.items;
   head["Order"] = job.order;
   if (job.scale != 1) head["Scale"] = job.scale;
+  if (job.threads != 1) head["Threads"] = job.threads;
   head["Expected"] = job.expected;
   return fmt::format("{}\n{}", head.dump(), requestText(job.request));
 }
@@ -187,7 +192,7 @@ std::string carryOut(const WorkerJob& job, const std::string& version,
   }
   const StudyPlan plan = planAgain(job);
   if (job.work == Work::kOrder) return orderEvidence(plan);
-  computeReferences(plan, job.items, progress);
+  computeReferences(plan, job.items, progress, job.threads);
   return "";
 }
 

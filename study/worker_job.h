@@ -24,13 +24,15 @@ struct WorkerJob {
   std::vector<std::size_t> items;     // the run to import; the references; from 0
   int order = 0;                      // of the model, for references
   double scale = 1;                   // of the run to import, a power of two
+  int threads = 1;                    // for references; nothing of it shows in results
   std::vector<std::string> expected;  // the import's name, or keys of the results
   Request request;
 };
 
 [[nodiscard]] WorkerJob importJob(const StudyPlan& plan, std::size_t run);
 [[nodiscard]] WorkerJob orderJob(const StudyPlan& plan);
-[[nodiscard]] WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions);
+[[nodiscard]] WorkerJob referencesJob(const StudyPlan& plan, const std::vector<std::size_t>& regions,
+                                      int threads = 1);
 
 [[nodiscard]] std::string jobText(const WorkerJob& job);
 // Throws InputError when the file is no job or names files that are gone, and formats::FileError.

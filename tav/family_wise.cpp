@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <future>
+#include <optional>
+#include <span>
 
 #include "tav/map_source.h"
 #include "tav/piece_reader.h"
@@ -10,7 +13,7 @@
 namespace tav {
 namespace {
 
-constexpr int kDrawsPerChunk = 100;
+constexpr int kDrawsPerLane = 100;
 constexpr std::size_t kMostSampled = 400000;
 
 // The results of one piece under one chunk of draws.
@@ -61,44 +64,38 @@ class PieceResults {
   std::vector<std::uint32_t> cells_;
 };
 
-// One chunk of draws after the other over all pieces.
-class Chunks {
+// Some draws of a chunk: what one thread computes.
+class Lane {
  public:
-  Chunks(const ConditionJobs& condition, const TAV_Pars& request, const std::vector<std::size_t>& leftOut,
-         VoxelPath& path, FamilyWise& familyWise, std::ostream& errors)
-      : condition_(condition),
-        request_(request),
-        leftOut_(leftOut),
-        path_(path),
-        familyWise_(familyWise),
-        errors_(errors) {}
+  Lane(const TAV_Pars& request, const std::vector<std::size_t>& leftOut, VoxelPath& path,
+       FamilyWise& familyWise)
+      : request_(request), leftOut_(leftOut), path_(path), familyWise_(familyWise) {}
 
-  [[nodiscard]] bool compute(int first, int draws) {
-    VoxelJob job = condition_.jobs[0];
+  void begin(VoxelJob job, int first, int draws) {
     job.nullDraws = draws;
     job.commonFirst = static_cast<std::uint32_t>(first);
     path_.begin({&job, 1});
-    const std::size_t slice = gridOf(request_).slice();
-    PieceReader reader(condition_.files, slice, static_cast<std::size_t>(request_.dimZ));
-    PieceResults results(slice, draws);
-    while (reader.next(errors_)) {
-      const VoxelResults places = results.places();
-      path_.compute(reader.count(), reader.data(), {&places, 1});
-      results.collectCells(reader.first(), reader.count());
-      if (!results.cells().empty()) take(static_cast<std::size_t>(first), results);
-    }
-    return !reader.hasFailed();
+    first_ = static_cast<std::size_t>(first);
+    results_.emplace(gridOf(request_).slice(), draws);
+  }
+
+  // Lanes may do so at the same time: each touches its own draws alone.
+  void compute(const PieceReader& reader) {
+    const VoxelResults places = results_->places();
+    path_.compute(reader.count(), reader.data(), {&places, 1});
+    results_->collectCells(reader.first(), reader.count());
+    if (!results_->cells().empty()) take();
   }
 
  private:
-  void take(std::size_t first, const PieceResults& results) {
-    const std::vector<std::size_t> out = leftOutOf(results.cells());
-    buffer_.resize(results.cells().size());
-    results.forEachDraw([&](std::size_t draw, const RawValues& raw) {
+  void take() {
+    const std::vector<std::size_t> out = leftOutOf(results_->cells());
+    buffer_.resize(results_->cells().size());
+    results_->forEachDraw([&](std::size_t draw, const RawValues& raw) {
       for (auto& [type, maxima] : familyWise_) {
         computeMapValues(nullKindOf(type), raw, request_, buffer_.data());
         for (const std::size_t i : out) buffer_[i] = 0;
-        maxima.take(first + draw, results.cells(), buffer_.data());
+        maxima.take(first_ + draw, results_->cells(), buffer_.data());
       }
     });
   }
@@ -111,14 +108,63 @@ class Chunks {
     return positions;
   }
 
-  const ConditionJobs& condition_;
   const TAV_Pars& request_;
   const std::vector<std::size_t>& leftOut_;
   VoxelPath& path_;
   FamilyWise& familyWise_;
-  std::ostream& errors_;
+  std::size_t first_ = 0;
+  std::optional<PieceResults> results_;
   std::vector<float> buffer_;
 };
+
+// Calls use(0), use(1), ... use(count - 1), each on a thread of its own but the first. Throws what one of
+// them threw, when all have ended.
+template <class Use>
+void atOnce(std::size_t count, Use use) {
+  std::vector<std::future<void>> others;
+  for (std::size_t i = 1; i < count; ++i) others.push_back(std::async(std::launch::async, use, i));
+  use(std::size_t{0});
+  for (std::future<void>& other : others) other.get();
+}
+
+// One chunk of draws after the other over all pieces, each chunk shared out among the lanes.
+class Chunks {
+ public:
+  Chunks(const ConditionJobs& condition, const TAV_Pars& request, const std::vector<std::size_t>& leftOut,
+         std::span<VoxelPath* const> paths, FamilyWise& familyWise, std::ostream& errors)
+      : condition_(condition), request_(request), errors_(errors) {
+    for (VoxelPath* path : paths) lanes_.emplace_back(request, leftOut, *path, familyWise);
+  }
+
+  [[nodiscard]] int draws() const { return kDrawsPerLane * static_cast<int>(lanes_.size()); }
+
+  [[nodiscard]] bool compute(int first, int draws) {
+    const int lanes = std::min(static_cast<int>(lanes_.size()), draws);
+    for (int i = 0, begin = 0, end = 0; i < lanes; ++i, begin = end) {
+      end = draws * (i + 1) / lanes;
+      lanes_[static_cast<std::size_t>(i)].begin(condition_.jobs[0], first + begin, end - begin);
+    }
+    PieceReader reader(condition_.files, gridOf(request_).slice(), static_cast<std::size_t>(request_.dimZ));
+    while (reader.next(errors_))
+      atOnce(static_cast<std::size_t>(lanes), [&](std::size_t lane) { lanes_[lane].compute(reader); });
+    return !reader.hasFailed();
+  }
+
+ private:
+  const ConditionJobs& condition_;
+  const TAV_Pars& request_;
+  std::vector<Lane> lanes_;
+  std::ostream& errors_;
+};
+
+void findClusters(const TAV_Pars& request, std::size_t threads, FamilyWise& familyWise) {
+  std::vector<NullMaxima*> all;
+  for (auto& [type, maxima] : familyWise) all.push_back(&maxima);
+  atOnce(std::max<std::size_t>(1, std::min(threads, all.size())), [&](std::size_t thread) {
+    ClusterFinder finder(gridOf(request));
+    for (std::size_t i = thread; i < all.size(); i += threads) all[i]->findClusters(finder);
+  });
+}
 
 }  // namespace
 
@@ -144,20 +190,19 @@ std::map<MapType, float> clusterFormingLevels(const std::vector<RawValues>& null
 
 int computeFamilyWise(const ConditionJobs& condition, const TAV_Pars& request, int draws,
                       const std::map<MapType, float>& levels, const std::vector<std::size_t>& leftOut,
-                      VoxelPath& path, FamilyWise& familyWise, const std::function<void(int)>& progress,
-                      std::ostream& errors) {
+                      std::span<VoxelPath* const> paths, FamilyWise& familyWise,
+                      const std::function<void(int)>& progress, std::ostream& errors) {
   const int available = std::min(draws, condition.jobs[0].nrOfSurrogates);
   familyWise.clear();
   for (const auto& [type, level] : levels)
     familyWise.emplace(type, NullMaxima(static_cast<std::size_t>(std::max(available, 0)), level));
-  Chunks chunks(condition, request, leftOut, path, familyWise, errors);
+  Chunks chunks(condition, request, leftOut, paths, familyWise, errors);
   for (int first = 0, next = 0; first < available; first = next) {
-    next = std::min(first + kDrawsPerChunk, available);
+    next = std::min(first + chunks.draws(), available);
     if (!chunks.compute(first, next - first)) return kTerminalError;
     progress(100 * next / available);
   }
-  ClusterFinder finder(gridOf(request));
-  for (auto& [type, maxima] : familyWise) maxima.findClusters(finder);
+  findClusters(request, paths.size(), familyWise);
   return kSuccess;
 }
 

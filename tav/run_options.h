@@ -52,6 +52,8 @@ struct RunOptions {
   // Surrogates whose whole maps are computed for the family-wise error, at most those of the request; 0:
   // none. In least squares only.
   int fweDraws = 0;
+  // How many threads compute these maps; nothing of it shows in results.
+  int threads = 1;
   // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the
   // request, from which alone its surrogates and draws follow, whatever the other references are.
   std::vector<std::int64_t> voiTimeBases = {};

@@ -92,6 +92,14 @@ MapPieces without(const std::vector<std::size_t>& leftOut, std::span<const float
   return pieces;
 }
 
+// So many paths more of the same kind.
+std::vector<std::unique_ptr<VoxelPath>> pathsLike(const VoxelPath& path, std::size_t count,
+                                                  std::ostream& errors) {
+  std::vector<std::unique_ptr<VoxelPath>> paths;
+  for (std::size_t i = 0; i < count; ++i) paths.push_back(makeVoxelPath(path.name(), errors));
+  return paths;
+}
+
 // The constant that divides no q.
 constexpr int kNoDependence = 1;
 
@@ -157,9 +165,13 @@ int Computer::compareWithWholeMaps(const TAV_VOI_Pars& voi, const TAV_Cond_Pars&
   for (const TAV_VTC_intv_set& set : cond.vtcIntvSets)
     reference.courses.push_back(getFetchedVoiTc(voi.name, set.srcVtcName));
   const ConditionJobs condition = makeConditionJobs(cond, {reference}, request, options_);
+  const std::vector<std::unique_ptr<VoxelPath>> further =
+      pathsLike(*voxelPath_, static_cast<std::size_t>(std::max(options_.threads, 1)) - 1, errors);
+  std::vector<VoxelPath*> paths = {voxelPath_.get()};
+  for (const auto& path : further) paths.push_back(path.get());
   return computeFamilyWise(
-      condition, request, options_.fweDraws, clusterFormingLevels(outcome_.nulls, request), leftOut,
-      *voxelPath_, outcome_.familyWise,
+      condition, request, options_.fweDraws, clusterFormingLevels(outcome_.nulls, request), leftOut, paths,
+      outcome_.familyWise,
       [this](int percent) {
         if (observer_ != nullptr) observer_->onNullMaps(percent);
       },

@@ -36,12 +36,14 @@ class WorkerJobs : public SmallStudyRun {
 };
 
 TEST_F(WorkerJobs, ReadBackAsTheyWereWritten) {
-  for (const WorkerJob& job : {importJob(plan_, 1), orderJob(plan_), referencesJob(plan_, {0, 2})}) {
+  for (const WorkerJob& job :
+       {importJob(plan_, 1), orderJob(plan_), referencesJob(plan_, {0, 2}), referencesJob(plan_, {1}, 3)}) {
     const WorkerJob back = readJob(written(job));
     EXPECT_EQ(back.work, job.work);
     EXPECT_EQ(back.version, TAVMAP_VERSION);
     EXPECT_EQ(back.items, job.items);
     EXPECT_EQ(back.order, 1);
+    EXPECT_EQ(back.threads, job.threads);
     EXPECT_EQ(back.expected, job.expected);
     EXPECT_EQ(back.request, job.request);
     EXPECT_EQ(back.request.seed, 5U);

@@ -207,6 +207,20 @@ TEST_F(FamilyWiseRun, TheEmptiedDifferenceIsHeldAgainstTheWholeOne) {
   EXPECT_EQ(emptied.level(), whole.level());
 }
 
+// Chunks of draws are shared out unevenly then.
+TEST_F(FamilyWiseRun, IsTheSameOnAnyNumberOfThreads) {
+  tav::RunOptions options = calibrated();
+  const Notes alone = run(options);
+  for (const int threads : {2, 3, 150}) {
+    options.threads = threads;
+    const Notes together = run(options);
+    for (const auto& [type, maxima] : alone.familyWise) {
+      EXPECT_EQ(together.familyWise.at(type).magnitudes(), maxima.magnitudes()) << threads;
+      EXPECT_EQ(together.familyWise.at(type).masses(), maxima.masses()) << threads;
+    }
+  }
+}
+
 TEST_F(FamilyWiseRun, SharesHaveNone) {
   const Notes notes = run(calibrated());
   EXPECT_EQ(notes.familyWise.count(tav::DTAV_RC), 0U);

@@ -60,11 +60,6 @@ std::vector<std::string> knownLabels(const LabelVolume& image, const std::set<st
   return known;
 }
 
-std::string nameOf(const LabelVolume& image, std::int32_t value) {
-  const auto found = image.names.find(value);
-  return found == image.names.end() ? "label" + std::to_string(value) : found->second;
-}
-
 // The value that a text asks for: a name of the table, else a number.
 std::int32_t valueOf(const std::string& label, const LabelVolume& image,
                      const std::set<std::int32_t>& present, const std::string& where) {
@@ -111,7 +106,8 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
                                const std::string& where) {
   // One pass for all: an atlas has hundreds of labels, and every worker looks again.
   std::map<std::int32_t, Collector> collectors;
-  for (const std::int32_t value : present) collectors.emplace(value, Collector(nameOf(image, value), space));
+  for (const std::int32_t value : present)
+    collectors.emplace(value, Collector(labelName(image, value), space));
   for (std::size_t i = 0; i < labels.size(); ++i) {
     if (labels[i] != 0) collectors.at(labels[i]).add(i);
   }
@@ -119,7 +115,7 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
   std::string missing;
   for (auto& [value, collector] : collectors) {
     if (collector.empty())
-      missing += (missing.empty() ? "" : ", ") + nameOf(image, value);
+      missing += (missing.empty() ? "" : ", ") + labelName(image, value);
     else
       regions.push_back(collector.finish(where));
   }
@@ -131,6 +127,11 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
 }
 
 }  // namespace
+
+std::string labelName(const LabelVolume& image, std::int32_t value) {
+  const auto found = image.names.find(value);
+  return found == image.names.end() ? "label" + std::to_string(value) : found->second;
+}
 
 std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid) {
   if (sameGrid(image.grid, grid)) return image.labels;
@@ -158,7 +159,7 @@ std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVol
   }
   for (const std::string& label : request.labels) {
     const std::int32_t value = valueOf(label, image, present, where);
-    const std::string name = request.name.empty() ? nameOf(image, value) : request.name;
+    const std::string name = request.name.empty() ? labelName(image, value) : request.name;
     regions.push_back(regionOfValue(name, value, labels, space, where));
   }
   if (!sameGrid(image.grid, space.grid)) {

@@ -29,6 +29,9 @@ struct LabelVolume {
   std::string file;  // for messages
 };
 
+// The name of a label, "label7" when there is none for 7.
+[[nodiscard]] std::string labelName(const LabelVolume& image, std::int32_t value);
+
 // Where regions are drawn: the runs' grid and, if there are masks, the voxels that all of them
 // contain (empty: every voxel).
 struct RegionSpace {

@@ -39,11 +39,14 @@ StatusCode statusOf(tav::VoxelStatus status, bool inMask, bool inReference) {
   return inReference ? StatusCode::kInsideReference : StatusCode::kComputed;
 }
 
+bool isFinding(float value, float threshold, std::uint8_t code) {
+  return !isCode(code, StatusCode::kInsideReference) && value != 0 && std::abs(value) >= threshold;
+}
+
 std::size_t passingOutside(const float* values, float threshold, const std::vector<std::uint8_t>& codes) {
   std::size_t count = 0;
   for (std::size_t i = 0; i < codes.size(); ++i) {
-    const bool outside = !isCode(codes[i], StatusCode::kInsideReference);
-    if (outside && values[i] != 0 && std::abs(values[i]) >= threshold) ++count;
+    if (isFinding(values[i], threshold, codes[i])) ++count;
   }
   return count;
 }

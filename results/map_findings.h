@@ -15,7 +15,9 @@ namespace study {
 // The engine's verdict on a voxel, told apart by the mask and the reference region.
 [[nodiscard]] StatusCode statusOf(tav::VoxelStatus status, bool inMask, bool inReference);
 
-// Non-zero voxels that reach the threshold and are not the reference's own. codes: StatusCode per voxel.
+// Whether a voxel is not zero, reaches the threshold and is not the reference's own. code: its StatusCode.
+[[nodiscard]] bool isFinding(float value, float threshold, std::uint8_t code);
+// How many voxels are. codes: StatusCode per voxel.
 [[nodiscard]] std::size_t passingOutside(const float* values, float threshold,
                                          const std::vector<std::uint8_t>& codes);
 

@@ -104,6 +104,18 @@ std::string OutputNames::directionTable(const std::string& conditionLabel) const
   return stem(fmt::format("_desc-{}Direction_dseg.tsv", conditionLabel));
 }
 
+std::string OutputNames::passing(const std::string& conditionLabel, tav::MapType type) const {
+  return stem(fmt::format("_desc-{}{}Passing_dseg.nii.gz", conditionLabel, mapLabel(type)));
+}
+
+std::string OutputNames::passingTable(const std::string& conditionLabel, tav::MapType type) const {
+  return stem(fmt::format("_desc-{}{}Passing_dseg.tsv", conditionLabel, mapLabel(type)));
+}
+
+std::string OutputNames::clusters(const std::string& conditionLabel) const {
+  return stem(fmt::format("_desc-{}_clusters.tsv", conditionLabel));
+}
+
 std::string OutputNames::courses() const {
   return stem("_desc-reference_timeseries.tsv");
 }

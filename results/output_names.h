@@ -32,6 +32,10 @@ class OutputNames {
   [[nodiscard]] std::string status(const std::string& conditionLabel) const;
   [[nodiscard]] std::string direction(const std::string& conditionLabel) const;
   [[nodiscard]] std::string directionTable(const std::string& conditionLabel) const;
+  // Which voxels of a map pass at which q.
+  [[nodiscard]] std::string passing(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string passingTable(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string clusters(const std::string& conditionLabel) const;  // .tsv
   [[nodiscard]] std::string statusTable(const std::string& conditionLabel) const;
   std::string courses() const;  // .tsv
   std::string record() const;   // .json; written last

@@ -50,7 +50,8 @@ ConditionRecord conditionRecord(const ResultContext& context, const ConditionRes
           condition.surrogatesIllDefined,
           condition.statusFile,
           condition.maps,
-          condition.direction};
+          condition.direction,
+          condition.clustersFile};
 }
 
 ModelRecord modelRecord(const ResultContext& context, const ReferenceResult& reference) {
@@ -171,10 +172,37 @@ Json directionSidecar(const ResultContext& context, const ReferenceResult& refer
   }
   json["Labels"] = labels;
   addDirection(condition.direction, json);
+  addOrigin(context, reference, condition, json);
+  return json;
+}
+
+Json passingSidecar(const ResultContext& context, const ReferenceResult& reference,
+                    const ConditionResult& condition, const MapResult& map) {
+  Json json;
+  json["Description"] = fmt::format(
+      "which voxels outside the reference pass at which q: the number of a voxel is that of the smallest q; "
+      "numbers above 0 are the voxels that pass at the largest q. The map: {}; condition '{}'",
+      mapDescription(map.type, reference.name), condition.name);
+  const std::vector<std::string> names = passingNames(map.thresholds);
+  for (std::size_t code = 0; code < names.size(); ++code) json["Labels"][std::to_string(code)] = names[code];
+  json["StatisticFile"] = map.file;
+  json["Thresholds"] = thresholdsJson(map.thresholds);
+  addOrigin(context, reference, condition, json);
+  return json;
+}
+
+std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresholds) {
+  std::vector<std::string> names = {"passes at no q"};
+  for (auto level = thresholds.rbegin(); level != thresholds.rend(); ++level)
+    names.push_back(fmt::format("passes at q = {}", Json(level->q).dump()));
+  return names;
+}
+
+void addOrigin(const ResultContext& context, const ReferenceResult& reference,
+               const ConditionResult& condition, Json& json) {
   json["Sources"] = sourcesJson(context, condition);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;
-  return json;
 }
 
 Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,

@@ -34,6 +34,9 @@ struct MapResult {
   std::array<int, 3> peakVoxel{};           // indices from 0
   std::array<double, 3> peakMm{};
   FamilyWiseResult familyWise{};  // empty: none was asked for, or this kind of map has none
+  std::string peakLabel{};        // name of the peak's place; empty when places have none
+  std::string
+      passingFile{};  // which voxels pass at which q, relative to the output folder; empty: no thresholds
   bool operator==(const MapResult&) const = default;
 };
 
@@ -65,6 +68,7 @@ struct ConditionResult {
   int surrogatesIllDefined = 0;
   std::vector<MapResult> maps;
   DirectionResult direction = {};
+  std::string clustersFile = {};  // clusters of the voxels that pass; empty: no map has thresholds
 };
 
 struct ReferenceResult {

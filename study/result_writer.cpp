@@ -9,6 +9,7 @@
 #include "formats/nifti.h"
 #include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
+#include "results/cluster_table.h"
 #include "results/course_table.h"
 #include "results/family_wise_findings.h"
 #include "results/family_wise_json.h"
@@ -120,6 +121,7 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
     if (nulls == outcome.familyWise.end()) continue;
     written.familyWise = writeFamilyWise(map, nulls->second, plan_.conditionLabels[index]);
   }
+  writePassing(outcome, plan_.conditionLabels[index], condition);
   if (plan_.request.settings.method == Method::kCalibrated)
     lookAtData(outcome, plan_.conditionLabels[index], condition);
   result_.conditions.push_back(std::move(condition));
@@ -136,6 +138,7 @@ MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& 
   result.peak = withDigitsOf(map.values[peak]);
   result.peakVoxel = grid.size.voxelAt(peak);
   result.peakMm = grid.toMm(result.peakVoxel);
+  if (plan_.places != nullptr) result.peakLabel = plan_.places->nameAt(peak);
   writeImage(result.file, mapLabel(map.type), map.values);
   return result;
 }
@@ -177,6 +180,28 @@ void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::
   condition.statusFile = names().status(label);
   writeLabelMap(staging_, condition.statusFile, names().statusTable(label), header_, codes_,
                 codeNames<StatusCode, kStatusCodes>(statusName));
+}
+
+// The voxels that pass: an image per map with thresholds, and the clusters of all maps as one table.
+void ResultWriter::writePassing(const tav::ConditionOutcome& outcome, const std::string& label,
+                                ConditionResult& condition) {
+  const Grid& grid = plan_.runs[0].grid;
+  tav::ClusterFinder finder(grid.size);
+  ClusterTable table;
+  for (std::size_t i = 0; i < condition.maps.size(); ++i) {
+    MapResult& map = condition.maps[i];
+    if (map.thresholds.empty()) continue;
+    const PlacedMap placed{outcome.maps[i].values, codes_, grid, plan_.places.get()};
+    map.passingFile = names().passing(label, map.type);
+    writeLabelMap(staging_, map.passingFile, names().passingTable(label, map.type), header_,
+                  passedLevels(placed, map.thresholds), passingNames(map.thresholds));
+    for (const ThresholdResult& level : map.thresholds) {
+      if (const auto threshold = usedThreshold(level))
+        table.add(map.type, level, placedClusters(placed, *threshold, finder));
+    }
+    condition.clustersFile = names().clusters(label);
+  }
+  if (!condition.clustersFile.empty()) writeText(condition.clustersFile, table.text());
 }
 
 // What the same series say beside the maps: where data mislead, and which directions are supported.
@@ -221,6 +246,9 @@ void ResultWriter::writeSidecars() {
     if (!condition.direction.empty())
       writeJson(OutputNames::sidecarOf(condition.direction.file),
                 directionSidecar(shared, result_, condition));
+    if (!condition.clustersFile.empty())
+      writeJson(OutputNames::sidecarOf(condition.clustersFile),
+                clusterSidecar(shared, result_, condition, plan_.places.get()));
     for (const MapResult& map : condition.maps) writeMapSidecars(shared, condition, map);
   }
 }
@@ -229,6 +257,8 @@ void ResultWriter::writeMapSidecars(const ResultContext& shared, const Condition
                                     const MapResult& map) {
   const nlohmann::ordered_json sidecar = mapSidecar(shared, result_, condition, map);
   writeJson(OutputNames::sidecarOf(map.file), sidecar);
+  if (!map.passingFile.empty())
+    writeJson(OutputNames::sidecarOf(map.passingFile), passingSidecar(shared, result_, condition, map));
   if (map.familyWise.empty()) return;
   writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),
             familyWiseSidecar(sidecar, map, FamilyWiseImage::kVoxels));

@@ -43,6 +43,8 @@ class ResultWriter : public tav::RunObserver {
   void writeImage(const std::string& file, const std::string& description, const float* values) const;
   void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                    ConditionResult& condition);
+  void writePassing(const tav::ConditionOutcome& outcome, const std::string& label,
+                    ConditionResult& condition);
   void lookAtData(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
   void writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
                        std::vector<ConditionRun>& runs, ConditionResult& condition);

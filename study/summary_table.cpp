@@ -115,14 +115,19 @@ void printRequest(const std::vector<const ReferenceOutcome*>& references, const 
   printTable(lines, out);
 }
 
+// "none" is what PlaceNames calls the background.
+std::string placeText(const std::string& label) {
+  if (label.empty()) return "";
+  return label == "none" ? ", in no label" : " in " + label;
+}
+
 }  // namespace
 
 std::string peakText(const MapResult& map) {
   // Fixed notation, but no "-0".
   const auto whole = [](double mm) { return std::isfinite(mm) ? std::nearbyint(mm) + 0.0 : mm; };
   return fmt::format("peak {:.3f} at ({:.0f}, {:.0f}, {:.0f}) mm{}", map.peak, whole(map.peakMm[0]),
-                     whole(map.peakMm[1]), whole(map.peakMm[2]),
-                     map.peakLabel.empty() ? "" : " in " + map.peakLabel);
+                     whole(map.peakMm[1]), whole(map.peakMm[2]), placeText(map.peakLabel));
 }
 
 void printSummaryTable(const StudyOutcome& outcome, std::ostream& out) {

@@ -16,7 +16,8 @@ inline constexpr std::size_t kMostReferencesInFull = 10;
 // last line names. References that failed say why.
 void printSummaryTable(const StudyOutcome& outcome, std::ostream& out);
 
-// "peak -9.250 at (-2, 2, 4) mm in V1"; the name where places have one.
+// "peak -9.250 at (-2, 2, 4) mm in V1"; ", in no label" in the background of a label image; nothing more
+// where places have no names.
 [[nodiscard]] std::string peakText(const MapResult& map);
 
 }  // namespace study

@@ -55,6 +55,7 @@ TEST(StudySummary, OfManyReferencesHasALineEach) {
   outcome.references[1].done = false;
   outcome.references[1].message = "a full disk";
   outcome.references[2].record.conditions[0].maps[0].peakLabel.clear();
+  outcome.references[5].record.conditions[0].maps[0].peakLabel = "none";
   outcome.references[4].record.conditions[0].voxels[static_cast<std::size_t>(StatusCode::kComputed)] = 0;
   outcome.cautions = {"careful"};
   const auto text = [&] {
@@ -72,7 +73,9 @@ TEST(StudySummary, OfManyReferencesHasALineEach) {
           "  R1         FAILED: a full disk\n"
           "  R2         63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm\n"
           "  R3 (kept)  63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm in lobe\n"
-          "  R4         63/n/a   n/a/73  n/a/n/a  67 of 138        no peak\n"),
+          "  R4         63/n/a   n/a/73  n/a/n/a  67 of 138        no peak\n"
+          "  R5         63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm, in no "
+          "label\n"),
       0U)
       << table;
   EXPECT_NE(table.find("in lobe\nEvery map, condition and q: *_tavmap.json and *_clusters.tsv in the output "

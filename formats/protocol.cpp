@@ -61,17 +61,25 @@ void addEvent(const Table& table, std::size_t row, const std::string& condition,
   const Interval event{toMilliseconds(table, row, onset), toMilliseconds(table, row, onset + duration)};
   auto& intervals = intervalsOf(protocol, condition);
   if (event.end >= 0) intervals.push_back({std::max(event.start, 0), event.end});
+  if (event.end < 0) protocol.flawed.push_back({RowFlaw::kBeforeStart, table.line(row)});
+}
+
+void addRow(const Table& table, std::size_t row, const std::string& condition, std::optional<double> onset,
+            std::optional<double> duration, Protocol& protocol) {
+  const auto note = [&](RowFlaw flaw) { protocol.flawed.push_back({flaw, table.line(row)}); };
+  if (!onset) return note(RowFlaw::kNoOnset);
+  if (isMissing(condition)) return note(RowFlaw::kNoType);
+  if (!duration) note(RowFlaw::kNoDuration);
+  addEvent(table, row, condition, *onset, duration.value_or(0), protocol);
 }
 
 Protocol fromEvents(const Table& table, double trMs) {
   const std::size_t onset = table.require("onset"), duration = table.require("duration");
   const auto type = table.find("trial_type");
-  Protocol protocol{TimeUnit::kMilliseconds, {}};
+  Protocol protocol{TimeUnit::kMilliseconds, {}, {}};
   for (std::size_t row = 0; row < table.rows(); ++row) {
-    const auto start = table.number(row, onset);
-    const auto length = table.number(row, duration);
     const std::string name = type ? table.cell(row, *type) : kOnlyCondition;
-    if (start && !isMissing(name)) addEvent(table, row, name, *start, length.value_or(0), protocol);
+    addRow(table, row, name, table.number(row, onset), table.number(row, duration), protocol);
   }
   sortByStart(protocol);
   for (auto& condition : protocol.conditions) condition.intervals = joined(condition.intervals, trMs);
@@ -81,7 +89,7 @@ Protocol fromEvents(const Table& table, double trMs) {
 Protocol fromVolumes(const Table& table) {
   const std::size_t name = table.require("condition"), first = table.require("first_volume"),
                     last = table.require("last_volume");
-  Protocol protocol{TimeUnit::kVolumes, {}};
+  Protocol protocol{TimeUnit::kVolumes, {}, {}};
   for (std::size_t row = 0; row < table.rows(); ++row) {
     const Interval interval{table.integer(row, first), table.integer(row, last)};
     if (interval.start < 1) table.fail(row, "the first volume is below 1", "Count volumes from 1");

@@ -2,6 +2,7 @@
 #ifndef TAVMAP_FORMATS_PROTOCOL_H
 #define TAVMAP_FORMATS_PROTOCOL_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -21,9 +22,19 @@ struct ProtocolCondition {
   std::vector<Interval> intervals;  // by ascending start
 };
 
+// A row of an events table that is not what it seems: without onset or trial type, or over before the first
+// volume begins, it is left out; without duration it lasts no time.
+enum class RowFlaw { kNoOnset, kNoType, kBeforeStart, kNoDuration };
+struct FlawedRow {
+  RowFlaw flaw = RowFlaw::kNoOnset;
+  std::size_t line = 0;  // of the file, from 1
+  friend bool operator==(const FlawedRow&, const FlawedRow&) = default;
+};
+
 struct Protocol {
   TimeUnit unit = TimeUnit::kVolumes;
   std::vector<ProtocolCondition> conditions;
+  std::vector<FlawedRow> flawed = {};  // in order of lines
 };
 
 // Reads either kind of table, told apart by its columns:
@@ -31,7 +42,8 @@ struct Protocol {
 //   onset, duration (seconds), trial_type     a BIDS events table: a protocol in milliseconds.
 //     Conditions are the trial types in order of first appearance; without that column there is
 //     one, "events". Within a condition, events whose gap is shorter than one TR (`trMs`) are
-//     joined, since experiments list the single pictures of a block. Rows whose onset or
+//     joined, since experiments list the single pictures of a block; with a negative one none are, even
+//     if they overlap by less. Rows whose onset or
 //     trial_type is n/a are passed over, a duration n/a counts as 0. What lies before the first
 //     volume is cut off.
 //

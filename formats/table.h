@@ -25,6 +25,7 @@ class Table {
   // As find; throws FileError that lists the columns there are.
   [[nodiscard]] std::size_t require(std::string_view name) const;
 
+  [[nodiscard]] std::size_t line(std::size_t row) const { return rows_[row].line; }  // of the file, from 1
   [[nodiscard]] const std::string& cell(std::size_t row, std::size_t column) const {
     return rows_[row].cells[column];
   }

@@ -66,13 +66,14 @@ ImageHeader imageHeaderOf(const std::string& vtcPath, const VTC_Header& header, 
 template <typename Stored>
 class VolumeGatherer {
  public:
-  VolumeGatherer(std::FILE* file, const VTC_Header& header, const std::string& path, float shift,
-                 float threshold)
+  VolumeGatherer(std::FILE* file, const VTC_Header& header, const std::string& path,
+                 const VtcSidecar& sidecar)
       : file_(file),
         header_(header),
         path_(path),
-        shift_(shift),
-        threshold_(threshold),
+        shift_(static_cast<float>(sidecar.shift)),
+        threshold_(static_cast<float>(sidecar.threshold)),
+        unit_(1 / sidecar.scale),
         volumes_(static_cast<std::size_t>(header.nrOfVolumes)),
         pieceVoxels_(std::max<std::size_t>(kPieceBytes / (volumes_ * sizeof(Stored)), 1)),
         piece_(pieceVoxels_ * volumes_) {}
@@ -94,13 +95,15 @@ class VolumeGatherer {
                std::size_t voxels, std::vector<float>& out) const {
     const float shift = static_cast<float>(course[0]) > threshold_ ? shift_ : 0.0F;
     for (std::size_t t = 0; t < count; ++t)
-      out[t * voxels + voxel] = static_cast<float>(course[first + t]) - shift;
+      out[t * voxels + voxel] =
+          static_cast<float>(unit_ * static_cast<double>(static_cast<float>(course[first + t]) - shift));
   }
 
   std::FILE* file_;
   const VTC_Header& header_;
   const std::string& path_;
   float shift_, threshold_;
+  double unit_;  // of the image, in what is stored
   std::size_t volumes_, pieceVoxels_;
   std::vector<Stored> piece_;
 };
@@ -143,18 +146,16 @@ VtcPlace placeOf(const std::string& vtcPath, const VTC_Header& header) {
 
 void exportVtc(const std::string& vtcPath, const std::string& imagePath, std::size_t memoryBytes) {
   const VTC_Header header = readVtcFileHeader(vtcPath);
-  const auto sidecar = readVtcSidecar(vtcPath);
-  const auto shift = static_cast<float>(sidecar ? sidecar->shift : 0);
-  const auto threshold = static_cast<float>(sidecar ? sidecar->threshold : 0);
+  const VtcSidecar sidecar = readVtcSidecar(vtcPath).value_or(VtcSidecar{});
   const File file = openFile(vtcPath);
-  NiftiWriter writer(imagePath, imageHeaderOf(vtcPath, header, file.get(), shift > 0));
+  NiftiWriter writer(imagePath, imageHeaderOf(vtcPath, header, file.get(), sidecar.shift > 0));
   const std::size_t voxels = sizeOf(header).voxels(), volumes = static_cast<std::size_t>(header.nrOfVolumes);
   if (header.dataType == kVtcFloatData) {
-    writeVolumes(VolumeGatherer<float>(file.get(), header, vtcPath, shift, threshold), voxels, volumes,
-                 memoryBytes, writer);
+    writeVolumes(VolumeGatherer<float>(file.get(), header, vtcPath, sidecar), voxels, volumes, memoryBytes,
+                 writer);
   } else {
-    writeVolumes(VolumeGatherer<std::uint16_t>(file.get(), header, vtcPath, shift, threshold), voxels,
-                 volumes, memoryBytes, writer);
+    writeVolumes(VolumeGatherer<std::uint16_t>(file.get(), header, vtcPath, sidecar), voxels, volumes,
+                 memoryBytes, writer);
   }
   writer.commit();
 }

@@ -21,8 +21,8 @@ struct VtcPlace {
 // Where the cells of a VTC lie: as its sidecar says, else in Talairach space.
 [[nodiscard]] VtcPlace placeOf(const std::string& vtcPath, const VTC_Header& header);
 
-// Values as stored, less the sidecar's shift (voxels outside the mask stay 0). Reads the file once
-// per `memoryBytes` of output.
+// Values as stored, less the sidecar's shift and over its scale (voxels outside the mask stay 0). Reads the
+// file once per `memoryBytes` of output.
 void exportVtc(const std::string& vtcPath, const std::string& imagePath,
                std::size_t memoryBytes = std::size_t{128} << 20U);
 

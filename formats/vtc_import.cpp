@@ -111,6 +111,7 @@ VtcSidecar sidecarOf(const std::string& imagePath, const ImportOptions& options,
   sidecar.source = fileNameOf(imagePath);
   if (!options.maskPath.empty()) sidecar.mask = fileNameOf(options.maskPath);
   sidecar.trMs = report.trMs;
+  sidecar.scale = options.scale;
   sidecar.shift = report.shift;
   sidecar.threshold = options.threshold;
   return sidecar;
@@ -137,6 +138,7 @@ ImportReport importVtc(const std::string& imagePath, const std::string& vtcPath,
 
   stream.skip(static_cast<std::size_t>(options.skipVolumes) * stream.volumeBytes());
   StoredForm form{image.dataType, stream.layout().swapped, {image.slope, image.intercept}};
+  form.scaling.slope *= options.scale, form.scaling.intercept *= options.scale;
   const std::vector<char> opening = readOpening(stream);
   reportOpening(opening, form, mask, options, report);
   report.warnings = warningsOf(report, options);

@@ -23,6 +23,7 @@ struct ImportOptions {
   double trMs = 0;         // 0: the header's
   double threshold = 100;  // inclusion threshold: a voxel counts when its first value exceeds it
   int skipVolumes = 0;     // leave out so many volumes at the start
+  double scale = 1;        // multiplies every value, before the threshold is looked at
   Durability durability = Durability::kSynced;
   std::size_t memoryBytes = std::size_t{160} << 20U;  // for the series; a larger one waits in the file
 };

@@ -7,6 +7,15 @@
 #include "formats/json_file.h"
 
 namespace formats {
+namespace {
+
+double scaleOf(const JsonPlace& at) {
+  const double scale = at.number();
+  if (!(scale > 0)) at.fail("a number above 0 is expected", "Make the file again");
+  return scale;
+}
+
+}  // namespace
 
 std::string sidecarPathOf(const std::string& vtcPath) {
   return vtcPath + ".json";
@@ -27,6 +36,7 @@ VtcSidecar parseVtcSidecar(const std::string& text, const std::string& path) {
   sidecar.source = root.member("source").text();
   if (!root.member("mask").value().is_null()) sidecar.mask = root.member("mask").text();
   sidecar.trMs = root.member("tr_ms").number();
+  if (root.has("scale")) sidecar.scale = scaleOf(root.member("scale"));
   sidecar.shift = root.member("shift").number();
   sidecar.threshold = root.member("threshold").number();
   return sidecar;
@@ -41,6 +51,7 @@ std::string encodeVtcSidecar(const VtcSidecar& sidecar) {
   document["source"] = sidecar.source;
   document["mask"] = sidecar.mask.empty() ? Json(nullptr) : Json(sidecar.mask);
   document["tr_ms"] = sidecar.trMs;
+  if (sidecar.scale != 1) document["scale"] = sidecar.scale;
   document["shift"] = sidecar.shift;
   document["threshold"] = sidecar.threshold;
   return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -16,6 +16,7 @@ struct VtcSidecar {
   std::string source;  // file name of the image, without its folder
   std::string mask;    // file name of the mask; empty: none
   double trMs = 0;
+  double scale = 1;        // multiplies the image's values: stored = scale * value + shift
   double shift = 0;        // added to every voxel inside the mask
   double threshold = 100;  // the inclusion threshold that the shift was chosen for
 };

@@ -115,6 +115,7 @@ Json describeVtc(const std::string& path) {
   if (header.nrOfLinkedProtocols > 0) json["protocol"] = std::string(header.protocolName);
   if (const auto sidecar = formats::readVtcSidecar(path)) {
     json["mask"] = sidecar->mask.empty() ? Json(nullptr) : Json(sidecar->mask);
+    if (sidecar->scale != 1) json["scale"] = sidecar->scale;
     json["shift"] = sidecar->shift;
   } else {
     json["place"] = fmt::format("Talairach space (there is no {})", formats::sidecarPathOf(path));

@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kSlowTrSeconds = 3.0;
 constexpr int kSamplesPerParameter = 10;
+constexpr std::size_t kMostLinesNamed = 10;
 
 std::string list(const std::vector<std::string>& items) {
   std::string text;
@@ -23,6 +24,20 @@ std::string number(double value) {
   std::ostringstream text;
   text << value;
   return text.str();
+}
+
+// "2 without onset left out (lines 4, 9)"; empty without any.
+std::string rowsText(const std::vector<formats::FlawedRow>& flawed, formats::RowFlaw flaw, const char* what) {
+  std::vector<std::string> lines;
+  for (const formats::FlawedRow& row : flawed) {
+    if (row.flaw == flaw) lines.push_back(std::to_string(row.line));
+  }
+  if (lines.empty()) return "";
+  const std::size_t count = lines.size();
+  const bool isLong = count > kMostLinesNamed;
+  if (isLong) lines.resize(kMostLinesNamed);
+  return fmt::format("{} {} (line{} {}{})", count, what, count == 1 ? "" : "s", list(lines),
+                     isLong ? " ..." : "");
 }
 
 }  // namespace
@@ -62,6 +77,31 @@ std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
                     name, number(trSeconds)));
   }
   return cautions;
+}
+
+std::string eventsCaution(const RunRequest& run, const std::vector<formats::FlawedRow>& flawed) {
+  using formats::RowFlaw;
+  const std::string parts[] = {
+      rowsText(flawed, RowFlaw::kNoOnset, "without onset left out"),
+      rowsText(flawed, RowFlaw::kNoType, "without trial type left out"),
+      rowsText(flawed, RowFlaw::kBeforeStart, "left out that ended before the first volume"),
+      rowsText(flawed, RowFlaw::kNoDuration, "without duration taken as one volume")};
+  std::string text;
+  for (const std::string& part : parts) text += part.empty() || text.empty() ? part : ", " + part;
+  if (text.empty()) return "";
+  return fmt::format("run '{}': of the events in {}, {}", run.name, run.events.filename().string(), text);
+}
+
+std::string mixedMasksCaution(const std::vector<RunRequest>& runs, int inclusionThreshold) {
+  std::vector<std::string> with, without;
+  for (const RunRequest& run : runs)
+    (run.mask.empty() ? without : with).push_back(fmt::format("'{}'", run.name));
+  if (with.empty() || without.empty()) return "";
+  return fmt::format(
+      "run {} has no mask, but run {} has one: where there is none, a voxel counts when its first value "
+      "exceeds the inclusion threshold of {}, and only voxels that every run includes are mapped; give every "
+      "run a mask",
+      list(without), list(with), inclusionThreshold);
 }
 
 std::string fewSamplesCaution(const std::string& condition, int effectiveVolumes, int order) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "formats/protocol.h"
 #include "request/request.h"
 
 namespace study {
@@ -21,6 +22,12 @@ namespace study {
 [[nodiscard]] std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,
                                                    const std::vector<std::string>& filters,
                                                    const std::vector<std::string>& regressed);
+
+// Rows of the run's events table that are left out or last no time, with their lines; empty without any.
+[[nodiscard]] std::string eventsCaution(const RunRequest& run, const std::vector<formats::FlawedRow>& flawed);
+
+// When some runs have a mask and others none; empty otherwise.
+[[nodiscard]] std::string mixedMasksCaution(const std::vector<RunRequest>& runs, int inclusionThreshold);
 
 // With method "plugin" (others: suitability/warnings.h). Fewer than 10 effective samples per model
 // parameter. A joint model of two series has 4 * order

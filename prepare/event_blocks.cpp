@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
 
 namespace study {
@@ -11,11 +12,18 @@ struct Span {
   double start, end;  // seconds
 };
 
+bool isChosen(const TimedEvent& event, const std::vector<std::string>& types) {
+  return std::find(types.begin(), types.end(), event.trialType) != types.end();
+}
+
+Span spanOf(const TimedEvent& event) {
+  return {event.onsetSeconds, event.onsetSeconds + std::max(0.0, event.durationSeconds)};
+}
+
 std::vector<Span> chosenSpans(const std::vector<TimedEvent>& events, const std::vector<std::string>& types) {
   std::vector<Span> spans;
   for (const TimedEvent& event : events) {
-    if (std::find(types.begin(), types.end(), event.trialType) == types.end()) continue;
-    spans.push_back({event.onsetSeconds, event.onsetSeconds + std::max(0.0, event.durationSeconds)});
+    if (isChosen(event, types)) spans.push_back(spanOf(event));
   }
   std::sort(spans.begin(), spans.end(), [](const Span& a, const Span& b) { return a.start < b.start; });
   return spans;
@@ -56,6 +64,31 @@ std::vector<VolumeRange> eventBlocks(const std::vector<TimedEvent>& events, cons
     if (range.first <= range.last) ranges.push_back(range);
   }
   return ranges;
+}
+
+int overlappingEvents(const std::vector<TimedEvent>& events, const std::vector<std::string>& trialTypes) {
+  int count = 0;
+  double end = -std::numeric_limits<double>::infinity();
+  for (const Span& span : chosenSpans(events, trialTypes)) {
+    if (span.start < end) ++count;
+    end = std::max(end, span.end);
+  }
+  return count;
+}
+
+std::vector<TimedEvent> eventsOutside(const std::vector<TimedEvent>& events, const BlockSettings& settings,
+                                      double trSeconds, int volumes) {
+  std::vector<TimedEvent> outside;
+  for (const TimedEvent& event : events) {
+    if (!isChosen(event, settings.trialTypes)) continue;
+    const Span span = spanOf(event);
+    const VolumeRange range =
+        volumesOf({span.start + settings.delaySeconds, span.end + settings.delaySeconds}, trSeconds);
+    if (range.last < 1 || range.first > volumes) outside.push_back(event);
+  }
+  std::stable_sort(outside.begin(), outside.end(),
+                   [](const TimedEvent& a, const TimedEvent& b) { return a.onsetSeconds < b.onsetSeconds; });
+  return outside;
 }
 
 std::vector<std::string> trialTypesOf(const std::vector<TimedEvent>& events) {

@@ -29,6 +29,15 @@ struct BlockSettings {
                                                    const BlockSettings& settings, double trSeconds,
                                                    int volumes);
 
+// Events of the types that begin before an earlier one of them has ended: eventBlocks() merges the two.
+[[nodiscard]] int overlappingEvents(const std::vector<TimedEvent>& events,
+                                    const std::vector<std::string>& trialTypes);
+
+// Events of the types, with the delay, of which no volume lies in the run. Order of time.
+[[nodiscard]] std::vector<TimedEvent> eventsOutside(const std::vector<TimedEvent>& events,
+                                                    const BlockSettings& settings, double trSeconds,
+                                                    int volumes);
+
 // Trial types that occur, sorted, without duplicates: for messages.
 [[nodiscard]] std::vector<std::string> trialTypesOf(const std::vector<TimedEvent>& events);
 

@@ -19,6 +19,7 @@ namespace {
 
 using nlohmann::json;
 constexpr double kAgreementSeconds = 0.001;
+constexpr double kLeastTrSeconds = 0.1, kLargestTrSeconds = 20;
 constexpr const char* kNoObject = ": not a JSON object; repair or remove it";
 
 std::string lowerCase(std::string text) {
@@ -81,6 +82,15 @@ std::string seconds(double value) {
   return text.str();
 }
 
+// Milliseconds that pass for seconds, or the other way round, would shift events and name lags wrongly.
+double plausible(const std::string& run, double trSeconds, const std::string& source) {
+  if (trSeconds >= kLeastTrSeconds && trSeconds <= kLargestTrSeconds) return trSeconds;
+  throw InputError(fmt::format(
+      "run '{}': {} gives a repetition time of {}, which is not between {} and {}; give the right "
+      "one with 'tr' (seconds)",
+      run, source, seconds(trSeconds), seconds(kLeastTrSeconds), seconds(kLargestTrSeconds)));
+}
+
 }  // namespace
 
 ImageSidecar parseImageSidecar(const std::string& text, const std::filesystem::path& file) {
@@ -103,7 +113,7 @@ ImageSidecar readImageSidecar(const std::filesystem::path& image) {
 
 double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,
                       const ImageSidecar& sidecar) {
-  if (chosenSeconds > 0) return chosenSeconds;
+  if (chosenSeconds > 0) return plausible(run, chosenSeconds, "the request");
   const bool headerKnows = std::isfinite(headerSeconds) && headerSeconds > 0;
   if (!sidecar.trSeconds && !headerKnows) {
     throw InputError(
@@ -111,13 +121,13 @@ double repetitionTime(const std::string& run, double chosenSeconds, double heade
                     "give it with 'tr' (seconds)",
                     run));
   }
-  if (!sidecar.trSeconds) return headerSeconds;
+  if (!sidecar.trSeconds) return plausible(run, headerSeconds, "the image's header");
   if (headerKnows && std::abs(headerSeconds - *sidecar.trSeconds) > kAgreementSeconds) {
     throw InputError(fmt::format(
         "run '{}': the image's header says TR = {}, {} says TR = {}; choose one with 'tr' (seconds)", run,
         seconds(headerSeconds), sidecar.file.filename().string(), seconds(*sidecar.trSeconds)));
   }
-  return *sidecar.trSeconds;
+  return plausible(run, *sidecar.trSeconds, sidecar.file.filename().string());
 }
 
 }  // namespace study

@@ -23,7 +23,8 @@ struct ImageSidecar {
 
 // The repetition time to work with: the chosen one if there is one (> 0), else header and sidecar
 // when they agree within a millisecond or only one of them knows. A header without unit or with 0
-// does not know. Throws InputError naming both values when they differ, or when nobody knows.
+// does not know. Throws InputError naming both values when they differ, when nobody knows, and for a time
+// below 0.1 s or above 20 s.
 [[nodiscard]] double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,
                                     const ImageSidecar& sidecar);
 

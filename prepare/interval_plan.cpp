@@ -14,6 +14,19 @@ namespace {
 
 using Ranges = std::vector<VolumeRange>;
 
+constexpr std::size_t kMostNamed = 5;
+
+std::string textOf(const VolumeRange& range) {
+  return fmt::format("interval {} to {}", range.first, range.last);
+}
+
+std::string namesOf(const std::vector<TimedEvent>& events) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(events.size(), kMostNamed); ++i)
+    text += fmt::format("{}'{}' at {:g} s", i == 0 ? "" : ", ", events[i].trialType, events[i].onsetSeconds);
+  return events.size() > kMostNamed ? text + " ..." : text;
+}
+
 class Planner {
  public:
   Planner(const ConditionRequest& condition, const std::vector<RunVolumes>& runs, int order,
@@ -28,8 +41,13 @@ class Planner {
  private:
   const RunVolumes& run(const std::string& name) const;
   void checkTrialTypes() const;
-  Ranges wanted(const ConditionPart& part, const RunVolumes& source) const;
-  Ranges typed(const ConditionPart& part, const RunVolumes& source) const;
+  Ranges wanted(const ConditionPart& part, const RunVolumes& source, const RunVolumes& target) const;
+  Ranges typed(const ConditionPart& part, const RunVolumes& source, const RunVolumes& target) const;
+  void checkTyped(const VolumeRange& range, const RunVolumes& source, const RunVolumes& target) const;
+  void requireApart(Ranges ranges) const;
+  void requireNewVolumes(const ConditionPart& part, const Ranges& ranges) const;
+  [[nodiscard]] BlockSettings blockSettings(const RunVolumes& source) const;
+  void noteEvents(const RunVolumes& source);
   Ranges usable(const Ranges& wanted, const RunVolumes& source, const RunVolumes& target);
   void note(const std::string& text) {
     planned_.notes.push_back(fmt::format("condition '{}': {}", condition_.name, text));
@@ -66,37 +84,85 @@ void Planner::checkTrialTypes() const {
   }
 }
 
-Ranges Planner::typed(const ConditionPart& part, const RunVolumes& source) const {
-  const Ranges& ranges = part.typed.empty() ? condition_.typed : part.typed;
-  for (const VolumeRange& range : ranges) {
-    const std::string text = fmt::format("interval {} to {}", range.first, range.last);
-    if (range.last > source.volumes) {
-      throw InputError(fmt::format("{}: {} ends outside run '{}', which has {} volumes", begin_, text,
-                                   source.name, source.volumes));
-    }
-    if (length(range) <= order_) {
-      throw InputError(fmt::format("{}: {} is too short; a model of order {} needs more than {} volumes",
-                                   begin_, text, order_, order_));
+void Planner::checkTyped(const VolumeRange& range, const RunVolumes& source, const RunVolumes& target) const {
+  for (const RunVolumes* run : {&source, &target}) {
+    if (range.last > run->volumes) {
+      throw InputError(fmt::format("{}: {} ends outside run '{}', which has {} volumes", begin_,
+                                   textOf(range), run->name, run->volumes));
     }
   }
+  if (length(range) < leastVolumes(order_)) {
+    throw InputError(fmt::format("{}: {} is too short; a model of order {} needs at least {} volumes", begin_,
+                                 textOf(range), order_, leastVolumes(order_)));
+  }
+}
+
+// A volume of two intervals would count twice.
+void Planner::requireApart(Ranges ranges) const {
+  std::sort(ranges.begin(), ranges.end(),
+            [](const VolumeRange& a, const VolumeRange& b) { return a.first < b.first; });
+  const auto overlap =
+      std::adjacent_find(ranges.begin(), ranges.end(),
+                         [](const VolumeRange& a, const VolumeRange& b) { return b.first <= a.last; });
+  if (overlap == ranges.end()) return;
+  throw InputError(
+      fmt::format("{}: {} and {} overlap, and volumes of both would count twice; join them, or "
+                  "end the one before the other begins",
+                  begin_, textOf(overlap[0]), textOf(overlap[1])));
+}
+
+Ranges Planner::typed(const ConditionPart& part, const RunVolumes& source, const RunVolumes& target) const {
+  const Ranges& ranges = part.typed.empty() ? condition_.typed : part.typed;
+  for (const VolumeRange& range : ranges) checkTyped(range, source, target);
+  requireApart(ranges);
   return ranges;
 }
 
-Ranges Planner::wanted(const ConditionPart& part, const RunVolumes& source) const {
+BlockSettings Planner::blockSettings(const RunVolumes& source) const {
+  return {condition_.trialTypes, condition_.delaySeconds,
+          condition_.joinGapSeconds.value_or(source.trSeconds)};
+}
+
+Ranges Planner::wanted(const ConditionPart& part, const RunVolumes& source, const RunVolumes& target) const {
   switch (condition_.kind) {
     case IntervalKind::kTyped:
-      return typed(part, source);
+      return typed(part, source, target);
     case IntervalKind::kWholeRun:
       return {{1, source.volumes}};
     case IntervalKind::kEvents:
       break;
   }
-  const BlockSettings settings{condition_.trialTypes, condition_.delaySeconds,
-                               condition_.joinGapSeconds.value_or(source.trSeconds)};
-  return eventBlocks(source.events, settings, source.trSeconds, source.volumes);
+  return eventBlocks(source.events, blockSettings(source), source.trSeconds, source.volumes);
 }
 
-// Short pieces are left out; a typed interval that nothing was taken from stays, however short.
+void Planner::noteEvents(const RunVolumes& source) {
+  if (condition_.kind != IntervalKind::kEvents) return;
+  const BlockSettings settings = blockSettings(source);
+  const int overlapping = overlappingEvents(source.events, settings.trialTypes);
+  if (overlapping > 0) {
+    note(fmt::format("run '{}': {} event{} begin{} before another has ended; what they share counts once",
+                     source.name, overlapping, overlapping == 1 ? "" : "s", overlapping == 1 ? "s" : ""));
+  }
+  const std::vector<TimedEvent> outside =
+      eventsOutside(source.events, settings, source.trSeconds, source.volumes);
+  if (outside.empty()) return;
+  note(fmt::format("run '{}': {} event{} before the first or after the last volume {} left out: {}",
+                   source.name, outside.size(), outside.size() == 1 ? "" : "s",
+                   outside.size() == 1 ? "is" : "are", namesOf(outside)));
+}
+
+// The same runs may be named again for other volumes.
+void Planner::requireNewVolumes(const ConditionPart& part, const Ranges& ranges) const {
+  for (const PlannedSet& set : planned_.sets) {
+    const bool same = set.source == part.source && set.target == part.target;
+    const Ranges common = same ? intersect(set.ranges, ranges) : Ranges{};
+    if (common.empty()) continue;
+    throw InputError(fmt::format("{}: run '{}' is named twice, and {} would count twice; name it once",
+                                 begin_, part.target, textOf(common[0])));
+  }
+}
+
+// Pieces that are too short for the model are left out.
 Ranges Planner::usable(const Ranges& wanted, const RunVolumes& source, const RunVolumes& target) {
   const Ranges inTarget = intersect(wanted, {{1, target.volumes}});
   Ranges pieces = intersect(intersect(inTarget, source.kept), target.kept);
@@ -105,9 +171,6 @@ Ranges Planner::usable(const Ranges& wanted, const RunVolumes& source, const Run
     note(fmt::format("run '{}': {} of {} volumes dropped or censored", source.name, lost,
                      totalLength(inTarget)));
   }
-  const bool untouched =
-      condition_.kind == IntervalKind::kTyped && lost == 0 && condition_.minimumVolumes == 0;
-  if (untouched) return pieces;
   const Ranges longEnough = dropShort(pieces, least());
   if (longEnough.size() < pieces.size()) {
     note(fmt::format("run '{}': {} of {} intervals left out, shorter than {} volumes", source.name,
@@ -122,8 +185,10 @@ PlannedCondition Planner::plan() {
   for (const ConditionPart& part : condition_.parts) {
     const RunVolumes& source = run(part.source);
     const RunVolumes& target = run(part.target);
-    const Ranges ranges = usable(wanted(part, source), source, target);
+    noteEvents(source);
+    const Ranges ranges = usable(wanted(part, source, target), source, target);
     if (ranges.empty()) continue;
+    requireNewVolumes(part, ranges);
     // Of a pair the run counts that lost more.
     const double cost = std::max(source.costPerVolume, target.costPerVolume);
     const int effective = effectiveAfterRegression(ranges, order_, cost);

@@ -41,7 +41,8 @@ struct PlannedCondition {
 [[nodiscard]] int leastVolumes(int order);
 
 // Throws InputError, naming the condition, for a trial type that no run has (with the nearest), a
-// typed interval outside its run or too short, and when nothing is left. `where` begins messages.
+// typed interval outside its run or too short, two that overlap, a run that is named twice with the same
+// volumes, and when nothing is left. `where` begins messages.
 [[nodiscard]] PlannedCondition planCondition(const ConditionRequest& condition,
                                              const std::vector<RunVolumes>& runs, int order,
                                              const std::string& where);

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "prepare/regions.h"
+#include "prepare/label_volume.h"
 #include "request/request.h"
 
 namespace study {

@@ -115,6 +115,7 @@ formats::ImportReport importInto(const RunPlan& run, const fs::path& target, int
   options.trMs = run.volumes.trSeconds * 1000;
   options.threshold = threshold;
   options.skipVolumes = run.volumes.dropped;
+  options.scale = run.scale;
   options.durability = formats::Durability::kCached;
   return formats::importVtc(run.request.bold.string(), target.string(), options);
 }

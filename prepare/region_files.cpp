@@ -43,12 +43,21 @@ std::vector<Region> readOne(const ReferenceRequest& reference, const RegionSpace
 
 // An atlas and runs whose names state different spaces may still overlap by accident.
 void noteSpaces(const Request& request, const ReferenceRequest& reference, std::vector<Region>& regions) {
-  const std::string own = parseBidsName(reference.image.filename().string()).get("space");
+  if (reference.image.empty()) return;
+  const std::string file = reference.image.filename().string();
+  const std::string own = parseBidsName(file).get("space");
   const std::string theirs = parseBidsName(request.runs[0].bold.filename().string()).get("space");
-  if (own.empty() || theirs.empty() || own == theirs || regions.empty()) return;
-  regions[0].notes.push_back(
-      fmt::format("{} names space '{}', the runs '{}'; regions may lie in the wrong place",
-                  reference.image.filename().string(), own, theirs));
+  if (own == theirs) return;
+  std::string note = fmt::format("{} names space '{}', the runs '{}'; regions may lie in the wrong place",
+                                 file, own, theirs);
+  if (own.empty() || theirs.empty()) {
+    note = fmt::format(
+        "{} 'space-' in {} name, but '{}' in that of {}: nothing says that both lie in the same "
+        "space; make sure, or regions lie in the wrong place",
+        own.empty() ? file + " has no" : "the runs have no", own.empty() ? "its" : "their",
+        own.empty() ? theirs : own, own.empty() ? "the runs" : file);
+  }
+  for (Region& region : regions) region.notes.push_back(note);
 }
 
 }  // namespace
@@ -62,6 +71,7 @@ LabelVolume readLabels(const ReferenceRequest& reference) {
   volume.file = file;
   const std::string table =
       reference.table.empty() ? formats::labelTableBeside(file) : reference.table.string();
+  volume.table = table;
   if (table.empty()) return volume;
   for (const formats::Label& label : formats::readLabelTable(table).labels)
     volume.names[label.index] = label.name;

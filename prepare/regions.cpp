@@ -16,10 +16,17 @@ namespace {
 
 using Voxel = std::array<int, 3>;
 
+std::string percent(double share) {
+  return fmt::format("{:.{}f} %", 100 * share, share < 0.1 ? 1 : 0);
+}
+
 // Collects voxels of one region and counts those that the mask refuses.
 class Collector {
  public:
-  Collector(std::string name, const RegionSpace& space) : space_(space) { region_.name = std::move(name); }
+  Collector(std::string name, const RegionSpace& space, const Reach& reach = {})
+      : space_(space), reach_(reach) {
+    region_.name = std::move(name);
+  }
 
   void add(std::size_t index) {
     ++seen_;
@@ -29,24 +36,48 @@ class Collector {
     for (const int c : space_.grid.size.voxelAt(index)) region_.coordinates.push_back(c);
   }
 
-  bool empty() const { return region_.coordinates.empty() || seen_ == outside_; }
+  // Nothing is left, or nearly nothing.
+  [[nodiscard]] bool isTooLittle() const { return empty() || shareUsed() < kLeastShareOfRegion; }
 
-  // Throws when nothing is left.
+  // Throws when too little is left.
   Region finish(const std::string& where) {
+    const std::string lost = whatIsLost();
     if (empty()) {
       throw InputError(fmt::format("{}: reference '{}' has no voxel {}", where, region_.name,
                                    seen_ > 0 ? "inside the mask" : "in the grid of the runs"));
     }
-    if (outside_ > 0) {
-      region_.notes.push_back(fmt::format("reference '{}': {} of {} voxels lie outside the mask{}",
-                                          region_.name, outside_, seen_,
-                                          space_.insideMaskOnly ? " and are left out" : ""));
+    if (isTooLittle()) {
+      throw InputError(
+          fmt::format("{}: reference '{}': {}; the {} that is left does not stand for it, take another "
+                      "reference or runs and a mask that hold at least {} of it",
+                      where, region_.name, lost, percent(shareUsed()), percent(kLeastShareOfRegion)));
     }
+    if (!lost.empty()) region_.notes.push_back(fmt::format("reference '{}': {}", region_.name, noteOf(lost)));
     return std::move(region_);
   }
 
  private:
+  [[nodiscard]] bool empty() const { return region_.coordinates.empty() || seen_ == outside_; }
+  [[nodiscard]] double shareUsed() const {
+    return reach_.shareInside() * static_cast<double>(region_.voxels()) / std::max(1, seen_);
+  }
+  [[nodiscard]] std::string whatIsLost() const {
+    std::string text;
+    if (reach_.beyond > 0)
+      text = fmt::format("{} of {} voxels lie outside the grid of the runs", reach_.beyond, reach_.voxels);
+    if (outside_ > 0) {
+      text += fmt::format("{}{} of {} voxels{} lie outside the mask", text.empty() ? "" : ", and ", outside_,
+                          seen_, text.empty() ? "" : " inside it");
+    }
+    return text;
+  }
+  [[nodiscard]] std::string noteOf(const std::string& lost) const {
+    if (outside_ > 0 && !space_.insideMaskOnly) return lost;
+    return fmt::format("{} and are left out; {} of it is used", lost, percent(shareUsed()));
+  }
+
   const RegionSpace& space_;
+  Reach reach_;
   Region region_;
   int seen_ = 0, outside_ = 0;
 };
@@ -81,15 +112,16 @@ std::int32_t valueOf(const std::string& label, const LabelVolume& image,
 }
 
 Region regionOfValue(const std::string& name, std::int32_t value, const std::vector<std::int32_t>& labels,
-                     const RegionSpace& space, const std::string& where) {
-  Collector collector(name, space);
+                     const RegionSpace& space, const Reach& reach, const std::string& where) {
+  Collector collector(name, space, reach);
   for (std::size_t i = 0; i < labels.size(); ++i) {
     if (labels[i] == value) collector.add(i);
   }
-  return collector.finish(where);
+  Region region = collector.finish(where);
+  region.source.label = value;
+  return region;
 }
 
-// An atlas may reach beyond the runs: regions without a voxel are left out, with a note.
 // All but 0. Neighbours mostly share their label.
 std::set<std::int32_t> valuesIn(const std::vector<std::int32_t>& labels) {
   std::set<std::int32_t> values;
@@ -101,70 +133,88 @@ std::set<std::int32_t> valuesIn(const std::vector<std::int32_t>& labels) {
   return values;
 }
 
+Reach reachOf(const std::map<std::int32_t, Reach>& reaches, std::int32_t value) {
+  const auto found = reaches.find(value);
+  return found == reaches.end() ? Reach{} : found->second;
+}
+
+// An atlas may reach beyond the runs: regions of which too little is left are left out, with a note.
 std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::int32_t>& labels,
                                const std::set<std::int32_t>& present, const RegionSpace& space,
                                const std::string& where) {
   // One pass for all: an atlas has hundreds of labels, and every worker looks again.
+  const std::map<std::int32_t, Reach> reaches = reachOfLabels(image, space.grid);
   std::map<std::int32_t, Collector> collectors;
   for (const std::int32_t value : present)
-    collectors.emplace(value, Collector(labelName(image, value), space));
+    collectors.emplace(value, Collector(labelName(image, value), space, reachOf(reaches, value)));
   for (std::size_t i = 0; i < labels.size(); ++i) {
     if (labels[i] != 0) collectors.at(labels[i]).add(i);
   }
   std::vector<Region> regions;
   std::string missing;
   for (auto& [value, collector] : collectors) {
-    if (collector.empty())
+    if (collector.isTooLittle())
       missing += (missing.empty() ? "" : ", ") + labelName(image, value);
     else
-      regions.push_back(collector.finish(where));
+      regions.push_back(collector.finish(where)), regions.back().source.label = value;
   }
   if (regions.empty())
-    throw InputError(fmt::format("{}: no label of {} has a voxel inside the mask", where, image.file));
-  if (!missing.empty())
-    regions[0].notes.push_back("labels without a voxel in the runs, left out: " + missing);
+    throw InputError(fmt::format("{}: no label of {} has {} of its voxels inside the mask", where, image.file,
+                                 percent(kLeastShareOfRegion)));
+  if (!missing.empty()) {
+    regions[0].notes.push_back(fmt::format("labels of which the runs hold less than {}, left out: {}",
+                                           percent(kLeastShareOfRegion), missing));
+  }
   return regions;
 }
 
+Reach together(const std::map<std::int32_t, Reach>& reaches) {
+  Reach sum;
+  for (const auto& [value, reach] : reaches) sum.voxels += reach.voxels, sum.beyond += reach.beyond;
+  return sum;
+}
+
+std::string gridText(const Grid& grid) {
+  const formats::Point mm = formats::voxelSize(grid.affine);
+  return fmt::format("{} voxels of {:.4g} x {:.4g} x {:.4g} mm", toText(grid.size), mm[0], mm[1], mm[2]);
+}
+
+void setSource(const ReferenceRequest& request, const LabelVolume& image, const RegionSpace& space,
+               Region& region) {
+  RegionSource& source = region.source;
+  source.kind = request.kind;
+  source.image = image.file;
+  source.table = image.table;
+  source.grid = gridText(image.grid);
+  source.isResampled = !sameGrid(image.grid, space.grid);
+  const auto found = image.names.find(source.label);
+  if (found != image.names.end()) source.labelName = found->second;
+}
+
+void noteResampling(Region& region) {
+  if (!region.source.isResampled) return;
+  region.notes.push_back(region.source.image.filename().string() +
+                         " has another grid than the runs: each voxel takes the label at its centre");
+}
+
 }  // namespace
-
-std::string labelName(const LabelVolume& image, std::int32_t value) {
-  const auto found = image.names.find(value);
-  return found == image.names.end() ? "label" + std::to_string(value) : found->second;
-}
-
-std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid) {
-  if (sameGrid(image.grid, grid)) return image.labels;
-  std::vector<std::int32_t> labels(grid.size.voxels(), 0);
-  if (formats::determinant(image.grid.affine) == 0) {
-    throw InputError(image.file + ": its affine cannot be inverted; the header is damaged");
-  }
-  const formats::Affine toImage = formats::inverse(image.grid.affine);
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    const auto at = formats::apply(toImage, grid.toMm(grid.size.voxelAt(i)));
-    const Voxel voxel = {static_cast<int>(std::floor(at[0] + 0.5)), static_cast<int>(std::floor(at[1] + 0.5)),
-                         static_cast<int>(std::floor(at[2] + 0.5))};
-    if (image.grid.size.contains(voxel)) labels[i] = image.labels[image.grid.size.index(voxel)];
-  }
-  return labels;
-}
 
 std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVolume& image,
                                  const RegionSpace& space, const std::string& where) {
   const std::set<std::int32_t> present = valuesIn(image.labels);
   const std::vector<std::int32_t> labels = labelsOnGrid(image, space.grid);
   std::vector<Region> regions;
-  if (request.allLabels) {
-    regions = allRegions(image, labels, present, space, where);
-  }
+  if (request.allLabels) regions = allRegions(image, labels, present, space, where);
+  const auto reaches =
+      request.labels.empty() ? std::map<std::int32_t, Reach>{} : reachOfLabels(image, space.grid);
   for (const std::string& label : request.labels) {
     const std::int32_t value = valueOf(label, image, present, where);
     const std::string name = request.name.empty() ? labelName(image, value) : request.name;
-    regions.push_back(regionOfValue(name, value, labels, space, where));
+    regions.push_back(regionOfValue(name, value, labels, space, reachOf(reaches, value), where));
   }
-  if (!sameGrid(image.grid, space.grid)) {
-    regions[0].notes.push_back(image.file +
-                               " has another grid than the runs: each voxel takes the label at its centre");
+  for (Region& region : regions) {
+    setSource(request, image, space, region);
+    noteResampling(region);
   }
   return regions;
 }
@@ -172,24 +222,27 @@ std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVol
 Region maskRegion(const ReferenceRequest& request, const LabelVolume& image, const RegionSpace& space,
                   const std::string& where) {
   const std::vector<std::int32_t> values = labelsOnGrid(image, space.grid);
-  Collector collector(request.name, space);
+  Collector collector(request.name, space, together(reachOfLabels(image, space.grid)));
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (values[i] != 0) collector.add(i);
   }
-  return collector.finish(where);
+  Region region = collector.finish(where);
+  setSource(request, image, space, region);
+  noteResampling(region);
+  return region;
 }
 
 Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {
-  Collector collector(request.name, space);
+  Collector collector(request.name, space, reachOfSphere(request.centreMm, request.radiusMm, space.grid));
   for (std::size_t i = 0; i < space.grid.size.voxels(); ++i) {
-    const auto mm = space.grid.toMm(space.grid.size.voxelAt(i));
-    double squares = 0;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      squares += (mm[axis] - request.centreMm[axis]) * (mm[axis] - request.centreMm[axis]);
-    }
-    if (squares <= request.radiusMm * request.radiusMm) collector.add(i);
+    if (isInSphere(request.centreMm, request.radiusMm, space.grid, space.grid.size.voxelAt(i)))
+      collector.add(i);
   }
-  return collector.finish(where);
+  Region region = collector.finish(where);
+  region.source.kind = ReferenceKind::kSphere;
+  region.source.centreMm = request.centreMm;
+  region.source.radiusMm = request.radiusMm;
+  return region;
 }
 
 Region voxelRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {

@@ -3,34 +3,36 @@
 #ifndef TAVMAP_PREPARE_REGIONS_H
 #define TAVMAP_PREPARE_REGIONS_H
 
+#include <array>
 #include <cstdint>
-#include <map>
+#include <filesystem>
 #include <string>
 #include <vector>
 
-#include "prepare/grid.h"
+#include "prepare/label_volume.h"
 #include "request/request.h"
 
 namespace study {
+
+// Where a region comes from.
+struct RegionSource {
+  ReferenceKind kind = ReferenceKind::kVoxels;
+  std::filesystem::path image, table;  // empty: none
+  std::int32_t label = 0;              // its value in the image, and its name in the table
+  std::string labelName;
+  std::string grid;          // of the image, in words
+  bool isResampled = false;  // the image has another grid than the runs
+  std::array<double, 3> centreMm{};
+  double radiusMm = 0;
+};
 
 struct Region {
   std::string name;
   std::vector<std::int32_t> coordinates;  // 3 per voxel, indices from 0, in storage order
   std::vector<std::string> notes;         // what was left out, in words
+  RegionSource source = {};
   [[nodiscard]] int voxels() const { return static_cast<int>(coordinates.size() / 3); }
 };
-
-// An image of whole numbers on a grid of its own, with the names of its labels (may be empty; label
-// 0 is background).
-struct LabelVolume {
-  Grid grid;
-  std::vector<std::int32_t> labels;
-  std::map<std::int32_t, std::string> names;
-  std::string file;  // for messages
-};
-
-// The name of a label, "label7" when there is none for 7.
-[[nodiscard]] std::string labelName(const LabelVolume& image, std::int32_t value);
 
 // Where regions are drawn: the runs' grid and, if there are masks, the voxels that all of them
 // contain (empty: every voxel).
@@ -41,13 +43,12 @@ struct RegionSpace {
   bool insideMaskOnly = true;
 };
 
-// Values of the image at the centres of the space's voxels: the same voxels when the grids agree,
-// else those of the nearest voxel (labels cannot be interpolated), 0 outside the image.
-[[nodiscard]] std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid);
+// A region of which less than this is left by the grid of the runs and by the mask is refused.
+inline constexpr double kLeastShareOfRegion = 0.1;
 
 // One region per label asked for, in the order asked for; "all": ascending, background left out.
-// Labels are names or indices. Throws InputError for an unknown label (with the nearest known one),
-// and, unless all are asked for, for one without a voxel in the mask.
+// Labels are names or indices. Throws InputError for an unknown label (with the nearest known one) and for
+// one of which less than a tenth is left; of all labels such are left out, with a note.
 [[nodiscard]] std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVolume& image,
                                                const RegionSpace& space, const std::string& where);
 // Voxels that are not 0.

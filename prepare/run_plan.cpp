@@ -20,11 +20,15 @@ namespace {
 
 constexpr int kLeastVolumesOfARun = 4;
 
-std::vector<TimedEvent> readEvents(const std::filesystem::path& file, double trSeconds) {
+// Nothing is joined: that is done per condition, with its own gap.
+formats::Protocol readEvents(const std::filesystem::path& file) {
+  constexpr double kJoinsNothing = -1e12;
+  if (file.empty()) return {};
+  return formats::readProtocol(file.string(), kJoinsNothing);
+}
+
+std::vector<TimedEvent> timedEvents(const formats::Protocol& protocol, double trSeconds) {
   std::vector<TimedEvent> events;
-  if (file.empty()) return events;
-  // A repetition time of 0 joins nothing: blocks are joined per condition, with its own gap.
-  const formats::Protocol protocol = formats::readProtocol(file.string(), 0);
   for (const formats::ProtocolCondition& condition : protocol.conditions) {
     for (const formats::Interval& interval : condition.intervals) {
       if (protocol.unit == formats::TimeUnit::kMilliseconds) {
@@ -49,7 +53,9 @@ class RunPlanner {
     readHeader();
     checkMask();
     readTable();
-    plan_.volumes.events = readEvents(plan_.request.events, plan_.volumes.trSeconds);
+    const formats::Protocol events = readEvents(plan_.request.events);
+    plan_.volumes.events = timedEvents(events, plan_.volumes.trSeconds);
+    plan_.eventsCaution = eventsCaution(plan_.request, events.flawed);
     plan_.cautions = runCautions(plan_.request, plan_.volumes.trSeconds, plan_.filters, plan_.confoundNames);
     plan_.vtcName = fmt::format("{}-{}.vtc", bidsSafe(plan_.request.name), key());
     return std::move(plan_);

@@ -25,7 +25,9 @@ struct RunPlan {
   int confoundRank = 0;                        // degrees of freedom that the regression costs
   std::vector<std::string> filters;            // found in the sidecar
   std::vector<std::string> cautions;
-  std::string vtcName;  // file in the work folder, named by the key of its inputs
+  std::string eventsCaution;  // for conditions that are made from events; empty: none
+  double scale = 1;           // of the values when imported, see value_size.h
+  std::string vtcName;        // file in the work folder, named by the key of its inputs
 };
 
 // Looks at headers, sidecar, confounds and events; reads no image data. `version` goes into the key,

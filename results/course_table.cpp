@@ -12,7 +12,8 @@ std::string cell(const CourseColumn& column, int volume) {
   const int at = volume - column.dropped;
   const bool known = column.course != nullptr && at >= 0 && at < static_cast<int>(column.course->size());
   if (!known) return "n/a";
-  const double value = static_cast<double>((*column.course)[static_cast<std::size_t>(at)]) - column.shift;
+  const auto stored = static_cast<double>((*column.course)[static_cast<std::size_t>(at)]);
+  const double value = (stored - column.shift) / column.scale;
   char text[32];
   return {text, std::to_chars(text, text + sizeof text, withDigitsOf(static_cast<float>(value))).ptr};
 }

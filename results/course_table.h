@@ -13,10 +13,11 @@ struct CourseColumn {
   int dropped = 0;                             // leading ones that the course lacks
   double shift = 0;                            // what preparation added to every value
   const std::vector<float>* course = nullptr;  // null: this run has none
+  double scale = 1;                            // what preparation multiplied every value with, before that
 };
 
 // Tab-separated, the run names first, then one row per volume of the longest stored image, "n/a" where
-// a run has no value. The added constant is taken off again.
+// a run has no value. Both are taken off again.
 [[nodiscard]] std::string courseTable(const std::vector<CourseColumn>& columns);
 
 }  // namespace study

@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "results/record_json.h"
+#include "tav/family_wise.h"
+#include "tav/map_kinds.h"
 
 namespace study {
 namespace {
@@ -27,6 +29,16 @@ std::string clustersDescription(const FamilyWiseResult& result) {
       result.draws, Json(result.clusterFormingLevel).dump(), Json(result.clusterFormingP).dump());
 }
 
+// Empty unless the surrogates' maps are of another kind.
+std::string nullMapsNote(tav::MapType type) {
+  const tav::MapType null = tav::nullKindOf(type);
+  if (null == type) return "";
+  return fmt::format(
+      "; the whole maps are those of {}, since no surrogate has the instantaneous influence that gives this "
+      "map its values",
+      tav::mapKind(null).keyword);
+}
+
 // Where the procedures come from.
 const Json kLiterature =
     Json::array({"Nichols & Holmes 2002, Human Brain Mapping 15, 1-25, doi:10.1002/hbm.1058",
@@ -39,7 +51,8 @@ Json familyWiseSidecar(Json ofMap, const MapResult& map, FamilyWiseImage image) 
   const FamilyWiseResult& result = map.familyWise;
   const std::string what =
       image == FamilyWiseImage::kVoxels ? voxelsDescription(result.draws) : clustersDescription(result);
-  ofMap["Description"] = fmt::format("{}. The map: {}", what, ofMap["Description"].get<std::string>());
+  ofMap["Description"] =
+      fmt::format("{}{}. The map: {}", what, nullMapsNote(map.type), ofMap["Description"].get<std::string>());
   ofMap["Units"] = "probability; NaN where the status map says anything but \"computed\"";
   ofMap["StatisticFile"] = map.file;
   ofMap["Literature"] = kLiterature;

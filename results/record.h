@@ -51,10 +51,34 @@ struct ModelRecord {
   bool operator==(const ModelRecord&) const = default;
 };
 
+// A file that a result was made from.
+struct InputRecord {
+  std::string kind;  // "run image", "mask", "events", "confounds", "label image", "label table"
+  std::string file;  // as sourceUri() names it
+  std::string sha256;
+  bool operator==(const InputRecord&) const = default;
+};
+
+// Where the reference comes from; empty in records of earlier versions.
+struct ReferenceSource {
+  std::string kind;          // "labels", "mask", "sphere", "voxels"
+  std::string image, table;  // as sourceUri() names them; empty: none
+  std::int32_t labelIndex = 0;
+  std::string labelName;
+  std::string grid;          // of the image, in words
+  std::string onGridOfRuns;  // how it was brought there
+  std::array<double, 3> centreMm{};
+  double radiusMm = 0;
+  [[nodiscard]] bool empty() const { return kind.empty(); }
+  bool operator==(const ReferenceSource&) const = default;
+};
+
 struct Record {
   std::string key;  // says from which inputs it was made
   std::string reference;
   int referenceVoxels = 0;
+  ReferenceSource source = {};
+  std::vector<InputRecord> inputs = {};
   ModelRecord model;
   std::vector<ConditionRecord> conditions;
   std::vector<std::string> warnings;

@@ -172,10 +172,34 @@ void describe(Fields& fields, Of<Fields, ConditionRecord>& condition) {
 }
 
 template <typename Fields>
+void describe(Fields& fields, Of<Fields, InputRecord>& input) {
+  fields("Kind", input.kind);
+  fields("File", input.file);
+  fields("SHA256", input.sha256);
+}
+
+// A kind has the entries that mean something for it.
+template <typename Fields>
+void describe(Fields& fields, Of<Fields, ReferenceSource>& source) {
+  fields("Kind", source.kind);
+  fields.unlessEmpty("Image", source.image);
+  fields.unlessEmpty("Table", source.table);
+  if (source.kind == "labels") fields("LabelIndex", source.labelIndex);
+  fields.unlessEmpty("LabelName", source.labelName);
+  fields.unlessEmpty("Grid", source.grid);
+  fields.unlessEmpty("OnGridOfRuns", source.onGridOfRuns);
+  if (source.kind != "sphere") return;
+  fields("CentreMillimetres", source.centreMm);
+  fields("RadiusMillimetres", source.radiusMm);
+}
+
+template <typename Fields>
 void describe(Fields& fields, Of<Fields, Record>& record) {
   fields("Key", record.key);
   fields("Reference", record.reference);
   fields("ReferenceVoxels", record.referenceVoxels);
+  fields.unlessEmpty("ReferenceSource", record.source);
+  fields.unlessEmpty("Inputs", record.inputs);
   describe(fields, record.model);
   fields("Conditions", record.conditions);
   fields("Warnings", record.warnings);
@@ -207,6 +231,14 @@ Record readRecordFile(const std::string& path) {
 
 Json runsJson(const std::vector<RunRecord>& runs) {
   return FieldWriter::written(runs);
+}
+
+Json sourceJson(const ReferenceSource& source) {
+  return FieldWriter::written(source);
+}
+
+Json inputsJson(const std::vector<InputRecord>& inputs) {
+  return FieldWriter::written(inputs);
 }
 
 Json thresholdsJson(const std::vector<ThresholdResult>& thresholds) {

@@ -21,6 +21,8 @@ nlohmann::ordered_json recordJson(const Record& record);
 [[nodiscard]] Record readRecordFile(const std::string& path);
 
 nlohmann::ordered_json runsJson(const std::vector<RunRecord>& runs);
+nlohmann::ordered_json sourceJson(const ReferenceSource& source);
+nlohmann::ordered_json inputsJson(const std::vector<InputRecord>& inputs);
 nlohmann::ordered_json thresholdsJson(const std::vector<ThresholdResult>& thresholds);
 nlohmann::ordered_json directionJson(const DirectionResult& direction);
 nlohmann::ordered_json familyWiseJson(const FamilyWiseResult& result, bool withClusters);

@@ -3,6 +3,8 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "results/record_json.h"
@@ -12,6 +14,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
+
+// By ReferenceKind.
+constexpr std::array<const char*, 4> kKindNames = {"labels", "mask", "sphere", "voxels"};
 
 const RunPlan& runNamed(const ResultContext& context, const std::string& name) {
   return *std::find_if(context.runs.begin(), context.runs.end(),
@@ -73,6 +78,9 @@ Json sourcesJson(const ResultContext& context, const ConditionResult& condition)
       for (const fs::path& file : {run.bold, run.mask, run.confounds, run.events}) add(file);
     }
   }
+  for (const std::string& file : {context.source.image, context.source.table}) {
+    if (!file.empty()) list.push_back(file);
+  }
   return list;
 }
 
@@ -91,6 +99,31 @@ Json filtersJson(const ResultContext& context, const ConditionResult& condition)
     for (const std::string& filter : runNamed(context, set.target).filters) list.push_back(filter);
   }
   return list;
+}
+
+// RFC 3986: what is neither unreserved nor a slash.
+std::string percentEncoded(const std::string& path) {
+  constexpr const char* kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+  std::string text;
+  for (const char c : path) {
+    if (std::strchr(kPlain, c) != nullptr)
+      text += c;
+    else
+      text += fmt::format("%{:02X}", static_cast<unsigned>(static_cast<unsigned char>(c)));
+  }
+  return text;
+}
+
+// Where a reference comes from, and checksums of what this condition was made from.
+void addOrigin(const ResultContext& context, const ConditionResult& condition, Json& json) {
+  const Json sources = sourcesJson(context, condition);
+  json["Sources"] = sources;
+  if (!context.source.empty()) json["ReferenceSource"] = sourceJson(context.source);
+  std::vector<InputRecord> inputs;
+  for (const InputRecord& input : context.inputs) {
+    if (std::find(sources.begin(), sources.end(), Json(input.file)) != sources.end()) inputs.push_back(input);
+  }
+  if (!inputs.empty()) json["Inputs"] = inputsJson(inputs);
 }
 
 bool isDifference(tav::MapType type) {
@@ -112,10 +145,28 @@ std::string sourceUri(const Request& request, const fs::path& file) {
     const fs::path folder = fs::absolute(root).lexically_normal();
     const fs::path relative = whole.lexically_relative(folder);
     if (relative.empty() || *relative.begin() == ".." || folder.string().size() < bestLength) continue;
-    best = fmt::format("bids:{}:{}", name, relative.generic_string());
+    best = fmt::format("bids:{}:{}", name, percentEncoded(relative.generic_string()));
     bestLength = folder.string().size();
   }
   return best.empty() ? file.filename().string() : best;
+}
+
+ReferenceSource referenceSource(const Request& request, const Region& region) {
+  const RegionSource& from = region.source;
+  ReferenceSource source;
+  source.kind = kKindNames.at(static_cast<std::size_t>(from.kind));
+  if (!from.image.empty()) source.image = sourceUri(request, from.image);
+  if (!from.table.empty()) source.table = sourceUri(request, from.table);
+  source.labelIndex = from.label;
+  source.labelName = from.labelName;
+  source.grid = from.grid;
+  if (!from.image.empty())
+    source.onGridOfRuns = from.isResampled
+                              ? "each voxel of the runs takes the value at its centre (nearest voxel)"
+                              : "the image has the grid of the runs";
+  source.centreMm = from.centreMm;
+  source.radiusMm = from.radiusMm;
+  return source;
 }
 
 Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
@@ -128,7 +179,7 @@ Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
   json["Reference"] = reference.name;
   json["ReferenceVoxels"] = reference.voxels;
   json["Condition"] = condition.name;
-  json["Sources"] = sourcesJson(context, condition);
+  addOrigin(context, condition, json);
   json["RepetitionTime"] = repetitionTime(context, condition);
   const Json filters = filtersJson(context, condition);
   if (!filters.empty()) json["SoftwareFilters"] = filters;
@@ -154,7 +205,7 @@ Json statusSidecar(const ResultContext& context, const ReferenceResult& referenc
   }
   json["Labels"] = labels;
   json["Voxels"] = voxelsJson(condition.statusCounts);
-  json["Sources"] = sourcesJson(context, condition);
+  addOrigin(context, condition, json);
   json["SoftwareVersion"] = context.version;
   return json;
 }
@@ -172,7 +223,7 @@ Json directionSidecar(const ResultContext& context, const ReferenceResult& refer
   }
   json["Labels"] = labels;
   addDirection(condition.direction, json);
-  addOrigin(context, reference, condition, json);
+  addOriginAndModel(context, reference, condition, json);
   return json;
 }
 
@@ -187,7 +238,7 @@ Json passingSidecar(const ResultContext& context, const ReferenceResult& referen
   for (std::size_t code = 0; code < names.size(); ++code) json["Labels"][std::to_string(code)] = names[code];
   json["StatisticFile"] = map.file;
   json["Thresholds"] = thresholdsJson(map.thresholds);
-  addOrigin(context, reference, condition, json);
+  addOriginAndModel(context, reference, condition, json);
   return json;
 }
 
@@ -198,9 +249,9 @@ std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresh
   return names;
 }
 
-void addOrigin(const ResultContext& context, const ReferenceResult& reference,
-               const ConditionResult& condition, Json& json) {
-  json["Sources"] = sourcesJson(context, condition);
+void addOriginAndModel(const ResultContext& context, const ReferenceResult& reference,
+                       const ConditionResult& condition, Json& json) {
+  addOrigin(context, condition, json);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;
 }
@@ -211,6 +262,8 @@ Record referenceRecord(const ResultContext& context, const ReferenceResult& refe
   record.key = key;
   record.reference = reference.name;
   record.referenceVoxels = reference.voxels;
+  record.source = context.source;
+  record.inputs = context.inputs;
   record.model = modelRecord(context, reference);
   for (const ConditionResult& condition : reference.conditions) {
     record.conditions.push_back(conditionRecord(context, condition));

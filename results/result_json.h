@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "prepare/regions.h"
 #include "prepare/run_plan.h"
 #include "request/request.h"
 #include "results/record.h"
@@ -22,10 +23,16 @@ struct ResultContext {
   std::uint32_t seed = 0;  // of the study
   int order = 1;           // in use
   std::vector<std::string> cautions;
+  ReferenceSource source = {};
+  std::vector<InputRecord> inputs = {};  // of all runs, and of the reference
 };
 
-// "bids:raw:sub-01/..." when a data set of the request holds the file, else the plain file name.
+// "bids:raw:sub-01/..." with percent signs for what no URI may hold, when a data set of the request has the
+// file; else the plain file name.
 [[nodiscard]] std::string sourceUri(const Request& request, const std::filesystem::path& file);
+
+// The region's source, with files as sourceUri() names them.
+[[nodiscard]] ReferenceSource referenceSource(const Request& request, const Region& region);
 
 nlohmann::ordered_json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
                                   const ConditionResult& condition, const MapResult& map);
@@ -40,8 +47,8 @@ nlohmann::ordered_json passingSidecar(const ResultContext& context, const Refere
 // What the codes of that image mean, from 0. thresholds: ascending q.
 [[nodiscard]] std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresholds);
 // Sources, model and warnings into the sidecar of a file made from a condition.
-void addOrigin(const ResultContext& context, const ReferenceResult& reference,
-               const ConditionResult& condition, nlohmann::ordered_json& json);
+void addOriginAndModel(const ResultContext& context, const ReferenceResult& reference,
+                       const ConditionResult& condition, nlohmann::ordered_json& json);
 // Everything about one reference but its files; `key` says from which inputs it was made.
 [[nodiscard]] Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
                                      const std::string& key);

@@ -1,5 +1,6 @@
 #include "simo/residual_surrogates.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -10,27 +11,30 @@ namespace {
 
 constexpr int kWarmUp = 200;
 
-// The residuals about one straight line through all stretches.
-std::vector<double> withoutLine(std::span<const float> series, const std::vector<Stretch>& stretches) {
+// Takes one straight line off, fitted to what is known.
+void takeLine(const std::vector<bool>& known, std::span<double> series) {
   double n = 0, times = 0, values = 0;
-  const auto forEach = [&](auto use) {
-    for (const Stretch& stretch : stretches)
-      for (int t = stretch.first; t < stretch.end; ++t)
-        use(static_cast<double>(t), static_cast<double>(series[static_cast<std::size_t>(t)]));
+  const auto forEachKnown = [&](auto use) {
+    for (std::size_t t = 0; t < series.size(); ++t)
+      if (known[t]) use(static_cast<double>(t), series[t]);
   };
-  forEach([&](double t, double value) { n += 1, times += t, values += value; });
+  forEachKnown([&](double t, double value) { n += 1, times += t, values += value; });
   const double middle = times / n, mean = values / n;
   double products = 0, squares = 0;
-  forEach([&](double t, double value) {
+  forEachKnown([&](double t, double value) {
     products += (t - middle) * (value - mean);
     squares += (t - middle) * (t - middle);
   });
   const double slope = squares > 0 ? products / squares : 0;
-  std::vector<double> residuals(series.size(), 0.0);
-  forEach([&](double t, double value) {
-    residuals[static_cast<std::size_t>(t)] = value - mean - slope * (t - middle);
-  });
-  return residuals;
+  for (std::size_t t = 0; t < series.size(); ++t)
+    series[t] -= mean + slope * (static_cast<double>(t) - middle);
+}
+
+std::vector<bool> knownIn(const std::vector<Stretch>& stretches, std::size_t length) {
+  std::vector<bool> known(length, false);
+  for (const Stretch& stretch : stretches)
+    for (int t = stretch.first; t < stretch.end; ++t) known[static_cast<std::size_t>(t)] = true;
+  return known;
 }
 
 // Marks the values of the stretch that follow a spike within `length` values. A spike among them begins
@@ -55,21 +59,28 @@ double signFrom(int number) {
 
 ResidualSurrogates::ResidualSurrogates(std::span<const float> series, const std::vector<Stretch>& stretches)
     : innovations_(series.size(), 0.0),
-      known_(series.size(), false),
+      known_(knownIn(stretches, series.size())),
       follows_(series.size(), false),
       simulated_(kWarmUp + series.size(), 0.0) {
   if (stretches.empty()) return;
-  model_ = fitBetweenSpikes(withoutLine(series, stretches), stretches);
+  std::vector<double> course(series.begin(), series.end());
+  takeLine(known_, course);
+  model_ = fitBetweenSpikes(course, stretches);
+  keepResiduals(stretches);
+  const auto values = static_cast<int>(model_.residuals.size());
+  waves_ = SlowWaves(values / mostBurgOrder(values), known_);
+  amplitudes_ = waves_.amplitudes(course);
+}
+
+void ResidualSurrogates::keepResiduals(const std::vector<Stretch>& stretches) {
   const std::vector<bool> spikes = spikesAmong(model_.residuals);
   std::size_t first = 0;  // of the stretch, among the residuals
   for (const Stretch& stretch : stretches) {
-    for (int t = stretch.first; t < stretch.end; ++t) {
-      const std::size_t offset = first + static_cast<std::size_t>(t - stretch.first);
-      innovations_[static_cast<std::size_t>(t)] = model_.residuals[offset];
-      known_[static_cast<std::size_t>(t)] = true;
-    }
-    markFollowers(spikes.begin() + static_cast<std::ptrdiff_t>(first), stretch, model_.order(), follows_);
-    first += static_cast<std::size_t>(stretch.end - stretch.first);
+    const auto begin = static_cast<std::ptrdiff_t>(first);
+    const auto length = static_cast<std::size_t>(stretch.end - stretch.first);
+    std::copy_n(model_.residuals.begin() + begin, length, innovations_.begin() + stretch.first);
+    markFollowers(spikes.begin() + begin, stretch, model_.order(), follows_);
+    first += length;
   }
 }
 
@@ -86,16 +97,18 @@ void ResidualSurrogates::draw(RandomStream& random, std::span<float> surrogate) 
   const auto order = model_.coefficients.size();
   double sign = 1;
   for (std::size_t t = 0; t < simulated_.size(); ++t) {
-    const double drawn = signFrom(random.next());
+    const double ownSign = signFrom(random.next());
     const bool isOwn = t >= kWarmUp && known_[t - kWarmUp];
-    if (!isOwn || !follows_[t - kWarmUp]) sign = drawn;
+    if (!isOwn || !follows_[t - kWarmUp]) sign = ownSign;
     double value = sign * (isOwn ? innovations_[t - kWarmUp] : resampled(random));
     for (std::size_t k = 1; k <= order && k <= t; ++k)
       value += model_.coefficients[k - 1] * simulated_[t - k];
     simulated_[t] = value;
   }
-  for (std::size_t t = 0; t < surrogate.size(); ++t)
-    surrogate[t] = static_cast<float>(simulated_[kWarmUp + t]);
+  const std::span<double> drawn(simulated_.data() + kWarmUp, surrogate.size());
+  takeLine(known_, drawn);
+  waves_.scaleTo(amplitudes_, drawn);
+  for (std::size_t t = 0; t < surrogate.size(); ++t) surrogate[t] = static_cast<float>(drawn[t]);
 }
 
 }  // namespace simo

@@ -7,6 +7,7 @@
 
 #include "simo/burg.h"
 #include "simo/random_stream.h"
+#include "simo/slow_waves.h"
 
 namespace simo {
 
@@ -17,12 +18,14 @@ namespace simo {
 // share the spike's sign, or the surrogates would hold echoes that the series does not have; and the model is
 // fitted to what lies between spikes, which would otherwise hide how the series remembers. The model
 // starts with a warm-up of residuals resampled with random signs; values outside the stretches get such
-// residuals as well.
+// residuals as well. Waves slower than the longest memory that the model may have, which it therefore cannot
+// tell from each other, get the amplitude that they have in the series.
 // (Sign flips of residuals: Wu 1986, the wild bootstrap, Annals of Statistics 14, 1261-1295,
 // doi:10.1214/aos/1176350142; signs shared by neighbours: Shao 2010, The dependent wild bootstrap, Journal
 // of the American Statistical Association 105, 218-235, doi:10.1198/jasa.2009.tm08744. Outliers that are
 // added and those that the model carries on: Fox 1972, Journal of the Royal Statistical Society B 34,
-// 350-363, doi:10.1111/j.2517-6161.1972.tb00912.x.)
+// 350-363, doi:10.1111/j.2517-6161.1972.tb00912.x. Amplitudes of the data in surrogates: Theiler et al. 1992,
+// Physica D 58, 77-94, doi:10.1016/0167-2789(92)90102-S.)
 class ResidualSurrogates {
  public:
   // series: one value per volume, finite within the stretches, whose mean and line are taken off first.
@@ -38,6 +41,7 @@ class ResidualSurrogates {
   void draw(RandomStream& random, std::span<float> surrogate);
 
  private:
+  void keepResiduals(const std::vector<Stretch>& stretches);
   [[nodiscard]] double resampled(RandomStream& random) const;
 
   BurgModel model_;
@@ -45,6 +49,8 @@ class ResidualSurrogates {
   std::vector<bool> known_;          // whether it lies in a stretch
   std::vector<bool> follows_;        // whether it shares the sign of the value before it
   std::vector<double> simulated_;    // warm-up and series
+  SlowWaves waves_;
+  std::vector<double> amplitudes_;  // of the series' slow waves
 };
 
 }  // namespace simo

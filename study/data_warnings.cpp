@@ -6,22 +6,11 @@
 
 #include "prepare/cautions.h"
 #include "results/results.h"
+#include "study/voxel_sample.h"
 #include "suitability/warnings.h"
 
 namespace study {
 namespace {
-
-constexpr std::size_t kSampledVoxels = 50;
-
-std::vector<std::size_t> sampledVoxels(const std::vector<std::uint8_t>& codes) {
-  std::vector<std::size_t> computed, sample;
-  for (std::size_t i = 0; i < codes.size(); ++i) {
-    if (codes[i] == static_cast<std::uint8_t>(StatusCode::kComputed)) computed.push_back(i);
-  }
-  const std::size_t count = std::min(kSampledVoxels, computed.size());
-  for (std::size_t i = 0; i < count; ++i) sample.push_back(computed[i * computed.size() / count]);
-  return sample;
-}
 
 std::string listed(const std::vector<std::string>& names) {
   std::string text;
@@ -72,7 +61,7 @@ std::vector<std::string> DataWarnings::texts() const {
 std::vector<std::string> conditionWarnings(const StudyPlan& plan, const std::string& reference,
                                            const std::string& condition, std::vector<ConditionRun>& runs,
                                            const std::vector<std::uint8_t>& codes) {
-  const std::vector<std::size_t> sample = sampledVoxels(codes);
+  const std::vector<std::size_t> sample = sampleOf(codes, {StatusCode::kComputed});
   std::vector<std::string> texts;
   std::vector<suitability::SuitabilityInput> inputs;
   for (ConditionRun& run : runs) {

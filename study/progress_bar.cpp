@@ -69,9 +69,12 @@ void ProgressBar::onProgress(double doneWeight, double totalWeight) {
 
 void ProgressBar::onFinished(const WorkPiece& piece, const WorkOutcome& outcome) {
   if (outcome.done && style_ == ProgressStyle::kLines) say("done: " + piece.name);
-  if (outcome.done || (piece.isTriedInParts && style_ == ProgressStyle::kQuiet)) return;
-  say(fmt::format("{}: {}: {}", piece.isTriedInParts ? "tried again one by one" : "FAILED", piece.name,
-                  outcome.message));
+  if (outcome.done || !piece.isTriedInParts || style_ == ProgressStyle::kQuiet) return;
+  say(fmt::format("tried again one by one: {}: {}", piece.name, outcome.message));
+}
+
+void ProgressBar::fail(const std::string& what) {
+  say("FAILED: " + what);
 }
 
 void ProgressBar::say(const std::string& line) {

@@ -1,5 +1,5 @@
 // Progress of a study on a terminal: one line with a bar and an estimate of the time left. On
-// anything else than a terminal a plain line per finished piece. Nothing at all when quiet.
+// anything else than a terminal a plain line per finished piece. Nothing but failures when quiet.
 #ifndef TAVMAP_STUDY_PROGRESS_BAR_H
 #define TAVMAP_STUDY_PROGRESS_BAR_H
 
@@ -24,10 +24,11 @@ class ProgressBar : public PoolWatcher {
 
   void onProgress(double doneWeight, double totalWeight) override;
   void onFinished(const WorkPiece& piece, const WorkOutcome& outcome) override;
-  // Writes a line of its own above the bar, whatever the style.
-  void say(const std::string& line);
+  // Writes a line of its own above the bar, whatever the style: "FAILED: " and what.
+  void fail(const std::string& what);
 
  private:
+  void say(const std::string& line);
   void clearLine();
   std::ostream& stream_;
   ProgressStyle style_;

@@ -11,6 +11,7 @@
 #include "results/record_json.h"
 #include "study/engine_request.h"
 #include "study/result_writer.h"
+#include "study/usable_region.h"
 #include "tav/tav.h"
 
 namespace study {
@@ -18,9 +19,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<const Region*> chosen(const StudyPlan& plan, const std::vector<std::size_t>& indices) {
+std::vector<const Region*> pointersTo(const std::vector<UsableRegion>& usable) {
   std::vector<const Region*> regions;
-  for (const std::size_t index : indices) regions.push_back(&plan.regions[index]);
+  for (const UsableRegion& one : usable) regions.push_back(&one.region);
   return regions;
 }
 
@@ -92,6 +93,12 @@ void describeDirections(const ReferenceResult& result, std::ostream& out) {
   if (isAny) out << "\t" << kDirectionNote << ".\n";
 }
 
+// An empty map is no result.
+bool isComputed(const Record& record) {
+  return std::all_of(record.conditions.begin(), record.conditions.end(),
+                     [](const ConditionRecord& condition) { return condition.voxelsComputed() > 0; });
+}
+
 bool filesAreThere(const Record& record, const fs::path& folder) {
   return std::all_of(record.files.begin(), record.files.end(), [&folder](const auto& file) {
     std::error_code missing;
@@ -136,9 +143,10 @@ tav::RunOptions referenceOptions(const StudyPlan& plan, const std::vector<std::s
 void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& regions,
                        const std::function<void(double)>& progress) {
   fs::create_directories(plan.request.output.folder);
-  ResultWriter writer(plan, regions, progress);
+  const std::vector<UsableRegion> usable = usableRegions(plan, regions);
+  ResultWriter writer(plan, regions, usable, progress);
   const tav::TAV_Pars pars = engineRequest(plan.request.settings, plan.order, plan.runs, plan.conditions,
-                                           chosen(plan, regions), plan.request.output.prefix);
+                                           pointersTo(usable), plan.request.output.prefix);
   std::ostringstream errors;
   tav::Computer computer(referenceOptions(plan, regions), &writer, &writer.store());
   throwStatus(computer.computeTAVs(pars, errors), errors.str());
@@ -150,7 +158,8 @@ std::optional<Record> finishedRecord(const StudyPlan& plan, std::size_t region) 
   if (!fs::exists(folder / names.record())) return std::nullopt;
   try {
     Record record = readRecordFile((folder / names.record()).string());
-    if (record.key == resultKey(plan, region) && filesAreThere(record, folder)) return record;
+    const bool isOurs = record.key == resultKey(plan, region) && isComputed(record);
+    if (isOurs && filesAreThere(record, folder)) return record;
   } catch (const formats::FileError&) {  // what is no whole record vouches for nothing
   }
   return std::nullopt;

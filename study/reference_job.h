@@ -31,8 +31,8 @@ void computeReferences(const StudyPlan& plan, const std::vector<std::size_t>& re
 [[nodiscard]] std::string logAppendix(const StudyPlan& plan, std::size_t region,
                                       const ReferenceResult& result);
 
-// The record of a finished reference when it was made under this key and its files are there, each of
-// its size; unset otherwise.
+// The record of a finished reference when it was made under this key, every condition has computed voxels and
+// its files are there, each of its size; unset otherwise.
 [[nodiscard]] std::optional<Record> finishedRecord(const StudyPlan& plan, std::size_t region);
 
 }  // namespace study

@@ -16,9 +16,10 @@
 namespace study {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 std::vector<std::string> workerCommand(const StudyOptions& options, const fs::path& job) {
   if (options.program.empty()) throw RunError("no program is known that could do the work");
@@ -28,8 +29,13 @@ std::vector<std::string> workerCommand(const StudyOptions& options, const fs::pa
 }  // namespace
 
 RequestRun::RequestRun(StudyPlan plan, const StudyOptions& options, WorkerPool& pool, StudyFolders& folders,
-                       StudyOutcome& outcome)
-    : plan_(std::move(plan)), options_(options), pool_(pool), folders_(folders), outcome_(outcome) {}
+                       StudyOutcome& outcome, ProgressBar& progress)
+    : plan_(std::move(plan)),
+      options_(options),
+      pool_(pool),
+      folders_(folders),
+      outcome_(outcome),
+      progress_(progress) {}
 
 bool RequestRun::choosesOrder() const {
   return plan_.request.settings.orderChoice != OrderChoice::kFixed || options_.ordersOnly;
@@ -74,6 +80,7 @@ void RequestRun::addImport(std::size_t run) {
 void RequestRun::fail(const WorkOutcome& work, const std::string& what) {
   failed_ = true;
   outcome_.failures.push_back(fmt::format("{}: {}", what, work.message));
+  progress_.fail(outcome_.failures.back());
   outcome_.inputProblem = outcome_.inputProblem || work.inputProblem;
   if (options_.stopOnFirstCrash) pool_.cancelWaiting();
 }
@@ -129,7 +136,13 @@ bool RequestRun::keep(std::size_t region) {
 void RequestRun::addReferences() {
   // In a data set of many participants a warning says whose it is.
   const std::string begin = options_.datasetFolder.empty() ? "" : plan_.request.title + ": ";
-  for (const std::string& caution : plan_.cautions) outcome_.cautions.push_back(begin + caution);
+  const auto say = [&](const std::string& caution) {
+    const auto& said = outcome_.cautions;
+    if (std::find(said.begin(), said.end(), begin + caution) == said.end())
+      outcome_.cautions.push_back(begin + caution);
+  };
+  for (const std::string& caution : plan_.cautions) say(caution);
+  for (const Region& region : plan_.regions) std::for_each(region.notes.begin(), region.notes.end(), say);
   std::vector<std::size_t> all;
   for (std::size_t i = 0; i < plan_.regions.size(); ++i) all.push_back(i);
   if (plan_.request.settings.method == Method::kCalibrated) {
@@ -168,6 +181,12 @@ void RequestRun::addReferenceJob(const std::vector<std::size_t>& regions) {
       [this, regions](const WorkOutcome& done) { settleResults(regions, done); }, isTriedInParts(regions));
 }
 
+void RequestRun::settle(ReferenceOutcome reference) {
+  if (!reference.done)
+    progress_.fail(fmt::format("{}: {}: {}", reference.request, reference.reference, reference.message));
+  outcome_.references.push_back(std::move(reference));
+}
+
 // The others of a worker that failed get one each where the method lets them go on alone.
 bool RequestRun::isTriedInParts(const std::vector<std::size_t>& regions) const {
   const bool alone = regions.size() == 1 || plan_.request.settings.method == Method::kPlugin;
@@ -189,7 +208,7 @@ void RequestRun::settleResults(const std::vector<std::size_t>& regions, const Wo
     } else if (work.done) {
       reference.message = "its files are missing";
     }
-    outcome_.references.push_back(std::move(reference));
+    settle(std::move(reference));
   }
   outcome_.inputProblem = outcome_.inputProblem || (work.inputProblem && !retry);
   if (!work.done && options_.stopOnFirstCrash) pool_.cancelWaiting();

@@ -19,7 +19,7 @@ class RequestRun {
  public:
   // All but the plan must outlive the pool's run.
   RequestRun(StudyPlan plan, const StudyOptions& options, WorkerPool& pool, StudyFolders& folders,
-             StudyOutcome& outcome);
+             StudyOutcome& outcome, ProgressBar& progress);
 
   // Adds what can be done at once to the pool; the rest follows when that is finished. Throws
   // formats::FileError.
@@ -40,6 +40,7 @@ class RequestRun {
   static std::vector<std::vector<std::size_t>> sharedOut(const std::vector<std::size_t>& regions, int jobs);
   void addReferenceJob(const std::vector<std::size_t>& regions);
   void fail(const WorkOutcome& work, const std::string& what);
+  void settle(ReferenceOutcome reference);
   bool keep(std::size_t region);
   void settleResults(const std::vector<std::size_t>& regions, const WorkOutcome& work);
 
@@ -48,6 +49,7 @@ class RequestRun {
   WorkerPool& pool_;
   StudyFolders& folders_;
   StudyOutcome& outcome_;
+  ProgressBar& progress_;
   std::size_t importsLeft_ = 0;
   bool failed_ = false;
 };

@@ -9,6 +9,7 @@
 #include "formats/nifti.h"
 #include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
+#include "request/problem.h"
 #include "results/cluster_table.h"
 #include "results/course_table.h"
 #include "results/family_wise_findings.h"
@@ -17,7 +18,9 @@
 #include "results/record_json.h"
 #include "study/direction_check.h"
 #include "study/label_map.h"
+#include "study/nothing_computed.h"
 #include "study/reference_job.h"
+#include "study/result_inputs.h"
 #include "tav/tav.h"
 
 namespace study {
@@ -71,9 +74,10 @@ double engineShare(const Settings& settings) {
 }  // namespace
 
 ResultWriter::ResultWriter(const StudyPlan& plan, const std::vector<std::size_t>& regions,
-                           std::function<void(double)> progress)
+                           const std::vector<UsableRegion>& usable, std::function<void(double)> progress)
     : plan_(plan),
       regions_(regions),
+      usable_(usable),
       progress_(std::move(progress)),
       header_(formats::readImageHeader(plan.runs[0].request.bold.string())),
       staging_(plan.request.output.folder, plan.request.output.prefix, plan.regionLabels[regions[0]]),
@@ -99,8 +103,15 @@ OutputNames ResultWriter::names() const {
 }
 
 ResultContext ResultWriter::context() const {
-  return {plan_.request, plan_.runs,  plan_.version,
-          plan_.seed,    plan_.order, cautionsOf(plan_, region(), result_.warnings)};
+  const Region& own = usable().region;
+  return {plan_.request,
+          plan_.runs,
+          plan_.version,
+          plan_.seed,
+          plan_.order,
+          cautionsOf(plan_, region(), result_.warnings),
+          referenceSource(plan_.request, own),
+          resultInputs(plan_, own)};
 }
 
 void ResultWriter::onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) {
@@ -115,6 +126,7 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   ConditionResult condition = emptyResult(plan_.conditions[index]);
   condition.surrogatesIllDefined = outcome.counts.surrogatesIllDefined;
   writeStatus(outcome, plan_.conditionLabels[index], condition);
+  requireComputed(index, condition);
   for (const tav::MapOutcome& map : outcome.maps) {
     MapResult& written = condition.maps.emplace_back(writeMap(map, plan_.conditionLabels[index]));
     const auto nulls = outcome.familyWise.find(map.type);
@@ -169,7 +181,7 @@ void ResultWriter::writeImage(const std::string& file, const std::string& descri
 
 void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                                ConditionResult& condition) {
-  const std::vector<std::uint8_t> inside = insideRegion(plan_.regions[region()], plan_.runs[0].grid);
+  const std::vector<std::uint8_t> inside = insideRegion(usable().region, plan_.runs[0].grid);
   codes_.resize(outcome.status.size());
   for (std::size_t i = 0; i < codes_.size(); ++i) {
     const bool inMask = plan_.space.mask.empty() || plan_.space.mask[i];
@@ -202,6 +214,14 @@ void ResultWriter::writePassing(const tav::ConditionOutcome& outcome, const std:
     condition.clustersFile = names().clusters(label);
   }
   if (!condition.clustersFile.empty()) writeText(condition.clustersFile, table.text());
+}
+
+void ResultWriter::requireComputed(std::size_t index, const ConditionResult& condition) const {
+  if (condition.statusCounts[static_cast<std::size_t>(StatusCode::kComputed)] > 0) return;
+  std::vector<ConditionRun> runs = conditionRuns(plan_, region(), index, courses_);
+  throw InputError(fmt::format("reference '{}', condition '{}': no voxel could be computed: {}",
+                               usable().region.name, condition.name,
+                               whyNothingIsComputed(runs, codes_, condition.effectiveVolumes, plan_.order)));
 }
 
 // What the same series say beside the maps: where data mislead, and which directions are supported.
@@ -272,14 +292,15 @@ void ResultWriter::writeCourses(const OutputNames& names) {
     const auto found = courses_.find({plan_.regions[region()].name, run.vtcName});
     const auto sidecar = formats::readVtcSidecar((plan_.workFolder / run.vtcName).string());
     columns.push_back({run.request.name, run.volumes.volumes, run.volumes.dropped,
-                       sidecar ? sidecar->shift : 0, found == courses_.end() ? nullptr : &found->second});
+                       sidecar ? sidecar->shift : 0, found == courses_.end() ? nullptr : &found->second,
+                       sidecar ? sidecar->scale : 1});
   }
   writeText(names.courses(), courseTable(columns));
   writeJson(OutputNames::sidecarOf(names.courses()),
             {{"Description", fmt::format("mean time course of {} after preparation, one column per run, one "
                                          "row per volume of the stored image",
                                          plan_.regions[region()].name)},
-             {"ReferenceVoxels", plan_.regions[region()].voxels()},
+             {"ReferenceVoxels", usable().region.voxels()},
              {"SoftwareVersion", plan_.version}});
 }
 
@@ -289,9 +310,10 @@ void ResultWriter::writeLog() const {
 
 void ResultWriter::onVoi(const tav::TAV_VOI_Pars& voi) {
   result_.name = voi.name;
-  result_.voxels = plan_.regions[region()].voxels();
+  result_.voxels = usable().region.voxels();
   result_.seed = seedOf(plan_, region());
-  result_.warnings = warnings_.texts();
+  result_.warnings = usable().notes;
+  for (std::string& text : warnings_.texts()) result_.warnings.push_back(std::move(text));
   warnings_ = {};
   writeSidecars();
   writeCourses(names());

@@ -12,16 +12,17 @@
 #include "study/data_warnings.h"
 #include "study/file_store.h"
 #include "study/study_plan.h"
+#include "study/usable_region.h"
 #include "tav/run_observer.h"
 
 namespace study {
 
 class ResultWriter : public tav::RunObserver {
  public:
-  // regions: indices into the plan, in the order in which the engine computes them. All arguments
-  // must outlive the writer. progress receives 0 to 1.
+  // regions: indices into the plan, in the order in which the engine computes them; usable: the voxels of
+  // each that it averages. All arguments must outlive the writer. progress receives 0 to 1.
   ResultWriter(const StudyPlan& plan, const std::vector<std::size_t>& regions,
-               std::function<void(double)> progress);
+               const std::vector<UsableRegion>& usable, std::function<void(double)> progress);
 
   // Where the engine puts its maps: files of the staging folder.
   tav::MapStore& store() { return store_; }
@@ -29,12 +30,14 @@ class ResultWriter : public tav::RunObserver {
   void onProgress(int percent) override;
   void onNullMaps(int percent) override;
   void onReferences(const std::vector<std::unique_ptr<tav::VoiTc>>& voiTcs) override;
+  // Throws InputError, saying why, for a condition without a computed voxel.
   void onCondition(const tav::ConditionOutcome& outcome) override;
   // Writes the rest and publishes everything.
   void onVoi(const tav::TAV_VOI_Pars& voi) override;
 
  private:
   [[nodiscard]] std::size_t region() const { return regions_[current_]; }
+  [[nodiscard]] const UsableRegion& usable() const { return usable_[current_]; }
   [[nodiscard]] OutputNames names() const;
   [[nodiscard]] ResultContext context() const;
   MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
@@ -45,6 +48,7 @@ class ResultWriter : public tav::RunObserver {
                    ConditionResult& condition);
   void writePassing(const tav::ConditionOutcome& outcome, const std::string& label,
                     ConditionResult& condition);
+  void requireComputed(std::size_t index, const ConditionResult& condition) const;
   void lookAtData(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
   void writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
                        std::vector<ConditionRun>& runs, ConditionResult& condition);
@@ -58,6 +62,7 @@ class ResultWriter : public tav::RunObserver {
 
   const StudyPlan& plan_;
   const std::vector<std::size_t>& regions_;
+  const std::vector<UsableRegion>& usable_;
   std::function<void(double)> progress_;
   int conditionsDone_ = 0;
   std::size_t current_ = 0;  // index into regions_

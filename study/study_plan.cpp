@@ -7,6 +7,7 @@
 #include "prepare/cautions.h"
 #include "prepare/fingerprint.h"
 #include "prepare/region_files.h"
+#include "prepare/value_size.h"
 #include "request/settings_table.h"
 #include "results/output_names.h"
 #include "study/name_checks.h"
@@ -63,10 +64,33 @@ void planRuns(StudyPlan& plan) {
   planAll();
 }
 
+// The plug-in takes values as they are.
+void scaleRuns(StudyPlan& plan) {
+  if (plan.request.settings.method == Method::kPlugin) return;
+  const int threshold = plan.request.settings.inclusionThreshold;
+  std::vector<ValueSize> sizes;
+  for (const RunPlan& run : plan.runs) sizes.push_back(sizeOfValues(run, threshold));
+  const double scale = commonScale(sizes, threshold);
+  for (RunPlan& run : plan.runs) setScale(run, scale);
+}
+
+bool usesEvents(const Request& request, const std::string& run) {
+  return std::any_of(request.conditions.begin(), request.conditions.end(),
+                     [&](const ConditionRequest& condition) {
+                       return condition.kind == IntervalKind::kEvents &&
+                              std::any_of(condition.parts.begin(), condition.parts.end(),
+                                          [&](const ConditionPart& part) { return part.source == run; });
+                     });
+}
+
 void collectCautions(StudyPlan& plan) {
   for (const RunPlan& run : plan.runs) {
     plan.cautions.insert(plan.cautions.end(), run.cautions.begin(), run.cautions.end());
+    if (!run.eventsCaution.empty() && usesEvents(plan.request, run.request.name))
+      plan.cautions.push_back(run.eventsCaution);
   }
+  const std::string masks = mixedMasksCaution(plan.request.runs, plan.request.settings.inclusionThreshold);
+  if (!masks.empty()) plan.cautions.push_back(masks);
 }
 
 // The plug-in's procedure does not count what regression costs.
@@ -127,6 +151,7 @@ StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::strin
   plan.seed = seed;
   planRuns(plan);
   requireOneGrid(plan.runs);
+  scaleRuns(plan);
   plan.space = regionSpace(plan.runs, request.settings.method);
   plan.regions = readRegions(plan.request, plan.space);
   plan.places = readPlaceNames(plan.request, plan.space.grid);

@@ -33,8 +33,8 @@ struct StudyPlan {
   std::vector<std::string> conditionLabels;
 };
 
-// Looks at every file of the request but reads no time series. Throws InputError and
-// formats::FileError.
+// Looks at every file of the request but reads no time series, only the first volumes of each. Throws
+// InputError and formats::FileError.
 [[nodiscard]] StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::string& version);
 
 // Plans the conditions for an order and adds their cautions. May be called again for another order.

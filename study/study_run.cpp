@@ -75,7 +75,7 @@ void collectWarnings(const StudyOptions& options, StudyOutcome& outcome) {
 }
 
 void failInput(const std::string& failure, StudyOutcome& outcome, ProgressBar& progress) {
-  progress.say("FAILED: " + failure);
+  progress.fail(failure);
   outcome.failures.push_back(failure);
   outcome.inputProblem = true;
 }
@@ -142,7 +142,7 @@ StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& 
   WorkerPool pool(options.jobs, &progress);  // ends its workers before the folders are swept
   std::vector<std::unique_ptr<RequestRun>> runs;
   for (const StudyPlan& plan : plans) {
-    runs.push_back(std::make_unique<RequestRun>(plan, options, pool, folders, outcome));
+    runs.push_back(std::make_unique<RequestRun>(plan, options, pool, folders, outcome, progress));
     runs.back()->start();
     if (!options.ordersOnly) writeDescription(plan.request, options, folders);
   }

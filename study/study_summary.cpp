@@ -68,7 +68,7 @@ bool isAnyDirectionTested(const StudyOutcome& outcome) {
 void printReference(const ReferenceOutcome& reference, std::ostream& out) {
   out << reference.reference << (reference.kept ? " (finished before, kept)" : "") << "\n";
   if (!reference.done) {
-    out << "  FAILED: " << reference.message << "\n";
+    out << "  not computed: " << reference.message << "\n";
     return;
   }
   for (const ConditionRecord& condition : reference.record.conditions) {
@@ -97,7 +97,7 @@ void printSummary(const StudyOutcome& outcome, std::ostream& out) {
     printReferences(outcome, out);
   if (isAnyDirectionTested(outcome)) out << "NOTE: " << kDirectionNote << "\n";
   for (const std::string& caution : outcome.cautions) out << "WARNING: " << caution << "\n";
-  for (const std::string& failure : outcome.failures) out << "FAILED: " << failure << "\n";
+  for (const std::string& failure : outcome.failures) out << "not computed: " << failure << "\n";
 }
 
 Json summaryJson(const StudyOutcome& outcome, const std::string& version) {

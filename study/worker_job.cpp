@@ -3,18 +3,21 @@
 #include <fmt/core.h>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include "formats/atomic_file.h"
 #include "prepare/prepare.h"
+#include "prepare/value_size.h"
 #include "request/problem.h"
 #include "request/request_file.h"
 #include "request/request_text.h"
 #include "study/engine_request.h"
 #include "study/order_evidence.h"
 #include "study/reference_job.h"
+#include "study/usable_region.h"
 
 namespace study {
 namespace {
@@ -39,7 +42,7 @@ std::vector<std::string> keysOf(const StudyPlan& plan, const std::vector<std::si
 }
 
 WorkerJob jobOf(const StudyPlan& plan, Work work, std::vector<std::size_t> items) {
-  WorkerJob job{work, plan.version, std::move(items), plan.order, {}, withoutLines(plan.request)};
+  WorkerJob job{work, plan.version, std::move(items), plan.order, 1, {}, withoutLines(plan.request)};
   job.request.seed = plan.seed;
   return job;
 }
@@ -59,7 +62,8 @@ Work workNamed(const std::string& name) {
 void importRun(const WorkerJob& job, const std::function<void(double)>& progress) {
   const Request& request = job.request;
   if (job.items.at(0) >= request.runs.size()) failChanged(request);
-  const RunPlan run = planRun(request.runs[job.items[0]], request.settings.inclusionThreshold, job.version);
+  RunPlan run = planRun(request.runs[job.items[0]], request.settings.inclusionThreshold, job.version);
+  setScale(run, job.scale);
   if (job.expected != std::vector<std::string>{run.vtcName}) failChanged(request);
   prepareRun(run, request.output.workFolder, request.settings.inclusionThreshold, progress);
 }
@@ -75,8 +79,9 @@ StudyPlan planAgain(const WorkerJob& job) {
 }
 
 std::string orderEvidence(const StudyPlan& plan) {
+  const std::vector<UsableRegion> usable = usableRegions(plan, allRegions(plan));
   std::vector<const Region*> regions;
-  for (const Region& region : plan.regions) regions.push_back(&region);
+  for (const UsableRegion& one : usable) regions.push_back(&one.region);
   const Settings& settings = plan.request.settings;
   const tav::TAV_Pars pars =
       engineRequest(settings, settings.maxOrder, plan.runs, plan.conditions, regions, "");
@@ -101,6 +106,12 @@ std::vector<std::size_t> wholeNumbers(const Json& list) {
   return numbers;
 }
 
+double powerOfTwo(const Json& value) {
+  int exponent = 0;
+  if (value.is_number() && std::frexp(value.get<double>(), &exponent) == 0.5) return value.get<double>();
+  throw Json::type_error::create(302, "a power of two is expected", &value);
+}
+
 // What the head says; throws Json::exception when an entry is missing or of the wrong type.
 WorkerJob parseHead(const std::string& line) {
   const Json head = Json::parse(line);
@@ -109,6 +120,7 @@ WorkerJob parseHead(const std::string& line) {
   job.work = workNamed(head.at("Work").get<std::string>());
   job.items = wholeNumbers(head.at("Items"));
   job.order = wholeNumber<int>(head.at("Order"));
+  if (head.contains("Scale")) job.scale = powerOfTwo(head["Scale"]);
   job.expected = head.at("Expected").get<std::vector<std::string>>();
   return job;
 }
@@ -117,6 +129,7 @@ WorkerJob parseHead(const std::string& line) {
 
 WorkerJob importJob(const StudyPlan& plan, std::size_t run) {
   WorkerJob job = jobOf(plan, Work::kImport, {run});
+  job.scale = plan.runs[run].scale;
   job.expected = {plan.runs[run].vtcName};
   return job;
 }
@@ -139,6 +152,7 @@ std::string jobText(const WorkerJob& job) {
   head["Work"] = kWorkNames[static_cast<std::size_t>(job.work)];
   head["Items"] = job.items;
   head["Order"] = job.order;
+  if (job.scale != 1) head["Scale"] = job.scale;
   head["Expected"] = job.expected;
   return fmt::format("{}\n{}", head.dump(), requestText(job.request));
 }

@@ -23,6 +23,7 @@ struct WorkerJob {
   std::string version;                // of the program that planned it
   std::vector<std::size_t> items;     // the run to import; the references; from 0
   int order = 0;                      // of the model, for references
+  double scale = 1;                   // of the run to import, a power of two
   std::vector<std::string> expected;  // the import's name, or keys of the results
   Request request;
 };

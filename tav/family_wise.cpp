@@ -96,7 +96,7 @@ class Chunks {
     buffer_.resize(results.cells().size());
     results.forEachDraw([&](std::size_t draw, const RawValues& raw) {
       for (auto& [type, maxima] : familyWise_) {
-        computeMapValues(type, raw, request_, buffer_.data());
+        computeMapValues(nullKindOf(type), raw, request_, buffer_.data());
         for (const std::size_t i : out) buffer_[i] = 0;
         maxima.take(first + draw, results.cells(), buffer_.data());
       }
@@ -122,11 +122,15 @@ class Chunks {
 
 }  // namespace
 
+MapType nullKindOf(MapType type) {
+  return type == DTAV_IT ? DTAV : type;
+}
+
 std::map<MapType, float> clusterFormingLevels(const std::vector<RawValues>& nulls, const TAV_Pars& request) {
   std::map<MapType, float> levels;
   for (const MapType type : request.mapTypes) {
     if (type == DTAV_RC) continue;
-    const ComputedMap map(type, nulls, request);
+    const ComputedMap map(nullKindOf(type), nulls, request);
     std::vector<float> sample = map.every(std::max<std::size_t>(1, map.size() / kMostSampled));
     std::erase_if(sample, [](float value) { return value == 0 || !std::isfinite(value); });
     if (sample.empty()) continue;

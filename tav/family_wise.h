@@ -20,6 +20,11 @@ namespace tav {
 // The share of null values at or above the level from which clusters form.
 inline constexpr double kClusterFormingP = 0.001;
 
+// The kind whose null maps a map of this kind is held against: its own, but DTAV's for DTAV_IT. That map has
+// values where INST is large. A voxel may be related to the reference without delay; no surrogate is, so that
+// their own maps are nearly empty and any value of the observed one would stand out.
+[[nodiscard]] MapType nullKindOf(MapType type);
+
 // The cluster-forming level of each kind: the magnitude that kClusterFormingP of the non-zero null values
 // reach, from a sample of at most some hundred thousand of them.
 [[nodiscard]] std::map<MapType, float> clusterFormingLevels(const std::vector<RawValues>& nulls,

@@ -259,11 +259,11 @@ TEST_F(BidsCommand, AParticipantWithoutATableFailsAloneAndIsNamed) {
   const std::string failure = "FAILED: sub-01_task-blocks_space-MNI: ";
   ProgramResult result = run({"--labels", "A", "--confounds", "csf", "--stop-on-first-crash"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_NE(result.out.find(failure), std::string::npos) << result.out;
+  EXPECT_NE(result.err.find(failure), std::string::npos) << result.err;
   EXPECT_FALSE(fs::exists(second));
   result = run({"--labels", "A", "--confounds", "csf"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_NE(result.out.find(failure), std::string::npos) << result.out;
+  EXPECT_NE(result.err.find(failure), std::string::npos) << result.err;
   EXPECT_NE(result.out.find(
                 "_run-2_space-MNI_desc-preproc_bold.nii.gz: no *_desc-confounds_timeseries.tsv beside it"),
             std::string::npos)
@@ -278,7 +278,7 @@ TEST_F(BidsCommand, ParticipantsWithoutEventsAreAllNamed) {
   const ProgramResult result = run({"--labels", "A", "--trial-types", "face"});
   EXPECT_EQ(result.exitCode, 1);
   for (const char* begin : {"FAILED: sub-01_task-blocks", "FAILED: sub-02_task-blocks"})
-    EXPECT_NE(result.out.find(begin), std::string::npos) << result.out;
+    EXPECT_NE(result.err.find(begin), std::string::npos) << result.err;
   EXPECT_NE(result.out.find("no events file in the data set, which condition 'face' needs"),
             std::string::npos);
 }

@@ -23,6 +23,10 @@ using calibration::Orders;
 constexpr double kQs[] = {0.01, 0.05, 0.1};
 const std::vector<Orders> kOrders = {Orders::kFixed, Orders::kChosen};
 const char* const kOrderNames[] = {"1", "bic"};
+// With the default number of whole maps, which take most of the time: few cells, models of order 1.
+const char* const kFamilyWiseCells[] = {"ar6", "pink", "haemo-2-300-noise", "jump", "field", "confounds36"};
+constexpr int kWholeMaps = 1000;
+const std::string kFamilyWise = "fwe-";  // before the name of a cell
 const char* const kScanCells[] = {"scan-shifted", "scan-phases", "scan-signs"};
 constexpr int kMostScanReferences = 60;
 
@@ -30,6 +34,8 @@ std::vector<std::string> cellNames() {
   std::vector<std::string> names;
   for (const CellSetting& cell : calibration::nullCells()) names.push_back(cell.name);
   for (const CellSetting& cell : calibration::drivenCells()) names.push_back(cell.name);
+  for (const char* name : kFamilyWiseCells) names.push_back(kFamilyWise + name);
+  for (const char* name : kScanCells) names.push_back(kFamilyWise + name);
   names.emplace_back("direction");
   for (const char* name : kScanCells) names.emplace_back(name);
   return names;
@@ -90,12 +96,39 @@ unsigned firstSeedOf(const std::string& name) {
 }
 
 // False when there is no such cell.
+void printFamilyWise(const std::string& cell, const std::string& words, int volumes, double tr, int sets,
+                     const calibration::FamilyWiseRates& rates) {
+  for (const auto& [type, rate] : rates)
+    std::printf("family\t%s\t%s\t%d\t%g\t%s\t%d\t%.6f\t%.6f\n", cell.c_str(), words.c_str(), volumes, tr,
+                nameOf(type), sets, rate.voxels.mean(), rate.clusters.mean());
+}
+
+bool printFamilyWise(const std::string& cell, int sets, unsigned seed, const std::string& scanFolder) {
+  for (const CellSetting& setting : calibration::nullCells()) {
+    if (setting.name != cell) continue;
+    printFamilyWise(cell, setting.words, setting.volumes, setting.trSeconds, sets,
+                    calibration::measureFamilyWise(setting, sets, seed, kWholeMaps));
+    return true;
+  }
+  for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind) {
+    if (cell != kScanCells[kind]) continue;
+    const int references = std::min(sets, kMostScanReferences);
+    printFamilyWise(cell, "", 0, 0, references,
+                    calibration::measureScanFamilyWise(scanFolder, static_cast<calibration::Unrelated>(kind),
+                                                       references, seed, kWholeMaps));
+    return true;
+  }
+  return false;
+}
+
 bool printCell(const std::string& name, int sets, const std::string& scanFolder) {
   const unsigned seed = firstSeedOf(name);
   for (const CellSetting& cell : calibration::nullCells())
     if (cell.name == name) return printNull(cell, sets, seed), true;
   for (const CellSetting& cell : calibration::drivenCells())
     if (cell.name == name) return printDriven(cell, sets, seed), true;
+  if (name.starts_with(kFamilyWise))
+    return printFamilyWise(name.substr(kFamilyWise.size()), sets, seed, scanFolder);
   if (name == "direction") return printDirection(sets, seed), true;
   for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind)
     if (name == kScanCells[kind])

@@ -76,6 +76,24 @@ std::vector<AnyRates> measureAny(const CellSetting& setting, int sets, unsigned 
   return rates;
 }
 
+void addFamilyWise(const std::vector<FoundMap>& maps, FamilyWiseRates& rates) {
+  for (const FoundMap& map : maps) {
+    rates[map.type].voxels.add(map.anyFamilyWise ? 1 : 0);
+    rates[map.type].clusters.add(map.anyCluster ? 1 : 0);
+  }
+}
+
+FamilyWiseRates measureFamilyWise(const CellSetting& setting, int sets, unsigned firstSeed, int draws) {
+  FamilyWiseRates rates;
+  for (int set = 0; set < sets; ++set) {
+    const CellData data(setting, firstSeed + static_cast<unsigned>(set));
+    LibraryRun run(data.requestText(), data.folder());
+    addFamilyWise(run.compute(setting.order, [&](tav::RunOptions& options) { options.fweDraws = draws; }),
+                  rates);
+  }
+  return rates;
+}
+
 PowerComparison comparePower(const CellSetting& setting, int sets, unsigned firstSeed,
                              const std::function<void(tav::RunOptions&)>& change) {
   PowerComparison comparison;

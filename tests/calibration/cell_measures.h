@@ -28,6 +28,16 @@ void addAny(const std::vector<FoundMap>& maps, AnyRates& rates);
                                                const std::vector<Orders>& orders,
                                                const std::function<void(tav::RunOptions&)>& change = nullptr);
 
+// By map: whether any voxel, and any cluster, has a family-wise p of .05 or less.
+struct FamilyRates {
+  Mean voxels, clusters;
+};
+using FamilyWiseRates = std::map<tav::MapType, FamilyRates>;
+void addFamilyWise(const std::vector<FoundMap>& maps, FamilyWiseRates& rates);
+// Models of the setting's order, whole maps of so many surrogates.
+[[nodiscard]] FamilyWiseRates measureFamilyWise(const CellSetting& setting, int sets, unsigned firstSeed,
+                                                int draws);
+
 // Of lagged influence of the reference on voxels, at one q.
 struct PowerRates {
   Mean power, falseShare;

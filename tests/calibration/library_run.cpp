@@ -1,12 +1,15 @@
 #include "tests/calibration/library_run.h"
 
 #include <cmath>
+#include <cstdint>
 #include <numeric>
 #include <sstream>
 #include <stdexcept>
 
 #include "prepare/prepare.h"
 #include "request/request_file.h"
+#include "results/family_wise_findings.h"
+#include "results/map_findings.h"
 #include "study/engine_request.h"
 #include "study/order_evidence.h"
 #include "study/reference_job.h"
@@ -18,11 +21,15 @@ namespace {
 // Keeps the maps of every reference.
 class Keeper : public tav::RunObserver {
  public:
+  explicit Keeper(const study::StudyPlan& plan) : plan_(plan) {}
+
   void onCondition(const tav::ConditionOutcome& outcome) override {
     for (const tav::MapOutcome& map : outcome.maps) {
       if (map.thresholds.empty()) continue;
       found_.push_back(
           {reference_, map.type, {map.values, map.values + outcome.status.size()}, map.thresholds});
+      const auto nulls = outcome.familyWise.find(map.type);
+      if (nulls != outcome.familyWise.end()) judge({map.values, codesOf(outcome), nulls->second});
     }
   }
   void onVoi(const tav::TAV_VOI_Pars& /*voi*/) override { ++reference_; }
@@ -30,6 +37,27 @@ class Keeper : public tav::RunObserver {
   [[nodiscard]] std::vector<FoundMap> take() { return std::move(found_); }
 
  private:
+  [[nodiscard]] std::vector<std::uint8_t> codesOf(const tav::ConditionOutcome& outcome) const {
+    const auto& coordinates = plan_.regions[reference_].coordinates;
+    std::vector<bool> inReference(outcome.status.size(), false);
+    for (std::size_t i = 0; i + 2 < coordinates.size(); i += 3)
+      inReference[grid().size.index(coordinates[i], coordinates[i + 1], coordinates[i + 2])] = true;
+    std::vector<std::uint8_t> codes;
+    for (std::size_t i = 0; i < outcome.status.size(); ++i)
+      codes.push_back(static_cast<std::uint8_t>(study::statusOf(outcome.status[i], true, inReference[i])));
+    return codes;
+  }
+  void judge(const study::JudgedMap& map) {
+    const auto result = study::familyWiseResult(map, study::clustersOf(map, grid()), grid(), {});
+    for (const study::FamilyWiseLevel& level : result.levels) {
+      if (level.alpha != study::kFamilyWiseAlpha) continue;
+      found_.back().anyFamilyWise = level.voxelsPassing > 0;
+      found_.back().anyCluster = level.clustersPassing > 0;
+    }
+  }
+  [[nodiscard]] const study::Grid& grid() const { return plan_.runs[0].grid; }
+
+  const study::StudyPlan& plan_;
   std::size_t reference_ = 0;
   std::vector<FoundMap> found_;
 };
@@ -72,7 +100,7 @@ std::vector<FoundMap> LibraryRun::compute(int order, const std::function<void(ta
   tav::RunOptions options = study::referenceOptions(plan_, all);
   options.fweDraws = 0;  // the false discovery rate alone is measured, and whole maps take most of the time
   if (change) change(options);
-  Keeper keeper;
+  Keeper keeper(plan_);
   std::ostringstream errors;
   tav::Computer computer(options, &keeper);
   if (computer.computeTAVs(pars, errors) != tav::kSuccess) throw std::runtime_error(errors.str());

@@ -20,6 +20,8 @@ struct FoundMap {
   tav::MapType type;
   std::vector<float> values;                  // x fastest
   std::vector<tav::MapThreshold> thresholds;  // by ascending q; passing voxels outside the reference
+  // Whether any voxel, and any cluster, outside the reference has a family-wise p of .05 or less.
+  bool anyFamilyWise = false, anyCluster = false;
 
   // Whether the voxel, which is not the reference's, reaches threshold i.
   [[nodiscard]] bool passes(std::size_t voxel, std::size_t i) const;

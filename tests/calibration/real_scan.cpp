@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <optional>
 #include <stdexcept>
 
 #include "direction/fourier.h"
@@ -146,6 +147,18 @@ std::string requestFor(const Scan& scan, const std::vector<std::size_t>& places,
   return text + "[[condition]]\nname = 'whole'\nwhole_run = true\npairs = [['references', 'scan']]\n";
 }
 
+// The scan with its references, imported.
+struct ScanRun {
+  ScanRun(const fs::path& folder, Unrelated kind, int references, unsigned seed) : scan(readScan(folder)) {
+    const auto places = placesIn(scan, references);
+    writeReferences(scan, kind, places, seed, scratch.folder() / "references.nii");
+    run.emplace(requestFor(scan, places, fs::absolute(folder), seed), scratch.folder());
+  }
+  Scan scan;
+  Scratch scratch;
+  mutable std::optional<LibraryRun> run;
+};
+
 ScanRates ratesOf(const std::vector<FoundMap>& maps, const Scan& scan) {
   ScanRates rates;
   addAny(maps, rates.any);
@@ -161,17 +174,22 @@ ScanRates ratesOf(const std::vector<FoundMap>& maps, const Scan& scan) {
 
 }  // namespace
 
+FamilyWiseRates measureScanFamilyWise(const fs::path& folder, Unrelated kind, int references, unsigned seed,
+                                      int draws) {
+  const ScanRun made(folder, kind, references, seed);
+  FamilyWiseRates rates;
+  addFamilyWise(made.run->compute(1, [&](tav::RunOptions& options) { options.fweDraws = draws; }), rates);
+  return rates;
+}
+
 std::vector<ScanRates> measureScan(const fs::path& folder, Unrelated kind, int references, unsigned seed,
                                    const std::vector<Orders>& orders) {
-  const Scan scan = readScan(folder);
-  const Scratch scratch;
-  const auto places = placesIn(scan, references);
-  writeReferences(scan, kind, places, seed, scratch.folder() / "references.nii");
-  LibraryRun run(requestFor(scan, places, fs::absolute(folder), seed), scratch.folder());
+  const ScanRun made(folder, kind, references, seed);
   std::vector<ScanRates> rates;
-  for (const Orders order : orders)
-    rates.push_back(
-        ratesOf(run.compute(order == Orders::kFixed ? 1 : run.orderBy(study::OrderChoice::kBic)), scan));
+  for (const Orders order : orders) {
+    const int used = order == Orders::kFixed ? 1 : made.run->orderBy(study::OrderChoice::kBic);
+    rates.push_back(ratesOf(made.run->compute(used), made.scan));
+  }
   return rates;
 }
 

@@ -58,6 +58,21 @@ TEST(EventsProtocol, PassesOverRowsWithoutOnsetOrType) {
   EXPECT_EQ(p.conditions[0].intervals, (Intervals{{9000, 9000}}));
 }
 
+TEST(EventsProtocol, TellsOfEveryRowThatIsNotWhatItSeems) {
+  using formats::RowFlaw;
+  const Protocol p =
+      parse("onset\tduration\ttrial_type\nn/a\t1\ta\n5\t1\tn/a\n9\tn/a\ta\n-8\t2\ta\n-8\t9\ta\n10\t1\tb\n");
+  EXPECT_EQ(p.flawed, (std::vector<formats::FlawedRow>{{RowFlaw::kNoOnset, 2},
+                                                       {RowFlaw::kNoType, 3},
+                                                       {RowFlaw::kNoDuration, 4},
+                                                       {RowFlaw::kBeforeStart, 5}}));
+}
+
+TEST(EventsProtocol, JoinsNothingWithANegativeTr) {
+  EXPECT_EQ(parse("onset\tduration\ttrial_type\n0\t10\ta\n2\t1\ta\n", -1e9).conditions[0].intervals,
+            (Intervals{{0, 10000}, {2000, 3000}}));
+}
+
 TEST(EventsProtocol, CutsWhatLiesBeforeTheFirstVolume) {
   const Protocol p = parse("onset\tduration\ttrial_type\n-9\t1\ta\n-2\t5\ta\n");
   EXPECT_EQ(p.conditions[0].intervals, (Intervals{{0, 3000}}));

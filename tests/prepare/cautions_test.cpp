@@ -58,5 +58,36 @@ TEST(Cautions, SingleVoxelReferences) {
             "reference 'V1' has a single voxel; its course is as noisy as any voxel's");
 }
 
+TEST(EventsCaution, CountsAndNamesFlawedRows) {
+  using formats::RowFlaw;
+  RunRequest run;
+  run.name = "a";
+  run.events = "/d/events.tsv";
+  EXPECT_EQ(eventsCaution(run, {}), "");
+  EXPECT_EQ(eventsCaution(run, {{RowFlaw::kNoDuration, 3}}),
+            "run 'a': of the events in events.tsv, 1 without duration taken as one volume (line 3)");
+  std::vector<formats::FlawedRow> rows = {{RowFlaw::kNoType, 2}, {RowFlaw::kBeforeStart, 3}};
+  for (std::size_t line = 4; line < 15; ++line) rows.push_back({RowFlaw::kNoOnset, line});
+  EXPECT_EQ(
+      eventsCaution(run, rows),
+      "run 'a': of the events in events.tsv, 11 without onset left out (lines 4, 5, 6, 7, 8, 9, 10, 11, "
+      "12, 13 ...), 1 without trial type left out (line 2), 1 left out that ended before the first volume "
+      "(line 3)");
+}
+
+TEST(MixedMasksCaution, NamesRunsWithAndWithout) {
+  std::vector<RunRequest> runs(3);
+  runs[0].name = "a", runs[1].name = "b", runs[2].name = "c";
+  EXPECT_EQ(mixedMasksCaution(runs, 100), "");
+  runs[0].mask = runs[2].mask = "mask.nii";
+  EXPECT_EQ(
+      mixedMasksCaution(runs, 50),
+      "run 'b' has no mask, but run 'a', 'c' has one: where there is none, a voxel counts when its first "
+      "value exceeds the inclusion threshold of 50, and only voxels that every run includes are mapped; "
+      "give every run a mask");
+  runs[1].mask = "other.nii";
+  EXPECT_EQ(mixedMasksCaution(runs, 50), "");
+}
+
 }  // namespace
 }  // namespace study

@@ -67,5 +67,26 @@ TEST_F(Sidecar, AnUnknownRepetitionTimeIsAskedFor) {
             "'tr' (seconds)");
 }
 
+TEST(RepetitionTime, MustBePlausibleWhoeverGivesIt) {
+  const ImageSidecar none;
+  ImageSidecar sidecar;
+  sidecar.file = "/d/x.json";
+  sidecar.trSeconds = 2000;
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return repetitionTime("a", 0, 0, sidecar); }),
+      "run 'a': x.json gives a repetition time of 2000 s, which is not between 0.1 s and 20 s; give the "
+      "right one with 'tr' (seconds)");
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return repetitionTime("a", 0, 0.002, none); }),
+      "run 'a': the image's header gives a repetition time of 0.002 s, which is not between 0.1 s and 20 "
+      "s; give the right one with 'tr' (seconds)");
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return repetitionTime("a", 20.5, 2, none); }),
+      "run 'a': the request gives a repetition time of 20.5 s, which is not between 0.1 s and 20 s; give "
+      "the right one with 'tr' (seconds)");
+  EXPECT_EQ(repetitionTime("a", 0, 0.1, none), 0.1);
+  EXPECT_EQ(repetitionTime("a", 20, 0.002, none), 20);
+}
+
 }  // namespace
 }  // namespace study

@@ -66,7 +66,7 @@ TEST(IntervalPlan, ConfoundsCostEachRunItsOwnAndAPairTheGreater) {
 
 TEST(IntervalPlan, TypedIntervalsAreTakenAsTheyAre) {
   ConditionRequest condition = makeCondition(IntervalKind::kTyped);
-  condition.typed = {{10, 11}, {20, 90}};
+  condition.typed = {{20, 90}, {10, 13}};
   const PlannedCondition plan = planCondition(condition, {makeRun("a")}, 1, "r");
   EXPECT_EQ(plan.sets[0].ranges, condition.typed);
   EXPECT_TRUE(plan.notes.empty());
@@ -79,12 +79,81 @@ TEST(IntervalPlan, TypedIntervalsMustLieInTheRunAndHoldAModel) {
             "r.toml: condition 'c': interval 10 to 101 ends outside run 'a', which has 100 volumes");
   condition.typed = {{10, 100}};
   EXPECT_NO_THROW((void)planCondition(condition, {makeRun("a")}, 3, "r.toml"));
-  condition.typed = {{10, 13}};
+  condition.typed = {{10, 15}};
   EXPECT_NO_THROW((void)planCondition(condition, {makeRun("a")}, 3, "r.toml"));
-  condition.typed = {{10, 12}};
+  condition.typed = {{10, 14}};
   EXPECT_EQ(
       messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 3, "r.toml"); }),
-      "r.toml: condition 'c': interval 10 to 12 is too short; a model of order 3 needs more than 3 volumes");
+      "r.toml: condition 'c': interval 10 to 14 is too short; a model of order 3 needs at least 6 volumes");
+}
+
+TEST(IntervalPlan, TypedIntervalsOfAPairMustLieInBothRuns) {
+  ConditionRequest condition = makeCondition(IntervalKind::kTyped);
+  condition.parts = {{"a", "b", {}}};
+  condition.typed = {{10, 90}};
+  EXPECT_EQ(messageOf<InputError>([&] {
+              return planCondition(condition, {makeRun("a"), makeRun("b", 80)}, 1, "r.toml");
+            }),
+            "r.toml: condition 'c': interval 10 to 90 ends outside run 'b', which has 80 volumes");
+}
+
+TEST(IntervalPlan, TypedIntervalsThatOverlapAreRefused) {
+  ConditionRequest condition = makeCondition(IntervalKind::kTyped);
+  condition.typed = {{60, 90}, {10, 40}, {41, 60}};
+  EXPECT_EQ(
+      messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
+      "r.toml: condition 'c': interval 41 to 60 and interval 60 to 90 overlap, and volumes of both would "
+      "count twice; join them, or end the one before the other begins");
+  condition.typed = {{61, 90}, {10, 40}, {41, 60}};
+  EXPECT_EQ(planCondition(condition, {makeRun("a")}, 1, "r").totalVolumes, 81);
+}
+
+TEST(IntervalPlan, ARunThatIsNamedTwiceMustBringOtherVolumes) {
+  ConditionRequest condition = makeCondition(IntervalKind::kWholeRun, {"a", "a"});
+  EXPECT_EQ(messageOf<InputError>([&] { return planCondition(condition, {makeRun("a")}, 1, "r.toml"); }),
+            "r.toml: condition 'c': run 'a' is named twice, and interval 1 to 100 would count twice; name it "
+            "once");
+  condition.kind = IntervalKind::kTyped;
+  condition.parts[0].typed = {{1, 20}};
+  condition.parts[1].typed = {{21, 40}};
+  EXPECT_EQ(planCondition(condition, {makeRun("a")}, 1, "r").totalVolumes, 40);
+  condition.parts[1].typed = {{20, 40}};
+  EXPECT_THROW((void)planCondition(condition, {makeRun("a")}, 1, "r"), InputError);
+}
+
+TEST(IntervalPlan, EventsThatOverlapCountOnceAndAreNoted) {
+  RunVolumes run = makeRun("a");
+  run.events = {{20, 20, "face"}, {30, 20, "face"}, {60, 20, "house"}, {70, 4, "face"}};
+  ConditionRequest condition = makeCondition(IntervalKind::kEvents);
+  condition.trialTypes = {"face"};
+  condition.minimumVolumes = 2;
+  PlannedCondition plan = planCondition(condition, {run}, 1, "r");
+  EXPECT_EQ(plan.sets[0].ranges, (Ranges{{11, 25}}));
+  EXPECT_EQ(plan.notes[0],
+            "condition 'c': run 'a': 1 event begins before another has ended; what they share counts once");
+  condition.trialTypes = {"face", "house"};
+  plan = planCondition(condition, {run}, 1, "r");
+  EXPECT_EQ(plan.totalVolumes, 25);
+  EXPECT_EQ(plan.notes[0],
+            "condition 'c': run 'a': 2 events begin before another has ended; what they share counts once");
+}
+
+TEST(IntervalPlan, EventsOutsideTheRunAreNamed) {
+  RunVolumes run = makeRun("a");  // 200 s
+  run.events = {{20, 20, "face"}, {210, 20, "face"}, {199.5, 1, "face"}};
+  for (int i = 0; i < 5; ++i) run.events.push_back({300.0 + 10 * i, 1, "face"});
+  ConditionRequest condition = makeCondition(IntervalKind::kEvents);
+  condition.trialTypes = {"face"};
+  EXPECT_EQ(planCondition(condition, {run}, 1, "r").notes[0],
+            "condition 'c': run 'a': 7 events before the first or after the last volume are left out: 'face' "
+            "at 199.5 s, 'face' at 210 s, 'face' at 300 s, 'face' at 310 s, 'face' at 320 s ...");
+  run.events = {{20, 20, "face"}, {190, 8, "face"}};
+  EXPECT_TRUE(planCondition(condition, {run}, 1, "r").notes.empty());
+  condition.delaySeconds = 12;
+  EXPECT_EQ(
+      planCondition(condition, {run}, 1, "r").notes[0],
+      "condition 'c': run 'a': 1 event before the first or after the last volume is left out: 'face' at "
+      "190 s");
 }
 
 TEST(IntervalPlan, EventsBecomeBlocksJoinedWithinOneTr) {

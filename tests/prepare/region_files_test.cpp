@@ -90,6 +90,29 @@ TEST_F(RegionFiles, NotesWhenNamesStateDifferentSpaces) {
   EXPECT_TRUE(readRegions(request_, space())[0].notes.empty());
 }
 
+TEST_F(RegionFiles, EveryRegionNotesThatOneNameStatesNoSpace) {
+  ReferenceRequest labels;
+  labels.kind = ReferenceKind::kLabels;
+  labels.labels = {"1", "2"};
+  labels.image = image("dseg.nii", {0, 1, 2, 0, 0, 0});
+  request_.references = {labels};
+  const auto regions = readRegions(request_, space());
+  ASSERT_EQ(regions.size(), 2U);
+  for (const Region& region : regions) {
+    EXPECT_EQ(region.notes, (std::vector<std::string>{
+                                "dseg.nii has no 'space-' in its name, but 'MNI' in that of the runs: "
+                                "nothing says that both lie in the same space; make sure, or regions "
+                                "lie in the wrong place"}));
+  }
+  request_.runs[0].bold = "bold.nii";
+  EXPECT_TRUE(readRegions(request_, space())[0].notes.empty());
+  request_.references[0].image = image("atlas-x_space-T1w_dseg.nii", {0, 1, 2, 0, 0, 0});
+  EXPECT_EQ(readRegions(request_, space())[0].notes[0],
+            "the runs have no 'space-' in their name, but 'T1w' in that of atlas-x_space-T1w_dseg.nii: "
+            "nothing says "
+            "that both lie in the same space; make sure, or regions lie in the wrong place");
+}
+
 TEST_F(RegionFiles, NamesComeFromTheTableThatWasAskedFor) {
   ReferenceRequest labels;
   labels.kind = ReferenceKind::kLabels;

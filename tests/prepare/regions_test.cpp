@@ -41,6 +41,30 @@ TEST(Regions, LabelsAreTakenByNameAndByIndex) {
   EXPECT_EQ(regions[2].name, "label3");
 }
 
+TEST(Regions, KnowWhereTheyComeFrom) {
+  LabelVolume image = atlas();
+  image.table = "dseg.tsv";
+  const Region label = labelRegions(labels({"V2"}), image, space(), "r")[0];
+  EXPECT_EQ(label.source.image, "dseg.nii.gz");
+  EXPECT_EQ(label.source.table, "dseg.tsv");
+  EXPECT_EQ(label.source.label, 2);
+  EXPECT_EQ(label.source.labelName, "V2");
+  EXPECT_EQ(label.source.grid, "3 x 2 x 2 voxels of 2 x 2 x 2 mm");
+  EXPECT_FALSE(label.source.isResampled);
+  ReferenceRequest all;
+  all.allLabels = true;
+  EXPECT_EQ(labelRegions(all, image, space(), "r")[2].source.label, 3);
+  RegionSpace other = space();
+  other.grid.affine.at(0, 3) += 1;
+  EXPECT_TRUE(labelRegions(labels({"V2"}), image, other, "r")[0].source.isResampled);
+  ReferenceRequest sphere;
+  sphere.name = "s";
+  sphere.centreMm = {-8, 0, 5};
+  sphere.radiusMm = 2;
+  EXPECT_EQ(sphereRegion(sphere, space(), "r").source.kind, ReferenceKind::kSphere);
+  EXPECT_EQ(sphereRegion(sphere, space(), "r").source.radiusMm, 2);
+}
+
 TEST(Regions, UnknownLabelsNameTheNearest) {
   EXPECT_EQ(messageOf<InputError>([] { return labelRegions(labels({"V3"}), atlas(), space(), "r.toml:4"); }),
             "r.toml:4: no label 'V3' in dseg.nii.gz; did you mean 'V1'?");
@@ -66,9 +90,10 @@ TEST(Regions, AllLabelsLeaveOutBackgroundAndThoseOutsideTheMask) {
   const auto regions = labelRegions(request, atlas(), masked, "r");
   ASSERT_EQ(regions.size(), 2U);
   EXPECT_EQ(regions[0].coordinates, (Coordinates{2, 0, 0}));
-  EXPECT_EQ(regions[0].notes,
-            (std::vector<std::string>{"reference 'V1': 1 of 2 voxels lie outside the mask and are left out",
-                                      "labels without a voxel in the runs, left out: V2"}));
+  EXPECT_EQ(regions[0].notes, (std::vector<std::string>{
+                                  "reference 'V1': 1 of 2 voxels lie outside the mask and are left out; 50 % "
+                                  "of it is used",
+                                  "labels of which the runs hold less than 10 %, left out: V2"}));
   EXPECT_EQ(regions[1].name, "label3");
 }
 
@@ -97,6 +122,47 @@ TEST(Regions, AnotherGridIsReadAtVoxelCentres) {
   other.grid = fine;
   EXPECT_EQ(labelRegions(labels({"V1"}), atlas(), other, "r")[0].notes[0],
             "dseg.nii.gz has another grid than the runs: each voxel takes the label at its centre");
+}
+
+TEST(Regions, WhatTheGridOfTheRunsCutsOffIsCounted) {
+  RegionSpace half = space();
+  half.grid.size = {2, 2, 2};
+  EXPECT_EQ(labelRegions(labels({"V1"}), atlas(), half, "r")[0].notes[0],
+            "reference 'V1': 1 of 2 voxels lie outside the grid of the runs and are left out; 50 % of it is "
+            "used");
+  half.mask.assign(8, true);
+  half.mask[3] = false;
+  ReferenceRequest mask;
+  mask.name = "m";
+  EXPECT_EQ(maskRegion(mask, atlas(), half, "r").notes[0],
+            "reference 'm': 1 of 4 voxels lie outside the grid of the runs, and 1 of 3 voxels inside it lie "
+            "outside the mask and are left out; 50 % of it is used");
+  ReferenceRequest sphere;
+  sphere.name = "s";
+  sphere.centreMm = {-10, 0, 5};
+  sphere.radiusMm = 2;  // 7 voxels, of which 4 are in the corner of the grid
+  half.mask.clear();
+  EXPECT_EQ(
+      sphereRegion(sphere, half, "r").notes[0],
+      "reference 's': 3 of 7 voxels lie outside the grid of the runs and are left out; 57 % of it is used");
+}
+
+TEST(Regions, LessThanATenthIsRefusedAndLeftOutOfAll) {
+  LabelVolume image = atlas();
+  image.grid.size = {11, 1, 1};
+  image.labels = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2};
+  RegionSpace masked{image.grid, std::vector<bool>(11, false), true};
+  masked.mask[0] = masked.mask[10] = true;
+  EXPECT_EQ(labelRegions(labels({"V1"}), image, masked, "r")[0].voxels(), 1);  // a tenth
+  image.labels[10] = 1;
+  masked.mask[10] = false;
+  EXPECT_EQ(messageOf<InputError>([&] { return labelRegions(labels({"V1"}), image, masked, "r.toml:4"); }),
+            "r.toml:4: reference 'V1': 10 of 11 voxels lie outside the mask; the 9.1 % that is left does not "
+            "stand for it, take another reference or runs and a mask that hold at least 10 % of it");
+  ReferenceRequest all;
+  all.allLabels = true;
+  EXPECT_EQ(messageOf<InputError>([&] { return labelRegions(all, image, masked, "r.toml:4"); }),
+            "r.toml:4: no label of dseg.nii.gz has 10 % of its voxels inside the mask");
 }
 
 TEST(Regions, FlippedAffinesMeetInSpaceNotInIndices) {

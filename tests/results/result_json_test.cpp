@@ -6,6 +6,7 @@
 
 #include "formats/atomic_file.h"
 #include "results/family_wise_json.h"
+#include "results/record_json.h"
 #include "tests/support/sample_result.h"
 
 namespace study {
@@ -36,6 +37,13 @@ TEST_F(Sidecars, OfAMapAreWrittenAsTheyAlwaysWere) {
 TEST_F(Sidecars, OfAStatusMapAreWrittenAsTheyAlwaysWere) {
   const ConditionResult& condition = reference_.conditions[0];
   EXPECT_EQ(statusSidecar(context_, reference_, condition).dump(2) + "\n", stored("status_sidecar.json"));
+}
+
+TEST_F(Sidecars, OfFamilyWiseImagesNameWholeMapsOfAnotherKind) {
+  MapResult emptied = reference_.conditions[0].maps[0];
+  emptied.type = tav::DTAV_IT;
+  const std::string text = familyWiseSidecar(map(0, 0), emptied, FamilyWiseImage::kVoxels)["Description"];
+  EXPECT_NE(text.find("the whole maps are those of DTAV, since"), std::string::npos) << text;
 }
 
 TEST_F(Sidecars, OfFamilyWiseImagesSayWhatTheirValuesAre) {
@@ -94,6 +102,61 @@ TEST(SourceUri, IsRelativeToTheInnermostDataSet) {
   EXPECT_EQ(sourceUri(request, "/data/masks/x.nii.gz"), "bids:all:masks/x.nii.gz");
   EXPECT_EQ(sourceUri(request, "/data/rawer/x.nii.gz"), "bids:all:rawer/x.nii.gz");
   EXPECT_EQ(sourceUri(request, "/elsewhere/x.nii.gz"), "x.nii.gz");
+  EXPECT_EQ(sourceUri(request, "/data/raw/a b/x%1#\xc3\xa4.nii"), "bids:raw:a%20b/x%251%23%C3%A4.nii");
+}
+
+Region sampleRegion(ReferenceKind kind) {
+  Region region{"V1", {}, {}, {}};
+  region.source = {
+      kind, "/data/raw/atlas_dseg.nii.gz", "/elsewhere/names.tsv", 17, "V1", "3 x 2 x 1 voxels", true, {}, 0};
+  return region;
+}
+
+TEST(ReferenceSourceOf, LabelsNamesImageTableIndexAndGrid) {
+  const ReferenceSource source =
+      referenceSource(sample_result::request(), sampleRegion(ReferenceKind::kLabels));
+  const auto json = sourceJson(source);
+  EXPECT_EQ(json["Kind"], "labels");
+  EXPECT_EQ(json["Image"], "bids:raw:atlas_dseg.nii.gz");
+  EXPECT_EQ(json["Table"], "names.tsv");
+  EXPECT_EQ(json["LabelIndex"], 17);
+  EXPECT_EQ(json["LabelName"], "V1");
+  EXPECT_EQ(json["Grid"], "3 x 2 x 1 voxels");
+  EXPECT_EQ(json["OnGridOfRuns"], "each voxel of the runs takes the value at its centre (nearest voxel)");
+  EXPECT_FALSE(json.contains("RadiusMillimetres"));
+}
+
+TEST(ReferenceSourceOf, ASphereHasCentreAndRadius) {
+  Region sphere{"S", {}, {}, {}};
+  sphere.source.kind = ReferenceKind::kSphere;
+  sphere.source.centreMm = {1.5, -2, 3};
+  sphere.source.radiusMm = 6;
+  const auto json = sourceJson(referenceSource(sample_result::request(), sphere));
+  EXPECT_EQ(json["Kind"], "sphere");
+  EXPECT_EQ(json["CentreMillimetres"], (std::vector<double>{1.5, -2, 3}));
+  EXPECT_EQ(json["RadiusMillimetres"], 6);
+  EXPECT_FALSE(json.contains("Image"));
+}
+
+TEST(ReferenceSourceOf, GoesIntoSidecarsAndRecordAndIsReadBack) {
+  const Request request = sample_result::request();
+  const auto runs = sample_result::runs();
+  ResultContext context = sample_result::context(request, runs);
+  context.source = referenceSource(request, sampleRegion(ReferenceKind::kLabels));
+  context.inputs = {{"run image", "bids:raw:a_bold.nii.gz", "0a"},
+                    {"run image", "bids:raw:d_bold.nii.gz", "0d"},
+                    {"label image", "bids:raw:atlas_dseg.nii.gz", "0e"}};
+  const ReferenceResult reference = sample_result::reference();
+  const auto sidecar = statusSidecar(context, reference, reference.conditions[0]);  // of runs a, b and c
+  EXPECT_EQ(sidecar["ReferenceSource"]["LabelIndex"], 17);
+  ASSERT_EQ(sidecar["Inputs"].size(), 2U);
+  EXPECT_EQ(sidecar["Inputs"][0]["SHA256"], "0a");
+  EXPECT_EQ(sidecar["Inputs"][1]["Kind"], "label image");
+  const Record record = referenceRecord(context, reference, "k");
+  EXPECT_EQ(record.inputs.size(), 3U);
+  const Record read = recordFromText(recordText(record), "r.json");
+  EXPECT_EQ(read.source, record.source);
+  EXPECT_EQ(read.inputs, record.inputs);
 }
 
 }  // namespace

@@ -121,6 +121,24 @@ TEST(ResidualSurrogates, SpikesApartHaveSignsOfTheirOwn) {
   EXPECT_NEAR(alike / 300.0, 0.5, 0.1);
 }
 
+// A drift of one and a half cycles, which no model of few lags holds, in noise without memory.
+TEST(ResidualSurrogates, KeepTheStrengthOfSlowWaves) {
+  std::mt19937 random(11);
+  std::normal_distribution<float> normal;
+  Series x(300);
+  for (std::size_t t = 0; t < 300; ++t)
+    x[t] = 1000 + normal(random) + 3 * std::sin(0.0314F * static_cast<float>(t));
+  simo::ResidualSurrogates maker(x, {{0, 300}});
+  const simo::SlowWaves slow(4, std::vector<bool>(300, true));
+  std::vector<double> course(x.begin(), x.end());
+  for (double& value : course) value -= 1000;
+  for (const Series& surrogate : drawMany(maker, 300, 5)) {
+    const auto amplitudes = slow.amplitudes(std::vector<double>(surrogate.begin(), surrogate.end()));
+    EXPECT_GT(std::hypot(amplitudes[0], amplitudes[1]), 1.5);
+  }
+  EXPECT_GT(slow.amplitudes(course)[0], 1.5);
+}
+
 TEST(ResidualSurrogates, ValuesOutsideTheStretchesPlayNoPart) {
   Series x = smoothNoise(400, 4), spoiled = x;
   for (std::size_t t = 100; t < 110; ++t) spoiled[t] = NAN;

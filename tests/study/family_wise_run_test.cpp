@@ -187,7 +187,7 @@ TEST_F(FamilyWiseRun, PCountsWholeMapsOfSurrogates) {
                   map.file + " " + std::to_string(v));
       different.insert(p[v]);
     }
-    EXPECT_GT(different.size(), 2U);
+    EXPECT_GE(different.size(), 2U);
     EXPECT_EQ(*different.begin(), 1.0F / (1 + kDraws));  // the planted influence
   }
 }

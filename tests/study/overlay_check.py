@@ -20,7 +20,7 @@ for name in ("bold_small.nii.gz", "mask_small.nii.gz", "dseg_small.nii.gz", "dse
     (work / name).write_bytes((example / name).read_bytes())
 request = subprocess.run([program, "run", "--example"], check=True, capture_output=True, text=True).stdout
 (work / "study.toml").write_text(request)
-subprocess.run([program, "run", "study.toml", "--seed", "1", "--quiet"], check=True, cwd=work)
+subprocess.run([program, "run", "study.toml", "--seed", "1", "--quiet", "--force"], check=True, cwd=work)
 
 anatomy = nibabel.load(str(example / "t1_small.nii.gz"))
 bold = nibabel.load(str(example / "bold_small.nii.gz"))

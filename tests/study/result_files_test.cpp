@@ -183,7 +183,7 @@ TEST_F(ResultFiles, EveryReferenceHasASeedOfItsOwn) {
 }
 
 // A volume that is no number in every voxel: nothing can be computed, and the run says so.
-TEST_F(ResultFiles, ARunWithoutAComputableVoxelEndsLikeAnyOther) {
+TEST_F(ResultFiles, ARunWithoutAComputableVoxelFailsAndLeavesNoRecord) {
   for (float& value : bold_.values) value += 1000;
   for (std::size_t i = 0; i < bold_.header.size.voxels(); ++i) {
     bold_.values[50 * bold_.header.size.voxels() + i] = std::numeric_limits<float>::quiet_NaN();
@@ -197,13 +197,11 @@ TEST_F(ResultFiles, ARunWithoutAComputableVoxelEndsLikeAnyOther) {
                                         "'\n[[run]]\nbold = 'bold1.nii.gz'\n"
                                         "[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
     const ProgramResult first = run(request);
-    EXPECT_EQ(first.exitCode, 0) << first.err;
-    EXPECT_NE(first.out.find(" 0 voxels computed\n    REF2VOX: no voxel survives at any q; no peak\n"),
-              std::string::npos)
-        << first.out;
-    EXPECT_TRUE(read("none_seed-A_tavmap.json")["Conditions"][0]["Maps"][0]["Peak"]["Value"].is_null());
-    EXPECT_EQ(kept(run(request, {"--json"})), std::vector<bool>{true});
-    EXPECT_EQ(run(request).out.find("json"), std::string::npos);
+    EXPECT_EQ(first.exitCode, 2) << first.out;
+    EXPECT_NE(first.err.find("single precision"), std::string::npos) << first.err;
+    EXPECT_EQ(first.out.find("survives"), std::string::npos) << first.out;
+    EXPECT_FALSE(fs::exists(results() / "none_seed-A_tavmap.json"));
+    EXPECT_EQ(run(request).exitCode, 2);  // nothing is kept
   }
 }
 

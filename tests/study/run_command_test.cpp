@@ -1,8 +1,10 @@
 // `tavmap run` as a user meets it: whole runs of the built program.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 
+#include "formats/checksum.h"
 #include "formats/map_set.h"
 #include "formats/nifti.h"
 #include "formats/nifti_writer.h"
@@ -65,6 +67,25 @@ TEST_F(RunCommand, SidecarsSayWhatAReaderNeeds) {
             "negative: "
             "the voxel leads; unequal noise can feign both); condition 'whole'");
   EXPECT_FALSE(read("small_seed-A_contrast-wholedTAVRC_stat-effect_statmap.json").contains("Thresholds"));
+}
+
+TEST_F(RunCommand, RecordsAndSidecarsSayFromWhichFilesTheyWereMade) {
+  ASSERT_EQ(run(write()).exitCode, 0);
+  for (const json& said :
+       {read("small_seed-B_tavmap.json"), read("small_seed-B_desc-wholeStatus_dseg.json")}) {
+    const json source = said["ReferenceSource"];
+    EXPECT_EQ(source["Kind"], "labels");
+    EXPECT_EQ(source["Image"], "bids:input:dseg.nii.gz");
+    EXPECT_EQ(source["Table"], "bids:input:dseg.tsv");
+    EXPECT_EQ(source["LabelIndex"], 2);
+    EXPECT_EQ(source["LabelName"], "B");
+    std::map<std::string, std::string> checksums;
+    for (const json& input : said["Inputs"]) checksums[input["File"]] = input["SHA256"];
+    EXPECT_EQ(checksums.size(), 6U);
+    for (const char* name :
+         {"bold1.nii.gz", "bold2.nii.gz", "mask.nii.gz", "events.tsv", "dseg.nii.gz", "dseg.tsv"})
+      EXPECT_EQ(checksums[std::string("bids:input:") + name], formats::sha256Of((folder() / name).string()));
+  }
 }
 
 TEST_F(RunCommand, TheStatusMapSaysWhyOfEveryVoxel) {

@@ -140,7 +140,7 @@ def check(tavmap, case, order, kernel, folder):
     prefix = f"{case.name}{order}{kernel or 'kernel'}"
     (folder / "request.toml").write_text(request_text(case, order, names, prefix))
     environment = dict(os.environ, TAVMAP_KERNEL=kernel) if kernel else dict(os.environ)
-    done = subprocess.run([tavmap, "run", "request.toml", "--quiet"], cwd=folder, env=environment, text=True,
+    done = subprocess.run([tavmap, "run", "request.toml", "--quiet", "--force"], cwd=folder, env=environment, text=True,
                           capture_output=True)
     if done.returncode != 0:
         return f"{prefix}: {done.stderr}"

@@ -54,7 +54,7 @@ class FamilyWiseRun : public RunTest {
     request = requestOn(spec);
     request.nSurrogateSims = static_cast<int>(kDraws);
     request.arOrder = kOrder;
-    request.mapTypes = {tav::REF2VOX, tav::VOX2REF, tav::DTAV, tav::DTAV_RC};
+    request.mapTypes = {tav::REF2VOX, tav::VOX2REF, tav::DTAV, tav::DTAV_IT, tav::DTAV_RC};
     Noise noise(3);
     const std::string file = writeVtc("noise.vtc", spec, [&](int x, int y, int z, int t) {
       std::vector<float>& course = courses[index(x, y, z)];
@@ -196,10 +196,21 @@ TEST_F(FamilyWiseRun, ClustersFormFromOneInAThousand) {
   }
 }
 
+// Emptied where the instantaneous measure is small, a surrogate's map would have hardly a value.
+TEST_F(FamilyWiseRun, TheEmptiedDifferenceIsHeldAgainstTheWholeOne) {
+  request.instLowerThres = 1000;  // above any measure
+  const Notes notes = run(calibrated());
+  const tav::NullMaxima &whole = notes.familyWise.at(tav::DTAV), &emptied = notes.familyWise.at(tav::DTAV_IT);
+  EXPECT_GT(whole.magnitudes().front(), 0);
+  EXPECT_EQ(emptied.magnitudes(), whole.magnitudes());
+  EXPECT_EQ(emptied.masses(), whole.masses());
+  EXPECT_EQ(emptied.level(), whole.level());
+}
+
 TEST_F(FamilyWiseRun, SharesHaveNone) {
   const Notes notes = run(calibrated());
   EXPECT_EQ(notes.familyWise.count(tav::DTAV_RC), 0U);
-  EXPECT_EQ(notes.familyWise.size(), 3U);
+  EXPECT_EQ(notes.familyWise.size(), 4U);
 }
 
 TEST_F(FamilyWiseRun, HasNoMoreDrawsThanThereAreSurrogates) {

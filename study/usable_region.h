@@ -1,0 +1,31 @@
+// A reference without the voxels that have no course: one value that is not a number would take the mean of
+// all of them, and with it every map.
+#ifndef TAVMAP_STUDY_USABLE_REGION_H
+#define TAVMAP_STUDY_USABLE_REGION_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "study/study_plan.h"
+
+namespace study {
+
+struct UsableRegion {
+  Region region;                   // the voxels that are averaged
+  std::vector<std::string> notes;  // what was left out, in words
+};
+
+// Leaves out voxels that hold a value that is not finite, or that are 0 throughout (outside the field of
+// view), in any run whose course a condition takes. These must be prepared; their files are read. With
+// method "plugin" the region stays as it is. Throws InputError when less than half is left, and
+// formats::FileError.
+[[nodiscard]] UsableRegion usableRegion(const StudyPlan& plan, std::size_t region);
+
+// One after the other.
+[[nodiscard]] std::vector<UsableRegion> usableRegions(const StudyPlan& plan,
+                                                      const std::vector<std::size_t>& regions);
+
+}  // namespace study
+
+#endif

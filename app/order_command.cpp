@@ -67,7 +67,6 @@ std::optional<study::OrderSensitivity> sensitivityOf(const study::Request& reque
   const std::vector<study::Request> requests = study::requestsOfOrders(request);
   const study::StudyOutcome outcome = study::runStudy(requests, options, progress);
   if (outcome.failed()) {
-    for (const std::string& failure : outcome.failures) std::cerr << "tavmap: " << failure << "\n";
     all.inputProblem = outcome.inputProblem;
     return std::nullopt;
   }

@@ -1,11 +1,10 @@
 #include "group/present_inputs.h"
 
-#include <charconv>
-
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
 #include "formats/json_file.h"
 #include "results/output_names.h"
+#include "results/percent_encoding.h"
 
 namespace study {
 namespace {
@@ -21,20 +20,6 @@ Json memberOf(const fs::path& file, const char* key) {
   } catch (const formats::FileError&) {  // says nothing then
   }
   return nullptr;
-}
-
-// "%20" and the like as the bytes that they stand for.
-std::string percentDecoded(const std::string& text) {
-  std::string decoded;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    unsigned value = 0;
-    const char* const digits = text.data() + i + 1;
-    const bool isEscape = text[i] == '%' && i + 2 < text.size() &&
-                          std::from_chars(digits, digits + 2, value, 16).ptr == digits + 2;
-    decoded += isEscape ? static_cast<char>(value) : text[i];
-    if (isEscape) i += 2;
-  }
-  return decoded;
 }
 
 // As it is written, or where there is none, as its escapes say.

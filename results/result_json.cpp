@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "results/percent_encoding.h"
 #include "results/record_json.h"
 
 namespace study {
@@ -99,19 +99,6 @@ Json filtersJson(const ResultContext& context, const ConditionResult& condition)
     for (const std::string& filter : runNamed(context, set.target).filters) list.push_back(filter);
   }
   return list;
-}
-
-// RFC 3986: what is neither unreserved nor a slash.
-std::string percentEncoded(const std::string& path) {
-  constexpr const char* kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
-  std::string text;
-  for (const char c : path) {
-    if (std::strchr(kPlain, c) != nullptr)
-      text += c;
-    else
-      text += fmt::format("%{:02X}", static_cast<unsigned>(static_cast<unsigned char>(c)));
-  }
-  return text;
 }
 
 // Where a reference comes from, and checksums of what this condition was made from.

@@ -77,16 +77,16 @@ void comparePlace(const std::vector<ResultsOfOrder>& orders, const Place& place,
     std::vector<Signs> signs;
     for (std::size_t k = 0; k < orders.size(); ++k)
       signs.push_back(signsOf(maps[k], conditionAt(orders[k], place).maps[place.map].thresholds[t]));
+    auto& entry = found.entries.emplace_back(
+        OrderSensitivity::Entry{reference, condition, first.type, first.thresholds[t].q, {}, 0});
     Signs all = signs[base];
-    const double q = first.thresholds[t].q;
     for (std::size_t k = 0; k < orders.size(); ++k) {
       const auto computed = std::count(maps[k].computed.begin(), maps[k].computed.end(), true);
-      found.rows.push_back({reference, condition, first.type, q, orders[k].order,
-                            static_cast<std::size_t>(computed), passing(signs[k]),
-                            passing(shared(signs[base], signs[k]))});
+      entry.orders.push_back(
+          {static_cast<std::size_t>(computed), passing(signs[k]), passing(shared(signs[base], signs[k]))});
       all = shared(all, signs[k]);
     }
-    found.stable.push_back({reference, condition, first.type, q, passing(signs[base]), passing(all)});
+    entry.passingAtAll = passing(all);
   }
 }
 

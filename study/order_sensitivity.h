@@ -16,27 +16,26 @@
 namespace study {
 
 struct OrderSensitivity {
-  // One reference, condition, map, q and order. Voxels of the reference are not counted.
-  struct Row {
-    std::string reference, condition;
-    tav::MapType map = tav::REF2VOX;
-    double q = 0;
-    int order = 0;             // of the models
-    std::size_t computed = 0;  // voxels with a value
+  // Voxels of one map at one q and order; those of the reference are not counted.
+  struct Counts {
+    std::size_t computed = 0;  // with a value
     std::size_t passing = 0;
     std::size_t kept = 0;  // of those that pass at the base order, those that pass here with the same sign
   };
-  // What passes at all orders with the same sign.
-  struct Stable {
+  struct Entry {
     std::string reference, condition;
     tav::MapType map = tav::REF2VOX;
     double q = 0;
-    std::size_t passingAtBase = 0, passingAtAll = 0;
+    std::vector<Counts> orders;    // with models of order 1, 2, ... at [0], [1], ...
+    std::size_t passingAtAll = 0;  // at all orders with the same sign
   };
   int base = 0;  // the order that the others are held against
   int maxOrder = 0;
-  std::vector<Row> rows;       // by reference, condition, map, q, order
-  std::vector<Stable> stable;  // in the same sequence
+  std::vector<Entry> entries;  // by reference, condition, map, q
+
+  [[nodiscard]] std::size_t passingAtBase(const Entry& entry) const {
+    return entry.orders[static_cast<std::size_t>(base) - 1].passing;
+  }
 };
 
 // The request once for every order from 1 to its maxOrder (or to its fixed order, if that is higher), without
@@ -55,7 +54,7 @@ struct ResultsOfOrder {
 // formats::FileError.
 [[nodiscard]] OrderSensitivity compareOrders(const std::vector<ResultsOfOrder>& orders, int base);
 
-// Tab-separated, a row per OrderSensitivity::Row; shares of computed voxels, and of voxels that pass at the
+// Tab-separated, a row per entry and order; shares of computed voxels, and of voxels that pass at the
 // base order ("n/a" when none does).
 [[nodiscard]] std::string sensitivityTable(const OrderSensitivity& sensitivity);
 // For a terminal: a line per reference, condition and map, at the q that is nearest to .05.

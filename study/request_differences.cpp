@@ -7,6 +7,7 @@
 
 #include "request/settings_table.h"
 #include "results/result_json.h"
+#include "study/planned_result.h"
 
 namespace study {
 namespace {
@@ -74,17 +75,8 @@ Facts factsOf(const Record& record) {
 
 // The record as it will be, without what the data will say.
 Record plannedRecord(const StudyPlan& plan, std::size_t region) {
-  ReferenceResult result;
-  result.name = plan.regions[region].name;
-  result.voxels = plan.regions[region].voxels();
-  for (const PlannedCondition& planned : plan.conditions) {
-    ConditionResult& condition = result.conditions.emplace_back();
-    condition.name = planned.name;
-    for (const PlannedSet& set : planned.sets)
-      condition.sets.push_back({set.source, set.target, set.ranges, set.effectiveVolumes});
-  }
   const ResultContext context{plan.request, plan.runs, plan.version, plan.seed, plan.order, {}};
-  return referenceRecord(context, result, resultKey(plan, region));
+  return referenceRecord(context, emptyResult(plan, region), resultKey(plan, region));
 }
 
 // Records have map types and q by map.

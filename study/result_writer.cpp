@@ -19,6 +19,7 @@
 #include "study/direction_check.h"
 #include "study/label_map.h"
 #include "study/nothing_computed.h"
+#include "study/planned_result.h"
 #include "study/reference_job.h"
 #include "study/result_inputs.h"
 #include "tav/tav.h"
@@ -33,16 +34,6 @@ std::vector<std::uint8_t> insideRegion(const Region& region, const Grid& grid) {
         1;
   }
   return inside;
-}
-
-ConditionResult emptyResult(const PlannedCondition& planned) {
-  ConditionResult condition;
-  condition.name = planned.name;
-  condition.totalVolumes = planned.totalVolumes;
-  condition.effectiveVolumes = planned.effectiveVolumes;
-  for (const PlannedSet& set : planned.sets)
-    condition.sets.push_back({set.source, set.target, set.ranges, set.effectiveVolumes});
-  return condition;
 }
 
 // The part of a condition's time that its voxels take; its whole maps of surrogates take the rest.

@@ -21,28 +21,31 @@ std::string share(std::size_t part, std::size_t whole) {
 }
 
 // The q-value that is nearest to .05.
-double usualQ(const std::vector<OrderSensitivity::Stable>& entries) {
+double usualQ(const std::vector<OrderSensitivity::Entry>& entries) {
   double best = entries.empty() ? 0 : entries[0].q;
   for (const auto& entry : entries)
     if (std::abs(entry.q - 0.05) < std::abs(best - 0.05)) best = entry.q;
   return best;
 }
 
-std::size_t passingAtBase(const OrderSensitivity& sensitivity, const OrderSensitivity::Row& row) {
-  for (const auto& entry : sensitivity.stable)
-    if (entry.reference == row.reference && entry.condition == row.condition && entry.map == row.map &&
-        entry.q == row.q)
-      return entry.passingAtBase;
-  return 0;
+std::string countsByOrder(const OrderSensitivity::Entry& entry) {
+  std::string text;
+  for (const auto& counts : entry.orders)
+    text += fmt::format("{}{}", text.empty() ? "" : ", ", counts.passing);
+  return text;
 }
 
-std::string countsByOrder(const OrderSensitivity& sensitivity, const OrderSensitivity::Stable& entry) {
-  std::string counts;
-  for (const auto& row : sensitivity.rows)
-    if (row.reference == entry.reference && row.condition == entry.condition && row.map == entry.map &&
-        row.q == entry.q)
-      counts += fmt::format("{}{}", counts.empty() ? "" : ", ", row.passing);
-  return counts;
+Json placeJson(const OrderSensitivity::Entry& entry) {
+  return {{"Reference", entry.reference},
+          {"Condition", entry.condition},
+          {"Map", nameOf(entry.map)},
+          {"Q", entry.q}};
+}
+
+// Calls use(order, counts).
+template <typename Use>
+void forEachOrder(const OrderSensitivity::Entry& entry, Use use) {
+  for (std::size_t k = 0; k < entry.orders.size(); ++k) use(k + 1, entry.orders[k]);
 }
 
 }  // namespace
@@ -51,51 +54,48 @@ std::string sensitivityTable(const OrderSensitivity& sensitivity) {
   std::string table =
       "reference\tcondition\tmap\tq\torder\tbase_order\tvoxels_computed\tvoxels_passing\tshare_passing\t"
       "voxels_kept\tshare_kept\n";
-  for (const auto& row : sensitivity.rows) {
-    table += fmt::format("{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\n", row.reference, row.condition,
-                         nameOf(row.map), row.q, row.order, sensitivity.base, row.computed, row.passing,
-                         share(row.passing, row.computed), row.kept,
-                         share(row.kept, passingAtBase(sensitivity, row)));
+  for (const auto& entry : sensitivity.entries) {
+    forEachOrder(entry, [&](std::size_t order, const OrderSensitivity::Counts& counts) {
+      table += fmt::format("{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\t{}\n", entry.reference, entry.condition,
+                           nameOf(entry.map), entry.q, order, sensitivity.base, counts.computed,
+                           counts.passing, share(counts.passing, counts.computed), counts.kept,
+                           share(counts.kept, sensitivity.passingAtBase(entry)));
+    });
   }
   return table;
 }
 
 void printSensitivity(const OrderSensitivity& sensitivity, std::ostream& out) {
-  const double q = usualQ(sensitivity.stable);
+  const double q = usualQ(sensitivity.entries);
   out << fmt::format(
       "voxels that pass at q = {} with models of order 1 to {}, and what passes at all of them "
       "with the same sign as at order {}:\n",
       q, sensitivity.maxOrder, sensitivity.base);
-  for (const auto& entry : sensitivity.stable) {
+  for (const auto& entry : sensitivity.entries) {
     if (entry.q != q) continue;
     out << fmt::format("{}, {}, {}: {}; {} of {} at all orders\n", entry.reference, entry.condition,
-                       nameOf(entry.map), countsByOrder(sensitivity, entry), entry.passingAtAll,
-                       entry.passingAtBase);
+                       nameOf(entry.map), countsByOrder(entry), entry.passingAtAll,
+                       sensitivity.passingAtBase(entry));
   }
 }
 
 Json sensitivityJson(const OrderSensitivity& sensitivity) {
+  Json rows = Json::array(), atAll = Json::array();
+  for (const auto& entry : sensitivity.entries) {
+    forEachOrder(entry, [&](std::size_t order, const OrderSensitivity::Counts& counts) {
+      Json& row = rows.emplace_back(placeJson(entry));
+      row["Order"] = order;
+      row["VoxelsComputed"] = counts.computed;
+      row["VoxelsPassing"] = counts.passing;
+      row["VoxelsKept"] = counts.kept;
+    });
+    Json& row = atAll.emplace_back(placeJson(entry));
+    row["VoxelsPassing"] = sensitivity.passingAtBase(entry);
+    row["VoxelsPassingAtAll"] = entry.passingAtAll;
+  }
   Json json = {{"BaseOrder", sensitivity.base}, {"MaxOrder", sensitivity.maxOrder}};
-  json["Rows"] = Json::array();
-  for (const auto& row : sensitivity.rows) {
-    json["Rows"].push_back({{"Reference", row.reference},
-                            {"Condition", row.condition},
-                            {"Map", nameOf(row.map)},
-                            {"Q", row.q},
-                            {"Order", row.order},
-                            {"VoxelsComputed", row.computed},
-                            {"VoxelsPassing", row.passing},
-                            {"VoxelsKept", row.kept}});
-  }
-  json["AtAllOrders"] = Json::array();
-  for (const auto& entry : sensitivity.stable) {
-    json["AtAllOrders"].push_back({{"Reference", entry.reference},
-                                   {"Condition", entry.condition},
-                                   {"Map", nameOf(entry.map)},
-                                   {"Q", entry.q},
-                                   {"VoxelsPassing", entry.passingAtBase},
-                                   {"VoxelsPassingAtAll", entry.passingAtAll}});
-  }
+  json["Rows"] = std::move(rows);
+  json["AtAllOrders"] = std::move(atAll);
   return json;
 }
 

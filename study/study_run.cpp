@@ -97,7 +97,8 @@ std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const Study
       plan(request);
     } catch (const std::exception& error) {
       if (isAlone) throw;
-      failInput(fmt::format("{}: {}", request.title, error.what()), outcome, progress);
+      const std::string text = error.what(), begin = request.title + ": ";
+      failInput(text.starts_with(begin) ? text : begin + text, outcome, progress);
     }
   }
   return plans;

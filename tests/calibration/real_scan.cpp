@@ -156,7 +156,7 @@ struct ScanRun {
   }
   Scan scan;
   Scratch scratch;
-  mutable std::optional<LibraryRun> run;
+  std::optional<LibraryRun> run;
 };
 
 ScanRates ratesOf(const std::vector<FoundMap>& maps, const Scan& scan) {
@@ -176,7 +176,7 @@ ScanRates ratesOf(const std::vector<FoundMap>& maps, const Scan& scan) {
 
 FamilyWiseRates measureScanFamilyWise(const fs::path& folder, Unrelated kind, int references, unsigned seed,
                                       int draws) {
-  const ScanRun made(folder, kind, references, seed);
+  ScanRun made(folder, kind, references, seed);
   FamilyWiseRates rates;
   addFamilyWise(made.run->compute(1, [&](tav::RunOptions& options) { options.fweDraws = draws; }), rates);
   return rates;
@@ -184,7 +184,7 @@ FamilyWiseRates measureScanFamilyWise(const fs::path& folder, Unrelated kind, in
 
 std::vector<ScanRates> measureScan(const fs::path& folder, Unrelated kind, int references, unsigned seed,
                                    const std::vector<Orders>& orders) {
-  const ScanRun made(folder, kind, references, seed);
+  ScanRun made(folder, kind, references, seed);
   std::vector<ScanRates> rates;
   for (const Orders order : orders) {
     const int used = order == Orders::kFixed ? 1 : made.run->orderBy(study::OrderChoice::kBic);

@@ -9,9 +9,11 @@
 #include "results/output_names.h"
 #include "results/record_json.h"
 #include "results/result_json.h"
+#include "study/planned_result.h"
 #include "tests/support/message_of.h"
 #include "tests/support/scratch.h"
 #include "tests/support/small_study.h"
+#include "tests/support/typed_condition.h"
 
 namespace study {
 namespace {
@@ -32,15 +34,7 @@ class EarlierResults : public ::testing::Test {
     ReferenceRequest& reference = request_.references.emplace_back();
     reference.image = scratch_.folder() / "dseg.nii.gz";
     reference.labels = {"A", "B"};
-    addCondition("first", {1, 80});
-    addCondition("second", {81, 160});
-  }
-  void addCondition(const std::string& name, VolumeRange range) {
-    ConditionRequest& condition = request_.conditions.emplace_back();
-    condition.name = name;
-    condition.kind = IntervalKind::kTyped;
-    condition.typed = {range};
-    condition.parts = {{"run1", "run1", {}}};
+    request_.conditions = {typedCondition("first", {1, 80}), typedCondition("second", {81, 160})};
   }
   StudyPlan plan() const { return planStudy(request_, 7, "1"); }
   // As if the references of the request had been computed.
@@ -55,14 +49,8 @@ class EarlierResults : public ::testing::Test {
     }
   }
   static ReferenceResult resultOf(const StudyPlan& plan, std::size_t region) {
-    ReferenceResult result;
-    result.name = plan.regions[region].name;
-    result.voxels = plan.regions[region].voxels();
-    for (const PlannedCondition& planned : plan.conditions) {
-      ConditionResult& condition = result.conditions.emplace_back();
-      condition.name = planned.name;
-      for (const PlannedSet& set : planned.sets)
-        condition.sets.push_back({set.source, set.target, set.ranges, set.effectiveVolumes});
+    ReferenceResult result = emptyResult(plan, region);
+    for (ConditionResult& condition : result.conditions) {
       for (const tav::MapType type : plan.request.settings.mapTypes) {
         condition.maps.push_back({type, "", {}});
         for (const double q : plan.request.settings.qValues)

@@ -61,23 +61,26 @@ class CompareOrders : public ::testing::Test {
 
 TEST_F(CompareOrders, CountsWhatPassesAndWhatKeepsItsSign) {
   const OrderSensitivity found = compare(1);
-  ASSERT_EQ(found.rows.size(), 3U);
-  EXPECT_EQ(found.rows[0].computed, 4U);
-  EXPECT_EQ(found.rows[0].passing, 3U);
-  EXPECT_EQ(found.rows[0].kept, 3U);
-  EXPECT_EQ(found.rows[1].passing, 3U);
-  EXPECT_EQ(found.rows[1].kept, 1U);     // the second voxel turns its sign, the third passes no more
-  EXPECT_EQ(found.rows[2].passing, 0U);  // no threshold: nothing survives
-  ASSERT_EQ(found.stable.size(), 1U);
-  EXPECT_EQ(found.stable[0].passingAtBase, 3U);
-  EXPECT_EQ(found.stable[0].passingAtAll, 0U);
+  ASSERT_EQ(found.entries.size(), 1U);
+  const auto& orders = found.entries[0].orders;
+  ASSERT_EQ(orders.size(), 3U);
+  EXPECT_EQ(orders[0].computed, 4U);
+  EXPECT_EQ(orders[0].passing, 3U);
+  EXPECT_EQ(orders[0].kept, 3U);
+  EXPECT_EQ(orders[1].passing, 3U);
+  EXPECT_EQ(orders[1].kept, 1U);     // the second voxel turns its sign, the third passes no more
+  EXPECT_EQ(orders[2].passing, 0U);  // no threshold: nothing survives
+  EXPECT_EQ(found.passingAtBase(found.entries[0]), 3U);
+  EXPECT_EQ(found.entries[0].passingAtAll, 0U);
 }
 
 TEST_F(CompareOrders, HoldsOrdersAgainstTheBase) {
   const OrderSensitivity found = compare(2);
-  EXPECT_EQ(found.stable[0].passingAtBase, 3U);
-  EXPECT_EQ(found.rows[0].kept, 1U);
-  EXPECT_EQ(found.rows[1].kept, 3U);
+  ASSERT_EQ(found.entries.size(), 1U);
+  const auto& orders = found.entries[0].orders;
+  EXPECT_EQ(found.passingAtBase(found.entries[0]), 3U);
+  EXPECT_EQ(orders[0].kept, 1U);
+  EXPECT_EQ(orders[1].kept, 3U);
 }
 
 TEST_F(CompareOrders, TableHasARowPerOrderWithShares) {

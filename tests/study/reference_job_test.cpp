@@ -14,6 +14,7 @@
 #include "tav/tav.h"
 #include "tests/support/scratch.h"
 #include "tests/support/small_study.h"
+#include "tests/support/typed_condition.h"
 
 namespace study {
 namespace {
@@ -43,8 +44,7 @@ class ReferenceJob : public ::testing::Test {
     reference.kind = ReferenceKind::kLabels;
     reference.image = scratch_.folder() / "dseg.nii.gz";
     reference.labels = {"A", "B"};
-    addCondition("first", {1, 80});
-    addCondition("second", {81, 160});
+    request_.conditions = {typedCondition("first", {1, 80}), typedCondition("second", {81, 160})};
   }
   // A confound that is half of what every voxel holds, and volumes that moved.
   void addRun() {
@@ -59,13 +59,6 @@ class ReferenceJob : public ::testing::Test {
     run.confoundTerms = {"csf"};
     run.censoring.fdThresholdMm = 0.5;
     run.dropVolumes = 3;
-  }
-  void addCondition(const std::string& name, VolumeRange range) {
-    ConditionRequest& condition = request_.conditions.emplace_back();
-    condition.name = name;
-    condition.kind = IntervalKind::kTyped;
-    condition.typed = {range};
-    condition.parts = {{"run1", "run1", {}}};
   }
   Notes direct(const StudyPlan& plan) const {
     tav::RunOptions options = engineOptions(plan.request.settings);

@@ -29,6 +29,21 @@
   return files;
 }
 
+// Names of the files that are in one of two such sets only or differ, one a line. Unlike a printed comparison
+// of the sets it says which, however many there are.
+[[nodiscard]] inline std::string differingFiles(const std::map<std::string, std::string>& before,
+                                                const std::map<std::string, std::string>& after) {
+  std::map<std::string, std::string> all = before;
+  all.insert(after.begin(), after.end());
+  std::string names;
+  for (const auto& [name, content] : all) {
+    const auto one = before.find(name), other = after.find(name);
+    const bool same = one != before.end() && other != after.end() && one->second == other->second;
+    if (!same) names += name + "\n";
+  }
+  return names;
+}
+
 class Scratch {
  public:
   Scratch() {

@@ -1,5 +1,8 @@
 #include "prepare/place_names.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "formats/nifti.h"
 #include "prepare/fingerprint.h"
 #include "prepare/region_files.h"
@@ -16,19 +19,29 @@ std::string keyOf(const LabelVolume& volume) {
 
 }  // namespace
 
-PlaceNames::PlaceNames(LabelVolume volume) : volume_(std::move(volume)), key_(keyOf(volume_)) {}
+PlaceNames::PlaceNames(LabelVolume volume, bool isResampled)
+    : volume_(std::move(volume)), isResampled_(isResampled), key_(keyOf(volume_)) {}
 
 std::string PlaceNames::nameOf(std::int32_t label) const {
   return label == 0 ? "none" : labelName(volume_, label);
 }
 
 std::shared_ptr<const PlaceNames> readPlaceNames(const Request& request, const Grid& grid) {
-  for (const ReferenceRequest& reference : request.references) {
-    if (reference.kind != ReferenceKind::kLabels) continue;
-    if (!sameGrid(gridOf(formats::readImageHeader(reference.image.string())), grid)) continue;
-    return std::make_shared<PlaceNames>(readLabels(reference));
-  }
-  return nullptr;
+  const auto isAtlas = [](const ReferenceRequest& reference) {
+    return reference.kind == ReferenceKind::kLabels;
+  };
+  const auto isOnGrid = [&](const ReferenceRequest& reference) {
+    return isAtlas(reference) && sameGrid(gridOf(formats::readImageHeader(reference.image.string())), grid);
+  };
+  const auto& all = request.references;
+  const auto end = all.end();
+  auto chosen = std::find_if(all.begin(), end, isOnGrid);
+  if (chosen == end) chosen = std::find_if(all.begin(), end, isAtlas);
+  if (chosen == end) return nullptr;
+  LabelVolume volume = readLabels(*chosen);
+  const bool isResampled = !sameGrid(volume.grid, grid);
+  volume.labels = labelsOnGrid(volume, grid);
+  return std::make_shared<PlaceNames>(std::move(volume), isResampled);
 }
 
 }  // namespace study

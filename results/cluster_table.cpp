@@ -168,6 +168,7 @@ Json clusterSidecar(const ResultContext& context, const ReferenceResult& referen
   json["Description"] = tableDescription(reference, condition);
   describeColumns(json, reference, condition);
   json["LabelImage"] = names == nullptr ? Json(nullptr) : Json(sourceUri(context.request, names->file()));
+  if (names != nullptr) json["LabelsOnGridOfRuns"] = onGridOfRuns(names->isResampled());
   addOriginAndModel(context, reference, condition, json);
   return json;
 }

@@ -75,6 +75,22 @@ std::size_t peakOf(const float* values, const std::vector<std::uint8_t>& codes) 
   return peak;
 }
 
+std::vector<float> thresholdedMap(const float* values, const std::vector<std::uint8_t>& levels) {
+  std::vector<float> map(levels.size(), 0);
+  for (std::size_t i = 0; i < levels.size(); ++i)
+    if (levels[i] > 0) map[i] = values[i];
+  return map;
+}
+
+std::vector<float> minusLogP(const tav::MapOutcome& map, const std::vector<std::uint8_t>& codes) {
+  std::vector<float> image(codes.size(), std::numeric_limits<float>::quiet_NaN());
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    if (!isCode(codes[i], StatusCode::kComputed)) continue;
+    image[i] = map.values[i] == 0 ? 0 : -std::log10(map.nullP[i]) + 0.0F;  // no -0
+  }
+  return image;
+}
+
 formats::ImageHeader mapHeader(formats::ImageHeader run) {
   formats::ImageHeader header = gridAlone(std::move(run));
   header.dataType = formats::DataType::kFloat32;

@@ -30,6 +30,14 @@ namespace study {
 // when there is none. A voxel of the reference against its own mean is a degenerate case, not a finding.
 [[nodiscard]] std::size_t peakOf(const float* values, const std::vector<std::uint8_t>& codes);
 
+// The map where `levels`, one per voxel, are above 0; 0 elsewhere.
+[[nodiscard]] std::vector<float> thresholdedMap(const float* values, const std::vector<std::uint8_t>& levels);
+
+// -log10 of the p of each computed voxel outside the reference (0 for a value that is 0, which nothing
+// falls short of); NaN elsewhere.
+[[nodiscard]] std::vector<float> minusLogP(const tav::MapOutcome& map,
+                                           const std::vector<std::uint8_t>& codes);
+
 // Header of a map, and of the status map (labels of 8 bits), on the grid of a run's image: nothing of
 // the run's intensities or times.
 formats::ImageHeader mapHeader(formats::ImageHeader run);

@@ -142,6 +142,8 @@ void describe(Fields& fields, Of<Fields, MapResult>& map) {
   fields.unlessEmpty("Thresholds", map.thresholds);
   describePeak(fields, map);
   fields.unlessEmpty("PassingFile", map.passingFile);
+  fields.unlessEmpty("ThresholdedFile", map.thresholdedFile);
+  fields.unlessEmpty("PFile", map.pFile);
   fields.unlessEmpty("FamilyWise", map.familyWise);
 }
 

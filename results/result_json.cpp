@@ -138,6 +138,11 @@ std::string sourceUri(const Request& request, const fs::path& file) {
   return best.empty() ? file.filename().string() : best;
 }
 
+const char* onGridOfRuns(bool isResampled) {
+  return isResampled ? "each voxel of the runs takes the value at its centre (nearest voxel)"
+                     : "the image has the grid of the runs";
+}
+
 ReferenceSource referenceSource(const Request& request, const Region& region) {
   const RegionSource& from = region.source;
   ReferenceSource source;
@@ -147,10 +152,7 @@ ReferenceSource referenceSource(const Request& request, const Region& region) {
   source.labelIndex = from.label;
   source.labelName = from.labelName;
   source.grid = from.grid;
-  if (!from.image.empty())
-    source.onGridOfRuns = from.isResampled
-                              ? "each voxel of the runs takes the value at its centre (nearest voxel)"
-                              : "the image has the grid of the runs";
+  if (!from.image.empty()) source.onGridOfRuns = onGridOfRuns(from.isResampled);
   source.centreMm = from.centreMm;
   source.radiusMm = from.radiusMm;
   return source;

@@ -34,6 +34,9 @@ struct ResultContext {
 // The region's source, with files as sourceUri() names them.
 [[nodiscard]] ReferenceSource referenceSource(const Request& request, const Region& region);
 
+// How a label image was brought to the grid of the runs, in words.
+[[nodiscard]] const char* onGridOfRuns(bool isResampled);
+
 nlohmann::ordered_json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
                                   const ConditionResult& condition, const MapResult& map);
 nlohmann::ordered_json statusSidecar(const ResultContext& context, const ReferenceResult& reference,

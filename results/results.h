@@ -35,8 +35,10 @@ struct MapResult {
   std::array<double, 3> peakMm{};
   FamilyWiseResult familyWise{};  // empty: none was asked for, or this kind of map has none
   std::string peakLabel{};        // name of the peak's place; empty when places have none
-  std::string
-      passingFile{};  // which voxels pass at which q, relative to the output folder; empty: no thresholds
+  // Relative to the output folder, empty without thresholds: which voxels pass at which q, and the map where
+  // they pass at the largest.
+  std::string passingFile{}, thresholdedFile{};
+  std::string pFile{};  // p of single voxels; empty: none were asked for
   bool operator==(const MapResult&) const = default;
 };
 

@@ -7,15 +7,14 @@
 
 #include "formats/atomic_file.h"
 #include "formats/nifti.h"
-#include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
 #include "request/problem.h"
 #include "results/cluster_table.h"
 #include "results/course_table.h"
-#include "results/family_wise_findings.h"
-#include "results/family_wise_json.h"
+#include "results/derived_map_json.h"
 #include "results/map_findings.h"
 #include "results/record_json.h"
+#include "study/condition_images.h"
 #include "study/direction_check.h"
 #include "study/label_map.h"
 #include "study/nothing_computed.h"
@@ -118,56 +117,13 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   condition.surrogatesIllDefined = outcome.counts.surrogatesIllDefined;
   writeStatus(outcome, plan_.conditionLabels[index], condition);
   requireComputed(index, condition);
-  for (const tav::MapOutcome& map : outcome.maps) {
-    MapResult& written = condition.maps.emplace_back(writeMap(map, plan_.conditionLabels[index]));
-    const auto nulls = outcome.familyWise.find(map.type);
-    if (nulls == outcome.familyWise.end()) continue;
-    written.familyWise = writeFamilyWise(map, nulls->second, plan_.conditionLabels[index]);
-  }
-  writePassing(outcome, plan_.conditionLabels[index], condition);
+  const ConditionImages images(plan_, staging_, names(), plan_.conditionLabels[index], header_, codes_);
+  condition.maps = images.writeMaps(outcome);
+  condition.clustersFile = images.writeClusters(outcome, condition.maps);
   if (plan_.request.settings.method == Method::kCalibrated)
     lookAtData(outcome, plan_.conditionLabels[index], condition);
   result_.conditions.push_back(std::move(condition));
   report(++conditionsDone_);
-}
-
-MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& label) {
-  const Grid& grid = plan_.runs[0].grid;
-  MapResult result;
-  result.type = map.type;
-  result.file = names().map(label, map.type);
-  result.thresholds = thresholdsOf(map, plan_.request.settings.qValues, codes_);
-  const std::size_t peak = peakOf(map.values, codes_);
-  result.peak = withDigitsOf(map.values[peak]);
-  result.peakVoxel = grid.size.voxelAt(peak);
-  result.peakMm = grid.toMm(result.peakVoxel);
-  if (plan_.places != nullptr) result.peakLabel = plan_.places->nameAt(peak);
-  writeImage(result.file, mapLabel(map.type), map.values);
-  return result;
-}
-
-FamilyWiseResult ResultWriter::writeFamilyWise(const tav::MapOutcome& map, const tav::NullMaxima& nulls,
-                                               const std::string& label) const {
-  const Grid& grid = plan_.runs[0].grid;
-  const JudgedMap judged{map.values, codes_, nulls};
-  const std::vector<tav::Cluster> clusters = clustersOf(judged, grid);
-  FamilyWiseResult result = familyWiseResult(judged, clusters, grid, plan_.request.settings.qValues);
-  result.voxelFile = names().voxelP(label, map.type);
-  result.clusterFile = names().clusterP(label, map.type);
-  const std::string name = mapLabel(map.type);
-  writeImage(result.voxelFile, name + " family-wise p", voxelP(judged).data());
-  writeImage(result.clusterFile, name + " family-wise p of clusters", clusterP(judged, clusters).data());
-  return result;
-}
-
-// values: of every voxel of the grid.
-void ResultWriter::writeImage(const std::string& file, const std::string& description,
-                              const float* values) const {
-  formats::ImageHeader header = mapHeader(header_);
-  header.description = description;
-  formats::NiftiWriter writer(staging_.path(file).string(), header, formats::Durability::kCached);
-  writer.writeValues(values, plan_.runs[0].grid.size.voxels());
-  writer.commit();
 }
 
 void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
@@ -183,28 +139,6 @@ void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::
   condition.statusFile = names().status(label);
   writeLabelMap(staging_, condition.statusFile, names().statusTable(label), header_, codes_,
                 codeNames<StatusCode, kStatusCodes>(statusName));
-}
-
-// The voxels that pass: an image per map with thresholds, and the clusters of all maps as one table.
-void ResultWriter::writePassing(const tav::ConditionOutcome& outcome, const std::string& label,
-                                ConditionResult& condition) {
-  const Grid& grid = plan_.runs[0].grid;
-  tav::ClusterFinder finder(grid.size);
-  ClusterTable table;
-  for (std::size_t i = 0; i < condition.maps.size(); ++i) {
-    MapResult& map = condition.maps[i];
-    if (map.thresholds.empty()) continue;
-    const PlacedMap placed{outcome.maps[i].values, codes_, grid, plan_.places.get()};
-    map.passingFile = names().passing(label, map.type);
-    writeLabelMap(staging_, map.passingFile, names().passingTable(label, map.type), header_,
-                  passedLevels(placed, map.thresholds), passingNames(map.thresholds));
-    for (const ThresholdResult& level : map.thresholds) {
-      if (const auto threshold = usedThreshold(level))
-        table.add(map.type, level, placedClusters(placed, *threshold, finder));
-    }
-    condition.clustersFile = names().clusters(label);
-  }
-  if (!condition.clustersFile.empty()) writeText(condition.clustersFile, table.text());
 }
 
 void ResultWriter::requireComputed(std::size_t index, const ConditionResult& condition) const {
@@ -268,8 +202,11 @@ void ResultWriter::writeMapSidecars(const ResultContext& shared, const Condition
                                     const MapResult& map) {
   const nlohmann::ordered_json sidecar = mapSidecar(shared, result_, condition, map);
   writeJson(OutputNames::sidecarOf(map.file), sidecar);
-  if (!map.passingFile.empty())
+  if (!map.passingFile.empty()) {
     writeJson(OutputNames::sidecarOf(map.passingFile), passingSidecar(shared, result_, condition, map));
+    writeJson(OutputNames::sidecarOf(map.thresholdedFile), thresholdedSidecar(sidecar, map));
+  }
+  if (!map.pFile.empty()) writeJson(OutputNames::sidecarOf(map.pFile), nullPSidecar(sidecar, map));
   if (map.familyWise.empty()) return;
   writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),
             familyWiseSidecar(sidecar, map, FamilyWiseImage::kVoxels));

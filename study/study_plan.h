@@ -24,7 +24,7 @@ struct StudyPlan {
   RegionSpace space;
   std::vector<Region> regions;
   std::vector<std::string> regionLabels;     // for file names
-  std::shared_ptr<const PlaceNames> places;  // null: the request has no label image on the grid of its runs
+  std::shared_ptr<const PlaceNames> places;  // null: the request has no label image
   std::uint32_t seed = 0;
   std::vector<std::string> cautions;  // of runs and conditions; see cautionsOf()
   // Settled with the order:

@@ -52,6 +52,8 @@ struct RunOptions {
   // Surrogates whose whole maps are computed for the family-wise error, at most those of the request; 0:
   // none. In least squares only.
   int fweDraws = 0;
+  // Whether each voxel of a map with thresholds gets the p of its value among the null values (null_p.h).
+  bool nullP = false;
   // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the
   // request, from which alone its surrogates and draws follow, whatever the other references are.
   std::vector<std::int64_t> voiTimeBases = {};

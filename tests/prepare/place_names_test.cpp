@@ -46,13 +46,28 @@ TEST_F(Places, AreNamedAsTheTableBesideTheImageSays) {
 TEST_F(Places, ComeFromTheFirstLabelImageOnTheGrid) {
   Grid shifted = grid_;
   shifted.affine.at(0, 3) += 1;
+  request_.references = {labels("shifted.nii.gz", shifted, {4, 4, 4}), labels("b.nii.gz", grid_, {5, 5, 5}),
+                         labels("c.nii.gz", grid_, {6, 6, 6})};
+  EXPECT_EQ(readPlaceNames(request_, grid_)->nameAt(0), "label5");
+  EXPECT_FALSE(readPlaceNames(request_, grid_)->isResampled());
+}
+
+TEST_F(Places, AreThoseAtTheVoxelsCentresOfAnImageWithAnotherGrid) {
+  Grid fine;
+  fine.size = {6, 1, 1};
+  fine.affine = formats::Affine{{1, 0, 0, -10, 0, 2, 0, 0, 0, 0, 2, 5, 0, 0, 0, 1}};
+  request_.references = {labels("fine.nii.gz", fine, {1, 2, 3, 4, 5, 6})};
+  const auto names = readPlaceNames(request_, grid_);
+  ASSERT_NE(names, nullptr);
+  EXPECT_TRUE(names->isResampled());
+  EXPECT_EQ(names->nameAt(0) + names->nameAt(1) + names->nameAt(2), "label1label3label5");
+}
+
+TEST_F(Places, HaveNoNamesWithoutALabelImage) {
   ReferenceRequest mask = labels("mask.nii.gz", grid_, {1, 1, 1});
   mask.kind = ReferenceKind::kMask;
-  request_.references = {mask, labels("shifted.nii.gz", shifted, {4, 4, 4})};
+  request_.references = {mask};
   EXPECT_EQ(readPlaceNames(request_, grid_), nullptr);
-  request_.references.push_back(labels("b.nii.gz", grid_, {5, 5, 5}));
-  request_.references.push_back(labels("c.nii.gz", grid_, {6, 6, 6}));
-  EXPECT_EQ(readPlaceNames(request_, grid_)->nameAt(0), "label5");
 }
 
 TEST_F(Places, KeysFollowLabelsAndNamesAlone) {

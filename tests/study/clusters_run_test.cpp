@@ -8,6 +8,7 @@
 
 #include "formats/nifti.h"
 #include "formats/table.h"
+#include "results/output_names.h"
 #include "results/record_json.h"
 #include "tests/support/run_command_fixture.h"
 
@@ -92,6 +93,9 @@ TEST_F(ClustersRun, TheTableAndTheImagesHaveWhatPassesInTheMaps) {
       if (map.thresholds.empty()) continue;
       const formats::Image3D values = image(map.file);
       const std::vector<std::int32_t> levels = labels(map.passingFile);
+      const formats::Image3D thresholded = image(map.thresholdedFile);
+      for (std::size_t i = 0; i < levels.size(); ++i)
+        ASSERT_EQ(thresholded.values[i], levels[i] > 0 ? values.values[i] : 0) << map.thresholdedFile;
       int code = static_cast<int>(map.thresholds.size());
       for (const study::ThresholdResult& level : map.thresholds) {
         const std::vector<bool> passes = passing(values, level);
@@ -136,6 +140,37 @@ TEST_F(ClustersRun, PlacesHaveTheNamesOfTheLabelImage) {
   EXPECT_EQ(read("small_seed-A_desc-whole_clusters.json")["LabelImage"], "bids:input:dseg.nii.gz");
 }
 
+// By the files alone: a larger value has a smaller p, and what passes is far below any level.
+TEST_F(ClustersRun, SingleVoxelsHaveAP) {
+  compute("fwe_draws = 0");
+  for (const study::MapResult& map : condition().maps) {
+    ASSERT_EQ(map.pFile.empty(), map.thresholds.empty());
+    if (map.pFile.empty()) continue;
+    const formats::Image3D values = image(map.file), p = image(map.pFile);
+    std::vector<std::pair<float, float>> both;
+    for (std::size_t i = 0; i < values.values.size(); ++i) {
+      ASSERT_EQ(std::isnan(p.values[i]), status_[i] != static_cast<int>(study::StatusCode::kComputed));
+      if (!std::isnan(p.values[i])) both.emplace_back(std::abs(values.values[i]), p.values[i]);
+    }
+    std::sort(both.begin(), both.end());
+    EXPECT_TRUE(std::is_sorted(both.begin(), both.end(),
+                               [](const auto& a, const auto& b) { return a.second < b.second; }));
+    EXPECT_GE(both.front().second, 0);
+    // The planted influence, or its opposite; the emptied difference is held against the whole one.
+    if (map.type != tav::DTAV_IT) EXPECT_GT(both.back().second, 2) << map.pFile;
+    const auto sidecar = read(study::OutputNames::sidecarOf(map.pFile));
+    EXPECT_EQ(sidecar["StatisticFile"], map.file);
+    EXPECT_FALSE(sidecar.contains("Thresholds"));
+    EXPECT_EQ(sidecar["Units"],
+              "-log10 of a probability; NaN where the status map says anything but \"computed\"");
+  }
+}
+
+TEST_F(ClustersRun, ThePluginsProcedureHasNoP) {
+  compute("method = 'plugin'");
+  for (const study::MapResult& map : condition().maps) EXPECT_EQ(map.pFile, "");
+}
+
 TEST_F(ClustersRun, TheRecordNamesEveryFileAndItIsThere) {
   compute("fwe_draws = 0");
   int images = 0;
@@ -149,6 +184,10 @@ TEST_F(ClustersRun, TheRecordNamesEveryFileAndItIsThere) {
     if (map.passingFile.empty()) continue;
     const std::string begin = map.passingFile.substr(0, map.passingFile.find('.'));
     for (const char* ending : {".nii.gz", ".tsv", ".json"}) isThere(begin + ending);
+    for (const std::string& file : {map.thresholdedFile, map.pFile}) {
+      isThere(file);
+      isThere(study::OutputNames::sidecarOf(file));
+    }
     EXPECT_EQ(read(begin + ".json")["StatisticFile"], map.file);
     EXPECT_EQ(read(begin + ".json")["Labels"]["3"], "passes at q = 0.01");
     ++images;

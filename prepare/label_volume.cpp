@@ -58,6 +58,11 @@ double Reach::shareInside() const {
   return voxels == 0 ? 1 : static_cast<double>(voxels - beyond) / static_cast<double>(voxels);
 }
 
+std::string labelName(const LabelVolume& image, std::int32_t value) {
+  const auto found = image.names.find(value);
+  return found == image.names.end() ? "label" + std::to_string(value) : found->second;
+}
+
 std::vector<std::int32_t> labelsOnGrid(const LabelVolume& image, const Grid& grid) {
   if (sameGrid(image.grid, grid)) return image.labels;
   std::vector<std::int32_t> labels(grid.size.voxels(), 0);

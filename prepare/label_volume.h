@@ -21,6 +21,9 @@ struct LabelVolume {
   std::string table = {};  // of the names; empty: none
 };
 
+// The name of a label, "label7" when there is none for 7.
+[[nodiscard]] std::string labelName(const LabelVolume& image, std::int32_t value);
+
 // Values of the image at the centres of the grid's voxels: the same voxels when the grids agree, else
 // those of the nearest voxel (labels cannot be interpolated), 0 outside the image. Throws InputError for
 // an image whose affine cannot be inverted.

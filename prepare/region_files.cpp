@@ -16,22 +16,6 @@ std::string placeOf(const Request& request, const ReferenceRequest& reference) {
   return request.title + (reference.line > 0 ? ":" + std::to_string(reference.line) : "");
 }
 
-LabelVolume readLabels(const ReferenceRequest& reference) {
-  const std::string file = reference.image.string();
-  formats::LabelImage image = formats::readLabelImage(file);
-  LabelVolume volume;
-  volume.grid = gridOf(image.header);
-  volume.labels = std::move(image.labels);
-  volume.file = file;
-  const std::string table =
-      reference.table.empty() ? formats::labelTableBeside(file) : reference.table.string();
-  volume.table = table;
-  if (table.empty()) return volume;
-  for (const formats::Label& label : formats::readLabelTable(table).labels)
-    volume.names[label.index] = label.name;
-  return volume;
-}
-
 // A mask may hold any numbers: what is not 0 belongs to it.
 LabelVolume readMask(const ReferenceRequest& reference) {
   const formats::Image3D image = formats::readImage(reference.image.string());
@@ -77,6 +61,22 @@ void noteSpaces(const Request& request, const ReferenceRequest& reference, std::
 }
 
 }  // namespace
+
+LabelVolume readLabels(const ReferenceRequest& reference) {
+  const std::string file = reference.image.string();
+  formats::LabelImage image = formats::readLabelImage(file);
+  LabelVolume volume;
+  volume.grid = gridOf(image.header);
+  volume.labels = std::move(image.labels);
+  volume.file = file;
+  const std::string table =
+      reference.table.empty() ? formats::labelTableBeside(file) : reference.table.string();
+  volume.table = table;
+  if (table.empty()) return volume;
+  for (const formats::Label& label : formats::readLabelTable(table).labels)
+    volume.names[label.index] = label.name;
+  return volume;
+}
 
 RegionSpace regionSpace(const std::vector<RunPlan>& runs, Method method) {
   RegionSpace space{runs[0].grid, {}, method == Method::kCalibrated};

@@ -91,11 +91,6 @@ std::vector<std::string> knownLabels(const LabelVolume& image, const std::set<st
   return known;
 }
 
-std::string nameOf(const LabelVolume& image, std::int32_t value) {
-  const auto found = image.names.find(value);
-  return found == image.names.end() ? "label" + std::to_string(value) : found->second;
-}
-
 // The value that a text asks for: a name of the table, else a number.
 std::int32_t valueOf(const std::string& label, const LabelVolume& image,
                      const std::set<std::int32_t>& present, const std::string& where) {
@@ -151,7 +146,7 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
   const std::map<std::int32_t, Reach> reaches = reachOfLabels(image, space.grid);
   std::map<std::int32_t, Collector> collectors;
   for (const std::int32_t value : present)
-    collectors.emplace(value, Collector(nameOf(image, value), space, reachOf(reaches, value)));
+    collectors.emplace(value, Collector(labelName(image, value), space, reachOf(reaches, value)));
   for (std::size_t i = 0; i < labels.size(); ++i) {
     if (labels[i] != 0) collectors.at(labels[i]).add(i);
   }
@@ -159,7 +154,7 @@ std::vector<Region> allRegions(const LabelVolume& image, const std::vector<std::
   std::string missing;
   for (auto& [value, collector] : collectors) {
     if (collector.isTooLittle())
-      missing += (missing.empty() ? "" : ", ") + nameOf(image, value);
+      missing += (missing.empty() ? "" : ", ") + labelName(image, value);
     else
       regions.push_back(collector.finish(where)), regions.back().source.label = value;
   }
@@ -214,7 +209,7 @@ std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVol
       request.labels.empty() ? std::map<std::int32_t, Reach>{} : reachOfLabels(image, space.grid);
   for (const std::string& label : request.labels) {
     const std::int32_t value = valueOf(label, image, present, where);
-    const std::string name = request.name.empty() ? nameOf(image, value) : request.name;
+    const std::string name = request.name.empty() ? labelName(image, value) : request.name;
     regions.push_back(regionOfValue(name, value, labels, space, reachOf(reaches, value), where));
   }
   for (Region& region : regions) {

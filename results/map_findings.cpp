@@ -39,11 +39,14 @@ StatusCode statusOf(tav::VoxelStatus status, bool inMask, bool inReference) {
   return inReference ? StatusCode::kInsideReference : StatusCode::kComputed;
 }
 
+bool isFinding(float value, float threshold, std::uint8_t code) {
+  return !isCode(code, StatusCode::kInsideReference) && value != 0 && std::abs(value) >= threshold;
+}
+
 std::size_t passingOutside(const float* values, float threshold, const std::vector<std::uint8_t>& codes) {
   std::size_t count = 0;
   for (std::size_t i = 0; i < codes.size(); ++i) {
-    const bool outside = !isCode(codes[i], StatusCode::kInsideReference);
-    if (outside && values[i] != 0 && std::abs(values[i]) >= threshold) ++count;
+    if (isFinding(values[i], threshold, codes[i])) ++count;
   }
   return count;
 }
@@ -70,6 +73,22 @@ std::size_t peakOf(const float* values, const std::vector<std::uint8_t>& codes) 
     if (isCode(codes[i], StatusCode::kComputed) && magnitude > largest) largest = magnitude, peak = i;
   }
   return peak;
+}
+
+std::vector<float> thresholdedMap(const float* values, const std::vector<std::uint8_t>& levels) {
+  std::vector<float> map(levels.size(), 0);
+  for (std::size_t i = 0; i < levels.size(); ++i)
+    if (levels[i] > 0) map[i] = values[i];
+  return map;
+}
+
+std::vector<float> minusLogP(const tav::MapOutcome& map, const std::vector<std::uint8_t>& codes) {
+  std::vector<float> image(codes.size(), std::numeric_limits<float>::quiet_NaN());
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    if (!isCode(codes[i], StatusCode::kComputed)) continue;
+    image[i] = map.values[i] == 0 ? 0 : -std::log10(map.nullP[i]) + 0.0F;  // no -0
+  }
+  return image;
 }
 
 formats::ImageHeader mapHeader(formats::ImageHeader run) {

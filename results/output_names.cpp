@@ -81,6 +81,13 @@ std::string OutputNames::statistic(const std::string& conditionLabel, tav::MapTy
 std::string OutputNames::map(const std::string& conditionLabel, tav::MapType type) const {
   return statistic(conditionLabel, type, "effect");
 }
+std::string OutputNames::nullP(const std::string& conditionLabel, tav::MapType type) const {
+  return statistic(conditionLabel, type, "p");
+}
+std::string OutputNames::thresholded(const std::string& conditionLabel, tav::MapType type) const {
+  return stem(fmt::format("_contrast-{}{}_desc-thresholded_stat-effect_statmap.nii.gz", conditionLabel,
+                          mapLabel(type)));
+}
 std::string OutputNames::voxelP(const std::string& conditionLabel, tav::MapType type) const {
   return statistic(conditionLabel, type, "pfwe");
 }
@@ -102,6 +109,18 @@ std::string OutputNames::direction(const std::string& conditionLabel) const {
 
 std::string OutputNames::directionTable(const std::string& conditionLabel) const {
   return stem(fmt::format("_desc-{}Direction_dseg.tsv", conditionLabel));
+}
+
+std::string OutputNames::passing(const std::string& conditionLabel, tav::MapType type) const {
+  return stem(fmt::format("_desc-{}{}Passing_dseg.nii.gz", conditionLabel, mapLabel(type)));
+}
+
+std::string OutputNames::passingTable(const std::string& conditionLabel, tav::MapType type) const {
+  return stem(fmt::format("_desc-{}{}Passing_dseg.tsv", conditionLabel, mapLabel(type)));
+}
+
+std::string OutputNames::clusters(const std::string& conditionLabel) const {
+  return stem(fmt::format("_desc-{}_clusters.tsv", conditionLabel));
 }
 
 std::string OutputNames::courses() const {

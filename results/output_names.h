@@ -26,12 +26,19 @@ class OutputNames {
   OutputNames(std::string prefix, std::string seedLabel);
   // PREFIX_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz
   [[nodiscard]] std::string map(const std::string& conditionLabel, tav::MapType type) const;
+  // The same with stat-p: p of single voxels; with desc-thresholded: where it passes, 0 elsewhere.
+  [[nodiscard]] std::string nullP(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string thresholded(const std::string& conditionLabel, tav::MapType type) const;
   // The same with stat-pfwe and stat-pfwecluster: family-wise p of each voxel and of each voxel's cluster.
   [[nodiscard]] std::string voxelP(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string clusterP(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string status(const std::string& conditionLabel) const;
   [[nodiscard]] std::string direction(const std::string& conditionLabel) const;
   [[nodiscard]] std::string directionTable(const std::string& conditionLabel) const;
+  // Which voxels of a map pass at which q.
+  [[nodiscard]] std::string passing(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string passingTable(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string clusters(const std::string& conditionLabel) const;  // .tsv
   [[nodiscard]] std::string statusTable(const std::string& conditionLabel) const;
   std::string courses() const;  // .tsv
   std::string record() const;   // .json; written last

@@ -36,6 +36,7 @@ struct ConditionRecord {
   std::string statusFile;
   std::vector<MapResult> maps;  // a peak that is not finite is NaN
   DirectionResult direction = {};
+  std::string clustersFile = {};  // empty: there is none
   [[nodiscard]] std::size_t voxelsComputed() const {
     return voxels[static_cast<std::size_t>(StatusCode::kComputed)];
   }

@@ -102,6 +102,7 @@ void describePeak(Fields& fields, Place& place) {
     peak("Value", place.peak);
     peak("Voxel", place.peakVoxel);
     peak("Millimetres", place.peakMm);
+    if constexpr (requires { place.peakLabel; }) peak.unlessEmpty("Label", place.peakLabel);
   });
 }
 
@@ -140,6 +141,9 @@ void describe(Fields& fields, Of<Fields, MapResult>& map) {
   fields("File", map.file);
   fields.unlessEmpty("Thresholds", map.thresholds);
   describePeak(fields, map);
+  fields.unlessEmpty("PassingFile", map.passingFile);
+  fields.unlessEmpty("ThresholdedFile", map.thresholdedFile);
+  fields.unlessEmpty("PFile", map.pFile);
   fields.unlessEmpty("FamilyWise", map.familyWise);
 }
 
@@ -166,6 +170,7 @@ void describe(Fields& fields, Of<Fields, ConditionRecord>& condition) {
   fields("StatusFile", condition.statusFile);
   fields("Maps", condition.maps);
   fields.unlessEmpty("Direction", condition.direction);
+  fields.unlessEmpty("ClustersFile", condition.clustersFile);
 }
 
 template <typename Fields>

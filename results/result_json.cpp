@@ -55,7 +55,8 @@ ConditionRecord conditionRecord(const ResultContext& context, const ConditionRes
           condition.surrogatesIllDefined,
           condition.statusFile,
           condition.maps,
-          condition.direction};
+          condition.direction,
+          condition.clustersFile};
 }
 
 ModelRecord modelRecord(const ResultContext& context, const ReferenceResult& reference) {
@@ -137,6 +138,11 @@ std::string sourceUri(const Request& request, const fs::path& file) {
   return best.empty() ? file.filename().string() : best;
 }
 
+const char* onGridOfRuns(bool isResampled) {
+  return isResampled ? "each voxel of the runs takes the value at its centre (nearest voxel)"
+                     : "the image has the grid of the runs";
+}
+
 ReferenceSource referenceSource(const Request& request, const Region& region) {
   const RegionSource& from = region.source;
   ReferenceSource source;
@@ -146,10 +152,7 @@ ReferenceSource referenceSource(const Request& request, const Region& region) {
   source.labelIndex = from.label;
   source.labelName = from.labelName;
   source.grid = from.grid;
-  if (!from.image.empty())
-    source.onGridOfRuns = from.isResampled
-                              ? "each voxel of the runs takes the value at its centre (nearest voxel)"
-                              : "the image has the grid of the runs";
+  if (!from.image.empty()) source.onGridOfRuns = onGridOfRuns(from.isResampled);
   source.centreMm = from.centreMm;
   source.radiusMm = from.radiusMm;
   return source;
@@ -209,10 +212,37 @@ Json directionSidecar(const ResultContext& context, const ReferenceResult& refer
   }
   json["Labels"] = labels;
   addDirection(condition.direction, json);
+  addOriginAndModel(context, reference, condition, json);
+  return json;
+}
+
+Json passingSidecar(const ResultContext& context, const ReferenceResult& reference,
+                    const ConditionResult& condition, const MapResult& map) {
+  Json json;
+  json["Description"] = fmt::format(
+      "which voxels outside the reference pass at which q: the number of a voxel is that of the smallest q; "
+      "numbers above 0 are the voxels that pass at the largest q. The map: {}; condition '{}'",
+      mapDescription(map.type, reference.name), condition.name);
+  const std::vector<std::string> names = passingNames(map.thresholds);
+  for (std::size_t code = 0; code < names.size(); ++code) json["Labels"][std::to_string(code)] = names[code];
+  json["StatisticFile"] = map.file;
+  json["Thresholds"] = thresholdsJson(map.thresholds);
+  addOriginAndModel(context, reference, condition, json);
+  return json;
+}
+
+std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresholds) {
+  std::vector<std::string> names = {"passes at no q"};
+  for (auto level = thresholds.rbegin(); level != thresholds.rend(); ++level)
+    names.push_back(fmt::format("passes at q = {}", Json(level->q).dump()));
+  return names;
+}
+
+void addOriginAndModel(const ResultContext& context, const ReferenceResult& reference,
+                       const ConditionResult& condition, Json& json) {
   addOrigin(context, condition, json);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;
-  return json;
 }
 
 Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,

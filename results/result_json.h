@@ -34,6 +34,9 @@ struct ResultContext {
 // The region's source, with files as sourceUri() names them.
 [[nodiscard]] ReferenceSource referenceSource(const Request& request, const Region& region);
 
+// How a label image was brought to the grid of the runs, in words.
+[[nodiscard]] const char* onGridOfRuns(bool isResampled);
+
 nlohmann::ordered_json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
                                   const ConditionResult& condition, const MapResult& map);
 nlohmann::ordered_json statusSidecar(const ResultContext& context, const ReferenceResult& reference,
@@ -41,6 +44,14 @@ nlohmann::ordered_json statusSidecar(const ResultContext& context, const Referen
 // Of the direction map, when there is one.
 nlohmann::ordered_json directionSidecar(const ResultContext& context, const ReferenceResult& reference,
                                         const ConditionResult& condition);
+// Of the image of voxels that pass, when the map has thresholds.
+nlohmann::ordered_json passingSidecar(const ResultContext& context, const ReferenceResult& reference,
+                                      const ConditionResult& condition, const MapResult& map);
+// What the codes of that image mean, from 0. thresholds: ascending q.
+[[nodiscard]] std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresholds);
+// Sources, model and warnings into the sidecar of a file made from a condition.
+void addOriginAndModel(const ResultContext& context, const ReferenceResult& reference,
+                       const ConditionResult& condition, nlohmann::ordered_json& json);
 // Everything about one reference but its files; `key` says from which inputs it was made.
 [[nodiscard]] Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
                                      const std::string& key);

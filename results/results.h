@@ -34,6 +34,11 @@ struct MapResult {
   std::array<int, 3> peakVoxel{};           // indices from 0
   std::array<double, 3> peakMm{};
   FamilyWiseResult familyWise{};  // empty: none was asked for, or this kind of map has none
+  std::string peakLabel{};        // name of the peak's place; empty when places have none
+  // Relative to the output folder, empty without thresholds: which voxels pass at which q, and the map where
+  // they pass at the largest.
+  std::string passingFile{}, thresholdedFile{};
+  std::string pFile{};  // p of single voxels; empty: none were asked for
   bool operator==(const MapResult&) const = default;
 };
 
@@ -65,6 +70,7 @@ struct ConditionResult {
   int surrogatesIllDefined = 0;
   std::vector<MapResult> maps;
   DirectionResult direction = {};
+  std::string clustersFile = {};  // clusters of the voxels that pass; empty: no map has thresholds
 };
 
 struct ReferenceResult {

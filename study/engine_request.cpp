@@ -115,6 +115,7 @@ tav::RunOptions engineOptions(const Settings& settings) {
   options.searchOutsideReference = true;
   options.fdrConstant = settings.fdrConstant;
   options.fweDraws = settings.fweDraws;
+  options.nullP = true;
   return options;
 }
 

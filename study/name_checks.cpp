@@ -55,13 +55,14 @@ void requireShort(const std::string& where, const std::string& file, const std::
 
 std::vector<std::string> filesOf(const OutputNames& names, const std::string& label,
                                  const Settings& settings) {
-  std::vector<std::string> files = {names.status(label), names.statusTable(label)};
-  const bool isCalibrated = settings.method == Method::kCalibrated;
+  std::vector<std::string> files = {names.status(label), names.statusTable(label), names.clusters(label)};
   for (const tav::MapType type : settings.mapTypes) {
     files.push_back(names.map(label, type));
-    if (isCalibrated && settings.fweDraws > 0) files.push_back(names.clusterP(label, type));
+    files.push_back(names.passing(label, type));
+    files.push_back(names.thresholded(label, type));
   }
-  if (isCalibrated && settings.mapTypes.count(tav::DTAV) > 0) files.push_back(names.direction(label));
+  if (settings.method == Method::kCalibrated && settings.mapTypes.count(tav::DTAV) > 0)
+    files.push_back(names.direction(label));
   return files;
 }
 

@@ -7,14 +7,14 @@
 
 #include "formats/atomic_file.h"
 #include "formats/nifti.h"
-#include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
 #include "request/problem.h"
+#include "results/cluster_table.h"
 #include "results/course_table.h"
-#include "results/family_wise_findings.h"
-#include "results/family_wise_json.h"
+#include "results/derived_map_json.h"
 #include "results/map_findings.h"
 #include "results/record_json.h"
+#include "study/condition_images.h"
 #include "study/direction_check.h"
 #include "study/label_map.h"
 #include "study/nothing_computed.h"
@@ -117,54 +117,13 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   condition.surrogatesIllDefined = outcome.counts.surrogatesIllDefined;
   writeStatus(outcome, plan_.conditionLabels[index], condition);
   requireComputed(index, condition);
-  for (const tav::MapOutcome& map : outcome.maps) {
-    MapResult& written = condition.maps.emplace_back(writeMap(map, plan_.conditionLabels[index]));
-    const auto nulls = outcome.familyWise.find(map.type);
-    if (nulls == outcome.familyWise.end()) continue;
-    written.familyWise = writeFamilyWise(map, nulls->second, plan_.conditionLabels[index]);
-  }
+  const ConditionImages images(plan_, staging_, names(), plan_.conditionLabels[index], header_, codes_);
+  condition.maps = images.writeMaps(outcome);
+  condition.clustersFile = images.writeClusters(outcome, condition.maps);
   if (plan_.request.settings.method == Method::kCalibrated)
     lookAtData(outcome, plan_.conditionLabels[index], condition);
   result_.conditions.push_back(std::move(condition));
   report(++conditionsDone_);
-}
-
-MapResult ResultWriter::writeMap(const tav::MapOutcome& map, const std::string& label) {
-  const Grid& grid = plan_.runs[0].grid;
-  MapResult result;
-  result.type = map.type;
-  result.file = names().map(label, map.type);
-  result.thresholds = thresholdsOf(map, plan_.request.settings.qValues, codes_);
-  const std::size_t peak = peakOf(map.values, codes_);
-  result.peak = withDigitsOf(map.values[peak]);
-  result.peakVoxel = grid.size.voxelAt(peak);
-  result.peakMm = grid.toMm(result.peakVoxel);
-  writeImage(result.file, mapLabel(map.type), map.values);
-  return result;
-}
-
-FamilyWiseResult ResultWriter::writeFamilyWise(const tav::MapOutcome& map, const tav::NullMaxima& nulls,
-                                               const std::string& label) const {
-  const Grid& grid = plan_.runs[0].grid;
-  const JudgedMap judged{map.values, codes_, nulls};
-  const std::vector<tav::Cluster> clusters = clustersOf(judged, grid);
-  FamilyWiseResult result = familyWiseResult(judged, clusters, grid, plan_.request.settings.qValues);
-  result.voxelFile = names().voxelP(label, map.type);
-  result.clusterFile = names().clusterP(label, map.type);
-  const std::string name = mapLabel(map.type);
-  writeImage(result.voxelFile, name + " family-wise p", voxelP(judged).data());
-  writeImage(result.clusterFile, name + " family-wise p of clusters", clusterP(judged, clusters).data());
-  return result;
-}
-
-// values: of every voxel of the grid.
-void ResultWriter::writeImage(const std::string& file, const std::string& description,
-                              const float* values) const {
-  formats::ImageHeader header = mapHeader(header_);
-  header.description = description;
-  formats::NiftiWriter writer(staging_.path(file).string(), header, formats::Durability::kCached);
-  writer.writeValues(values, plan_.runs[0].grid.size.voxels());
-  writer.commit();
 }
 
 void ResultWriter::writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
@@ -232,6 +191,9 @@ void ResultWriter::writeSidecars() {
     if (!condition.direction.empty())
       writeJson(OutputNames::sidecarOf(condition.direction.file),
                 directionSidecar(shared, result_, condition));
+    if (!condition.clustersFile.empty())
+      writeJson(OutputNames::sidecarOf(condition.clustersFile),
+                clusterSidecar(shared, result_, condition, plan_.places.get()));
     for (const MapResult& map : condition.maps) writeMapSidecars(shared, condition, map);
   }
 }
@@ -240,6 +202,11 @@ void ResultWriter::writeMapSidecars(const ResultContext& shared, const Condition
                                     const MapResult& map) {
   const nlohmann::ordered_json sidecar = mapSidecar(shared, result_, condition, map);
   writeJson(OutputNames::sidecarOf(map.file), sidecar);
+  if (!map.passingFile.empty()) {
+    writeJson(OutputNames::sidecarOf(map.passingFile), passingSidecar(shared, result_, condition, map));
+    writeJson(OutputNames::sidecarOf(map.thresholdedFile), thresholdedSidecar(sidecar, map));
+  }
+  if (!map.pFile.empty()) writeJson(OutputNames::sidecarOf(map.pFile), nullPSidecar(sidecar, map));
   if (map.familyWise.empty()) return;
   writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),
             familyWiseSidecar(sidecar, map, FamilyWiseImage::kVoxels));

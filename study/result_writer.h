@@ -40,10 +40,6 @@ class ResultWriter : public tav::RunObserver {
   [[nodiscard]] const UsableRegion& usable() const { return usable_[current_]; }
   [[nodiscard]] OutputNames names() const;
   [[nodiscard]] ResultContext context() const;
-  MapResult writeMap(const tav::MapOutcome& map, const std::string& label);
-  FamilyWiseResult writeFamilyWise(const tav::MapOutcome& map, const tav::NullMaxima& nulls,
-                                   const std::string& label) const;
-  void writeImage(const std::string& file, const std::string& description, const float* values) const;
   void writeStatus(const tav::ConditionOutcome& outcome, const std::string& label,
                    ConditionResult& condition);
   void requireComputed(std::size_t index, const ConditionResult& condition) const;

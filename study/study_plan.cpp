@@ -154,6 +154,7 @@ StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::strin
   scaleRuns(plan);
   plan.space = regionSpace(plan.runs, request.settings.method);
   plan.regions = readRegions(plan.request, plan.space);
+  plan.places = readPlaceNames(plan.request, plan.space.grid);
   std::vector<std::string> names;
   for (const Region& region : plan.regions) names.push_back(region.name);
   plan.regionLabels = labelsOf(names, "references", request.title);
@@ -190,6 +191,7 @@ std::string resultKey(const StudyPlan& plan, std::size_t region) {
   addConditions(plan, key);
   if (plan.request.settings.method != Method::kPlugin)
     key.add("direction", "reversed time").add("surrogates", "between spikes");
+  key.add("clusters", plan.places ? plan.places->key().c_str() : "without names");
   // With method "plugin" a result depends on all references before it.
   const bool together = plan.request.settings.method == Method::kPlugin;
   for (std::size_t i = together ? 0 : region; i <= region; ++i) addRegion(plan.regions[i], key);

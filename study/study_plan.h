@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "prepare/interval_plan.h"
+#include "prepare/place_names.h"
 #include "prepare/regions.h"
 #include "prepare/run_plan.h"
 #include "request/request.h"
@@ -21,7 +23,8 @@ struct StudyPlan {
   std::vector<RunPlan> runs;
   RegionSpace space;
   std::vector<Region> regions;
-  std::vector<std::string> regionLabels;  // for file names
+  std::vector<std::string> regionLabels;     // for file names
+  std::shared_ptr<const PlaceNames> places;  // null: the request has no label image
   std::uint32_t seed = 0;
   std::vector<std::string> cautions;  // of runs and conditions; see cautionsOf()
   // Settled with the order:

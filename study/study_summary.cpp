@@ -8,6 +8,7 @@
 
 #include "results/family_wise_words.h"
 #include "results/record_json.h"
+#include "study/summary_table.h"
 
 namespace study {
 namespace {
@@ -23,12 +24,6 @@ std::string fixed(double value, int digits) {
 // As in the files, so that a number can be searched for there.
 std::string numberText(double value) {
   return Json(value).dump();
-}
-
-std::string peakText(const MapResult& map) {
-  const auto& mm = map.peakMm;
-  return fmt::format("peak {} at ({}, {}, {}) mm", fixed(map.peak, 3), fixed(mm[0], 0), fixed(mm[1], 0),
-                     fixed(mm[2], 0));
 }
 
 std::string thresholdText(const ThresholdResult& result) {
@@ -84,15 +79,22 @@ void printReference(const ReferenceOutcome& reference, std::ostream& out) {
   }
 }
 
-}  // namespace
-
-void printSummary(const StudyOutcome& outcome, std::ostream& out) {
+void printReferences(const StudyOutcome& outcome, std::ostream& out) {
   std::string request;
   for (const ReferenceOutcome& reference : outcome.references) {
     if (reference.request != request) out << reference.request << "\n";
     request = reference.request;
     printReference(reference, out);
   }
+}
+
+}  // namespace
+
+void printSummary(const StudyOutcome& outcome, std::ostream& out) {
+  if (outcome.references.size() > kMostReferencesInFull)
+    printSummaryTable(outcome, out);
+  else
+    printReferences(outcome, out);
   if (isAnyDirectionTested(outcome)) out << "NOTE: " << kDirectionNote << "\n";
   for (const std::string& caution : outcome.cautions) out << "WARNING: " << caution << "\n";
   for (const std::string& failure : outcome.failures) out << "not computed: " << failure << "\n";

@@ -52,6 +52,7 @@ struct MapOutcome {
   MapType type;
   const float* values;                   // [z][y][x], in the store
   std::vector<MapThreshold> thresholds;  // by ascending q; empty for a kind without any
+  std::vector<float> nullP = {};  // per voxel; empty unless asked for and for a kind without thresholds
 };
 
 struct ConditionOutcome {

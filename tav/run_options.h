@@ -54,6 +54,8 @@ struct RunOptions {
   int fweDraws = 0;
   // How many threads compute these maps; nothing of it shows in results.
   int threads = 1;
+  // Whether each voxel of a map with thresholds gets the p of its value among the null values (null_p.h).
+  bool nullP = false;
   // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the
   // request, from which alone its surrogates and draws follow, whatever the other references are.
   std::vector<std::int64_t> voiTimeBases = {};

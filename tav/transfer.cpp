@@ -9,6 +9,7 @@
 #include "tav/fdr_thresholds.h"
 #include "tav/map_kinds.h"
 #include "tav/map_values.h"
+#include "tav/null_p.h"
 #include "tav/tail_thresholds.h"
 #include "tav/tav.h"
 
@@ -124,6 +125,7 @@ class MapTransfer {
     computeMapValues(kind.type, raw_, request_, values);
     MapOutcome map{kind.type, values, {}};
     if (kind.range.isSearched) map.thresholds = search(kind.type, {values, raw_.size});
+    if (kind.range.isSearched && options_.nullP) map.nullP = pValues(kind.type, {values, raw_.size});
     store_.describe(index, headerOf(kind, cond_.name, request_, map.thresholds));
     return map;
   }
@@ -143,6 +145,10 @@ class MapTransfer {
         ComputedMap(type, nulls_, request_), isGiven ? kNoDependence : request_.cvConstant);
     for (std::size_t i = 0; i < found.size(); ++i) found[i].q = levels[i];
     return found;
+  }
+
+  [[nodiscard]] std::vector<float> pValues(MapType type, std::span<const float> values) const {
+    return nullPValues(StoredMap({values}), ComputedMap(nullKindOf(type), nulls_, request_));
   }
 
   const TAV_Cond_Pars& cond_;

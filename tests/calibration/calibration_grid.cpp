@@ -24,9 +24,10 @@ constexpr double kQs[] = {0.01, 0.05, 0.1};
 const std::vector<Orders> kOrders = {Orders::kFixed, Orders::kChosen};
 const char* const kOrderNames[] = {"1", "bic"};
 // With the default number of whole maps, which take most of the time: few cells, models of order 1.
+// And for the p of single voxels.
 const char* const kFamilyWiseCells[] = {"ar6", "pink", "haemo-2-300-noise", "jump", "field", "confounds36"};
 constexpr int kWholeMaps = 1000;
-const std::string kFamilyWise = "fwe-";  // before the name of a cell
+const std::string kFamilyWise = "fwe-", kPValues = "p-";  // before the name of a cell
 const char* const kScanCells[] = {"scan-shifted", "scan-phases", "scan-signs"};
 constexpr int kMostScanReferences = 60;
 
@@ -34,8 +35,10 @@ std::vector<std::string> cellNames() {
   std::vector<std::string> names;
   for (const CellSetting& cell : calibration::nullCells()) names.push_back(cell.name);
   for (const CellSetting& cell : calibration::drivenCells()) names.push_back(cell.name);
-  for (const char* name : kFamilyWiseCells) names.push_back(kFamilyWise + name);
-  for (const char* name : kScanCells) names.push_back(kFamilyWise + name);
+  for (const std::string& begin : {kFamilyWise, kPValues}) {
+    for (const char* name : kFamilyWiseCells) names.push_back(begin + name);
+    for (const char* name : kScanCells) names.push_back(begin + name);
+  }
   names.emplace_back("direction");
   for (const char* name : kScanCells) names.emplace_back(name);
   return names;
@@ -95,30 +98,60 @@ unsigned firstSeedOf(const std::string& name) {
   return hash >> 2U;
 }
 
-// False when there is no such cell.
-void printFamilyWise(const std::string& cell, const std::string& words, int volumes, double tr, int sets,
-                     const calibration::FamilyWiseRates& rates) {
+struct Whose {
+  std::string cell, words;  // no words: the real scan
+  int volumes = 0;
+  double trSeconds = 0;
+  int sets = 0;
+};
+
+void print(const Whose& whose, const calibration::FamilyWiseRates& rates) {
   for (const auto& [type, rate] : rates)
-    std::printf("family\t%s\t%s\t%d\t%g\t%s\t%d\t%.6f\t%.6f\n", cell.c_str(), words.c_str(), volumes, tr,
-                nameOf(type), sets, rate.voxels.mean(), rate.clusters.mean());
+    std::printf("family\t%s\t%s\t%d\t%g\t%s\t%d\t%.6f\t%.6f\n", whose.cell.c_str(), whose.words.c_str(),
+                whose.volumes, whose.trSeconds, nameOf(type), whose.sets, rate.voxels.mean(),
+                rate.clusters.mean());
 }
 
-bool printFamilyWise(const std::string& cell, int sets, unsigned seed, const std::string& scanFolder) {
+void print(const Whose& whose, const calibration::PValueRates& rates) {
+  for (const auto& [type, rate] : rates)
+    for (std::size_t i = 0; i < rate.size(); ++i)
+      std::printf("p\t%s\t%s\t%d\t%g\t%s\t%g\t%d\t%.6f\t%.6f\n", whose.cell.c_str(), whose.words.c_str(),
+                  whose.volumes, whose.trSeconds, nameOf(type), calibration::kPLevels[i], whose.sets,
+                  rate[i].mean(), rate[i].standardError());
+}
+
+// One of the two measurements of null data and of the real scan. False when there is no such cell.
+template <typename OfNull, typename OfScan>
+bool printMeasured(const std::string& cell, int sets, OfNull ofNull, OfScan ofScan) {
   for (const CellSetting& setting : calibration::nullCells()) {
     if (setting.name != cell) continue;
-    printFamilyWise(cell, setting.words, setting.volumes, setting.trSeconds, sets,
-                    calibration::measureFamilyWise(setting, sets, seed, kWholeMaps));
+    print({cell, setting.words, setting.volumes, setting.trSeconds, sets}, ofNull(setting));
     return true;
   }
   for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind) {
     if (cell != kScanCells[kind]) continue;
     const int references = std::min(sets, kMostScanReferences);
-    printFamilyWise(cell, "", 0, 0, references,
-                    calibration::measureScanFamilyWise(scanFolder, static_cast<calibration::Unrelated>(kind),
-                                                       references, seed, kWholeMaps));
+    print({cell, "", 0, 0, references}, ofScan(static_cast<calibration::Unrelated>(kind), references));
     return true;
   }
   return false;
+}
+
+bool printFamilyWise(const std::string& cell, int sets, unsigned seed, const std::string& scan) {
+  return printMeasured(
+      cell, sets,
+      [&](const CellSetting& setting) { return measureFamilyWise(setting, sets, seed, kWholeMaps); },
+      [&](calibration::Unrelated kind, int references) {
+        return calibration::measureScanFamilyWise(scan, kind, references, seed, kWholeMaps);
+      });
+}
+
+bool printPValues(const std::string& cell, int sets, unsigned seed, const std::string& scan) {
+  return printMeasured(
+      cell, sets, [&](const CellSetting& setting) { return measurePValues(setting, sets, seed); },
+      [&](calibration::Unrelated kind, int references) {
+        return calibration::measureScanPValues(scan, kind, references, seed);
+      });
 }
 
 bool printCell(const std::string& name, int sets, const std::string& scanFolder) {
@@ -129,6 +162,7 @@ bool printCell(const std::string& name, int sets, const std::string& scanFolder)
     if (cell.name == name) return printDriven(cell, sets, seed), true;
   if (name.starts_with(kFamilyWise))
     return printFamilyWise(name.substr(kFamilyWise.size()), sets, seed, scanFolder);
+  if (name.starts_with(kPValues)) return printPValues(name.substr(kPValues.size()), sets, seed, scanFolder);
   if (name == "direction") return printDirection(sets, seed), true;
   for (std::size_t kind = 0; kind < std::size(kScanCells); ++kind)
     if (name == kScanCells[kind])

@@ -94,6 +94,32 @@ FamilyWiseRates measureFamilyWise(const CellSetting& setting, int sets, unsigned
   return rates;
 }
 
+void addPValues(const std::vector<FoundMap>& maps, PValueRates& rates) {
+  for (const FoundMap& map : maps) {
+    std::size_t voxels = 0;
+    std::array<std::size_t, kPLevels.size()> reaching{};
+    for (const float minusLog : map.minusLogP) {
+      if (std::isnan(minusLog)) continue;
+      ++voxels;
+      for (std::size_t i = 0; i < kPLevels.size(); ++i)
+        if (static_cast<double>(minusLog) >= -std::log10(kPLevels[i])) ++reaching[i];
+    }
+    for (std::size_t i = 0; i < kPLevels.size(); ++i)
+      rates[map.type][i].add(static_cast<double>(reaching[i]) / static_cast<double>(voxels));
+  }
+}
+
+PValueRates measurePValues(const CellSetting& setting, int sets, unsigned firstSeed) {
+  PValueRates rates;
+  for (int set = 0; set < sets; ++set) {
+    const CellData data(setting, firstSeed + static_cast<unsigned>(set));
+    addPValues(LibraryRun(data.requestText(), data.folder())
+                   .compute(setting.order, [](tav::RunOptions& options) { options.nullP = true; }),
+               rates);
+  }
+  return rates;
+}
+
 PowerComparison comparePower(const CellSetting& setting, int sets, unsigned firstSeed,
                              const std::function<void(tav::RunOptions&)>& change) {
   PowerComparison comparison;

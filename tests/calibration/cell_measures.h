@@ -2,6 +2,7 @@
 #ifndef TAVMAP_TESTS_CALIBRATION_CELL_MEASURES_H
 #define TAVMAP_TESTS_CALIBRATION_CELL_MEASURES_H
 
+#include <array>
 #include <functional>
 #include <map>
 #include <string>
@@ -37,6 +38,12 @@ void addFamilyWise(const std::vector<FoundMap>& maps, FamilyWiseRates& rates);
 // Models of the setting's order, whole maps of so many surrogates.
 [[nodiscard]] FamilyWiseRates measureFamilyWise(const CellSetting& setting, int sets, unsigned firstSeed,
                                                 int draws);
+
+// By map: the share of voxels outside the reference whose own p is at most each of these.
+inline constexpr std::array<double, 3> kPLevels = {0.05, 0.01, 0.001};
+using PValueRates = std::map<tav::MapType, std::array<Mean, kPLevels.size()>>;
+void addPValues(const std::vector<FoundMap>& maps, PValueRates& rates);
+[[nodiscard]] PValueRates measurePValues(const CellSetting& setting, int sets, unsigned firstSeed);
 
 // Of lagged influence of the reference on voxels, at one q.
 struct PowerRates {

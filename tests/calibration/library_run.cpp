@@ -28,6 +28,7 @@ class Keeper : public tav::RunObserver {
       if (map.thresholds.empty()) continue;
       found_.push_back(
           {reference_, map.type, {map.values, map.values + outcome.status.size()}, map.thresholds});
+      if (!map.nullP.empty()) found_.back().minusLogP = study::minusLogP(map, codesOf(outcome));
       const auto nulls = outcome.familyWise.find(map.type);
       if (nulls != outcome.familyWise.end()) judge({map.values, codesOf(outcome), nulls->second});
     }
@@ -99,6 +100,7 @@ std::vector<FoundMap> LibraryRun::compute(int order, const std::function<void(ta
   std::iota(all.begin(), all.end(), std::size_t{0});
   tav::RunOptions options = study::referenceOptions(plan_, all);
   options.fweDraws = 0;  // the false discovery rate alone is measured, and whole maps take most of the time
+  options.nullP = false;
   if (change) change(options);
   Keeper keeper(plan_);
   std::ostringstream errors;

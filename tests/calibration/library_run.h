@@ -22,6 +22,8 @@ struct FoundMap {
   std::vector<tav::MapThreshold> thresholds;  // by ascending q; passing voxels outside the reference
   // Whether any voxel, and any cluster, outside the reference has a family-wise p of .05 or less.
   bool anyFamilyWise = false, anyCluster = false;
+  // -log10 of the p of single voxels, NaN where there is none; empty unless asked for.
+  std::vector<float> minusLogP = {};
 
   // Whether the voxel, which is not the reference's, reaches threshold i.
   [[nodiscard]] bool passes(std::size_t voxel, std::size_t i) const;

@@ -182,6 +182,13 @@ FamilyWiseRates measureScanFamilyWise(const fs::path& folder, Unrelated kind, in
   return rates;
 }
 
+PValueRates measureScanPValues(const fs::path& folder, Unrelated kind, int references, unsigned seed) {
+  ScanRun made(folder, kind, references, seed);
+  PValueRates rates;
+  addPValues(made.run->compute(1, [](tav::RunOptions& options) { options.nullP = true; }), rates);
+  return rates;
+}
+
 std::vector<ScanRates> measureScan(const fs::path& folder, Unrelated kind, int references, unsigned seed,
                                    const std::vector<Orders>& orders) {
   ScanRun made(folder, kind, references, seed);

@@ -25,6 +25,8 @@ struct ScanRates {
 // folder: examples/oneback-small. References from so many regions, spread evenly over the atlas.
 [[nodiscard]] FamilyWiseRates measureScanFamilyWise(const std::filesystem::path& folder, Unrelated kind,
                                                     int references, unsigned seed, int draws);
+[[nodiscard]] PValueRates measureScanPValues(const std::filesystem::path& folder, Unrelated kind,
+                                             int references, unsigned seed);
 [[nodiscard]] std::vector<ScanRates> measureScan(const std::filesystem::path& folder, Unrelated kind,
                                                  int references, unsigned seed,
                                                  const std::vector<Orders>& orders);

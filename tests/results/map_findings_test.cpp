@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace study {
@@ -109,6 +110,22 @@ TEST(MapFindings, MapsAndStatusHaveTheRunsGridAndNothingElseOfIt) {
   EXPECT_EQ(map.intentCode, 0);
   EXPECT_EQ(status.dataType, formats::DataType::kUint8);
   EXPECT_EQ(status.intentCode, formats::kLabelIntent);
+}
+
+TEST(MapFindings, AThresholdedMapIsZeroWhereNothingPasses) {
+  const float values[] = {1, -2, 3, kNan};
+  EXPECT_EQ(thresholdedMap(values, {0, 1, 2, 0}), (std::vector<float>{0, -2, 3, 0}));
+}
+
+TEST(MapFindings, OnlyComputedVoxelsOutsideTheReferenceHaveAP) {
+  const float values[] = {5, 4, 0, 3, -2};
+  const tav::MapOutcome map{tav::REF2VOX, values, {}, {0.01F, 0.1F, kNan, 1, 0.001F}};
+  const std::vector<float> image = minusLogP(map, codes({kComputed, kInside, kComputed, kIll, kComputed}));
+  EXPECT_FLOAT_EQ(image[0], 2);
+  EXPECT_TRUE(std::isnan(image[1]));
+  EXPECT_EQ(image[2], 0);  // nothing falls short of it
+  EXPECT_TRUE(std::isnan(image[3]));
+  EXPECT_FLOAT_EQ(image[4], 3);
 }
 
 }  // namespace

@@ -25,6 +25,10 @@ TEST(OutputNames, FollowTheConventionsOfStatisticMaps) {
             "sub-01_task-rest_seed-V1_contrast-facesdTAV_stat-pfwecluster_statmap.nii.gz");
   EXPECT_EQ(names.status("faces"), "sub-01_task-rest_seed-V1_desc-facesStatus_dseg.nii.gz");
   EXPECT_EQ(names.direction("faces"), "sub-01_task-rest_seed-V1_desc-facesDirection_dseg.nii.gz");
+  EXPECT_EQ(names.passing("faces", tav::DTAV), "sub-01_task-rest_seed-V1_desc-facesdTAVPassing_dseg.nii.gz");
+  EXPECT_EQ(OutputNames::sidecarOf(names.passing("faces", tav::INST)),
+            OutputNames::sidecarOf(names.passingTable("faces", tav::INST)));
+  EXPECT_EQ(names.clusters("faces"), "sub-01_task-rest_seed-V1_desc-faces_clusters.tsv");
   EXPECT_EQ(OutputNames::sidecarOf(names.directionTable("faces")),
             OutputNames::sidecarOf(names.direction("faces")));
   EXPECT_EQ(OutputNames::sidecarOf(names.status("faces")),

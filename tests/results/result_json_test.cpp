@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "formats/atomic_file.h"
-#include "results/family_wise_json.h"
+#include "results/derived_map_json.h"
 #include "results/record_json.h"
 #include "tests/support/sample_result.h"
 
@@ -65,6 +65,30 @@ TEST_F(Sidecars, OfFamilyWiseImagesSayWhatTheirValuesAre) {
   EXPECT_EQ(clusters["Literature"], voxels["Literature"]);
   EXPECT_FALSE(voxels["FamilyWise"].contains("Clusters"));
   EXPECT_EQ(clusters["FamilyWise"]["Clusters"][1]["Voxels"], 98);
+}
+
+TEST_F(Sidecars, OfDerivedImagesSayWhatTheirValuesAre) {
+  MapResult ofFaces = reference_.conditions[0].maps[0];
+  const Json thresholded = thresholdedSidecar(map(0, 0), ofFaces);
+  EXPECT_EQ(
+      thresholded["Description"],
+      "the map where it passes outside the reference at q = 0.033; 0 elsewhere. The map: influence of V1 on "
+      "each voxel; condition 'faces'");
+  EXPECT_EQ(thresholded["StatisticFile"], "faces_ref2vox.nii.gz");
+  EXPECT_EQ(thresholded["Units"], map(0, 0)["Units"]);
+  EXPECT_EQ(thresholded["Thresholds"], map(0, 0)["Thresholds"]);
+  const Json p = nullPSidecar(map(0, 0), ofFaces);
+  EXPECT_EQ(
+      p["Description"],
+      "p of each voxel by itself, whatever the other voxels show: (1 + the number of null values of at least "
+      "its magnitude) / (1 + the number of null values), those of all voxels together. The map: influence of "
+      "V1 on each voxel; condition 'faces'");
+  EXPECT_EQ(p["Units"], "-log10 of a probability; NaN where the status map says anything but \"computed\"");
+  EXPECT_FALSE(p.contains("Thresholds") || p.contains("FamilyWise"));
+  ofFaces.type = tav::DTAV_IT;
+  EXPECT_NE(nullPSidecar(map(0, 0), ofFaces)["Description"].get<std::string>().find(
+                "together; the null values are those of DTAV, since"),
+            std::string::npos);
 }
 
 TEST_F(Sidecars, TheRepetitionTimeIsThatOfAllRunsOrNone) {

@@ -28,7 +28,15 @@ mask = numpy.asarray(nibabel.load(str(example / "mask_small.nii.gz")).dataobj) !
 label = numpy.asarray(nibabel.load(str(example / "dseg_small.nii.gz")).dataobj)
 region = label == 20  # 7Networks_LH_Vis_4
 results = work / "results"
-maps = sorted(results.glob("*_stat-effect_statmap.nii.gz"))
+cut = sorted(results.glob("*_desc-thresholded_stat-effect_statmap.nii.gz"))
+assert len(cut) == 10, cut
+for path in cut:
+    effect = nibabel.load(str(path).replace("_desc-thresholded", ""))
+    stem, contrast = path.name.split("_desc-")[0].split("_contrast-")
+    passing = nibabel.load(str(results / f"{stem}_desc-{contrast}Passing_dseg.nii.gz"))
+    shown = numpy.where(numpy.asarray(passing.dataobj) > 0, numpy.asarray(effect.dataobj), 0)
+    assert numpy.array_equal(numpy.asarray(nibabel.load(str(path)).dataobj), shown), path
+maps = sorted(set(results.glob("*_stat-effect_statmap.nii.gz")) - set(cut))
 assert len(maps) == 12, maps
 for path in maps:
     image = nibabel.load(str(path))

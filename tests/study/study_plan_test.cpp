@@ -99,9 +99,25 @@ TEST(ResultKey, EverySettingOfTheTableIsTried) {
 
 // Results that were made before are kept only as long as this stays.
 TEST(ResultKey, StaysWhatItWas) {
-  EXPECT_EQ(resultKey(sample_plan::plan(), 0), "6baed459d1476ff389c323dccd04ef7b");
+  EXPECT_EQ(resultKey(sample_plan::plan(), 0), "6b1351606b868d68ba4b7ed82c2e5960");
   EXPECT_EQ(keyAfter(setting([](Settings& s) { s.method = Method::kPlugin, s.cvConstant = 1; }), 1),
-            "e86d42b3b9e254ea016cf8c603e89322");
+            "eeb462e38be3cdf74ecbe93593d5db5f");
+}
+
+// What places are called stands in the tables of a result.
+TEST(ResultKey, NamesOfPlacesMatter) {
+  StudyPlan plan = sample_plan::plan();
+  const auto keyWith = [&plan](const std::string& name) {
+    LabelVolume volume;
+    volume.labels = {0, 1};
+    volume.names = {{1, name}};
+    plan.places = std::make_shared<PlaceNames>(volume);
+    return resultKey(plan, 0);
+  };
+  const std::string without = resultKey(plan, 0);
+  EXPECT_NE(keyWith("V1"), without);
+  EXPECT_NE(keyWith("V1"), keyWith("V2"));
+  EXPECT_EQ(keyWith("V2"), keyWith("V2"));
 }
 
 TEST(ResultKey, HowAnOrderWasSearchedForIsNoMatter) {

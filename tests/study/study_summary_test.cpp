@@ -33,7 +33,7 @@ TEST(StudySummary, SaysEveryMapWithItsOwnNumbers) {
       "study.toml\nV1\n"
       "  faces: 115 effective volumes, 901 voxels computed\n"
       "    REF2VOX: q = 0.011: 61 voxels at 5.500 or more; q = 0.033: 63 voxels at 4.500 or more; "
-      "peak -9.250 at (-2, 2, 4) mm\n"
+      "peak -9.250 at (-2, 2, 4) mm in lobe\n"
       "      family-wise p of 0.05 or less: 57 voxels; 2 clusters of 58 voxels\n"
       "    DTAV_RC: no thresholds; peak 0.875 at (20, -20, 21) mm\n"
       "    direction: of 138 voxels that pass DTAV at q = 0.035, 67 keep their direction when it is tested "
@@ -43,6 +43,48 @@ TEST(StudySummary, SaysEveryMapWithItsOwnNumbers) {
       "peak 8.750 at (-28, 30, 30) mm\n"
       "NOTE: " +
           std::string(kDirectionNote) + "\n");
+}
+
+// Eleven references are one too many.
+TEST(StudySummary, OfManyReferencesHasALineEach) {
+  StudyOutcome outcome;
+  for (int i = 0; i < 11; ++i) {
+    outcome.references.push_back(
+        {"study.toml", "R" + std::to_string(i), true, i == 3, "", sample_result::record()});
+  }
+  outcome.references[1].done = false;
+  outcome.references[1].message = "a full disk";
+  outcome.references[2].record.conditions[0].maps[0].peakLabel.clear();
+  outcome.references[5].record.conditions[0].maps[0].peakLabel = "none";
+  outcome.references[4].record.conditions[0].voxels[static_cast<std::size_t>(StatusCode::kComputed)] = 0;
+  outcome.cautions = {"careful"};
+  const auto text = [&] {
+    std::ostringstream out;
+    printSummary(outcome, out);
+    return out.str();
+  };
+  const std::string table = text();
+  EXPECT_EQ(
+      table.find(
+          "study.toml\n"
+          "  voxels outside the reference that pass at the largest q: 'faces' / 'houses'\n"
+          "  reference  REF2VOX  INST    DTAV_RC  directions kept  largest REF2VOX\n"
+          "  R0         63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm in lobe\n"
+          "  R1         FAILED: a full disk\n"
+          "  R2         63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm\n"
+          "  R3 (kept)  63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm in lobe\n"
+          "  R4         63/n/a   n/a/73  n/a/n/a  67 of 138        no peak\n"
+          "  R5         63/n/a   n/a/73  n/a/n/a  67 of 138        peak -9.250 at (-2, 2, 4) mm, in no "
+          "label\n"),
+      0U)
+      << table;
+  EXPECT_NE(table.find("in lobe\nEvery map, condition and q: *_tavmap.json and *_clusters.tsv in the output "
+                       "folder\nNOTE: " +
+                       std::string(kDirectionNote) + "\nWARNING: careful\n"),
+            std::string::npos)
+      << table;
+  outcome.references.pop_back();
+  EXPECT_NE(text().find("  faces: 115 effective volumes"), std::string::npos);
 }
 
 TEST(StudySummary, ThresholdsInWords) {

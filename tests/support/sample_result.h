@@ -85,9 +85,14 @@ inline study::ConditionResult faces() {
                      -9.25,
                      {11, 12, 13},
                      {-1.5, 2.5, 3.5},
-                     familyWise()},
+                     familyWise(),
+                     "lobe",
+                     "faces_passing.nii.gz",
+                     "faces_thresholded.nii.gz",
+                     "faces_p.nii.gz"},
                     {tav::DTAV_RC, "faces_rc.nii.gz", {}, 0.875, {15, 18, 21}, {19.5, -20.5, 21.25}}};
   condition.direction = {0.035, "faces_direction.nii.gz", {920, 33, 34, 35, 36}};
+  condition.clustersFile = "faces_clusters.tsv";
   return condition;
 }
 

@@ -30,6 +30,10 @@ class Notes : public Listener {
   }
   void onCondition(const tav::ConditionOutcome& outcome) override {
     familyWise = outcome.familyWise;
+    for (const tav::MapOutcome& map : outcome.maps) {
+      maps[map.type].assign(map.values, map.values + outcome.status.size());
+      nullP[map.type] = map.nullP;
+    }
     for (const tav::RawValues& raw : outcome.nulls) {
       for (const tav::MapType type : request_.mapTypes) {
         std::vector<float> values(raw.size);
@@ -42,6 +46,7 @@ class Notes : public Listener {
   std::vector<std::vector<float>> surrogates;
   tav::FamilyWise familyWise;
   std::map<tav::MapType, std::vector<float>> nulls;  // of the voxels' own draws
+  std::map<tav::MapType, std::vector<float>> maps, nullP;
 
  private:
   const tav::TAV_Pars& request_;
@@ -219,6 +224,27 @@ TEST_F(FamilyWiseRun, IsTheSameOnAnyNumberOfThreads) {
       EXPECT_EQ(together.familyWise.at(type).masses(), maxima.masses()) << threads;
     }
   }
+}
+
+TEST_F(FamilyWiseRun, SingleVoxelsHaveTheirShareOfTheNullValues) {
+  tav::RunOptions options = calibrated();
+  options.nullP = true;
+  const Notes notes = run(options);
+  for (const tav::MapType type : {tav::REF2VOX, tav::VOX2REF, tav::DTAV, tav::DTAV_IT}) {
+    const std::vector<float>& nulls = notes.nulls.at(type == tav::DTAV_IT ? tav::DTAV : type);
+    const auto count = std::count_if(nulls.begin(), nulls.end(), [](float null) { return null != 0; });
+    ASSERT_EQ(notes.nullP.at(type).size(), spec.nrOfVoxels());
+    for (std::size_t i = 0; i < spec.nrOfVoxels(); ++i) {
+      const float value = std::abs(notes.maps.at(type)[i]);
+      if (value == 0) continue;
+      const auto reaching =
+          std::count_if(nulls.begin(), nulls.end(), [&](float null) { return std::abs(null) >= value; });
+      EXPECT_FLOAT_EQ(notes.nullP.at(type)[i],
+                      (1.0F + static_cast<float>(reaching)) / (1.0F + static_cast<float>(count)));
+    }
+  }
+  EXPECT_TRUE(notes.nullP.at(tav::DTAV_RC).empty());
+  EXPECT_TRUE(run(calibrated()).nullP.at(tav::DTAV).empty());
 }
 
 TEST_F(FamilyWiseRun, SharesHaveNone) {

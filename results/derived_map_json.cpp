@@ -1,4 +1,4 @@
-#include "results/family_wise_json.h"
+#include "results/derived_map_json.h"
 
 #include <fmt/core.h>
 
@@ -29,32 +29,56 @@ std::string clustersDescription(const FamilyWiseResult& result) {
       result.draws, Json(result.clusterFormingLevel).dump(), Json(result.clusterFormingP).dump());
 }
 
-// Empty unless the surrogates' maps are of another kind.
-std::string nullMapsNote(tav::MapType type) {
+// Empty unless the surrogates' maps are of another kind. what: of them.
+std::string nullKindNote(tav::MapType type, const char* what) {
   const tav::MapType null = tav::nullKindOf(type);
   if (null == type) return "";
   return fmt::format(
-      "; the whole maps are those of {}, since no surrogate has the instantaneous influence that gives this "
-      "map its values",
-      tav::mapKind(null).keyword);
+      "; the {} are those of {}, since no surrogate has the instantaneous influence that gives this map its "
+      "values",
+      what, tav::mapKind(null).keyword);
 }
 
 // Where the procedures come from.
+constexpr const char* kPhipsonSmyth =
+    "Phipson & Smyth 2010, Statistical Applications in Genetics and Molecular Biology 9, "
+    "doi:10.2202/1544-6115.1585";
 const Json kLiterature =
-    Json::array({"Nichols & Holmes 2002, Human Brain Mapping 15, 1-25, doi:10.1002/hbm.1058",
-                 "Phipson & Smyth 2010, Statistical Applications in Genetics and Molecular Biology 9, "
-                 "doi:10.2202/1544-6115.1585"});
+    Json::array({"Nichols & Holmes 2002, Human Brain Mapping 15, 1-25, doi:10.1002/hbm.1058", kPhipsonSmyth});
+
+void describeAs(const std::string& what, const MapResult& map, Json& sidecar) {
+  sidecar["Description"] = fmt::format("{}. The map: {}", what, sidecar["Description"].get<std::string>());
+  sidecar["StatisticFile"] = map.file;
+}
 
 }  // namespace
+
+Json thresholdedSidecar(Json ofMap, const MapResult& map) {
+  describeAs(fmt::format("the map where it passes outside the reference at q = {}; 0 elsewhere",
+                         Json(map.thresholds.back().q).dump()),
+             map, ofMap);
+  return ofMap;
+}
+
+Json nullPSidecar(Json ofMap, const MapResult& map) {
+  describeAs(
+      "p of each voxel by itself, whatever the other voxels show: (1 + the number of null values of at "
+      "least its magnitude) / (1 + the number of null values), those of all voxels together" +
+          nullKindNote(map.type, "null values"),
+      map, ofMap);
+  ofMap["Units"] = "-log10 of a probability; NaN where the status map says anything but \"computed\"";
+  ofMap["Literature"] = Json::array({kPhipsonSmyth});
+  ofMap.erase("Thresholds");
+  ofMap.erase("FamilyWise");
+  return ofMap;
+}
 
 Json familyWiseSidecar(Json ofMap, const MapResult& map, FamilyWiseImage image) {
   const FamilyWiseResult& result = map.familyWise;
   const std::string what =
       image == FamilyWiseImage::kVoxels ? voxelsDescription(result.draws) : clustersDescription(result);
-  ofMap["Description"] =
-      fmt::format("{}{}. The map: {}", what, nullMapsNote(map.type), ofMap["Description"].get<std::string>());
+  describeAs(what + nullKindNote(map.type, "whole maps"), map, ofMap);
   ofMap["Units"] = "probability; NaN where the status map says anything but \"computed\"";
-  ofMap["StatisticFile"] = map.file;
   ofMap["Literature"] = kLiterature;
   ofMap.erase("Thresholds");
   if (image == FamilyWiseImage::kClusters) ofMap["FamilyWise"] = familyWiseJson(result, true);

@@ -55,7 +55,7 @@ tav::MapType typeOfPeaks(const std::set<tav::MapType>& types) {
   return types.empty() || types.count(tav::DTAV) > 0 ? tav::DTAV : *types.begin();
 }
 
-const char* nameOf(tav::MapType type) {
+const char* typeName(tav::MapType type) {
   return tav::MAPTYPE_NAMES[static_cast<std::size_t>(type)];
 }
 
@@ -71,9 +71,9 @@ std::string directionsText(const Record& record) {
 
 Cells header(const std::set<tav::MapType>& types) {
   Cells cells = {"reference"};
-  for (const tav::MapType type : types) cells.emplace_back(nameOf(type));
+  for (const tav::MapType type : types) cells.emplace_back(typeName(type));
   cells.emplace_back("directions kept");
-  cells.push_back(fmt::format("largest {}", nameOf(typeOfPeaks(types))));
+  cells.push_back(fmt::format("largest {}", typeName(typeOfPeaks(types))));
   return cells;
 }
 

@@ -89,14 +89,17 @@ bool isDifference(const std::string& mapType) {
 
 ShownMap shownMapOfImage(const std::string& path, double q, MapColours colours) {
   if (colours == MapColours::kStored)
-    throw FileError(path, "the image keeps no colours of its own", "Leave out --colours plugin, or give the map set (.tav)");
+    throw FileError(path, "the image keeps no colours of its own",
+                    "Leave out --colours plugin, or give the map set (.tav)");
   const Json document = sidecarOf(path);
   const JsonPlace sidecar(document, withoutEnding(path) + ".json");
   requireEffectMap(path, sidecar);
   const std::string mapType = sidecar.member("MapType").text();
   formats::Image3D image = formats::readImage(path);
   ShownMap shown{std::filesystem::path(withoutEnding(path)).filename().string(),
-                 sidecar.member("Reference").text(), image.header, {}};
+                 sidecar.member("Reference").text(),
+                 image.header,
+                 {}};
   shown.picture.size = image.header.size;
   shown.picture.affine = image.header.affine.m;
   shown.picture.map = std::move(image.values);

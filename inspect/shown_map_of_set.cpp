@@ -49,11 +49,11 @@ void setOwnRange(const formats::Map& map, render::SlicePicture& picture) {
 void setColours(const formats::Map& map, MapColours colours, render::SlicePicture& picture) {
   const bool hasNegative = map.negativeColorFrom != 0 || map.negativeColorTo != 0;
   const bool readable = colours == MapColours::kReadable;
-  picture.positive = readable ? render::warmScale()
-                              : render::ColourScale{map.positiveColorFrom, map.positiveColorTo};
+  picture.positive =
+      readable ? render::warmScale() : render::ColourScale{map.positiveColorFrom, map.positiveColorTo};
   if (!hasNegative) return;
-  picture.negative = readable ? render::coldScale()
-                              : render::ColourScale{map.negativeColorFrom, map.negativeColorTo};
+  picture.negative =
+      readable ? render::coldScale() : render::ColourScale{map.negativeColorFrom, map.negativeColorTo};
 }
 
 // "faces: dTAV IT" becomes "faces_dTAV_IT".

@@ -29,12 +29,11 @@ class StatisticMap : public testing::Test {
   }
   std::string path() const { return scratch_.file("s_contrast-a_stat-effect_statmap.nii.gz"); }
   void writeSidecar(const std::string& mapType, const std::string& more) const {
-    scratch_.write("s_contrast-a_stat-effect_statmap.json",
-                   R"({"MapType": ")" + mapType + R"(", "Reference": "V1", "Condition": "faces")" + more + "}");
+    scratch_.write(
+        "s_contrast-a_stat-effect_statmap.json",
+        R"({"MapType": ")" + mapType + R"(", "Reference": "V1", "Condition": "faces")" + more + "}");
   }
-  ShownMap shown(double q = 0.05) const {
-    return inspect::shownMapOfImage(path(), q, MapColours::kReadable);
-  }
+  ShownMap shown(double q = 0.05) const { return inspect::shownMapOfImage(path(), q, MapColours::kReadable); }
   std::string refusal(double q = 0.05, MapColours colours = MapColours::kReadable) const {
     return reasonOf([&] { return inspect::shownMapOfImage(path(), q, colours); });
   }
@@ -99,9 +98,10 @@ TEST_F(StatisticMap, RefusesAnUnknownQ) {
 TEST_F(StatisticMap, RefusesAnImageWithoutItsSidecar) {
   const std::string json = scratch_.file("s_contrast-a_stat-effect_statmap.json");
   std::filesystem::remove(json);
-  EXPECT_EQ(refusal(), "its sidecar " + json +
-                           " is missing, which has the thresholds. Keep both files together, or give the map set "
-                           "(.tav).");
+  EXPECT_EQ(refusal(),
+            "its sidecar " + json +
+                " is missing, which has the thresholds. Keep both files together, or give the map set "
+                "(.tav).");
 }
 
 TEST_F(StatisticMap, RefusesPValuesAndNamesTheEffectMap) {

@@ -15,14 +15,15 @@ namespace {
 using Vector = std::array<double, 3>;
 using Matrix = std::array<Vector, 3>;
 
-constexpr Matrix kIdentity = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+constexpr Matrix kAllCones = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 constexpr Matrix kDeuteranopia = {
     {{0.367322, 0.860646, -0.227968}, {0.280085, 0.672501, 0.047413}, {-0.011820, 0.042940, 0.968881}}};
 constexpr Matrix kProtanopia = {
     {{0.152286, 1.052583, -0.204868}, {0.114503, 0.786281, 0.099216}, {-0.003882, -0.048116, 1.051998}}};
 // IEC 61966-2-1, white D65.
-constexpr Matrix kToXyz = {
-    {{0.4124564, 0.3575761, 0.1804375}, {0.2126729, 0.7151522, 0.0721750}, {0.0193339, 0.1191920, 0.9503041}}};
+constexpr Matrix kToXyz = {{{0.4124564, 0.3575761, 0.1804375},
+                            {0.2126729, 0.7151522, 0.0721750},
+                            {0.0193339, 0.1191920, 0.9503041}}};
 
 Vector times(const Matrix& m, const Vector& v) {
   Vector result{};
@@ -68,28 +69,29 @@ TEST(ColourScale, OneColourServesTheWholeScale) {
 
 TEST(ColourScale, TheMoreTheLighterOnEachArmForEveryEye) {
   for (const ColourScale& scale : {warmScale(), coldScale()})
-    for (const Matrix& eye : {kIdentity, kDeuteranopia, kProtanopia})
+    for (const Matrix& eye : {kAllCones, kDeuteranopia, kProtanopia})
       for (int step = 1; step <= 100; ++step)
-        EXPECT_GT(seen(colourAt(scale, step / 100.0), eye)[0], seen(colourAt(scale, (step - 1) / 100.0), eye)[0])
+        EXPECT_GT(seen(colourAt(scale, step / 100.0), eye)[0],
+                  seen(colourAt(scale, (step - 1) / 100.0), eye)[0])
             << step;
 }
 
 // At the same distance from the threshold and at any two distances: no magnitude hides the sign.
 TEST(ColourScale, TheArmsStayApartForEyesWithoutGreenOrRedCones) {
-  for (const Matrix& eye : {kIdentity, kDeuteranopia, kProtanopia}) {
+  for (const Matrix& eye : {kAllCones, kDeuteranopia, kProtanopia}) {
     EXPECT_GT(distance(seen(colourAt(warmScale(), 1), eye), seen(colourAt(coldScale(), 1), eye)), 60);
     for (int warm = 0; warm <= 20; ++warm)
       for (int cold = 0; cold <= 20; ++cold)
-        EXPECT_GT(
-            distance(seen(colourAt(warmScale(), warm / 20.0), eye), seen(colourAt(coldScale(), cold / 20.0), eye)),
-            50)
+        EXPECT_GT(distance(seen(colourAt(warmScale(), warm / 20.0), eye),
+                           seen(colourAt(coldScale(), cold / 20.0), eye)),
+                  50)
             << warm << " " << cold;
   }
 }
 
 TEST(ColourScale, NoColourIsOneOfTheGreysOfTheAnatomy) {
   for (const ColourScale& scale : {warmScale(), coldScale()})
-    for (const Matrix& eye : {kIdentity, kDeuteranopia, kProtanopia})
+    for (const Matrix& eye : {kAllCones, kDeuteranopia, kProtanopia})
       for (int step = 0; step <= 20; ++step) {
         const Vector colour = seen(colourAt(scale, step / 20.0), eye);
         EXPECT_GT(std::hypot(colour[1], colour[2]), 12) << step;
@@ -97,8 +99,8 @@ TEST(ColourScale, NoColourIsOneOfTheGreysOfTheAnatomy) {
 }
 
 TEST(ColourScale, BeginsWellAboveBlackAtTheThreshold) {
-  EXPECT_GT(seen(colourAt(warmScale(), 0), kIdentity)[0], 33);
-  EXPECT_GT(seen(colourAt(coldScale(), 0), kIdentity)[0], 33);
+  EXPECT_GT(seen(colourAt(warmScale(), 0), kAllCones)[0], 33);
+  EXPECT_GT(seen(colourAt(coldScale(), 0), kAllCones)[0], 33);
 }
 
 }  // namespace

@@ -32,9 +32,15 @@ Json sidecarOf(const std::string& image) {
   return formats::parseJson(formats::readTextFile(path), path);
 }
 
+// Images that are made from a map say which: those of p-values are no effects, the map where it passes is
+// one.
+bool holdsPValues(const JsonPlace& sidecar) {
+  return sidecar.has("StatisticFile") && !sidecar.has("Thresholds");
+}
+
 void requireEffectMap(const std::string& image, const JsonPlace& sidecar) {
-  if (sidecar.has("StatisticFile"))
-    throw FileError(image, "holds p-values, of which the small ones count",
+  if (holdsPValues(sidecar))
+    throw FileError(image, "holds p-values, and pictures show effects",
                     fmt::format("Draw the effect map: {}", sidecar.member("StatisticFile").text()));
   if (!sidecar.has("MapType"))
     sidecar.fail("this is no sidecar of a map that `tavmap run` or `tavmap bids` wrote",

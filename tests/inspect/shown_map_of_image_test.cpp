@@ -106,7 +106,12 @@ TEST_F(StatisticMap, RefusesAnImageWithoutItsSidecar) {
 
 TEST_F(StatisticMap, RefusesPValuesAndNamesTheEffectMap) {
   writeSidecar("DTAV", R"(, "StatisticFile": "effect.nii.gz")");
-  EXPECT_EQ(refusal(), "holds p-values, of which the small ones count. Draw the effect map: effect.nii.gz.");
+  EXPECT_EQ(refusal(), "holds p-values, and pictures show effects. Draw the effect map: effect.nii.gz.");
+}
+
+TEST_F(StatisticMap, TakesAMapThatIsCutWhereItPasses) {
+  writeSidecar("DTAV", std::string(R"(, "StatisticFile": "effect.nii.gz")") + kThresholds);
+  EXPECT_EQ(shown().picture.lower, 4.5F);
 }
 
 TEST_F(StatisticMap, RefusesASidecarOfAnotherKind) {

@@ -1,5 +1,6 @@
 # Manual pages and completions of shells, made from the built program and installed beside it. What makes them may be
 # missing (help2man, Python): then they are left out, and a line says so.
+set(TAVMAP_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING "Where zsh looks for completions")
 find_program(HELP2MAN help2man)
 find_package(Python3 COMPONENTS Interpreter)
 
@@ -29,7 +30,7 @@ if(Python3_FOUND)
     Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/scripts/make-completions $<TARGET_FILE:tavmap> ${completions})
   install(FILES ${completions}/tavmap.bash RENAME tavmap
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT manual)
-  install(FILES ${completions}/_tavmap DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions COMPONENT manual)
+  install(FILES ${completions}/_tavmap DESTINATION ${TAVMAP_ZSH_COMPLETIONS} COMPONENT manual)
   install(FILES ${completions}/tavmap.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT manual)
 else()

@@ -33,6 +33,13 @@ std::string trimmed(std::string_view text) {
   return std::string(text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1));
 }
 
+std::string inSmallLetters(std::string_view text) {
+  std::string small(text);
+  for (char& c : small)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return small;
+}
+
 std::optional<int> parseInteger(std::string_view text) {
   return parsed<int>(text);
 }

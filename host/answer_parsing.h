@@ -14,6 +14,9 @@ namespace host {
 // Without white space at either end.
 [[nodiscard]] std::string trimmed(std::string_view text);
 
+// With ASCII letters made small, others as they are.
+[[nodiscard]] std::string inSmallLetters(std::string_view text);
+
 // A whole decimal number and nothing else; none when it is no number or does not fit.
 [[nodiscard]] std::optional<int> parseInteger(std::string_view text);
 

@@ -6,6 +6,7 @@
 
 #include "host/exports.h"
 #include "host/operation.h"
+#include "host/run_length.h"
 
 namespace {
 
@@ -55,7 +56,9 @@ int zqYesNoMessageBox(const char* html) {
 int zqGetIntegerInput(const char* prompt, int initial, int min, int max) {
   return perform("zqGetIntegerInput", below(min), [&](Operation& op) {
     requireLimits(op, initial, min, max);
-    return op.frontEnd().askInteger({op.text(prompt, "prompt"), initial, min, max}).value_or(below(min));
+    const std::string html = op.text(prompt, "prompt");
+    const int volumes = host::volumesOfRunIn(html, op.workspace());
+    return op.frontEnd().askInteger({html, initial, min, max, volumes}).value_or(below(min));
   });
 }
 

@@ -17,6 +17,7 @@ namespace host {
 struct IntegerQuestion {
   std::string html;
   int initial, min, max;  // min <= initial <= max
+  int volumes = 0;        // of the run that the question is about; 0: unknown
 };
 
 struct NumberQuestion {

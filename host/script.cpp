@@ -51,14 +51,35 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r';
 }
 
-// A '#' starts a comment when it stands alone, so that "run #2" is a text.
-std::string_view withoutComment(std::string_view line) {
-  for (std::size_t at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1)) {
-    const bool standsAlone =
-        (at == 0 || isBlank(line[at - 1])) && (at + 1 == line.size() || isBlank(line[at + 1]));
-    if (standsAlone || trimmed(line.substr(0, at)).empty()) return line.substr(0, at);
+// Where a '#' stands between blanks or ends of the line, with the backslashes before it: its place and the
+// number of these. None from `start` on: npos.
+struct LoneHash {
+  std::size_t at;
+  std::size_t backslashes;
+};
+
+LoneHash loneHash(std::string_view line, std::size_t start) {
+  for (std::size_t at = line.find('#', start); at != std::string_view::npos; at = line.find('#', at + 1)) {
+    std::size_t begin = at;
+    while (begin > 0 && line[begin - 1] == '\\') --begin;
+    const bool opens = begin == 0 || isBlank(line[begin - 1]);
+    const bool closes = at + 1 == line.size() || isBlank(line[at + 1]);
+    if (opens && closes) return {at, at - begin};
   }
-  return line;
+  return {std::string_view::npos, 0};
+}
+
+// Without the comment, and without one backslash of every '#' that is none.
+std::string withoutComment(std::string_view line) {
+  if (trimmed(line).starts_with('#')) return {};
+  std::string text;
+  std::size_t done = 0;
+  for (LoneHash hash = loneHash(line, 0); hash.at != std::string_view::npos; hash = loneHash(line, done)) {
+    if (hash.backslashes == 0) return text + std::string(line.substr(done, hash.at - done));
+    text += std::string(line.substr(done, hash.at - 1 - done)) + '#';
+    done = hash.at + 1;
+  }
+  return text + std::string(line.substr(done));
 }
 
 std::optional<Answer> answerOf(std::string_view rawLine, const std::string& path, int number) {
@@ -79,6 +100,14 @@ std::string_view tagOf(AnswerKind kind) {
   for (const Tag& tag : kTags)
     if (tag.kind == kind) return tag.name;
   return {};
+}
+
+std::string scriptLine(AnswerKind kind, const std::string& value) {
+  std::string line(tagOf(kind));
+  if (!value.empty()) line += " " + value;
+  for (LoneHash hash = loneHash(line, 0); hash.at != std::string::npos; hash = loneHash(line, hash.at + 2))
+    line.insert(hash.at, 1, '\\');
+  return line;
 }
 
 Script parseScript(std::string_view text, const std::string& path) {

@@ -5,7 +5,8 @@
 //   message You have already selected        a message box whose text contains this
 //
 // Blank lines are ignored, and so is what follows a '#': at the start of a line any, elsewhere one
-// between blanks, so that "text run #2" stays whole.
+// between blanks, so that "text run #2" stays whole. A '#' between blanks that belongs to the answer is
+// written with a backslash before it, and so are backslashes before such a '#'.
 #ifndef TAVMAP_HOST_SCRIPT_H
 #define TAVMAP_HOST_SCRIPT_H
 
@@ -31,6 +32,10 @@ struct Script {
 
 // "integer", "text", ...: the tag of a kind.
 [[nodiscard]] std::string_view tagOf(AnswerKind kind);
+
+// The line of a script that gives this answer, without its end. A value has no line ends, and no blanks at
+// its ends.
+[[nodiscard]] std::string scriptLine(AnswerKind kind, const std::string& value);
 
 // A script from its text. Throws RunEnded (bad input), naming path, line and the known tags.
 [[nodiscard]] Script parseScript(std::string_view text, const std::string& path);

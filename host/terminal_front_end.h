@@ -2,24 +2,38 @@
 //
 // Enter takes the value in brackets. "cancel" or Ctrl-D cancels a dialog, "quit" ends the run; a
 // text that is one of these words is typed with a backslash before it. Answers out of range are
-// asked for again. Relative paths start at the working folder. When the input ends for good, the
+// asked for again. An entry of a list is answered by its number, its name or a part of the name that no other
+// has. Relative paths start at the working folder. When the input ends for good, the
 // first question is cancelled and the next one ends the run, since a plug-in may repeat a
 // cancelled dialog for ever.
+//
+// A person, not a pipe, is asked once more before a dialog is cancelled that does not say what "cancel" does
+// there: plug-ins end their session then. A volume beyond the run's is pointed out to both, and a person may
+// take it back.
 #ifndef TAVMAP_HOST_TERMINAL_FRONT_END_H
 #define TAVMAP_HOST_TERMINAL_FRONT_END_H
 
 #include <iosfwd>
+#include <memory>
+#include <set>
 
+#include "host/choice_list.h"
 #include "host/front_end.h"
+#include "host/line_reader.h"
 
 namespace host {
 
+struct TerminalOptions {
+  bool person = false;  // somebody is there to be asked
+  // Offered where a person is asked for such a file; as the person typed them. Empty: none.
+  std::string vtc, protocol;
+};
+
 class TerminalFrontEnd : public FrontEnd {
  public:
-  // Both streams must outlive the front end. With `echo` every line read is written as well: for
-  // input that comes from a pipe or file, so that what is shown reads as it would at a terminal.
-  TerminalFrontEnd(std::istream& in, std::ostream& out, bool echo = false)
-      : in_(in), out_(out), echo_(echo) {}
+  // Reads lines plainly. Both streams must outlive the front end; echo: see StreamLines.
+  TerminalFrontEnd(std::istream& in, std::ostream& out, bool echo = false);
+  TerminalFrontEnd(std::unique_ptr<LineReader> lines, std::ostream& out, TerminalOptions options);
 
   void log(std::string_view html) override;
   void showMessage(const std::string& html) override;
@@ -33,20 +47,32 @@ class TerminalFrontEnd : public FrontEnd {
   std::string finish() override { return {}; }
 
  private:
+  struct Dialog {
+    std::string text, prompt;
+    Completer completer = {};
+  };
   void show(const std::string& text);
-  bool readLine(std::string& line);
-  // A trimmed line after `prompt`; none when the dialog is cancelled.
-  std::optional<std::string> answer(const std::string& asked, const std::string& prompt);
-  template <typename Value, typename Question>
-  std::optional<Value> askWithinLimits(const Question& question, const std::string& initial);
-  template <typename Problem>
-  std::optional<std::string> askPath(const FileQuestion& question, const std::string& prompt,
-                                     Problem problem);
+  bool readLine(const std::string& prompt, std::string& line, const Completer& completer = {});
+  // A trimmed line; none when the dialog is cancelled.
+  std::optional<std::string> lineFor(const Dialog& dialog);
+  // The same, after a person has confirmed a cancel that may end the session.
+  std::optional<std::string> answer(const Dialog& dialog);
+  // yes unless a person says no; nothing typed means no, the end of the input yes.
+  bool confirmed(const std::string& question);
 
-  std::istream& in_;
+  std::optional<int> numberOf(const IntegerQuestion& question, const std::vector<Choice>& choices,
+                              const std::string& line);
+  bool keepsVolume(const IntegerQuestion& question, const std::string& text, int volume);
+  std::string defaultFor(const FileQuestion& question) const;
+  template <typename Problem>
+  std::optional<std::string> askPath(const FileQuestion& question, const std::string& prompt, Problem problem,
+                                     const std::string& initial);
+
+  std::unique_ptr<LineReader> lines_;
   std::ostream& out_;
-  bool echo_;
-  bool inputEnded_ = false;  // the last read met the end of the input
+  TerminalOptions options_;
+  std::set<std::string> vtcOfferTaken_;  // titles of dialogs that the offered VTC has answered
+  bool inputEnded_ = false;              // the last read met the end of the input
 };
 
 }  // namespace host

@@ -3,33 +3,19 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <cctype>
-#include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
-#include "formats/map_set.h"
+#include "formats/file_kinds.h"
 #include "formats/nifti.h"
 #include "formats/voi_list.h"
 #include "render/slice_picture.h"
 
 namespace inspect {
 namespace {
-
-// Which threshold of the set belongs to q. The set keeps names ("thres q=0.050"), not numbers.
-std::size_t thresholdIndex(const formats::MapSet& set, const std::string& path, double q) {
-  char wanted[32];
-  std::snprintf(wanted, sizeof wanted, "thres q=%1.3f", q);
-  const auto found = std::find(set.thresholdNames.begin(), set.thresholdNames.end(), wanted);
-  if (found != set.thresholdNames.end()) return static_cast<std::size_t>(found - set.thresholdNames.begin());
-  std::string known;
-  for (const std::string& name : set.thresholdNames) known += (known.empty() ? "" : ", ") + name;
-  throw formats::FileError(path, "the maps have no threshold for q = " + std::string(wanted + 8),
-                           "They have: " + known);
-}
 
 std::vector<std::uint8_t> regionMask(const PictureOptions& options, const formats::ImageHeader& anatomy) {
   std::vector<std::uint8_t> mask;
@@ -47,82 +33,55 @@ std::vector<std::uint8_t> regionMask(const PictureOptions& options, const format
   return mask;
 }
 
-// Maps that are compared with no surrogates have thresholds of 0 and a display range of their own.
-bool hasThresholds(const formats::Map& map) {
-  return !map.thresholds.empty() && (map.thresholds.front() != 0 || map.lowerThreshold == 0);
+std::vector<ShownMap> shownMaps(const std::string& path, const PictureOptions& options) {
+  if (!formats::isNiftiName(path)) return shownMapsOfSet(path, options.q, options.colours);
+  std::vector<ShownMap> shown;
+  shown.push_back(shownMapOfImage(path, options.q, options.colours));
+  return shown;
 }
 
-// The display range at q; a map without thresholds keeps its own. Nothing passes: nothing is shown.
-void setRange(const formats::MapSet& set, const formats::Map& map, const PictureOptions& options,
-              render::SlicePicture& picture) {
-  picture.lower = map.lowerThreshold;
-  picture.upper = map.upperThreshold;
-  char caption[128];
-  std::snprintf(caption, sizeof caption, "shown from %.3g on", static_cast<double>(map.lowerThreshold));
-  if (hasThresholds(map)) {
-    const float threshold = map.thresholds[thresholdIndex(set, options.maps, options.q)];
-    const float factor = map.lowerThreshold > 0 ? map.upperThreshold / map.lowerThreshold : 3.0F;
-    const bool anyPasses = std::isfinite(threshold);
-    picture.lower = anyPasses ? threshold : HUGE_VALF;
-    picture.upper = anyPasses ? factor * threshold : HUGE_VALF;
-    std::snprintf(caption, sizeof caption,
-                  anyPasses ? "false discovery rate q = %g: threshold %.3g"
-                            : "false discovery rate q = %g: no voxel survives",
-                  options.q, static_cast<double>(threshold));
-  }
-  picture.caption = caption;
-}
-
-render::SlicePicture pictureOf(const formats::MapSet& set, const formats::Map& map,
-                               const formats::Image3D& anatomy, const std::vector<std::uint8_t>& region,
-                               const PictureOptions& options) {
-  render::SlicePicture picture;
-  picture.size = set.grid();
-  picture.affine = set.affine.m;
-  picture.anatomy = anatomy.values;
-  picture.map = map.values;
-  picture.reference = region;
-  picture.positive = {map.positiveColorFrom, map.positiveColorTo};
-  picture.negative = {map.negativeColorFrom, map.negativeColorTo};
-  picture.title = map.name + (options.region.empty() ? "" : "   reference: " + options.region);
-  picture.slices = options.slices;
-  setRange(set, map, options, picture);
-  return picture;
-}
-
-// "faces: dTAV IT" becomes "faces_dTAV_IT".
-std::string fileNameOf(const std::string& mapName) {
-  std::string name;
-  for (const char c : mapName) {
-    if (std::isalnum(static_cast<unsigned char>(c)) != 0)
-      name += c;
-    else if (!name.empty() && name.back() != '_')
-      name += '_';
-  }
-  return name;
-}
-
-void requireGridOfMaps(const formats::MapSet& set, const formats::ImageHeader& anatomy,
-                       const std::string& path) {
-  if (anatomy.size == set.grid()) return;
+// Of a map set the size alone: one that lies where its host says so need not share the image's affine.
+void requireGridOf(const std::string& path, const ShownMap& map, const formats::ImageHeader& anatomy,
+                   const std::string& anatomyPath) {
+  if (formats::isNiftiName(path)) return formats::requireSameGrid(anatomy, anatomyPath, map.header, path);
+  if (anatomy.size == map.header.size) return;
   throw formats::FileError(
-      path, fmt::format("has {} voxels and the maps have {}", toText(anatomy.size), toText(set.grid())),
+      anatomyPath,
+      fmt::format("has {} voxels and the maps have {}", toText(anatomy.size), toText(map.header.size)),
       "Give an anatomy on the grid of the maps");
+}
+
+// What a title says of the reference, and of an outlined region that is not the reference.
+std::string regionsText(const std::string& reference, const std::string& outlined) {
+  std::string text;
+  if (!reference.empty()) text += "   reference: " + reference;
+  if (!outlined.empty() && outlined != reference) text += "   outlined: " + outlined;
+  return text;
+}
+
+std::string drawn(ShownMap map, const formats::Image3D& anatomy, const std::vector<std::uint8_t>& region,
+                  const PictureOptions& options) {
+  map.picture.anatomy = anatomy.values;
+  map.picture.reference = region;
+  map.picture.title += regionsText(map.reference.empty() ? options.region : map.reference, options.region);
+  map.picture.slices = options.slices;
+  std::string path = fmt::format("{}/{}.png", options.folder, map.file);
+  formats::writeTextFile(path, render::renderPng(map.picture));
+  return path;
 }
 
 }  // namespace
 
-std::vector<std::string> drawMapSet(const PictureOptions& options) {
-  const formats::MapSet set = formats::loadMapSet(options.maps);
+std::vector<std::string> drawMaps(const PictureOptions& options) {
   const formats::Image3D anatomy = formats::readImage(options.anatomy);
-  requireGridOfMaps(set, anatomy.header, options.anatomy);
   const auto region = regionMask(options, anatomy.header);
-  std::filesystem::create_directories(options.folder);
-  const std::string stem = std::filesystem::path(options.maps).stem().string();
   std::vector<std::string> paths;
-  for (const formats::Map& map : set.maps) {
-    paths.push_back(fmt::format("{}/{}_{}.png", options.folder, stem, fileNameOf(map.name)));
-    formats::writeTextFile(paths.back(), render::renderPng(pictureOf(set, map, anatomy, region, options)));
+  for (const std::string& file : options.maps) {
+    for (ShownMap& map : shownMaps(file, options)) {
+      requireGridOf(file, map, anatomy.header, options.anatomy);
+      std::filesystem::create_directories(options.folder);
+      paths.push_back(drawn(std::move(map), anatomy, region, options));
+    }
   }
   return paths;
 }

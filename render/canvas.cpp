@@ -5,18 +5,8 @@
 
 #include <stdexcept>
 
-#include "render/slice_picture.h"
-
 namespace render {
 namespace {
-
-double channel(std::int32_t colour, int shift) {
-  return ((colour >> shift) & 0xFF) / 255.0;
-}
-
-double between(double from, double to, double share) {
-  return from + (to - from) * share;
-}
 
 cairo_status_t append(void* text, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(text)->append(reinterpret_cast<const char*>(data), length);
@@ -24,12 +14,6 @@ cairo_status_t append(void* text, const unsigned char* data, unsigned int length
 }
 
 }  // namespace
-
-Rgb blend(const ColourRange& range, double share) {
-  return {between(channel(range.from, 0), channel(range.to, 0), share),
-          between(channel(range.from, 8), channel(range.to, 8), share),
-          between(channel(range.from, 16), channel(range.to, 16), share)};
-}
 
 struct Canvas::Impl {
   cairo_surface_t* surface;
@@ -62,9 +46,9 @@ void Canvas::fillRectangle(double x, double y, double width, double height, Rgb 
   cairo_fill(impl_->context);
 }
 
-void Canvas::line(double x1, double y1, double x2, double y2, Rgb colour) {
-  cairo_set_source_rgb(impl_->context, colour.red, colour.green, colour.blue);
-  cairo_set_line_width(impl_->context, 2);
+void Canvas::line(double x1, double y1, double x2, double y2, const Pen& pen) {
+  cairo_set_source_rgb(impl_->context, pen.colour.red, pen.colour.green, pen.colour.blue);
+  cairo_set_line_width(impl_->context, pen.width);
   cairo_move_to(impl_->context, x1, y1);
   cairo_line_to(impl_->context, x2, y2);
   cairo_stroke(impl_->context);

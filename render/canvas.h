@@ -5,17 +5,14 @@
 #include <memory>
 #include <string>
 
+#include "render/colour_scale.h"
+
 namespace render {
 
-struct ColourRange;
-
-struct Rgb {
-  double red, green, blue;  // 0 ... 1
+struct Pen {
+  Rgb colour;
+  double width;  // pixels
 };
-inline constexpr Rgb kOutline{1.0, 0.9, 0.2};
-
-// The colour at `share` (0 ... 1) of the way from the range's start to its end.
-[[nodiscard]] Rgb blend(const ColourRange& range, double share);
 
 // Pixel coordinates, origin at the top left.
 class Canvas {
@@ -26,7 +23,7 @@ class Canvas {
   Canvas& operator=(const Canvas&) = delete;
 
   void fillRectangle(double x, double y, double width, double height, Rgb colour);
-  void line(double x1, double y1, double x2, double y2, Rgb colour);
+  void line(double x1, double y1, double x2, double y2, const Pen& pen);
   void text(double x, double y, double size, const std::string& utf8);  // white, on baseline y
   [[nodiscard]] double textWidth(double size, const std::string& utf8);
   [[nodiscard]] std::string png();

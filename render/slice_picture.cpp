@@ -18,6 +18,9 @@ constexpr double kMargin = 12;
 constexpr double kHeader = 54;
 constexpr double kFooter = 56;
 constexpr int kColumns = 5;
+// A colour of neither arm of the readable scale, on a dark line that parts it from what it crosses.
+constexpr Pen kOutline{{0, 1, 1}, 2};
+constexpr Pen kOutlineCasing{{0, 0, 0}, 4};
 
 // One place of the mosaic: the slice and the pixel position of its top left corner.
 struct Panel {
@@ -76,13 +79,13 @@ float whiteLevel(const std::vector<float>& anatomy) {
 
 bool isShown(const SlicePicture& p, float value) {
   if (!(std::abs(value) >= p.lower) || value == 0) return false;
-  return value > 0 || p.negative.from != 0 || p.negative.to != 0;
+  return !(value > 0 ? p.positive : p.negative).empty();
 }
 
 Rgb mapColour(const SlicePicture& p, float value) {
   const float span = p.upper > p.lower ? p.upper - p.lower : 1;
   const double share = std::clamp(static_cast<double>((std::abs(value) - p.lower) / span), 0.0, 1.0);
-  return blend(value > 0 ? p.positive : p.negative, share);
+  return colourAt(value > 0 ? p.positive : p.negative, share);
 }
 
 template <typename Draw>
@@ -106,8 +109,8 @@ void drawAnatomyAndMap(Canvas& canvas, const SlicePicture& p, const Layout& layo
 }
 
 // A line wherever a voxel of the region borders one outside it.
-void drawOutline(Canvas& canvas, const SlicePicture& p, const Layout& layout, const Panel& panel) {
-  if (p.reference.empty()) return;
+void drawOutline(Canvas& canvas, const SlicePicture& p, const Layout& layout, const Panel& panel,
+                 const Pen& pen) {
   const auto inside = [&](int right, int front) {
     return right >= 0 && front >= 0 && right < layout.view.dim(0) && front < layout.view.dim(1) &&
            p.reference[layout.view.storedIndex(right, front, panel.top)] != 0;
@@ -115,23 +118,25 @@ void drawOutline(Canvas& canvas, const SlicePicture& p, const Layout& layout, co
   forEachVoxel(layout, panel, [&](int right, int front, std::size_t, double x, double y) {
     if (!inside(right, front)) return;
     const double w = layout.voxelWidth, h = layout.voxelHeight;
-    if (!inside(right - 1, front)) canvas.line(x, y, x, y + h, kOutline);
-    if (!inside(right + 1, front)) canvas.line(x + w, y, x + w, y + h, kOutline);
-    if (!inside(right, front + 1)) canvas.line(x, y, x + w, y, kOutline);
-    if (!inside(right, front - 1)) canvas.line(x, y + h, x + w, y + h, kOutline);
+    if (!inside(right - 1, front)) canvas.line(x, y, x, y + h, pen);
+    if (!inside(right + 1, front)) canvas.line(x + w, y, x + w, y + h, pen);
+    if (!inside(right, front + 1)) canvas.line(x, y, x + w, y, pen);
+    if (!inside(right, front - 1)) canvas.line(x, y + h, x + w, y + h, pen);
   });
 }
 
+// 0 - x where x has a sign: -0 would be written as such.
 std::string rangeLabel(float lower, float upper) {
   char text[64];
   std::snprintf(text, sizeof text, "%.3g to %.3g", static_cast<double>(lower), static_cast<double>(upper));
   return text;
 }
 
-double drawColourBar(Canvas& canvas, const ColourRange& range, const std::string& label, double x, double y) {
+// Returns where the next bar begins.
+double drawColourBar(Canvas& canvas, const ColourScale& scale, const std::string& label, double x, double y) {
   constexpr int kSteps = 100;
   for (int n = 0; n < kSteps; ++n) {
-    canvas.fillRectangle(x + n, y, 1, 12, blend(range, static_cast<double>(n) / (kSteps - 1)));
+    canvas.fillRectangle(x + n, y, 1, 12, colourAt(scale, static_cast<double>(n) / (kSteps - 1)));
   }
   canvas.text(x + kSteps + 6, y + 11, 13, label);
   return x + kSteps + 6 + canvas.textWidth(13, label) + 24;
@@ -141,16 +146,18 @@ void drawFrame(Canvas& canvas, const SlicePicture& p, const Layout& layout) {
   canvas.text(kMargin, 22, 17, p.title);
   canvas.text(kMargin, 42, 13, p.caption);
   const double y = layout.height - kFooter + 8;
-  double x = drawColourBar(canvas, p.positive, rangeLabel(p.lower, p.upper), kMargin, y);
-  if (p.negative.to != 0) x = drawColourBar(canvas, p.negative, rangeLabel(-p.lower, -p.upper), x, y);
+  double x = kMargin;
+  if (!p.positive.empty()) x = drawColourBar(canvas, p.positive, rangeLabel(p.lower, p.upper), x, y);
+  if (!p.negative.empty()) drawColourBar(canvas, p.negative, rangeLabel(0 - p.lower, 0 - p.upper), x, y);
   canvas.text(kMargin, y + 34, 13,
               "Axial slices, bottom to top. L: the patient's left." +
-                  std::string(p.reference.empty() ? "" : " Outlined: the reference region."));
+                  std::string(p.reference.empty() ? "" : " Outlined: the region of the title."));
 }
 
 void drawPanel(Canvas& canvas, const SlicePicture& p, const Layout& layout, const Panel& panel, float white) {
   drawAnatomyAndMap(canvas, p, layout, panel, white);
-  drawOutline(canvas, p, layout, panel);
+  if (!p.reference.empty())
+    for (const Pen& pen : {kOutlineCasing, kOutline}) drawOutline(canvas, p, layout, panel, pen);
   canvas.text(panel.x + 3, panel.y + layout.panelHeight / 2, 12, "L");
   canvas.text(panel.x + layout.panelWidth - 12, panel.y + layout.panelHeight / 2, 12, "R");
 }

@@ -8,15 +8,10 @@
 #include <vector>
 
 #include "io/grid_size.h"
+#include "render/colour_scale.h"
 #include "render/upright.h"
 
 namespace render {
-
-// 24-bit colours with red in the lowest byte.
-struct ColourRange {
-  std::int32_t from = 0;
-  std::int32_t to = 0;
-};
 
 // All volumes share one grid, first axis fastest.
 struct SlicePicture {
@@ -28,8 +23,7 @@ struct SlicePicture {
   // |value| >= lower is coloured; full colour from |value| = upper on.
   float lower = 0;
   float upper = 1;
-  ColourRange positive;
-  ColourRange negative;  // both 0: negative values are not shown
+  ColourScale positive, negative;
   std::string title;
   std::string caption;
   int slices = 15;  // at most; spread evenly over the slices that hold anatomy

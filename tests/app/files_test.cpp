@@ -179,4 +179,30 @@ TEST(ExportCommand, WritesOneImageAndOneSidecarPerMap) {
   EXPECT_EQ(sidecar["PositiveColors"][0], "#400000");
 }
 
+TEST(PictureCommand, TakesSeveralFilesAndRefusesTheContradictionsOfItsOptions) {
+  const Scratch folder;
+  formats::saveMapSet(folder.file("a.tav"), formats_test::sampleMapSet());
+  formats::saveMapSet(folder.file("b.tav"), formats_test::sampleMapSet());
+  formats::ImageHeader header;
+  header.size = {3, 2, 2};
+  header.sformCode = 1;
+  formats::writeImage(folder.file("t1.nii"), {header, std::vector<float>(12, 1)});
+  auto run =
+      tavmap({"picture", "a.tav", "b.tav", "p", "--anatomy", "t1.nii", "--colours", "plugin"}, folder.path());
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out,
+            "p/a_faces_Ref2Vox.png\np/a_faces_dTAV.png\np/b_faces_Ref2Vox.png\np/b_faces_dTAV.png\n");
+  const std::string stored = contentOf(folder.file("p/a_faces_dTAV.png"));
+  run = tavmap({"picture", "--anatomy", "t1.nii", "a.tav", "p"}, folder.path());
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_NE(contentOf(folder.file("p/a_faces_dTAV.png")), stored);
+  EXPECT_EQ(tavmap({"picture", "a.tav", "--anatomy", "t1.nii"}, folder.path()).exitCode, 2);
+  EXPECT_EQ(
+      tavmap({"picture", "a.tav", "p", "--anatomy", "t1.nii", "--colours", "grey"}, folder.path()).exitCode,
+      2);
+  run = tavmap({"picture", "a.tav", "p", "--anatomy", "t1.nii", "--region", "V1"}, folder.path());
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.err, HasSubstr("--labels and --region belong together"));
+}
+
 }  // namespace

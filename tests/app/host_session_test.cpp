@@ -212,16 +212,17 @@ TEST_F(HostSession, TakesControlDAtATerminalAsOneCancelledDialog) {
     ASSERT_TRUE(terminal.shows(prompt)) << prompt;
     terminal.type(keys);
   };
-  answer("Number, 0 to 3 [1]: ", "1\n");
-  answer("Number, 0 to 3 [1]: ", "0\n");
-  answer("Number, 1 to 2 [1]: ", "\n");
+  answer("Number or name, 0 to 3 [1]: ", "1\n");
+  answer("Number or name, 0 to 3 [1]: ", "0\n");
+  answer("Number or name, 1 to 2 [1]: ", "\n");
   answer("Text: ", "all\n");
   for (int repeat = 0; repeat < 3; ++repeat) {
-    answer("File to open: ", app_test::kControlD);
+    answer("File to open [run1.vtc]: ", app_test::kControlD);
     answer("Press Enter to go on: ", "\n");
   }
-  answer("File to open: ", "run1.vtc\n");
+  answer("File to open [run1.vtc]: ", "run1.vtc\n");
   answer("Number, 1 to 1000000 [5]: ", app_test::kControlD);
+  answer("Cancel it? yes or no [no]: ", "yes\n");
   EXPECT_TRUE(terminal.shows("// TAV> Canceled by user."));
   EXPECT_EQ(terminal.exitCode(), 1);
 }

@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,7 +15,12 @@ namespace {
 
 constexpr int kSilenceMs = 30000;
 
-[[noreturn]] void become(const std::vector<std::string>& arguments, const std::string& folder) {
+constexpr winsize kWindow = {50, 300, 0, 0};  // no line of a test is broken
+
+[[noreturn]] void become(const std::vector<std::string>& arguments, const std::string& folder,
+                         const std::string& kind) {
+  setenv("TERM", kind.c_str(), 1);
+  setenv("HOME", folder.c_str(), 1);  // without the settings of whoever runs the tests
   std::string program = TAVMAP_PROGRAM;
   std::vector<std::string> words = arguments;
   std::vector<char*> argv = {program.data()};
@@ -26,10 +32,11 @@ constexpr int kSilenceMs = 30000;
 
 }  // namespace
 
-PseudoTerminal::PseudoTerminal(const std::vector<std::string>& arguments, const std::string& folder) {
-  program_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+PseudoTerminal::PseudoTerminal(const std::vector<std::string>& arguments, const std::string& folder,
+                               const std::string& kind) {
+  program_ = forkpty(&terminal_, nullptr, nullptr, &kWindow);
   if (program_ < 0) throw std::runtime_error("no pseudo terminal");
-  if (program_ == 0) become(arguments, folder);
+  if (program_ == 0) become(arguments, folder, kind);
 }
 
 PseudoTerminal::~PseudoTerminal() {

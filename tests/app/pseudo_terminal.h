@@ -11,8 +11,10 @@ namespace app_test {
 
 class PseudoTerminal {
  public:
-  // Starts the program with these arguments in this working folder.
-  PseudoTerminal(const std::vector<std::string>& arguments, const std::string& folder);
+  // Starts the program with these arguments in this working folder. kind: what TERM says; a "dumb" one cannot
+  // move its cursor.
+  PseudoTerminal(const std::vector<std::string>& arguments, const std::string& folder,
+                 const std::string& kind = "dumb");
   ~PseudoTerminal();  // ends the program if it still runs
   PseudoTerminal(const PseudoTerminal&) = delete;
   PseudoTerminal& operator=(const PseudoTerminal&) = delete;
@@ -34,7 +36,13 @@ class PseudoTerminal {
   std::string shown_;
 };
 
+inline constexpr const char* kControlA = "\x01";
+inline constexpr const char* kControlC = "\x03";
 inline constexpr const char* kControlD = "\x04";
+inline constexpr const char* kTab = "\t";
+inline constexpr const char* kBackspace = "\x7f";
+inline constexpr const char* kUp = "\x1b[A";
+inline constexpr const char* kLeft = "\x1b[D";
 
 }  // namespace app_test
 

@@ -4,7 +4,9 @@
 #include <cmath>
 
 #include "host/exports.h"
+#include "tests/fakes/vtc_file.h"
 #include "tests/host/active_run.h"
+#include "tests/host/sample_workspace.h"
 #include "tests/support/scratch.h"
 
 namespace {
@@ -79,6 +81,34 @@ TEST(DialogOperations, RefuseLimitsThatNoAnswerMeets) {
             "zqGetIntegerInput: the initial value is out of range");
   EXPECT_EQ(complaintAbout(nothing, [] { zqGetFloatInput("x", NAN, 0.0F, 1.0F); }),
             "zqGetFloatInput: the initial value is not a finite number");
+}
+
+// The volumes that the front end is told of.
+struct Listener : host::ScriptFrontEnd {
+  explicit Listener(std::ostream& out)
+      : ScriptFrontEnd(host::parseScript("integer 1\ninteger 1\n", "s.txt"), out) {}
+  std::optional<int> askInteger(const host::IntegerQuestion& question) override {
+    volumes = question.volumes;
+    return ScriptFrontEnd::askInteger(question);
+  }
+  int volumes = -1;
+};
+
+TEST(DialogOperations, TellHowLongTheRunIsThatTheDialogNamesOrElseTheLinkedOne) {
+  const Scratch folder;
+  const host_test::SampleFiles files;
+  host::Workspace workspace;
+  host_test::openSample(files, workspace);
+  fakes::writeVtc(folder.file("longer.vtc"), fakes::cellGrid(2, 2, 2, 77), std::vector<float>(8 * 77, 7));
+  std::ostringstream out;
+  Listener listener(out);
+  host::LogPane pane(listener, true);
+  const host::HostIdentity identity{{2, 3, 4}, "/opt/host", "/opt/host/plugins"};
+  host::Run run{workspace, listener, pane, identity};
+  zqGetIntegerInput("first volume", 1, 1, 9);
+  EXPECT_EQ(listener.volumes, workspace.vtc()->header.nrOfVolumes);
+  zqGetIntegerInput(("first volume in<br><i>" + folder.file("longer.vtc") + "</i>").c_str(), 1, 1, 9);
+  EXPECT_EQ(listener.volumes, 77);
 }
 
 }  // namespace

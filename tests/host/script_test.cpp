@@ -71,4 +71,21 @@ TEST(Script, SaysWhichFileCannotBeRead) {
   EXPECT_THAT(endingOf([] { return host::readScript("/"); }).message, HasSubstr("Cannot read the script /"));
 }
 
+TEST(Script, TakesANumberSignThatABackslashKeeps) {
+  const Script script = parseScript("text run \\# 2 # of two\ntext \\\\# \\#\ntext a\\#\n", "s.txt");
+  ASSERT_EQ(script.answers.size(), 3U);
+  EXPECT_EQ(script.answers[0].value, "run # 2");
+  EXPECT_EQ(script.answers[1].value, "\\# #");
+  EXPECT_EQ(script.answers[2].value, "a\\#");
+}
+
+TEST(Script, WritesLinesThatItReadsAsTheyWereMeant) {
+  for (const std::string value : {"faces", "# 1", "run #2", "a # b #", "\\# \\\\#", "a\\# b", "C:\\x"}) {
+    const std::string line = host::scriptLine(AnswerKind::kText, value);
+    EXPECT_EQ(parseScript(line, "s.txt").answers.at(0).value, value) << line;
+  }
+  EXPECT_EQ(host::scriptLine(AnswerKind::kText, ""), "text");
+  EXPECT_EQ(host::scriptLine(AnswerKind::kText, "run #2"), "text run #2");
+}
+
 }  // namespace

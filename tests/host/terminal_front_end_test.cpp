@@ -29,7 +29,8 @@ const host::FileQuestion kFile{"Pick a file", "", "Volume Time Course Files (*.v
 TEST(TerminalFrontEnd, ShowsADialogAsTextAndAsksForTheNumber) {
   Typed t("2\n");
   EXPECT_EQ(t.frontEnd.askInteger(kChoice), 2);
-  EXPECT_EQ(t.out.str(), "\n" + std::string(78, '-') + "\nChoose\n1. one\n2. two\n\nNumber, 1 to 2 [1]: ");
+  EXPECT_EQ(t.out.str(),
+            "\n" + std::string(78, '-') + "\nChoose\n1. one\n2. two\n\nNumber or name, 1 to 2 [1]: ");
 }
 
 TEST(TerminalFrontEnd, RepeatsInputThatNobodyTypes) {
@@ -37,7 +38,7 @@ TEST(TerminalFrontEnd, RepeatsInputThatNobodyTypes) {
   std::ostringstream out;
   TerminalFrontEnd frontEnd(in, out, true);
   EXPECT_EQ(frontEnd.askInteger(kChoice), 2);
-  EXPECT_THAT(out.str(), EndsWith("Number, 1 to 2 [1]: 2\n"));
+  EXPECT_THAT(out.str(), EndsWith("Number or name, 1 to 2 [1]: 2\n"));
   frontEnd.showMessage("box");
   EXPECT_THAT(out.str(), EndsWith("Press Enter to go on: \n"));
 }
@@ -50,10 +51,14 @@ TEST(TerminalFrontEnd, TakesTheInitialValueForEnter) {
 }
 
 TEST(TerminalFrontEnd, AsksAgainUntilTheNumberIsInRange) {
-  Typed t("0\nthree\n3\n 2 \n");
+  Typed t("0\nthree\n3\n 2 \n7\n2\n");
   EXPECT_EQ(t.frontEnd.askInteger(kChoice), 2);
   EXPECT_THAT(t.out.str(),
-              HasSubstr("Please type a whole number from 1 to 2, or cancel.\nNumber, 1 to 2 [1]: "));
+              HasSubstr("Please type a whole number from 1 to 2, or a name of the list or a part of it, or "
+                        "cancel.\nNumber or name, 1 to 2 [1]: "));
+  EXPECT_EQ(t.frontEnd.askInteger({"How many?", 1, 1, 2}), 2);
+  EXPECT_THAT(t.out.str(),
+              EndsWith("Please type a whole number from 1 to 2, or cancel.\nNumber, 1 to 2 [1]: "));
   Typed f("7\n0.25\n");
   EXPECT_EQ(f.frontEnd.askNumber({"q", 0.5F, 0.0F, 1.0F}), 0.25F);
   EXPECT_THAT(f.out.str(), HasSubstr("Number, 0 to 1 [0.5]: Please type a number from 0 to 1, or cancel.\n"));
@@ -131,6 +136,91 @@ TEST(TerminalFrontEnd, AsksAgainForAFolderThatDoesNotExist) {
   EXPECT_EQ(t.frontEnd.askFileToSave({"Save", folder.path(), "", 260}), folder / "maps");
   EXPECT_THAT(t.out.str(), HasSubstr("there is no folder " + (folder / "absent") + "\n"));
   EXPECT_THAT(t.out.str(), HasSubstr("a file name is missing after " + folder.path() + "/\n"));
+}
+
+TEST(TerminalFrontEnd, TakesNamesOfAListAndPartsThatOneOfThemHas) {
+  const host::IntegerQuestion regions{"0. Stop<br>1. LH_Vis<br>2. RH_Vis", 1, 0, 2};
+  EXPECT_EQ(Typed("RH_Vis\n").frontEnd.askInteger(regions), 2);
+  EXPECT_EQ(Typed("lh\n").frontEnd.askInteger(regions), 1);
+  EXPECT_EQ(Typed("stop\n").frontEnd.askInteger(regions), 0);
+  Typed t("vis\n2\n");
+  EXPECT_EQ(t.frontEnd.askInteger(regions), 2);
+  EXPECT_THAT(
+      t.out.str(),
+      HasSubstr("\"vis\" may be 1. LH_Vis, 2. RH_Vis. Please type more of the name, or the number.\n"));
+}
+
+const host::IntegerQuestion kVolume{"Last volume of the interval", 100, 1, 1000000, 120};
+
+TEST(TerminalFrontEnd, PointsOutVolumesBeyondTheRunAndTakesThemFromAPipe) {
+  Typed t("120\n121\n");
+  EXPECT_EQ(t.frontEnd.askInteger(kVolume), 120);
+  EXPECT_EQ(t.out.str().find("beyond"), std::string::npos);
+  EXPECT_EQ(t.frontEnd.askInteger(kVolume), 121);
+  EXPECT_THAT(t.out.str(), EndsWith("The run has 120 volumes; 121 lies beyond them.\n"));
+  Typed other("500\n");
+  EXPECT_EQ(other.frontEnd.askInteger({"How many surrogates?", 1, 1, 1000, 120}), 500);
+  EXPECT_EQ(other.out.str().find("beyond"), std::string::npos);
+}
+
+// --- what a person is asked, and a pipe is not ---
+
+struct Person {
+  explicit Person(const std::string& typed, const std::string& vtc = "", const std::string& protocol = "")
+      : in(typed),
+        frontEnd(std::make_unique<host::StreamLines>(in, out, false), out, {true, vtc, protocol}) {}
+  std::istringstream in;
+  std::ostringstream out;
+  TerminalFrontEnd frontEnd;
+};
+
+TEST(TerminalFrontEnd, MayTakeBackAVolumeBeyondTheRun) {
+  Person p("500\n\n500\nno\n500\nyes\n");
+  EXPECT_EQ(p.frontEnd.askInteger(kVolume), 500);
+  EXPECT_THAT(p.out.str(), HasSubstr("Take 500 all the same? yes or no [no]: Number, 1 to 1000000 [100]: "));
+  EXPECT_EQ(p.frontEnd.askInteger({"How many?", 7, 1, 9, 120}), std::nullopt);  // all was read
+}
+
+TEST(TerminalFrontEnd, ConfirmsACancelThatMayEndTheSession) {
+  Person p("cancel\nno\ncancel\n\ncancel\nperhaps\ny\n");
+  EXPECT_EQ(p.frontEnd.askText({"Name", "", 255}), std::nullopt);
+  EXPECT_THAT(p.out.str(),
+              HasSubstr("Cancelling this dialog can end the session. Cancel it? yes or no [no]: Text: "));
+  EXPECT_THAT(p.out.str(),
+              EndsWith("yes or no [no]: Type yes or no.\nCancelling this dialog can end the session. "
+                       "Cancel it? yes or no [no]: "));
+  EXPECT_EQ(endingOf([] {
+              (void)Person("cancel\nquit\n").frontEnd.askText({"Name", "", 255});
+            }).message,
+            "Ended by \"quit\".");
+}
+
+TEST(TerminalFrontEnd, ConfirmsNoCancelOfADialogThatSaysWhatItDoes) {
+  Person p("cancel\n");
+  EXPECT_EQ(p.frontEnd.askFileToOpen({"Add a VTC (cancel to stop adding)", "", "", 260}), std::nullopt);
+  EXPECT_EQ(p.out.str().find("Cancelling"), std::string::npos);
+  Person target("cancel\nyes\n");
+  EXPECT_EQ(target.frontEnd.askFileToOpen({"Add a VTC (mandatory, cancel only to exit)", "", "", 260}),
+            std::nullopt);
+  EXPECT_THAT(target.out.str(), HasSubstr("Cancelling this dialog"));
+}
+
+TEST(TerminalFrontEnd, TakesTheEndOfTheInputForAConfirmation) {
+  EXPECT_EQ(Person("").frontEnd.askInteger(kChoice), std::nullopt);
+}
+
+TEST(TerminalFrontEnd, OffersTheFilesOfTheCommandLineWhereTheyAreAskedFor) {
+  const Scratch folder;
+  const std::string vtc = folder.write("run1.vtc", "x"), protocol = folder.write("p.tsv", "x");
+  Person p("\n\ncancel\nyes\n\n\n", vtc, protocol);
+  EXPECT_EQ(p.frontEnd.askFileToOpen(kFile), vtc);
+  EXPECT_THAT(p.out.str(), EndsWith("File to open [" + vtc + "]: "));
+  EXPECT_EQ(p.frontEnd.askFileToOpen(kFile),
+            std::nullopt);  // once a dialog: Enter asks again, and is cancelled
+  EXPECT_EQ(p.frontEnd.askFileToOpen({"Another file", "", kFile.filter, 260}), vtc);
+  const host::FileQuestion protocols{"Protocol", "", "Protocol Files (*.prt)", 260};
+  EXPECT_EQ(p.frontEnd.askFileToOpen(protocols), protocol);
+  EXPECT_EQ(Person("\n" + protocol + "\n").frontEnd.askFileToOpen(protocols), protocol);  // nothing to offer
 }
 
 }  // namespace

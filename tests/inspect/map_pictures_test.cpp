@@ -55,7 +55,7 @@ class MapPictures : public testing::Test {
   }
   inspect::PictureOptions options() const {
     inspect::PictureOptions options;
-    options.maps = scratch_.file("m.tav");
+    options.maps = {scratch_.file("m.tav")};
     options.folder = scratch_.file("pictures");
     options.anatomy = scratch_.file("t1.nii");
     return options;
@@ -70,8 +70,8 @@ class MapPictures : public testing::Test {
     picture.map = map.values;
     picture.lower = map.lowerThreshold;
     picture.upper = map.upperThreshold;
-    picture.positive = {64, 255};
-    picture.negative = {16384, 65280};
+    picture.positive = render::warmScale();
+    picture.negative = render::coldScale();
     picture.title = map.name;
     picture.caption = index == 0 ? "false discovery rate q = 0.05: threshold 4" : "shown from 0.2 on";
     return picture;
@@ -86,11 +86,28 @@ class MapPictures : public testing::Test {
 };
 
 TEST_F(MapPictures, EveryMapHasItsPictureInTheOrderOfTheSet) {
-  const auto files = inspect::drawMapSet(options());
+  const auto files = inspect::drawMaps(options());
   EXPECT_EQ(files, (std::vector<std::string>{scratch_.file("pictures/m_face_dTAV.png"),
                                              scratch_.file("pictures/m_face_dTAV_RC.png")}));
   EXPECT_TRUE(shows(files[0], expected(0)));
   EXPECT_TRUE(shows(files[1], expected(1)));
+}
+
+TEST_F(MapPictures, TheColoursThatTheSetKeepsCanBeAskedFor) {
+  inspect::PictureOptions asked = options();
+  asked.colours = inspect::MapColours::kStored;
+  render::SlicePicture picture = expected(0);
+  picture.positive = {64, 255};
+  picture.negative = {16384, 65280};
+  EXPECT_TRUE(shows(inspect::drawMaps(asked)[0], picture));
+}
+
+TEST_F(MapPictures, MapsWithoutNegativeColoursShowNoNegativeValues) {
+  for (formats::Map& map : set_.maps) map.negativeColorFrom = map.negativeColorTo = 0;
+  formats::saveMapSet(scratch_.file("m.tav"), set_);
+  render::SlicePicture picture = expected(0);
+  picture.negative = {};
+  EXPECT_TRUE(shows(inspect::drawMaps(options())[0], picture));
 }
 
 TEST_F(MapPictures, AnotherQShowsItsOwnThresholdAndKeepsTheRatioOfTheRange) {
@@ -99,7 +116,7 @@ TEST_F(MapPictures, AnotherQShowsItsOwnThresholdAndKeepsTheRatioOfTheRange) {
   render::SlicePicture picture = expected(0);
   picture.lower = 2, picture.upper = 6;
   picture.caption = "false discovery rate q = 0.1: threshold 2";
-  EXPECT_TRUE(shows(inspect::drawMapSet(asked)[0], picture));
+  EXPECT_TRUE(shows(inspect::drawMaps(asked)[0], picture));
 }
 
 TEST_F(MapPictures, NothingIsShownWhereNothingPasses) {
@@ -108,7 +125,7 @@ TEST_F(MapPictures, NothingIsShownWhereNothingPasses) {
   render::SlicePicture picture = expected(0);
   picture.lower = picture.upper = kInfinity;
   picture.caption = "false discovery rate q = 0.01: no voxel survives";
-  EXPECT_TRUE(shows(inspect::drawMapSet(asked)[0], picture));
+  EXPECT_TRUE(shows(inspect::drawMaps(asked)[0], picture));
 }
 
 TEST_F(MapPictures, TheRegionThatIsNamedIsOutlined) {
@@ -119,9 +136,9 @@ TEST_F(MapPictures, TheRegionThatIsNamedIsOutlined) {
   picture.reference.assign(24, 0);
   picture.reference[5] = picture.reference[14] = 1;
   picture.title = "face: dTAV   reference: V1";
-  EXPECT_TRUE(shows(inspect::drawMapSet(asked)[0], picture));
+  EXPECT_TRUE(shows(inspect::drawMaps(asked)[0], picture));
   asked.region = "V9";
-  EXPECT_EQ(reasonOf([&] { return inspect::drawMapSet(asked); }),
+  EXPECT_EQ(reasonOf([&] { return inspect::drawMaps(asked); }),
             "has no region named V9. `tavmap info` lists its regions.");
 }
 
@@ -130,13 +147,13 @@ TEST_F(MapPictures, AsManySlicesAsAskedFor) {
   asked.slices = 1;
   render::SlicePicture picture = expected(0);
   picture.slices = 1;
-  EXPECT_TRUE(shows(inspect::drawMapSet(asked)[0], picture));
+  EXPECT_TRUE(shows(inspect::drawMaps(asked)[0], picture));
 }
 
 TEST_F(MapPictures, UnknownQAndOtherGridsAreNamed) {
   inspect::PictureOptions asked = options();
   asked.q = 0.2;
-  EXPECT_EQ(reasonOf([&] { return inspect::drawMapSet(asked); }),
+  EXPECT_EQ(reasonOf([&] { return inspect::drawMaps(asked); }),
             "the maps have no threshold for q = 0.200. They have: thres q=0.010, thres q=0.050, thres "
             "q=0.100.");
   asked = options();
@@ -145,7 +162,7 @@ TEST_F(MapPictures, UnknownQAndOtherGridsAreNamed) {
   header.sformCode = 1;
   formats::writeImage(scratch_.file("flat.nii"), {header, std::vector<float>(12, 1)});
   asked.anatomy = scratch_.file("flat.nii");
-  EXPECT_EQ(reasonOf([&] { return inspect::drawMapSet(asked); }),
+  EXPECT_EQ(reasonOf([&] { return inspect::drawMaps(asked); }),
             "has 4 x 3 x 1 voxels and the maps have 4 x 3 x 2. Give an anatomy on the grid of the maps.");
 }
 

@@ -203,6 +203,13 @@ class StyleRules(LintTest):
         self.assert_found("CITATION.cff:2", "CMakeLists.txt builds version 1.2.3", changes)
         self.assertEqual(self.found(changes | {"CITATION.cff": "version: 1.2.3\n"}), [])
 
+    def test_changelog_of_an_older_version(self):
+        good = {"CMakeLists.txt": "project(Small VERSION 1.2.3)\n", "packaging/changelog": "tavmap (1.2.3) unstable\n",
+                "packaging/README.md": "# packaging\n"}
+        self.assertEqual(self.found(good), [])
+        for entry in "tavmap (1.2.2) unstable\n\ntavmap (1.2.3) unstable\n", "":
+            self.assert_found("packaging/changelog:1", "not of version 1.2.3", good | {"packaging/changelog": entry})
+
     def test_folder_without_readme(self):
         self.assert_found("study:1", "no README.md", {"study/s.cpp": "int x;\n"})
         self.assert_found("tests:1", "no README.md", {"tests/simo/s.cpp": "int x;\n"})
@@ -264,7 +271,7 @@ class Program(unittest.TestCase):
 
     def test_every_rule_has_a_planted_violation(self):
         tested = Path(__file__).read_text(encoding="utf-8")
-        self.assertEqual(len(lint.RULES), 21, "a rule was added or removed: plant its violation here, then adapt this number")
+        self.assertEqual(len(lint.RULES), 22, "a rule was added or removed: plant its violation here, then adapt this number")
         self.assertGreaterEqual(tested.count("assert_found("), len(lint.RULES))
         self.assertEqual(style_rules.MAX_FILE_LINES, 400)
         self.assertEqual(folder_rules.MAX_SHARE, 0.2)

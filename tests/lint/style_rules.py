@@ -156,19 +156,35 @@ def check_no_fast_math(files):
                          re.compile(r"-ff" + r"ast-math|-Of" + r"ast\b"), "'{0}' changes results")
 
 
+def version_of(by_path):
+    """The version that CMakeLists.txt builds; None where it names none."""
+    project = re.search(r"^project\([^)]*\bVERSION ([\d.]+)", by_path["CMakeLists.txt"].text, re.MULTILINE)
+    return project.group(1) if project else None
+
+
 def check_citation_is_of_this_version(files):
     """Who cites the program cites the version that CMakeLists.txt builds."""
     by_path = {file.path: file for file in files}
-    project = re.search(r"^project\([^)]*\bVERSION ([\d.]+)", by_path["CMakeLists.txt"].text, re.MULTILINE)
-    citation = by_path.get("CITATION.cff")
-    if project is None or citation is None:
+    version, citation = version_of(by_path), by_path.get("CITATION.cff")
+    if version is None or citation is None:
         return
     for number, line in enumerate(citation.lines, 1):
-        if line.startswith("version: ") and line != f"version: {project.group(1)}":
-            yield Finding("CITATION.cff", number, f"CMakeLists.txt builds version {project.group(1)}")
+        if line.startswith("version: ") and line != f"version: {version}":
+            yield Finding("CITATION.cff", number, f"CMakeLists.txt builds version {version}")
+
+
+def check_changelog_begins_with_this_version(files):
+    """The package says of the version that CMakeLists.txt builds what is new in it."""
+    by_path = {file.path: file for file in files}
+    version, changelog = version_of(by_path), by_path.get("packaging/changelog")
+    if version is None or changelog is None:
+        return
+    if not changelog.text.startswith(f"tavmap ({version}) "):
+        yield Finding(changelog.path, 1, f"the newest entry is not of version {version}, which CMakeLists.txt builds")
 
 
 RULES = [
+    check_changelog_begins_with_this_version,
     check_citation_is_of_this_version,
     check_file_length,
     check_function_length,

@@ -66,9 +66,10 @@ bool componentPreset(const std::string& term, std::string& stem, int& count) {
   return false;
 }
 
-Names components(const std::string& stem, int count) {
+// Not more than one beyond what a table with so many columns may have: that one is missing.
+Names components(const std::string& stem, int count, std::size_t columns) {
   Names names;
-  for (int i = 0; i < count; ++i) names.push_back(stem + (i < 10 ? "0" : "") + std::to_string(i));
+  for (int i = 0; i < count && names.size() <= columns; ++i) names.push_back(stem + (i < 10 ? "0" : "") + std::to_string(i));
   return names;
 }
 
@@ -79,7 +80,7 @@ Names expandPiece(const std::string& piece, const Names& columns) {
   if (open != openPresets().end()) return columnsBeginningWith(columns, open->second);
   std::string stem;
   int count = 0;
-  if (componentPreset(piece, stem, count)) return components(stem, count);
+  if (componentPreset(piece, stem, count)) return components(stem, count, columns.size());
   if (!piece.empty() && piece.back() == '*')
     return columnsBeginningWith(columns, piece.substr(0, piece.size() - 1));
   return {piece};

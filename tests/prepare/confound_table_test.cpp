@@ -68,6 +68,15 @@ TEST_F(Confounds, ComponentsAreNumberedWithTwoDigits) {
   EXPECT_EQ(eleven[10], "a_comp_cor_10");
 }
 
+// At once and without a list of them all.
+TEST_F(Confounds, MoreComponentsThanATableHoldsAreRefused) {
+  const Names known = {"a_comp_cor_00", "a_comp_cor_01"};
+  EXPECT_NE(messageOf<InputError>([&] {
+              return expandConfoundTerms({"acompcor2147483647"}, known, "c.tsv");
+            }).find("c.tsv: no column 'a_comp_cor_02', asked for by 'acompcor2147483647'"),
+            std::string::npos);
+}
+
 TEST_F(Confounds, The36ParametersAreNineTimesFour) {
   std::string header, row;
   for (const char* name :

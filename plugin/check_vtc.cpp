@@ -24,6 +24,7 @@ bool fitsGeometry(tav::TAV_Pars& pars, const VTC_Header& header) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): this signature is known elsewhere
 bool TAVPlugin::checkVTC(tav::TAV_Pars& pars, std::string path) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) return false;

@@ -153,15 +153,15 @@ class FieldReader {
   template <std::integral T>
   static void read(const JsonPlace& at, T& value) {
     const Json& json = at.value();
-    if (json.is_number_unsigned() && std::in_range<T>(json.get<std::uint64_t>())) {
-      value = json.get<T>();
-    } else if (json.is_number_integer() && std::in_range<T>(json.get<std::int64_t>())) {
-      value = json.get<T>();
-    } else {
+    const bool fits = json.is_number_unsigned()
+                          ? std::in_range<T>(json.get<std::uint64_t>())
+                          : json.is_number_integer() && std::in_range<T>(json.get<std::int64_t>());
+    if (!fits) {
       at.fail(fmt::format("a whole number from {} to {} is expected", std::numeric_limits<T>::min(),
                           std::numeric_limits<T>::max()),
               kRemedy);
     }
+    value = json.get<T>();
   }
   static void read(const JsonPlace& at, VolumeRange& range) {
     std::array<int, 2> ends{};

@@ -3,28 +3,44 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <charconv>
+#include <array>
 #include <cstdio>
 #include <filesystem>
-#include <set>
 
 #include "formats/atomic_file.h"
+#include "formats/label_forms.h"
 #include "formats/table.h"
 
 namespace formats {
 namespace {
 
-std::optional<std::uint32_t> parseColor(const Table& table, std::size_t row, std::size_t column) {
-  const std::string& text = table.cell(row, column);
-  if (isMissing(text)) return std::nullopt;
-  std::uint32_t color = 0;
-  const char* first = text.data() + (text[0] == '#' ? 1 : 0);
-  const char* last = text.data() + text.size();
-  const auto [end, error] = std::from_chars(first, last, color, 16);
-  if (error != std::errc() || end != last || last - first != 6) {
-    table.fail(row, fmt::format("\"{}\" is no color", text), "Write six hexadecimal digits, such as #ff8800");
-  }
-  return color;
+const std::array<LabelForm, 5>& labelForms() {
+  static const std::array<LabelForm, 5> forms = {columnsForm(), twoLinesForm(), freesurferForm(),
+                                                 mrtrixForm(), fslForm()};
+  return forms;
+}
+
+// Null when none fits.
+const LabelForm* formOf(const LabelText& text) {
+  const auto& forms = labelForms();
+  const auto found =
+      std::find_if(forms.begin(), forms.end(), [&](const LabelForm& form) { return form.fits(text); });
+  return found == forms.end() ? nullptr : &*found;
+}
+
+std::string knownLabelForms() {
+  std::string text;
+  for (const LabelForm& form : labelForms()) text += (text.empty() ? "" : ", ") + std::string(form.words);
+  return text;
+}
+
+[[noreturn]] void failWithoutForm(const LabelText& text) {
+  constexpr std::size_t kMostShown = 60;
+  const LabelLine& line = text.lines()[0];
+  std::string shown(line.text.substr(0, kMostShown));
+  std::replace(shown.begin(), shown.end(), '\t', ' ');
+  text.fail(line.number, fmt::format("\"{}\" begins no label table that is known here", shown),
+            fmt::format("Give one of: {}", knownLabelForms()));
 }
 
 }  // namespace
@@ -51,22 +67,15 @@ LabelTable readLabelTable(const std::string& path) {
 }
 
 LabelTable parseLabelTable(std::string_view text, const std::string& path) {
-  const Table table = Table::parse(text, path);
-  const std::size_t index = table.require("index"), name = table.require("name");
-  const auto color = table.find("color");
-  LabelTable result;
-  std::set<std::int32_t> seen;
-  for (std::size_t row = 0; row < table.rows(); ++row) {
-    Label label{table.integer(row, index), table.cell(row, name), std::nullopt};
-    if (!seen.insert(label.index).second) {
-      table.fail(row, fmt::format("the index {} comes twice", label.index),
-                 "Give every region its own index");
-    }
-    if (label.name.empty()) table.fail(row, "a region has no name", "Name it");
-    if (color) label.color = parseColor(table, row, *color);
-    if (label.index != 0) result.labels.push_back(std::move(label));
-  }
-  return result;
+  const LabelText table(text, path);
+  const LabelForm* form = formOf(table);
+  if (form == nullptr) failWithoutForm(table);
+  return form->parse(table);
+}
+
+bool isLabelTable(const std::string& path) {
+  const std::string text = readTextFile(path);
+  return formOf(LabelText(text, path)) != nullptr;
 }
 
 void writeLabelTable(const std::string& path, const LabelTable& table) {

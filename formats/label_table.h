@@ -1,4 +1,5 @@
-// Label tables in the manner of BIDS (*_dseg.tsv): columns index and name, optionally color.
+// Label tables: read in the forms of label_forms.h, written in the manner of BIDS (*_dseg.tsv: columns
+// index, name and color).
 #ifndef TAVMAP_FORMATS_LABEL_TABLE_H
 #define TAVMAP_FORMATS_LABEL_TABLE_H
 
@@ -26,10 +27,12 @@ struct LabelTable {
   [[nodiscard]] std::string nameOf(std::int32_t index) const;
 };
 
-// Column names in any case. Throws FileError: a missing column, an index that is no whole number
-// or comes twice, an empty name, a color that is not #RRGGBB.
+// The form is told by the content. Throws FileError with the line: no known form (the message lists them), an
+// index that is no whole number or comes twice, an empty name, a color that is none.
 [[nodiscard]] LabelTable readLabelTable(const std::string& path);
 [[nodiscard]] LabelTable parseLabelTable(std::string_view text, const std::string& path);
+// Whether the file begins as one of the forms does. Throws FileError for what is no text.
+[[nodiscard]] bool isLabelTable(const std::string& path);
 
 void writeLabelTable(const std::string& path, const LabelTable& table);
 

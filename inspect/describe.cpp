@@ -6,7 +6,6 @@
 #include "formats/file_kinds.h"
 #include "formats/label_table.h"
 #include "formats/protocol.h"
-#include "formats/table.h"
 #include "formats/voi_list.h"
 
 namespace inspect {
@@ -102,15 +101,14 @@ Json describeFile(const std::string& path, const DescribeOptions& options) {
   if (formats::isMapSetName(path)) return describeMapSet(path, options);
   if (path.ends_with(".json")) return describeVoiList(path);
   if (formats::isTableName(path)) return describeTable(path, options);
+  if (path.ends_with(".xml")) return describeLabelTable(path);
   if (formats::isNiftiName(path)) return describeImage(path, options);
   throw formats::FileError(path, "the ending of its name is not known here",
-                           "Give a .vtc, .nii, .nii.gz, .tav, .tsv, .prt or .json file");
+                           "Give a .vtc, .nii, .nii.gz, .tav, .tsv, .prt, .xml or .json file");
 }
 
 Json describeTable(const std::string& path, const DescribeOptions& options) {
-  const formats::Table table = formats::Table::read(path);
-  const bool isLabelTable = table.find("index") && table.find("name");
-  return isLabelTable ? describeLabelTable(path) : describeProtocol(path, options.trMs);
+  return formats::isLabelTable(path) ? describeLabelTable(path) : describeProtocol(path, options.trMs);
 }
 
 Json describeVoiList(const std::string& path) {

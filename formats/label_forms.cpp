@@ -55,8 +55,7 @@ void LabelText::fail(std::size_t line, const std::string& reason, const std::str
 
 void LabelCollector::add(std::size_t line, Label label) {
   if (!seen_.insert(label.index).second) {
-    text_.fail(line, fmt::format("the index {} comes twice", label.index),
-               "Give every region its own index");
+    text_.fail(line, fmt::format("the index {} comes twice", label.index), "Give every region its own index");
   }
   if (label.name.empty()) text_.fail(line, "a region has no name", "Name it");
   if (label.index != 0) table_.labels.push_back(std::move(label));

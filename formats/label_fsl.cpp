@@ -61,7 +61,8 @@ const XMLElement* fslChild(const XMLElement* element, const char* name) {
 // What to add to an index.
 std::int32_t firstValue(const XMLElement* atlas) {
   const XMLElement* type = fslChild(fslChild(atlas, "header"), "type");
-  const bool hasValues = type != nullptr && type->GetText() != nullptr && inSmallLetters(type->GetText()) == "label";
+  const bool hasValues =
+      type != nullptr && type->GetText() != nullptr && inSmallLetters(type->GetText()) == "label";
   return hasValues ? 0 : 1;
 }
 
@@ -69,7 +70,8 @@ Label fslLabel(const LabelText& text, const XMLElement& element, std::int32_t fi
   const char* attribute = element.Attribute("index");
   const auto index = attribute == nullptr ? std::nullopt : labelNumber(attribute);
   if (!index || *index < 0 || *index == std::numeric_limits<std::int32_t>::max())
-    text.fail(fslLine(element.GetLineNum()), "a label has no index that is a whole number from 0", kFslExample);
+    text.fail(fslLine(element.GetLineNum()), "a label has no index that is a whole number from 0",
+              kFslExample);
   const char* name = element.GetText();
   return {*index + first, name == nullptr ? "" : name, std::nullopt};
 }

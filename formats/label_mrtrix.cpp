@@ -16,7 +16,8 @@ std::optional<Label> mrtrixLabel(std::string_view line) {
   const auto color = labelColor(std::span(words).last(4));
   if (!index || !color) return std::nullopt;
   std::string name;
-  for (std::size_t i = 2; i + 4 < words.size(); ++i) name += (name.empty() ? "" : " ") + std::string(words[i]);
+  for (std::size_t i = 2; i + 4 < words.size(); ++i)
+    name += (name.empty() ? "" : " ") + std::string(words[i]);
   if (name.size() > 1 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
   return Label{*index, name, color};
 }
@@ -25,7 +26,8 @@ bool isMrtrixTable(const LabelText& text) {
   const auto lines = text.linesWithoutComments();
   if (lines.empty()) return false;
   const auto words = labelWords(lines[0].text);
-  return words.size() >= kFewestWordsOfMrtrix && labelNumber(words[0]) && areNumbers(std::span(words).last(4));
+  return words.size() >= kFewestWordsOfMrtrix && labelNumber(words[0]) &&
+         areNumbers(std::span(words).last(4));
 }
 
 LabelTable parseMrtrix(const LabelText& text) {

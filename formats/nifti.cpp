@@ -21,8 +21,10 @@ void requireOneVolume(const ImageHeader& header, const std::string& path) {
 std::int32_t toLabel(double value, const std::string& path) {
   constexpr double kLargest = std::numeric_limits<std::int32_t>::max();
   if (!(value >= -kLargest && value <= kLargest) || std::abs(value - std::nearbyint(value)) > 1e-3) {
-    throw FileError(path, "it holds values that are no whole numbers, so it is no label image",
-                    "Give a label image (*_dseg.nii.gz)");
+    throw FileError(
+        path, fmt::format("it holds {:g}, which is no whole number, so it is no label image", value),
+        "Give a label image (*_dseg.nii.gz); make one of a probability map by a threshold, or set "
+        "'probability' in the [[reference]] of a request");
   }
   return static_cast<std::int32_t>(std::nearbyint(value));
 }

@@ -49,7 +49,8 @@ MostProbableLabels readMostProbableLabels(const std::string& path, double least)
     largest.add(volume, number, path);
   }
   stream.finish();
-  MostProbableLabels result{{stream.header(), std::move(largest.volumes)}, stream.header().volumes, largest.ofAll > 1};
+  MostProbableLabels result{
+      {stream.header(), std::move(largest.volumes)}, stream.header().volumes, largest.ofAll > 1};
   result.image.header.volumes = 1;
   result.image.header.series = false;
   // In the precision of the values: 0.7 as stored is at least 0.7.

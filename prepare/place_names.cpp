@@ -5,7 +5,7 @@
 
 #include "formats/nifti.h"
 #include "prepare/fingerprint.h"
-#include "prepare/region_files.h"
+#include "prepare/label_files.h"
 
 namespace study {
 namespace {
@@ -38,7 +38,7 @@ std::shared_ptr<const PlaceNames> readPlaceNames(const Request& request, const G
   auto chosen = std::find_if(all.begin(), end, isOnGrid);
   if (chosen == end) chosen = std::find_if(all.begin(), end, isAtlas);
   if (chosen == end) return nullptr;
-  LabelVolume volume = readLabels(*chosen);
+  LabelVolume volume = readLabels(*chosen, request.title);
   const bool isResampled = !sameGrid(volume.grid, grid);
   volume.labels = labelsOnGrid(volume, grid);
   return std::make_shared<PlaceNames>(std::move(volume), isResampled);

@@ -5,8 +5,8 @@
 #include <set>
 
 #include "bids/bids_names.h"
-#include "formats/label_table.h"
 #include "formats/nifti.h"
+#include "prepare/label_files.h"
 #include "request/problem.h"
 
 namespace study {
@@ -16,21 +16,11 @@ std::string placeOf(const Request& request, const ReferenceRequest& reference) {
   return request.title + (reference.line > 0 ? ":" + std::to_string(reference.line) : "");
 }
 
-// A mask may hold any numbers: what is not 0 belongs to it.
-LabelVolume readMask(const ReferenceRequest& reference) {
-  const formats::Image3D image = formats::readImage(reference.image.string());
-  LabelVolume volume;
-  volume.grid = gridOf(image.header);
-  volume.file = reference.image.string();
-  for (const float value : image.values) volume.labels.push_back(value != 0 ? 1 : 0);
-  return volume;
-}
-
 std::vector<Region> readOne(const ReferenceRequest& reference, const RegionSpace& space,
                             const std::string& where) {
   switch (reference.kind) {
     case ReferenceKind::kLabels:
-      return labelRegions(reference, readLabels(reference), space, where);
+      return labelRegions(reference, readLabels(reference, where), space, where);
     case ReferenceKind::kMask:
       return {maskRegion(reference, readMask(reference), space, where)};
     case ReferenceKind::kSphere:
@@ -61,22 +51,6 @@ void noteSpaces(const Request& request, const ReferenceRequest& reference, std::
 }
 
 }  // namespace
-
-LabelVolume readLabels(const ReferenceRequest& reference) {
-  const std::string file = reference.image.string();
-  formats::LabelImage image = formats::readLabelImage(file);
-  LabelVolume volume;
-  volume.grid = gridOf(image.header);
-  volume.labels = std::move(image.labels);
-  volume.file = file;
-  const std::string table =
-      reference.table.empty() ? formats::labelTableBeside(file) : reference.table.string();
-  volume.table = table;
-  if (table.empty()) return volume;
-  for (const formats::Label& label : formats::readLabelTable(table).labels)
-    volume.names[label.index] = label.name;
-  return volume;
-}
 
 RegionSpace regionSpace(const std::vector<RunPlan>& runs, Method method) {
   RegionSpace space{runs[0].grid, {}, method == Method::kCalibrated};

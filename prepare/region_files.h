@@ -14,9 +14,6 @@ namespace study {
 // The grid of the runs and the voxels that lie in every mask.
 [[nodiscard]] RegionSpace regionSpace(const std::vector<RunPlan>& runs, Method method);
 
-// The label image of such a reference with the names of its labels. Throws formats::FileError.
-[[nodiscard]] LabelVolume readLabels(const ReferenceRequest& reference);
-
 // Regions in the order of the request. Throws InputError for unknown labels, empty regions and
 // two regions of one name. request.title begins messages, with the line of the entry.
 [[nodiscard]] std::vector<Region> readRegions(const Request& request, const RegionSpace& space);

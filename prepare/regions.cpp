@@ -185,6 +185,7 @@ void setSource(const ReferenceRequest& request, const LabelVolume& image, const 
   source.kind = request.kind;
   source.image = image.file;
   source.table = image.table;
+  source.rule = image.rule;
   source.grid = gridText(image.grid);
   source.isResampled = !sameGrid(image.grid, space.grid);
   const auto found = image.names.find(source.label);
@@ -215,6 +216,7 @@ std::vector<Region> labelRegions(const ReferenceRequest& request, const LabelVol
   for (Region& region : regions) {
     setSource(request, image, space, region);
     noteResampling(region);
+    if (!image.question.empty()) region.notes.push_back(image.question);
   }
   return regions;
 }

@@ -24,6 +24,7 @@ struct RegionSource {
   bool isResampled = false;  // the image has another grid than the runs
   std::array<double, 3> centreMm{};
   double radiusMm = 0;
+  std::string rule = {};  // as in LabelVolume
 };
 
 struct Region {

@@ -52,6 +52,7 @@ struct ReferenceRequest {
   std::string name;             // empty for labels: their own names
   std::filesystem::path image;  // labels, mask
   std::filesystem::path table;  // labels: names; empty: beside the image
+  double probability = 0;       // labels: least of an atlas with one volume per label; 0: a label image
   bool allLabels = false;
   std::vector<std::string> labels;   // names, or indices as texts
   std::array<double, 3> centreMm{};  // sphere, scanner coordinates (RAS+)

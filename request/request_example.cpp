@@ -38,7 +38,8 @@ events = "events.tsv"         # needed by trial_types below
 [[reference]]                 # one block per region or atlas
 label_image = "dseg_small.nii.gz"
 labels = ["7Networks_LH_Vis_4"]  # names of the table beside the image, indices, or "all"
-#label_table = "dseg_small.tsv"
+#label_table = "dseg_small.tsv" # columns index and name, or a table of FreeSurfer, MRtrix, FSL (XML) or Schaefer
+#probability = 0.5            # label_image has one volume per label: its least probability in a voxel
 
 #[[reference]]
 #name = "seed"

@@ -5,8 +5,11 @@
 namespace study {
 namespace {
 
-const std::vector<std::string> kReferenceKeys = {"name", "label_image", "label_table", "labels",
-                                                 "mask", "centre_mm",   "radius_mm",   "voxels"};
+const std::vector<std::string> kReferenceKeys = {"name",      "label_image", "label_table",
+                                                 "labels",    "probability", "mask",
+                                                 "centre_mm", "radius_mm",   "voxels"};
+
+constexpr double kLeastProbability = 0.001;
 
 ReferenceKind kindOf(const TomlTable& table) {
   const std::vector<std::pair<const char*, ReferenceKind>> kinds = {{"label_image", ReferenceKind::kLabels},
@@ -29,6 +32,7 @@ ReferenceKind kindOf(const TomlTable& table) {
 void parseLabels(const TomlTable& table, const RequestPlace& place, ReferenceRequest& reference) {
   reference.image = existingFile(table, "label_image", place);
   reference.table = existingFile(table, "label_table", place);
+  reference.probability = table.number("probability", 0, kLeastProbability, 1);
   reference.labels = table.texts("labels", true);
   reference.allLabels = reference.labels == std::vector<std::string>{"all"};
   if (reference.allLabels) reference.labels.clear();
@@ -88,6 +92,7 @@ void refuseForeignKeys(const TomlTable& table, const ReferenceRequest& reference
   };
   refuse("labels", ReferenceKind::kLabels, "label_image");
   refuse("label_table", ReferenceKind::kLabels, "label_image");
+  refuse("probability", ReferenceKind::kLabels, "label_image");
   refuse("radius_mm", ReferenceKind::kSphere, "centre_mm");
 }
 

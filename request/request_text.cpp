@@ -80,6 +80,7 @@ std::string tripleText(const std::array<int, 3>& voxel) {
 void putLabels(const ReferenceRequest& reference, Lines& lines) {
   lines.path("label_image", reference.image);
   lines.path("label_table", reference.table);
+  if (reference.probability > 0) lines.number("probability", reference.probability);
   lines.texts("labels", reference.allLabels ? std::vector<std::string>{"all"} : reference.labels);
 }
 

@@ -69,6 +69,7 @@ struct ReferenceSource {
   std::string onGridOfRuns;  // how it was brought there
   std::array<double, 3> centreMm{};
   double radiusMm = 0;
+  std::string rule = {};  // how the labels were made from probabilities; empty: they were not
   [[nodiscard]] bool empty() const { return kind.empty(); }
   bool operator==(const ReferenceSource&) const = default;
 };

@@ -188,6 +188,7 @@ void describe(Fields& fields, Of<Fields, ReferenceSource>& source) {
   fields.unlessEmpty("Table", source.table);
   if (source.kind == "labels") fields("LabelIndex", source.labelIndex);
   fields.unlessEmpty("LabelName", source.labelName);
+  fields.unlessEmpty("LabelRule", source.rule);
   fields.unlessEmpty("Grid", source.grid);
   fields.unlessEmpty("OnGridOfRuns", source.onGridOfRuns);
   if (source.kind != "sphere") return;

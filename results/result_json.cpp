@@ -151,6 +151,7 @@ ReferenceSource referenceSource(const Request& request, const Region& region) {
   if (!from.table.empty()) source.table = sourceUri(request, from.table);
   source.labelIndex = from.label;
   source.labelName = from.labelName;
+  source.rule = from.rule;
   source.grid = from.grid;
   if (!from.image.empty()) source.onGridOfRuns = onGridOfRuns(from.isResampled);
   source.centreMm = from.centreMm;

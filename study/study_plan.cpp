@@ -120,6 +120,7 @@ void addSettings(const StudyPlan& plan, Fingerprint& key) {
 
 void addRegion(const Region& region, Fingerprint& key) {
   key.add("reference", region.name.c_str());
+  if (!region.source.rule.empty()) key.add("rule", region.source.rule.c_str());
   for (const std::int32_t c : region.coordinates) key.add("c", static_cast<std::int64_t>(c));
 }
 

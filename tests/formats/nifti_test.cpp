@@ -176,13 +176,17 @@ TEST(LabelImageRead, TakesWholeNumbersStoredAsFloats) {
 
 TEST(LabelImageRead, RefusesFractionsAndNan) {
   const Scratch folder;
-  for (const double wrong : {1.5, std::nan(""), 3e9}) {
+  const std::vector<std::pair<double, std::string>> cases = {
+      {1.5, "1.5"}, {std::nan(""), "nan"}, {3e9, "3e+09"}};
+  for (const auto& [wrong, text] : cases) {
     std::vector<double> values(24, 0);
     values[5] = wrong;
     const std::string path = written(folder, NiftiSpec{}, values);
     EXPECT_EQ(reasonOf([&] { (void)formats::readLabelImage(path); }),
-              "it holds values that are no whole numbers, so it is no label image. "
-              "Give a label image (*_dseg.nii.gz).");
+              "it holds " + text +
+                  ", which is no whole number, so it is no label image. Give a label image "
+                  "(*_dseg.nii.gz); make one of a probability map by a threshold, or set "
+                  "'probability' in the [[reference]] of a request.");
   }
 }
 

@@ -212,6 +212,17 @@ TEST_F(RequestFile, ContradictoryReferencesAreRefused) {
             "r.toml:4: [[reference]] with 'label_image' needs 'labels': names, indices or \"all\"");
   EXPECT_EQ(reference("name = 'x'\nmask = 'mask.nii.gz'\nradius_mm = 3"),
             "r.toml:7: 'radius_mm' in [[reference]] goes with 'centre_mm' only");
+  EXPECT_EQ(reference("name = 'x'\nmask = 'mask.nii.gz'\nprobability = 0.5"),
+            "r.toml:7: 'probability' in [[reference]] goes with 'label_image' only");
+}
+
+TEST_F(RequestFile, LabelImagesMayBeProbabilityAtlases) {
+  EXPECT_EQ(parse(with("probability = 0.25\n")).references[0].probability, 0.25);
+  EXPECT_EQ(parse(with("")).references[0].probability, 0);
+  for (const std::string wrong : {"0.0", "1.01", "-0.5"}) {
+    EXPECT_EQ(problem(with("probability = " + wrong + "\n")),
+              "r.toml:7: 'probability' in [[reference]] must lie between 0.001 and 1");
+  }
 }
 
 TEST_F(RequestFile, ConditionsTakeIntervalsPerRun) {

@@ -44,7 +44,7 @@ class RequestText : public ::testing::Test {
     ReferenceRequest labels, all, mask, sphere, voxels;
     labels.name = "renamed", labels.image = file("l.nii.gz"), labels.table = file("l.tsv");
     labels.labels = {"7"};
-    all.image = file("a.nii.gz"), all.allLabels = true;
+    all.image = file("a.nii.gz"), all.allLabels = true, all.probability = 0.3;
     mask.kind = ReferenceKind::kMask, mask.name = "m", mask.image = file("m.nii.gz");
     sphere.kind = ReferenceKind::kSphere, sphere.name = "s";
     sphere.centreMm = {-20.1, 1.0 / 7, 3}, sphere.radiusMm = 8.05;

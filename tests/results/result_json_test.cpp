@@ -131,8 +131,16 @@ TEST(SourceUri, IsRelativeToTheInnermostDataSet) {
 
 Region sampleRegion(ReferenceKind kind) {
   Region region{"V1", {}, {}, {}};
-  region.source = {
-      kind, "/data/raw/atlas_dseg.nii.gz", "/elsewhere/names.tsv", 17, "V1", "3 x 2 x 1 voxels", true, {}, 0};
+  region.source = {kind,
+                   "/data/raw/atlas_dseg.nii.gz",
+                   "/elsewhere/names.tsv",
+                   17,
+                   "V1",
+                   "3 x 2 x 1 voxels",
+                   true,
+                   {},
+                   0,
+                   "the most probable"};
   return region;
 }
 
@@ -145,6 +153,7 @@ TEST(ReferenceSourceOf, LabelsNamesImageTableIndexAndGrid) {
   EXPECT_EQ(json["Table"], "names.tsv");
   EXPECT_EQ(json["LabelIndex"], 17);
   EXPECT_EQ(json["LabelName"], "V1");
+  EXPECT_EQ(json["LabelRule"], "the most probable");
   EXPECT_EQ(json["Grid"], "3 x 2 x 1 voxels");
   EXPECT_EQ(json["OnGridOfRuns"], "each voxel of the runs takes the value at its centre (nearest voxel)");
   EXPECT_FALSE(json.contains("RadiusMillimetres"));
@@ -180,6 +189,7 @@ TEST(ReferenceSourceOf, GoesIntoSidecarsAndRecordAndIsReadBack) {
   EXPECT_EQ(record.inputs.size(), 3U);
   const Record read = recordFromText(recordText(record), "r.json");
   EXPECT_EQ(read.source, record.source);
+  EXPECT_EQ(read.source.rule, "the most probable");
   EXPECT_EQ(read.inputs, record.inputs);
 }
 

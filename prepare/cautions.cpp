@@ -48,8 +48,9 @@ std::vector<std::string> knownFilters(const RunRequest& run, const std::vector<s
 }
 
 bool isHighPassed(const std::vector<std::string>& regressed) {
-  return std::any_of(regressed.begin(), regressed.end(),
-                     [](const std::string& column) { return column.starts_with("cosine"); });
+  return std::any_of(regressed.begin(), regressed.end(), [](const std::string& column) {
+    return column.starts_with("cosine") || column.starts_with("high_pass");
+  });
 }
 
 std::vector<std::string> runCautions(const RunRequest& run, double trSeconds,

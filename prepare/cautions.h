@@ -14,7 +14,7 @@ namespace study {
 // Filters in time that the run has been through: those of its sidecar, or what its file's name says.
 [[nodiscard]] std::vector<std::string> knownFilters(const RunRequest& run,
                                                     const std::vector<std::string>& filters);
-// Whether cosine columns are among the regressed: a high-pass filter.
+// Whether cosine columns, of the table or of high_pass, are among the regressed: a high-pass filter.
 [[nodiscard]] bool isHighPassed(const std::vector<std::string>& regressed);
 
 // A filter in the sidecar or the file's name, a filter among the regressed columns, a TR above

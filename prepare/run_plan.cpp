@@ -9,6 +9,7 @@
 #include "prepare/cautions.h"
 #include "prepare/censor.h"
 #include "prepare/confound_table.h"
+#include "prepare/cosines.h"
 #include "prepare/fingerprint.h"
 #include "prepare/image_sidecar.h"
 #include "prepare/regress.h"
@@ -44,8 +45,8 @@ std::vector<TimedEvent> timedEvents(const formats::Protocol& protocol, double tr
 
 class RunPlanner {
  public:
-  RunPlanner(const RunRequest& run, int inclusionThreshold, std::string version)
-      : threshold_(inclusionThreshold), version_(std::move(version)) {
+  RunPlanner(const RunRequest& run, int inclusionThreshold, std::string version, double highPassSeconds)
+      : threshold_(inclusionThreshold), version_(std::move(version)), highPassSeconds_(highPassSeconds) {
     plan_.request = run;
   }
 
@@ -66,7 +67,9 @@ class RunPlanner {
   void checkMask() const;
   void readTable();
   void censor(const ConfoundTable& table);
-  void regress(const ConfoundTable& table);
+  void takeColumns(const ConfoundTable& table);
+  void takeCosines();
+  void settleRegression();
   std::string key() const;
   static std::string bidsSafe(std::string name) {
     for (char& c : name) {
@@ -77,6 +80,7 @@ class RunPlanner {
 
   int threshold_;
   std::string version_;
+  double highPassSeconds_;
   RunPlan plan_;
 };
 
@@ -116,12 +120,14 @@ void RunPlanner::readTable() {
     }
     if (run.dropVolumes == kDropFromConfounds) plan_.volumes.dropped = nonSteadyStateVolumes(table);
     censor(table);
-    regress(table);
+    takeColumns(table);
   }
   if (plan_.volumes.volumes - plan_.volumes.dropped < kLeastVolumesOfARun) {
     throw InputError(fmt::format("run '{}': dropping {} of {} volumes leaves too few", run.name,
                                  plan_.volumes.dropped, plan_.volumes.volumes));
   }
+  takeCosines();
+  settleRegression();
   std::fill(plan_.kept.begin(), plan_.kept.begin() + plan_.volumes.dropped, false);
   const int shortest = run.censoring.fdThresholdMm > 0 ? run.censoring.minimumSegment : 1;
   plan_.volumes.kept = keptSegments(plan_.kept, shortest);
@@ -134,19 +140,32 @@ void RunPlanner::censor(const ConfoundTable& table) {
       plan_.kept.begin() + std::min(plan_.volumes.dropped, plan_.volumes.volumes), plan_.kept.end(), false));
 }
 
-void RunPlanner::regress(const ConfoundTable& table) {
+void RunPlanner::takeColumns(const ConfoundTable& table) {
+  plan_.confoundNames = expandConfoundTerms(plan_.request.confoundTerms, table.names, table.file.string());
+  plan_.confounds =
+      confoundColumns(table, plan_.confoundNames, static_cast<std::size_t>(plan_.volumes.dropped));
+}
+
+void RunPlanner::takeCosines() {
+  const int volumes = plan_.volumes.volumes - plan_.volumes.dropped;
+  const auto cosines = highPassCosines(volumes, plan_.volumes.trSeconds, highPassSeconds_);
+  for (std::size_t k = 0; k < cosines.size(); ++k) {
+    plan_.confoundNames.push_back(highPassName(k));
+    plan_.confounds.push_back(cosines[k]);
+  }
+}
+
+void RunPlanner::settleRegression() {
+  if (plan_.confounds.empty()) return;
   const RunRequest& run = plan_.request;
-  plan_.confoundNames = expandConfoundTerms(run.confoundTerms, table.names, table.file.string());
-  if (plan_.confoundNames.empty()) return;
-  const std::size_t first = static_cast<std::size_t>(plan_.volumes.dropped);
-  plan_.confounds = confoundColumns(table, plan_.confoundNames, first);
-  const std::vector<bool> used(plan_.kept.begin() + static_cast<std::ptrdiff_t>(first), plan_.kept.end());
+  const std::vector<bool> used(plan_.kept.begin() + plan_.volumes.dropped, plan_.kept.end());
   plan_.confoundRank = ConfoundRegression(plan_.confounds, used).rank();
   const auto left = std::count(used.begin(), used.end(), true) - plan_.confoundRank - 1;
   if (left >= kLeastVolumesOfARun) return;
   throw InputError(fmt::format(
-      "run '{}': regressing {} confounds leaves no degrees of freedom in {} volumes; choose fewer", run.name,
-      plan_.confoundRank, std::count(used.begin(), used.end(), true)));
+      "run '{}': regressing {} confounds leaves no degrees of freedom in {} volumes; choose fewer{}",
+      run.name, plan_.confoundRank, std::count(used.begin(), used.end(), true),
+      highPassSeconds_ > 0 ? ", or a longer period for high_pass" : ""));
 }
 
 std::string RunPlanner::key() const {
@@ -166,8 +185,9 @@ std::string RunPlanner::key() const {
 
 }  // namespace
 
-RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version) {
-  return RunPlanner(run, inclusionThreshold, version).plan();
+RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version,
+                double highPassSeconds) {
+  return RunPlanner(run, inclusionThreshold, version, highPassSeconds).plan();
 }
 
 void requireOneGrid(const std::vector<RunPlan>& runs) {

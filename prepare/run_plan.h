@@ -31,8 +31,11 @@ struct RunPlan {
 };
 
 // Looks at headers, sidecar, confounds and events; reads no image data. `version` goes into the key,
-// so that another version prepares anew. Throws InputError, naming file and remedy.
-[[nodiscard]] RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version);
+// so that another version prepares anew. `highPassSeconds` above 0: cosines slower than this period, over the
+// volumes that are not dropped, are confounds too, behind those of the table. Throws InputError, naming file
+// and remedy.
+[[nodiscard]] RunPlan planRun(const RunRequest& run, int inclusionThreshold, const std::string& version,
+                              double highPassSeconds = 0);
 
 // All runs of a request must share one grid. Throws InputError naming both files.
 void requireOneGrid(const std::vector<RunPlan>& runs);

@@ -107,6 +107,7 @@ struct Settings {
   double instantaneousLower = 0.05;
   double rcUpper = 0.7;
   double mapScale = 100;
+  double highPass = 0;  // seconds: slower cosines are regressed; 0: none
   bool operator==(const Settings&) const = default;
 };
 

@@ -74,6 +74,9 @@ constexpr auto kTable = std::to_array<Setting>({
          "upper threshold of DTAV_RC", {"RCUpperThreshold", 10}, {"rc", 10}},
     {&S::mapScale, "map_scale", 0.01, 1000, false, "factor of all maps but DTAV_RC",
          "factor of the maps", {"MapScaleFactor", 11}, {"scale", 11}},
+    {&S::highPass, "high_pass", 0, 100000, false,
+         "cut-off period in seconds, such as 128: slower cosines are regressed with the confounds; 0: none",
+         "period of the high-pass filter", {"HighPassPeriod", 14}, {"highpass", 16}},
 });
 // clang-format on
 

@@ -53,7 +53,8 @@ void planRuns(StudyPlan& plan) {
   const auto planAll = [&] {
     plan.runs.clear();
     for (const RunRequest& run : request.runs) {
-      plan.runs.push_back(planRun(run, request.settings.inclusionThreshold, plan.version));
+      plan.runs.push_back(
+          planRun(run, request.settings.inclusionThreshold, plan.version, request.settings.highPass));
     }
   };
   planAll();

@@ -64,7 +64,8 @@ Work workNamed(const std::string& name) {
 void importRun(const WorkerJob& job, const std::function<void(double)>& progress) {
   const Request& request = job.request;
   if (job.items.at(0) >= request.runs.size()) failChanged(request);
-  RunPlan run = planRun(request.runs[job.items[0]], request.settings.inclusionThreshold, job.version);
+  RunPlan run = planRun(request.runs[job.items[0]], request.settings.inclusionThreshold, job.version,
+                        request.settings.highPass);
   setScale(run, job.scale);
   if (job.expected != std::vector<std::string>{run.vtcName}) failChanged(request);
   prepareRun(run, request.output.workFolder, request.settings.inclusionThreshold, progress);

@@ -18,6 +18,10 @@ inline constexpr double kDriftHz = 0.008;
 // three periods of that frequency, which detrending flattens.
 [[nodiscard]] std::optional<double> findDrift(const Courses& courses);
 
+// The same with trends left in, from two periods of that frequency on: what a run shows that nobody has
+// touched.
+[[nodiscard]] std::optional<double> findRawDrift(const Courses& courses);
+
 }  // namespace suitability
 
 #endif

@@ -17,6 +17,7 @@ namespace suitability {
 namespace {
 
 constexpr std::size_t kMostVolumesNamed = 10;
+constexpr int kUsualPeriodSeconds = 128;
 
 using Texts = std::vector<std::string>;
 
@@ -85,14 +86,29 @@ void checkPeriod(const SuitabilityInput& input, const Courses& courses, Texts& t
                   both(input), shared->voxels, courses.voxels.size(), number(shared->seconds)));
 }
 
+// Straight from the scanner, as far as anyone knows: then trends count too, since motion goes with them.
+bool checkRawRun(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
+  if (input.confoundRank > 0 || input.filtered || input.highPassed) return false;
+  const std::optional<double> share = findRawDrift(courses);
+  if (!share) return false;
+  texts.push_back(fmt::format(
+      "{} looks raw: no confounds were regressed, nothing says that it was filtered, and {} of the "
+      "median voxel's variance lies below {} Hz, trends with it. Drift and motion that places share "
+      "look like influence at every lag; regress the motion of a confounds table (\"24motion\"), set "
+      "high_pass = {} in [settings], and compare the maps",
+      runOf(input), percent(*share), number(kDriftHz), kUsualPeriodSeconds));
+  return true;
+}
+
 void checkDrift(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
+  if (checkRawRun(input, courses, texts)) return;
   const std::optional<double> share = input.highPassed ? std::nullopt : findDrift(courses);
   if (!share) return;
   texts.push_back(
       fmt::format("{}: {} of the median voxel's variance lies below {} Hz, slow drift that detrending "
-                  "leaves. Drift that places share looks like influence at every lag; regress the cosine "
-                  "columns (\"cosine\"), or shorten the intervals, and compare the maps",
-                  runOf(input), percent(*share), number(kDriftHz)));
+                  "leaves. Drift that places share looks like influence at every lag; set high_pass = {} "
+                  "in [settings], or shorten the intervals, and compare the maps",
+                  runOf(input), percent(*share), number(kDriftHz), kUsualPeriodSeconds));
 }
 
 void checkWhiteness(const SuitabilityInput& input, const Courses& courses, Texts& texts) {

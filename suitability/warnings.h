@@ -24,7 +24,7 @@ struct SuitabilityInput {
   int droppedVolumes = 0;
   bool filtered = false;    // in time: known to be, and said elsewhere
   bool highPassed = false;  // known to be: cosine columns regressed, or named in the sidecar
-  int confoundRank = 0;     // of what was regressed
+  int confoundRank = 0;     // of what was regressed; 0 and not filtered: a raw run
 };
 
 // The warnings about one run. None when the reference is flat or not finite, or without a voxel that is

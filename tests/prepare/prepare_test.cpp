@@ -1,12 +1,15 @@
 #include "prepare/prepare.h"
 
+#include <fmt/core.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numeric>
 
 #include "formats/nifti_writer.h"
 #include "formats/vtc_export.h"
 #include "formats/vtc_sidecar.h"
+#include "prepare/cosines.h"
 #include "request/problem.h"
 #include "tests/support/message_of.h"
 #include "tests/support/scratch.h"
@@ -57,8 +60,8 @@ class Prepare : public ::testing::Test {
     run_.confounds = scratch_.write("confounds.tsv", table);
     run_.confoundTerms = {"first"};
   }
-  RunPlan prepare() {
-    const RunPlan plan = planRun(run_, kThreshold, "1");
+  RunPlan prepare(double highPassSeconds = 0) {
+    const RunPlan plan = planRun(run_, kThreshold, "1", highPassSeconds);
     prepareRun(plan, scratch_.folder(), kThreshold, [this](double share) { shares_.push_back(share); });
     return plan;
   }
@@ -87,6 +90,36 @@ TEST_F(Prepare, WithoutAnythingToDoTheImportIsTheResult) {
   ASSERT_EQ(values.size(), static_cast<std::size_t>(kVolumes * kVoxels));
   for (int t = 0; t < kVolumes; ++t) EXPECT_EQ(values[static_cast<std::size_t>(t)], bold(0, t));
   EXPECT_EQ(shift(plan), 0);
+}
+
+TEST_F(Prepare, WhatIsHighPassedIsOrthogonalToTheCosines) {
+  const RunPlan plan = prepare(8);  // 2 * 8 * 2 / 8 = 4
+  ASSERT_EQ(plan.confoundRank, 4);
+  const std::vector<float> values = stored(plan);
+  for (int x = 0; x < 2; ++x) {
+    for (const std::vector<double>& cosine : highPassCosines(kVolumes, 2, 8)) {
+      double product = 0, before = 0;
+      for (std::size_t t = 0; t < kVolumes; ++t) {
+        product += cosine[t] * static_cast<double>(values[static_cast<std::size_t>(x) * kVolumes + t]);
+        before += cosine[t] * static_cast<double>(bold(x, static_cast<int>(t)));
+      }
+      EXPECT_NEAR(product, 0, 2e-4);
+      EXPECT_GT(std::abs(before), 10);
+    }
+  }
+}
+
+TEST_F(Prepare, HighPassEqualsATableOfTheSameCosines) {
+  const std::vector<float> filtered = stored(prepare(8));
+  const auto cosines = highPassCosines(kVolumes, 2, 8);
+  std::string table = "cosine00\tcosine01\tcosine02\tcosine03\n";
+  for (std::size_t t = 0; t < kVolumes; ++t) {
+    for (std::size_t k = 0; k < cosines.size(); ++k)
+      table += fmt::format("{}{}", cosines[k][t], k + 1 < cosines.size() ? "\t" : "\n");
+  }
+  run_.confounds = scratch_.write("confounds.tsv", table);
+  run_.confoundTerms = {"cosine"};
+  EXPECT_EQ(stored(prepare()), filtered);
 }
 
 TEST_F(Prepare, WhatIsAddedToStayIncludedIsRecorded) {

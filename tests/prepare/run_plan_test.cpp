@@ -7,6 +7,7 @@
 
 #include "formats/atomic_file.h"
 #include "formats/file_error.h"
+#include "prepare/cosines.h"
 #include "request/problem.h"
 #include "tests/support/message_of.h"
 #include "tests/support/scratch.h"
@@ -63,6 +64,32 @@ TEST_F(RunPlanning, TheNameOfTheImportChangesWithEveryInput) {
   EXPECT_EQ(plan().vtcName, before);  // a table that nothing is taken from changes nothing
   run_.confoundTerms = {"csf"};
   EXPECT_NE(plan().vtcName, before);
+}
+
+TEST_F(RunPlanning, HighPassAddsTheCosinesOfTheVolumesThatAreLeft) {
+  confounds(20);
+  run_.confoundTerms = {"csf"};
+  run_.dropVolumes = 2;
+  const RunPlan p = planRun(run_, 100, "1", 24);  // 2 * 18 * 2 / 24 = 3
+  EXPECT_EQ(p.confoundNames, (std::vector<std::string>{"csf", "high_pass00", "high_pass01", "high_pass02"}));
+  ASSERT_EQ(p.confounds.size(), 4U);
+  EXPECT_EQ(std::vector(p.confounds.begin() + 1, p.confounds.end()), highPassCosines(18, 2, 24));
+  EXPECT_EQ(p.confoundRank, 4);
+  EXPECT_NE(p.vtcName, plan().vtcName);
+  ASSERT_EQ(p.cautions.size(), 1U);
+  EXPECT_NE(p.cautions[0].find("is a high-pass filter"), std::string::npos);
+}
+
+TEST_F(RunPlanning, HighPassNeedsNoTable) {
+  const RunPlan p = planRun(run_, 100, "1", 20);
+  EXPECT_EQ(p.confoundRank, 4);
+  EXPECT_EQ(planRun(run_, 100, "1", 0).vtcName, plan().vtcName);
+}
+
+TEST_F(RunPlanning, APeriodThatLeavesNothingIsRefused) {
+  EXPECT_EQ(messageOf<InputError>([&] { (void)planRun(run_, 100, "1", 5); }),
+            "run 'a': regressing 16 confounds leaves no degrees of freedom in 20 volumes; choose fewer, or a "
+            "longer period for high_pass");
 }
 
 TEST_F(RunPlanning, TheNameOfTheImportChangesWithMaskTimesValuesAndCensoring) {

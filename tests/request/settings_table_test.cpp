@@ -21,7 +21,7 @@ struct OtherValue {
   void operator()(Method Settings::*m) const { settings.*m = Method::kPlugin; }
   void operator()(OrderChoice Settings::*m) const { settings.*m = OrderChoice::kHqc; }
   void operator()(int Settings::*m) const { settings.*m = settings.*m == 1 ? 2 : settings.*m - 1; }
-  void operator()(double Settings::*m) const { settings.*m *= 1.25; }
+  void operator()(double Settings::*m) const { settings.*m = settings.*m == 0 ? 128 : settings.*m * 1.25; }
   void operator()(std::set<tav::MapType> Settings::*m) const { settings.*m = {tav::INST, tav::DTAV}; }
   void operator()(std::vector<double> Settings::*m) const { settings.*m = {0.02, 0.2}; }
 };
@@ -99,9 +99,9 @@ TEST(SettingsTable, NamesOfWhatWasMadeBeforeStay) {
   EXPECT_EQ(recordNames(plugin.method),
             (Names{"Method", "ModelOrder", "ModelOrderChosenBy", "NumberOfSurrogates", "NullDrawsPerVoxel",
                    "DiscardedSimulatedTimePoints", "CVConstant", "FirstTimePointInclusionThreshold",
-                   "InstantaneousLowerThreshold", "RCUpperThreshold", "MapScaleFactor"}));
+                   "InstantaneousLowerThreshold", "RCUpperThreshold", "MapScaleFactor", "HighPassPeriod"}));
   EXPECT_EQ(keyNames(plugin), (Names{"method", "order", "choice", "draws", "cv", "surrogates", "discarded",
-                                     "inclusion", "inst", "rc", "scale", "map", "q"}));
+                                     "inclusion", "inst", "rc", "scale", "map", "q", "highpass"}));
 }
 
 TEST(SettingsTable, MethodCalibratedHasItsOwnConstantAndDraws) {
@@ -109,9 +109,10 @@ TEST(SettingsTable, MethodCalibratedHasItsOwnConstantAndDraws) {
             (Names{"Method", "ModelOrder", "ModelOrderChosenBy", "NumberOfSurrogates", "NullDrawsPerVoxel",
                    "DiscardedSimulatedTimePoints", "FirstTimePointInclusionThreshold",
                    "InstantaneousLowerThreshold", "RCUpperThreshold", "MapScaleFactor", "FDRConstant",
-                   "FamilyWiseDraws"}));
-  EXPECT_EQ(keyNames(Settings{}), (Names{"method", "order", "choice", "draws", "surrogates", "discarded",
-                                         "inclusion", "inst", "rc", "scale", "map", "q", "fdr", "fwe"}));
+                   "FamilyWiseDraws", "HighPassPeriod"}));
+  EXPECT_EQ(keyNames(Settings{}),
+            (Names{"method", "order", "choice", "draws", "surrogates", "discarded", "inclusion", "inst", "rc",
+                   "scale", "map", "q", "fdr", "fwe", "highpass"}));
 }
 
 // Only how an order is searched for may stay out: what was found counts.

@@ -74,6 +74,14 @@ void addDrift(Run& run, double amplitude) {
   });
 }
 
+// Up by so much over the run.
+void addTrend(Run& run, double height) {
+  run.each([&](Values& values, std::size_t) {
+    for (std::size_t t = 0; t < values.size(); ++t)
+      values[t] += height * static_cast<double>(t) / static_cast<double>(values.size());
+  });
+}
+
 void addNoise(Values& values, double sd, unsigned seed) {
   std::mt19937 random(seed);
   const Values noise = simulated::white(values.size(), random);
@@ -137,6 +145,8 @@ const std::vector<Planted> kArtefacts = {
      "set drop_volumes = "},
     {"transient, fast", with(0.9, 0.7, 400, [](Run& r, unsigned) { addTransient(r, 80, 1.3); }),
      "set drop_volumes = "},
+    {"trend of a raw run", with(0.3, 2, 150, [](Run& r, unsigned) { addTrend(r, 8); }),
+     "set high_pass = 128"},
     {"drift", with(0.3, 2, 250, [](Run& r, unsigned) { addDrift(r, 4); }), "lies below 0.008 Hz"},
     {"drift, fast", with(0.6, 0.7, 900, [](Run& r, unsigned) { addDrift(r, 6); }), "lies below 0.008 Hz"},
 };

@@ -69,6 +69,45 @@ TEST(Warnings, SayNothingOfWhatTheEngineRefuses) {
   EXPECT_THAT(suitability::runWarnings(inputOf({}, {})), IsEmpty());
 }
 
+// A line through the noise, of which 150 volumes hold 300 s.
+class RawRun : public ::testing::Test {
+ protected:
+  RawRun() {
+    for (unsigned i = 0; i < 4; ++i) {
+      series_.push_back(noise(i + 1, 150));
+      for (std::size_t t = 0; t < 150; ++t) series_[i][t] += 0.08F * static_cast<float>(t);
+    }
+    input_ = inputOf(series_[0], {});
+    input_.voxels.assign(series_.begin() + 1, series_.end());
+  }
+  std::vector<std::vector<float>> series_;
+  suitability::SuitabilityInput input_;
+};
+
+TEST_F(RawRun, IsToldWhatToDo) {
+  EXPECT_THAT(
+      suitability::runWarnings(input_),
+      ::testing::ElementsAre(::testing::MatchesRegex(
+          "run 'rest' looks raw: no confounds were regressed, nothing says that it was filtered, and "
+          "[0-9]+ % of the median voxel's variance lies below 0.008 Hz, trends with it. Drift and "
+          "motion that places share look like influence at every lag; regress the motion of a confounds "
+          "table \\(\"24motion\"\\), set high_pass = 128 in \\[settings\\], and compare the maps")));
+}
+
+TEST_F(RawRun, IsNoneOnceAnythingWasRegressedOrFiltered) {
+  input_.confoundRank = 1;
+  EXPECT_THAT(suitability::runWarnings(input_), IsEmpty());
+  input_.confoundRank = 0, input_.filtered = true;
+  EXPECT_THAT(suitability::runWarnings(input_), IsEmpty());
+  input_.filtered = false, input_.highPassed = true;
+  EXPECT_THAT(suitability::runWarnings(input_), IsEmpty());
+}
+
+TEST_F(RawRun, IsNotJudgedByLessThanTwoSlowPeriods) {
+  input_.trSeconds = 1.6;
+  EXPECT_THAT(suitability::runWarnings(input_), IsEmpty());
+}
+
 // Every length ends without reading beyond the series (the sanitizers watch).
 TEST(Warnings, TakeRunsOfAnyLength) {
   for (std::size_t n = 1; n < 50; ++n) {

@@ -7,11 +7,13 @@
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
+#include "app/memory_limit.h"
 #include "app/study_options.h"
 #include "bids/bids_study.h"
 #include "group/group.h"
 #include "group/group_summary.h"
 #include "group/group_table.h"
+#include "prepare/image_sidecar.h"
 #include "request/confound_terms.h"
 #include "request/problem.h"
 #include "results/output_folder.h"
@@ -23,10 +25,11 @@ struct BidsArguments {
   study::BidsOptions options;
   std::string level, bidsDir, outDir, workDir, filterFile, configFile, atlas, atlasTable, drop;
   std::vector<std::string> derivatives, confounds;
-  double fdThreshold = -1;
+  std::string memory;
+  double fdThreshold = -1, trSeconds = 0;
   bool stopOnFirstCrash = false, reportsOnly = false, leaveOutOutdated = false;
   bool ignored = false;  // flags that schedulers pass and nothing here needs
-  double ignoredMegabytes = 0;
+  int threadsPerWorker = 1;
   StudyArguments study;
 };
 
@@ -40,10 +43,31 @@ void readConfiguration(const BidsArguments& arguments, study::BidsOptions& optio
   }
   if (!arguments.confounds.empty()) preparation.confoundTerms = arguments.confounds;
   if (arguments.fdThreshold >= 0) preparation.censoring.fdThresholdMm = arguments.fdThreshold;
+  if (arguments.trSeconds > 0) preparation.trSeconds = arguments.trSeconds;
   if (arguments.drop == "auto")
     preparation.dropVolumes = study::kDropFromConfounds;
   else if (!arguments.drop.empty())
     preparation.dropVolumes = std::stoi(arguments.drop);
+}
+
+// --tr stands in for what nobody wrote down; where somebody did, one of the two is wrong.
+void refuseOtherTimes(const BidsArguments& arguments, const std::vector<study::Request>& requests) {
+  if (arguments.trSeconds <= 0) return;
+  for (const study::Request& request : requests) {
+    for (const study::RunRequest& run : request.runs)
+      study::requireTimeOf(study::readImageSidecar(run.bold), arguments.trSeconds, "--tr");
+  }
+}
+
+StudyArguments withinMemory(const BidsArguments& arguments) {
+  StudyArguments study = arguments.study;
+  if (arguments.memory.empty()) return study;
+  study.jobs = workersWithin(*megabytesOf(arguments.memory), study.jobs);
+  if (study.jobs < arguments.study.jobs && !study.quiet) {
+    std::cerr << fmt::format("tavmap: --mem-mb {} holds {} of {} workers, each of which may take {} MB\n",
+                             arguments.memory, study.jobs, arguments.study.jobs, kMegabytesPerWorker);
+  }
+  return study;
 }
 
 int participants(const BidsArguments& arguments) {
@@ -59,8 +83,9 @@ int participants(const BidsArguments& arguments) {
   run.stopOnFirstCrash = arguments.stopOnFirstCrash;
   run.datasetFolder = arguments.outDir;
   study::BidsRequests made = study::bidsRequests(options);
+  refuseOtherTimes(arguments, made.requests);
   run.withoutRequest = std::move(made.failures);
-  return runRequests(made.requests, run, arguments.study);
+  return runRequests(made.requests, run, withinMemory(arguments));
 }
 
 int group(const BidsArguments& arguments) {
@@ -104,13 +129,16 @@ void addQueryOptions(CLI::App& command, study::BidsQuery& query) {
 void addInputOptions(CLI::App& command, BidsArguments& arguments) {
   command.add_option("-d,--derivatives,--datasets", arguments.derivatives,
                      "Folders of preprocessed data; default: searched below BIDS_DIR");
-  command.add_option("--bids-filter-file,--bids_filter_file", arguments.filterFile,
-                     "JSON file of further entities");
+  command.add_option(
+      "--bids-filter-file,--bids_filter_file", arguments.filterFile,
+      "JSON file of further entities: {\"bold\": {\"echo\": 1, \"res\": null}}; null: names without it");
   command.add_option("--config-file,--config_file", arguments.configFile,
                      "TOML file with [settings], [preparation], [[reference]], [[condition]]");
   command.add_option("--atlas", arguments.atlas, "Label image whose regions are the references");
-  command.add_option("--atlas-table", arguments.atlasTable,
-                     "Names of its labels; default: the .tsv beside it");
+  command.add_option(
+      "--atlas-table", arguments.atlasTable,
+      "Names of its labels (.tsv or a table of FreeSurfer, MRtrix, FSL or Schaefer); default: the "
+      ".tsv beside it");
   command.add_option("--labels", arguments.options.labels, "Labels to take, names or indices; default: all");
   command.add_option("--trial-types,--trial_types", arguments.options.trialTypes,
                      "Trial types, one condition each; default: whole runs");
@@ -124,6 +152,10 @@ void addInputOptions(CLI::App& command, BidsArguments& arguments) {
       .add_option("--fd-threshold,--fd_threshold", arguments.fdThreshold,
                   "Censor volumes that moved more, millimetres")
       ->check(CLI::Range(0.0, 100.0));
+  command
+      .add_option("--tr", arguments.trSeconds,
+                  "Repetition time in seconds, where the sidecars give none; refused where they give another")
+      ->check(CLI::Range(0.1, 20.0));
   command.add_option("--drop-volumes", arguments.drop, "Leading volumes to drop, or 'auto'")
       ->check([](const std::string& text) {
         const bool number =
@@ -141,8 +173,18 @@ void addSchedulerOptions(CLI::App& command, BidsArguments& arguments) {
   command.add_flag("--notrack", arguments.ignored, "Accepted for schedulers; nothing is ever tracked");
   command.add_flag("--skip-bids-validation,--skip_bids_validation", arguments.ignored,
                    "Accepted; the data set is not validated here");
-  command.add_option("--mem-mb,--mem_mb", arguments.ignoredMegabytes,
-                     "Accepted; a worker needs less than 300 MB");
+  command
+      .add_option(
+          "--mem-mb,--mem_mb,--mem", arguments.memory,
+          "Megabytes (or 8G) that all workers may take together: there are no more of them than fit, at 300 "
+          "MB each")
+      ->check([](const std::string& text) {
+        return megabytesOf(text) ? std::string() : std::string("must be megabytes, such as 8000, or 8G");
+      });
+  command
+      .add_option("--omp-nthreads,--omp_nthreads", arguments.threadsPerWorker,
+                  "Most threads per worker; accepted, a worker has one")
+      ->check(CLI::Range(1, 1024));
 }
 
 constexpr const char* kFooter =

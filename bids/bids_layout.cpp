@@ -99,8 +99,31 @@ fs::path findEvents(const std::vector<fs::path>& rawFiles, const BidsName& run) 
 
 constexpr const char* kKind = "preprocessed run";
 
+void keepWithout(const std::string& key, std::vector<BidsRun>& runs) {
+  std::erase_if(runs, [&](const BidsRun& run) { return run.name.has(key); });
+  if (runs.empty()) {
+    throw InputError(
+        fmt::format("no {0} without '{1}-' in its name, as null asks for in the filter file; leave "
+                    "'{1}' out of it, or name a label",
+                    kKind, key));
+  }
+}
+
 void filterEntities(const std::map<std::string, std::string>& entities, std::vector<BidsRun>& runs) {
-  for (const auto& [key, value] : entities) filterBy(key, kKind, key, {value}, runs);
+  for (const auto& [key, value] : entities) {
+    if (value.empty())
+      keepWithout(key, runs);
+    else
+      filterBy(key, kKind, key, {value}, runs);
+  }
+}
+
+// --space cannot say "without res-"; a filter can.
+std::string hintOfResolution(const std::vector<BidsRun>& runs) {
+  const auto with =
+      std::count_if(runs.begin(), runs.end(), [](const BidsRun& r) { return r.name.has("res"); });
+  if (with == 0 || with == static_cast<std::ptrdiff_t>(runs.size())) return "";
+  return R"(, or those without 'res-' by {"bold": {"res": null}} in --bids-filter-file)";
 }
 
 void chooseSpace(const std::string& wanted, std::vector<BidsRun>& runs) {
@@ -111,8 +134,8 @@ void chooseSpace(const std::string& wanted, std::vector<BidsRun>& runs) {
   if (wanted.empty()) {
     std::string list;
     for (const std::string& space : known) list += (list.empty() ? "" : ", ") + space;
-    throw InputError(
-        fmt::format("preprocessed runs exist in several spaces ({}); choose one with --space", list));
+    throw InputError(fmt::format("preprocessed runs exist in several spaces ({}); choose one with --space{}",
+                                 list, hintOfResolution(runs)));
   }
   std::erase_if(runs, [&](const BidsRun& run) { return !isInSpace(run.name, wanted); });
   if (runs.empty())
@@ -235,15 +258,18 @@ std::map<std::string, std::string> parseBidsFilter(const std::string& text, cons
   const auto bold = json.find("bold");
   if (bold == json.end()) return entities;
   for (const auto& [key, value] : bold->items()) {
-    if (key == "suffix" || key == "datatype" || key == "extension" || value.is_null()) continue;
+    if (key == "suffix" || key == "datatype" || key == "extension") continue;
     const auto known = shortKeys.find(key);
     const std::string entity = known == shortKeys.end() ? key : known->second;
-    if (value.is_string())
+    if (value.is_null())
+      entities[entity] = "";
+    else if (value.is_string())
       entities[entity] = value.get<std::string>();
     else if (value.is_number_integer())
       entities[entity] = value.dump();
     else
-      throw InputError(fmt::format("{}: '{}' must be a text or a whole number", name, key));
+      throw InputError(
+          fmt::format("{}: '{}' must be a text, a whole number, or null for names without it", name, key));
   }
   return entities;
 }

@@ -14,8 +14,9 @@ namespace study {
 // What is asked for. Empty lists ask for everything. Labels come with or without "sub-", "ses-" ...
 struct BidsQuery {
   std::vector<std::string> participants, sessions, tasks, runs;
-  std::string space;                            // empty: the only one there is; "native": names without space
-  std::map<std::string, std::string> entities;  // further entities that must match, key without dash
+  std::string space;  // empty: the only one there is; "native": names without space
+  // Further entities that must match, key without dash; empty: names without it.
+  std::map<std::string, std::string> entities;
 };
 
 struct BidsRun {
@@ -44,8 +45,9 @@ struct BidsGroup {
                                                     const std::vector<std::filesystem::path>& derivatives,
                                                     const BidsQuery& query);
 
-// A BIDS filter file: {"bold": {"acquisition": "mb", "echo": 1, ...}}; returns entities by their short keys.
-// Keys that the filter knows under their long names ("session", "task", "run", "space") are translated.
+// A BIDS filter file: {"bold": {"acquisition": "mb", "echo": 1, "res": null, ...}}; returns entities by their
+// short keys. null, an empty text here, asks for names without the entity. Keys that the filter knows under
+// their long names ("session", "task", "run", "space") are translated.
 [[nodiscard]] std::map<std::string, std::string> readBidsFilter(const std::filesystem::path& file);
 [[nodiscard]] std::map<std::string, std::string> parseBidsFilter(const std::string& text,
                                                                  const std::string& name);

@@ -65,6 +65,10 @@ json parsed(const std::string& text, const std::filesystem::path& file) {
   }
 }
 
+std::string writtenJson(const json& value) {
+  return value.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
 std::filesystem::path besideImage(const std::filesystem::path& image) {
   std::string name = image.filename().string();
   for (const std::string extension : {".nii.gz", ".nii"}) {
@@ -100,6 +104,8 @@ ImageSidecar parseImageSidecar(const std::string& text, const std::filesystem::p
   sidecar.file = file;
   const auto tr = content.find("RepetitionTime");
   if (tr != content.end() && tr->is_number() && tr->get<double>() > 0) sidecar.trSeconds = tr->get<double>();
+  const auto resolution = content.find("Resolution");
+  if (resolution != content.end() && !saysNothing(*resolution)) sidecar.resolution = writtenJson(*resolution);
   collectFilters(content, sidecar.filters);
   return sidecar;
 }
@@ -109,6 +115,12 @@ ImageSidecar readImageSidecar(const std::filesystem::path& image) {
   std::ifstream stream(file);
   if (file.empty() || !stream) return {};
   return parseImageSidecar({std::istreambuf_iterator<char>(stream), {}}, file);
+}
+
+void requireTimeOf(const ImageSidecar& sidecar, double given, const std::string& who) {
+  if (!sidecar.trSeconds || std::abs(*sidecar.trSeconds - given) <= kAgreementSeconds) return;
+  throw InputError(fmt::format("{} says TR = {}, but {} says TR = {}; leave {} out, or correct the file", who,
+                               seconds(given), sidecar.file.string(), seconds(*sidecar.trSeconds), who));
 }
 
 double repetitionTime(const std::string& run, double chosenSeconds, double headerSeconds,

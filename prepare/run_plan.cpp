@@ -94,6 +94,7 @@ void RunPlanner::readHeader() {
   plan_.grid = gridOf(header);
   const ImageSidecar sidecar = readImageSidecar(run.bold);
   plan_.filters = sidecar.filters;
+  plan_.resolution = sidecar.resolution;
   plan_.volumes.name = run.name;
   plan_.volumes.volumes = header.volumes;
   plan_.volumes.trSeconds = repetitionTime(run.name, run.trSeconds, header.trMs / 1000, sidecar);

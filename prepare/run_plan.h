@@ -24,6 +24,7 @@ struct RunPlan {
   std::vector<std::vector<double>> confounds;  // from the first volume that is not dropped
   int confoundRank = 0;                        // degrees of freedom that the regression costs
   std::vector<std::string> filters;            // found in the sidecar
+  std::string resolution;                      // stated there, as JSON; empty: not
   std::vector<std::string> cautions;
   std::string eventsCaution;  // for conditions that are made from events; empty: none
   double scale = 1;           // of the values when imported, see value_size.h

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "results/percent_encoding.h"
@@ -93,6 +94,15 @@ Json repetitionTime(const ResultContext& context, const ConditionResult& conditi
   return same ? Json(first) : Json(nullptr);
 }
 
+// What the sidecars of the runs say about the grid, where all say the same.
+void addResolution(const ResultContext& context, const ConditionResult& condition, Json& json) {
+  const std::string& first = runNamed(context, condition.sets[0].target).resolution;
+  const bool same = std::all_of(condition.sets.begin(), condition.sets.end(), [&](const SetResult& set) {
+    return runNamed(context, set.target).resolution == first;
+  });
+  if (same && !first.empty()) json["Resolution"] = Json::parse(first);
+}
+
 Json filtersJson(const ResultContext& context, const ConditionResult& condition) {
   Json list = Json::array();
   for (const SetResult& set : condition.sets) {
@@ -171,6 +181,7 @@ Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
   json["Condition"] = condition.name;
   addOrigin(context, condition, json);
   json["RepetitionTime"] = repetitionTime(context, condition);
+  addResolution(context, condition, json);
   const Json filters = filtersJson(context, condition);
   if (!filters.empty()) json["SoftwareFilters"] = filters;
   json["VolumesUsed"] = condition.totalVolumes;
@@ -194,6 +205,7 @@ Json statusSidecar(const ResultContext& context, const ReferenceResult& referenc
     labels[std::to_string(code)] = statusName(static_cast<StatusCode>(code));
   }
   json["Labels"] = labels;
+  addResolution(context, condition, json);
   json["Voxels"] = voxelsJson(condition.statusCounts);
   addOrigin(context, condition, json);
   json["SoftwareVersion"] = context.version;
@@ -241,6 +253,7 @@ std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresh
 
 void addOriginAndModel(const ResultContext& context, const ReferenceResult& reference,
                        const ConditionResult& condition, Json& json) {
+  addResolution(context, condition, json);
   addOrigin(context, condition, json);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;
@@ -262,6 +275,25 @@ Record referenceRecord(const ResultContext& context, const ReferenceResult& refe
   return record;
 }
 
+namespace {
+
+// Who made the data that the maps are made from. Nobody is made up, and what others may do with the maps
+// their owner says: there is no License.
+Json authorsOfInput(const Request& request) {
+  const auto raw = request.datasets.find("raw");
+  if (raw == request.datasets.end()) return {};
+  std::ifstream stream(raw->second / "dataset_description.json");
+  const Json description = Json::parse(stream, nullptr, false);
+  if (!description.is_object() || !description.contains("Authors")) return {};
+  const Json& authors = description["Authors"];
+  const bool areNames =
+      authors.is_array() &&
+      std::all_of(authors.begin(), authors.end(), [](const Json& author) { return author.is_string(); });
+  return areNames ? authors : Json();
+}
+
+}  // namespace
+
 Json datasetDescription(const Request& request, const std::string& version) {
   Json json;
   json["Name"] = "Tavmap: maps of directed influence";
@@ -273,6 +305,8 @@ Json datasetDescription(const Request& request, const std::string& version) {
     links[name] = "file://" + fs::absolute(root).lexically_normal().generic_string();
   }
   if (!links.empty()) json["DatasetLinks"] = links;
+  const Json authors = authorsOfInput(request);
+  if (!authors.empty()) json["Authors"] = authors;
   return json;
 }
 

@@ -105,6 +105,59 @@ TEST_F(BidsCommand, DescribesTheDataSet) {
   EXPECT_TRUE(description.contains("BIDSVersion"));
 }
 
+TEST_F(BidsCommand, NamesTheAuthorsOfTheInputAndInventsNoLicense) {
+  scratch_.write(
+      "raw/dataset_description.json",
+      R"({"Name": "small", "BIDSVersion": "1.8.0", "Authors": ["A. B.", "C. D."], "License": "CC0"})");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  const json description = read(out() / "dataset_description.json");
+  EXPECT_EQ(description["Authors"], json({"A. B.", "C. D."}));
+  EXPECT_FALSE(description.contains("License"));
+}
+
+TEST_F(BidsCommand, KeepsTheResolutionOfItsInput) {
+  scratch_.write(
+      "raw/derivatives/fmriprep/sub-02/func/sub-02_task-blocks_run-1_space-MNI_desc-preproc_bold.json",
+      R"({"RepetitionTime": 2.0, "Resolution": "as scanned"})");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02"}).exitCode, 0);
+  const std::string begin = "sub-02_task-blocks_run-1_space-MNI_seed-A_";
+  for (const char* end : {"contrast-wholedTAV_stat-effect_statmap.json", "desc-wholeStatus_dseg.json",
+                          "desc-wholeDirection_dseg.json"})
+    EXPECT_EQ(read(out() / "sub-02/func" / (begin + end))["Resolution"], "as scanned") << end;
+}
+
+TEST_F(BidsCommand, TakesARepetitionTimeThatNoSidecarGives) {
+  const std::string sidecar =
+      "raw/derivatives/fmriprep/sub-02/func/sub-02_task-blocks_run-1_space-MNI_desc-preproc_bold.json";
+  const ProgramResult other = run({"--labels", "A", "--participant-label", "02", "--tr", "2.5"});
+  EXPECT_EQ(other.exitCode, 2);
+  EXPECT_NE(other.err.find("--tr says TR = 2.5 s, but " + (folder() / sidecar).string() +
+                           " says TR = 2 s; leave --tr out, or correct the file"),
+            std::string::npos)
+      << other.err;
+  scratch_.write(sidecar, "{}");
+  ASSERT_EQ(run({"--labels", "A", "--participant-label", "02", "--tr", "2.5"}).exitCode, 0);
+  EXPECT_EQ(read(out() / "sub-02/func" /
+                 "sub-02_task-blocks_run-1_space-MNI_seed-A_contrast-wholedTAV_stat-effect_statmap.json")
+                ["RepetitionTime"],
+            2.5);
+}
+
+TEST_F(BidsCommand, HoldsItsWorkersToTheMemory) {
+  const ProgramResult held = run({"--labels", "A", "--participant-label", "02", "--mem", "0.7G", "--nthreads",
+                                  "4", "--omp-nthreads", "8"});
+  EXPECT_EQ(held.exitCode, 0);
+  EXPECT_NE(held.err.find("tavmap: --mem-mb 0.7G holds 2 of 4 workers, each of which may take 300 MB"),
+            std::string::npos)
+      << held.err;
+  const ProgramResult little = run({"--labels", "A", "--mem-mb", "200"});
+  EXPECT_EQ(little.exitCode, 2);
+  EXPECT_NE(little.err.find("--mem-mb: 200 MB are not enough for one worker, which may take 300 MB"),
+            std::string::npos);
+  EXPECT_NE(run({"--labels", "A", "--mem-mb", "much"}).err.find("must be megabytes, such as 8000, or 8G"),
+            std::string::npos);
+}
+
 TEST_F(BidsCommand, TakesParticipantsInEitherSpelling) {
   for (const char* flag : {"--participant-label", "--participant_label"}) {
     fs::remove_all(out());

@@ -227,7 +227,31 @@ TEST_F(BidsLayout, EveryLongKeyHasItsShortOne) {
                                                           {"dir", "6"},
                                                           {"res", "7"},
                                                           {"desc", "8"},
-                                                          {"echo", "9"}}));
+                                                          {"echo", "9"},
+                                                          {"part", ""}}));
+}
+
+// A text cannot say that an entity is not there; null does.
+TEST_F(BidsLayout, NullChoosesNamesWithoutTheEntity) {
+  addRun("03", "1", "1", "_space-MNI");
+  addRun("03", "1", "1", "_space-MNI_res-2");
+  BidsQuery query;
+  query.participants = {"03"}, query.space = "MNI";
+  EXPECT_EQ(
+      messageOf<InputError>([&] { find(query); }),
+      "preprocessed runs exist in several spaces (MNI, MNI_res-2); choose one with --space, or those without "
+      "'res-' by {\"bold\": {\"res\": null}} in --bids-filter-file");
+  query.entities = parseBidsFilter(R"({"bold": {"resolution": null}})", "f");
+  EXPECT_EQ(entitiesOf(find(query)), (std::vector<std::string>{"sub-03_ses-1_task-oneback_run-1_space-MNI"}));
+}
+
+TEST_F(BidsLayout, NullThatNothingAnswersIsRefused) {
+  BidsQuery query;
+  query.entities = {{"space", ""}};
+  EXPECT_EQ(messageOf<InputError>([&] { find(query); }),
+            "no preprocessed run without 'space-' in its name, as null asks for in the filter file; leave "
+            "'space' out "
+            "of it, or name a label");
 }
 
 TEST(BidsFilter, KeepsEveryDigitOfANumber) {
@@ -241,7 +265,7 @@ TEST(BidsFilter, RefusesNestedValuesHoweverDeep) {
   const std::string nested = std::string(200'000, '[') + std::string(200'000, ']');
   EXPECT_EQ(
       messageOf<InputError>([&] { return parseBidsFilter("{\"bold\": {\"task\": " + nested + "}}", "f"); }),
-      "f: 'task' must be a text or a whole number");
+      "f: 'task' must be a text, a whole number, or null for names without it");
 }
 
 }  // namespace

@@ -61,6 +61,22 @@ TEST_F(Sidecar, DisputedRepetitionTimesRequireAChoice) {
   EXPECT_EQ(repetitionTime("a", 0, 3.0, {}), 3.0);
 }
 
+TEST_F(Sidecar, AnotherRepetitionTimeThanTheGivenOneIsRefused) {
+  const ImageSidecar sidecar = read(R"({"RepetitionTime": 2.0})");
+  EXPECT_EQ(messageOf<InputError>([&] { requireTimeOf(sidecar, 2.5, "--tr"); }),
+            "--tr says TR = 2.5 s, but " + sidecar.file.string() +
+                " says TR = 2 s; leave --tr out, or correct the file");
+  EXPECT_NO_THROW(requireTimeOf(sidecar, 2.0005, "--tr"));
+  EXPECT_NO_THROW(requireTimeOf({}, 2.5, "--tr"));
+}
+
+TEST_F(Sidecar, KeepsTheResolutionAsItStands) {
+  EXPECT_EQ(read(R"({"Resolution": "Matched with MNI"})").resolution, R"("Matched with MNI")");
+  EXPECT_EQ(read(R"({"Resolution": {"2": "2 mm"}})").resolution, R"({"2":"2 mm"})");
+  EXPECT_EQ(read(R"({"Resolution": null})").resolution, "");
+  EXPECT_EQ(read("{}").resolution, "");
+}
+
 TEST_F(Sidecar, AnUnknownRepetitionTimeIsAskedFor) {
   EXPECT_EQ(messageOf<InputError>([&] { return repetitionTime("a", 0, 0, {}); }),
             "run 'a': neither the image's header nor a JSON sidecar states the repetition time; give it with "

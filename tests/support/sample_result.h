@@ -52,6 +52,7 @@ inline study::Request request() {
   s.instantaneousLower = 0.055;
   s.rcUpper = 0.77;
   s.mapScale = 104.5;
+  s.highPass = 127.5;
   s.qValues = {0.011, 0.033};
   return request;
 }

@@ -219,9 +219,9 @@ TEST_F(RequestFile, ContradictoryReferencesAreRefused) {
 TEST_F(RequestFile, LabelImagesMayBeProbabilityAtlases) {
   EXPECT_EQ(parse(with("probability = 0.25\n")).references[0].probability, 0.25);
   EXPECT_EQ(parse(with("")).references[0].probability, 0);
-  for (const std::string wrong : {"0.0", "1.01", "-0.5"}) {
+  for (const std::string wrong : {"0", "1.01", "-0.5"}) {
     EXPECT_EQ(problem(with("probability = " + wrong + "\n")),
-              "r.toml:7: 'probability' in [[reference]] must lie between 0.001 and 1");
+              "r.toml:7: 'probability' in [[reference]] is " + wrong + ", outside 0.001 to 1");
   }
 }
 

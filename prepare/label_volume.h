@@ -19,7 +19,7 @@ struct LabelVolume {
   std::map<std::int32_t, std::string> names;
   std::string file;        // for messages
   std::string table = {};  // of the names; empty: none
-  std::string rule = {};      // how labels were made from another kind of image, in words; empty: they were not
+  std::string rule = {};   // how labels were made from another kind of image, in words; empty: they were not
   std::string question = {};  // what a reader should make sure of, in words; empty: nothing
 };
 

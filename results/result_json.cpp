@@ -224,6 +224,7 @@ Json directionSidecar(const ResultContext& context, const ReferenceResult& refer
     labels[std::to_string(code)] = directionName(static_cast<DirectionCode>(code));
   }
   json["Labels"] = labels;
+  addResolution(context, condition, json);
   addDirection(condition.direction, json);
   addOriginAndModel(context, reference, condition, json);
   return json;
@@ -238,6 +239,7 @@ Json passingSidecar(const ResultContext& context, const ReferenceResult& referen
       mapDescription(map.type, reference.name), condition.name);
   const std::vector<std::string> names = passingNames(map.thresholds);
   for (std::size_t code = 0; code < names.size(); ++code) json["Labels"][std::to_string(code)] = names[code];
+  addResolution(context, condition, json);
   json["StatisticFile"] = map.file;
   json["Thresholds"] = thresholdsJson(map.thresholds);
   addOriginAndModel(context, reference, condition, json);
@@ -253,7 +255,6 @@ std::vector<std::string> passingNames(const std::vector<ThresholdResult>& thresh
 
 void addOriginAndModel(const ResultContext& context, const ReferenceResult& reference,
                        const ConditionResult& condition, Json& json) {
-  addResolution(context, condition, json);
   addOrigin(context, condition, json);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;

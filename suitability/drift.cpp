@@ -11,7 +11,7 @@ namespace suitability {
 namespace {
 
 constexpr double kLargeShare = 0.5;
-constexpr double kSteepness = 6, kRawSteepness = 4;
+constexpr double kSteepness = 6;
 constexpr double kFewestPeriods = 3, kFewestRawPeriods = 2;
 
 double shareBetween(const std::vector<double>& shares, double seconds, double aboveHz, double uptoHz) {
@@ -34,7 +34,7 @@ Series demeanedOver(const Series& voxel, const Interval& interval) {
   return stretch;
 }
 
-std::optional<double> driftOf(const Courses& courses, double fewestPeriods, double steepness,
+std::optional<double> driftOf(const Courses& courses, double fewestPeriods,
                               Series (*stretchOf)(const Series&, const Interval&)) {
   const Interval longest = courses.longestInterval();
   const double seconds = longest.length * courses.trSeconds;
@@ -47,18 +47,18 @@ std::optional<double> driftOf(const Courses& courses, double fewestPeriods, doub
     next.push_back(shareBetween(shares, seconds, kDriftHz, 2 * kDriftHz));
   }
   const double share = median(slow);
-  if (share > kLargeShare && share > steepness * median(next)) return share;
+  if (share > kLargeShare && share > kSteepness * median(next)) return share;
   return std::nullopt;
 }
 
 }  // namespace
 
 std::optional<double> findDrift(const Courses& courses) {
-  return driftOf(courses, kFewestPeriods, kSteepness, detrendedOver);
+  return driftOf(courses, kFewestPeriods, detrendedOver);
 }
 
 std::optional<double> findRawDrift(const Courses& courses) {
-  return driftOf(courses, kFewestRawPeriods, kRawSteepness, demeanedOver);
+  return driftOf(courses, kFewestRawPeriods, demeanedOver);
 }
 
 }  // namespace suitability

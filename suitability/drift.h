@@ -18,8 +18,8 @@ inline constexpr double kDriftHz = 0.008;
 // three periods of that frequency, which detrending flattens.
 [[nodiscard]] std::optional<double> findDrift(const Courses& courses);
 
-// The same with trends left in, which hold seven times what the octave above them holds: more than four
-// times, from two periods of that frequency on. What a run shows that nobody has touched.
+// The same with trends left in, from two periods of that frequency on: what a run shows that nobody has
+// touched. A line alone holds seven times what the octave above holds.
 [[nodiscard]] std::optional<double> findRawDrift(const Courses& courses);
 
 }  // namespace suitability

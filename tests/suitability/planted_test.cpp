@@ -145,7 +145,7 @@ const std::vector<Planted> kArtefacts = {
      "set drop_volumes = "},
     {"transient, fast", with(0.9, 0.7, 400, [](Run& r, unsigned) { addTransient(r, 80, 1.3); }),
      "set drop_volumes = "},
-    {"trend of a raw run", with(0.3, 2, 150, [](Run& r, unsigned) { addTrend(r, 8); }),
+    {"trend of a raw run", with(0.3, 2, 150, [](Run& r, unsigned) { addTrend(r, 40); }),
      "set high_pass = 128"},
     {"drift", with(0.3, 2, 250, [](Run& r, unsigned) { addDrift(r, 4); }), "lies below 0.008 Hz"},
     {"drift, fast", with(0.6, 0.7, 900, [](Run& r, unsigned) { addDrift(r, 6); }), "lies below 0.008 Hz"},

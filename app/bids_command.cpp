@@ -183,7 +183,7 @@ void addSchedulerOptions(CLI::App& command, BidsArguments& arguments) {
       });
   command
       .add_option("--omp-nthreads,--omp_nthreads", arguments.threadsPerWorker,
-                  "Most threads per worker; accepted, a worker has one")
+                  "Threads of a worker; accepted, all workers together have at most --nthreads")
       ->check(CLI::Range(1, 1024));
 }
 

@@ -69,7 +69,8 @@ bool componentPreset(const std::string& term, std::string& stem, int& count) {
 // Not more than one beyond what a table with so many columns may have: that one is missing.
 Names components(const std::string& stem, int count, std::size_t columns) {
   Names names;
-  for (int i = 0; i < count && names.size() <= columns; ++i) names.push_back(stem + (i < 10 ? "0" : "") + std::to_string(i));
+  for (int i = 0; i < count && names.size() <= columns; ++i)
+    names.push_back(stem + (i < 10 ? "0" : "") + std::to_string(i));
   return names;
 }
 

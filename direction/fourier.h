@@ -20,7 +20,7 @@ class Fourier {
 
   [[nodiscard]] int length() const { return length_; }
   // Frequencies 0 ... length / 2.
-  [[nodiscard]] std::size_t nrOfFrequencies() const { return static_cast<std::size_t>(length_ / 2 + 1); }
+  [[nodiscard]] std::size_t nrOfFrequencies() const { return static_cast<std::size_t>(length_) / 2 + 1; }
   // Not normalised.
   void forward(std::span<const double> series, std::vector<std::complex<double>>& spectrum);
   // The inverse of forward(), 1 / length included.

@@ -12,6 +12,7 @@ void fillField(const std::string& text, char* field, std::size_t bytes) {
   };
   while (length > 0 && length < text.size() && continues(length)) --length;
   std::memset(field, 0, bytes);
+  // NOLINTNEXTLINE(bugprone-not-null-terminated-result): zeros stand behind it already
   std::memcpy(field, text.data(), length);
 }
 

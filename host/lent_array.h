@@ -45,6 +45,7 @@ class LentArray {
   static bool isGuard(const Type* elements) {
     unsigned char pattern[kGuard * sizeof(Type)];
     std::memset(pattern, kPattern, sizeof pattern);
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bytes are compared, not numbers
     return std::memcmp(elements, pattern, sizeof pattern) == 0;
   }
 

@@ -20,7 +20,8 @@ CourseFilter::CourseFilter(int volumes, int dropped, const std::vector<std::vect
 void CourseFilter::findGaps(const std::vector<bool>& kept) {
   int lastKept = -1;
   for (int v = 0; v <= outputVolumes(); ++v) {
-    const bool gapGoesOn = v < outputVolumes() && !kept[static_cast<std::size_t>(v + dropped_)];
+    const bool gapGoesOn =
+        v < outputVolumes() && !kept[static_cast<std::size_t>(v) + static_cast<std::size_t>(dropped_)];
     if (gapGoesOn) continue;
     if (v - lastKept > 1) gaps_.push_back({lastKept, v});
     lastKept = v;

@@ -22,8 +22,10 @@ simo::LaggedMoments momentsOf(const std::vector<Series>& stretches, int order) {
 // A lower triangle, row by row, 0-based.
 class Triangle {
  public:
-  explicit Triangle(int n) : n_(n), values_(static_cast<std::size_t>(n * n)) {}
-  double& operator()(int i, int j) { return values_[static_cast<std::size_t>(i * n_ + j)]; }
+  explicit Triangle(int n) : n_(static_cast<std::size_t>(n)), values_(n_ * n_) {}
+  double& operator()(int i, int j) {
+    return values_[static_cast<std::size_t>(i) * n_ + static_cast<std::size_t>(j)];
+  }
   // The sum over j < end of (i, j) times (k, j).
   double rowProduct(int i, int k, int end) {
     double sum = 0;
@@ -32,7 +34,7 @@ class Triangle {
   }
 
  private:
-  int n_;
+  std::size_t n_;
   Series values_;
 };
 

@@ -152,10 +152,9 @@ TEST(InfoCommand, RefusesAnUnknownEnding) {
   const Scratch folder;
   const auto run = tavmap({"info", "a.xyz"}, folder.path());
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(
-      run.err,
-      "tavmap: a.xyz: the ending of its name is not known here. Give a .vtc, .nii, .nii.gz, .tav, .tsv, .prt "
-      "or .json file.\n");
+  EXPECT_EQ(run.err,
+            "tavmap: a.xyz: the ending of its name is not known here. Give a .vtc, .nii, .nii.gz, .tav, "
+            ".tsv, .prt, .xml or .json file.\n");
 }
 
 TEST(ExportCommand, WritesOneImageAndOneSidecarPerMap) {

@@ -13,7 +13,7 @@ namespace study {
 namespace {
 
 using Labels = std::vector<std::int32_t>;
-using Names = std::map<std::int32_t, std::string>;
+using NamesByLabel = std::map<std::int32_t, std::string>;
 
 class LabelFiles : public ::testing::Test {
  protected:
@@ -44,7 +44,7 @@ TEST_F(LabelFiles, AProbabilityAtlasGivesEachVoxelItsMostProbableLabel) {
   reference_.probability = 0.5;
   const LabelVolume volume = read();
   EXPECT_EQ(volume.labels, (Labels{1, 2, 0}));
-  EXPECT_EQ(volume.names, (Names{{1, "A"}, {2, "B"}}));
+  EXPECT_EQ(volume.names, (NamesByLabel{{1, "A"}, {2, "B"}}));
   EXPECT_EQ(volume.rule, "the volume with the largest probability, at least 0.5");
 }
 
@@ -52,7 +52,7 @@ TEST_F(LabelFiles, NamesOfVolumesFollowTheOrderOfTheirIndices) {
   image({{60, 20}, {30, 80}});
   table("index\tname\n20\tsecond\n10\tfirst\n0\tbackground\n");
   reference_.probability = 0.5;
-  EXPECT_EQ(read().names, (Names{{1, "first"}, {2, "second"}}));
+  EXPECT_EQ(read().names, (NamesByLabel{{1, "first"}, {2, "second"}}));
   EXPECT_EQ(read().rule,
             "the volume with the largest probability, at least 0.5 (its values taken as per cent)");
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "tests/formats/nifti_bytes.h"
 #include "tests/support/message_of.h"
@@ -48,7 +49,9 @@ TEST_F(ProbabilityAtlas, ValuesBeyondOneArePerCent) {
 }
 
 TEST_F(ProbabilityAtlas, WhatIsNotFiniteCountsAsZero) {
-  EXPECT_EQ(read({{std::nan(""), 1, INFINITY, 0}, {0.6, 0, 0, 0}}, 0.5).image.labels, (Labels{2, 1, 0, 0}));
+  EXPECT_EQ(
+      read({{std::nan(""), 1, std::numeric_limits<double>::infinity(), 0}, {0.6, 0, 0, 0}}, 0.5).image.labels,
+      (Labels{2, 1, 0, 0}));
 }
 
 TEST_F(ProbabilityAtlas, WhatIsNoProbabilityIsRefused) {

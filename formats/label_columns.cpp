@@ -53,6 +53,10 @@ std::optional<std::uint32_t> colorInCell(const Table& table, std::size_t row, st
 LabelTable parseColumns(const LabelText& text) {
   const Table table = Table::parse(text.whole(), text.path());
   const LabelColumns columns = columnsOf(table);
+  if (!columns.index || !columns.name) {  // what parts the cells is judged by more than the first line
+    throw FileError(text.path(), "its lines are not parted alike",
+                    "Part the cells of all lines by tabs, the column names among them");
+  }
   const auto color = table.find("color");
   LabelCollector labels(text);
   for (std::size_t row = 0; row < table.rows(); ++row) {

@@ -36,6 +36,13 @@ TEST(LabelForms, ColumnsMayHaveTheNamesThatOthersGiveThem) {
   expectLabel(parse("index\tname\tlabel\n4\tV1\tx\n").labels.at(0), 4, "V1", std::nullopt);
 }
 
+// The first line alone would be parted at its comma.
+TEST(LabelForms, LinesThatAreNotPartedAlikeAreRefused) {
+  EXPECT_EQ(
+      refusal("\n\nName,index\nN\xd4\xce\xf5\xa9\x33\n\n\r\n\n\niso-8859-1\ni"),
+      "its lines are not parted alike. Part the cells of all lines by tabs, the column names among them.");
+}
+
 TEST(LabelForms, TwoLinesPerLabel) {
   const auto table =
       parse("7Networks LH Vis_1\r\n1 120 18 131 255\r\n\r\n7Networks_LH_Vis_2\r\n2 0 0 1 0\r\n");

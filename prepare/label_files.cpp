@@ -35,8 +35,7 @@ void requireAName(const LabelVolume& volume, std::size_t names, int volumes, con
   if (names == static_cast<std::size_t>(volumes)) return;
   throw InputError(fmt::format(
       "{}: {} names {} label{} (index 0, the background, left out), but {} has {} volume{}; give the table "
-      "of "
-      "this atlas with 'label_table'",
+      "of this atlas with 'label_table'",
       where, volume.table, names, names == 1 ? "" : "s", volume.file, volumes, volumes == 1 ? "" : "s"));
 }
 
@@ -60,8 +59,8 @@ void requireOneVolume(const ReferenceRequest& reference, const std::string& wher
   if (volumes == 1) return;
   throw InputError(
       fmt::format("{}: {} has {} volumes, as a probability atlas has, but a label image has one; say "
-                  "probability = 0.5 in "
-                  "this [[reference]] to take each voxel for the most probable label, or give a label image",
+                  "probability = 0.5 in this [[reference]] to take each voxel for the most probable label, "
+                  "or give a label image",
                   where, reference.image.string(), volumes));
 }
 

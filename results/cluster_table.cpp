@@ -128,10 +128,8 @@ std::string tableDescription(const ReferenceResult& reference, const ConditionRe
   return fmt::format(
       "clusters of the maps of {}, condition '{}': voxels outside the reference that pass the threshold of a "
       "q, of one sign, and touch, be it at a corner; a row each, by map, q and descending size. The rate q "
-      "is "
-      "one of voxels and says nothing of clusters. Local peaks are higher than every voxel of the cluster "
-      "that "
-      "they touch, at least {} mm from each other, and at most {} beside the largest",
+      "is one of voxels and says nothing of clusters. Local peaks are higher than every voxel of the cluster "
+      "that they touch, at least {} mm from each other, and at most {} beside the largest",
       reference.name, condition.name, kPeakDistanceMm, kFurtherPeaks);
 }
 

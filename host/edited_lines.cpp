@@ -109,6 +109,7 @@ EditedLines::~EditedLines() {
 bool EditedLines::read(const std::string& prompt, const Completer& completer, std::string& line) {
   impl_->prompt = prompt;
   impl_->completer = completer;
+  el_set(impl_->editor, EL_PREP_TERM, 1);  // before the prompt is shown: a key typed at once is the editor's
   int bytes = 0;
   const char* typed = el_gets(impl_->editor, &bytes);
   if (typed == nullptr || bytes <= 0) {

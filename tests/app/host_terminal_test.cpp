@@ -35,6 +35,7 @@ struct Session : PseudoTerminal {
       : PseudoTerminal(HostTerminal::arguments(more), test.folder(), "xterm") {}
   void answer(const std::string& prompt, const std::string& keys) {
     ASSERT_TRUE(shows(prompt)) << prompt;
+    ASSERT_TRUE(takesSingleKeys()) << prompt;
     type(keys);
   }
   // Up to the name of the first condition.

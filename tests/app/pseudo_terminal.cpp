@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -64,6 +65,11 @@ bool PseudoTerminal::shows(const std::string& text) {
     }
     if (!readMore()) return false;
   }
+}
+
+bool PseudoTerminal::takesSingleKeys() const {
+  termios settings{};
+  return tcgetattr(terminal_, &settings) == 0 && (settings.c_lflag & ICANON) == 0;
 }
 
 void PseudoTerminal::type(const std::string& keys) {

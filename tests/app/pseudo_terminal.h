@@ -23,6 +23,9 @@ class PseudoTerminal {
   // ends, or stays silent for half a minute, without it.
   [[nodiscard]] bool shows(const std::string& text);
 
+  // Whether keys reach the program one by one, Ctrl-D too, rather than as finished lines.
+  [[nodiscard]] bool takesSingleKeys() const;
+
   void type(const std::string& keys);
 
   // Waits for the end of the program; its exit code.

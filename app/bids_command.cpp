@@ -14,6 +14,7 @@
 #include "group/group_summary.h"
 #include "group/group_table.h"
 #include "prepare/image_sidecar.h"
+#include "report/reports.h"
 #include "request/confound_terms.h"
 #include "request/problem.h"
 #include "results/output_folder.h"
@@ -108,10 +109,14 @@ int group(const BidsArguments& arguments) {
   return result.failures.empty() ? kDone : kFailed;
 }
 
+int reportsAlone(const BidsArguments& arguments) {
+  for (const std::string& page : report::rebuildReports(arguments.outDir))
+    if (!arguments.study.quiet) std::cout << page << "\n";
+  return kDone;
+}
+
 int bids(const BidsArguments& arguments) {
-  if (arguments.reportsOnly) {
-    throw UsageError("--reports-only: there are no reports in this version; run without it");
-  }
+  if (arguments.reportsOnly) return reportsAlone(arguments);
   return arguments.level == "group" ? group(arguments) : participants(arguments);
 }
 

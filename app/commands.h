@@ -15,6 +15,7 @@ void addInfoCommand(CLI::App& program);
 void addOrderCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
 void addRecoverCommand(CLI::App& program);
+void addReportCommand(CLI::App& program);
 void addRunCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
 void addWorkerCommand(CLI::App& program);

@@ -13,11 +13,12 @@
 #include "app/exit_codes.h"
 #include "app/suggestions.h"
 #include "formats/file_error.h"
+#include "report/report.h"
 #include "tav/voxel_path.h"
 
 namespace {
 
-int report(const std::exception& error, int exitCode) {
+int told(const std::exception& error, int exitCode) {
   std::cerr << "tavmap: " << error.what() << '\n';
   return exitCode;
 }
@@ -27,7 +28,8 @@ std::string versionText() {
   std::ostringstream trouble;
   const std::unique_ptr<tav::VoxelPath> path = tav::makeVoxelPath(trouble);
   return std::string("tavmap " TAVMAP_VERSION ", kernel ") +
-         (path ? path->name() : "unusable: " + trouble.str());
+         (path ? path->name() : "unusable: " + trouble.str()) +
+         (report::isInteractive() ? "" : ", reports without interaction");
 }
 
 int run(int argc, char** argv) {
@@ -40,6 +42,7 @@ int run(int argc, char** argv) {
   app::addConvertCommand(program);
   app::addInfoCommand(program);
   app::addPictureCommand(program);
+  app::addReportCommand(program);
   app::addExportCommand(program);
   app::addRecoverCommand(program);
   app::addSimulateCommand(program);
@@ -74,11 +77,11 @@ int runAndReport(int argc, char** argv) {
   } catch (const app::Reported& reported) {
     return reported.exitCode;
   } catch (const formats::FileError& error) {
-    return report(error, error.fault() == formats::Fault::kInput ? app::kWrongInput : app::kFailed);
+    return told(error, error.fault() == formats::Fault::kInput ? app::kWrongInput : app::kFailed);
   } catch (const app::UsageError& error) {
-    return report(error, app::kWrongInput);
+    return told(error, app::kWrongInput);
   } catch (const std::exception& error) {
-    return report(error, app::kFailed);
+    return told(error, app::kFailed);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/exit_codes.h"
+#include "app/study_reports.h"
 #include "request/problem.h"
 #include "study/study_summary.h"
 
@@ -27,9 +28,18 @@ void addStudyOptions(CLI::App& command, StudyArguments& arguments) {
       "--force", arguments.force,
       "Compute again what is finished, replace what another request made under the same names, and "
       "remove results of references that are no longer asked for");
+  command.add_flag("--no-report", arguments.noReport, "Write no HTML report");
   command.add_flag("-q,--quiet", arguments.quiet, "No progress and no summary; failures are still told");
   command.add_flag("--json", arguments.json, "Print the summary as JSON");
 }
+
+namespace {
+
+bool wantsReports(const study::StudyOptions& options, const StudyArguments& arguments) {
+  return !arguments.noReport && !options.ordersOnly;
+}
+
+}  // namespace
 
 int runRequests(const std::vector<study::Request>& requests, study::StudyOptions options,
                 const StudyArguments& arguments) {
@@ -43,12 +53,14 @@ int runRequests(const std::vector<study::Request>& requests, study::StudyOptions
     study::ProgressBar progress(std::cerr, study::progressStyle(arguments.quiet));
     outcome = study::runStudy(requests, options, progress);
   }
+  const StudyReports reports = wantsReports(options, arguments) ? writeReports(requests, options) : StudyReports{};
   if (arguments.json) {
-    std::cout << study::summaryJson(outcome, options.version).dump(2) << "\n";
+    std::cout << withReports(study::summaryJson(outcome, options.version), reports).dump(2) << "\n";
   } else if (!arguments.quiet) {
     study::printSummary(outcome, std::cout);
+    printReports(reports, std::cout);
   }
-  if (!outcome.failed()) return kDone;
+  if (!outcome.failed()) return reports.failures.empty() ? kDone : kFailed;
   const bool isAlone = requests.size() == 1 && options.withoutRequest.empty();
   return isAlone && outcome.inputProblem ? kWrongInput : kFailed;
 }

@@ -15,13 +15,13 @@ namespace app {
 struct StudyArguments {
   int jobs = 1;
   std::optional<std::uint32_t> seed;
-  bool force = false, quiet = false, json = false;
+  bool force = false, quiet = false, json = false, noReport = false;
 };
 
 void addStudyOptions(CLI::App& command, StudyArguments& arguments);
 
-// Runs the requests and prints the summary: to standard output, with --json as JSON; progress goes
-// to standard error. Returns the exit code. InputError becomes exit code 2, an interrupt 130.
+// Runs the requests, writes their reports and prints the summary: to standard output, with --json as JSON;
+// progress goes to standard error. Returns the exit code. InputError becomes exit code 2, an interrupt 130.
 [[nodiscard]] int runRequests(const std::vector<study::Request>& requests, study::StudyOptions options,
                               const StudyArguments& arguments);
 

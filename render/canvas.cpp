@@ -3,7 +3,10 @@
 #include <cairo.h>
 #include <fmt/core.h>
 
+#include <cstring>
 #include <stdexcept>
+
+#include "render/png_surface.h"
 
 namespace render {
 namespace {
@@ -12,6 +15,19 @@ cairo_status_t append(void* text, const unsigned char* data, unsigned int length
   static_cast<std::string*>(text)->append(reinterpret_cast<const char*>(data), length);
   return CAIRO_STATUS_SUCCESS;
 }
+
+std::string pngOfSurface(cairo_surface_t* surface) {
+  std::string bytes;
+  const cairo_status_t status = cairo_surface_write_to_png_stream(surface, append, &bytes);
+  if (status != CAIRO_STATUS_SUCCESS) {
+    throw std::runtime_error(std::string("cannot write the picture: ") + cairo_status_to_string(status));
+  }
+  return bytes;
+}
+
+struct SurfaceEnd {
+  void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+};
 
 }  // namespace
 
@@ -69,12 +85,23 @@ double Canvas::textWidth(double size, const std::string& utf8) {
 }
 
 std::string Canvas::png() {
-  std::string bytes;
-  const cairo_status_t status = cairo_surface_write_to_png_stream(impl_->surface, append, &bytes);
-  if (status != CAIRO_STATUS_SUCCESS) {
-    throw std::runtime_error(std::string("cannot write the picture: ") + cairo_status_to_string(status));
-  }
-  return bytes;
+  return pngOfSurface(impl_->surface);
+}
+
+std::string pngOfWords(int width, int height, const std::vector<std::uint32_t>& words) {
+  const std::unique_ptr<cairo_surface_t, SurfaceEnd> surface(
+      cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
+  if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
+    throw std::runtime_error(fmt::format("cannot make a picture of {} x {} pixels", width, height));
+  cairo_surface_flush(surface.get());
+  unsigned char* rows = cairo_image_surface_get_data(surface.get());
+  const int stride = cairo_image_surface_get_stride(surface.get());
+  const std::size_t rowWords = static_cast<std::size_t>(width);
+  for (int y = 0; y < height; ++y)
+    std::memcpy(rows + static_cast<std::ptrdiff_t>(y) * stride, &words[static_cast<std::size_t>(y) * rowWords],
+                4 * rowWords);
+  cairo_surface_mark_dirty(surface.get());
+  return pngOfSurface(surface.get());
 }
 
 }  // namespace render

@@ -37,12 +37,12 @@ std::array<std::size_t, 3> closestAssignment(const Affine& affine) {
 
 }  // namespace
 
-Upright::Upright(const io::GridSize& size, const Affine& affine) {
+Upright::Upright(const io::GridSize& size, const Affine& affine) : storedAffine_(affine) {
   const std::array<int, 3> dims = {size.x, size.y, size.z};
   const std::array<std::size_t, 3> storedStride = {1, static_cast<std::size_t>(size.x), size.slice()};
-  const auto storedAxisOf = closestAssignment(affine);
+  storedAxis_ = closestAssignment(affine);
   for (std::size_t axis = 0; axis < 3; ++axis) {
-    const std::size_t stored = storedAxisOf[axis];
+    const std::size_t stored = storedAxis_[axis];
     dims_[axis] = dims[stored];
     voxelMm_[axis] = edgeMm(affine, stored);
     stride_[axis] = storedStride[stored];
@@ -58,6 +58,27 @@ std::size_t Upright::storedIndex(int right, int front, int top) const {
     index += static_cast<std::size_t>(along) * stride_[axis];
   }
   return index;
+}
+
+std::array<int, 3> Upright::position(const std::array<int, 3>& stored) const {
+  std::array<int, 3> position{};
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const int along = stored[storedAxis_[axis]];
+    position[axis] = reversed_[axis] ? dims_[axis] - 1 - along : along;
+  }
+  return position;
+}
+
+Affine Upright::affine() const {
+  Affine upright = storedAffine_;
+  for (std::size_t row = 0; row < 3; ++row) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      const double step = element(storedAffine_, row, storedAxis_[axis]);
+      upright[4 * row + axis] = reversed_[axis] ? -step : step;
+      if (reversed_[axis]) upright[4 * row + 3] += step * (dims_[axis] - 1);
+    }
+  }
+  return upright;
 }
 
 }  // namespace render

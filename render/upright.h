@@ -27,10 +27,17 @@ class Upright {
   // Position in the stored data, first axis fastest, of the voxel at `right`, `front`, `top`
   // (each 0-based from the left, the back and the bottom).
   [[nodiscard]] std::size_t storedIndex(int right, int front, int top) const;
+  // The other way round: right, front and top of a voxel by its stored indices.
+  [[nodiscard]] std::array<int, 3> position(const std::array<int, 3>& stored) const;
+
+  // (right, front, top, 1) to millimetres.
+  [[nodiscard]] Affine affine() const;
 
  private:
   std::array<int, 3> dims_{};
   std::array<double, 3> voxelMm_{};
+  Affine storedAffine_;
+  std::array<std::size_t, 3> storedAxis_{};
   std::array<std::size_t, 3> stride_{};
   std::array<bool, 3> reversed_{};
 };

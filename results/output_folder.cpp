@@ -25,7 +25,7 @@ constexpr const char* kReadme =
     "are told by .bidsignore.\n";
 
 // Names that no published version of the standard knows yet, or never will.
-constexpr const char* kIgnored = "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\nwork/\n";
+constexpr const char* kIgnored = "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n*_request.toml\n*_report.html\nindex.html\nfigures/\nwork/\n";
 
 }  // namespace
 

@@ -161,6 +161,18 @@ std::vector<std::string> Staging::publish(const std::string& record) {
   return files;
 }
 
+std::string requestFileOf(const std::string& prefix) {
+  return prefix + "_request.toml";
+}
+
+std::string failuresFileOf(const std::string& prefix) {
+  return prefix + "_desc-failures_tavmap.tsv";
+}
+
+std::string reportFileOf(const std::string& prefix) {
+  return prefix + "_report.html";
+}
+
 void removeResult(const fs::path& outputFolder, const std::string& recordFile, const Record& record) {
   removeFile(outputFolder / recordFile);
   for (const std::string& name : plainNames(record)) removeFile(outputFolder / name);

@@ -52,6 +52,13 @@ class OutputNames {
   std::string prefix_, seed_;
 };
 
+// Files of a request as a whole, beside the results of its references.
+[[nodiscard]] std::string requestFileOf(const std::string& prefix);   // the request itself
+[[nodiscard]] std::string failuresFileOf(const std::string& prefix);  // .tsv: what could not be computed
+[[nodiscard]] std::string reportFileOf(const std::string& prefix);    // .html
+// Of a data set: requests that failed as a whole.
+inline constexpr const char* kRequestFailuresFile = "failures_tavmap.tsv";
+
 // Removes a result, its record first. Files that the record names outside the folder stay. Throws RunError.
 void removeResult(const std::filesystem::path& outputFolder, const std::string& recordFile,
                   const Record& record);

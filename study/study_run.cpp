@@ -13,6 +13,7 @@
 #include "results/result_json.h"
 #include "study/earlier_results.h"
 #include "study/interrupt.h"
+#include "study/kept_request.h"
 #include "study/request_run.h"
 #include "study/study_folders.h"
 #include "study/worker_pool.h"
@@ -126,6 +127,19 @@ void removeForeign(const std::vector<StudyPlan>& plans, const StudyOptions& opti
   }
 }
 
+void keepForReports(const std::vector<Request>& requests, const std::vector<StudyPlan>& plans,
+                    const StudyOptions& options, const StudyOutcome& outcome) {
+  if (options.ordersOnly) return;
+  for (const StudyPlan& plan : plans) {
+    keepRequest(plan);
+    keepFailures(plan, outcome);
+  }
+  if (options.datasetFolder.empty()) return;
+  std::vector<std::string> titles;
+  for (const Request& request : requests) titles.push_back(request.title);
+  keepRequestFailures(options.datasetFolder, titles, outcome);
+}
+
 }  // namespace
 
 bool StudyOutcome::failed() const {
@@ -151,6 +165,7 @@ StudyOutcome runStudy(const std::vector<Request>& requests, const StudyOptions& 
   pool.run();
   removeForeign(plans, options, outcome);
   sortOutcome(plans, outcome);
+  keepForReports(requests, plans, options, outcome);
   collectWarnings(options, outcome);
   return outcome;
 }

@@ -21,10 +21,11 @@ ARROWS = {
     "prepare": {"request", "bids", "formats"},
     "results": {"tav", "request", "bids", "prepare", "formats"},
     "study": {"tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
+    "report": {"tav", "io", "formats", "render", "request", "bids", "prepare", "results"},
     "group": {"request", "bids", "results", "formats"},
     "simulation": {"formats"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
-            "results", "study", "group", "simulation"},
+            "results", "report", "study", "group", "simulation"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

@@ -1,0 +1,44 @@
+// Volumes inside a page, for its script: numbers of one or two bytes per voxel, compressed, as text.
+#ifndef TAVMAP_REPORT_EMBEDDED_VOLUMES_H
+#define TAVMAP_REPORT_EMBEDDED_VOLUMES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "formats/json_file.h"
+
+namespace report {
+
+// A script element that holds the bytes.
+[[nodiscard]] std::string volumeElement(const std::string& id, std::span<const std::uint8_t> bytes);
+
+// value = offset + step * code; the code 0 stands for no value. 16 bits: the lower byte first.
+struct CodedValues {
+  int bits = 8;
+  double step = 1, offset = 0;
+  std::vector<std::uint8_t> bytes;
+};
+
+// Values that are not finite get the code 0; the others lie within half a step of what their codes stand for. bits: 8
+// or 16.
+[[nodiscard]] CodedValues coded(std::span<const float> values, int bits);
+
+// How exactly maps are kept, so that a page of many maps can still be mailed.
+struct EmbeddingPlan {
+  int bits = 16;              // of effects
+  bool withP = true;          // of single voxels
+  bool withAllKinds = true;   // else the four that the others follow from
+  bool withMaps = true;       // false: there are too many for any
+};
+
+// The most exact of the plans whose volumes take at most `limit` bytes of text, by what such maps were measured to
+// take. maps: of all references and conditions; voxels: of each.
+[[nodiscard]] EmbeddingPlan embeddingPlan(std::size_t views, std::size_t voxels, std::size_t limit);
+
+}  // namespace report
+
+#endif

@@ -1,0 +1,120 @@
+#include "report/map_figures.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+
+#include "report/html.h"
+#include "report/mosaic.h"
+#include "report/quotes.h"
+#include "report/sections.h"
+#include "results/map_words.h"
+#include "tav/map_kinds.h"
+
+namespace report {
+namespace {
+
+constexpr std::size_t kMostPeaks = 4;
+
+// The slices of the map's peak and of its largest clusters.
+std::vector<int> wantedSlices(const PageGrid& grid, const ConditionView& view, const MapView& map) {
+  std::vector<int> slices;
+  const auto add = [&](const std::array<int, 3>& voxel) {
+    const int slice = grid.view().position(voxel)[2];
+    if (std::find(slices.begin(), slices.end(), slice) == slices.end()) slices.push_back(slice);
+  };
+  if (study::hasPeak(*view.record, *map.map)) add(map.map->peakVoxel);
+  for (const study::ClusterResult& cluster : map.map->familyWise.largest) {
+    if (slices.size() >= kMostPeaks) break;
+    add(cluster.peakVoxel);
+  }
+  return slices;
+}
+
+std::string lookedUp(const StudyOutputs& outputs, const ConditionView& view, const MapView& map) {
+  const ReferenceOutputs& reference = outputs.references[view.reference];
+  const Quotes quotes = Quotes(reference.json, reference.file)
+                            .at(fmt::format("/Conditions/{}/Maps/{}", view.condition, map.index));
+  if (map.map->thresholds.empty()) return "This map has no thresholds; the largest magnitude has the strongest colour.";
+  const std::size_t last = map.map->thresholds.size() - 1;
+  const Quotes at = quotes.at(fmt::format("/Thresholds/{}", last));
+  const std::string q = "q = " + at.number("/Q");
+  if (!map.scale.threshold) return "No voxel survives at " + q + "; everything is faint.";
+  return at.number("/VoxelsPassingOutsideReference") + " voxels pass at " + q + ", from " +
+         at.number("/Threshold", Digits::kFour) + " on; what falls short is faint.";
+}
+
+std::string signWords(const MapView& map, const std::string& reference) {
+  if (!map.scale.hasSign) return "";
+  return " Red to yellow: positive, " + name(reference) + " leads; blue: negative, the voxel leads; unequal noise can "
+         "feign both.";
+}
+
+std::string directionWords(const ConditionView& view) {
+  return view.directions.empty()
+             ? ""
+             : " Half as strong: the voxel passes and its direction is not supported with reversed time.";
+}
+
+std::string plainLabel(const StudyOutputs& outputs, const ConditionView& view, const MapView& map) {
+  const std::string& reference = outputs.references[view.reference].record.reference;
+  return fmt::format("{}, {}, condition {}. Axial slices from below to above, the patient's left on the left; the "
+                     "reference is outlined.",
+                     tav::mapKind(map.map->type).keyword, study::mapDescription(map.map->type, reference),
+                     view.record->name);
+}
+
+std::string unitOf(const StudyOutputs& outputs, const ConditionView& view, tav::MapType type) {
+  const double scale = outputs.references[view.reference].record.model.settings.mapScale;
+  return study::mapUnits(type, fmt::format("{}", scale));
+}
+
+std::string withDefinition(std::string svg, const UnderlaySheet& sheet) {
+  return svg.insert(svg.find('>') + 1, "<defs>" + sheet.definition() + "</defs>");
+}
+
+std::string pictureFile(const MapView& map) {
+  std::string stem = map.map->file;
+  for (const std::string ending : {".nii.gz", ".nii"})
+    if (stem.ends_with(ending)) stem.resize(stem.size() - ending.size());
+  return stem + ".svg";
+}
+
+bool showsDirections(const ConditionView& view, const MapView& map) {
+  return hasSign(map.map->type) && !view.directions.empty();
+}
+
+MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std::vector<float>& underlay,
+                   const UnderlaySheet& sheet, const ConditionView& view, const MapView& map) {
+  const std::string& reference = outputs.references[view.reference].record.reference;
+  const std::string svg =
+      mosaic(grid, sheet,
+             {map.values, view.region, showsDirections(view, map) ? &view.directions : nullptr, map.scale},
+             mosaicSlices(grid, underlay, wantedSlices(grid, view, map)), plainLabel(outputs, view, map));
+  const std::string keyword = tav::mapKind(map.map->type).keyword;
+  const std::string caption = element("strong", keyword) + ": " +
+                              text(study::mapDescription(map.map->type, reference)) + ". " +
+                              lookedUp(outputs, view, map) + signWords(map, reference) +
+                              (showsDirections(view, map) ? directionWords(view) : "");
+  const std::string unit = unitOf(outputs, view, map.map->type);
+  const std::string bar = element("div", {{"class", "scale"}},
+                                  colourBar(map.scale, unit) + element("small", "Unit: " + text(unit)));
+  return {element("figure",
+                  {{"class", "mosaic"},
+                   {"id", placeId("mosaic", view.reference, view.condition) + "-" + keyword}},
+                  element("figcaption", caption) + svg + bar) +
+              "\n",
+          pictureFile(map), withDefinition(svg, sheet)};
+}
+
+}  // namespace
+
+std::vector<MapFigure> mapFigures(const StudyOutputs& outputs, const PageGrid& grid,
+                                  const std::vector<float>& underlay, const UnderlaySheet& sheet,
+                                  const ConditionView& view) {
+  std::vector<MapFigure> figures;
+  for (const MapView& map : view.maps) figures.push_back(figureOf(outputs, grid, underlay, sheet, view, map));
+  return figures;
+}
+
+}  // namespace report

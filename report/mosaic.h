@@ -1,0 +1,40 @@
+// One map over the anatomy as a mosaic of axial slices, as SVG: the patient's left on the left, the front at the top,
+// the reference outlined. Sizes in millimetres of the brain.
+#ifndef TAVMAP_REPORT_MOSAIC_H
+#define TAVMAP_REPORT_MOSAIC_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "report/map_overlay.h"
+#include "report/page_grid.h"
+#include "report/underlay_sheet.h"
+
+namespace report {
+
+// Volumes in upright order; none is owned.
+struct MosaicMap {
+  const std::vector<float>& values;
+  const std::vector<std::uint8_t>& reference;   // non-zero inside the region
+  const std::vector<std::uint8_t>* directions;  // study::DirectionCode per voxel; null: there are none
+  OverlayScale scale;
+};
+
+inline constexpr int kMosaicSlices = 15;
+
+// At most kMosaicSlices slices from below to above, spread over those that hold anatomy. Each of `wanted` (such as the
+// peaks of clusters, the most important first) takes the place of the nearest that is not wanted itself.
+[[nodiscard]] std::vector<int> mosaicSlices(const PageGrid& grid, const std::vector<float>& underlay,
+                                            const std::vector<int>& wanted);
+
+// label: what a person who cannot see it is told. The sheet's definition must stand in the same document.
+[[nodiscard]] std::string mosaic(const PageGrid& grid, const UnderlaySheet& sheet, const MosaicMap& map,
+                                 const std::vector<int>& slices, const std::string& label);
+
+// A bar of the scale's colours with its numbers and the unit, as SVG.
+[[nodiscard]] std::string colourBar(const OverlayScale& scale, const std::string& unit);
+
+}  // namespace report
+
+#endif

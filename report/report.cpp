@@ -1,0 +1,80 @@
+#include "report/report.h"
+
+#include <fmt/core.h>
+
+#include <nlohmann/json.hpp>
+
+#include "formats/atomic_file.h"
+#include "report/html.h"
+#include "report/maps_section.h"
+#include "report/page.h"
+#include "report/page_assets.h"
+#include "report/sections.h"
+#include "results/output_names.h"
+
+namespace report {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PageWriter {
+ public:
+  // Sections that say nothing are left out, of the contents too.
+  void add(const char* id, const char* title, const std::string& section) {
+    if (section.empty()) return;
+    parts_.contents.emplace_back(id, title);
+    parts_.body += section;
+  }
+  PageParts& parts() { return parts_; }
+
+ private:
+  PageParts parts_;
+};
+
+std::string leadOf(const StudyOutputs& outputs) {
+  const std::size_t references = outputs.references.size();
+  return element("p", {{"class", "lead"}},
+                 fmt::format("Directed influence between {} reference region{} and every voxel.", references,
+                             references == 1 ? "" : "s"));
+}
+
+void writePictures(const fs::path& folder, const MapsSection& maps) {
+  if (maps.pictures.empty()) return;
+  fs::create_directories(folder / "figures");
+  for (const auto& [file, svg] : maps.pictures)
+    formats::writeTextFile((folder / "figures" / file).string(), svg, formats::Durability::kCached);
+}
+
+}  // namespace
+
+std::string writeReport(const fs::path& folder, const std::string& prefix) {
+  const StudyOutputs outputs = readStudyOutputs(folder, prefix);
+  const MapsSection maps = mapsSection(outputs, isInteractive());
+  PageWriter writer;
+  writer.add("warnings", "Read this first", warningsSection(outputs));
+  writer.add("summary", "Summary", summarySection(outputs));
+  writer.add("maps", "Maps", maps.html);
+  writer.add("peaks", "Clusters and peaks", peaksSection(outputs));
+  writer.add("limits", "What this does not show", limitsSection(outputs));
+  writer.add("methods", "Methods", methodsSection(outputs));
+  writer.add("provenance", "Provenance", provenanceSection(outputs));
+  PageParts& parts = writer.parts();
+  parts.title = "Tavmap: " + prefix;
+  parts.lead = leadOf(outputs);
+  parts.body = maps.definitions + parts.body;
+  parts.volumes = maps.volumes;
+  formats::Json data = maps.data.is_null() ? formats::Json::object() : maps.data;
+  data["format"] = 1;
+  data["charts"] = formats::Json::object();
+  parts.data = data.dump();
+  const std::string path = outputs.path(study::reportFileOf(prefix));
+  formats::writeTextFile(path, page(parts), formats::Durability::kCached);
+  writePictures(folder, maps);
+  return path;
+}
+
+bool isInteractive() {
+  return !pageScript().empty();
+}
+
+}  // namespace report

@@ -1,0 +1,79 @@
+// What is known about the voxel under the crosshair, in words.
+import { millimetres, offsetOf } from "../data/grid";
+import { effectOf, logOf } from "../data/map_codes";
+import type { LoadedMap, LoadedView } from "../data/loaded_view";
+import type { GridData, MapData, Triple, ViewData } from "../data/page_data";
+import { decimalsOf, halfStep, plain, probability, signed, withUnit } from "./numbers";
+
+export interface Line {
+  readonly name: string;
+  readonly text: string;
+}
+
+export function directionWords(code: number): string {
+  const words = [
+    "not tested",
+    "the reference leads",
+    "the voxel leads",
+    "not supported by its control",
+    "could not be judged",
+  ];
+  return words[code] ?? `code ${code}`;
+}
+
+function signWords(data: MapData, value: number): string {
+  if (value === 0 || data.negative === null) return value > 0 ? data.positive : "";
+  return value > 0 ? data.positive : data.negative;
+}
+
+export function valueText(data: MapData, code: number): string {
+  const value = effectOf(data.effect, code);
+  if (Number.isNaN(value)) return "none here";
+  const { step } = data.effect;
+  const shown = data.negative === null ? plain(value, decimalsOf(step)) : signed(value, decimalsOf(step));
+  const words = signWords(data, value);
+  const number = withUnit(step > 0 ? `${shown} ± ${halfStep(step)}` : shown, data.unit);
+  return words === "" ? number : `${number}: ${words}`;
+}
+
+export function probabilityText(data: MapData, code: number): string {
+  if (data.p === null) return "not stored for this map";
+  const log = logOf(data.p, code);
+  if (Number.isNaN(log)) return "none here";
+  const { step } = data.p;
+  return `${probability(log)} (\u2212log₁₀ p ${plain(log, decimalsOf(step))} ± ${halfStep(step)})`;
+}
+
+function placeLines(grid: GridData, voxel: Triple): Line[] {
+  const mm = millimetres(grid.affine, voxel).map((c) => plain(c, 1));
+  return [
+    { name: "Place (x, y, z)", text: `${mm.join(", ")} mm` },
+    { name: "Voxel (i, j, k)", text: voxel.join(", ") },
+  ];
+}
+
+// Code 0 where the voxel is outside the mask.
+function codeAt(codes: ArrayLike<number> | null, place: number): number {
+  return place < 0 ? 0 : (codes?.[place] ?? 0);
+}
+
+export function readout(
+  grid: GridData,
+  names: ViewData,
+  view: LoadedView,
+  map: LoadedMap,
+  voxel: Triple,
+): Line[] {
+  const offset = offsetOf(grid.size, voxel);
+  const place = view.backdrop.places[offset] ?? -1;
+  const lines = placeLines(grid, voxel);
+  const outside = place < 0 ? "outside the mask" : null;
+  lines.push({ name: "Value", text: outside ?? valueText(map.data, codeAt(map.effect, place)) });
+  lines.push({ name: "p", text: outside ?? probabilityText(map.data, codeAt(map.p, place)) });
+  const inside = view.region[offset] ? `part of ${names.reference}` : "outside the reference";
+  lines.push({ name: "Region", text: inside });
+  if (view.direction !== null) {
+    lines.push({ name: "Direction", text: outside ?? directionWords(codeAt(view.direction, place)) });
+  }
+  return lines;
+}

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "request/confound_terms.h"
 #include "request/problem.h"
@@ -118,17 +119,21 @@ std::vector<std::vector<double>> confoundColumns(const ConfoundTable& table, con
   return columns;
 }
 
-std::vector<double> framewiseDisplacement(const ConfoundTable& table) {
+Displacement findDisplacement(const ConfoundTable& table) {
   const std::vector<double>* own = table.find("framewise_displacement");
-  if (own != nullptr) return *own;
+  if (own != nullptr) return {*own, DisplacementSource::kColumn};
   std::array<const std::vector<double>*, 6> motion{};
   for (std::size_t i = 0; i < 6; ++i) motion[i] = table.find(motionColumns()[i]);
-  if (std::find(motion.begin(), motion.end(), nullptr) != motion.end()) {
-    throw InputError(table.file.string() +
-                     ": neither 'framewise_displacement' nor the six motion columns; "
-                     "censoring needs one of them");
-  }
-  return displacementFromMotion(motion);
+  if (std::find(motion.begin(), motion.end(), nullptr) != motion.end()) return {};
+  return {displacementFromMotion(motion), DisplacementSource::kParameters};
+}
+
+std::vector<double> framewiseDisplacement(const ConfoundTable& table) {
+  Displacement found = findDisplacement(table);
+  if (!found.mm.empty()) return std::move(found.mm);
+  throw InputError(table.file.string() +
+                   ": neither 'framewise_displacement' nor the six motion columns; "
+                   "censoring needs one of them");
 }
 
 int nonSteadyStateVolumes(const ConfoundTable& table) {

@@ -30,9 +30,19 @@ struct ConfoundTable {
                                                                const std::vector<std::string>& names,
                                                                std::size_t firstVolume);
 
-// Frame-wise displacement in millimetres per volume, NaN for the first: the table's own column, or
-// from translations (mm) and rotations (rad, on a sphere of 50 mm; Power et al. 2012). Throws
-// InputError when the table has neither.
+enum class DisplacementSource {
+  kColumn,     // "framewise_displacement"
+  kParameters  // translations (mm) and rotations (rad, on a sphere of 50 mm; Power et al. 2012)
+};
+// Frame-wise displacement in millimetres per volume, NaN for the first. Empty: none is known.
+struct Displacement {
+  std::vector<double> mm;
+  DisplacementSource source = DisplacementSource::kColumn;
+};
+
+// The table's own column, or from its six motion columns; empty when the table has neither.
+[[nodiscard]] Displacement findDisplacement(const ConfoundTable& table);
+// The values. Throws InputError when there are none.
 [[nodiscard]] std::vector<double> framewiseDisplacement(const ConfoundTable& table);
 
 // Leading volumes that the table marks as not in steady state: one more than the last volume

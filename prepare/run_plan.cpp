@@ -120,6 +120,7 @@ void RunPlanner::readTable() {
                       run.name, run.confounds.string(), table.volumes(), plan_.kept.size()));
     }
     if (run.dropVolumes == kDropFromConfounds) plan_.volumes.dropped = nonSteadyStateVolumes(table);
+    plan_.displacement = findDisplacement(table);
     censor(table);
     takeColumns(table);
   }

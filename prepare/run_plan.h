@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "prepare/confound_table.h"
 #include "prepare/grid.h"
 #include "prepare/interval_plan.h"
 #include "request/request.h"
@@ -20,6 +21,7 @@ struct RunPlan {
   RunVolumes volumes;
   std::vector<bool> kept;  // one flag per stored volume
   int censored = 0;        // volumes above the motion threshold, or beside one
+  Displacement displacement;  // as the confounds table has it, per stored volume; changes no result
   std::vector<std::string> confoundNames;
   std::vector<std::vector<double>> confounds;  // from the first volume that is not dropped
   int confoundRank = 0;                        // degrees of freedom that the regression costs

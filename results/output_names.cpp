@@ -123,6 +123,10 @@ std::string OutputNames::clusters(const std::string& conditionLabel) const {
   return stem(fmt::format("_desc-{}_clusters.tsv", conditionLabel));
 }
 
+std::string OutputNames::evidence(const std::string& conditionLabel) const {
+  return stem(fmt::format("_desc-{}_evidence.json", conditionLabel));
+}
+
 std::string OutputNames::courses() const {
   return stem("_desc-reference_timeseries.tsv");
 }

@@ -39,6 +39,7 @@ class OutputNames {
   [[nodiscard]] std::string passing(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string passingTable(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string clusters(const std::string& conditionLabel) const;  // .tsv
+  [[nodiscard]] std::string evidence(const std::string& conditionLabel) const;  // .json
   [[nodiscard]] std::string statusTable(const std::string& conditionLabel) const;
   std::string courses() const;  // .tsv
   std::string record() const;   // .json; written last

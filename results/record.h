@@ -37,6 +37,7 @@ struct ConditionRecord {
   std::vector<MapResult> maps;  // a peak that is not finite is NaN
   DirectionResult direction = {};
   std::string clustersFile = {};  // empty: there is none
+  std::string evidenceFile = {};  // evidence.h; empty in records of earlier versions
   [[nodiscard]] std::size_t voxelsComputed() const {
     return voxels[static_cast<std::size_t>(StatusCode::kComputed)];
   }

@@ -171,6 +171,7 @@ void describe(Fields& fields, Of<Fields, ConditionRecord>& condition) {
   fields("Maps", condition.maps);
   fields.unlessEmpty("Direction", condition.direction);
   fields.unlessEmpty("ClustersFile", condition.clustersFile);
+  fields.unlessEmpty("EvidenceFile", condition.evidenceFile);
 }
 
 template <typename Fields>

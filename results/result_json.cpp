@@ -57,7 +57,8 @@ ConditionRecord conditionRecord(const ResultContext& context, const ConditionRes
           condition.statusFile,
           condition.maps,
           condition.direction,
-          condition.clustersFile};
+          condition.clustersFile,
+          condition.evidenceFile};
 }
 
 ModelRecord modelRecord(const ResultContext& context, const ReferenceResult& reference) {

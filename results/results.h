@@ -71,6 +71,7 @@ struct ConditionResult {
   std::vector<MapResult> maps;
   DirectionResult direction = {};
   std::string clustersFile = {};  // clusters of the voxels that pass; empty: no map has thresholds
+  std::string evidenceFile = {};  // evidence.h
 };
 
 struct ReferenceResult {

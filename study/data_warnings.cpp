@@ -58,23 +58,25 @@ std::vector<std::string> DataWarnings::texts() const {
   return texts;
 }
 
-std::vector<std::string> conditionWarnings(const StudyPlan& plan, const std::string& reference,
-                                           const std::string& condition, std::vector<ConditionRun>& runs,
-                                           const std::vector<std::uint8_t>& codes) {
+ConditionFindings lookAtCondition(const StudyPlan& plan, const std::string& reference,
+                                  const std::string& condition, std::vector<ConditionRun>& runs,
+                                  const std::vector<std::uint8_t>& codes) {
   const std::vector<std::size_t> sample = sampleOf(codes, {StatusCode::kComputed});
-  std::vector<std::string> texts;
+  ConditionFindings found;
   std::vector<suitability::SuitabilityInput> inputs;
   for (ConditionRun& run : runs) {
     inputs.push_back(inputOf(run, reference, plan.order));
     std::vector<std::vector<float>> voxels;
     for (const std::size_t voxel : sample) voxels.push_back(run.voxel(voxel));
     inputs.back().voxels.assign(voxels.begin(), voxels.end());
-    for (std::string& text : suitability::runWarnings(inputs.back())) texts.push_back(std::move(text));
+    found.runs.push_back(suitability::findingsOf(inputs.back()));
+    for (std::string& text : suitability::runWarnings(inputs.back(), found.runs.back()))
+      found.warnings.push_back(std::move(text));
     inputs.back().voxels.clear();
   }
   const std::string few = suitability::fewSamplesWarning(condition, inputs);
-  if (!few.empty()) texts.push_back(few);
-  return texts;
+  if (!few.empty()) found.warnings.push_back(few);
+  return found;
 }
 
 }  // namespace study

@@ -3,11 +3,13 @@
 #define TAVMAP_STUDY_DATA_WARNINGS_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "study/condition_runs.h"
+#include "suitability/run_findings.h"
 
 namespace study {
 
@@ -23,12 +25,18 @@ class DataWarnings {
   std::vector<std::pair<std::string, std::vector<std::string>>> texts_;  // with the conditions that say it
 };
 
-// The warnings about one condition, with the reference's name and the model order. codes: StatusCode per
-// voxel; about 50 computed voxels, spread evenly, are looked at. Throws formats::FileError.
-[[nodiscard]] std::vector<std::string> conditionWarnings(const StudyPlan& plan, const std::string& reference,
-                                                         const std::string& condition,
-                                                         std::vector<ConditionRun>& runs,
-                                                         const std::vector<std::uint8_t>& codes);
+// What the data of one condition say.
+struct ConditionFindings {
+  // One per run; nothing where neither reference nor voxels can be judged.
+  std::vector<std::optional<suitability::RunFindings>> runs;
+  std::vector<std::string> warnings;
+};
+
+// With the reference's name and the model order. codes: StatusCode per voxel; about 50 computed voxels, spread
+// evenly, are looked at. Throws formats::FileError.
+[[nodiscard]] ConditionFindings lookAtCondition(const StudyPlan& plan, const std::string& reference,
+                                                const std::string& condition, std::vector<ConditionRun>& runs,
+                                                const std::vector<std::uint8_t>& codes);
 
 }  // namespace study
 

@@ -12,8 +12,10 @@
 #include "results/cluster_table.h"
 #include "results/course_table.h"
 #include "results/derived_map_json.h"
+#include "results/evidence_json.h"
 #include "results/map_findings.h"
 #include "results/record_json.h"
+#include "study/condition_evidence.h"
 #include "study/condition_images.h"
 #include "study/direction_check.h"
 #include "study/label_map.h"
@@ -120,8 +122,7 @@ void ResultWriter::onCondition(const tav::ConditionOutcome& outcome) {
   const ConditionImages images(plan_, staging_, names(), plan_.conditionLabels[index], header_, codes_);
   condition.maps = images.writeMaps(outcome);
   condition.clustersFile = images.writeClusters(outcome, condition.maps);
-  if (plan_.request.settings.method == Method::kCalibrated)
-    lookAtData(outcome, plan_.conditionLabels[index], condition);
+  lookAtData(outcome, plan_.conditionLabels[index], condition);
   result_.conditions.push_back(std::move(condition));
   report(++conditionsDone_);
 }
@@ -149,14 +150,25 @@ void ResultWriter::requireComputed(std::size_t index, const ConditionResult& con
                                whyNothingIsComputed(runs, codes_, condition.effectiveVolumes, plan_.order)));
 }
 
-// What the same series say beside the maps: where data mislead, and which directions are supported.
+// What the same series say beside the maps: where data mislead, and which directions are supported. The plug-in's
+// procedure neither warns nor tests.
 void ResultWriter::lookAtData(const tav::ConditionOutcome& outcome, const std::string& label,
                               ConditionResult& condition) {
   std::vector<ConditionRun> runs =
       conditionRuns(plan_, region(), static_cast<std::size_t>(outcome.condIndex), courses_);
-  warnings_.add(condition.name,
-                conditionWarnings(plan_, plan_.regions[region()].name, condition.name, runs, codes_));
+  const ConditionFindings findings =
+      lookAtCondition(plan_, plan_.regions[region()].name, condition.name, runs, codes_);
+  writeEvidence(outcome, label, runs, findings, condition);
+  if (plan_.request.settings.method != Method::kCalibrated) return;
+  warnings_.add(condition.name, findings.warnings);
   writeDirections(outcome, label, runs, condition);
+}
+
+void ResultWriter::writeEvidence(const tav::ConditionOutcome& outcome, const std::string& label,
+                                 const std::vector<ConditionRun>& runs, const ConditionFindings& findings,
+                                 ConditionResult& condition) const {
+  condition.evidenceFile = names().evidence(label);
+  writeText(condition.evidenceFile, evidenceText(conditionEvidence(plan_, outcome, runs, findings, codes_)));
 }
 
 void ResultWriter::writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,

@@ -44,6 +44,9 @@ class ResultWriter : public tav::RunObserver {
                    ConditionResult& condition);
   void requireComputed(std::size_t index, const ConditionResult& condition) const;
   void lookAtData(const tav::ConditionOutcome& outcome, const std::string& label, ConditionResult& condition);
+  void writeEvidence(const tav::ConditionOutcome& outcome, const std::string& label,
+                     const std::vector<ConditionRun>& runs, const ConditionFindings& findings,
+                     ConditionResult& condition) const;
   void writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
                        std::vector<ConditionRun>& runs, ConditionResult& condition);
   void writeSidecars();

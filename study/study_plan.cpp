@@ -193,6 +193,7 @@ std::string resultKey(const StudyPlan& plan, std::size_t region) {
   addConditions(plan, key);
   if (plan.request.settings.method != Method::kPlugin)
     key.add("direction", "reversed time").add("surrogates", "between spikes");
+  key.add("evidence", "histograms and courses");
   key.add("clusters", plan.places ? plan.places->key().c_str() : "without names");
   // With method "plugin" a result depends on all references before it.
   const bool together = plan.request.settings.method == Method::kPlugin;

@@ -23,7 +23,7 @@ Series withoutMean(std::span<const float> values) {
 
 }  // namespace
 
-Interval Courses::longestInterval() const {
+Interval longestOf(const std::vector<Interval>& intervals) {
   Interval longest{0, 0};
   for (const Interval& interval : intervals)
     if (interval.length > longest.length) longest = interval;

@@ -16,6 +16,9 @@ struct Interval {
   [[nodiscard]] bool contains(int volume) const { return volume >= first && volume < end(); }
 };
 
+// The first of the longest ones; of length 0 when there is none.
+[[nodiscard]] Interval longestOf(const std::vector<Interval>& intervals);
+
 using Series = std::vector<double>;
 
 // All series have one length and no mean.
@@ -27,7 +30,7 @@ struct Courses {
 
   [[nodiscard]] int length() const { return static_cast<int>(reference.size()); }
   [[nodiscard]] double seconds() const { return length() * trSeconds; }
-  [[nodiscard]] Interval longestInterval() const;  // of length 0 when there is none
+  [[nodiscard]] Interval longestInterval() const { return longestOf(intervals); }
   [[nodiscard]] bool isUsed(int volume) const;     // whether an interval contains it
   // At least a share of the voxels, and at least one.
   [[nodiscard]] bool areMany(std::size_t count, double share) const;

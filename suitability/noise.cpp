@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "suitability/autoregression.h"
 #include "suitability/robust.h"
@@ -43,14 +44,24 @@ bool isLarge(const UnequalNoise& noise, double samples, int order) {
 
 }  // namespace
 
-std::optional<UnequalNoise> findUnequalNoise(const Courses& courses, int order) {
+double Predictabilities::medianVoxel() const {
+  return median(voxels);
+}
+
+std::optional<Predictabilities> predictabilities(const Courses& courses, int order) {
   const auto own = predictability(detrendedStretches(courses.reference, courses.intervals), order);
-  const std::vector<double> shares = voxelShares(courses, order);
+  std::vector<double> voxels = voxelShares(courses, order);
+  if (!own || voxels.empty()) return std::nullopt;
+  return Predictabilities{*own, std::move(voxels)};
+}
+
+std::optional<UnequalNoise> findUnequalNoise(const Courses& courses, const Predictabilities& shares,
+                                             int order) {
   const double samples = effectiveSamples(courses.intervals, order, courses.length(), 0);
-  if (!own || shares.empty() || samples < 1) return std::nullopt;
-  const UnequalNoise noise{*own, median(shares)};
-  const double others = static_cast<double>(countOnOtherSide(shares, noise));
-  if (others < kMostVoxels * static_cast<double>(shares.size())) return std::nullopt;
+  if (samples < 1) return std::nullopt;
+  const UnequalNoise noise{shares.reference, shares.medianVoxel()};
+  const double others = static_cast<double>(countOnOtherSide(shares.voxels, noise));
+  if (others < kMostVoxels * static_cast<double>(shares.voxels.size())) return std::nullopt;
   if (!isLarge(noise, samples, order)) return std::nullopt;
   return noise;
 }

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <optional>
 
-#include "suitability/artefacts.h"
 #include "suitability/drift.h"
 #include "suitability/noise.h"
 #include "suitability/shared_period.h"
@@ -44,8 +43,7 @@ void checkStart(const SuitabilityInput& input, const Courses& courses, int trans
                   input.droppedVolumes + transient));
 }
 
-void checkSpikes(const SuitabilityInput& input, const Courses& courses, int transient, Texts& texts) {
-  std::vector<int> volumes = findSpikes(courses, transient);
+void checkSpikes(const SuitabilityInput& input, std::vector<int> volumes, Texts& texts) {
   if (volumes.empty()) return;
   for (int& volume : volumes) volume += input.droppedVolumes + 1;
   const int count = static_cast<int>(volumes.size());
@@ -111,8 +109,9 @@ void checkDrift(const SuitabilityInput& input, const Courses& courses, Texts& te
                   runOf(input), percent(*share), number(kDriftHz), kUsualPeriodSeconds));
 }
 
-void checkWhiteness(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
-  const std::optional<NotWhite> found = findNotWhite(courses, input.order);
+void checkWhiteness(const SuitabilityInput& input, const RunFindings& findings, Texts& texts) {
+  if (!findings.residuals) return;
+  const std::optional<NotWhite> found = findNotWhite(findings.courses, *findings.residuals);
   if (!found) return;
   const std::string remedy =
       found->whiteOrder ? fmt::format("take order {}, the lowest that leaves them white", *found->whiteOrder)
@@ -128,8 +127,10 @@ void checkWhiteness(const SuitabilityInput& input, const Courses& courses, Texts
                   counted(found->test.degrees, "degree"), remedy));
 }
 
-void checkNoise(const SuitabilityInput& input, const Courses& courses, Texts& texts) {
-  const std::optional<UnequalNoise> noise = findUnequalNoise(courses, input.order);
+void checkNoise(const SuitabilityInput& input, const RunFindings& findings, Texts& texts) {
+  if (!findings.predictability) return;
+  const std::optional<UnequalNoise> noise =
+      findUnequalNoise(findings.courses, *findings.predictability, input.order);
   if (!noise) return;
   const std::string figures =
       fmt::format(": its own past predicts {} of its variance, but {} of the median voxel's",
@@ -150,20 +151,30 @@ void checkNoise(const SuitabilityInput& input, const Courses& courses, Texts& te
 
 }  // namespace
 
-std::vector<std::string> runWarnings(const SuitabilityInput& input) {
-  Texts texts;
-  const std::optional<Courses> courses =
+std::optional<RunFindings> findingsOf(const SuitabilityInput& input) {
+  std::optional<Courses> courses =
       makeCourses(input.referenceSeries, input.voxels, input.intervals, input.trSeconds);
-  if (!courses) return texts;
-  const int transient = countTransientVolumes(*courses);
-  checkStart(input, *courses, transient, texts);
-  checkSpikes(input, *courses, transient, texts);
-  checkFilter(input, *courses, texts);
-  checkPeriod(input, *courses, texts);
-  checkDrift(input, *courses, texts);
-  checkWhiteness(input, *courses, texts);
-  checkNoise(input, *courses, texts);
+  if (!courses) return std::nullopt;
+  return findIn(std::move(*courses), input.order);
+}
+
+std::vector<std::string> runWarnings(const SuitabilityInput& input,
+                                     const std::optional<RunFindings>& findings) {
+  Texts texts;
+  if (!findings) return texts;
+  const Courses& courses = findings->courses;
+  checkStart(input, courses, findings->transientVolumes, texts);
+  checkSpikes(input, findings->spikes, texts);
+  checkFilter(input, courses, texts);
+  checkPeriod(input, courses, texts);
+  checkDrift(input, courses, texts);
+  checkWhiteness(input, *findings, texts);
+  checkNoise(input, *findings, texts);
   return texts;
+}
+
+std::vector<std::string> runWarnings(const SuitabilityInput& input) {
+  return runWarnings(input, findingsOf(input));
 }
 
 std::string fewSamplesWarning(const std::string& condition, const std::vector<SuitabilityInput>& runs) {

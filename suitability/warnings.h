@@ -3,11 +3,13 @@
 #ifndef TAVMAP_SUITABILITY_WARNINGS_H
 #define TAVMAP_SUITABILITY_WARNINGS_H
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "suitability/courses.h"
+#include "suitability/run_findings.h"
 
 namespace suitability {
 
@@ -27,9 +29,15 @@ struct SuitabilityInput {
   int confoundRank = 0;     // of what was regressed; 0 and not filtered: a raw run
 };
 
-// The warnings about one run. None when the reference is flat or not finite, or without a voxel that is
-// neither: the engine refuses those. Warnings about the run's voxels do not name the reference, so that
-// several references give the same text. Some 40 transforms and fits: milliseconds.
+// What the checks find in one run. Nothing when the reference is flat or not finite, or without a voxel that is
+// neither: the engine refuses those. Some 40 transforms and fits: milliseconds.
+[[nodiscard]] std::optional<RunFindings> findingsOf(const SuitabilityInput& input);
+
+// The warnings about one run, from what was found in it. Warnings about the run's voxels do not name the
+// reference, so that several references give the same text.
+[[nodiscard]] std::vector<std::string> runWarnings(const SuitabilityInput& input,
+                                                   const std::optional<RunFindings>& findings);
+// The same, from findingsOf() the input.
 [[nodiscard]] std::vector<std::string> runWarnings(const SuitabilityInput& input);
 
 // The warning about all runs of a condition together, of one order: fewer than ten effective samples for each

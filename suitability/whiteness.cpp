@@ -60,19 +60,27 @@ double chiSquareTail(double x, int degrees) {
   return std::min(tail, 1.0);
 }
 
+std::vector<LaggedCorrelation> residualCorrelations(const OwnModel& model, int lags) {
+  std::vector<LaggedCorrelation> correlations;
+  const double squares = sumOfSquares(model.residuals);
+  if (!(squares > 0)) return correlations;
+  const std::vector<double> bias = detrendingBias(model, lags);
+  for (std::size_t lag = 1; lag <= bias.size(); ++lag) {
+    const Product product = productAt(model.residuals, lag);
+    correlations.push_back({product.sum / squares, bias[lag - 1], product.pairs});
+  }
+  return correlations;
+}
+
 std::optional<LjungBox> ljungBox(const OwnModel& model) {
   const std::size_t n = totalLength(model.residuals);
   const auto count = static_cast<double>(n);
-  const double squares = sumOfSquares(model.residuals);
-  if (!(squares > 0)) return std::nullopt;
   LjungBox test;
   const std::size_t lags = static_cast<std::size_t>(model.order()) + std::min<std::size_t>(20, n / 5);
-  const std::vector<double> bias = detrendingBias(model, static_cast<int>(lags));
-  for (std::size_t lag = 1; lag <= lags; ++lag) {
-    const Product product = productAt(model.residuals, lag);
-    if (product.pairs < count / 2) break;
-    const double correlation = product.sum / squares - bias[lag - 1];
-    test.statistic += count * (count + 2) * correlation * correlation / product.pairs;
+  for (const LaggedCorrelation& at : residualCorrelations(model, static_cast<int>(lags))) {
+    if (at.pairs < count / 2) break;
+    const double correlation = at.seen - at.expected;
+    test.statistic += count * (count + 2) * correlation * correlation / at.pairs;
     ++test.degrees;
   }
   test.degrees -= model.order();
@@ -81,13 +89,16 @@ std::optional<LjungBox> ljungBox(const OwnModel& model) {
   return test;
 }
 
-std::optional<NotWhite> findNotWhite(const Courses& courses, int order) {
-  const std::vector<Series> stretches = detrendedStretches(courses.reference, testedIntervals(courses));
-  const std::optional<OwnModel> model = fitOwnModel(stretches, order);
+std::optional<OwnResiduals> ownResiduals(const Courses& courses, int order) {
+  const auto model = fitOwnModel(detrendedStretches(courses.reference, testedIntervals(courses)), order);
   if (!model) return std::nullopt;
-  const std::optional<LjungBox> test = ljungBox(*model);
-  if (!test || !(test->p < kNotWhite)) return std::nullopt;
-  return NotWhite{*test, lowestWhiteOrder(stretches, order)};
+  return OwnResiduals{*model, ljungBox(*model)};
+}
+
+std::optional<NotWhite> findNotWhite(const Courses& courses, const OwnResiduals& residuals) {
+  if (!residuals.test || !(residuals.test->p < kNotWhite)) return std::nullopt;
+  const std::vector<Series> stretches = detrendedStretches(courses.reference, testedIntervals(courses));
+  return NotWhite{*residuals.test, lowestWhiteOrder(stretches, residuals.model.order())};
 }
 
 }  // namespace suitability

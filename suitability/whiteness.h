@@ -3,6 +3,7 @@
 #define TAVMAP_SUITABILITY_WHITENESS_H
 
 #include <optional>
+#include <vector>
 
 #include "suitability/autoregression.h"
 #include "suitability/courses.h"
@@ -17,6 +18,15 @@ inline constexpr int kShortestTested = 30;
 // The chance that chi-square with so many degrees of freedom, at least 1, exceeds x.
 [[nodiscard]] double chiSquareTail(double x, int degrees);
 
+// Of a model's residuals at one lag.
+struct LaggedCorrelation {
+  double seen = 0;
+  double expected = 0;  // of white errors (detrending_bias.h)
+  double pairs = 0;     // of residuals, within stretches
+};
+// At [lag - 1] for lags 1 ... lags. Empty for residuals of zeros.
+[[nodiscard]] std::vector<LaggedCorrelation> residualCorrelations(const OwnModel& model, int lags);
+
 struct LjungBox {
   double statistic = 0;
   int degrees = 0;
@@ -30,15 +40,23 @@ struct LjungBox {
 // of freedom is left.
 [[nodiscard]] std::optional<LjungBox> ljungBox(const OwnModel& model);
 
+// A series' own model, and whether its residuals are white.
+struct OwnResiduals {
+  OwnModel model;
+  std::optional<LjungBox> test;
+};
+// The reference's, over the intervals of at least kShortestTested volumes: in shorter ones detrending hides what
+// there is to see. Nothing when there is no model.
+[[nodiscard]] std::optional<OwnResiduals> ownResiduals(const Courses& courses, int order);
+
 struct NotWhite {
   LjungBox test;
   std::optional<int>
       whiteOrder;  // the lowest above the order, up to kHighestOrder, whose residuals are white
 };
 
-// The reference's model over the intervals of at least kShortestTested volumes: in shorter ones detrending
-// hides what there is to see. Nothing when its residuals may be white, or cannot be tested.
-[[nodiscard]] std::optional<NotWhite> findNotWhite(const Courses& courses, int order);
+// Of ownResiduals() of this order. Nothing when they may be white, or cannot be tested.
+[[nodiscard]] std::optional<NotWhite> findNotWhite(const Courses& courses, const OwnResiduals& residuals);
 
 }  // namespace suitability
 

@@ -12,6 +12,7 @@
 
 #include "tav/map_values.h"
 #include "tav/null_maxima.h"
+#include "tav/search_curve.h"
 #include "tav/tav_pars.h"
 
 namespace tav {
@@ -53,6 +54,7 @@ struct MapOutcome {
   const float* values;                   // [z][y][x], in the store
   std::vector<MapThreshold> thresholds;  // by ascending q; empty for a kind without any
   std::vector<float> nullP = {};  // per voxel; empty unless asked for and for a kind without thresholds
+  SearchCurve search = {};        // likewise
 };
 
 struct ConditionOutcome {
@@ -67,6 +69,8 @@ struct ConditionOutcome {
   FamilyWise familyWise;            // empty unless it was asked for
   // Raw null measures of all draws, in pieces; 0 where there is none. Valid during the call.
   std::vector<RawValues> nulls;
+  const TAV_Pars* request = nullptr;   // with which they become maps
+  std::vector<const VoiTc*> courses;  // of the reference, with its surrogates, one per set of the condition
 };
 
 // Called on the thread of the run. Everything passed is valid during the call only.

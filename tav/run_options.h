@@ -56,6 +56,8 @@ struct RunOptions {
   int threads = 1;
   // Whether each voxel of a map with thresholds gets the p of its value among the null values (null_p.h).
   bool nullP = false;
+  // Whether each map with thresholds says how their search went (search_curve.h). With the step-up rule only.
+  bool searchCurve = false;
   // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the
   // request, from which alone its surrogates and draws follow, whatever the other references are.
   std::vector<std::int64_t> voiTimeBases = {};

@@ -162,6 +162,9 @@ int Computer::compVOIConditionTAVs(const TAV_VOI_Pars& voi, const TAV_Cond_Pars&
   if (observer_ != nullptr) markNotFinite(*rawMaps1, outcome_.status);
   outcome_.voi = &voi;
   outcome_.cond = &cond;
+  outcome_.request = &request;
+  for (const TAV_VTC_intv_set& set : cond.vtcIntvSets)
+    outcome_.courses.push_back(getFetchedVoiTc(voi.name, set.srcVtcName));
   outcome_.totalTimePoints = checked.totalTimePoints;
   outcome_.effectiveTimePoints = checked.effectiveTimePoints;
   return kSuccess;

@@ -10,6 +10,7 @@
 #include "tav/map_kinds.h"
 #include "tav/map_values.h"
 #include "tav/null_p.h"
+#include "tav/search_curve.h"
 #include "tav/tail_thresholds.h"
 #include "tav/tav.h"
 
@@ -126,6 +127,7 @@ class MapTransfer {
     MapOutcome map{kind.type, values, {}};
     if (kind.range.isSearched) map.thresholds = search(kind.type, {values, raw_.size});
     if (kind.range.isSearched && options_.nullP) map.nullP = pValues(kind.type, {values, raw_.size});
+    if (kind.range.isSearched && options_.searchCurve) map.search = curve(map);
     store_.describe(index, headerOf(kind, cond_.name, request_, map.thresholds));
     return map;
   }
@@ -144,6 +146,18 @@ class MapTransfer {
         options_.thresholdRule, divided, StoredMap(without(leftOut_, values)),
         ComputedMap(type, nulls_, request_), isGiven ? kNoDependence : request_.cvConstant);
     for (std::size_t i = 0; i < found.size(); ++i) found[i].q = levels[i];
+    return found;
+  }
+
+  // Of what search() looks at.
+  [[nodiscard]] SearchCurve curve(const MapOutcome& map) const {
+    if (options_.thresholdRule != ThresholdRule::kStepUp) return {};
+    std::vector<std::size_t> ranks;
+    for (const MapThreshold& threshold : map.thresholds) ranks.push_back(threshold.nrPassing);
+    SearchCurve found = searchCurve(StoredMap(without(leftOut_, {map.values, raw_.size})),
+                                    ComputedMap(map.type, nulls_, request_), ranks);
+    found.constant = options_.fdrConstant > 0 ? options_.fdrConstant
+                                              : dependenceConstant(request_.cvConstant, found.voxels);
     return found;
   }
 

@@ -71,6 +71,10 @@ TEST(DetrendingBias, IsWhatSimulationsShow) {
   EXPECT_LT(expected[2], -0.05);
 }
 
+std::optional<suitability::NotWhite> notWhite(const suitability::Courses& courses, int order) {
+  return suitability::findNotWhite(courses, suitability::ownResiduals(courses, order).value());
+}
+
 int countNotWhite(int intervals, int length, double a, int order) {
   int count = 0;
   for (unsigned seed = 0; seed < 300; ++seed) {
@@ -78,7 +82,7 @@ int countNotWhite(int intervals, int length, double a, int order) {
     suitability::Courses courses;
     courses.reference = simulated::autoregressive(a, static_cast<std::size_t>(intervals * length), random);
     for (int i = 0; i < intervals; ++i) courses.intervals.push_back({i * length, length});
-    if (suitability::findNotWhite(courses, order)) ++count;
+    if (notWhite(courses, order)) ++count;
   }
   return count;
 }
@@ -101,7 +105,7 @@ TEST(Whiteness, NamesTheLowestOrderThatSuffices) {
     courses.reference = e;
     Series& x = courses.reference;
     for (std::size_t t = 3; t < x.size(); ++t) x[t] += 0.3 * x[t - 1] - 0.3 * x[t - 2] + 0.4 * x[t - 3];
-    const auto found = suitability::findNotWhite(courses, 1);
+    const auto found = notWhite(courses, 1);
     ASSERT_TRUE(found);
     if (found->whiteOrder == 3) ++exact;
     if (found->whiteOrder > 3) ++higher;

@@ -53,7 +53,8 @@ int runRequests(const std::vector<study::Request>& requests, study::StudyOptions
     study::ProgressBar progress(std::cerr, study::progressStyle(arguments.quiet));
     outcome = study::runStudy(requests, options, progress);
   }
-  const StudyReports reports = wantsReports(options, arguments) ? writeReports(requests, options) : StudyReports{};
+  const StudyReports reports =
+      wantsReports(options, arguments) ? writeReports(requests, options) : StudyReports{};
   if (arguments.json) {
     std::cout << withReports(study::summaryJson(outcome, options.version), reports).dump(2) << "\n";
   } else if (!arguments.quiet) {

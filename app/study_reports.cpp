@@ -23,9 +23,10 @@ void write(const std::string& what, const std::function<std::string()>& page, St
   try {
     reports.pages.push_back(page());
   } catch (const std::exception& error) {
-    reports.failures.push_back(fmt::format("{}: the report cannot be written ({}); the results are complete, `tavmap "
-                                           "report` makes it from them",
-                                           what, error.what()));
+    reports.failures.push_back(
+        fmt::format("{}: the report cannot be written ({}); the results are complete, `tavmap "
+                    "report` makes it from them",
+                    what, error.what()));
     std::cerr << "tavmap: " << reports.failures.back() << "\n";
   }
 }
@@ -42,10 +43,13 @@ StudyReports writeReports(const std::vector<study::Request>& requests, const stu
   StudyReports reports;
   for (const study::Request& request : requests) {
     if (!hasOutputs(request.output)) continue;
-    write(request.title, [&] { return report::writeReport(request.output.folder, request.output.prefix); }, reports);
+    write(
+        request.title, [&] { return report::writeReport(request.output.folder, request.output.prefix); },
+        reports);
   }
   if (!options.datasetFolder.empty() && !reports.pages.empty())
-    write(options.datasetFolder, [&] { return report::writeIndex(options.datasetFolder); }, reports);
+    write(
+        options.datasetFolder, [&] { return report::writeIndex(options.datasetFolder); }, reports);
   return reports;
 }
 

@@ -16,8 +16,8 @@ struct StudyReports {
   std::vector<std::string> failures;  // in words; told on the error stream already
 };
 
-// The page of every request that left anything, and the index of a data set. A page that cannot be written is a
-// failure among others: the results are there.
+// The page of every request that left anything, and the index of a data set. A page that cannot be written is
+// a failure among others: the results are there.
 [[nodiscard]] StudyReports writeReports(const std::vector<study::Request>& requests,
                                         const study::StudyOptions& options);
 

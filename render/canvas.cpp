@@ -98,8 +98,8 @@ std::string pngOfWords(int width, int height, const std::vector<std::uint32_t>& 
   const int stride = cairo_image_surface_get_stride(surface.get());
   const std::size_t rowWords = static_cast<std::size_t>(width);
   for (int y = 0; y < height; ++y)
-    std::memcpy(rows + static_cast<std::ptrdiff_t>(y) * stride, &words[static_cast<std::size_t>(y) * rowWords],
-                4 * rowWords);
+    std::memcpy(rows + static_cast<std::ptrdiff_t>(y) * stride,
+                &words[static_cast<std::size_t>(y) * rowWords], 4 * rowWords);
   cairo_surface_mark_dirty(surface.get());
   return pngOfSurface(surface.get());
 }

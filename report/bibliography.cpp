@@ -16,40 +16,48 @@ struct Entry {
 constexpr auto kEntries = std::to_array<Entry>({
     {Work::kGeweke1982, "Geweke 1982", "geweke1982", "Geweke, John",
      "Measurement of linear dependence and feedback between multiple time series",
-     "Journal of the American Statistical Association", "77", "304--313", "1982", "10.1080/01621459.1982.10477803"},
-    {Work::kBenjamini1995, "Benjamini & Hochberg 1995", "benjamini1995", "Benjamini, Yoav and Hochberg, Yosef",
+     "Journal of the American Statistical Association", "77", "304--313", "1982",
+     "10.1080/01621459.1982.10477803"},
+    {Work::kBenjamini1995, "Benjamini & Hochberg 1995", "benjamini1995",
+     "Benjamini, Yoav and Hochberg, Yosef",
      "Controlling the false discovery rate: a practical and powerful approach to multiple testing",
      "Journal of the Royal Statistical Society: Series B", "57", "289--300", "1995",
      "10.1111/j.2517-6161.1995.tb02031.x"},
-    {Work::kBenjamini2001, "Benjamini & Yekutieli 2001", "benjamini2001", "Benjamini, Yoav and Yekutieli, Daniel",
-     "The control of the false discovery rate in multiple testing under dependency", "Annals of Statistics", "29",
-     "1165--1188", "2001", "10.1214/aos/1013699998"},
+    {Work::kBenjamini2001, "Benjamini & Yekutieli 2001", "benjamini2001",
+     "Benjamini, Yoav and Yekutieli, Daniel",
+     "The control of the false discovery rate in multiple testing under dependency", "Annals of Statistics",
+     "29", "1165--1188", "2001", "10.1214/aos/1013699998"},
     {Work::kNichols2002, "Nichols & Holmes 2002", "nichols2002", "Nichols, Thomas E. and Holmes, Andrew P.",
-     "Nonparametric permutation tests for functional neuroimaging: a primer with examples", "Human Brain Mapping",
-     "15", "1--25", "2002", "10.1002/hbm.1058"},
+     "Nonparametric permutation tests for functional neuroimaging: a primer with examples",
+     "Human Brain Mapping", "15", "1--25", "2002", "10.1002/hbm.1058"},
     {Work::kPhipson2010, "Phipson & Smyth 2010", "phipson2010", "Phipson, Belinda and Smyth, Gordon K.",
-     "Permutation P-values should never be zero: calculating exact P-values when permutations are randomly drawn",
-     "Statistical Applications in Genetics and Molecular Biology", "9", "39", "2010", "10.2202/1544-6115.1585"},
+     "Permutation P-values should never be zero: calculating exact P-values when permutations are randomly "
+     "drawn",
+     "Statistical Applications in Genetics and Molecular Biology", "9", "39", "2010",
+     "10.2202/1544-6115.1585"},
     {Work::kHaufe2013, "Haufe et al. 2013", "haufe2013",
      "Haufe, Stefan and Nikulin, Vadim V. and M{\\\"u}ller, Klaus-Robert and Nolte, Guido",
      "A critical assessment of connectivity measures for EEG data: a simulation study", "NeuroImage", "64",
      "120--133", "2013", "10.1016/j.neuroimage.2012.09.036"},
     {Work::kWinkler2016, "Winkler et al. 2016", "winkler2016",
      "Winkler, Irene and Panknin, Danny and Bartz, Daniel and M{\\\"u}ller, Klaus-Robert and Haufe, Stefan",
-     "Validity of time reversal for testing Granger causality", "IEEE Transactions on Signal Processing", "64",
-     "2746--2760", "2016", "10.1109/TSP.2015.2498123"},
+     "Validity of time reversal for testing Granger causality", "IEEE Transactions on Signal Processing",
+     "64", "2746--2760", "2016", "10.1109/TSP.2015.2498123"},
     {Work::kPower2012, "Power et al. 2012", "power2012",
-     "Power, Jonathan D. and Barnes, Kelly A. and Snyder, Abraham Z. and Schlaggar, Bradley L. and Petersen, Steven E.",
+     "Power, Jonathan D. and Barnes, Kelly A. and Snyder, Abraham Z. and Schlaggar, Bradley L. and Petersen, "
+     "Steven E.",
      "Spurious but systematic correlations in functional connectivity MRI networks arise from subject motion",
      "NeuroImage", "59", "2142--2154", "2012", "10.1016/j.neuroimage.2011.10.018"},
-    {Work::kSchwarz1978, "Schwarz 1978", "schwarz1978", "Schwarz, Gideon", "Estimating the dimension of a model",
-     "Annals of Statistics", "6", "461--464", "1978", "10.1214/aos/1176344136"},
+    {Work::kSchwarz1978, "Schwarz 1978", "schwarz1978", "Schwarz, Gideon",
+     "Estimating the dimension of a model", "Annals of Statistics", "6", "461--464", "1978",
+     "10.1214/aos/1176344136"},
     {Work::kAkaike1974, "Akaike 1974", "akaike1974", "Akaike, Hirotugu",
      "A new look at the statistical model identification", "IEEE Transactions on Automatic Control", "19",
      "716--723", "1974", "10.1109/TAC.1974.1100705"},
     {Work::kHannan1979, "Hannan & Quinn 1979", "hannan1979", "Hannan, Edward J. and Quinn, Barry G.",
-     "The determination of the order of an autoregression", "Journal of the Royal Statistical Society: Series B",
-     "41", "190--195", "1979", "10.1111/j.2517-6161.1979.tb01072.x"},
+     "The determination of the order of an autoregression",
+     "Journal of the Royal Statistical Society: Series B", "41", "190--195", "1979",
+     "10.1111/j.2517-6161.1979.tb01072.x"},
 });
 
 constexpr bool followsTheWorks() {
@@ -74,7 +82,8 @@ std::string bibtex(const std::vector<Work>& works) {
   for (const Work work : works) {
     const Entry& e = entryOf(work);
     text += fmt::format(
-        "@article{{{},\n  author = {{{}}},\n  title = {{{}}},\n  journal = {{{}}},\n  volume = {{{}}},\n  pages = "
+        "@article{{{},\n  author = {{{}}},\n  title = {{{}}},\n  journal = {{{}}},\n  volume = {{{}}},\n  "
+        "pages = "
         "{{{}}},\n  year = {{{}}},\n  doi = {{{}}}\n}}\n",
         e.key, e.authors, e.title, e.journal, e.volume, e.pages, e.year, e.doi);
   }

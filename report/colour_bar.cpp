@@ -22,7 +22,8 @@ std::string bar(const render::ColourScale& scale, double x, bool isReversed) {
   for (int step = 0; step < kSteps; ++step) {
     const double share = static_cast<double>(isReversed ? kSteps - 1 - step : step) / (kSteps - 1);
     svg += fmt::format("<rect x=\"{:.2f}\" y=\"0\" width=\"{:.2f}\" height=\"{}\" fill=\"{}\"/>",
-                       x + step * kBar / kSteps, kBar / kSteps + 0.3, kHeight, hex(render::colourAt(scale, share)));
+                       x + step * kBar / kSteps, kBar / kSteps + 0.3, kHeight,
+                       hex(render::colourAt(scale, share)));
   }
   return svg;
 }

@@ -16,7 +16,8 @@ std::vector<float> readUpright(const StudyOutputs& outputs, const PageGrid& grid
   return grid.upright(image.values);
 }
 
-std::vector<std::uint8_t> readCodes(const StudyOutputs& outputs, const PageGrid& grid, const std::string& file) {
+std::vector<std::uint8_t> readCodes(const StudyOutputs& outputs, const PageGrid& grid,
+                                    const std::string& file) {
   const std::vector<float> values = readUpright(outputs, grid, file);
   std::vector<std::uint8_t> codes;
   codes.reserve(values.size());
@@ -54,7 +55,8 @@ MapView readMap(const StudyOutputs& outputs, const PageGrid& grid, const study::
     if (!holdsValue(status[i])) map.values[i] = std::numeric_limits<float>::quiet_NaN();
   if (!map.map->pFile.empty()) map.minusLogP = readUpright(outputs, grid, map.map->pFile);
   const float factor = std::max(1.0F, tav::mapKind(map.map->type).range.factor);
-  map.scale = scaleOf(thresholdShown(*map.map), factor, largestMagnitude(map, status), hasSign(map.map->type));
+  map.scale =
+      scaleOf(thresholdShown(*map.map), factor, largestMagnitude(map, status), hasSign(map.map->type));
   return map;
 }
 
@@ -73,14 +75,15 @@ ConditionView readConditionView(const StudyOutputs& outputs, const PageGrid& gri
   view.status = readCodes(outputs, grid, view.record->statusFile);
   for (const std::uint8_t code : view.status)
     view.region.push_back(code == static_cast<std::uint8_t>(study::StatusCode::kInsideReference) ? 1 : 0);
-  if (!view.record->direction.empty()) view.directions = readCodes(outputs, grid, view.record->direction.file);
+  if (!view.record->direction.empty())
+    view.directions = readCodes(outputs, grid, view.record->direction.file);
   for (std::size_t i = 0; i < view.record->maps.size(); ++i)
     view.maps.push_back(readMap(outputs, grid, *view.record, view.status, i));
   return view;
 }
 
-MapView readMapView(const StudyOutputs& outputs, const PageGrid& grid, const study::ConditionRecord& condition,
-                    std::size_t index) {
+MapView readMapView(const StudyOutputs& outputs, const PageGrid& grid,
+                    const study::ConditionRecord& condition, std::size_t index) {
   return readMap(outputs, grid, condition, readCodes(outputs, grid, condition.statusFile), index);
 }
 

@@ -15,8 +15,8 @@ namespace report {
 
 struct MapView {
   const study::MapResult* map = nullptr;
-  std::size_t index = 0;        // in the record
-  std::vector<float> values;    // NaN where nothing was computed
+  std::size_t index = 0;         // in the record
+  std::vector<float> values;     // NaN where nothing was computed
   std::vector<float> minusLogP;  // of single voxels; empty: there is none
   OverlayScale scale;
 };

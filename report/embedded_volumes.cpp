@@ -30,6 +30,20 @@ void appendCode(std::size_t code, int bits, std::vector<std::uint8_t>& bytes) {
   if (bits == 16) bytes.push_back(static_cast<std::uint8_t>(code >> 8U));
 }
 
+CodedValues codedWithin(const Range& range, std::span<const float> values, int bits) {
+  CodedValues result;
+  result.bits = bits;
+  result.bytes.reserve(values.size() * static_cast<std::size_t>(bits) / 8);
+  const double steps = bits == 16 ? 65534 : 254;
+  if (range.high > range.low) result.step = (range.high - range.low) / steps;
+  if (range.high >= range.low) result.offset = range.low - result.step;
+  for (const float value : values) {
+    const double code = (static_cast<double>(value) - result.offset) / result.step;
+    appendCode(std::isfinite(value) ? static_cast<std::size_t>(std::llround(code)) : 0, bits, result.bytes);
+  }
+  return result;
+}
+
 // Bytes of text per voxel of one map, measured on maps of noise with a few large values.
 constexpr double kTextOf16Bits = 2.2, kTextOf8Bits = 0.95, kTextOfP = 1.0;
 constexpr double kKinds = 4.6, kKindsOfFour = 4;  // the thresholded differences are 0 nearly everywhere
@@ -46,21 +60,13 @@ std::string volumeElement(const std::string& id, std::span<const std::uint8_t> b
 }
 
 CodedValues coded(std::span<const float> values, int bits) {
-  CodedValues result;
-  result.bits = bits;
-  result.bytes.reserve(values.size() * static_cast<std::size_t>(bits) / 8);
-  const Range range = rangeOf(values);
-  const double steps = bits == 16 ? 65534 : 254;
-  if (range.high > range.low) result.step = (range.high - range.low) / steps;
-  if (range.high >= range.low) result.offset = range.low - result.step;
-  for (const float value : values) {
-    const std::size_t code =
-        std::isfinite(value)
-            ? static_cast<std::size_t>(std::llround((static_cast<double>(value) - result.offset) / result.step))
-            : 0;
-    appendCode(code, bits, result.bytes);
-  }
-  return result;
+  return codedWithin(rangeOf(values), values, bits);
+}
+
+CodedValues codedFromZero(std::span<const float> values, int bits) {
+  Range range = rangeOf(values);
+  range.low = std::min(range.low, 0.0);
+  return codedWithin(range, values, bits);
 }
 
 EmbeddingPlan embeddingPlan(std::size_t views, std::size_t voxels, std::size_t limit) {

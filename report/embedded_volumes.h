@@ -23,20 +23,22 @@ struct CodedValues {
   std::vector<std::uint8_t> bytes;
 };
 
-// Values that are not finite get the code 0; the others lie within half a step of what their codes stand for. bits: 8
-// or 16.
+// Values that are not finite get the code 0; the others lie within half a step of what their codes stand for.
+// bits: 8 or 16.
 [[nodiscard]] CodedValues coded(std::span<const float> values, int bits);
+// The same of values from 0 on: the code 1 stands for 0.
+[[nodiscard]] CodedValues codedFromZero(std::span<const float> values, int bits);
 
 // How exactly maps are kept, so that a page of many maps can still be mailed.
 struct EmbeddingPlan {
-  int bits = 16;              // of effects
-  bool withP = true;          // of single voxels
-  bool withAllKinds = true;   // else the four that the others follow from
-  bool withMaps = true;       // false: there are too many for any
+  int bits = 16;             // of effects
+  bool withP = true;         // of single voxels
+  bool withAllKinds = true;  // else the four that the others follow from
+  bool withMaps = true;      // false: there are too many for any
 };
 
-// The most exact of the plans whose volumes take at most `limit` bytes of text, by what such maps were measured to
-// take. maps: of all references and conditions; voxels: of each.
+// The most exact of the plans whose volumes take at most `limit` bytes of text, by what such maps were
+// measured to take. maps: of all references and conditions; voxels: of each.
 [[nodiscard]] EmbeddingPlan embeddingPlan(std::size_t views, std::size_t voxels, std::size_t limit);
 
 }  // namespace report

@@ -10,12 +10,18 @@ constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 const char* entityOf(char c) {
   switch (c) {
-    case '&': return "&amp;";
-    case '<': return "&lt;";
-    case '>': return "&gt;";
-    case '"': return "&quot;";
-    case '\'': return "&#39;";
-    default: return nullptr;
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\'':
+      return "&#39;";
+    default:
+      return nullptr;
   }
 }
 
@@ -34,11 +40,16 @@ std::size_t lengthSaidBy(unsigned char lead) {
 // Overlong forms, surrogates and what lies beyond U+10FFFF, by the second byte (RFC 3629).
 bool canFollow(unsigned char lead, unsigned char second) {
   switch (lead) {
-    case 0xE0: return second >= 0xA0;
-    case 0xED: return second < 0xA0;
-    case 0xF0: return second >= 0x90;
-    case 0xF4: return second < 0x90;
-    default: return true;
+    case 0xE0:
+      return second >= 0xA0;
+    case 0xED:
+      return second < 0xA0;
+    case 0xF0:
+      return second >= 0x90;
+    case 0xF4:
+      return second < 0x90;
+    default:
+      return true;
   }
 }
 

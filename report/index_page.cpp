@@ -29,9 +29,10 @@ std::string linkTo(const fs::path& folder, const StudyOutputs& outputs) {
 }
 
 std::string failedRow(const std::string& who, const FailedReference& failure) {
-  return element("tr", {{"class", "failed"}},
-                 element("th", {{"scope", "row"}}, who) + element("td", name(failure.reference)) +
-                     element("td", {{"colspan", std::to_string(kColumns - 2)}}, "Failed: " + text(failure.message)));
+  return element(
+      "tr", {{"class", "failed"}},
+      element("th", {{"scope", "row"}}, who) + element("td", name(failure.reference)) +
+          element("td", {{"colspan", std::to_string(kColumns - 2)}}, "Failed: " + text(failure.message)));
 }
 
 std::string counted(const std::string& number, double value) {
@@ -53,30 +54,37 @@ std::string passingCell(const study::MapResult& map, const Quotes& quotes) {
 
 std::string directionCell(const study::ConditionRecord& condition, const Quotes& quotes) {
   if (condition.direction.empty()) return element("td", "n/a");
-  return counted(quotes.number("/Direction/VoxelsSupported"), static_cast<double>(condition.direction.supported()));
+  return counted(quotes.number("/Direction/VoxelsSupported"),
+                 static_cast<double>(condition.direction.supported()));
 }
 
-std::string peakCell(const study::ConditionRecord& condition, const study::MapResult& map, const Quotes& quotes) {
+std::string peakCell(const study::ConditionRecord& condition, const study::MapResult& map,
+                     const Quotes& quotes) {
   if (!study::hasPeak(condition, map)) return element("td", "n/a");
   return counted(quotes.number("/Peak/Value", Digits::kFour), map.peak);
 }
 
 std::string picture(const StudyOutputs& outputs, std::size_t r, std::size_t c) {
   const study::ConditionRecord& condition = outputs.references[r].record.conditions[c];
-  const std::string words = fmt::format("{} of {}, condition {}: three slices", tav::mapKind(mainMap(condition)->type).keyword,
-                                        outputs.references[r].record.reference, condition.name);
-  return element("td", single("img", {{"class", "thumbnail"}, {"alt", words}, {"src", pngUri(thumbnail(outputs, r, c))}}));
+  const std::string words =
+      fmt::format("{} of {}, condition {}: three slices", tav::mapKind(mainMap(condition)->type).keyword,
+                  outputs.references[r].record.reference, condition.name);
+  return element(
+      "td",
+      single("img", {{"class", "thumbnail"}, {"alt", words}, {"src", pngUri(thumbnail(outputs, r, c))}}));
 }
 
-std::string resultRow(const std::string& link, const StudyOutputs& outputs, std::size_t r, std::size_t c) {
+std::string resultRow(const fs::path& folder, const StudyOutputs& outputs, std::size_t r, std::size_t c) {
   const ReferenceOutputs& reference = outputs.references[r];
   const study::ConditionRecord& condition = reference.record.conditions[c];
   const study::MapResult* map = mainMap(condition);
   if (map == nullptr) return "";
-  const Quotes quotes = Quotes(reference.json, reference.file).at(fmt::format("/Conditions/{}", c));
+  const std::string file = (outputs.folder / reference.file).lexically_relative(folder).generic_string();
+  const Quotes quotes = Quotes(reference.json, file).at(fmt::format("/Conditions/{}", c));
   const Quotes ofMap = quotes.at(fmt::format("/Maps/{}", map - condition.maps.data()));
   const std::size_t warnings = reference.record.warnings.size();
-  return element("tr", element("th", {{"scope", "row"}}, link) + element("td", name(reference.record.reference)) +
+  return element("tr", element("th", {{"scope", "row"}}, linkTo(folder, outputs)) +
+                           element("td", name(reference.record.reference)) +
                            element("td", name(condition.name)) + picture(outputs, r, c) +
                            counted(quotes.number("/EffectiveVolumes"), condition.effectiveVolumes) +
                            counted(std::to_string(censoredOf(condition)), censoredOf(condition)) +
@@ -119,17 +127,18 @@ std::string failedRequests(const fs::path& folder) {
 std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& requests) {
   std::string failed = failedRequests(folder), done;
   for (const StudyOutputs& outputs : requests) {
-    const std::string link = linkTo(folder, outputs);
-    for (const FailedReference& failure : outputs.failures) failed += failedRow(link, failure);
+    for (const FailedReference& failure : outputs.failures)
+      failed += failedRow(linkTo(folder, outputs), failure);
     for (std::size_t r = 0; r < outputs.references.size(); ++r)
       for (std::size_t c = 0; c < outputs.references[r].record.conditions.size(); ++c)
-        done += resultRow(link, outputs, r, c);
+        done += resultRow(folder, outputs, r, c);
   }
   const std::string table =
       element("div", {{"class", "table-scroll"}},
               element("table", {{"class", "sortable index"}},
-                      element("caption", "Results, what failed first. Every participant has thresholds of their own: "
-                                         "the counts are no group test.") +
+                      element("caption",
+                              "Results, what failed first. Every participant has thresholds of their own: "
+                              "the counts are no group test.") +
                           headOfIndex() + element("tbody", failed + done)));
   PageParts parts;
   parts.title = "Tavmap: all results";

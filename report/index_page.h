@@ -10,9 +10,11 @@
 
 namespace report {
 
-// What failed first, with the reason; then a row per reference and condition: a small picture of the main map, figures
-// of quality that sort, a link to the report. folder: where the page will lie. Throws formats::FileError.
-[[nodiscard]] std::string indexPage(const std::filesystem::path& folder, const std::vector<StudyOutputs>& requests);
+// What failed first, with the reason; then a row per reference and condition: a small picture of the main
+// map, figures of quality that sort, a link to the report. folder: where the page will lie. Throws
+// formats::FileError.
+[[nodiscard]] std::string indexPage(const std::filesystem::path& folder,
+                                    const std::vector<StudyOutputs>& requests);
 
 }  // namespace report
 

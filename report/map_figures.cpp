@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "report/html.h"
+#include "report/map_titles.h"
 #include "report/mosaic.h"
 #include "report/quotes.h"
 #include "report/sections.h"
@@ -35,7 +36,8 @@ std::string lookedUp(const StudyOutputs& outputs, const ConditionView& view, con
   const ReferenceOutputs& reference = outputs.references[view.reference];
   const Quotes quotes = Quotes(reference.json, reference.file)
                             .at(fmt::format("/Conditions/{}/Maps/{}", view.condition, map.index));
-  if (map.map->thresholds.empty()) return "This map has no thresholds; the largest magnitude has the strongest colour.";
+  if (map.map->thresholds.empty())
+    return "This map has no thresholds; the largest magnitude has the strongest colour.";
   const std::size_t last = map.map->thresholds.size() - 1;
   const Quotes at = quotes.at(fmt::format("/Thresholds/{}", last));
   const std::string q = "q = " + at.number("/Q");
@@ -44,24 +46,25 @@ std::string lookedUp(const StudyOutputs& outputs, const ConditionView& view, con
          at.number("/Threshold", Digits::kFour) + " on; what falls short is faint.";
 }
 
-std::string signWords(const MapView& map, const std::string& reference) {
+std::string colourWords(const MapView& map, const std::string& reference) {
   if (!map.scale.hasSign) return "";
-  return " Red to yellow: positive, " + name(reference) + " leads; blue: negative, the voxel leads; unequal noise can "
-         "feign both.";
+  const SignWords words = signWords(map.map->type, reference);
+  return fmt::format(" Red to yellow, positive: {}. Blue, negative: {}.", text(words.positive),
+                     text(words.negative));
 }
 
 std::string directionWords(const ConditionView& view) {
-  return view.directions.empty()
-             ? ""
-             : " Half as strong: the voxel passes and its direction is not supported with reversed time.";
+  return view.directions.empty() ? ""
+                                 : " Half as strong: the voxel passes, and unequal noise alone might make "
+                                   "its sign (no support with reversed time).";
 }
 
 std::string plainLabel(const StudyOutputs& outputs, const ConditionView& view, const MapView& map) {
   const std::string& reference = outputs.references[view.reference].record.reference;
-  return fmt::format("{}, {}, condition {}. Axial slices from below to above, the patient's left on the left; the "
-                     "reference is outlined.",
-                     tav::mapKind(map.map->type).keyword, study::mapDescription(map.map->type, reference),
-                     view.record->name);
+  return fmt::format(
+      "{}, {}, condition {}. Axial slices from below to above, the patient's left on the left; the "
+      "reference is outlined.",
+      tav::mapKind(map.map->type).keyword, mapTitle(map.map->type, reference), view.record->name);
 }
 
 std::string unitOf(const StudyOutputs& outputs, const ConditionView& view, tav::MapType type) {
@@ -92,9 +95,8 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
              {map.values, view.region, showsDirections(view, map) ? &view.directions : nullptr, map.scale},
              mosaicSlices(grid, underlay, wantedSlices(grid, view, map)), plainLabel(outputs, view, map));
   const std::string keyword = tav::mapKind(map.map->type).keyword;
-  const std::string caption = element("strong", keyword) + ": " +
-                              text(study::mapDescription(map.map->type, reference)) + ". " +
-                              lookedUp(outputs, view, map) + signWords(map, reference) +
+  const std::string caption = element("strong", keyword) + ": " + text(mapTitle(map.map->type, reference)) +
+                              ". " + lookedUp(outputs, view, map) + colourWords(map, reference) +
                               (showsDirections(view, map) ? directionWords(view) : "");
   const std::string unit = unitOf(outputs, view, map.map->type);
   const std::string bar = element("div", {{"class", "scale"}},

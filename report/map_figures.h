@@ -18,8 +18,8 @@ struct MapFigure {
 
 // underlay: in stored order, to choose slices by; underlayName: what it is, in words.
 [[nodiscard]] std::vector<MapFigure> mapFigures(const StudyOutputs& outputs, const PageGrid& grid,
-                                                const std::vector<float>& underlay, const UnderlaySheet& sheet,
-                                                const ConditionView& view);
+                                                const std::vector<float>& underlay,
+                                                const UnderlaySheet& sheet, const ConditionView& view);
 
 }  // namespace report
 

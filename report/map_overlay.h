@@ -1,5 +1,5 @@
-// How a map lies over the anatomy: colour for its value, and what does not reach the threshold faint rather than
-// hidden.
+// How a map lies over the anatomy: colour for its value, and what does not reach the threshold faint rather
+// than hidden.
 #ifndef TAVMAP_REPORT_MAP_OVERLAY_H
 #define TAVMAP_REPORT_MAP_OVERLAY_H
 
@@ -20,15 +20,16 @@ struct OverlayScale {
   [[nodiscard]] float faintUpTo() const { return threshold.value_or(full); }
 };
 
-// The scale of a map: from the threshold (of the largest q) to `factor` times it; without one up to the largest
-// magnitude.
-[[nodiscard]] OverlayScale scaleOf(std::optional<double> threshold, float factor, float largest, bool hasSign);
+// The scale of a map: from the threshold (of the largest q) to `factor` times it; without one up to the
+// largest magnitude.
+[[nodiscard]] OverlayScale scaleOf(std::optional<double> threshold, float factor, float largest,
+                                   bool hasSign);
 
 class MapOverlay {
  public:
   explicit MapOverlay(const OverlayScale& scale);
-  // Opaque from the threshold on; below it the first colour, the fainter the smaller the value. Transparent for 0 and
-  // what is not finite.
+  // Opaque from the threshold on; below it the first colour, the fainter the smaller the value. Transparent
+  // for 0 and what is not finite.
   [[nodiscard]] render::Rgba colour(float value) const;
 
  private:

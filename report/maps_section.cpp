@@ -19,7 +19,8 @@ namespace {
 
 using formats::Json;
 
-constexpr std::size_t kMostTextOfVolumes = 5'000'000;  // bytes: leaves as much for all else in a page to be mailed
+constexpr std::size_t kMostTextOfVolumes =
+    5'600'000;  // bytes: of the 8 MB that a page to be mailed may have
 constexpr const char* kUnderlayId = "vol-underlay";
 constexpr const char* kMaskId = "vol-mask";
 
@@ -38,7 +39,7 @@ struct Scene {
       : outputs(studyOutputs),
         grid(header),
         underlay(readUnderlay(studyOutputs, grid)),
-        levels(grid.upright(greyLevels(underlay.values))),
+        levels(grid.upright(greyLevels(underlay.values, underlay.brightness))),
         sheet(grid, levels) {}
   const StudyOutputs& outputs;
   PageGrid grid;
@@ -76,7 +77,8 @@ std::vector<std::uint8_t> maskOf(const Scene& scene) {
 Part partOf(const Scene& scene, const Place& place) {
   const ConditionView view = readConditionView(scene.outputs, scene.grid, place.reference, place.condition);
   Part part{mapFigures(scene.outputs, scene.grid, scene.underlay.values, scene.sheet, view), {}};
-  if (scene.forScript && scene.plan.withMaps) part.viewer = viewerPart(scene.outputs, view, scene.mask, scene.plan);
+  if (scene.forScript && scene.plan.withMaps)
+    part.viewer = viewerPart(scene.outputs, view, scene.mask, scene.plan);
   return part;
 }
 
@@ -87,7 +89,8 @@ std::vector<Part> partsOf(const Scene& scene) {
     for (std::size_t i = next++; i < parts.size(); i = next++) parts[i] = partOf(scene, scene.places[i]);
   };
   std::vector<std::future<void>> workers;
-  const std::size_t threads = std::min<std::size_t>(std::max(1U, std::thread::hardware_concurrency()), parts.size());
+  const std::size_t threads =
+      std::min<std::size_t>(std::max(1U, std::thread::hardware_concurrency()), parts.size());
   for (std::size_t i = 1; i < threads; ++i) workers.push_back(std::async(std::launch::async, work));
   work();
   for (std::future<void>& worker : workers) worker.get();
@@ -97,7 +100,8 @@ std::vector<Part> partsOf(const Scene& scene) {
 std::string viewerOf(const Scene& scene, const Place& place) {
   if (!scene.forScript) return "";
   if (!scene.plan.withMaps)
-    return element("p", "The maps are too many to be embedded: open the images beside this page in a viewer.");
+    return element("p",
+                   "The maps are too many to be embedded: open the images beside this page in a viewer.");
   return element("div",
                  {{"class", "viewer script-only"},
                   {"data-view", fmt::format("{}-{}", place.reference, place.condition)}},
@@ -114,10 +118,10 @@ std::string conditionMaps(const Scene& scene, const Place& place, const Part& pa
 }
 
 std::string html(const Scene& scene, const std::vector<Part>& parts) {
-  std::string content =
-      element("p", "The maps lie on " + text(scene.underlay.words) +
-                       ". L and R are the patient's left and right; the reference is outlined in cyan; z is the "
-                       "height of the slice in millimetres.");
+  std::string content = element(
+      "p", "The maps lie on " + text(scene.underlay.words) +
+               ". L and R are the patient's left and right; the reference is outlined in cyan; z is the "
+               "height of the slice in millimetres.");
   std::size_t at = 0;
   for (std::size_t r = 0; r < scene.outputs.references.size(); ++r) {
     std::string conditions;
@@ -158,11 +162,13 @@ MapsSection mapsSection(const StudyOutputs& outputs, bool forScript) {
   std::vector<Part> parts = partsOf(scene);
   MapsSection result;
   result.html = html(scene, parts);
-  result.definitions = element("svg", {{"width", "0"}, {"height", "0"}, {"class", "definitions"}, {"aria-hidden", "true"}},
-                               "<defs>" + scene.sheet.definition() + "</defs>");
+  result.definitions =
+      element("svg", {{"width", "0"}, {"height", "0"}, {"class", "definitions"}, {"aria-hidden", "true"}},
+              "<defs>" + scene.sheet.definition() + "</defs>");
   if (forScript) addData(scene, parts, result);
   for (Part& part : parts)
-    for (MapFigure& figure : part.figures) result.pictures.emplace_back(std::move(figure.file), std::move(figure.svg));
+    for (MapFigure& figure : part.figures)
+      result.pictures.emplace_back(std::move(figure.file), std::move(figure.svg));
   return result;
 }
 

@@ -12,15 +12,14 @@ using study::Record;
 
 class Writer {
  public:
-  void say(const std::string& sentence) {
-    text_.words += (text_.words.empty() ? "" : " ") + sentence;
-  }
+  void say(const std::string& sentence) { text_.words += (text_.words.empty() ? "" : " ") + sentence; }
   // "(Geweke 1982; ...)", and they are among the works from now on.
   std::string cite(std::initializer_list<Work> works) {
     std::string cited;
     for (const Work work : works) {
       cited += fmt::format("{}{}", cited.empty() ? "" : "; ", citation(work));
-      if (std::find(text_.works.begin(), text_.works.end(), work) == text_.works.end()) text_.works.push_back(work);
+      if (std::find(text_.works.begin(), text_.works.end(), work) == text_.works.end())
+        text_.works.push_back(work);
     }
     return "(" + cited + ")";
   }
@@ -42,11 +41,13 @@ std::string listed(const std::vector<std::string>& names) {
 void sayMeasures(const std::vector<const Record*>& records, Writer& writer) {
   std::vector<std::string> names;
   for (const Record* record : records) names.push_back(record->reference);
-  writer.say(fmt::format(
-      "Directed influence between {} and every voxel was mapped with Tavmap {}: Geweke's measures of linear feedback "
-      "{} from the reference to the voxel, from the voxel to the reference and within one volume, and the difference "
-      "of the first two, from autoregressive models.",
-      listed(names), records[0]->model.version, writer.cite({Work::kGeweke1982})));
+  writer.say(
+      fmt::format("Directed influence between {} and every voxel was mapped with Tavmap {}: Geweke's "
+                  "measures of linear feedback "
+                  "{} from the reference to the voxel, from the voxel to the reference and within one "
+                  "volume, and the difference "
+                  "of the first two, from autoregressive models.",
+                  listed(names), records[0]->model.version, writer.cite({Work::kGeweke1982})));
 }
 
 void sayOrder(const study::Settings& settings, Writer& writer) {
@@ -57,10 +58,11 @@ void sayOrder(const study::Settings& settings, Writer& writer) {
     why = "chosen by Akaike's information criterion " + writer.cite({Work::kAkaike1974});
   if (settings.orderChoice == study::OrderChoice::kHqc)
     why = "chosen by the Hannan-Quinn criterion " + writer.cite({Work::kHannan1979});
-  writer.say(fmt::format("Models of order {} ({}) were fitted{} after mean and linear trend had been removed from every "
-                         "interval.",
-                         settings.order, why,
-                         settings.method == study::Method::kCalibrated ? " by least squares over common samples" : ""));
+  writer.say(fmt::format(
+      "Models of order {} ({}) were fitted{} after mean and linear trend had been removed from every "
+      "interval.",
+      settings.order, why,
+      settings.method == study::Method::kCalibrated ? " by least squares over common samples" : ""));
 }
 
 std::string preparationOf(const study::RunRecord& run, Writer& writer) {
@@ -78,8 +80,8 @@ void sayData(const Record& record, Writer& writer) {
   for (const study::ConditionRecord& condition : record.conditions) {
     std::string runs;
     for (const study::RunRecord& run : condition.runs)
-      runs += fmt::format("{}{} (TR {} s, {} of {} volumes{})", runs.empty() ? "" : ", ", run.run, run.repetitionTime,
-                          run.volumesUsed, run.volumes, preparationOf(run, writer));
+      runs += fmt::format("{}{} (TR {} s, {} of {} volumes{})", runs.empty() ? "" : ", ", run.run,
+                          run.repetitionTime, run.volumesUsed, run.volumes, preparationOf(run, writer));
     writer.say(fmt::format("Condition {} rests on {} effective volumes of {}; {} voxels were computed.",
                            condition.name, condition.effectiveVolumes, runs, condition.voxelsComputed()));
   }
@@ -92,25 +94,31 @@ std::string qList(const study::Settings& settings) {
 }
 
 void sayCalibrated(const study::Settings& settings, Writer& writer) {
+  writer.say(
+      fmt::format("The null distribution came from {} surrogates of the reference's time series, driven by "
+                  "the residuals of its own "
+                  "autoregressive model with random signs and put through all preparation that the series "
+                  "went through; {} of them "
+                  "were drawn for every voxel.",
+                  settings.surrogates, settings.nullDraws));
   writer.say(fmt::format(
-      "The null distribution came from {} surrogates of the reference's time series, driven by the residuals of its own "
-      "autoregressive model with random signs and put through all preparation that the series went through; {} of them "
-      "were drawn for every voxel.",
-      settings.surrogates, settings.nullDraws));
-  writer.say(fmt::format("Thresholds were found by the step-up procedure {} over the voxels outside the reference at "
-                         "q = {}, each q divided by {}, with p-values that count the observation itself {}.",
-                         writer.cite({Work::kBenjamini1995}), qList(settings), settings.fdrConstant,
-                         writer.cite({Work::kPhipson2010})));
+      "Thresholds were found by the step-up procedure {} over the voxels outside the reference at "
+      "q = {}, each q divided by {}, with p-values that count the observation itself {}.",
+      writer.cite({Work::kBenjamini1995}), qList(settings), settings.fdrConstant,
+      writer.cite({Work::kPhipson2010})));
   if (settings.fweDraws > 0)
-    writer.say(fmt::format("Family-wise p-values of voxels and of cluster masses came from {} surrogates, each against "
-                           "the whole brain {}.",
-                           settings.fweDraws, writer.cite({Work::kNichols2002})));
+    writer.say(fmt::format(
+        "Family-wise p-values of voxels and of cluster masses came from {} surrogates, each against "
+        "the whole brain {}.",
+        settings.fweDraws, writer.cite({Work::kNichols2002})));
 }
 
 void sayPlugin(const study::Settings& settings, Writer& writer) {
   writer.say(fmt::format(
-      "The null distribution came from {} simulations of autoregressive models of the reference, one of them drawn for "
-      "every voxel; thresholds for the false discovery rates q = {} {} were found by a walk from the strongest voxel "
+      "The null distribution came from {} simulations of autoregressive models of the reference, one of them "
+      "drawn for "
+      "every voxel; thresholds for the false discovery rates q = {} {} were found by a walk from the "
+      "strongest voxel "
       "down (constant {}).",
       settings.surrogates, qList(settings), writer.cite({Work::kBenjamini2001}), settings.cvConstant));
 }
@@ -123,9 +131,12 @@ bool hasDirection(const std::vector<const Record*>& records) {
 }
 
 void sayDirection(Writer& writer) {
-  writer.say("Every voxel that passed in the difference map at the largest q was tested with reversed time against 59 "
-             "surrogates that share with it only what the pair shares at the same moment " +
-             writer.cite({Work::kHaufe2013, Work::kWinkler2016}) + "; direction is reported where it was supported.");
+  writer.say(
+      "Every voxel that passed in the difference map at the largest q was tested with reversed time against "
+      "59 "
+      "surrogates that share with it only what the pair shares at the same moment " +
+      writer.cite({Work::kHaufe2013, Work::kWinkler2016}) +
+      "; direction is reported where it was supported.");
 }
 
 }  // namespace

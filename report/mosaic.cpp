@@ -29,9 +29,7 @@ struct MosaicLayout {
   int columns, rows;
   double width, height;  // of a panel's slice
 
-  [[nodiscard]] double x(std::size_t panel) const {
-    return static_cast<double>(panel % kColumns) * width;
-  }
+  [[nodiscard]] double x(std::size_t panel) const { return static_cast<double>(panel % kColumns) * width; }
   [[nodiscard]] double y(std::size_t panel) const {
     return static_cast<double>(panel / kColumns) * (height + kCaption) + kCaption;
   }
@@ -68,7 +66,8 @@ std::string overlayRow(const MosaicLayout& layout, const MosaicMap& map, const M
 }
 
 // Lines wherever a voxel of the region borders one outside it, as a path's steps.
-std::string outlineOf(const MosaicLayout& layout, const std::vector<std::uint8_t>& region, std::size_t panel) {
+std::string outlineOf(const MosaicLayout& layout, const std::vector<std::uint8_t>& region,
+                      std::size_t panel) {
   const render::Upright& view = layout.grid.view();
   const int top = layout.slices[panel];
   const auto inside = [&](int right, int front) {
@@ -93,11 +92,11 @@ std::string outlineOf(const MosaicLayout& layout, const std::vector<std::uint8_t
 // A light line on a dark one, of a colour that the maps do not have.
 std::string outlines(const MosaicLayout& layout, const std::vector<std::uint8_t>& region) {
   std::string path;
-  for (std::size_t panel = 0; panel < layout.slices.size(); ++panel)
-    path += outlineOf(layout, region, panel);
+  for (std::size_t panel = 0; panel < layout.slices.size(); ++panel) path += outlineOf(layout, region, panel);
   if (path.empty()) return "";
   return fmt::format(
-      "<g fill=\"none\" stroke-linecap=\"square\"><path d=\"{0}\" stroke=\"#000\" stroke-width=\"2.4\"/><path "
+      "<g fill=\"none\" stroke-linecap=\"square\"><path d=\"{0}\" stroke=\"#000\" "
+      "stroke-width=\"2.4\"/><path "
       "d=\"{0}\" stroke=\"#0ff\" stroke-width=\"1.2\"/></g>",
       path);
 }
@@ -105,8 +104,8 @@ std::string outlines(const MosaicLayout& layout, const std::vector<std::uint8_t>
 // Millimetres from below of a slice's centre; of oblique slices that of its middle.
 double heightOf(const PageGrid& grid, int top) {
   const render::Affine affine = grid.view().affine();
-  return affine[8] * (grid.view().dim(0) - 1) / 2 + affine[9] * (grid.view().dim(1) - 1) / 2 + affine[10] * top +
-         affine[11];
+  return affine[8] * (grid.view().dim(0) - 1) / 2 + affine[9] * (grid.view().dim(1) - 1) / 2 +
+         affine[10] * top + affine[11];
 }
 
 std::string panelTexts(const MosaicLayout& layout, std::size_t panel) {
@@ -130,7 +129,8 @@ void takePlace(std::vector<int>& slices, std::vector<bool>& isWanted, int wanted
   for (std::size_t i = 0; i < slices.size(); ++i) {
     if (slices[i] == wanted) nearest = i;
     if (isWanted[i]) continue;
-    if (nearest == slices.size() || std::abs(slices[i] - wanted) < std::abs(slices[nearest] - wanted)) nearest = i;
+    if (nearest == slices.size() || std::abs(slices[i] - wanted) < std::abs(slices[nearest] - wanted))
+      nearest = i;
   }
   if (nearest == slices.size()) return;
   slices[nearest] = wanted;
@@ -145,7 +145,8 @@ std::vector<int> mosaicSlices(const PageGrid& grid, const std::vector<float>& un
   std::vector<bool> isWanted(slices.size(), false);
   for (const int slice : wanted)
     if (std::find(slices.begin(), slices.end(), slice) != slices.end())
-      isWanted[static_cast<std::size_t>(std::find(slices.begin(), slices.end(), slice) - slices.begin())] = true;
+      isWanted[static_cast<std::size_t>(std::find(slices.begin(), slices.end(), slice) - slices.begin())] =
+          true;
   for (const int slice : wanted)
     if (std::find(slices.begin(), slices.end(), slice) == slices.end()) takePlace(slices, isWanted, slice);
   std::sort(slices.begin(), slices.end());
@@ -163,9 +164,10 @@ std::string mosaic(const PageGrid& grid, const UnderlaySheet& sheet, const Mosai
   content += "</g>";
   const std::string box = fmt::format("0 0 {:.2f} {:.2f}", layout.columns * layout.width,
                                       layout.rows * (layout.height + kCaption));
-  return element("svg",
-                 {{"xmlns", "http://www.w3.org/2000/svg"}, {"viewBox", box}, {"role", "img"}, {"aria-label", label}},
-                 content);
+  return element(
+      "svg",
+      {{"xmlns", "http://www.w3.org/2000/svg"}, {"viewBox", box}, {"role", "img"}, {"aria-label", label}},
+      content);
 }
 
 }  // namespace report

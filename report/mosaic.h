@@ -1,5 +1,5 @@
-// One map over the anatomy as a mosaic of axial slices, as SVG: the patient's left on the left, the front at the top,
-// the reference outlined. Sizes in millimetres of the brain.
+// One map over the anatomy as a mosaic of axial slices, as SVG: the patient's left on the left, the front at
+// the top, the reference outlined. Sizes in millimetres of the brain.
 #ifndef TAVMAP_REPORT_MOSAIC_H
 #define TAVMAP_REPORT_MOSAIC_H
 
@@ -23,8 +23,9 @@ struct MosaicMap {
 
 inline constexpr int kMosaicSlices = 15;
 
-// At most kMosaicSlices slices from below to above, spread over those that hold anatomy. Each of `wanted` (such as the
-// peaks of clusters, the most important first) takes the place of the nearest that is not wanted itself.
+// At most kMosaicSlices slices from below to above, spread over those that hold anatomy. Each of `wanted`
+// (such as the peaks of clusters, the most important first) takes the place of the nearest that is not wanted
+// itself.
 [[nodiscard]] std::vector<int> mosaicSlices(const PageGrid& grid, const std::vector<float>& underlay,
                                             const std::vector<int>& wanted);
 

@@ -8,15 +8,17 @@ namespace {
 
 // Nothing is loaded from anywhere.
 constexpr const char* kPolicy =
-    "default-src 'none'; img-src data:; style-src 'unsafe-inline'; script-src 'unsafe-inline'; base-uri 'none'; "
+    "default-src 'none'; img-src data:; style-src 'unsafe-inline'; script-src 'unsafe-inline'; base-uri "
+    "'none'; "
     "form-action 'none'";
 
 std::string head(const std::string& title) {
-  return element("head", single("meta", {{"charset", "utf-8"}}) +
-                             single("meta", {{"http-equiv", "Content-Security-Policy"}, {"content", kPolicy}}) +
-                             single("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}}) +
-                             single("meta", {{"name", "color-scheme"}, {"content", "light dark"}}) +
-                             element("title", text(title)) + element("style", pageStyle()));
+  return element(
+      "head", single("meta", {{"charset", "utf-8"}}) +
+                  single("meta", {{"http-equiv", "Content-Security-Policy"}, {"content", kPolicy}}) +
+                  single("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}}) +
+                  single("meta", {{"name", "color-scheme"}, {"content", "light dark"}}) +
+                  element("title", text(title)) + element("style", pageStyle()));
 }
 
 std::string contents(const PageParts& parts) {
@@ -28,7 +30,8 @@ std::string contents(const PageParts& parts) {
 
 // "</script>" inside a text of JSON would end its element.
 std::string insideScript(std::string json) {
-  for (std::size_t at = 0; (at = json.find('<', at)) != std::string::npos; at += 6) json.replace(at, 1, "\\u003c");
+  for (std::size_t at = 0; (at = json.find('<', at)) != std::string::npos; at += 6)
+    json.replace(at, 1, "\\u003c");
   return json;
 }
 
@@ -36,20 +39,22 @@ std::string scriptOf(const PageParts& parts) {
   if (pageScript().empty()) return "";
   std::string html = parts.volumes;
   if (!parts.data.empty())
-    html += element("script", {{"type", "application/json"}, {"id", "tavmap-data"}}, insideScript(parts.data));
+    html +=
+        element("script", {{"type", "application/json"}, {"id", "tavmap-data"}}, insideScript(parts.data));
   return html + element("script", pageScript());
 }
 
 }  // namespace
 
 std::string page(const PageParts& parts) {
-  const std::string header =
-      element("header", element("button", {{"type", "button"}, {"class", "theme script-only"}}, "Light or dark") +
-                            element("h1", text(parts.title)) + parts.lead);
+  const std::string header = element(
+      "header", element("button", {{"type", "button"}, {"class", "theme script-only"}}, "Light or dark") +
+                    element("h1", text(parts.title)) + parts.lead);
   return "<!DOCTYPE html>\n" +
-         element("html", {{"lang", "en"}, {"class", "no-script"}},
-                 head(parts.title) + "\n" +
-                     element("body", header + contents(parts) + element("main", parts.body) + scriptOf(parts))) +
+         element(
+             "html", {{"lang", "en"}, {"class", "no-script"}},
+             head(parts.title) + "\n" +
+                 element("body", header + contents(parts) + element("main", parts.body) + scriptOf(parts))) +
          "\n";
 }
 

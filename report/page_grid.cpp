@@ -28,13 +28,13 @@ PageGrid::PageGrid(const formats::ImageHeader& header)
         stored_.push_back(view_.storedIndex(right, front, top));
 }
 
-std::vector<std::uint8_t> greyLevels(const std::vector<float>& underlay) {
+std::vector<std::uint8_t> greyLevels(const std::vector<float>& underlay, double brightness) {
   const float white = whiteOf(underlay);
   std::vector<std::uint8_t> levels;
   levels.reserve(underlay.size());
   for (const float value : underlay) {
-    const float share = std::isfinite(value) ? std::clamp(value / white, 0.0F, 1.0F) : 0.0F;
-    levels.push_back(static_cast<std::uint8_t>(std::lround(255 * share)));
+    const double share = std::isfinite(value) ? std::clamp(static_cast<double>(value / white), 0.0, 1.0) : 0;
+    levels.push_back(static_cast<std::uint8_t>(std::lround(255 * brightness * share)));
   }
   return levels;
 }

@@ -1,5 +1,5 @@
-// The grid of a report's maps, seen upright: indices run from the patient's left to the right, from the back to the
-// front and from below to above, whatever order the files keep their voxels in.
+// The grid of a report's maps, seen upright: indices run from the patient's left to the right, from the back
+// to the front and from below to above, whatever order the files keep their voxels in.
 #ifndef TAVMAP_REPORT_PAGE_GRID_H
 #define TAVMAP_REPORT_PAGE_GRID_H
 
@@ -37,8 +37,9 @@ class PageGrid {
   std::vector<std::size_t> stored_;
 };
 
-// Grey levels 0 ... 255 of an underlay, in its own order: the 99th percentile of its positive values is white.
-[[nodiscard]] std::vector<std::uint8_t> greyLevels(const std::vector<float>& underlay);
+// Grey levels 0 ... 255 of an underlay, in its own order: the 99th percentile of its positive values has
+// `brightness`, of which 1 is white.
+[[nodiscard]] std::vector<std::uint8_t> greyLevels(const std::vector<float>& underlay, double brightness);
 
 }  // namespace report
 

@@ -7,9 +7,9 @@
 #include "formats/nifti.h"
 #include "formats/table.h"
 #include "report/html.h"
+#include "report/page_grid.h"
 #include "report/quotes.h"
 #include "report/sections.h"
-#include "report/page_grid.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -110,16 +110,18 @@ std::string clusterTable(const study::ConditionRecord& condition, const ClusterR
   std::size_t leftOut = 0;
   for (const study::MapResult& map : condition.maps) body += rowsOfMap(rows, map, leftOut);
   if (body.empty()) return element("p", fmt::format("No voxel survives at q = {}.", largestQ(condition)));
-  std::string html = element("div", {{"class", "table-scroll"}},
-                             element("table", {{"class", "sortable peaks"}},
-                                     element("caption", fmt::format("Clusters of voxels that pass at q = {}, by map "
-                                                                    "and size",
-                                                                    largestQ(condition))) +
-                                         headOfClusters() + element("tbody", body)));
+  std::string html =
+      element("div", {{"class", "table-scroll"}},
+              element("table", {{"class", "sortable peaks"}},
+                      element("caption", fmt::format("Clusters of voxels that pass at q = {}, by map "
+                                                     "and size",
+                                                     largestQ(condition))) +
+                          headOfClusters() + element("tbody", body)));
   const std::string more = leftOut == 0 ? "All of them" : fmt::format("{} smaller ones", leftOut);
-  return html + element("p", fmt::format("{}, at every q and with their further peaks, are in {}. The rate q is one "
-                                         "of voxels and says nothing of a cluster as a whole.",
-                                         more, element("code", text(rows.file))));
+  return html +
+         element("p", fmt::format("{}, at every q and with their further peaks, are in {}. The rate q is one "
+                                  "of voxels and says nothing of a cluster as a whole.",
+                                  more, element("code", text(rows.file))));
 }
 
 std::string conditionPeaks(const StudyOutputs& outputs, std::size_t r, std::size_t c) {

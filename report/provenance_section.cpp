@@ -25,7 +25,8 @@ std::string seedsTable(const StudyOutputs& outputs) {
                                                       element("td", text(reference.record.model.version)));
   }
   const std::string head =
-      "<tr><th scope=\"col\">Reference</th><th scope=\"col\">Record</th><th scope=\"col\">Seed</th><th scope=\"col\">"
+      "<tr><th scope=\"col\">Reference</th><th scope=\"col\">Record</th><th scope=\"col\">Seed</th><th "
+      "scope=\"col\">"
       "Seed of the reference</th><th scope=\"col\">Tavmap</th></tr>";
   return element("div", {{"class", "table-scroll"}},
                  element("table", element("caption", "Where the numbers come from") + element("thead", head) +
@@ -44,8 +45,8 @@ std::vector<study::InputRecord> inputsOf(const StudyOutputs& outputs) {
 std::string inputsTable(const StudyOutputs& outputs) {
   std::string rows;
   for (const study::InputRecord& input : inputsOf(outputs))
-    rows += row(text(input.kind),
-                element("td", element("code", text(input.file))) + element("td", element("code", text(input.sha256))));
+    rows += row(text(input.kind), element("td", element("code", text(input.file))) +
+                                      element("td", element("code", text(input.sha256))));
   if (rows.empty()) return "";
   return element("div", {{"class", "table-scroll"}},
                  element("table", element("caption", "Inputs and their SHA-256") +

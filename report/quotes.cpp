@@ -16,9 +16,12 @@ using formats::Json;
 
 std::string shown(double value, const std::string& exact, Digits digits) {
   switch (digits) {
-    case Digits::kFour: return fmt::format("{:.4g}", value);
-    case Digits::kTenth: return fmt::format("{:.1f}", std::round(10 * value) / 10 + 0.0);  // not -0.0
-    default: return exact;
+    case Digits::kFour:
+      return fmt::format("{:.4g}", value);
+    case Digits::kTenth:
+      return fmt::format("{:.1f}", std::round(10 * value) / 10 + 0.0);  // not -0.0
+    default:
+      return exact;
   }
 }
 
@@ -54,7 +57,8 @@ std::string Quotes::number(const std::string& way, Digits digits) const {
 std::string quotedCell(const std::string& file, std::size_t row, const std::string& column,
                        const std::string& cell, Digits digits) {
   if (cell == "n/a") return cell;
-  return quoted(cell, std::strtod(cell.c_str(), nullptr), fmt::format("{}#{}/{}", file, row + 1, column), digits);
+  return quoted(cell, std::strtod(cell.c_str(), nullptr), fmt::format("{}#{}/{}", file, row + 1, column),
+                digits);
 }
 
 }  // namespace report

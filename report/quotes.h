@@ -1,5 +1,5 @@
-// Numbers quoted from the files that a report is made from: each carries where it stands there, so that a reader, or
-// a test, can look it up.
+// Numbers quoted from the files that a report is made from: each carries where it stands there, so that a
+// reader, or a test, can look it up.
 #ifndef TAVMAP_REPORT_QUOTES_H
 #define TAVMAP_REPORT_QUOTES_H
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "formats/atomic_file.h"
+#include "report/evidence_section.h"
 #include "report/html.h"
 #include "report/maps_section.h"
 #include "report/page.h"
@@ -55,6 +56,8 @@ std::string writeReport(const fs::path& folder, const std::string& prefix) {
   writer.add("summary", "Summary", summarySection(outputs));
   writer.add("maps", "Maps", maps.html);
   writer.add("peaks", "Clusters and peaks", peaksSection(outputs));
+  const EvidenceSection evidence = evidenceSection(outputs);
+  writer.add("evidence", "Evidence", evidence.html);
   writer.add("limits", "What this does not show", limitsSection(outputs));
   writer.add("methods", "Methods", methodsSection(outputs));
   writer.add("provenance", "Provenance", provenanceSection(outputs));
@@ -65,7 +68,7 @@ std::string writeReport(const fs::path& folder, const std::string& prefix) {
   parts.volumes = maps.volumes;
   formats::Json data = maps.data.is_null() ? formats::Json::object() : maps.data;
   data["format"] = 1;
-  data["charts"] = formats::Json::object();
+  data["charts"] = evidence.charts;
   parts.data = data.dump();
   const std::string path = outputs.path(study::reportFileOf(prefix));
   formats::writeTextFile(path, page(parts), formats::Durability::kCached);

@@ -7,7 +7,8 @@
 
 namespace report {
 
-// Writes PREFIX_report.html and figures/*.svg into the folder. Returns the page's path. Throws formats::FileError.
+// Writes PREFIX_report.html and figures/*.svg into the folder. Returns the page's path. Throws
+// formats::FileError.
 std::string writeReport(const std::filesystem::path& folder, const std::string& prefix);
 
 // Whether pages have a script: the program was built with Node.

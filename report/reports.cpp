@@ -29,7 +29,8 @@ void addPlaces(const fs::path& folder, std::vector<RequestPlace>& places) {
   for (const std::string& prefix : prefixesIn(folder)) places.push_back({folder, prefix});
   std::vector<fs::path> below;
   for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-    if (entry.is_directory() && !entry.is_symlink() && isLookedInto(entry.path())) below.push_back(entry.path());
+    if (entry.is_directory() && !entry.is_symlink() && isLookedInto(entry.path()))
+      below.push_back(entry.path());
   std::sort(below.begin(), below.end());
   for (const fs::path& next : below) addPlaces(next, places);
 }
@@ -38,9 +39,10 @@ std::vector<RequestPlace> placesBelow(const fs::path& folder) {
   std::vector<RequestPlace> places;
   if (fs::is_directory(folder)) addPlaces(folder, places);
   if (places.empty())
-    throw study::InputError(fmt::format("no results (*_tavmap.json) in {} or below it; run `tavmap run` or `tavmap "
-                                        "bids` into it first",
-                                        folder.string()));
+    throw study::InputError(
+        fmt::format("no results (*_tavmap.json) in {} or below it; run `tavmap run` or `tavmap "
+                    "bids` into it first",
+                    folder.string()));
   return places;
 }
 

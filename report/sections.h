@@ -9,13 +9,14 @@
 
 namespace report {
 
-// "PART-1" for the reference at index 1, "PART-1-0" for its first condition: ids of sections, and ways to them.
+// "PART-1" for the reference at index 1, "PART-1-0" for its first condition: ids of sections, and ways to
+// them.
 [[nodiscard]] std::string placeId(const char* part, std::size_t reference);
 [[nodiscard]] std::string placeId(const char* part, std::size_t reference, std::size_t condition);
 
 // <section id="ID" class="CLASS"><hN>title</hN>content</section>; title is markup.
-[[nodiscard]] std::string section(const std::string& id, const char* kind, int level, const std::string& title,
-                                  const std::string& content);
+[[nodiscard]] std::string section(const std::string& id, const char* kind, int level,
+                                  const std::string& title, const std::string& content);
 
 // What was asked, whether the data could answer, and what came out, a table per condition.
 [[nodiscard]] std::string summarySection(const StudyOutputs& outputs);

@@ -60,14 +60,16 @@ std::vector<std::string> prefixesIn(const fs::path& folder) {
 }
 
 StudyOutputs readStudyOutputs(const fs::path& folder, const std::string& prefix) {
-  StudyOutputs outputs{folder, prefix, {}, readFailures((folder / study::failuresFileOf(prefix)).string()), ""};
+  StudyOutputs outputs{
+      folder, prefix, {}, readFailures((folder / study::failuresFileOf(prefix)).string()), ""};
   for (const std::string& file : filesIn(folder)) {
     if (prefixOfRecord(file) != prefix) continue;
     const std::string path = outputs.path(file);
     outputs.references.push_back(
         {file, formats::parseJson(formats::readTextFile(path), path), study::readRecordFile(path)});
   }
-  if (fs::exists(outputs.path(study::requestFileOf(prefix)))) outputs.requestFile = study::requestFileOf(prefix);
+  if (fs::exists(outputs.path(study::requestFileOf(prefix))))
+    outputs.requestFile = study::requestFileOf(prefix);
   return outputs;
 }
 

@@ -12,8 +12,8 @@
 namespace report {
 
 struct ReferenceOutputs {
-  std::string file;     // the record's name
-  formats::Json json;   // as it stands in the file; numbers of the page are quoted from it
+  std::string file;    // the record's name
+  formats::Json json;  // as it stands in the file; numbers of the page are quoted from it
   study::Record record;
 };
 

@@ -1,9 +1,9 @@
 #include <fmt/core.h>
 
 #include "report/html.h"
+#include "report/map_titles.h"
 #include "report/quotes.h"
 #include "report/sections.h"
-#include "results/map_words.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -35,16 +35,16 @@ std::string sourceText(const study::ReferenceSource& source) {
 }
 
 std::string referenceFacts(const ReferenceOutputs& reference, const Quotes& quotes) {
-  std::string facts = fact("Reference", quotes.number("/ReferenceVoxels") + " voxels; " +
-                                            sourceText(reference.record.source));
+  std::string facts = fact(
+      "Reference", quotes.number("/ReferenceVoxels") + " voxels; " + sourceText(reference.record.source));
   facts += orderFact(reference.record, quotes);
   facts += fact("Method", study::methodName(reference.record.model.settings.method));
   return element("dl", {{"class", "facts"}}, facts);
 }
 
 std::string runFact(const study::RunRecord& run, const Quotes& quotes) {
-  std::string value = quotes.number("/VolumesUsed") + " of " + quotes.number("/Volumes") + " volumes used, TR " +
-                      quotes.number("/RepetitionTime") + " s";
+  std::string value = quotes.number("/VolumesUsed") + " of " + quotes.number("/Volumes") +
+                      " volumes used, TR " + quotes.number("/RepetitionTime") + " s";
   if (run.volumesDropped > 0) value += ", " + quotes.number("/VolumesDropped") + " dropped at the start";
   if (run.volumesCensored > 0) value += ", " + quotes.number("/VolumesCensored") + " censored";
   if (run.confoundDegreesOfFreedom > 0)
@@ -68,7 +68,8 @@ std::string thresholdCell(const study::ThresholdResult& threshold, const Quotes&
                      quotes.number("/Threshold", Digits::kFour) + "</small>");
 }
 
-std::string peakCell(const study::ConditionRecord& condition, const study::MapResult& map, const Quotes& quotes) {
+std::string peakCell(const study::ConditionRecord& condition, const study::MapResult& map,
+                     const Quotes& quotes) {
   if (!study::hasPeak(condition, map)) return element("td", "n/a");
   std::string cell = quotes.number("/Peak/Value", Digits::kFour) + "<br><small>(" +
                      quotes.number("/Peak/Millimetres/0", Digits::kTenth) + ", " +
@@ -81,11 +82,12 @@ std::string peakCell(const study::ConditionRecord& condition, const study::MapRe
 std::string familyWiseCell(const study::MapResult& map, const Quotes& quotes) {
   if (map.familyWise.empty()) return element("td", "n/a");
   std::size_t level = 0;
-  while (level < map.familyWise.levels.size() && map.familyWise.levels[level].alpha != study::kFamilyWiseAlpha)
+  while (level < map.familyWise.levels.size() &&
+         map.familyWise.levels[level].alpha != study::kFamilyWiseAlpha)
     ++level;
   const Quotes place = quotes.at(fmt::format("/FamilyWise/Levels/{}", level));
-  return element("td", place.number("/VoxelsPassing") + " voxels<br><small>" + place.number("/ClustersPassing") +
-                           " clusters</small>");
+  return element("td", place.number("/VoxelsPassing") + " voxels<br><small>" +
+                           place.number("/ClustersPassing") + " clusters</small>");
 }
 
 // The q-values of the first map that has thresholds.
@@ -111,7 +113,7 @@ std::string mapRow(const study::ConditionRecord& condition, const study::MapResu
                    const std::string& reference, std::size_t columns, const Quotes& quotes) {
   std::string row = element("th", {{"scope", "row"}},
                             std::string(tav::mapKind(map.type).keyword) + "<br><small>" +
-                                text(study::mapDescription(map.type, reference)) + "</small>");
+                                text(mapTitle(map.type, reference)) + "</small>");
   for (std::size_t i = 0; i < columns; ++i) {
     row += i < map.thresholds.size()
                ? thresholdCell(map.thresholds[i], quotes.at(fmt::format("/Thresholds/{}", i)))
@@ -120,15 +122,17 @@ std::string mapRow(const study::ConditionRecord& condition, const study::MapResu
   return element("tr", row + familyWiseCell(map, quotes) + peakCell(condition, map, quotes));
 }
 
-std::string mapTable(const study::Record& record, const study::ConditionRecord& condition, const Quotes& quotes) {
+std::string mapTable(const study::Record& record, const study::ConditionRecord& condition,
+                     const Quotes& quotes) {
   const std::vector<double> qValues = qValuesOf(condition);
   std::string rows;
   for (std::size_t i = 0; i < condition.maps.size(); ++i)
     rows += mapRow(condition, condition.maps[i], record.reference, qValues.size(),
                    quotes.at(fmt::format("/Maps/{}", i)));
   const std::string caption =
-      element("caption", "Voxels outside the reference that reach the threshold of each false discovery rate q, and "
-                         "the map's largest magnitude");
+      element("caption",
+              "Voxels outside the reference that reach the threshold of each false discovery rate q, and "
+              "the map's largest magnitude");
   return element("div", {{"class", "table-scroll"}},
                  element("table", {{"class", "sortable maps"}},
                          caption + element("thead", headRow(qValues)) + element("tbody", rows)));
@@ -136,7 +140,8 @@ std::string mapTable(const study::Record& record, const study::ConditionRecord& 
 
 std::string directionLine(const study::Record& record, const study::ConditionRecord& condition) {
   if (condition.direction.empty()) return "";
-  return element("p", text(study::directionText(condition.direction, record.reference)) + ".");
+  return element("p",
+                 "Direction: " + text(study::directionText(condition.direction, record.reference)) + ".");
 }
 
 std::string conditionSummary(const ReferenceOutputs& reference, std::size_t r, std::size_t c) {
@@ -149,7 +154,8 @@ std::string conditionSummary(const ReferenceOutputs& reference, std::size_t r, s
 
 std::string referenceSummary(const ReferenceOutputs& reference, std::size_t r) {
   std::string content = referenceFacts(reference, Quotes(reference.json, reference.file));
-  for (std::size_t c = 0; c < reference.record.conditions.size(); ++c) content += conditionSummary(reference, r, c);
+  for (std::size_t c = 0; c < reference.record.conditions.size(); ++c)
+    content += conditionSummary(reference, r, c);
   return section(placeId("summary", r), "reference", 3, name(reference.record.reference), content);
 }
 

@@ -37,7 +37,7 @@ std::string thumbnail(const StudyOutputs& outputs, std::size_t reference, std::s
   const study::ConditionRecord& record = outputs.references[reference].record.conditions[condition];
   const PageGrid grid(formats::readImageHeader(outputs.path(record.statusFile)));
   const Underlay underlay = readUnderlay(outputs, grid);
-  const std::vector<std::uint8_t> levels = grid.upright(greyLevels(underlay.values));
+  const std::vector<std::uint8_t> levels = grid.upright(greyLevels(underlay.values, underlay.brightness));
   const study::MapResult* map = mainMap(record);
   const MapView view = readMapView(outputs, grid, record, static_cast<std::size_t>(map - record.maps.data()));
   const MapOverlay overlay(view.scale);
@@ -49,7 +49,8 @@ std::string thumbnail(const StudyOutputs& outputs, std::size_t reference, std::s
                         static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     for (int front = 0; front < height; ++front)
       for (int right = 0; right < width; ++right, ++voxel)
-        pixels.at(panel * width + right, height - 1 - front) = over(levels[voxel], overlay.colour(view.values[voxel]));
+        pixels.at(panel * width + right, height - 1 - front) =
+            over(levels[voxel], overlay.colour(view.values[voxel]));
   }
   return pixels.png();
 }

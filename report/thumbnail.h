@@ -13,7 +13,8 @@ namespace report {
 [[nodiscard]] const study::MapResult* mainMap(const study::ConditionRecord& condition);
 
 // The bytes of a PNG file: the slice of the main map's peak in the middle. Throws formats::FileError.
-[[nodiscard]] std::string thumbnail(const StudyOutputs& outputs, std::size_t reference, std::size_t condition);
+[[nodiscard]] std::string thumbnail(const StudyOutputs& outputs, std::size_t reference,
+                                    std::size_t condition);
 
 }  // namespace report
 

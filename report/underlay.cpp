@@ -21,12 +21,12 @@ Underlay readUnderlay(const StudyOutputs& outputs, const PageGrid& grid) {
     if (!std::filesystem::exists(path)) continue;
     formats::Image3D image = formats::readImage(path);
     formats::requireSameGrid(image.header, path, grid.header(), outputs.prefix);
-    return {std::move(image.values), candidate.words};
+    return {std::move(image.values), candidate.words, 1};
   }
   const std::string status = outputs.references[0].record.conditions[0].statusFile;
   std::vector<float> values = formats::readImage(outputs.path(status)).values;
   for (float& value : values) value = value > 0 ? 1.0F : 0.0F;
-  return {std::move(values), "the voxels that were looked at, since no image of the brain was kept"};
+  return {std::move(values), "the voxels that were looked at, since no image of the brain was kept", 0.35};
 }
 
 }  // namespace report

@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "report/map_titles.h"
 #include "report/sections.h"
-#include "results/map_words.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -25,7 +25,8 @@ Json thresholdsJson(const study::MapResult& map) {
   Json thresholds = Json::array();
   for (const study::ThresholdResult& threshold : map.thresholds) {
     const bool survives = threshold.outsideReference > 0 && threshold.threshold;
-    thresholds.push_back({{"q", threshold.q}, {"value", survives ? Json(*threshold.threshold) : Json(nullptr)}});
+    thresholds.push_back(
+        {{"q", threshold.q}, {"value", survives ? Json(*threshold.threshold) : Json(nullptr)}});
   }
   return thresholds;
 }
@@ -48,18 +49,19 @@ Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapVi
   const std::string id = placeId("vol-effect", view.reference, view.condition) + "-" + keyword;
   const CodedValues effect = coded(within(mask, map.values), plan.bits);
   volumes += volumeElement(id, effect.bytes);
+  const SignWords words = signWords(map.map->type, record.reference);
   Json json = {{"kind", keyword},
-               {"title", study::mapDescription(map.map->type, record.reference)},
-               {"unit", study::mapUnits(map.map->type, fmt::format("{}", record.model.settings.mapScale))},
-               {"positive", map.scale.hasSign ? record.reference + " leads" : std::string("influence")},
-               {"negative", map.scale.hasSign ? Json("the voxel leads") : Json(nullptr)},
+               {"title", fmt::format("{}: {}", keyword, mapTitle(map.map->type, record.reference))},
+               {"unit", ""},
+               {"positive", words.positive},
+               {"negative", map.scale.hasSign ? Json(words.negative) : Json(nullptr)},
                {"effect", reference(id, effect)},
                {"p", nullptr},
                {"thresholds", thresholdsJson(*map.map)},
                {"fullColour", map.scale.full}};
   if (!plan.withP || map.minusLogP.empty()) return json;
   const std::string pId = placeId("vol-p", view.reference, view.condition) + "-" + keyword;
-  const CodedValues p = coded(within(mask, map.minusLogP), 8);
+  const CodedValues p = codedFromZero(within(mask, map.minusLogP), 8);
   volumes += volumeElement(pId, p.bytes);
   json["p"] = reference(pId, p);
   return json;

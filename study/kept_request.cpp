@@ -84,7 +84,8 @@ void keepFailures(const StudyPlan& plan, const StudyOutcome& outcome) {
   for (const ReferenceOutcome& reference : outcome.references)
     if (!reference.done && reference.request == plan.request.title)
       rows += rowOf(reference.reference, reference.message);
-  writeRows(plan.request.output.folder / failuresFileOf(plan.request.output.prefix), "reference\tmessage\n", rows);
+  writeRows(plan.request.output.folder / failuresFileOf(plan.request.output.prefix), "reference\tmessage\n",
+            rows);
 }
 
 void keepRequestFailures(const fs::path& folder, const std::vector<std::string>& titles,

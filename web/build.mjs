@@ -1,5 +1,6 @@
-// Makes dist/report.js and dist/report.css, each to be put into a page as it is.
+// Makes report.js and report.css, each to be put into a page as it is, in the folder given, or in dist/.
 import { mkdir, readFile, writeFile } from "node:fs/promises";
+import { join } from "node:path";
 import * as esbuild from "esbuild";
 
 const here = (path) => new URL(path, import.meta.url);
@@ -34,11 +35,12 @@ async function bundleStyle() {
   return (await esbuild.transform(`${charts}\n${own}`, { loader: "css", minify: true, charset: "ascii" })).code;
 }
 
-await mkdir(here("dist"), { recursive: true });
+const folder = process.argv[2] ?? here("dist").pathname;
+await mkdir(folder, { recursive: true });
 const script = await bundleScript();
 const style = await bundleStyle();
 refuse(script, "report.js", "</script", "<script", "<!--");
 refuse(style, "report.css", "</style", "@import", "url(");
-await writeFile(here("dist/report.js"), script);
-await writeFile(here("dist/report.css"), style);
-console.log(`dist/report.js ${script.length} bytes, dist/report.css ${style.length} bytes`);
+await writeFile(join(folder, "report.js"), script);
+await writeFile(join(folder, "report.css"), style);
+console.log(`report.js ${script.length} bytes, report.css ${style.length} bytes`);

@@ -1,0 +1,93 @@
+#include "report/mosaic.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "tests/report/sample_outputs.h"
+
+namespace {
+
+using namespace report;
+using testing::HasSubstr;
+using testing::Not;
+
+struct MosaicTest : testing::Test {
+  static formats::ImageHeader header() {
+    formats::ImageHeader header;
+    header.size = {6, 7, 40};
+    header.affine.m = {3, 0, 0, -9, 0, 3, 0, -10, 0, 0, 2, -30, 0, 0, 0, 1};
+    return header;
+  }
+  PageGrid grid{header()};
+  std::vector<float> underlay = std::vector<float>(grid.voxels(), 1.0F);
+  UnderlaySheet sheet{grid, std::vector<std::uint8_t>(grid.voxels(), 99)};
+  std::vector<float> values = std::vector<float>(grid.voxels(), 5.0F);
+  std::vector<std::uint8_t> region = std::vector<std::uint8_t>(grid.voxels(), 0);
+
+  [[nodiscard]] std::string svg(const std::vector<int>& slices) const {
+    return mosaic(grid, sheet, {values, region, nullptr, scaleOf(4.0, 3, 5, true)}, slices, "a <label>");
+  }
+};
+
+TEST_F(MosaicTest, SpreadsItsSlicesOverTheHead) {
+  const auto slices = mosaicSlices(grid, underlay, {});
+  EXPECT_EQ(slices.size(), 15U);
+  EXPECT_TRUE(std::is_sorted(slices.begin(), slices.end()));
+  EXPECT_LT(slices.front(), 4);
+  EXPECT_GT(slices.back(), 36);
+}
+
+TEST_F(MosaicTest, ShowsEverySliceThatIsWanted) {
+  for (int wanted = 0; wanted < 40; ++wanted) {
+    const auto slices = mosaicSlices(grid, underlay, {wanted, (wanted + 1) % 40, (wanted + 2) % 40});
+    for (int i = 0; i < 3; ++i)
+      EXPECT_EQ(std::count(slices.begin(), slices.end(), (wanted + i) % 40), 1) << wanted << " " << i;
+    EXPECT_EQ(std::set<int>(slices.begin(), slices.end()).size(), 15U);
+  }
+}
+
+TEST_F(MosaicTest, OfMoreWishesThanSlicesKeepsTheFirst) {
+  std::vector<int> wanted;
+  for (int i = 0; i < 40; i += 2) wanted.push_back(i);
+  const auto slices = mosaicSlices(grid, underlay, wanted);
+  EXPECT_EQ(slices.size(), 15U);
+  EXPECT_EQ(std::count(slices.begin(), slices.end(), 0), 1);
+}
+
+TEST_F(MosaicTest, SaysItsLabelAsText) {
+  EXPECT_THAT(svg({3}), HasSubstr("aria-label=\"a &lt;label&gt;\""));
+}
+
+TEST_F(MosaicTest, MarksSidesAndHeights) {
+  const std::string text = svg({0, 15, 39});
+  EXPECT_THAT(text, HasSubstr(">z -30<"));
+  EXPECT_THAT(text, HasSubstr(">z 0<"));
+  EXPECT_THAT(text, HasSubstr(">z 48<"));
+  EXPECT_LT(text.find(">L<"), text.find(">R<"));
+}
+
+TEST_F(MosaicTest, OutlinesTheRegionAlone) {
+  EXPECT_THAT(svg({3}), Not(HasSubstr("stroke=\"#0ff\"")));
+  region[(3 * 7 + 2) * 6 + 1] = 1;
+  EXPECT_THAT(svg({3}),
+              HasSubstr("M3.00 21.00v3.00"));  // its left edge; 9 mm of caption, four rows of 3 mm above
+  EXPECT_THAT(svg({4}), Not(HasSubstr("stroke=\"#0ff\"")));
+}
+
+TEST(ColourBar, HasBothSignsOfADifference) {
+  const std::string both = colourBar(scaleOf(4.0, 3, 9, true), "unit"),
+                    one = colourBar(scaleOf(4.0, 3, 9, false), "unit");
+  EXPECT_THAT(both, HasSubstr(">-12<"));
+  EXPECT_THAT(both, HasSubstr(">-4<"));
+  EXPECT_THAT(one, Not(HasSubstr(">-4<")));
+  EXPECT_THAT(one, HasSubstr(">12<"));
+}
+
+TEST(ColourBar, IsNotThereWhenNothingSurvives) {
+  EXPECT_EQ(colourBar(scaleOf(std::nullopt, 3, 9, true), "unit"), "");
+}
+
+}  // namespace

@@ -1,0 +1,114 @@
+#include "report/report.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "formats/file_error.h"
+#include "report/maps_section.h"
+#include "report/reports.h"
+#include "report/study_outputs.h"
+#include "request/problem.h"
+#include "tests/report/sample_outputs.h"
+#include "tests/support/scratch.h"
+
+namespace {
+
+using namespace report;
+using testing::HasSubstr;
+using testing::Not;
+
+struct ReportTest : testing::Test {
+  Scratch folder;
+  std::string pageOf(const sample_outputs::Sample& sample) {
+    sample_outputs::writeTo(folder.folder(), sample);
+    return contentOf(writeReport(folder.folder(), "sample"));
+  }
+};
+
+TEST_F(ReportTest, HasEverySection) {
+  const std::string html = pageOf({});
+  for (const char* id :
+       {"warnings", "summary", "maps", "peaks", "evidence", "limits", "methods", "provenance"}) {
+    EXPECT_THAT(html, HasSubstr("<section id=\"" + std::string(id) + "\""));
+    EXPECT_THAT(html, HasSubstr("<a href=\"#" + std::string(id) + "\">"));
+  }
+}
+
+TEST_F(ReportTest, LoadsNothing) {
+  const std::string html = pageOf({});
+  EXPECT_THAT(html, HasSubstr("default-src &#39;none&#39;"));
+  for (const char* outside : {"src=\"http", "href=\"http", "url(", "@import"})
+    EXPECT_THAT(html, Not(HasSubstr(outside)));
+}
+
+TEST_F(ReportTest, SaysInWordsThatNothingSurvives) {
+  sample_outputs::Sample nothing;
+  nothing.survives = false;
+  const std::string html = pageOf(nothing);
+  EXPECT_THAT(html, HasSubstr("no voxel survives"));
+  EXPECT_THAT(html, HasSubstr("No voxel survives at q = 0.05."));
+}
+
+TEST_F(ReportTest, HasNamesAsText) {
+  const std::string html = pageOf({sample_outputs::las(), "<script>alert(1)</script>", "\"a\" & 'b'",
+                                   "</script><img src=x>", "<i>lobe</i>"});
+  EXPECT_THAT(html, Not(HasSubstr("<script>alert")));
+  EXPECT_THAT(html, Not(HasSubstr("<img src=x>")));
+  EXPECT_THAT(html, Not(HasSubstr("<i>lobe")));
+  EXPECT_THAT(html, HasSubstr("&lt;script&gt;alert(1)&lt;/script&gt;"));
+}
+
+TEST_F(ReportTest, SavesItsPicturesBesideIt) {
+  pageOf({});
+  const std::string svg =
+      contentOf(folder.folder() / "figures" / "sample_seed-V1_contrast-facesdTAV_stat-effect_statmap.svg");
+  EXPECT_TRUE(svg.starts_with("<svg xmlns=\"http://www.w3.org/2000/svg\""));
+  EXPECT_THAT(svg, HasSubstr("<defs><image id=\"underlay-sheet\""));
+}
+
+TEST_F(ReportTest, IsTheSameWhenRebuilt) {
+  const std::string once = pageOf({});
+  EXPECT_EQ(contentOf(writeReport(folder.folder(), "sample")), once);
+}
+
+TEST_F(ReportTest, NamesWhatFailed) {
+  folder.write("sample_desc-failures_tavmap.tsv", "reference\tmessage\nV<2>\tconstant courses\n");
+  const std::string html = pageOf({});
+  EXPECT_THAT(html, HasSubstr("Failed: <bdi>V&lt;2&gt;</bdi>. constant courses"));
+}
+
+TEST_F(ReportTest, OfFailuresAloneIsAPageToo) {
+  folder.write("sample_desc-failures_tavmap.tsv", "reference\tmessage\nV2\tconstant courses\n");
+  const std::string html = contentOf(writeReport(folder.folder(), "sample"));
+  EXPECT_THAT(html, HasSubstr("constant courses"));
+  EXPECT_THAT(html, HasSubstr("No reference was computed"));
+}
+
+TEST_F(ReportTest, OfAMissingImageNamesIt) {
+  sample_outputs::writeTo(folder.folder(), {});
+  const std::string gone = "sample_seed-V1_contrast-facesdTAV_stat-effect_statmap.nii.gz";
+  std::filesystem::remove(folder.folder() / gone);
+  try {
+    writeReport(folder.folder(), "sample");
+    FAIL();
+  } catch (const formats::FileError& error) {
+    EXPECT_THAT(error.what(), HasSubstr(gone));
+  }
+}
+
+TEST_F(ReportTest, WithoutScriptHasMosaicsAndNoVolumes) {
+  sample_outputs::writeTo(folder.folder(), {});
+  const MapsSection maps = mapsSection(readStudyOutputs(folder.folder(), "sample"), false);
+  EXPECT_THAT(maps.html, HasSubstr("class=\"mosaic\""));
+  EXPECT_THAT(maps.html, Not(HasSubstr("class=\"viewer")));
+  EXPECT_EQ(maps.volumes, "");
+}
+
+TEST_F(ReportTest, OfAFolderWithoutResultsSaysWhatToDo) {
+  EXPECT_THROW(rebuildReports(folder.folder()), study::InputError);
+  EXPECT_THROW(rebuildReports(folder.folder() / "nowhere"), study::InputError);
+}
+
+}  // namespace

@@ -16,15 +16,27 @@ Json axisJson(const ChartAxis& axis) {
   return {{"label", axis.label}, {"unit", axis.unit}, {"log", axis.isLogarithmic}};
 }
 
-Json seriesJson(const ChartSeries& series) {
-  Json values = Json::array();
-  for (const double value : series.values)
-    values.push_back(std::isfinite(value) ? Json(value) : Json(nullptr));
-  return {{"name", series.name}, {"role", series.role}, {"ys", values}};
+bool hasColumn(const ChartSeries& series) {
+  return series.perX == 0;
 }
 
+Json seriesJson(const Chart& chart) {
+  Json list = Json::array();
+  int column = 0;
+  for (const ChartSeries& series : chart.series) {
+    Json json = {{"name", series.name}, {"role", series.role}};
+    if (hasColumn(series))
+      json["column"] = ++column;
+    else
+      json["perX"] = series.perX;
+    list.push_back(std::move(json));
+  }
+  return list;
+}
+
+// Cells and rows end where the next one begins.
 std::string cellOf(double value) {
-  return element("td", std::isfinite(value) ? fmt::format("{}", value) : "n/a");
+  return std::isfinite(value) ? fmt::format("<td>{:.6g}", value) : "<td>n/a";
 }
 
 std::string head(const std::string& words, const std::string& from) {
@@ -32,31 +44,32 @@ std::string head(const std::string& words, const std::string& from) {
                       : element("th", {{"scope", "col"}, {"data-from", from}}, words);
 }
 
+std::string rowOf(const Chart& chart, std::size_t i) {
+  std::string row = "<tr>" + cellOf(chart.xs[i]);
+  for (const ChartSeries& series : chart.series)
+    if (hasColumn(series)) row += i < series.values.size() ? cellOf(series.values[i]) : "<td>";
+  return row;
+}
+
 std::string tableOf(const Chart& chart) {
   const std::string unit = chart.x.unit.empty() ? "" : " (" + chart.x.unit + ")";
-  std::string rows = head(text(chart.x.label + unit), chart.xsFrom);
-  for (const ChartSeries& series : chart.series) rows += head(text(series.name), series.from);
-  std::string body;
-  for (std::size_t i = 0; i < chart.xs.size(); ++i) {
-    std::string row = cellOf(chart.xs[i]);
-    for (const ChartSeries& series : chart.series)
-      row += i < series.values.size() ? cellOf(series.values[i]) : element("td", "");
-    body += element("tr", row);
-  }
+  std::string heads = head(text(chart.x.label + unit), chart.xsFrom), body;
+  for (const ChartSeries& series : chart.series)
+    if (hasColumn(series)) heads += head(text(series.name), series.from);
+  for (std::size_t i = 0; i < chart.xs.size(); ++i) body += rowOf(chart, i);
   return element("table", {{"class", "numbers"}},
-                 element("thead", element("tr", rows)) + element("tbody", body));
+                 element("thead", element("tr", heads)) + element("tbody", body));
 }
 
 }  // namespace
 
 Json chartJson(const Chart& chart) {
-  Json series = Json::array(), marks = Json::array(), spans = Json::array();
-  for (const ChartSeries& one : chart.series) series.push_back(seriesJson(one));
+  Json marks = Json::array(), spans = Json::array();
   for (const ChartMark& mark : chart.marks) marks.push_back({{"x", mark.x}, {"label", mark.label}});
   for (const ChartSpan& span : chart.spans)
     spans.push_back({{"from", span.from}, {"to", span.to}, {"kind", span.kind}, {"label", span.label}});
-  return {{"type", chart.type}, {"x", axisJson(chart.x)}, {"y", axisJson(chart.y)}, {"xs", chart.xs},
-          {"series", series},   {"marks", marks},         {"spans", spans}};
+  return {{"type", chart.type},          {"x", axisJson(chart.x)}, {"y", axisJson(chart.y)},
+          {"series", seriesJson(chart)}, {"marks", marks},         {"spans", spans}};
 }
 
 std::string chartFigure(const Chart& chart) {

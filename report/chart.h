@@ -1,4 +1,4 @@
-// A chart: what the script draws, and the same numbers as a table for everybody.
+// A chart: a table of numbers for everybody, and how the script draws its columns.
 #ifndef TAVMAP_REPORT_CHART_H
 #define TAVMAP_REPORT_CHART_H
 
@@ -13,6 +13,7 @@ struct ChartSeries {
   std::string name, role;      // how it is drawn: "main", "second", "band-low", "band-high", "null", "bound"
   std::vector<double> values;  // one per x; of histograms one per bin; NaN: none
   std::string from = {};       // where the numbers stand in the outputs; empty: they follow from others
+  double perX = 0;             // not 0: a line, this times x, that has no values of its own
 };
 
 struct ChartAxis {
@@ -41,8 +42,10 @@ struct Chart {
   std::vector<ChartSpan> spans = {};
 };
 
+// How it is drawn: axes, series by their columns of the table (x is column 0), marks, spans. No numbers of
+// its own.
 [[nodiscard]] formats::Json chartJson(const Chart& chart);
-// A figure with the caption and, folded away, the table.
+// A figure with the caption and, folded away, the table, numbers to six digits.
 [[nodiscard]] std::string chartFigure(const Chart& chart);
 
 }  // namespace report

@@ -45,12 +45,12 @@ CodedValues codedWithin(const Range& range, std::span<const float> values, int b
 }
 
 // Bytes of text per voxel of one map, measured on maps of noise with a few large values.
-constexpr double kTextOf16Bits = 2.2, kTextOf8Bits = 0.95, kTextOfP = 1.0;
-constexpr double kKinds = 4.6, kKindsOfFour = 4;  // the thresholded differences are 0 nearly everywhere
+constexpr double kTextOf16Bits = 2.2, kTextOf8Bits = 0.95, kTextOfP = 1.0, kTextOfStrongest = 0.3;
+constexpr double kKinds = 4.6;  // the thresholded differences are 0 nearly everywhere
 
 double bytesPerVoxel(const EmbeddingPlan& plan) {
-  const double effect = plan.bits == 16 ? kTextOf16Bits : kTextOf8Bits;
-  return (effect + (plan.withP ? kTextOfP : 0)) * (plan.withAllKinds ? kKinds : kKindsOfFour);
+  if (plan.strongestAlone) return kKinds * kTextOfStrongest;
+  return kKinds * ((plan.bits == 16 ? kTextOf16Bits : kTextOf8Bits) + (plan.withP ? kTextOfP : 0));
 }
 
 }  // namespace
@@ -71,11 +71,21 @@ CodedValues codedFromZero(std::span<const float> values, int bits) {
 
 EmbeddingPlan embeddingPlan(std::size_t views, std::size_t voxels, std::size_t limit) {
   constexpr auto kPlans = std::to_array<EmbeddingPlan>(
-      {{16, true, true, true}, {8, true, true, true}, {8, false, true, true}, {8, false, false, true}});
+      {{16, true, false, true}, {8, true, false, true}, {8, false, false, true}, {8, false, true, true}});
   const double each = static_cast<double>(views) * static_cast<double>(voxels);
   for (const EmbeddingPlan& plan : kPlans)
     if (each * bytesPerVoxel(plan) <= static_cast<double>(limit)) return plan;
-  return {8, false, false, false};
+  return {8, false, true, false};
+}
+
+float strongestTenth(std::span<const float> values) {
+  std::vector<float> magnitudes;
+  for (const float value : values)
+    if (std::isfinite(value)) magnitudes.push_back(std::abs(value));
+  if (magnitudes.empty()) return 0;
+  const auto at = magnitudes.begin() + static_cast<std::ptrdiff_t>(magnitudes.size() * 9 / 10);
+  std::nth_element(magnitudes.begin(), at, magnitudes.end());
+  return *at;
 }
 
 }  // namespace report

@@ -85,8 +85,7 @@ Chart searchChart(const MapEvidence& map, const MapResult* result, const Evidenc
   if (result == nullptr) return chart;
   for (const study::ThresholdResult& threshold : result->thresholds) {
     const double perRank = threshold.q / (search.fdrConstant * static_cast<double>(search.voxels));
-    chart.series.push_back(
-        {fmt::format("bound of q = {}", threshold.q), "bound", asNumbers(search.ranks, perRank)});
+    chart.series.push_back({fmt::format("bound of q = {}", threshold.q), "bound", {}, "", perRank});
   }
   return chart;
 }

@@ -6,8 +6,13 @@
 namespace report {
 namespace {
 
-// Of what comes just short of the threshold.
+// Of what comes just short of the threshold; a few steps, so that pictures stay small.
 constexpr double kMostOfFaint = 0.45;
+constexpr int kFaintSteps = 4;
+
+double faintness(double share) {
+  return kMostOfFaint * std::round(kFaintSteps * share * share) / kFaintSteps;
+}
 
 }  // namespace
 
@@ -31,7 +36,7 @@ render::Rgba MapOverlay::colour(float value) const {
   const render::ColourScale& colours = value < 0 ? negative_ : positive_;
   if (!scale_.threshold || magnitude < *scale_.threshold) {
     const auto share = static_cast<double>(std::min(1.0F, magnitude / scale_.faintUpTo()));
-    return render::withAlpha(render::colourAt(colours, 0), kMostOfFaint * share * share);
+    return render::withAlpha(render::colourAt(colours, 0), faintness(share));
   }
   const float span = std::max(scale_.full - *scale_.threshold, 1e-30F);
   return render::withAlpha(

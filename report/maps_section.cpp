@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <nlohmann/json.hpp>
@@ -19,8 +20,7 @@ namespace {
 
 using formats::Json;
 
-constexpr std::size_t kMostTextOfVolumes =
-    5'600'000;  // bytes: of the 8 MB that a page to be mailed may have
+constexpr std::size_t kTextOfMosaic = 20'000;  // bytes, measured
 constexpr const char* kUnderlayId = "vol-underlay";
 constexpr const char* kMaskId = "vol-mask";
 
@@ -72,6 +72,13 @@ std::vector<std::uint8_t> maskOf(const Scene& scene) {
       if (status[i] > 0) any[i] = 1;
   }
   return voxelsOfMaps(scene.grid.upright(any));
+}
+
+std::size_t mapsOf(const Scene& scene) {
+  std::size_t maps = 0;
+  for (const Place& place : scene.places)
+    maps += scene.outputs.references[place.reference].record.conditions[place.condition].maps.size();
+  return maps;
 }
 
 Part partOf(const Scene& scene, const Place& place) {
@@ -150,7 +157,7 @@ void addData(const Scene& scene, std::vector<Part>& parts, MapsSection& result) 
 
 }  // namespace
 
-MapsSection mapsSection(const StudyOutputs& outputs, bool forScript) {
+MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t limit) {
   const std::vector<Place> places = placesOf(outputs);
   if (places.empty()) return {};
   Scene scene(outputs, formats::readImageHeader(outputs.path(statusFileOf(outputs, places[0]))));
@@ -158,7 +165,8 @@ MapsSection mapsSection(const StudyOutputs& outputs, bool forScript) {
   scene.forScript = forScript;
   scene.mask = maskOf(scene);
   const auto voxels = static_cast<std::size_t>(std::count(scene.mask.begin(), scene.mask.end(), 1));
-  scene.plan = embeddingPlan(places.size(), voxels, kMostTextOfVolumes);
+  const std::size_t mosaics = kTextOfMosaic * mapsOf(scene);
+  scene.plan = embeddingPlan(places.size(), voxels, limit - std::min(limit, mosaics));
   std::vector<Part> parts = partsOf(scene);
   MapsSection result;
   result.html = html(scene, parts);

@@ -2,6 +2,7 @@
 #ifndef TAVMAP_REPORT_MAPS_SECTION_H
 #define TAVMAP_REPORT_MAPS_SECTION_H
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,8 +20,9 @@ struct MapsSection {
   std::vector<std::pair<std::string, std::string>> pictures;  // names and texts of files beside the page
 };
 
-// forScript: whether data and volumes are made. Several threads read and draw. Throws formats::FileError.
-[[nodiscard]] MapsSection mapsSection(const StudyOutputs& outputs, bool forScript);
+// forScript: whether data and volumes are made; limit: bytes of text that mosaics and volumes may take
+// together, as far as coarser volumes can help. Several threads read and draw. Throws formats::FileError.
+[[nodiscard]] MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t limit);
 
 }  // namespace report
 

@@ -15,20 +15,21 @@
 namespace report {
 namespace {
 
-constexpr std::size_t kMostOfAMap = 25;
+constexpr std::size_t kMostRows = 1500, kMostOfAMap = 25, kLeastOfAMap = 5;
 
 // The clusters file of one condition, read row by row.
 struct ClusterRows {
   const formats::Table& table;
   const std::string& file;
   std::string view;  // "0-1"
+  std::size_t mostOfAMap;
   const PageGrid& grid;
 
   [[nodiscard]] const std::string& cell(std::size_t row, const char* column) const {
     return table.cell(row, table.require(column));
   }
   [[nodiscard]] std::string number(std::size_t row, const char* column, Digits digits = Digits::kAll) const {
-    return quotedCell(file, row, column, cell(row, column), digits);
+    return quotedCell(row, column, cell(row, column), digits);
   }
 };
 
@@ -92,9 +93,9 @@ std::string rowsOfMap(const ClusterRows& rows, const study::MapResult& map, std:
     const bool isOfMap = rows.cell(row, "map") == tav::mapKind(map.type).keyword &&
                          rows.table.number(row, rows.table.require("q")) == largest;
     if (!isOfMap) continue;
-    if (++count <= kMostOfAMap) html += clusterRow(rows, row);
+    if (++count <= rows.mostOfAMap) html += clusterRow(rows, row);
   }
-  leftOut += count - std::min(count, kMostOfAMap);
+  leftOut += count - std::min(count, rows.mostOfAMap);
   return html;
 }
 
@@ -112,7 +113,7 @@ std::string clusterTable(const study::ConditionRecord& condition, const ClusterR
   if (body.empty()) return element("p", fmt::format("No voxel survives at q = {}.", largestQ(condition)));
   std::string html =
       element("div", {{"class", "table-scroll"}},
-              element("table", {{"class", "sortable peaks"}},
+              element("table", {{"class", "sortable peaks"}, {"data-file", rows.file}},
                       element("caption", fmt::format("Clusters of voxels that pass at q = {}, by map "
                                                      "and size",
                                                      largestQ(condition))) +
@@ -124,6 +125,14 @@ std::string clusterTable(const study::ConditionRecord& condition, const ClusterR
                                   more, element("code", text(rows.file))));
 }
 
+// Of many conditions fewer rows, so that the page can be mailed.
+std::size_t rowsPerMap(const StudyOutputs& outputs) {
+  std::size_t maps = 0;
+  for (const ReferenceOutputs& reference : outputs.references)
+    for (const study::ConditionRecord& condition : reference.record.conditions) maps += condition.maps.size();
+  return std::clamp(kMostRows / std::max<std::size_t>(maps, 1), kLeastOfAMap, kMostOfAMap);
+}
+
 std::string conditionPeaks(const StudyOutputs& outputs, std::size_t r, std::size_t c) {
   const study::ConditionRecord& condition = outputs.references[r].record.conditions[c];
   std::string content = element("p", "There is no table of clusters.");
@@ -131,7 +140,7 @@ std::string conditionPeaks(const StudyOutputs& outputs, std::size_t r, std::size
   if (!condition.clustersFile.empty() && std::filesystem::exists(path)) {
     const formats::Table table = formats::Table::read(path);
     const PageGrid grid(formats::readImageHeader(outputs.path(condition.statusFile)));
-    content = clusterTable(condition, {table, condition.clustersFile, fmt::format("{}-{}", r, c), grid});
+    content = clusterTable(condition, {table, condition.clustersFile, fmt::format("{}-{}", r, c), rowsPerMap(outputs), grid});
   }
   return section(placeId("peaks", r, c), "condition", 4, "Condition " + name(condition.name), content);
 }

@@ -54,11 +54,9 @@ std::string Quotes::number(const std::string& way, Digits digits) const {
   return quoted(value->dump(), value->get<double>(), fmt::format("{}#{}{}", file_, place_, way), digits);
 }
 
-std::string quotedCell(const std::string& file, std::size_t row, const std::string& column,
-                       const std::string& cell, Digits digits) {
+std::string quotedCell(std::size_t row, const std::string& column, const std::string& cell, Digits digits) {
   if (cell == "n/a") return cell;
-  return quoted(cell, std::strtod(cell.c_str(), nullptr), fmt::format("{}#{}/{}", file, row + 1, column),
-                digits);
+  return quoted(cell, std::strtod(cell.c_str(), nullptr), fmt::format("#{}/{}", row + 1, column), digits);
 }
 
 }  // namespace report

@@ -34,9 +34,10 @@ class Quotes {
   std::string file_, place_;
 };
 
-// The same for a cell of a table: data-from="FILE#row/column", rows from 1 below the header.
-[[nodiscard]] std::string quotedCell(const std::string& file, std::size_t row, const std::string& column,
-                                     const std::string& cell, Digits digits = Digits::kAll);
+// The same for a cell of a table: data-from="#row/column", rows from 1 below the header, in the file that an
+// element around it names in its attribute data-file.
+[[nodiscard]] std::string quotedCell(std::size_t row, const std::string& column, const std::string& cell,
+                                     Digits digits = Digits::kAll);
 
 }  // namespace report
 

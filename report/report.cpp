@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "formats/atomic_file.h"
@@ -39,6 +40,19 @@ std::string leadOf(const StudyOutputs& outputs) {
                              references == 1 ? "" : "s"));
 }
 
+// Bytes for maps, of a page that can be mailed.
+std::size_t leftOf(std::size_t taken) {
+  constexpr std::size_t kPage = 8'000'000, kOtherSections = 600'000;
+  return kPage - std::min(kPage, taken + kOtherSections);
+}
+
+std::string dataOf(const MapsSection& maps, const EvidenceSection& evidence) {
+  formats::Json data = maps.data.is_null() ? formats::Json::object() : maps.data;
+  data["format"] = 1;
+  data["charts"] = evidence.charts;
+  return data.dump();
+}
+
 void writePictures(const fs::path& folder, const MapsSection& maps) {
   if (maps.pictures.empty()) return;
   fs::create_directories(folder / "figures");
@@ -50,13 +64,14 @@ void writePictures(const fs::path& folder, const MapsSection& maps) {
 
 std::string writeReport(const fs::path& folder, const std::string& prefix) {
   const StudyOutputs outputs = readStudyOutputs(folder, prefix);
-  const MapsSection maps = mapsSection(outputs, isInteractive());
+  const EvidenceSection evidence = evidenceSection(outputs);
+  const std::string peaks = peaksSection(outputs);
+  const MapsSection maps = mapsSection(outputs, isInteractive(), leftOf(evidence.html.size() + peaks.size()));
   PageWriter writer;
   writer.add("warnings", "Read this first", warningsSection(outputs));
   writer.add("summary", "Summary", summarySection(outputs));
   writer.add("maps", "Maps", maps.html);
-  writer.add("peaks", "Clusters and peaks", peaksSection(outputs));
-  const EvidenceSection evidence = evidenceSection(outputs);
+  writer.add("peaks", "Clusters and peaks", peaks);
   writer.add("evidence", "Evidence", evidence.html);
   writer.add("limits", "What this does not show", limitsSection(outputs));
   writer.add("methods", "Methods", methodsSection(outputs));
@@ -66,10 +81,7 @@ std::string writeReport(const fs::path& folder, const std::string& prefix) {
   parts.lead = leadOf(outputs);
   parts.body = maps.definitions + parts.body;
   parts.volumes = maps.volumes;
-  formats::Json data = maps.data.is_null() ? formats::Json::object() : maps.data;
-  data["format"] = 1;
-  data["charts"] = evidence.charts;
-  parts.data = data.dump();
+  parts.data = dataOf(maps, evidence);
   const std::string path = outputs.path(study::reportFileOf(prefix));
   formats::writeTextFile(path, page(parts), formats::Durability::kCached);
   writePictures(folder, maps);

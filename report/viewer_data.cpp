@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "report/map_titles.h"
@@ -38,8 +40,12 @@ Json reference(const std::string& id, const CodedValues& values) {
           {"offset", values.offset}};
 }
 
-bool isKept(tav::MapType type, const EmbeddingPlan& plan) {
-  return plan.withAllKinds || type <= tav::DTAV;
+// Takes away what is smaller; returns the limit.
+float keepStrongest(std::vector<float>& values) {
+  const float floor = strongestTenth(values);
+  for (float& value : values)
+    if (std::abs(value) < floor) value = std::numeric_limits<float>::quiet_NaN();
+  return floor;
 }
 
 Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapView& map,
@@ -47,7 +53,9 @@ Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapVi
   const study::Record& record = outputs.references[view.reference].record;
   const std::string keyword = tav::mapKind(map.map->type).keyword;
   const std::string id = placeId("vol-effect", view.reference, view.condition) + "-" + keyword;
-  const CodedValues effect = coded(within(mask, map.values), plan.bits);
+  std::vector<float> values = within(mask, map.values);
+  const float floor = plan.strongestAlone ? keepStrongest(values) : 0.0F;
+  const CodedValues effect = coded(values, plan.bits);
   volumes += volumeElement(id, effect.bytes);
   const SignWords words = signWords(map.map->type, record.reference);
   Json json = {{"kind", keyword},
@@ -59,6 +67,7 @@ Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapVi
                {"p", nullptr},
                {"thresholds", thresholdsJson(*map.map)},
                {"fullColour", map.scale.full}};
+  if (floor > 0) json["floor"] = floor;
   if (!plan.withP || map.minusLogP.empty()) return json;
   const std::string pId = placeId("vol-p", view.reference, view.condition) + "-" + keyword;
   const CodedValues p = codedFromZero(within(mask, map.minusLogP), 8);
@@ -87,8 +96,7 @@ ViewerPart viewerPart(const StudyOutputs& outputs, const ConditionView& view,
     part.volumes += volumeElement(direction.get<std::string>(), within(mask, view.directions));
   }
   Json maps = Json::array();
-  for (const MapView& map : view.maps)
-    if (isKept(map.map->type, plan)) maps.push_back(mapJson(outputs, view, map, mask, plan, part.volumes));
+  for (const MapView& map : view.maps) maps.push_back(mapJson(outputs, view, map, mask, plan, part.volumes));
   part.json = {{"id", fmt::format("{}-{}", view.reference, view.condition)},
                {"reference", outputs.references[view.reference].record.reference},
                {"condition", view.record->name},

@@ -57,15 +57,24 @@ TEST(VolumeElement, IsAScriptThatIsNotRun) {
 }
 
 TEST(EmbeddingPlan, GrowsCoarserWithTheNumberOfMaps) {
-  constexpr std::size_t kLimit = 5'600'000, kVoxels = 45'000;
-  const EmbeddingPlan one = embeddingPlan(1, kVoxels, kLimit), thirty = embeddingPlan(30, kVoxels, kLimit),
-                      many = embeddingPlan(500, kVoxels, kLimit);
-  EXPECT_EQ(one.bits, 16);
-  EXPECT_TRUE(one.withP && one.withAllKinds && one.withMaps);
-  EXPECT_EQ(thirty.bits, 8);
-  EXPECT_TRUE(thirty.withMaps);
-  EXPECT_FALSE(thirty.withP);
-  EXPECT_FALSE(many.withMaps);
+  constexpr std::size_t kLimit = 4'000'000, kVoxels = 45'000;
+  const auto plan = [](std::size_t views) { return embeddingPlan(views, kVoxels, kLimit); };
+  EXPECT_EQ(plan(1).bits, 16);
+  EXPECT_TRUE(plan(1).withP);
+  EXPECT_EQ(plan(8).bits, 8);
+  EXPECT_TRUE(plan(8).withP);
+  EXPECT_FALSE(plan(15).withP);
+  EXPECT_FALSE(plan(15).strongestAlone);
+  EXPECT_TRUE(plan(30).strongestAlone);
+  EXPECT_TRUE(plan(30).withMaps);
+  EXPECT_FALSE(plan(500).withMaps);
+}
+
+TEST(StrongestTenth, IsByMagnitude) {
+  std::vector<float> values = {std::numeric_limits<float>::quiet_NaN()};
+  for (int i = 1; i <= 100; ++i) values.push_back(static_cast<float>(i % 2 == 0 ? i : -i));
+  EXPECT_EQ(strongestTenth(values), 91);
+  EXPECT_EQ(strongestTenth(std::vector<float>{}), 0);
 }
 
 }  // namespace

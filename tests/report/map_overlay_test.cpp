@@ -28,7 +28,7 @@ TEST(MapOverlay, IsOpaqueFromTheThresholdOn) {
 
 TEST(MapOverlay, IsFaintRatherThanHiddenBelowIt) {
   const MapOverlay overlay(scaleOf(4.0, 3, 100, true));
-  const auto near = overlay.colour(3.9F).alpha, far = overlay.colour(1.0F).alpha;
+  const auto near = overlay.colour(3.9F).alpha, far = overlay.colour(2.0F).alpha;
   EXPECT_GT(far, 0);
   EXPECT_GT(near, far);
   EXPECT_LT(near, 128);

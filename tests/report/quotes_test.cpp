@@ -33,9 +33,9 @@ TEST_F(QuotesTest, HaveNoMinusBeforeZero) {
 }
 
 TEST(QuotedCell, CountsRowsBelowTheHeaderFromOne) {
-  EXPECT_EQ(quotedCell("c.tsv", 0, "peak", "12.75", Digits::kTenth),
-            "<data value=\"12.75\" data-from=\"c.tsv#1/peak\">12.8</data>");
-  EXPECT_EQ(quotedCell("c.tsv", 0, "peak", "n/a"), "n/a");
+  EXPECT_EQ(quotedCell(0, "peak", "12.75", Digits::kTenth),
+            "<data value=\"12.75\" data-from=\"#1/peak\">12.8</data>");
+  EXPECT_EQ(quotedCell(0, "peak", "n/a"), "n/a");
 }
 
 }  // namespace

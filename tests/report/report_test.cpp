@@ -100,7 +100,7 @@ TEST_F(ReportTest, OfAMissingImageNamesIt) {
 
 TEST_F(ReportTest, WithoutScriptHasMosaicsAndNoVolumes) {
   sample_outputs::writeTo(folder.folder(), {});
-  const MapsSection maps = mapsSection(readStudyOutputs(folder.folder(), "sample"), false);
+  const MapsSection maps = mapsSection(readStudyOutputs(folder.folder(), "sample"), false, 0);
   EXPECT_THAT(maps.html, HasSubstr("class=\"mosaic\""));
   EXPECT_THAT(maps.html, Not(HasSubstr("class=\"viewer")));
   EXPECT_EQ(maps.volumes, "");

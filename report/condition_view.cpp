@@ -45,6 +45,16 @@ std::optional<double> thresholdShown(const study::MapResult& map) {
   return map.thresholds.back().threshold;
 }
 
+// Empty when there are none.
+std::vector<std::uint8_t> passingClusters(const StudyOutputs& outputs, const PageGrid& grid,
+                                          const study::MapResult& map) {
+  std::vector<std::uint8_t> clusters;
+  if (map.familyWise.empty()) return clusters;
+  for (const float p : readUpright(outputs, grid, map.familyWise.clusterFile))
+    clusters.push_back(p <= static_cast<float>(study::kFamilyWiseAlpha) ? 1 : 0);
+  return clusters;
+}
+
 MapView readMap(const StudyOutputs& outputs, const PageGrid& grid, const study::ConditionRecord& record,
                 const std::vector<std::uint8_t>& status, std::size_t index) {
   MapView map;
@@ -53,6 +63,7 @@ MapView readMap(const StudyOutputs& outputs, const PageGrid& grid, const study::
   map.values = readUpright(outputs, grid, map.map->file);
   for (std::size_t i = 0; i < map.values.size(); ++i)
     if (!holdsValue(status[i])) map.values[i] = std::numeric_limits<float>::quiet_NaN();
+  map.clusters = passingClusters(outputs, grid, *map.map);
   if (!map.map->pFile.empty()) map.minusLogP = readUpright(outputs, grid, map.map->pFile);
   const float factor = std::max(1.0F, tav::mapKind(map.map->type).range.factor);
   map.scale =

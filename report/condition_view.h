@@ -18,6 +18,8 @@ struct MapView {
   std::size_t index = 0;         // in the record
   std::vector<float> values;     // NaN where nothing was computed
   std::vector<float> minusLogP;  // of single voxels; empty: there is none
+  std::vector<std::uint8_t>
+      clusters;  // 1: in a cluster whose family-wise p is at most study::kFamilyWiseAlpha
   OverlayScale scale;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "report/code_figures.h"
 #include "report/html.h"
 #include "report/map_titles.h"
 #include "report/mosaic.h"
@@ -72,32 +73,41 @@ std::string unitOf(const StudyOutputs& outputs, const ConditionView& view, tav::
   return study::mapUnits(type, fmt::format("{}", scale));
 }
 
-std::string withDefinition(std::string svg, const UnderlaySheet& sheet) {
-  return svg.insert(svg.find('>') + 1, "<defs>" + sheet.definition() + "</defs>");
-}
-
-std::string pictureFile(const MapView& map) {
-  std::string stem = map.map->file;
-  for (const std::string ending : {".nii.gz", ".nii"})
-    if (stem.ends_with(ending)) stem.resize(stem.size() - ending.size());
-  return stem + ".svg";
-}
-
 bool showsDirections(const ConditionView& view, const MapView& map) {
   return hasSign(map.map->type) && !view.directions.empty();
+}
+
+MosaicMap drawnMap(const ConditionView& view, const MapView& map) {
+  const bool withDirections = showsDirections(view, map);
+  MosaicMap drawn{[overlay = MapOverlay(map.scale), &view, &map, withDirections](std::size_t voxel) {
+                    const render::Rgba colour = overlay.colour(map.values[voxel]);
+                    const bool isUnsupported =
+                        withDirections && view.directions[voxel] >=
+                                              static_cast<std::uint8_t>(study::DirectionCode::kNotSupported);
+                    return isUnsupported ? unsupported(colour) : colour;
+                  },
+                  {{view.region, "#0ff"}}};
+  if (!map.clusters.empty()) drawn.outlines.push_back({map.clusters, "#fff"});
+  return drawn;
+}
+
+std::string clusterWords(const MapView& map) {
+  const auto passes = std::find(map.clusters.begin(), map.clusters.end(), 1);
+  if (passes == map.clusters.end()) return "";
+  return fmt::format(" White line: clusters whose family-wise p, as wholes, is {} or less.",
+                     study::kFamilyWiseAlpha);
 }
 
 MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std::vector<float>& underlay,
                    const UnderlaySheet& sheet, const ConditionView& view, const MapView& map) {
   const std::string& reference = outputs.references[view.reference].record.reference;
   const std::string svg =
-      mosaic(grid, sheet,
-             {map.values, view.region, showsDirections(view, map) ? &view.directions : nullptr, map.scale},
-             mosaicSlices(grid, underlay, wantedSlices(grid, view, map)), plainLabel(outputs, view, map));
+      mosaic(grid, sheet, drawnMap(view, map), mosaicSlices(grid, underlay, wantedSlices(grid, view, map)),
+             plainLabel(outputs, view, map));
   const std::string keyword = tav::mapKind(map.map->type).keyword;
   const std::string caption = element("strong", keyword) + ": " + text(mapTitle(map.map->type, reference)) +
                               ". " + lookedUp(outputs, view, map) + colourWords(map, reference) +
-                              (showsDirections(view, map) ? directionWords(view) : "");
+                              (showsDirections(view, map) ? directionWords(view) : "") + clusterWords(map);
   const std::string unit = unitOf(outputs, view, map.map->type);
   const std::string bar = element("div", {{"class", "scale"}},
                                   colourBar(map.scale, unit) + element("small", "Unit: " + text(unit)));
@@ -106,16 +116,28 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
                    {"id", placeId("mosaic", view.reference, view.condition) + "-" + keyword}},
                   element("figcaption", caption) + svg + bar) +
               "\n",
-          pictureFile(map), withDefinition(svg, sheet)};
+          pictureFileOf(map.map->file), sheet.standalone(svg)};
 }
 
 }  // namespace
+
+std::string pictureFileOf(const std::string& image) {
+  std::string stem = image;
+  for (const std::string ending : {".nii.gz", ".nii"})
+    if (stem.ends_with(ending)) stem.resize(stem.size() - ending.size());
+  return stem + ".svg";
+}
 
 std::vector<MapFigure> mapFigures(const StudyOutputs& outputs, const PageGrid& grid,
                                   const std::vector<float>& underlay, const UnderlaySheet& sheet,
                                   const ConditionView& view) {
   std::vector<MapFigure> figures;
-  for (const MapView& map : view.maps) figures.push_back(figureOf(outputs, grid, underlay, sheet, view, map));
+  for (const MapView& map : view.maps) {
+    figures.push_back(figureOf(outputs, grid, underlay, sheet, view, map));
+    if (map.map->type == tav::DTAV && !view.directions.empty())
+      figures.push_back(directionFigure(outputs, grid, underlay, sheet, view));
+  }
+  figures.push_back(statusFigure(outputs, grid, underlay, sheet, view));
   return figures;
 }
 

@@ -16,6 +16,9 @@ struct MapFigure {
   std::string svg;   // the picture, complete in itself
 };
 
+// The picture beside the page of an image: "X.svg" for "X.nii.gz".
+[[nodiscard]] std::string pictureFileOf(const std::string& image);
+
 // underlay: in stored order, to choose slices by; underlayName: what it is, in words.
 [[nodiscard]] std::vector<MapFigure> mapFigures(const StudyOutputs& outputs, const PageGrid& grid,
                                                 const std::vector<float>& underlay,

@@ -40,14 +40,8 @@ struct MosaicLayout {
   }
 };
 
-render::Rgba overlayColour(const MosaicMap& map, const MapOverlay& overlay, std::size_t voxel) {
-  const render::Rgba colour = overlay.colour(map.values[voxel]);
-  const bool isUnsupported = map.directions != nullptr && (*map.directions)[voxel] >= 3;
-  return isUnsupported ? unsupported(colour) : colour;
-}
-
 // The overlay of the slices in one row, one pixel per voxel.
-std::string overlayRow(const MosaicLayout& layout, const MosaicMap& map, const MapOverlay& overlay, int row) {
+std::string overlayRow(const MosaicLayout& layout, const MosaicMap& map, int row) {
   const render::Upright& view = layout.grid.view();
   const auto first = static_cast<std::size_t>(row * kColumns);
   const std::size_t end = std::min(first + kColumns, layout.slices.size());
@@ -57,7 +51,7 @@ std::string overlayRow(const MosaicLayout& layout, const MosaicMap& map, const M
     for (int front = 0; front < view.dim(1); ++front)
       for (int right = 0; right < view.dim(0); ++right)
         pixels.at(left + right, view.dim(1) - 1 - front) =
-            overlayColour(map, overlay, layout.voxel(right, front, layout.slices[panel]));
+            map.colour(layout.voxel(right, front, layout.slices[panel]));
   }
   return fmt::format(
       "<image x=\"0\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" preserveAspectRatio=\"none\" "
@@ -89,16 +83,17 @@ std::string outlineOf(const MosaicLayout& layout, const std::vector<std::uint8_t
   return path;
 }
 
-// A light line on a dark one, of a colour that the maps do not have.
-std::string outlines(const MosaicLayout& layout, const std::vector<std::uint8_t>& region) {
+// A light line on a dark one.
+std::string outlined(const MosaicLayout& layout, const Outline& outline) {
   std::string path;
-  for (std::size_t panel = 0; panel < layout.slices.size(); ++panel) path += outlineOf(layout, region, panel);
+  for (std::size_t panel = 0; panel < layout.slices.size(); ++panel)
+    path += outlineOf(layout, outline.region, panel);
   if (path.empty()) return "";
   return fmt::format(
       "<g fill=\"none\" stroke-linecap=\"square\"><path d=\"{0}\" stroke=\"#000\" "
-      "stroke-width=\"2.4\"/><path "
-      "d=\"{0}\" stroke=\"#0ff\" stroke-width=\"1.2\"/></g>",
-      path);
+      "stroke-width=\"2.4\"/><path d=\"{0}\" "
+      "stroke=\"{1}\" stroke-width=\"1.2\"/></g>",
+      path, outline.colour);
 }
 
 // Millimetres from below of a slice's centre; of oblique slices that of its middle.
@@ -156,10 +151,10 @@ std::vector<int> mosaicSlices(const PageGrid& grid, const std::vector<float>& un
 std::string mosaic(const PageGrid& grid, const UnderlaySheet& sheet, const MosaicMap& map,
                    const std::vector<int>& slices, const std::string& label) {
   const MosaicLayout layout(grid, slices);
-  const MapOverlay overlay(map.scale);
   std::string content = "<rect width=\"100%\" height=\"100%\" fill=\"#000\"/>" + underlays(layout, sheet);
-  for (int row = 0; row < layout.rows; ++row) content += overlayRow(layout, map, overlay, row);
-  content += outlines(layout, map.reference) + "<g fill=\"#fff\" font-size=\"8\" font-family=\"sans-serif\">";
+  for (int row = 0; row < layout.rows; ++row) content += overlayRow(layout, map, row);
+  for (const Outline& outline : map.outlines) content += outlined(layout, outline);
+  content += "<g fill=\"#fff\" font-size=\"8\" font-family=\"sans-serif\">";
   for (std::size_t panel = 0; panel < slices.size(); ++panel) content += panelTexts(layout, panel);
   content += "</g>";
   const std::string box = fmt::format("0 0 {:.2f} {:.2f}", layout.columns * layout.width,

@@ -3,7 +3,9 @@
 #ifndef TAVMAP_REPORT_MOSAIC_H
 #define TAVMAP_REPORT_MOSAIC_H
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,12 +15,14 @@
 
 namespace report {
 
-// Volumes in upright order; none is owned.
+struct Outline {
+  const std::vector<std::uint8_t>& region;  // non-zero inside; upright order; not owned
+  const char* colour;                       // "#0ff"
+};
+
 struct MosaicMap {
-  const std::vector<float>& values;
-  const std::vector<std::uint8_t>& reference;   // non-zero inside the region
-  const std::vector<std::uint8_t>* directions;  // study::DirectionCode per voxel; null: there are none
-  OverlayScale scale;
+  std::function<render::Rgba(std::size_t)> colour;  // of a voxel, by its place in upright order
+  std::vector<Outline> outlines;                    // later ones lie on earlier ones
 };
 
 inline constexpr int kMosaicSlices = 15;

@@ -13,25 +13,22 @@ namespace {
 
 constexpr const char* kId = "underlay-sheet";
 
-int rowsOf(int slices, int columns) {
-  return (slices + columns - 1) / columns;
-}
-
 }  // namespace
 
 UnderlaySheet::UnderlaySheet(const PageGrid& grid, const std::vector<std::uint8_t>& levels)
     : width_(grid.view().dim(0)),
       height_(grid.view().dim(1)),
       columns_(static_cast<int>(std::ceil(std::sqrt(grid.view().dim(2))))),
-      slices_(grid.view().dim(2)) {
-  render::Pixels sheet(columns_ * width_, rowsOf(slices_, columns_) * height_);
+      slices_(grid.view().dim(2)),
+      sheetWidth_(columns_ * (width_ + kGap)),
+      sheetHeight_((slices_ + columns_ - 1) / columns_ * (height_ + kGap)) {
+  render::Pixels sheet(sheetWidth_, sheetHeight_);
   std::size_t voxel = 0;
   for (int top = 0; top < slices_; ++top) {
     for (int front = 0; front < height_; ++front) {
       for (int right = 0; right < width_; ++right) {
         const std::uint8_t grey = levels[voxel++];
-        sheet.at((top % columns_) * width_ + right, (top / columns_) * height_ + height_ - 1 - front) = {
-            grey, grey, grey, 255};
+        sheet.at(xOf(top) + right, yOf(top) + height_ - 1 - front) = {grey, grey, grey, 255};
       }
     }
   }
@@ -41,16 +38,20 @@ UnderlaySheet::UnderlaySheet(const PageGrid& grid, const std::vector<std::uint8_
 std::string UnderlaySheet::definition() const {
   return single("image", {{"id", kId},
                           {"href", pngUri(png_)},
-                          {"width", std::to_string(columns_ * width_)},
-                          {"height", std::to_string(rowsOf(slices_, columns_) * height_)}}) +
+                          {"width", std::to_string(sheetWidth_)},
+                          {"height", std::to_string(sheetHeight_)}}) +
          "</image>";
+}
+
+std::string UnderlaySheet::standalone(std::string svg) const {
+  return svg.insert(svg.find('>') + 1, "<defs>" + definition() + "</defs>");
 }
 
 std::string UnderlaySheet::slice(int top, double x, double y, double width, double height) const {
   return fmt::format(
       "<svg x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" viewBox=\"{} {} {} {}\" "
       "preserveAspectRatio=\"none\"><use href=\"#{}\"/></svg>",
-      x, y, width, height, (top % columns_) * width_, (top / columns_) * height_, width_, height_, kId);
+      x, y, width, height, xOf(top), yOf(top), width_, height_, kId);
 }
 
 }  // namespace report

@@ -17,11 +17,20 @@ class UnderlaySheet {
 
   // The sheet as an SVG image element with an id, to stand once on a page (or in a file), before use.
   [[nodiscard]] std::string definition() const;
+  // A picture that uses it, complete in itself.
+  [[nodiscard]] std::string standalone(std::string svg) const;
   // The piece with one slice, filling the given rectangle.
   [[nodiscard]] std::string slice(int top, double x, double y, double width, double height) const;
 
  private:
+  // The corner of a slice on the sheet. Black lines part the slices, so that none shines into another where
+  // viewers smooth.
+  [[nodiscard]] int xOf(int top) const { return (top % columns_) * (width_ + kGap); }
+  [[nodiscard]] int yOf(int top) const { return (top / columns_) * (height_ + kGap); }
+
+  static constexpr int kGap = 2;
   int width_, height_, columns_, slices_;  // voxels; slices per row
+  int sheetWidth_, sheetHeight_;
   std::string png_;
 };
 

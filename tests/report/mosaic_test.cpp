@@ -24,11 +24,11 @@ struct MosaicTest : testing::Test {
   PageGrid grid{header()};
   std::vector<float> underlay = std::vector<float>(grid.voxels(), 1.0F);
   UnderlaySheet sheet{grid, std::vector<std::uint8_t>(grid.voxels(), 99)};
-  std::vector<float> values = std::vector<float>(grid.voxels(), 5.0F);
   std::vector<std::uint8_t> region = std::vector<std::uint8_t>(grid.voxels(), 0);
 
   [[nodiscard]] std::string svg(const std::vector<int>& slices) const {
-    return mosaic(grid, sheet, {values, region, nullptr, scaleOf(4.0, 3, 5, true)}, slices, "a <label>");
+    const MosaicMap map{[](std::size_t) { return render::Rgba{255, 0, 0, 255}; }, {{region, "#0ff"}}};
+    return mosaic(grid, sheet, map, slices, "a <label>");
   }
 };
 

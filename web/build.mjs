@@ -29,10 +29,12 @@ async function bundleScript() {
 }
 
 async function bundleStyle() {
-  const own = await readFile(here("style/report.css"), "utf8");
+  const names = (await readFile(here("style/order.txt"), "utf8")).trim().split("\n");
+  const own = (await Promise.all(names.map((name) => readFile(here(`style/${name}`), "utf8")))).join("\n");
   const charts = await readFile(here("node_modules/uplot/dist/uPlot.min.css"), "utf8");
   // No target: light-dark forms and nesting are not used, and nothing is to be rewritten.
-  return (await esbuild.transform(`${charts}\n${own}`, { loader: "css", minify: true, charset: "ascii" })).code;
+  return (await esbuild.transform(`${charts}\n${own}`, { loader: "css", minify: true, charset: "ascii" }))
+    .code;
 }
 
 const folder = process.argv[2] ?? here("dist").pathname;

@@ -74,7 +74,7 @@ function start(figure: HTMLElement, chart: ChartData): void {
 export function setUpCharts(charts: Readonly<Partial<Record<string, ChartData>>>): () => void {
   const pending: (() => void)[] = [];
   for (const figure of document.querySelectorAll<HTMLElement>("figure.chart[data-chart]")) {
-    const chart = charts[figure.dataset["chart"] ?? ""];
+    const chart = charts[figure.dataset.chart ?? ""];
     if (chart === undefined || chart.xs.length === 0) continue;
     pending.push(
       onceNear(figure, () => {

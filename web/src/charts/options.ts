@@ -17,6 +17,7 @@ function axisOf(axis: AxisData, palette: Palette): uPlot.Axis {
   return {
     label: axisWords(axis),
     labelFont: kFont,
+    labelSize: 20,
     font: kFont,
     stroke: palette.text,
     grid: { stroke: palette.grid, width: 1 },
@@ -44,7 +45,7 @@ function seriesOf(series: SeriesData, chart: ChartData, palette: Palette): uPlot
     stroke: palette.role(series.role),
     width: isBand(series) ? 0 : 2,
     dash: dashOf(series),
-    points: { show: chart.type === "search" },
+    points: { show: chart.type === "search" && series.role !== "bound" },
     ...fillOf(series, chart, palette),
     ...(stepped ? { paths: stepped } : {}),
   };
@@ -80,14 +81,25 @@ export function optionsOf(
     width,
     height: kChartHeight,
     scales: scalesOf(chart),
-    axes: [axisOf(chart.x, palette), { ...axisOf(chart.y, palette), size: 64 }],
+    axes: [
+      { ...axisOf(chart.x, palette), size: 32 },
+      { ...axisOf(chart.y, palette), size: 60 },
+    ],
     series: [{ label: axisWords(chart.x) }, ...chart.series.map((each) => seriesOf(each, chart, palette))],
     bands: bandsOf(chart, palette),
     legend: { show: false },
     cursor: { drag: { x: false, y: false } },
     hooks: {
-      drawClear: [(plot) => { drawSpans(plot, chart, palette); }],
-      draw: [(plot) => { drawMarks(plot, chart, palette); }],
+      drawClear: [
+        (plot) => {
+          drawSpans(plot, chart, palette);
+        },
+      ],
+      draw: [
+        (plot) => {
+          drawMarks(plot, chart, palette);
+        },
+      ],
       setCursor: [pointed],
     },
   };

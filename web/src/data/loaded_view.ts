@@ -35,11 +35,7 @@ export async function loadBackdrop(page: PageData, store: VolumeStore): Promise<
   return { places, masked: maskedCount(places), underlay };
 }
 
-export async function loadView(
-  view: ViewData,
-  backdrop: Backdrop,
-  store: VolumeStore,
-): Promise<LoadedView> {
+export async function loadView(view: ViewData, backdrop: Backdrop, store: VolumeStore): Promise<LoadedView> {
   const region = await store.codes(view.region, "u8", backdrop.places.length);
   const direction = view.direction === null ? null : await store.codes(view.direction, "u8", backdrop.masked);
   return { backdrop, region, direction };

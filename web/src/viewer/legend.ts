@@ -54,7 +54,7 @@ export function legendWords(data: MapData, underlayName: string, hasDirection: b
   const signs = data.negative === null ? "" : " Red to yellow: positive, blue: negative.";
   const faint = hasDirection ? " Fainter: the direction is not supported by its control." : "";
   return (
-    `Colour is the value, opacity its significance: voxels that reach the threshold are opaque, those below ` +
-    `fade.${signs}${faint} Cyan line: the reference region. Grey: ${underlayName}.`
+    `Colour is the value, opacity its significance: voxels that reach the threshold are opaque, those ` +
+    `below fade.${signs}${faint} Cyan line: the reference region. Grey: ${underlayName}.`
   );
 }

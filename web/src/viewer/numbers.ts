@@ -14,7 +14,9 @@ export function plain(value: number, decimals: number): string {
 }
 
 export function signed(value: number, decimals: number): string {
-  return value > 0 && Number(value.toFixed(decimals)) !== 0 ? `+${plain(value, decimals)}` : plain(value, decimals);
+  return value > 0 && Number(value.toFixed(decimals)) !== 0
+    ? `+${plain(value, decimals)}`
+    : plain(value, decimals);
 }
 
 // Half a step, rounded up to one digit.

@@ -3,6 +3,7 @@ import { millimetres, offsetOf } from "../data/grid";
 import { effectOf, logOf } from "../data/map_codes";
 import type { LoadedMap, LoadedView } from "../data/loaded_view";
 import type { GridData, MapData, Triple, ViewData } from "../data/page_data";
+import type { Rule } from "./threshold";
 import { decimalsOf, halfStep, plain, probability, signed, withUnit } from "./numbers";
 
 export interface Line {
@@ -57,19 +58,29 @@ function codeAt(codes: ArrayLike<number> | null, place: number): number {
   return place < 0 ? 0 : (codes?.[place] ?? 0);
 }
 
-export function readout(
-  grid: GridData,
-  names: ViewData,
-  view: LoadedView,
-  map: LoadedMap,
-  voxel: Triple,
-): Line[] {
+// Whether the voxel at a place of the mask reaches the threshold.
+function reachedText({ map, rule }: Shown, place: number): string {
+  const value = effectOf(map.data.effect, codeAt(map.effect, place));
+  if (Number.isNaN(value)) return "none here";
+  const log = map.data.p === null ? NaN : logOf(map.data.p, codeAt(map.p, place));
+  return rule.reaches({ value, log }) ? "reached" : "not reached";
+}
+
+export interface Shown {
+  readonly view: LoadedView;
+  readonly map: LoadedMap;
+  readonly rule: Rule;
+}
+
+export function readout(grid: GridData, names: ViewData, shown: Shown, voxel: Triple): Line[] {
+  const { view, map } = shown;
   const offset = offsetOf(grid.size, voxel);
   const place = view.backdrop.places[offset] ?? -1;
   const lines = placeLines(grid, voxel);
   const outside = place < 0 ? "outside the mask" : null;
   lines.push({ name: "Value", text: outside ?? valueText(map.data, codeAt(map.effect, place)) });
   lines.push({ name: "p", text: outside ?? probabilityText(map.data, codeAt(map.p, place)) });
+  lines.push({ name: "Threshold", text: outside ?? reachedText(shown, place) });
   const inside = view.region[offset] ? `part of ${names.reference}` : "outside the reference";
   lines.push({ name: "Region", text: inside });
   if (view.direction !== null) {

@@ -18,7 +18,11 @@ export class Switches {
     this.select.addEventListener("change", () => {
       chosen(this.select.value);
     });
-    this.element = make("div", { class: "switches" }, make("div", { class: "map-choice" }, label, this.select));
+    this.element = make(
+      "div",
+      { class: "switches" },
+      make("div", { class: "map-choice" }, label, this.select),
+    );
     const boxes = [this.shown, this.hideBelow, ...(view.direction === null ? [] : [this.faint])];
     for (const { label: each, box } of boxes) {
       this.element.append(each);

@@ -15,9 +15,9 @@ export interface Stored {
 }
 
 export interface Rule {
-  reaches(stored: Stored): boolean;
+  readonly reaches: (stored: Stored) => boolean;
   // Opacity of a voxel, 0 ... 1; 1 where it reaches the threshold.
-  opacity(stored: Stored): number;
+  readonly opacity: (stored: Stored) => number;
 }
 
 // The most that a voxel below the threshold gets: the step at the threshold stays visible.

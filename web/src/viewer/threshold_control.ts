@@ -2,12 +2,14 @@
 import type { LoadedMap } from "../data/loaded_view";
 import type { ThresholdData } from "../data/page_data";
 import { freshId, make } from "../page/dom";
-import type { Threshold } from "./threshold";
+import { ruleOf, weakestLog, type Threshold } from "./threshold";
 import { onScale, scaleOf, thresholdWords, type ThresholdScale } from "./threshold_scale";
 
 export class ThresholdControl {
   readonly element: HTMLElement;
-  private readonly slider = make("input", { attributes: { type: "range", min: "0", id: freshId("threshold") } });
+  private readonly slider = make("input", {
+    attributes: { type: "range", min: "0", id: freshId("threshold") },
+  });
   private readonly words = make("output", { class: "threshold-words", attributes: { for: this.slider.id } });
   private readonly buttons = make("span", { class: "threshold-buttons" });
   private scale: ThresholdScale = { by: "p", highest: 1, step: 0.01, stride: 0.1 };
@@ -29,12 +31,12 @@ export class ThresholdControl {
 
   show(threshold: Threshold, map: LoadedMap): void {
     const words = thresholdWords(threshold, map.data);
-    if (threshold.by === this.scale.by) this.slider.value = String(threshold.level);
+    this.slider.value = String(this.sliderLevel(threshold, map));
     this.slider.setAttribute("aria-valuetext", words);
     this.words.textContent = words;
     const q = threshold.by === "magnitude" ? threshold.q : null;
     for (const button of this.buttons.querySelectorAll("button")) {
-      button.setAttribute("aria-pressed", String(q !== null && button.dataset["q"] === String(q)));
+      button.setAttribute("aria-pressed", String(q !== null && button.dataset.q === String(q)));
     }
   }
 
@@ -45,6 +47,12 @@ export class ThresholdControl {
 
   text(): string {
     return this.words.textContent;
+  }
+
+  // A stored threshold stands where its weakest voxel's p is.
+  private sliderLevel(threshold: Threshold, map: LoadedMap): number {
+    if (threshold.by === this.scale.by) return threshold.level;
+    return Math.min(weakestLog(map, ruleOf(threshold, map).reaches), this.scale.highest);
   }
 
   private buttonOf({ q, value }: ThresholdData): HTMLButtonElement {

@@ -31,7 +31,9 @@ export function onScale(scale: ThresholdScale, level: number): Threshold {
 export function thresholdWords(threshold: Threshold, data: MapData): string {
   const { level } = threshold;
   if (threshold.by === "p") {
-    return level <= 0 ? "p \u2264 1 (every voxel)" : `p \u2264 ${probability(level)} (\u2212log₁₀ p \u2265 ${plain(level, 2)})`;
+    return level <= 0
+      ? "p \u2264 1 (every voxel)"
+      : `p \u2264 ${probability(level)} (\u2212log₁₀ p \u2265 ${plain(level, 2)})`;
   }
   const sides = data.negative === null ? "value" : "magnitude";
   const words = `${sides} \u2265 ${withUnit(magnitude(level), data.unit)}`;

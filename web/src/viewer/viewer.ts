@@ -14,7 +14,8 @@ import { readout, type Line } from "./readout";
 import { ReadoutList, spoken } from "./readout_list";
 import type { Painter } from "./slice_pixels";
 import { Switches } from "./switches";
-import { firstThreshold, ruleOf, type Threshold } from "./threshold";
+import { strongestVoxel } from "./strongest";
+import { firstThreshold, ruleOf, type Rule, type Threshold } from "./threshold";
 import { ThresholdControl } from "./threshold_control";
 import { viewerParts } from "./viewer_parts";
 
@@ -23,6 +24,13 @@ export interface ViewSource {
   readonly underlayName: string;
   readonly store: VolumeStore;
   readonly backdrop: () => Promise<Backdrop>;
+}
+
+interface Shown {
+  readonly view: LoadedView;
+  readonly map: LoadedMap;
+  readonly rule: Rule;
+  readonly paint: Painter;
 }
 
 const kFirstKind = "DTAV";
@@ -38,8 +46,8 @@ export class Viewer {
   private readonly planes: readonly PlaneView[];
   private readonly thresholds = new Map<string, Threshold>(); // by kind: each map keeps its own
   private readonly view: Promise<LoadedView>;
-  private shown: { view: LoadedView; map: LoadedMap; paint: Painter } | null = null;
-  private voxel: Triple;
+  private shown: Shown | null = null;
+  private voxel: Triple | null = null; // null: the strongest of the first map
   private asked: string | null = null; // the kind chosen last, drawn or on its way
 
   constructor(
@@ -47,7 +55,6 @@ export class Viewer {
     private readonly source: ViewSource,
     private readonly names: ViewData,
   ) {
-    this.voxel = middleOf(source.grid);
     this.switches = new Switches(
       names,
       (kind) => void this.choose(kind),
@@ -103,11 +110,13 @@ export class Viewer {
   }
 
   private showMap(view: LoadedView, map: LoadedMap): void {
-    this.shown = { view, map, paint: painterOf(view, map, null) };
+    const threshold = this.thresholds.get(map.data.kind) ?? firstThreshold(map);
+    this.shown = { view, map, rule: ruleOf(threshold, map), paint: painterOf(view, map, null) };
+    this.voxel ??= strongestVoxel(this.source.grid.size, view.backdrop, map);
     this.switches.showKind(map.data.kind);
     this.control.setMap(map);
     this.showLegend(map.data);
-    this.setThreshold(this.thresholds.get(map.data.kind) ?? firstThreshold(map));
+    this.setThreshold(threshold);
     this.parts.ready();
   }
 
@@ -121,16 +130,16 @@ export class Viewer {
     if (this.shown === null) return;
     this.thresholds.set(this.shown.map.data.kind, threshold);
     this.control.show(threshold, this.shown.map);
+    this.shown = { ...this.shown, rule: ruleOf(threshold, this.shown.map) };
     this.repaint();
   }
 
   private repaint(): void {
-    const threshold = this.shown && this.thresholds.get(this.shown.map.data.kind);
-    if (this.shown === null || !threshold) return;
-    const { view, map } = this.shown;
+    if (this.shown === null) return;
+    const { view, map, rule } = this.shown;
     const options = this.switches.options();
-    const opacity = options.shown ? opacityOf(view, map, ruleOf(threshold, map), options) : null;
-    this.shown = { view, map, paint: painterOf(view, map, opacity) };
+    const opacity = options.shown ? opacityOf(view, map, rule, options) : null;
+    this.shown = { view, map, rule, paint: painterOf(view, map, opacity) };
     this.draw();
   }
 
@@ -141,7 +150,7 @@ export class Viewer {
   }
 
   private act(action: Action): void {
-    if (action.do === "move") this.move(stepped(this.voxel, action.axis, action.by));
+    if (action.do === "move") this.move(stepped(this.place(), action.axis, action.by));
     if (action.do === "threshold") {
       this.setThreshold(this.control.neighbour(action.by));
       this.announcer.say(this.control.text());
@@ -153,15 +162,19 @@ export class Viewer {
     }
   }
 
+  private place(): Triple {
+    return this.voxel ?? middleOf(this.source.grid);
+  }
+
   private lines(): Line[] {
     if (this.shown === null) return [];
-    return readout(this.source.grid, this.names, this.shown.view, this.shown.map, this.voxel);
+    return readout(this.source.grid, this.names, this.shown, this.place());
   }
 
   private draw(): void {
     if (this.shown === null) return;
     const { view, paint } = this.shown;
-    for (const plane of this.planes) plane.draw({ voxel: this.voxel, paint, region: view.region });
+    for (const plane of this.planes) plane.draw({ voxel: this.place(), paint, region: view.region });
     this.list.show(this.lines());
   }
 

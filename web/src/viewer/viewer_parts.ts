@@ -14,21 +14,29 @@ export interface ViewerParts {
 
 const kHelp =
   "Click or drag to move the crosshair. With the keyboard on a slice: arrows move within it, Page Up and " +
-  "Page Down through it (with Shift five voxels at a time); space shows or hides the map; [ and ] change the " +
-  "threshold. L left, R right, A front, P back, S above, I below.";
+  "Page Down through it (with Shift five voxels at a time); space shows or hides the map; [ and ] change " +
+  "the threshold. L left, R right, A front, P back, S above, I below.";
 
 function helpLine(id: string): HTMLElement {
   return make("p", { class: "viewer-help", text: kHelp, attributes: { id } });
 }
 
 // Fills `host`, which was empty.
-export function viewerParts(host: HTMLElement, names: ViewData, controls: readonly HTMLElement[]): ViewerParts {
+export function viewerParts(
+  host: HTMLElement,
+  names: ViewData,
+  controls: readonly HTMLElement[],
+): ViewerParts {
   const helpId = freshId("viewer-help");
   const planes = make("div", { class: "planes" });
   const side = make("div", { class: "viewer-side" });
   const legend = make("div", { class: "viewer-legend" });
   const legendWords = make("p", { class: "legend-words" });
-  const state = make("p", { class: "viewer-state", text: "Reading the maps…", attributes: { role: "status" } });
+  const state = make("p", {
+    class: "viewer-state",
+    text: "Reading the maps…",
+    attributes: { role: "status" },
+  });
   host.setAttribute("role", "group");
   host.setAttribute("aria-label", `Viewer: ${names.reference}, ${names.condition}`);
   const bar = make("div", { class: "viewer-controls" }, ...controls);

@@ -59,7 +59,7 @@ describe("the fixture", () => {
       (kAffine[axis][axis] * kFollowsAt[axis] + kAffine[axis][3]).toFixed(1),
     );
     assert.equal(lines["Place (x, y, z)"], `${mm.join(", ").replace("-", "\u2212")} mm`);
-    assert.match(lines.Value, /^\u22123\d\.\d+ ± 0\.0\d* ms: the voxel leads$/);
+    assert.match(lines.Value, /^\u22123\d\.\d+ ± 0\.0\d* ms \(negative: the voxel leads\)$/);
     assert.equal(lines.Threshold, "reached");
     assert.equal(lines.Region, "outside the reference");
   });

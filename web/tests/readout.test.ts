@@ -34,15 +34,15 @@ describe("numbers", () => {
 
 describe("the value", () => {
   it("comes with unit, rounding and what its sign means", () => {
-    assert.equal(valueText(kSigned, 113), "+13.0 ± 0.5 ms: the reference leads");
-    assert.equal(valueText(kSigned, 87), "\u221213.0 ± 0.5 ms: the voxel leads");
+    assert.equal(valueText(kSigned, 113), "+13.0 ± 0.5 ms (positive: the reference leads)");
+    assert.equal(valueText(kSigned, 87), "\u221213.0 ± 0.5 ms (negative: the voxel leads)");
     assert.equal(valueText(kSigned, 100), "0.0 ± 0.5 ms");
     assert.equal(valueText(kSigned, 0), "none here");
   });
 
   it("of one sign has none", () => {
     const one = { ...kSigned, negative: null, positive: "more influence", unit: "" };
-    assert.equal(valueText(one, 113), "13.0 ± 0.5: more influence");
+    assert.equal(valueText(one, 113), "13.0 ± 0.5");
   });
 
   it("of p says how it is rounded, or that there is none", () => {
@@ -77,7 +77,7 @@ describe("the readout", () => {
     assert.deepEqual(texts([1, 0, 0]), {
       "Place (x, y, z)": "\u22122.0, 6.0, 8.0 mm",
       "Voxel (i, j, k)": "1, 0, 0",
-      Value: "+40.0 ± 0.5 ms: the reference leads",
+      Value: "+40.0 ± 0.5 ms (positive: the reference leads)",
       p: "0.001 (\u2212log₁₀ p 3.00 ± 0.01)",
       Threshold: "reached",
       Region: "part of V1 <b>",

@@ -1,21 +1,19 @@
 // The viewer of one view: three planes, the maps of one reference and condition over the underlay.
 import { clampVoxel, middleOf } from "../data/grid";
 import { loadMap, loadView, type Backdrop, type LoadedMap, type LoadedView } from "../data/loaded_view";
-import type { GridData, MapData, Triple, ViewData } from "../data/page_data";
+import type { GridData, Triple, ViewData } from "../data/page_data";
 import type { VolumeStore } from "../data/volume_store";
 import { Announcer } from "../page/announcer";
-import { opacityOf, painterOf } from "./overlay";
 import { kPlanes, stepped } from "./planes";
 import type { Action } from "./keys";
 import { scaleFor } from "./layout";
-import { colourBar, legendWords } from "./legend";
 import { PlaneView } from "./plane_view";
 import { readout, type Line } from "./readout";
 import { ReadoutList, spoken } from "./readout_list";
-import type { Painter } from "./slice_pixels";
 import { Switches } from "./switches";
+import { repainted, shownMap, type Shown } from "./shown";
 import { strongestVoxel } from "./strongest";
-import { firstThreshold, ruleOf, type Rule, type Threshold } from "./threshold";
+import { firstThreshold, type Threshold } from "./threshold";
 import { ThresholdControl } from "./threshold_control";
 import { viewerParts } from "./viewer_parts";
 
@@ -24,13 +22,6 @@ export interface ViewSource {
   readonly underlayName: string;
   readonly store: VolumeStore;
   readonly backdrop: () => Promise<Backdrop>;
-}
-
-interface Shown {
-  readonly view: LoadedView;
-  readonly map: LoadedMap;
-  readonly rule: Rule;
-  readonly paint: Painter;
 }
 
 const kFirstKind = "DTAV";
@@ -83,6 +74,7 @@ export class Viewer {
   async jump(kind: string, voxel: Triple): Promise<void> {
     await this.choose(kind);
     this.move(voxel);
+    this.announcer.say(`${this.shown?.map.data.title ?? ""}. ${spoken(this.lines())}`);
     this.planes[0]?.element.focus({ preventScroll: true });
   }
 
@@ -110,36 +102,28 @@ export class Viewer {
   }
 
   private showMap(view: LoadedView, map: LoadedMap): void {
-    const threshold = this.thresholds.get(map.data.kind) ?? firstThreshold(map);
-    this.shown = { view, map, rule: ruleOf(threshold, map), paint: painterOf(view, map, null) };
     this.voxel ??= strongestVoxel(this.source.grid.size, view.backdrop, map);
     this.switches.showKind(map.data.kind);
     this.control.setMap(map);
-    this.showLegend(map.data);
-    this.setThreshold(threshold);
+    this.parts.showLegend(map.data, this.source.underlayName);
+    this.show(view, map, this.thresholds.get(map.data.kind) ?? firstThreshold(map));
     this.parts.ready();
   }
 
-  private showLegend(data: MapData): void {
-    const words = legendWords(data, this.source.underlayName, this.names.direction !== null);
-    this.parts.legend.replaceChildren(colourBar(data));
-    this.parts.legendWords.textContent = words;
+  private show(view: LoadedView, map: LoadedMap, threshold: Threshold): void {
+    this.thresholds.set(map.data.kind, threshold);
+    this.control.show(threshold, map);
+    this.shown = shownMap(view, map, threshold, this.switches.options());
+    this.draw();
   }
 
   private setThreshold(threshold: Threshold): void {
-    if (this.shown === null) return;
-    this.thresholds.set(this.shown.map.data.kind, threshold);
-    this.control.show(threshold, this.shown.map);
-    this.shown = { ...this.shown, rule: ruleOf(threshold, this.shown.map) };
-    this.repaint();
+    if (this.shown !== null) this.show(this.shown.view, this.shown.map, threshold);
   }
 
   private repaint(): void {
     if (this.shown === null) return;
-    const { view, map, rule } = this.shown;
-    const options = this.switches.options();
-    const opacity = options.shown ? opacityOf(view, map, rule, options) : null;
-    this.shown = { view, map, rule, paint: painterOf(view, map, opacity) };
+    this.shown = repainted(this.shown, this.switches.options());
     this.draw();
   }
 

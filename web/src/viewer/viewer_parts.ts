@@ -1,13 +1,13 @@
 // The frame of a viewer on the page.
-import type { ViewData } from "../data/page_data";
+import type { MapData, ViewData } from "../data/page_data";
 import { freshId, make } from "../page/dom";
+import { colourBar, legendWords } from "./legend";
 
 export interface ViewerParts {
   readonly planes: HTMLElement;
   readonly side: HTMLElement;
-  readonly legend: HTMLElement;
-  readonly legendWords: HTMLElement;
   readonly helpId: string;
+  readonly showLegend: (data: MapData, underlayName: string) => void;
   readonly ready: () => void;
   readonly failed: (error: unknown) => void;
 }
@@ -31,7 +31,7 @@ export function viewerParts(
   const planes = make("div", { class: "planes" });
   const side = make("div", { class: "viewer-side" });
   const legend = make("div", { class: "viewer-legend" });
-  const legendWords = make("p", { class: "legend-words" });
+  const words = make("p", { class: "legend-words" });
   const state = make("p", {
     class: "viewer-state",
     text: "Reading the maps…",
@@ -41,7 +41,11 @@ export function viewerParts(
   host.setAttribute("aria-label", `Viewer: ${names.reference}, ${names.condition}`);
   const bar = make("div", { class: "viewer-controls" }, ...controls);
   side.append(legend);
-  host.append(state, bar, planes, side, legendWords, helpLine(helpId));
+  host.append(state, bar, planes, side, words, helpLine(helpId));
+  const showLegend = (data: MapData, underlayName: string): void => {
+    legend.replaceChildren(colourBar(data));
+    words.textContent = legendWords(data, underlayName, names.direction !== null);
+  };
   const ready = (): void => {
     state.hidden = true;
     host.classList.add("ready");
@@ -50,5 +54,5 @@ export function viewerParts(
     state.hidden = false;
     state.textContent = `The maps cannot be shown. ${error instanceof Error ? error.message : String(error)}`;
   };
-  return { planes, side, legend, legendWords, helpId, ready, failed };
+  return { planes, side, showLegend, helpId, ready, failed };
 }

@@ -31,7 +31,7 @@ for (const [name, path] of reports()) {
           await head.$eval("button", (button) => button.click());
           assert.equal(await head.getAttribute("aria-sort"), order);
           const values = await head.evaluate(valuesBelow);
-          assert.ok(inOrder(values, order), `${order}: ${values.join(" | ")}`);
+          assert.ok(inOrder(values, order), `${order}: ${values.map(({ text }) => text).join(" | ")}`);
         }
       }
     });
@@ -141,20 +141,23 @@ function valuesBelow(head) {
   });
 }
 
-function missing(text) {
-  return text === "" || text.toLowerCase() === "n/a" || text === "–";
+function numberOf(text) {
+  return Number(text.replace("\u2212", "-").replace(/,/g, ""));
+}
+
+function missing({ text, number }) {
+  return ["", "n/a", "–"].includes(text.toLowerCase()) || (number && Number.isNaN(numberOf(text)));
 }
 
 function inOrder(values, order) {
-  const firstMissing = values.findIndex(({ text }) => missing(text));
+  const firstMissing = values.findIndex(missing);
   const known = firstMissing < 0 ? values : values.slice(0, firstMissing);
-  if (firstMissing >= 0 && !values.slice(firstMissing).every(({ text }) => missing(text))) return false;
+  if (firstMissing >= 0 && !values.slice(firstMissing).every(missing)) return false;
   const collator = new Intl.Collator("en", { numeric: true, sensitivity: "base" });
   const sign = order === "ascending" ? 1 : -1;
-  const number = (text) => Number(text.replace("\u2212", "-").replace(/,/g, ""));
   return known.slice(1).every((value, n) => {
     const [a, b] = [known[n].text, value.text];
-    return sign * (value.number ? number(a) - number(b) : collator.compare(a, b)) <= 0;
+    return sign * (value.number ? numberOf(a) - numberOf(b) : collator.compare(a, b)) <= 0;
   });
 }
 

@@ -17,25 +17,38 @@ const chart: ChartData = {
   series: [series([1, null, 3])],
 };
 
+function drawn(data: ChartData): object {
+  const { xs, ys } = columnsOf(data);
+  return { xs, ys };
+}
+
 describe("columns", () => {
   it("of lines keep gaps", () => {
-    assert.deepEqual(columnsOf(chart), { xs: [0, 1, 2], ys: [[1, null, 3]] });
+    assert.deepEqual(drawn(chart), { xs: [0, 1, 2], ys: [[1, null, 3]] });
   });
 
   it("of histograms close the last bin, by width or by its edge", () => {
     const bins = { ...chart, type: "histogram", series: [series([4, 5, 6])] } as const;
-    assert.deepEqual(columnsOf(bins), { xs: [0, 1, 2, 3], ys: [[4, 5, 6, 6]] });
+    assert.deepEqual(drawn(bins), { xs: [0, 1, 2, 3], ys: [[4, 5, 6, 6]] });
     const edged = { ...bins, series: [series([4, 5])] };
-    assert.deepEqual(columnsOf(edged), { xs: [0, 1, 2], ys: [[4, 5, 5]] });
+    assert.deepEqual(drawn(edged), { xs: [0, 1, 2], ys: [[4, 5, 5]] });
   });
 
   it("of logarithmic axes leave out what has no logarithm", () => {
     const search = { ...chart, type: "search", xs: [0, 0.1, 1], series: [series([1, 0, 3])] } as const;
-    assert.deepEqual(columnsOf(search), { xs: [0.1, 1], ys: [[null, 3]] });
+    assert.deepEqual(drawn(search), { xs: [0.1, 1], ys: [[null, 3]] });
+  });
+
+  it("of logarithmic histograms drop to a floor where a bin is empty, and still say zero", () => {
+    const y = { label: "Voxels", log: true };
+    const bins = { ...chart, type: "histogram", y, series: [series([40, 0, 0.3])] } as const;
+    const { ys, stated } = columnsOf(bins);
+    assert.deepEqual(ys, [[40, 0.1, 0.3, 0.3]]);
+    assert.deepEqual(stated, [[40, 0, 0.3, 0.3]]);
   });
 
   it("run with x ascending", () => {
-    assert.deepEqual(columnsOf({ ...chart, xs: [2, 0, 1] }), { xs: [0, 1, 2], ys: [[null, 3, 1]] });
+    assert.deepEqual(drawn({ ...chart, xs: [2, 0, 1] }), { xs: [0, 1, 2], ys: [[null, 3, 1]] });
   });
 });
 

@@ -3,6 +3,7 @@ import { describe, it } from "node:test";
 import { gzipSync } from "node:zlib";
 import { bytesOfBase64, gunzip, wordsOf } from "../src/data/decoding";
 import { effectOf, effectTable, logOf } from "../src/data/map_codes";
+import { dimmed } from "../src/data/loaded_view";
 import { maskedCount, placesInMask } from "../src/data/mask";
 import { VolumeStore } from "../src/data/volume_store";
 
@@ -72,6 +73,13 @@ describe("codes of maps", () => {
     assert.equal(logOf(p, 1), 0);
     assert.equal(logOf(p, 101), 2);
     assert.ok(Number.isNaN(logOf(p, 0)));
+  });
+});
+
+describe("the underlay", () => {
+  it("is darkened where it has one level alone", () => {
+    assert.deepEqual([...dimmed(Uint8Array.of(0, 255, 255))], [0, 90, 90]);
+    assert.deepEqual([...dimmed(Uint8Array.of(0, 255, 7))], [0, 255, 7]);
   });
 });
 

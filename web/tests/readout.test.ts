@@ -41,6 +41,8 @@ describe("the value", () => {
   });
 
   it("of one sign has none", () => {
+    const long = { ...kSigned, unit: "natural logarithm of a ratio" };
+    assert.equal(valueText(long, 100), "0.0 ± 0.5");
     const one = { ...kSigned, negative: null, positive: "more influence", unit: "" };
     assert.equal(valueText(one, 113), "13.0 ± 0.5");
   });

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { describe, it } from "node:test";
 import { firstThreshold, highestLog, kMostBelow, ruleOf, weakestLog } from "../src/viewer/threshold";
-import { onScale, scaleOf, thresholdWords } from "../src/viewer/threshold_scale";
+import { positionOf, scaleOf, thresholdAt, thresholdWords } from "../src/viewer/threshold_scale";
 import { kSigned, mapOf } from "./maps";
 
 const withoutP = { ...kSigned, p: null };
@@ -50,8 +50,16 @@ describe("a stored threshold", () => {
 });
 
 describe("the first threshold", () => {
-  it("is the first stored one that a voxel survives", () => {
-    assert.deepEqual(firstThreshold(map), { by: "magnitude", level: 20, q: 0.05 });
+  it("is the one for q = 0.05, else the first stored one that a voxel survives", () => {
+    const several = [
+      { q: 0.01, value: 30 },
+      { q: 0.05, value: 20 },
+      { q: 0.1, value: 10 },
+    ];
+    const first = (thresholds: typeof several): unknown =>
+      firstThreshold(mapOf({ ...kSigned, thresholds }, [120], [1]));
+    assert.deepEqual(first(several), { by: "magnitude", level: 20, q: 0.05 });
+    assert.deepEqual(first(several.slice(2)), { by: "magnitude", level: 10, q: 0.1 });
   });
 
   it("is p = 0.001 where none survives, or the highest p there is", () => {
@@ -69,16 +77,18 @@ describe("the first threshold", () => {
 describe("the slider's scale", () => {
   it("runs over the stored p", () => {
     const scale = scaleOf(map);
-    assert.deepEqual([scale.by, scale.highest, scale.step], ["p", 3, 0.02]);
+    assert.deepEqual(scale, { by: "p", step: 0.02, steps: 150, stride: 5 });
     assert.equal(highestLog(map), 3);
-    assert.deepEqual(onScale(scale, 9), { by: "p", level: 3 });
-    assert.deepEqual(onScale(scale, -1), { by: "p", level: 0 });
+    assert.deepEqual(thresholdAt(scale, 999), { by: "p", level: 3 });
+    assert.deepEqual(thresholdAt(scale, -1), { by: "p", level: 0 });
+    assert.equal(positionOf(scale, 2), 100);
+    assert.equal(positionOf(scale, 7), 150);
   });
 
   it("runs over magnitudes where there is no p", () => {
     const scale = scaleOf(mapOf(withoutP, [120], null));
-    assert.deepEqual([scale.by, scale.highest], ["magnitude", 40]);
-    assert.deepEqual(onScale(scale, 7), { by: "magnitude", level: 7, q: null });
+    assert.deepEqual(scale, { by: "magnitude", step: 0.4, steps: 100, stride: 1 });
+    assert.deepEqual(thresholdAt(scale, 50), { by: "magnitude", level: 20, q: null });
   });
 
   it("says thresholds in words", () => {

@@ -52,9 +52,9 @@ class DrawnChart {
   }
 
   private showPoint(index: number | null): void {
-    const { xs, ys } = this.columns;
+    const { xs, stated } = this.columns;
     const x = index === null ? undefined : xs[index];
-    const values = ys.map((column) => (index === null ? null : column[index]));
+    const values = stated.map((column) => (index === null ? null : column[index]));
     this.point.textContent = x === undefined ? "" : pointWords(this.chart, x, values);
   }
 }

@@ -1,7 +1,7 @@
 // How a chart is drawn.
 import uPlot from "uplot";
 import type { AxisData, ChartData, SeriesData } from "../data/page_data";
-import { isLogX, isLogY, widened } from "./chart_values";
+import { floorOf, isLogX, isLogY, widened } from "./chart_values";
 import { drawMarks, drawSpans } from "./decorations";
 import type { Palette } from "./palette";
 
@@ -67,6 +67,7 @@ function scalesOf(chart: ChartData): uPlot.Scales {
   const y: uPlot.Scale = {};
   if (isLogX(chart)) x.distr = 3;
   if (isLogY(chart)) y.distr = 3;
+  if (chart.type === "histogram" && isLogY(chart)) y.range = (_, __, most) => [floorOf(chart), most * 2];
   else if (chart.type === "histogram") y.range = (_, __, most) => [0, most > 0 ? most * 1.1 : 1];
   return { x, y };
 }

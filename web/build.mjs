@@ -1,4 +1,4 @@
-// Makes report.js and report.css, each to be put into a page as it is, in the folder given, or in dist/.
+// Makes report.js and report.css, each to be put into a page as it is, in the folder given, or in build/.
 import { mkdir, readFile, writeFile } from "node:fs/promises";
 import { join } from "node:path";
 import * as esbuild from "esbuild";
@@ -37,7 +37,7 @@ async function bundleStyle() {
     .code;
 }
 
-const folder = process.argv[2] ?? here("dist").pathname;
+const folder = process.argv[2] ?? here("build").pathname;
 await mkdir(folder, { recursive: true });
 const script = await bundleScript();
 const style = await bundleStyle();

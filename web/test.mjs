@@ -5,7 +5,7 @@ import { fileURLToPath } from "node:url";
 import * as esbuild from "esbuild";
 
 const here = (path) => fileURLToPath(new URL(path, import.meta.url));
-const outdir = here("dist/tests");
+const outdir = here("build/tests");
 const tests = readdirSync(here("tests")).filter((name) => name.endsWith(".test.ts"));
 
 rmSync(outdir, { recursive: true, force: true });

@@ -1,11 +1,11 @@
 // A browser, and pages in it that note every error and every request that leaves the file.
-import { existsSync } from "node:fs";
+import { existsSync, readFileSync } from "node:fs";
 import { basename, resolve } from "node:path";
 import { fileURLToPath, pathToFileURL } from "node:url";
 import { chromium } from "playwright-core";
 
-export const kFixture = fileURLToPath(new URL("../dist/fixture/report.html", import.meta.url));
-export const kIndex = fileURLToPath(new URL("../dist/fixture/index.html", import.meta.url));
+export const kFixture = fileURLToPath(new URL("../build/fixture/report.html", import.meta.url));
+export const kIndex = fileURLToPath(new URL("../build/fixture/index.html", import.meta.url));
 
 const program = process.env.CHROMIUM ?? "/usr/bin/chromium";
 
@@ -23,6 +23,11 @@ export function reports() {
   }
   const named = given.map((path) => [basename(path), resolve(path)]);
   return [["fixture", kFixture], ["fixture index", kIndex], ...named];
+}
+
+// Those with maps to look at.
+export function reportsWithData() {
+  return reports().filter(([, path]) => readFileSync(path, "utf8").includes('id="tavmap-data"'));
 }
 
 // The tests read canvases back, which the browser remarks on; pages do not.

@@ -24,7 +24,7 @@ async function pointAt(viewer, size, column, row) {
   return [box.x + ((column + 0.5) / size[0]) * box.width, box.y + ((row + 0.5) / size[1]) * box.height];
 }
 
-for (const [name, path] of reports()) {
+for (const [name, path] of reportsWithData()) {
   describe(`the viewer of ${name}`, () => {
     let page, context, problems, viewer, size;
     before(async () => {

@@ -1,5 +1,9 @@
-# Writes OUT, a C++ file with the texts of STYLE and SCRIPT. SCRIPT may be empty.
-file(READ "${STYLE}" style)
+# Writes OUT, a C++ file with the texts of the files STYLE (a list, one after the other) and SCRIPT (may be empty).
+set(style "")
+foreach(part IN LISTS STYLE)
+  file(READ "${part}" text)
+  string(APPEND style "${text}")
+endforeach()
 set(script "")
 if(SCRIPT)
   file(READ "${SCRIPT}" script)

@@ -7,12 +7,13 @@ function(tavmap_page_assets output)
   set(web ${CMAKE_SOURCE_DIR}/web)
   set(embed ${CMAKE_SOURCE_DIR}/cmake/EmbedPages.cmake)
   set(made ${CMAKE_CURRENT_BINARY_DIR}/pages)
-  set(style ${web}/style/report.css)
+  file(STRINGS ${web}/style/order.txt style)
+  list(TRANSFORM style PREPEND ${web}/style/)
   set(script "")
   if(NODE AND EXISTS ${web}/node_modules/esbuild)
     set(style ${made}/report.css)
     set(script ${made}/report.js)
-    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${web}/src/*.ts ${web}/style/*.css)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${web}/src/*.ts ${web}/style/*)
     add_custom_command(OUTPUT ${style} ${script}
       COMMAND ${NODE} ${web}/build.mjs ${made}
       DEPENDS ${sources} ${web}/build.mjs ${web}/package-lock.json ${web}/tsconfig.json
@@ -21,7 +22,7 @@ function(tavmap_page_assets output)
     message(STATUS "No Node, or no packages in web/: reports are made without interaction")
   endif()
   add_custom_command(OUTPUT ${output}
-    COMMAND ${CMAKE_COMMAND} -DSTYLE=${style} -DSCRIPT=${script} -DOUT=${output} -P ${embed}
+    COMMAND ${CMAKE_COMMAND} "-DSTYLE=${style}" -DSCRIPT=${script} -DOUT=${output} -P ${embed}
     DEPENDS ${style} ${script} ${embed}
     COMMENT "Putting style and script of pages into a source file" VERBATIM)
   set_source_files_properties(${output} PROPERTIES COMPILE_OPTIONS -Wno-overlength-strings

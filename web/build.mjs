@@ -1,4 +1,4 @@
-// Makes report.js and report.css, each to be put into a page as it is, in the folder given, or in dist/.
+// Makes report.js and report.css, each to be put into a page as it is, in the folder given, or in build/.
 import { mkdir, readFile, writeFile } from "node:fs/promises";
 import { join } from "node:path";
 import * as esbuild from "esbuild";
@@ -29,13 +29,15 @@ async function bundleScript() {
 }
 
 async function bundleStyle() {
-  const own = await readFile(here("style/report.css"), "utf8");
+  const names = (await readFile(here("style/order.txt"), "utf8")).trim().split("\n");
+  const own = (await Promise.all(names.map((name) => readFile(here(`style/${name}`), "utf8")))).join("\n");
   const charts = await readFile(here("node_modules/uplot/dist/uPlot.min.css"), "utf8");
   // No target: light-dark forms and nesting are not used, and nothing is to be rewritten.
-  return (await esbuild.transform(`${charts}\n${own}`, { loader: "css", minify: true, charset: "ascii" })).code;
+  return (await esbuild.transform(`${charts}\n${own}`, { loader: "css", minify: true, charset: "ascii" }))
+    .code;
 }
 
-const folder = process.argv[2] ?? here("dist").pathname;
+const folder = process.argv[2] ?? here("build").pathname;
 await mkdir(folder, { recursive: true });
 const script = await bundleScript();
 const style = await bundleStyle();

@@ -1,11 +1,13 @@
 import tseslint from "typescript-eslint";
 
 export default tseslint.config(
-  { ignores: ["dist", "node_modules"] },
+  { ignores: ["build", "node_modules"] },
   {
     files: ["src/**/*.ts", "tests/**/*.ts"],
     extends: [tseslint.configs.strictTypeChecked, tseslint.configs.stylisticTypeChecked],
-    languageOptions: { parserOptions: { projectService: true, tsconfigRootDir: new URL(".", import.meta.url).pathname } },
+    languageOptions: {
+      parserOptions: { projectService: true, tsconfigRootDir: new URL(".", import.meta.url).pathname },
+    },
     rules: {
       "max-lines": ["error", 200],
       "max-lines-per-function": ["error", 40],
@@ -26,6 +28,6 @@ export default tseslint.config(
   {
     // node:test's describe and it return promises that the runner awaits.
     files: ["tests/**/*.ts"],
-    rules: { "@typescript-eslint/no-floating-promises": "off" },
+    rules: { "@typescript-eslint/no-floating-promises": "off", "max-lines-per-function": "off" },
   },
 );

@@ -52,9 +52,9 @@ class DrawnChart {
   }
 
   private showPoint(index: number | null): void {
-    const { xs, ys } = this.columns;
+    const { xs, stated } = this.columns;
     const x = index === null ? undefined : xs[index];
-    const values = ys.map((column) => (index === null ? null : column[index]));
+    const values = stated.map((column) => (index === null ? null : column[index]));
     this.point.textContent = x === undefined ? "" : pointWords(this.chart, x, values);
   }
 }
@@ -74,7 +74,7 @@ function start(figure: HTMLElement, chart: ChartData): void {
 export function setUpCharts(charts: Readonly<Partial<Record<string, ChartData>>>): () => void {
   const pending: (() => void)[] = [];
   for (const figure of document.querySelectorAll<HTMLElement>("figure.chart[data-chart]")) {
-    const chart = charts[figure.dataset["chart"] ?? ""];
+    const chart = charts[figure.dataset.chart ?? ""];
     if (chart === undefined || chart.xs.length === 0) continue;
     pending.push(
       onceNear(figure, () => {

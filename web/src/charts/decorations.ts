@@ -31,7 +31,11 @@ function drawLabel(plot: uPlot, x: number, text: string, row: number): void {
   const pad = 4 * devicePixelRatio;
   const room = bbox.left + bbox.width - x - pad;
   ctx.textAlign = ctx.measureText(text).width <= room ? "left" : "right";
-  ctx.fillText(text, ctx.textAlign === "left" ? x + pad : x - pad, bbox.top + pad + row * (kFont + 3) * devicePixelRatio);
+  ctx.fillText(
+    text,
+    ctx.textAlign === "left" ? x + pad : x - pad,
+    bbox.top + pad + row * (kFont + 3) * devicePixelRatio,
+  );
 }
 
 export function drawMarks(plot: uPlot, chart: ChartData, palette: Palette): void {

@@ -1,7 +1,7 @@
 // How a chart is drawn.
 import uPlot from "uplot";
 import type { AxisData, ChartData, SeriesData } from "../data/page_data";
-import { isLogX, isLogY, widened } from "./chart_values";
+import { floorOf, isLogX, isLogY, widened } from "./chart_values";
 import { drawMarks, drawSpans } from "./decorations";
 import type { Palette } from "./palette";
 
@@ -17,6 +17,7 @@ function axisOf(axis: AxisData, palette: Palette): uPlot.Axis {
   return {
     label: axisWords(axis),
     labelFont: kFont,
+    labelSize: 20,
     font: kFont,
     stroke: palette.text,
     grid: { stroke: palette.grid, width: 1 },
@@ -44,7 +45,7 @@ function seriesOf(series: SeriesData, chart: ChartData, palette: Palette): uPlot
     stroke: palette.role(series.role),
     width: isBand(series) ? 0 : 2,
     dash: dashOf(series),
-    points: { show: chart.type === "search" },
+    points: { show: chart.type === "search" && series.role !== "bound" },
     ...fillOf(series, chart, palette),
     ...(stepped ? { paths: stepped } : {}),
   };
@@ -66,6 +67,7 @@ function scalesOf(chart: ChartData): uPlot.Scales {
   const y: uPlot.Scale = {};
   if (isLogX(chart)) x.distr = 3;
   if (isLogY(chart)) y.distr = 3;
+  if (chart.type === "histogram" && isLogY(chart)) y.range = (_, __, most) => [floorOf(chart), most * 2];
   else if (chart.type === "histogram") y.range = (_, __, most) => [0, most > 0 ? most * 1.1 : 1];
   return { x, y };
 }
@@ -80,14 +82,25 @@ export function optionsOf(
     width,
     height: kChartHeight,
     scales: scalesOf(chart),
-    axes: [axisOf(chart.x, palette), { ...axisOf(chart.y, palette), size: 64 }],
+    axes: [
+      { ...axisOf(chart.x, palette), size: 32 },
+      { ...axisOf(chart.y, palette), size: 60 },
+    ],
     series: [{ label: axisWords(chart.x) }, ...chart.series.map((each) => seriesOf(each, chart, palette))],
     bands: bandsOf(chart, palette),
     legend: { show: false },
     cursor: { drag: { x: false, y: false } },
     hooks: {
-      drawClear: [(plot) => { drawSpans(plot, chart, palette); }],
-      draw: [(plot) => { drawMarks(plot, chart, palette); }],
+      drawClear: [
+        (plot) => {
+          drawSpans(plot, chart, palette);
+        },
+      ],
+      draw: [
+        (plot) => {
+          drawMarks(plot, chart, palette);
+        },
+      ],
       setCursor: [pointed],
     },
   };

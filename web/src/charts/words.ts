@@ -3,7 +3,11 @@ import type { ChartData, SeriesData } from "../data/page_data";
 import { magnitude } from "../viewer/numbers";
 import { axisWords } from "./options";
 
-const kKinds = { line: "Line chart", histogram: "Histogram", search: "Chart with two logarithmic axes" } as const;
+const kKinds = {
+  line: "Line chart",
+  histogram: "Histogram",
+  search: "Chart with two logarithmic axes",
+} as const;
 
 function listed(what: string, items: readonly string[]): string {
   return items.length === 0 ? "" : ` ${what}: ${items.join("; ")}.`;
@@ -11,10 +15,15 @@ function listed(what: string, items: readonly string[]): string {
 
 export function chartWords(chart: ChartData, caption: string): string {
   const marks = (chart.marks ?? []).map(({ x, label }) => `${label} at ${magnitude(x)}`);
-  const spans = (chart.spans ?? []).map(({ from, to, label }) => `${label} ${magnitude(from)} to ${magnitude(to)}`);
+  const spans = (chart.spans ?? []).map(
+    ({ from, to, label }) => `${label} ${magnitude(from)} to ${magnitude(to)}`,
+  );
   return (
     `${kKinds[chart.type]}: ${caption}. Across: ${axisWords(chart.x)}; up: ${axisWords(chart.y)}.` +
-    listed("Series", shownSeries(chart).map(({ name }) => name)) +
+    listed(
+      "Series",
+      shownSeries(chart).map(({ name }) => name),
+    ) +
     listed("Marks", marks) +
     listed("Spans", spans)
   );

@@ -10,6 +10,12 @@ export function offsetOf(size: Triple, voxel: Triple): number {
   return voxel[0] + size[0] * (voxel[1] + size[1] * voxel[2]);
 }
 
+// The voxel at an offset; the inverse of offsetOf.
+export function voxelOf(size: Triple, offset: number): Triple {
+  const row = Math.floor(offset / size[0]);
+  return [offset % size[0], row % size[1], Math.floor(row / size[1])];
+}
+
 export function clampVoxel(size: Triple, voxel: Triple): Triple {
   const within = (axis: 0 | 1 | 2): number => Math.min(Math.max(Math.round(voxel[axis]), 0), size[axis] - 1);
   return [within(0), within(1), within(2)];

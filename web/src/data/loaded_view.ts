@@ -25,6 +25,15 @@ export interface LoadedView {
   readonly direction: Codes | null;
 }
 
+const kFlatGrey = 90;
+
+// An underlay that only says what is brain is darkened: on white, faint colours are lost.
+export function dimmed(underlay: Codes): Codes {
+  const levels = new Set(underlay);
+  levels.delete(0);
+  return levels.size > 1 ? underlay : underlay.map((grey) => (grey === 0 ? 0 : kFlatGrey));
+}
+
 export async function loadBackdrop(page: PageData, store: VolumeStore): Promise<Backdrop> {
   const voxels = voxelCount(page.grid.size);
   const [mask, underlay] = await Promise.all([
@@ -32,14 +41,10 @@ export async function loadBackdrop(page: PageData, store: VolumeStore): Promise<
     store.codes(page.underlay, "u8", voxels),
   ]);
   const places = placesInMask(mask);
-  return { places, masked: maskedCount(places), underlay };
+  return { places, masked: maskedCount(places), underlay: dimmed(underlay) };
 }
 
-export async function loadView(
-  view: ViewData,
-  backdrop: Backdrop,
-  store: VolumeStore,
-): Promise<LoadedView> {
+export async function loadView(view: ViewData, backdrop: Backdrop, store: VolumeStore): Promise<LoadedView> {
   const region = await store.codes(view.region, "u8", backdrop.places.length);
   const direction = view.direction === null ? null : await store.codes(view.direction, "u8", backdrop.masked);
   return { backdrop, region, direction };

@@ -20,8 +20,8 @@ function isSize(value: unknown): boolean {
 }
 
 function checkGrid(grid: Fields): void {
-  if (!isSize(grid["size"])) throw new Error("The grid of this page has no size.");
-  const rows = grid["affine"];
+  if (!isSize(grid.size)) throw new Error("The grid of this page has no size.");
+  const rows = grid.affine;
   if (!Array.isArray(rows) || rows.length < 3 || !rows.every((row) => isNumbers(row, 4))) {
     throw new Error("The grid of this page has no affine.");
   }
@@ -35,9 +35,9 @@ function checkFormat(format: unknown): void {
 // Throws Error with a sentence for the reader.
 export function readPage(json: string): PageData {
   const fields = fieldsOf(JSON.parse(json), "content");
-  checkFormat(fields["format"]);
-  checkGrid(fieldsOf(fields["grid"], "grid"));
-  if (!Array.isArray(fields["views"])) throw new Error("The data of this page have no views.");
-  fieldsOf(fields["charts"], "charts");
+  checkFormat(fields.format);
+  checkGrid(fieldsOf(fields.grid, "grid"));
+  if (!Array.isArray(fields.views)) throw new Error("The data of this page have no views.");
+  fieldsOf(fields.charts, "charts");
   return fields as unknown as PageData;
 }

@@ -35,7 +35,7 @@ function liveNeighbour(button: HTMLElement): Element {
 }
 
 async function copyFor(button: HTMLElement, neighbour: Element): Promise<void> {
-  const source = document.querySelector(button.dataset["copy"] ?? "");
+  const source = document.querySelector(button.dataset.copy ?? "");
   const done = source !== null && (await copy(source));
   neighbour.textContent = done ? "Copied" : "Not copied: select the text and copy it";
 }

@@ -19,11 +19,11 @@ function scrollTo(host: HTMLElement): void {
 }
 
 async function jump(button: HTMLElement, known: ReadonlyMap<string, KnownViewer>): Promise<void> {
-  const target = known.get(button.dataset["view"] ?? "");
-  const voxel = voxelOf(button.dataset["voxel"] ?? "");
+  const target = known.get(button.dataset.view ?? "");
+  const voxel = voxelOf(button.dataset.voxel ?? "");
   if (target === undefined || voxel === null) return;
   scrollTo(target.host);
-  await target.open().jump(button.dataset["kind"] ?? "", voxel);
+  await target.open().jump(button.dataset.kind ?? "", voxel);
 }
 
 export function setUpJumps(known: ReadonlyMap<string, KnownViewer>): void {

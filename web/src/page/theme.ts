@@ -23,7 +23,7 @@ function keep(theme: Theme): void {
 }
 
 function current(): Theme {
-  const chosen = document.documentElement.dataset["theme"];
+  const chosen = document.documentElement.dataset.theme;
   if (chosen === "light" || chosen === "dark") return chosen;
   return matchMedia(kDark).matches ? "dark" : "light";
 }
@@ -37,7 +37,7 @@ function label(button: HTMLElement): void {
 }
 
 function choose(theme: Theme): void {
-  document.documentElement.dataset["theme"] = theme;
+  document.documentElement.dataset.theme = theme;
   keep(theme);
 }
 

@@ -29,8 +29,12 @@ export function setUpViewers(page: PageData): ReadonlyMap<string, KnownViewer> {
   const source = sourceOf(page);
   const known = new Map<string, KnownViewer>();
   for (const host of all("div.viewer[data-view]")) {
-    const view = page.views.find(({ id }) => id === host.dataset["view"]);
-    if (view !== undefined) known.set(view.id, knownViewer(host, () => new Viewer(host, source, view)));
+    const view = page.views.find(({ id }) => id === host.dataset.view);
+    if (view !== undefined)
+      known.set(
+        view.id,
+        knownViewer(host, () => new Viewer(host, source, view)),
+      );
   }
   return known;
 }

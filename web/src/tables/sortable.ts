@@ -3,18 +3,27 @@ import { all, make } from "../page/dom";
 import { keyOf, sortedIndices, type Kind, type Order } from "./sorting";
 
 function kindOf(head: HTMLElement): Kind {
-  return head.dataset["sort"] === "number" ? "number" : "text";
+  return head.dataset.sort === "number" ? "number" : "text";
 }
 
-function keysOf(rows: readonly HTMLTableRowElement[], column: number, kind: Kind): ReturnType<typeof keyOf>[] {
+function keysOf(
+  rows: readonly HTMLTableRowElement[],
+  column: number,
+  kind: Kind,
+): ReturnType<typeof keyOf>[] {
   return rows.map((row) => {
     const cell = row.cells[column];
-    return keyOf(kind, cell?.textContent ?? "", cell?.dataset["value"]);
+    return keyOf(kind, cell?.textContent ?? "", cell?.dataset.value);
   });
 }
 
 // rows: as the page brought them, so that ties and other columns start from the same order each time.
-function sortBy(body: HTMLElement, rows: readonly HTMLTableRowElement[], head: HTMLElement, order: Order): void {
+function sortBy(
+  body: HTMLElement,
+  rows: readonly HTMLTableRowElement[],
+  head: HTMLElement,
+  order: Order,
+): void {
   const column = (head as HTMLTableCellElement).cellIndex;
   const sorted = sortedIndices(keysOf(rows, column, kindOf(head)), order);
   body.append(...sorted.flatMap((index) => rows[index] ?? []));

@@ -2,7 +2,7 @@
 import type { MapData } from "../data/page_data";
 import { make } from "../page/dom";
 import { cssColour, kCold, kWarm, type Rgb } from "./colour_scale";
-import { magnitude, withUnit } from "./numbers";
+import { isShort, magnitude, withUnit } from "./numbers";
 
 function gradient(scale: readonly Rgb[], towards: "left" | "right"): string {
   return `linear-gradient(to ${towards}, ${scale.map(cssColour).join(", ")})`;
@@ -52,9 +52,10 @@ export function colourBar(data: MapData): HTMLElement {
 // The sentence under the bar.
 export function legendWords(data: MapData, underlayName: string, hasDirection: boolean): string {
   const signs = data.negative === null ? "" : " Red to yellow: positive, blue: negative.";
+  const unit = isShort(data.unit) ? "" : ` Unit: ${data.unit}.`;
   const faint = hasDirection ? " Fainter: the direction is not supported by its control." : "";
   return (
-    `Colour is the value, opacity its significance: voxels that reach the threshold are opaque, those below ` +
-    `fade.${signs}${faint} Cyan line: the reference region. Grey: ${underlayName}.`
+    `Colour is the value, opacity its significance: voxels that reach the threshold are opaque, those ` +
+    `below fade.${signs}${unit}${faint} Cyan line: the reference region. Grey: ${underlayName}.`
   );
 }

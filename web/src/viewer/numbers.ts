@@ -14,7 +14,9 @@ export function plain(value: number, decimals: number): string {
 }
 
 export function signed(value: number, decimals: number): string {
-  return value > 0 && Number(value.toFixed(decimals)) !== 0 ? `+${plain(value, decimals)}` : plain(value, decimals);
+  return value > 0 && Number(value.toFixed(decimals)) !== 0
+    ? `+${plain(value, decimals)}`
+    : plain(value, decimals);
 }
 
 // Half a step, rounded up to one digit.
@@ -44,6 +46,13 @@ export function magnitude(value: number): string {
   return text.replace("-", kMinus);
 }
 
+const kShortUnit = 10; // characters
+
+export function isShort(unit: string): boolean {
+  return unit.length <= kShortUnit;
+}
+
+// Units that are a sentence are told once, in the legend, and not behind every number.
 export function withUnit(text: string, unit: string): string {
-  return unit === "" ? text : `${text} ${unit}`;
+  return unit === "" || !isShort(unit) ? text : `${text} ${unit}`;
 }

@@ -9,7 +9,12 @@ export interface Plane {
   readonly across: Axis; // grows with the columns, to the right
   readonly up: Axis; // grows against the rows, towards the top
   readonly through: Axis;
-  readonly letters: { readonly left: string; readonly right: string; readonly top: string; readonly bottom: string };
+  readonly letters: {
+    readonly left: string;
+    readonly right: string;
+    readonly top: string;
+    readonly bottom: string;
+  };
 }
 
 export const kAxial: Plane = {

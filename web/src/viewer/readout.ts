@@ -1,8 +1,8 @@
 // What is known about the voxel under the crosshair, in words.
 import { millimetres, offsetOf } from "../data/grid";
 import { effectOf, logOf } from "../data/map_codes";
-import type { LoadedMap, LoadedView } from "../data/loaded_view";
 import type { GridData, MapData, Triple, ViewData } from "../data/page_data";
+import type { Shown } from "./shown";
 import { decimalsOf, halfStep, plain, probability, signed, withUnit } from "./numbers";
 
 export interface Line {
@@ -21,9 +21,10 @@ export function directionWords(code: number): string {
   return words[code] ?? `code ${code}`;
 }
 
+// What the sign stands for; whether the data support it is the threshold's and the direction's to say.
 function signWords(data: MapData, value: number): string {
-  if (value === 0 || data.negative === null) return value > 0 ? data.positive : "";
-  return value > 0 ? data.positive : data.negative;
+  if (data.negative === null || value === 0) return "";
+  return value > 0 ? ` (positive: ${data.positive})` : ` (negative: ${data.negative})`;
 }
 
 export function valueText(data: MapData, code: number): string {
@@ -31,9 +32,8 @@ export function valueText(data: MapData, code: number): string {
   if (Number.isNaN(value)) return "none here";
   const { step } = data.effect;
   const shown = data.negative === null ? plain(value, decimalsOf(step)) : signed(value, decimalsOf(step));
-  const words = signWords(data, value);
-  const number = withUnit(step > 0 ? `${shown} ± ${halfStep(step)}` : shown, data.unit);
-  return words === "" ? number : `${number}: ${words}`;
+  const rounded = step > 0 ? `${shown} ± ${halfStep(step)}` : shown;
+  return withUnit(rounded, data.unit) + signWords(data, value);
 }
 
 export function probabilityText(data: MapData, code: number): string {
@@ -57,19 +57,25 @@ function codeAt(codes: ArrayLike<number> | null, place: number): number {
   return place < 0 ? 0 : (codes?.[place] ?? 0);
 }
 
-export function readout(
-  grid: GridData,
-  names: ViewData,
-  view: LoadedView,
-  map: LoadedMap,
-  voxel: Triple,
-): Line[] {
+// Whether the voxel at a place of the mask reaches the threshold.
+function reachedText({ map, rule }: Judged, place: number): string {
+  const value = effectOf(map.data.effect, codeAt(map.effect, place));
+  if (Number.isNaN(value)) return "none here";
+  const log = map.data.p === null ? NaN : logOf(map.data.p, codeAt(map.p, place));
+  return rule.reaches({ value, log }) ? "reached" : "not reached";
+}
+
+export type Judged = Pick<Shown, "view" | "map" | "rule">;
+
+export function readout(grid: GridData, names: ViewData, shown: Judged, voxel: Triple): Line[] {
+  const { view, map } = shown;
   const offset = offsetOf(grid.size, voxel);
   const place = view.backdrop.places[offset] ?? -1;
   const lines = placeLines(grid, voxel);
   const outside = place < 0 ? "outside the mask" : null;
   lines.push({ name: "Value", text: outside ?? valueText(map.data, codeAt(map.effect, place)) });
   lines.push({ name: "p", text: outside ?? probabilityText(map.data, codeAt(map.p, place)) });
+  lines.push({ name: "Threshold", text: outside ?? reachedText(shown, place) });
   const inside = view.region[offset] ? `part of ${names.reference}` : "outside the reference";
   lines.push({ name: "Region", text: inside });
   if (view.direction !== null) {

@@ -1,5 +1,5 @@
 // Which map is shown, and how: a choice and check boxes.
-import type { ViewData } from "../data/page_data";
+import type { MapData, ViewData } from "../data/page_data";
 import { freshId, make } from "../page/dom";
 import type { OverlayOptions } from "./overlay";
 
@@ -13,12 +13,16 @@ export class Switches {
   constructor(view: ViewData, chosen: (kind: string) => void, changed: () => void) {
     const label = make("label", { text: "Map", attributes: { for: this.select.id } });
     this.select.append(
-      ...view.maps.map((map) => make("option", { text: map.title, attributes: { value: map.kind } })),
+      ...view.maps.map((map) => make("option", { text: mapName(map), attributes: { value: map.kind } })),
     );
     this.select.addEventListener("change", () => {
       chosen(this.select.value);
     });
-    this.element = make("div", { class: "switches" }, make("div", { class: "map-choice" }, label, this.select));
+    this.element = make(
+      "div",
+      { class: "switches" },
+      make("div", { class: "map-choice" }, label, this.select),
+    );
     const boxes = [this.shown, this.hideBelow, ...(view.direction === null ? [] : [this.faint])];
     for (const { label: each, box } of boxes) {
       this.element.append(each);
@@ -41,6 +45,10 @@ export class Switches {
       faintUnsupported: this.faint.box.checked,
     };
   }
+}
+
+function mapName({ kind, title }: MapData): string {
+  return title.startsWith(kind) ? title : `${kind}: ${title}`;
 }
 
 function checkBox(text: string, checked: boolean): { label: HTMLElement; box: HTMLInputElement } {

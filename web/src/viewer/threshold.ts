@@ -15,9 +15,9 @@ export interface Stored {
 }
 
 export interface Rule {
-  reaches(stored: Stored): boolean;
+  readonly reaches: (stored: Stored) => boolean;
   // Opacity of a voxel, 0 ... 1; 1 where it reaches the threshold.
-  opacity(stored: Stored): number;
+  readonly opacity: (stored: Stored) => number;
 }
 
 // The most that a voxel below the threshold gets: the step at the threshold stays visible.
@@ -71,12 +71,20 @@ export function highestLog({ data, p }: LoadedMap): number {
 
 const kUsualLog = 3; // p = 0.001
 
-// What a map starts with: the first stored threshold that a voxel survives; else p = 0.001 or the
-// highest p there is; a map without p at half its full colour.
+const kUsualQ = 0.05;
+
+// The stored threshold for the usual q where a voxel survives it, else the first that one survives.
+function storedThreshold({ thresholds }: MapData): Threshold | null {
+  const survived = thresholds.flatMap(({ q, value }) => (value === null ? [] : [{ q, level: value }]));
+  const chosen = survived.find(({ q }) => q === kUsualQ) ?? survived[0];
+  return chosen === undefined ? null : { by: "magnitude", ...chosen };
+}
+
+// What a map starts with: a stored threshold; else p = 0.001 or the highest p there is; a map without p
+// at half its full colour.
 export function firstThreshold(map: LoadedMap): Threshold {
-  for (const { q, value } of map.data.thresholds) {
-    if (value !== null) return { by: "magnitude", level: value, q };
-  }
+  const stored = storedThreshold(map.data);
+  if (stored !== null) return stored;
   if (map.p === null) return { by: "magnitude", level: map.data.fullColour / 2, q: null };
   const highest = highestLog(map);
   return { by: "p", level: Number.isNaN(highest) ? kUsualLog : Math.min(kUsualLog, highest) };

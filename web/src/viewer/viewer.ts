@@ -1,20 +1,19 @@
 // The viewer of one view: three planes, the maps of one reference and condition over the underlay.
 import { clampVoxel, middleOf } from "../data/grid";
 import { loadMap, loadView, type Backdrop, type LoadedMap, type LoadedView } from "../data/loaded_view";
-import type { GridData, MapData, Triple, ViewData } from "../data/page_data";
+import type { GridData, Triple, ViewData } from "../data/page_data";
 import type { VolumeStore } from "../data/volume_store";
 import { Announcer } from "../page/announcer";
-import { opacityOf, painterOf } from "./overlay";
 import { kPlanes, stepped } from "./planes";
 import type { Action } from "./keys";
 import { scaleFor } from "./layout";
-import { colourBar, legendWords } from "./legend";
 import { PlaneView } from "./plane_view";
 import { readout, type Line } from "./readout";
 import { ReadoutList, spoken } from "./readout_list";
-import type { Painter } from "./slice_pixels";
 import { Switches } from "./switches";
-import { firstThreshold, ruleOf, type Threshold } from "./threshold";
+import { repainted, shownMap, type Shown } from "./shown";
+import { strongestVoxel } from "./strongest";
+import { firstThreshold, type Threshold } from "./threshold";
 import { ThresholdControl } from "./threshold_control";
 import { viewerParts } from "./viewer_parts";
 
@@ -38,8 +37,8 @@ export class Viewer {
   private readonly planes: readonly PlaneView[];
   private readonly thresholds = new Map<string, Threshold>(); // by kind: each map keeps its own
   private readonly view: Promise<LoadedView>;
-  private shown: { view: LoadedView; map: LoadedMap; paint: Painter } | null = null;
-  private voxel: Triple;
+  private shown: Shown | null = null;
+  private voxel: Triple | null = null; // null: the strongest of the first map
   private asked: string | null = null; // the kind chosen last, drawn or on its way
 
   constructor(
@@ -47,7 +46,6 @@ export class Viewer {
     private readonly source: ViewSource,
     private readonly names: ViewData,
   ) {
-    this.voxel = middleOf(source.grid);
     this.switches = new Switches(
       names,
       (kind) => void this.choose(kind),
@@ -76,6 +74,7 @@ export class Viewer {
   async jump(kind: string, voxel: Triple): Promise<void> {
     await this.choose(kind);
     this.move(voxel);
+    this.announcer.say(`${this.shown?.map.data.title ?? ""}. ${spoken(this.lines())}`);
     this.planes[0]?.element.focus({ preventScroll: true });
   }
 
@@ -103,34 +102,28 @@ export class Viewer {
   }
 
   private showMap(view: LoadedView, map: LoadedMap): void {
-    this.shown = { view, map, paint: painterOf(view, map, null) };
+    this.voxel ??= strongestVoxel(this.source.grid.size, view.backdrop, map);
     this.switches.showKind(map.data.kind);
     this.control.setMap(map);
-    this.showLegend(map.data);
-    this.setThreshold(this.thresholds.get(map.data.kind) ?? firstThreshold(map));
+    this.parts.showLegend(map.data, this.source.underlayName);
+    this.show(view, map, this.thresholds.get(map.data.kind) ?? firstThreshold(map));
     this.parts.ready();
   }
 
-  private showLegend(data: MapData): void {
-    const words = legendWords(data, this.source.underlayName, this.names.direction !== null);
-    this.parts.legend.replaceChildren(colourBar(data));
-    this.parts.legendWords.textContent = words;
+  private show(view: LoadedView, map: LoadedMap, threshold: Threshold): void {
+    this.thresholds.set(map.data.kind, threshold);
+    this.control.show(threshold, map);
+    this.shown = shownMap(view, map, threshold, this.switches.options());
+    this.draw();
   }
 
   private setThreshold(threshold: Threshold): void {
-    if (this.shown === null) return;
-    this.thresholds.set(this.shown.map.data.kind, threshold);
-    this.control.show(threshold, this.shown.map);
-    this.repaint();
+    if (this.shown !== null) this.show(this.shown.view, this.shown.map, threshold);
   }
 
   private repaint(): void {
-    const threshold = this.shown && this.thresholds.get(this.shown.map.data.kind);
-    if (this.shown === null || !threshold) return;
-    const { view, map } = this.shown;
-    const options = this.switches.options();
-    const opacity = options.shown ? opacityOf(view, map, ruleOf(threshold, map), options) : null;
-    this.shown = { view, map, paint: painterOf(view, map, opacity) };
+    if (this.shown === null) return;
+    this.shown = repainted(this.shown, this.switches.options());
     this.draw();
   }
 
@@ -141,7 +134,7 @@ export class Viewer {
   }
 
   private act(action: Action): void {
-    if (action.do === "move") this.move(stepped(this.voxel, action.axis, action.by));
+    if (action.do === "move") this.move(stepped(this.place(), action.axis, action.by));
     if (action.do === "threshold") {
       this.setThreshold(this.control.neighbour(action.by));
       this.announcer.say(this.control.text());
@@ -153,15 +146,19 @@ export class Viewer {
     }
   }
 
+  private place(): Triple {
+    return this.voxel ?? middleOf(this.source.grid);
+  }
+
   private lines(): Line[] {
     if (this.shown === null) return [];
-    return readout(this.source.grid, this.names, this.shown.view, this.shown.map, this.voxel);
+    return readout(this.source.grid, this.names, this.shown, this.place());
   }
 
   private draw(): void {
     if (this.shown === null) return;
     const { view, paint } = this.shown;
-    for (const plane of this.planes) plane.draw({ voxel: this.voxel, paint, region: view.region });
+    for (const plane of this.planes) plane.draw({ voxel: this.place(), paint, region: view.region });
     this.list.show(this.lines());
   }
 

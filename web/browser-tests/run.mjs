@@ -1,0 +1,11 @@
+// Runs the browser tests over the fixture and the files that TAVMAP_REPORTS names (colons between them).
+import { spawnSync } from "node:child_process";
+import { readdirSync } from "node:fs";
+import { fileURLToPath } from "node:url";
+
+const here = fileURLToPath(new URL(".", import.meta.url));
+const files = readdirSync(here).filter((name) => name.endsWith(".test.mjs"));
+const { status } = spawnSync(process.execPath, ["--test", ...files.map((name) => here + name)], {
+  stdio: "inherit",
+});
+process.exitCode = status ?? 1;

@@ -16,6 +16,7 @@ constexpr const char* kReadme =
     "it\n"
     "*Status_dseg.nii.gz            why each voxel has the value it has; codes likewise\n"
     "*Direction_dseg.nii.gz         whose lead is supported by a test with reversed time; codes likewise\n"
+    "*_evidence.json                what stands behind the maps: histograms, spectra, residuals\n"
     "*_timeseries.tsv               the reference's mean time course after preparation\n"
     "*_tavmap.json                  everything about one reference; written last\n"
     "*.tav, *.log                   the same maps as one file with the text of the computation\n"

@@ -84,7 +84,7 @@ TEST_F(EvidenceRun, TheCurveHoldsWhatThresholdsRestOn) {
     const study::Evidence kept = evidence(condition);
     for (std::size_t m = 0; m < kept.maps.size(); ++m) {
       const study::SearchEvidence& search = kept.maps[m].search;
-      EXPECT_EQ(search.fdrConstant, made.model.settings.fdrConstant);
+      if (!search.empty()) { EXPECT_EQ(search.fdrConstant, made.model.settings.fdrConstant); }
       const auto isWithin = [&](std::size_t i, double q) {
         return search.p[i] <=
                static_cast<double>(search.ranks[i]) / static_cast<double>(search.voxels) * q / search.fdrConstant;

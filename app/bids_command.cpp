@@ -24,7 +24,7 @@ namespace {
 
 struct BidsArguments {
   study::BidsOptions options;
-  std::string level, bidsDir, outDir, workDir, filterFile, configFile, atlas, atlasTable, drop;
+  std::string level, bidsDir, outDir, workDir, filterFile, configFile, atlas, atlasTable, anatomy, drop;
   std::vector<std::string> derivatives, confounds;
   std::string memory;
   double fdThreshold = -1, trSeconds = 0;
@@ -78,6 +78,7 @@ int participants(const BidsArguments& arguments) {
   options.workDir = arguments.workDir;
   options.atlas = arguments.atlas;
   options.atlasTable = arguments.atlasTable;
+  options.anatomy = arguments.anatomy;
   options.derivatives.assign(arguments.derivatives.begin(), arguments.derivatives.end());
   readConfiguration(arguments, options);
   study::StudyOptions run;
@@ -144,6 +145,9 @@ void addInputOptions(CLI::App& command, BidsArguments& arguments) {
       "--atlas-table", arguments.atlasTable,
       "Names of its labels (.tsv or a table of FreeSurfer, MRtrix, FSL or Schaefer); default: the "
       ".tsv beside it");
+  command.add_option("--anatomy", arguments.anatomy,
+                     "Image that pictures draw maps on, in the space of the runs, or 'none'; default: the "
+                     "preprocessed T1w of that space");
   command.add_option("--labels", arguments.options.labels, "Labels to take, names or indices; default: all");
   command.add_option("--trial-types,--trial_types", arguments.options.trialTypes,
                      "Trial types, one condition each; default: whole runs");

@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "bids/bids_anatomy.h"
 #include "request/problem.h"
 
 namespace study {
@@ -95,6 +96,16 @@ void requireEvents(const std::vector<ConditionRequest>& conditions, const RunReq
   }
 }
 
+std::filesystem::path anatomyOf(const BidsGroup& group, const BidsOptions& options) {
+  if (options.anatomy == kNoAnatomy) return {};
+  return options.anatomy.empty() ? findAnatomy(group.runs[0]) : options.anatomy;
+}
+
+void requireAnatomy(const std::filesystem::path& file) {
+  if (file.empty() || file == kNoAnatomy || std::filesystem::is_regular_file(file)) return;
+  throw InputError(fmt::format("no anatomy {}; --anatomy names an image, or says {}", file.string(), kNoAnatomy));
+}
+
 Request groupRequest(const BidsGroup& group, const BidsOptions& options, Request request) {
   request.title = group.entities();
   request.settings = options.configuration.settings;
@@ -110,6 +121,7 @@ Request groupRequest(const BidsGroup& group, const BidsOptions& options, Request
   for (ConditionRequest& condition : request.conditions) {
     for (const RunRequest& run : request.runs) condition.parts.push_back({run.name, run.name, {}});
   }
+  request.anatomy = anatomyOf(group, options);
   request.datasets["raw"] = options.bidsDir;
   for (std::size_t i = 0; i < options.derivatives.size(); ++i) {
     request.datasets["preprocessed" + (i == 0 ? std::string() : std::to_string(i + 1))] =
@@ -130,6 +142,7 @@ void requireOutputElsewhere(const std::filesystem::path& bidsDir, const std::fil
 
 BidsRequests bidsRequests(const BidsOptions& options) {
   requireOutputElsewhere(options.bidsDir, options.outDir);
+  requireAnatomy(options.anatomy);
   const std::vector<BidsGroup> groups = findBidsGroups(options.bidsDir, options.derivatives, options.query);
   Request shared;
   shared.references = references(options);

@@ -126,6 +126,7 @@ struct Request {
   std::vector<RunRequest> runs;
   std::vector<ReferenceRequest> references;
   std::vector<ConditionRequest> conditions;  // never empty once read
+  std::filesystem::path anatomy;             // that pictures draw maps on; changes no number; empty: none
   // Folders that sources are named relative to, by the name of the data set: "raw", "preprocessed".
   std::map<std::string, std::filesystem::path> datasets;
   bool operator==(const Request&) const = default;

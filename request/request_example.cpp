@@ -16,6 +16,7 @@ prefix = "oneback"            # result files begin with it; entities such as "su
 folder = "results"            # where results go
 #work_folder = "results/work" # imported runs, kept for the next time
 #seed = 20240101              # without it a seed is drawn; it is stored with every result
+#anatomy = "t1_small.nii.gz"  # for pictures, in the space of the runs on any grid; changes no number
 
 [settings]
 )";

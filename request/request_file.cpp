@@ -18,8 +18,8 @@ namespace study {
 namespace {
 
 // "title" and "datasets" are written by request_text.cpp alone.
-const std::vector<std::string> kTopKeys = {"prefix", "folder",    "work_folder", "seed",  "settings",
-                                           "run",    "reference", "condition",   "title", "datasets"};
+const std::vector<std::string> kTopKeys = {"prefix", "folder",    "work_folder", "seed",  "settings", "run",
+                                           "anatomy", "reference", "condition",   "title", "datasets"};
 
 std::string contents(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
@@ -154,6 +154,7 @@ Request parseRequest(std::string_view text, const std::string& name, const std::
   request.title = top.text("title", name);
   readOutput(top, place, request);
   readDatasets(top, place, request);
+  request.anatomy = existingFile(top, "anatomy", place);
   const toml::table* settings = top.subtable("settings");
   if (settings != nullptr) request.settings = parseSettings(*settings, name);
   readRuns(top, root, place, request);

@@ -39,6 +39,7 @@ void putHead(const Request& request, Lines& lines) {
   lines.text("prefix", request.output.prefix);
   lines.path("folder", request.output.folder);
   lines.path("work_folder", request.output.workFolder);
+  lines.path("anatomy", request.anatomy);
   if (request.seed) lines.integer("seed", *request.seed);
 }
 

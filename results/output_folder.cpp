@@ -16,7 +16,9 @@ constexpr const char* kReadme =
     "it\n"
     "*Status_dseg.nii.gz            why each voxel has the value it has; codes likewise\n"
     "*Direction_dseg.nii.gz         whose lead is supported by a test with reversed time; codes likewise\n"
+    "*_evidence.json                what stands behind the maps: histograms, spectra, residuals\n"
     "*_timeseries.tsv               the reference's mean time course after preparation\n"
+    "*_boldref.nii.gz, *_T1w.nii.gz images to draw maps on\n"
     "*_tavmap.json                  everything about one reference; written last\n"
     "*.tav, *.log                   the same maps as one file with the text of the computation\n"
     "group_tavmap.tsv               thresholds, counts and peaks of all records, once the group level has "
@@ -25,7 +27,13 @@ constexpr const char* kReadme =
     "are told by .bidsignore.\n";
 
 // Names that no published version of the standard knows yet, or never will.
-constexpr const char* kIgnored = "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n*_request.toml\n*_report.html\nindex.html\nfigures/\nwork/\n";
+constexpr const char* kIgnored = "*.tav
+                                     *.log * _tavmap.json * _tavmap.tsv * _statmap.**_seed -
+                                 **_desc -
+                                 mean_boldref.*
+                                         "
+                                         "*_desc-anatomy_T1w.*
+                                     * _request.toml * _report.html index.html figures / work / ";
 
 }  // namespace
 

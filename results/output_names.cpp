@@ -66,6 +66,14 @@ std::vector<std::string> labelsOf(const std::vector<std::string>& names, const c
   return labels;
 }
 
+std::string meanVolumeName(const std::string& prefix) {
+  return prefix + "_desc-mean_boldref.nii.gz";
+}
+
+std::string anatomyName(const std::string& prefix) {
+  return prefix + "_desc-anatomy_T1w.nii.gz";
+}
+
 OutputNames::OutputNames(std::string prefix, std::string seedLabel)
     : prefix_(std::move(prefix)), seed_(std::move(seedLabel)) {}
 

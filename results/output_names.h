@@ -20,6 +20,10 @@ namespace study {
 [[nodiscard]] std::vector<std::string> labelsOf(const std::vector<std::string>& names, const char* what,
                                                 const std::string& where);
 
+// Of a request: images that pictures draw maps on (study/underlays.h).
+[[nodiscard]] std::string meanVolumeName(const std::string& prefix);  // PREFIX_desc-mean_boldref.nii.gz
+[[nodiscard]] std::string anatomyName(const std::string& prefix);     // PREFIX_desc-anatomy_T1w.nii.gz
+
 // File names of one reference. prefix: entities or a plain word; seed: the reference's label.
 class OutputNames {
  public:

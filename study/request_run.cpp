@@ -12,6 +12,7 @@
 #include "study/earlier_results.h"
 #include "study/order_evidence.h"
 #include "study/reference_job.h"
+#include "study/underlays.h"
 
 namespace study {
 
@@ -54,6 +55,11 @@ double RequestRun::workOfReferences() const {
 void RequestRun::start() {
   folders_.enter(plan_.workFolder);
   folders_.enter(plan_.request.output.folder);
+  try {
+    if (!options_.ordersOnly) writeUnderlays(plan_);
+  } catch (const InputError& error) {
+    return fail({false, true, error.what(), ""}, plan_.request.title);
+  }
   pool_.expect(workOfReferences());
   for (std::size_t i = 0; i < plan_.runs.size(); ++i) {
     if (!isPrepared(plan_.runs[i], plan_.workFolder)) addImport(i);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "prepare/anatomy.h"
 #include "prepare/cautions.h"
 #include "prepare/fingerprint.h"
 #include "prepare/region_files.h"
@@ -32,6 +33,7 @@ void makeAbsolute(Request& request) {
     makeAbsolute(reference.image);
     makeAbsolute(reference.table);
   }
+  makeAbsolute(request.anatomy);
   for (auto& [name, root] : request.datasets) makeAbsolute(root);
   if (request.output.workFolder.empty()) request.output.workFolder = request.output.folder / "work";
   // Outside BIDS sources are named relative to the folder of the first run.
@@ -153,6 +155,7 @@ StudyPlan planStudy(const Request& request, std::uint32_t seed, const std::strin
   plan.seed = seed;
   planRuns(plan);
   requireOneGrid(plan.runs);
+  requireUsableAnatomy(plan.request.anatomy, plan.runs[0]);
   scaleRuns(plan);
   plan.space = regionSpace(plan.runs, request.settings.method);
   plan.regions = readRegions(plan.request, plan.space);

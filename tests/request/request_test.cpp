@@ -44,6 +44,14 @@ TEST_F(RequestFile, PathsAreRelativeToTheRequest) {
   EXPECT_EQ(parse(kRun + kReference).runs[0].bold, scratch_.folder() / "bold.nii.gz");
 }
 
+TEST_F(RequestFile, AnAnatomyMayBeNamed) {
+  EXPECT_EQ(parse(kRun + kReference).anatomy, "");
+  EXPECT_EQ(problem("anatomy = 't1.nii.gz'\n" + kRun + kReference).substr(0, 60),
+            "r.toml:1: 'anatomy' in the request names a file that does no");
+  scratch_.write("t1.nii.gz");
+  EXPECT_EQ(parse("anatomy = 't1.nii.gz'\n" + kRun + kReference).anatomy, scratch_.folder() / "t1.nii.gz");
+}
+
 TEST_F(RequestFile, KeysOfEndlessPartsAreRefusedAndLongListsAreNot) {
   std::string key = "a", list = "settings = { q = [0.5";
   for (int i = 0; i < 4001; ++i) key += ".a";
@@ -82,7 +90,7 @@ TEST_F(RequestFile, ConditionsKeepTheirDelayGapAndLeastVolumes) {
 // Every commented key of the example must be a key that exists, with a value in range.
 TEST_F(RequestFile, TheCommentedKeysOfTheExampleAreValidToo) {
   for (const char* name : {"bold_small.nii.gz", "mask_small.nii.gz", "dseg_small.nii.gz", "dseg_small.tsv",
-                           "seed_mask.nii.gz"}) {
+                           "seed_mask.nii.gz", "t1_small.nii.gz"}) {
     scratch_.write(name);
   }
   std::string text = exampleRequest();

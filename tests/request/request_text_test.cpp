@@ -75,6 +75,7 @@ class RequestText : public ::testing::Test {
     request.runs = {run("a"), run("b")};
     request.references = references();
     request.conditions = conditions();
+    request.anatomy = file("t1.nii.gz");
     request.datasets = {{"raw", "/data"}, {"pre processed", "/data/derivatives"}};
     return request;
   }
@@ -92,6 +93,7 @@ TEST_F(RequestText, ReadsBackToAnEqualRequest) {
   EXPECT_EQ(back.references, given.references);
   EXPECT_EQ(back.conditions, given.conditions);
   EXPECT_EQ(back.datasets, given.datasets);
+  EXPECT_EQ(back.anatomy, given.anatomy);
   EXPECT_EQ(back, given);
 }
 

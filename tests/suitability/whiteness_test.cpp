@@ -48,6 +48,23 @@ TEST(LjungBox, TakesNoMoreLagsThanAFifthOfTheSamples) {
   EXPECT_EQ(suitability::ljungBox(modelOf(0, 51, 1, 5))->degrees, 10);
 }
 
+// Over two stretches: products run within each, shares are of all squares.
+TEST(ResidualCorrelations, AreThoseOfTheResidualsLagByLag) {
+  suitability::OwnModel model = modelOf(0.5, 40, 1, 6);
+  model.residuals = {{1, 2, -1}, {3, 1}};
+  const auto found = suitability::residualCorrelations(model, 3);
+  ASSERT_EQ(found.size(), 3U);
+  const std::vector<double> sums = {2 - 2 + 3, -1, 0}, pairs = {3, 1, 0};
+  const std::vector<double> expected = suitability::detrendingBias(model, 3);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(found[i].seen, sums[i] / 16);
+    EXPECT_EQ(found[i].pairs, pairs[i]);
+    EXPECT_EQ(found[i].expected, expected[i]);
+  }
+  model.residuals = {{0, 0, 0}};
+  EXPECT_TRUE(suitability::residualCorrelations(model, 3).empty());
+}
+
 // The mean autocorrelations of residuals over many simulated runs of 40 intervals.
 TEST(DetrendingBias, IsWhatSimulationsShow) {
   std::vector<suitability::Interval> intervals;

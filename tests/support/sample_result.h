@@ -94,6 +94,7 @@ inline study::ConditionResult faces() {
                     {tav::DTAV_RC, "faces_rc.nii.gz", {}, 0.875, {15, 18, 21}, {19.5, -20.5, 21.25}}};
   condition.direction = {0.035, "faces_direction.nii.gz", {920, 33, 34, 35, 36}};
   condition.clustersFile = "faces_clusters.tsv";
+  condition.evidenceFile = "faces_evidence.json";
   return condition;
 }
 

@@ -20,6 +20,8 @@ constexpr const char* kReadme =
     "*_timeseries.tsv               the reference's mean time course after preparation\n"
     "*_boldref.nii.gz, *_T1w.nii.gz images to draw maps on\n"
     "*_tavmap.json                  everything about one reference; written last\n"
+    "*_report.html                  everything to read, in one page; figures/ has its pictures\n"
+    "*_request.toml                 what was asked for; `tavmap run` on it, in its place, gives the same\n"
     "*.tav, *.log                   the same maps as one file with the text of the computation\n"
     "group_tavmap.tsv               thresholds, counts and peaks of all records, once the group level has "
     "run\n\n"
@@ -27,13 +29,9 @@ constexpr const char* kReadme =
     "are told by .bidsignore.\n";
 
 // Names that no published version of the standard knows yet, or never will.
-constexpr const char* kIgnored = "*.tav
-                                     *.log * _tavmap.json * _tavmap.tsv * _statmap.**_seed -
-                                 **_desc -
-                                 mean_boldref.*
-                                         "
-                                         "*_desc-anatomy_T1w.*
-                                     * _request.toml * _report.html index.html figures / work / ";
+constexpr const char* kIgnored =
+    "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n*_desc-mean_boldref.*\n"
+    "*_desc-anatomy_T1w.*\n*_request.toml\n*_report.html\nindex.html\nfigures/\nwork/\n";
 
 }  // namespace
 

@@ -34,6 +34,7 @@ Request relativeTo(const fs::path& folder, Request request) {
   for (ReferenceRequest& reference : request.references)
     for (fs::path* path : {&reference.image, &reference.table}) make(*path);
   for (auto& [name, dataset] : request.datasets) make(dataset);
+  make(request.anatomy);
   make(request.output.workFolder);
   request.output.folder = ".";
   return request;

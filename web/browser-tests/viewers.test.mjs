@@ -8,7 +8,7 @@ import {
   launch,
   open,
   readoutOf,
-  reports,
+  reportsWithData,
   voxelOf,
 } from "./browser.mjs";
 

@@ -27,7 +27,8 @@ constexpr const char* kReadme =
     "are told by .bidsignore.\n";
 
 // Names that no published version of the standard knows yet, or never will.
-constexpr const char* kIgnored = "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n"
+constexpr const char* kIgnored =
+    "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n"
     "*_desc-mean_boldref.*\n*_desc-anatomy_T1w.*\nwork/\n";
 
 }  // namespace

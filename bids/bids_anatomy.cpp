@@ -17,7 +17,8 @@ bool isAnatomyOf(const BidsName& name, const BidsName& run) {
   const std::string space = run.get("space");
   const bool isImage = name.extension == ".nii.gz" || name.extension == ".nii";
   if (name.suffix != "T1w" || !isImage || name.get("desc") != "preproc") return false;
-  if (name.get("sub") != run.get("sub") || (name.has("ses") && name.get("ses") != run.get("ses"))) return false;
+  if (name.get("sub") != run.get("sub") || (name.has("ses") && name.get("ses") != run.get("ses")))
+    return false;
   if (name.get("space") != (space == "T1w" ? "" : space)) return false;
   return std::all_of(name.entities.begin(), name.entities.end(),
                      [](const auto& entity) { return known.count(entity.first) > 0; });

@@ -103,7 +103,8 @@ std::filesystem::path anatomyOf(const BidsGroup& group, const BidsOptions& optio
 
 void requireAnatomy(const std::filesystem::path& file) {
   if (file.empty() || file == kNoAnatomy || std::filesystem::is_regular_file(file)) return;
-  throw InputError(fmt::format("no anatomy {}; --anatomy names an image, or says {}", file.string(), kNoAnatomy));
+  throw InputError(
+      fmt::format("no anatomy {}; --anatomy names an image, or says {}", file.string(), kNoAnatomy));
 }
 
 Request groupRequest(const BidsGroup& group, const BidsOptions& options, Request request) {

@@ -19,7 +19,7 @@ struct BidsOptions {
   std::vector<std::filesystem::path> derivatives;
   BidsQuery query;
   std::filesystem::path atlas, atlasTable;  // a label image; empty: references come from the configuration
-  std::filesystem::path anatomy;  // empty: as findAnatomy() finds it for each; kNoAnatomy: none
+  std::filesystem::path anatomy;            // empty: as findAnatomy() finds it for each; kNoAnatomy: none
   std::vector<std::string> labels;          // names or indices; empty or "all": all of them
   std::vector<std::string> trialTypes;      // one condition each; empty: the configuration's, else whole runs
   double delaySeconds = 0;                  // for trialTypes
@@ -35,10 +35,10 @@ struct BidsRequests {
       failures;  // one per participant, session and task without a request: whose, and why
 };
 
-// Throws InputError as findBidsGroups does, when there is no reference or no such anatomy, and when an option and the
-// configuration contradict each other. A run that lacks the events or confounds that it needs costs its
-// own participant, session and task the request; when there are no others it is an InputError. Outputs are
-// named after the entities that the runs of a group share.
+// Throws InputError as findBidsGroups does, when there is no reference or no such anatomy, and when an option
+// and the configuration contradict each other. A run that lacks the events or confounds that it needs costs
+// its own participant, session and task the request; when there are no others it is an InputError. Outputs
+// are named after the entities that the runs of a group share.
 [[nodiscard]] BidsRequests bidsRequests(const BidsOptions& options);
 
 }  // namespace study

@@ -23,9 +23,9 @@ auto readAnatomy(const std::filesystem::path& anatomy, Read read) {
   try {
     return read(anatomy.string());
   } catch (const formats::FileError& error) {
-    throw InputError(fmt::format(
-        "the anatomy {} cannot be read: {}. Give another image, or none: no number depends on it",
-        anatomy.string(), error.reason()));
+    throw InputError(
+        fmt::format("the anatomy {} cannot be read: {}. Give another image, or none: no number depends on it",
+                    anatomy.string(), error.reason()));
   }
 }
 
@@ -35,15 +35,15 @@ void requireUsableAnatomy(const std::filesystem::path& anatomy, const RunPlan& r
   if (anatomy.empty()) return;
   const formats::ImageHeader header = readAnatomy(anatomy, formats::readImageHeader);
   if (header.volumes != 1)
-    throw InputError(fmt::format("the anatomy {} has {} volumes; give an image of one", anatomy.string(),
-                                 header.volumes));
+    throw InputError(
+        fmt::format("the anatomy {} has {} volumes; give an image of one", anatomy.string(), header.volumes));
   if (formats::determinant(header.affine) == 0)
     throw InputError(fmt::format("the anatomy {}: its affine cannot be inverted; the header is damaged",
                                  anatomy.string()));
   if (!overlaps(gridOf(header), run.grid))
-    throw InputError(
-        fmt::format("the anatomy {} lies nowhere in the grid of {}; give one in the space of the runs, or none",
-                    anatomy.string(), run.request.bold.string()));
+    throw InputError(fmt::format(
+        "the anatomy {} lies nowhere in the grid of {}; give one in the space of the runs, or none",
+        anatomy.string(), run.request.bold.string()));
 }
 
 std::vector<float> anatomyOnGrid(const std::filesystem::path& anatomy, const Grid& grid) {

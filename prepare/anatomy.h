@@ -10,8 +10,8 @@
 
 namespace study {
 
-// Looks at the header alone; an empty path is fine. Throws InputError for a file that cannot be read, a series,
-// an image whose affine cannot be inverted, and one that lies nowhere in the run's grid.
+// Looks at the header alone; an empty path is fine. Throws InputError for a file that cannot be read, a
+// series, an image whose affine cannot be inverted, and one that lies nowhere in the run's grid.
 void requireUsableAnatomy(const std::filesystem::path& anatomy, const RunPlan& run);
 
 // The anatomy at the voxels of the grid (resample.h). Throws InputError for a file that is damaged.

@@ -19,8 +19,8 @@ struct RunPlan {
   RunRequest request;
   Grid grid;
   RunVolumes volumes;
-  std::vector<bool> kept;  // one flag per stored volume
-  int censored = 0;        // volumes above the motion threshold, or beside one
+  std::vector<bool> kept;     // one flag per stored volume
+  int censored = 0;           // volumes above the motion threshold, or beside one
   Displacement displacement;  // as the confounds table has it, per stored volume; changes no result
   std::vector<std::string> confoundNames;
   std::vector<std::vector<double>> confounds;  // from the first volume that is not dropped

@@ -18,7 +18,7 @@ namespace study {
 namespace {
 
 // "title" and "datasets" are written by request_text.cpp alone.
-const std::vector<std::string> kTopKeys = {"prefix", "folder",    "work_folder", "seed",  "settings", "run",
+const std::vector<std::string> kTopKeys = {"prefix",  "folder",    "work_folder", "seed",  "settings", "run",
                                            "anatomy", "reference", "condition",   "title", "datasets"};
 
 std::string contents(const std::filesystem::path& file) {

@@ -1,7 +1,7 @@
-// What stands behind the maps of one reference and condition: the values that maps and surrogates have, how the
-// thresholds were found, and what each run's course of the reference is like. Plain values, for reports; what
-// reads them reads this, evidence_json.h alone knows how they are written. Members that are empty (or unset) had
-// nothing to say.
+// What stands behind the maps of one reference and condition: the values that maps and surrogates have, how
+// the thresholds were found, and what each run's course of the reference is like. Plain values, for reports;
+// what reads them reads this, evidence_json.h alone knows how they are written. Members that are empty (or
+// unset) had nothing to say.
 #ifndef TAVMAP_RESULTS_EVIDENCE_H
 #define TAVMAP_RESULTS_EVIDENCE_H
 
@@ -19,8 +19,8 @@ namespace study {
 // Of a map's values and of its null values (of all draws together) in bins between neighbouring edges, a bin
 // holding its lower edge, the last one both. Values that are not numbers are in none.
 struct MapHistogram {
-  std::vector<double> edges;                // ascending, equally spaced
-  std::vector<std::size_t> observed, null;  // one fewer than edges
+  std::vector<double> edges;                         // ascending, equally spaced
+  std::vector<std::size_t> observed, null;           // one fewer than edges
   std::size_t observedBelow = 0, observedAbove = 0;  // values beyond the edges
   std::size_t nullBelow = 0, nullAbove = 0;
   bool operator==(const MapHistogram&) const = default;
@@ -57,11 +57,11 @@ struct SpectrumEvidence {
 
 // Of the reference's own model (suitability/whiteness.h).
 struct ResidualEvidence {
-  std::size_t residuals = 0;               // how many
-  std::vector<double> correlations;        // at lags 1 ... 20, as far as there are pairs
-  std::vector<double> expected;            // of white errors
-  double bound = 0;                        // 95 % of those of white errors lie that close to `expected`
-  std::optional<double> ljungBox, p;       // unset: no degree of freedom
+  std::size_t residuals = 0;          // how many
+  std::vector<double> correlations;   // at lags 1 ... 20, as far as there are pairs
+  std::vector<double> expected;       // of white errors
+  double bound = 0;                   // 95 % of those of white errors lie that close to `expected`
+  std::optional<double> ljungBox, p;  // unset: no degree of freedom
   int degreesOfFreedom = 0;
   [[nodiscard]] bool empty() const { return residuals == 0; }
   bool operator==(const ResidualEvidence&) const = default;
@@ -77,7 +77,7 @@ struct PredictabilityEvidence {
 
 // Frame-wise displacement of all stored volumes.
 struct MotionEvidence {
-  std::string source;              // in words
+  std::string source;                // in words
   std::vector<double> displacement;  // millimetres; NaN where there is none
   [[nodiscard]] bool empty() const { return displacement.empty(); }
   bool operator==(const MotionEvidence&) const = default;

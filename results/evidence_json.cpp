@@ -104,15 +104,15 @@ void requireLength(std::size_t length, std::initializer_list<std::size_t> others
                    const std::string& where) {
   for (const std::size_t other : others) {
     if (other == length) continue;
-    throw formats::FileError(
-        path, fmt::format("{}: {} numbers where {} belong", where, other, length), FieldReader::kRemedy);
+    throw formats::FileError(path, fmt::format("{}: {} numbers where {} belong", where, other, length),
+                             FieldReader::kRemedy);
   }
 }
 
 void requireWhole(const MapEvidence& map, const std::string& path, const std::string& where) {
   const MapHistogram& bins = map.histogram;
-  requireLength(bins.edges.empty() ? 0 : bins.edges.size() - 1, {bins.observed.size(), bins.null.size()}, path,
-                where + ".Histogram");
+  requireLength(bins.edges.empty() ? 0 : bins.edges.size() - 1, {bins.observed.size(), bins.null.size()},
+                path, where + ".Histogram");
   requireLength(map.search.ranks.size(), {map.search.magnitudes.size(), map.search.p.size()}, path,
                 where + ".Search");
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kShareLeftOut = 0.0005;  // of the null values, at either end
 
-constexpr double kNarrowest = 1e-6;       // range, as a share of its values
+constexpr double kNarrowest = 1e-6;  // range, as a share of its values
 
 struct Range {
   double low = std::numeric_limits<double>::infinity();

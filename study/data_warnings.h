@@ -32,8 +32,8 @@ struct ConditionFindings {
   std::vector<std::string> warnings;
 };
 
-// With the reference's name and the model order. codes: StatusCode per voxel; about 50 computed voxels, spread
-// evenly, are looked at. Throws formats::FileError.
+// With the reference's name and the model order. codes: StatusCode per voxel; about 50 computed voxels,
+// spread evenly, are looked at. Throws formats::FileError.
 [[nodiscard]] ConditionFindings lookAtCondition(const StudyPlan& plan, const std::string& reference,
                                                 const std::string& condition, std::vector<ConditionRun>& runs,
                                                 const std::vector<std::uint8_t>& codes);

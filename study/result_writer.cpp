@@ -150,8 +150,8 @@ void ResultWriter::requireComputed(std::size_t index, const ConditionResult& con
                                whyNothingIsComputed(runs, codes_, condition.effectiveVolumes, plan_.order)));
 }
 
-// What the same series say beside the maps: where data mislead, and which directions are supported. The plug-in's
-// procedure neither warns nor tests.
+// What the same series say beside the maps: where data mislead, and which directions are supported. The
+// plug-in's procedure neither warns nor tests.
 void ResultWriter::lookAtData(const tav::ConditionOutcome& outcome, const std::string& label,
                               ConditionResult& condition) {
   std::vector<ConditionRun> runs =

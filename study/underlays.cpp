@@ -32,7 +32,8 @@ Underlay meanVolume(const StudyPlan& plan) {
   const VolumeRange volumes = firstVolumes(run);
   Json sidecar;
   sidecar["Description"] = fmt::format(
-      "mean of volumes {} to {} of run '{}', in the unit of the image; to draw maps on, no result is made from it",
+      "mean of volumes {} to {} of run '{}', in the unit of the image; to draw maps on, no result is made "
+      "from it",
       volumes.first, volumes.last, run.request.name);
   sidecar["Sources"] = {sourceUri(plan.request, run.request.bold)};
   sidecar["Volumes"] = {volumes.first, volumes.last};
@@ -49,7 +50,8 @@ Underlay anatomy(const StudyPlan& plan) {
   const fs::path& file = plan.request.anatomy;
   Json sidecar;
   sidecar["Description"] =
-      "anatomy on the grid of the runs, by trilinear interpolation in millimetres, 0 outside; to draw maps on, no "
+      "anatomy on the grid of the runs, by trilinear interpolation in millimetres, 0 outside; to draw maps "
+      "on, no "
       "result is made from it";
   sidecar["Sources"] = {sourceUri(plan.request, file), sourceUri(plan.request, run.request.bold)};
   sidecar["SoftwareVersion"] = plan.version;
@@ -60,7 +62,8 @@ Underlay anatomy(const StudyPlan& plan) {
           [&file, &run] { return anatomyOnGrid(file, run.grid); }};
 }
 
-bool isThere(const Underlay& underlay, const fs::path& image, const fs::path& sidecar, const std::string& text) {
+bool isThere(const Underlay& underlay, const fs::path& image, const fs::path& sidecar,
+             const std::string& text) {
   std::error_code missing;
   const auto written = fs::last_write_time(image, missing);
   if (missing || !fs::exists(sidecar) || formats::readTextFile(sidecar.string()) != text) return false;

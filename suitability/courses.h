@@ -31,7 +31,7 @@ struct Courses {
   [[nodiscard]] int length() const { return static_cast<int>(reference.size()); }
   [[nodiscard]] double seconds() const { return length() * trSeconds; }
   [[nodiscard]] Interval longestInterval() const { return longestOf(intervals); }
-  [[nodiscard]] bool isUsed(int volume) const;     // whether an interval contains it
+  [[nodiscard]] bool isUsed(int volume) const;  // whether an interval contains it
   // At least a share of the voxels, and at least one.
   [[nodiscard]] bool areMany(std::size_t count, double share) const;
 };

@@ -29,8 +29,8 @@ struct SuitabilityInput {
   int confoundRank = 0;     // of what was regressed; 0 and not filtered: a raw run
 };
 
-// What the checks find in one run. Nothing when the reference is flat or not finite, or without a voxel that is
-// neither: the engine refuses those. Some 40 transforms and fits: milliseconds.
+// What the checks find in one run. Nothing when the reference is flat or not finite, or without a voxel that
+// is neither: the engine refuses those. Some 40 transforms and fits: milliseconds.
 [[nodiscard]] std::optional<RunFindings> findingsOf(const SuitabilityInput& input);
 
 // The warnings about one run, from what was found in it. Warnings about the run's voxels do not name the

@@ -45,8 +45,8 @@ struct OwnResiduals {
   OwnModel model;
   std::optional<LjungBox> test;
 };
-// The reference's, over the intervals of at least kShortestTested volumes: in shorter ones detrending hides what
-// there is to see. Nothing when there is no model.
+// The reference's, over the intervals of at least kShortestTested volumes: in shorter ones detrending hides
+// what there is to see. Nothing when there is no model.
 [[nodiscard]] std::optional<OwnResiduals> ownResiduals(const Courses& courses, int order);
 
 struct NotWhite {

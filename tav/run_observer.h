@@ -69,7 +69,7 @@ struct ConditionOutcome {
   FamilyWise familyWise;            // empty unless it was asked for
   // Raw null measures of all draws, in pieces; 0 where there is none. Valid during the call.
   std::vector<RawValues> nulls;
-  const TAV_Pars* request = nullptr;   // with which they become maps
+  const TAV_Pars* request = nullptr;  // with which they become maps
   std::vector<const VoiTc*> courses;  // of the reference, with its surrogates, one per set of the condition
 };
 

@@ -38,7 +38,8 @@ std::vector<std::size_t> spreadRanks(std::size_t last, const std::vector<std::si
   std::vector<std::size_t> ranks;
   for (const std::size_t rank : alsoAt)
     if (rank >= 1 && rank <= last) ranks.push_back(rank);
-  const std::size_t count = std::max(kMostSearchPoints - std::min(ranks.size(), kMostSearchPoints), kFewestSpread);
+  const std::size_t count =
+      std::max(kMostSearchPoints - std::min(ranks.size(), kMostSearchPoints), kFewestSpread);
   const double step = std::log(static_cast<double>(last)) / static_cast<double>(count - 1);
   for (std::size_t i = 0; i < count; ++i) {
     const auto rank = static_cast<std::size_t>(std::lround(std::exp(step * static_cast<double>(i))));

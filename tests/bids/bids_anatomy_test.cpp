@@ -73,8 +73,9 @@ TEST_F(BidsAnatomy, GoesIntoTheRequestUnlessAnotherOrNoneIsAskedFor) {
   options.anatomy = "none";
   EXPECT_EQ(bidsRequests(options).requests.at(0).anatomy, "");
   options.anatomy = scratch_.folder() / "absent.nii.gz";
-  EXPECT_NE(messageOf<InputError>([&] { return bidsRequests(options); }).find("absent.nii.gz; --anatomy names"),
-            std::string::npos);
+  EXPECT_NE(
+      messageOf<InputError>([&] { return bidsRequests(options); }).find("absent.nii.gz; --anatomy names"),
+      std::string::npos);
 }
 
 }  // namespace

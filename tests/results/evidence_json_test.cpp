@@ -66,8 +66,9 @@ TEST(Evidence, EveryValueIsNeededAndOfItsKind) {
     Json& parent = other[at.parent_pointer()];
     if (!parent.is_object() || mayBeMissing.count(at.back()) > 0) continue;
     parent.erase(at.back());
-    EXPECT_NE(messageOf<formats::FileError>([&] { return evidenceFromText(other.dump(), "e"); })
-                  .find("\"" + at.back() + "\" is missing"),
+    EXPECT_NE(messageOf<formats::FileError>([&] {
+                return evidenceFromText(other.dump(), "e");
+              }).find("\"" + at.back() + "\" is missing"),
               std::string::npos)
         << item.key();
     ++tried;
@@ -96,8 +97,7 @@ TEST(Evidence, ListsThatBelongTogetherAreEquallyLong) {
             begin + "Runs[0].Spectrum: 1 numbers where 2 belong" + end);
   EXPECT_EQ(problem("/Runs/0/Residuals/Expected", one),
             begin + "Runs[0].Residuals: 1 numbers where 2 belong" + end);
-  EXPECT_EQ(problem("/VoxelsBySlice/computed", one),
-            begin + "VoxelsBySlice: 1 numbers where 2 belong" + end);
+  EXPECT_EQ(problem("/VoxelsBySlice/computed", one), begin + "VoxelsBySlice: 1 numbers where 2 belong" + end);
 }
 
 TEST(Evidence, WhatIsNotFiniteIsNullThereAndBack) {

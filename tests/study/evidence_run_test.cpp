@@ -43,10 +43,10 @@ class EvidenceRun : public SmallStudyRun {
   }
   // A request with one run and region A; `ofRun`: further lines of the run.
   fs::path oneRun(const std::string& ofRun, const std::string& settings = "") {
-    return scratch_.write("one.toml",
-                          "prefix = 'small'\nseed = 5\n[settings]\nsurrogates = 120\n" + settings +
-                              "\n[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\n" + ofRun +
-                              "\n[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
+    return scratch_.write(
+        "one.toml", "prefix = 'small'\nseed = 5\n[settings]\nsurrogates = 120\n" + settings +
+                        "\n[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\n" + ofRun +
+                        "\n[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
   }
   study::RunEvidence onlyRun() const { return evidence(record().conditions.at(0)).runs.at(0); }
 };
@@ -84,16 +84,18 @@ TEST_F(EvidenceRun, TheCurveHoldsWhatThresholdsRestOn) {
     const study::Evidence kept = evidence(condition);
     for (std::size_t m = 0; m < kept.maps.size(); ++m) {
       const study::SearchEvidence& search = kept.maps[m].search;
-      if (!search.empty()) { EXPECT_EQ(search.fdrConstant, made.model.settings.fdrConstant); }
+      if (!search.empty()) {
+        EXPECT_EQ(search.fdrConstant, made.model.settings.fdrConstant);
+      }
       const auto isWithin = [&](std::size_t i, double q) {
-        return search.p[i] <=
-               static_cast<double>(search.ranks[i]) / static_cast<double>(search.voxels) * q / search.fdrConstant;
+        return search.p[i] <= static_cast<double>(search.ranks[i]) / static_cast<double>(search.voxels) * q /
+                                  search.fdrConstant;
       };
       for (const study::ThresholdResult& level : condition.maps[m].thresholds) {
         std::size_t last = search.ranks.size();
         for (std::size_t i = 0; i < search.ranks.size(); ++i)
           if (isWithin(i, level.q)) last = i;
-        ASSERT_EQ(last < search.ranks.size(), level.voxelsPassing > 0);
+        ASSERT_EQ(last<search.ranks.size(), level.voxelsPassing> 0);
         if (level.voxelsPassing == 0) continue;
         EXPECT_EQ(search.ranks[last], level.voxelsPassing);
         EXPECT_EQ(search.magnitudes[last], *level.threshold);

@@ -16,10 +16,10 @@ class UnderlaysRun : public SmallStudyRun {
  protected:
   // top: lines above the tables.
   fs::path request(const std::string& top = "", const std::string& ofRun = "") {
-    return scratch_.write("one.toml",
-                          "prefix = 'small'\nseed = 5\n" + top + "\n[settings]\nsurrogates = 40\nfwe_draws = 20\n" +
-                              "[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\n" + ofRun +
-                              "\n[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
+    return scratch_.write(
+        "one.toml", "prefix = 'small'\nseed = 5\n" + top + "\n[settings]\nsurrogates = 40\nfwe_draws = 20\n" +
+                        "[[run]]\nname = 'run1'\nbold = 'bold1.nii.gz'\nmask = 'mask.nii.gz'\n" + ofRun +
+                        "\n[[reference]]\nlabel_image = 'dseg.nii.gz'\nlabels = ['A']\n");
   }
   // A head of one value everywhere on voxels of 1 mm, around the corner of the runs' grid.
   void writeAnatomy(const std::string& name, float value, double away = 0) {
@@ -99,9 +99,11 @@ TEST_F(UnderlaysRun, AnUnusableAnatomyIsRefusedBeforeAnyWork) {
   scratch_.write("broken.nii.gz", "no image");
   writeAnatomy("cut.nii.gz", 7);
   fs::resize_file(folder() / "cut.nii.gz", fs::file_size(folder() / "cut.nii.gz") - 12);
-  for (const auto& [name, words] : std::map<std::string, std::string>{
-           {"far.nii.gz", "lies nowhere in the grid of"}, {"broken.nii.gz", "cannot be read"},
-           {"cut.nii.gz", "cannot be read"}, {"absent.nii.gz", "absent.nii.gz"}}) {
+  for (const auto& [name, words] :
+       std::map<std::string, std::string>{{"far.nii.gz", "lies nowhere in the grid of"},
+                                          {"broken.nii.gz", "cannot be read"},
+                                          {"cut.nii.gz", "cannot be read"},
+                                          {"absent.nii.gz", "absent.nii.gz"}}) {
     const ProgramResult refused = run(request("anatomy = '" + name + "'"));
     EXPECT_EQ(refused.exitCode, 2) << name;
     EXPECT_THAT(refused.err, HasSubstr(words)) << name;

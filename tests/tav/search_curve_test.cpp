@@ -76,8 +76,8 @@ TEST(SearchCurve, SaysWhatTheSearchDecidedBy) {
     std::size_t last = 0;
     float magnitude = 0;
     for (const tav::SearchPoint& point : curve.points) {
-      const double bound = static_cast<double>(point.rank) / static_cast<double>(curve.voxels) *
-                           static_cast<double>(qs[k]);
+      const double bound =
+          static_cast<double>(point.rank) / static_cast<double>(curve.voxels) * static_cast<double>(qs[k]);
       if (point.p <= bound) last = point.rank, magnitude = point.magnitude;
     }
     EXPECT_GT(last, 0U);

@@ -11,8 +11,7 @@ namespace app {
 namespace {
 
 constexpr const char* kFooter =
-    "Examples:\n  tavmap report results\n  tavmap report /out    every participant's, and index.html over "
-    "them";
+    "Examples:\n  tavmap report results\n  tavmap report /out    every participant's, and an index over them";
 
 int run(const std::string& folder) {
   for (const std::string& path : report::rebuildReports(folder)) std::cout << path << '\n';

@@ -30,6 +30,10 @@ class Upright {
   // The other way round: right, front and top of a voxel by its stored indices.
   [[nodiscard]] std::array<int, 3> position(const std::array<int, 3>& stored) const;
 
+  // Which stored axis a patient axis runs along, or against.
+  [[nodiscard]] std::size_t storedAxis(std::size_t patientAxis) const { return storedAxis_[patientAxis]; }
+  [[nodiscard]] bool isReversed(std::size_t patientAxis) const { return reversed_[patientAxis]; }
+
   // (right, front, top, 1) to millimetres.
   [[nodiscard]] Affine affine() const;
 

@@ -145,7 +145,6 @@ std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& r
   parts.lead = element("p", {{"class", "lead"}}, fmt::format("{} reports.", requests.size()));
   parts.contents = {{"results", "Results"}};
   parts.body = element("section", {{"id", "results"}, {"class", "part"}}, element("h2", "Results") + table);
-  parts.data = R"({"format":1})";
   return page(parts);
 }
 

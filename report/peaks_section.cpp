@@ -44,6 +44,9 @@ std::string jumpButton(const ClusterRows& rows, std::size_t row) {
   return element("button",
                  {{"type", "button"},
                   {"class", "jump script-only"},
+                  {"aria-label", fmt::format("Show the peak of {} at voxel {} {} {}", rows.cell(row, "map"),
+                                             rows.cell(row, "peak_i"), rows.cell(row, "peak_j"),
+                                             rows.cell(row, "peak_k"))},
                   {"data-view", rows.view},
                   {"data-kind", rows.cell(row, "map")},
                   {"data-voxel", fmt::format("{} {} {}", voxel[0], voxel[1], voxel[2])}},
@@ -61,7 +64,7 @@ std::string clusterRow(const ClusterRows& rows, std::size_t row) {
   return element("tr", element("th", {{"scope", "row"}}, text(rows.cell(row, "map"))) +
                            element("td", text(rows.cell(row, "sign"))) +
                            numberCell(rows, row, "voxels", Digits::kAll) +
-                           numberCell(rows, row, "volume", Digits::kFour) +
+                           numberCell(rows, row, "volume", Digits::kTenth) +
                            numberCell(rows, row, "peak", Digits::kFour) + placeCell(rows, row) +
                            element("td", label == "n/a" ? label : name(label)) +
                            element("td", text(rows.cell(row, "labels"))));

@@ -47,7 +47,8 @@ std::size_t leftOf(std::size_t taken) {
 }
 
 std::string dataOf(const MapsSection& maps, const EvidenceSection& evidence) {
-  formats::Json data = maps.data.is_null() ? formats::Json::object() : maps.data;
+  if (maps.data.is_null()) return "";
+  formats::Json data = maps.data;
   data["format"] = 1;
   data["charts"] = evidence.charts;
   return data.dump();

@@ -112,7 +112,10 @@ Json gridJson(const PageGrid& grid) {
   Json rows = Json::array();
   for (std::size_t row = 0; row < 3; ++row)
     rows.push_back({affine[4 * row], affine[4 * row + 1], affine[4 * row + 2], affine[4 * row + 3]});
-  return {{"size", {view.dim(0), view.dim(1), view.dim(2)}}, {"affine", rows}};
+  Json stored = Json::array({nullptr, nullptr, nullptr});
+  for (std::size_t axis = 0; axis < 3; ++axis)
+    stored[view.storedAxis(axis)] = {{"axis", axis}, {"reversed", view.isReversed(axis)}};
+  return {{"size", {view.dim(0), view.dim(1), view.dim(2)}}, {"affine", rows}, {"stored", stored}};
 }
 
 }  // namespace report

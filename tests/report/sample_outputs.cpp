@@ -16,10 +16,10 @@ namespace {
 namespace fs = std::filesystem;
 using formats::Affine;
 
-constexpr formats::GridSize kSize{12, 14, 10};
+constexpr formats::GridSize kSize{24, 32, 14};
 constexpr const char* kStem = "sample_seed-V1_";
 
-// The grid's middle at 0, voxels of 4 x 3.5 x 5 mm.
+// The grid's middle at 0, voxels of 2 x 1.6 x 3.6 mm.
 Affine centred(const Affine& steps) {
   Affine affine = steps;
   for (int row = 0; row < 3; ++row)
@@ -183,20 +183,20 @@ study::Evidence evidenceOf(const Sample& sample) {
 }  // namespace
 
 Affine las() {
-  return centred(diagonal(-4, 3.5, 5));
+  return centred(diagonal(-2, 1.6, 3.6));
 }
 
 Affine ras() {
-  return centred(diagonal(4, 3.5, 5));
+  return centred(diagonal(2, 1.6, 3.6));
 }
 
 Affine oblique() {
   constexpr double kAngle = 0.2;
-  Affine affine = diagonal(0, 0, 5);
-  affine.at(0, 0) = -4 * std::cos(kAngle);
-  affine.at(1, 0) = -4 * std::sin(kAngle);
-  affine.at(0, 1) = -3.5 * std::sin(kAngle);
-  affine.at(1, 1) = 3.5 * std::cos(kAngle);
+  Affine affine = diagonal(0, 0, 3.6);
+  affine.at(0, 0) = -2 * std::cos(kAngle);
+  affine.at(1, 0) = -2 * std::sin(kAngle);
+  affine.at(0, 1) = -1.6 * std::sin(kAngle);
+  affine.at(1, 1) = 1.6 * std::cos(kAngle);
   return centred(affine);
 }
 

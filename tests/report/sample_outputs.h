@@ -25,7 +25,7 @@ struct Sample {
 inline constexpr std::array<double, 3> kMarkerMm = {-12, 9, 8};  // of the marker's centre, about
 
 // Writes a record with two maps (REF2VOX and DTAV), status, direction, p, clusters, evidence and a mean image
-// under the prefix "sample". The marker is a block of 2 x 2 x 2 voxels whose DTAV is 50; all else is below 1
+// under the prefix "sample". The marker is a block of some voxels whose DTAV is 50; all else is below 1
 // in magnitude. The reference is a block on the patient's right.
 void writeTo(const std::filesystem::path& folder, const Sample& sample);
 

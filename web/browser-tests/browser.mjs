@@ -104,8 +104,19 @@ export function readoutOf(viewer) {
   );
 }
 
+export const kVoxel = "Voxel (i, j, k) of the image";
+
+// Where the crosshair is, as indices of the upright grid: the readout has those of the image's file.
 export async function voxelOf(viewer) {
-  return (await readoutOf(viewer))["Voxel (i, j, k)"].split(", ").map(Number);
+  const shown = (await readoutOf(viewer))[kVoxel].split(", ").map(Number);
+  return viewer.evaluate((_, indices) => {
+    const { size, stored } = JSON.parse(document.querySelector("#tavmap-data").textContent).grid;
+    const upright = [0, 0, 0];
+    stored.forEach(({ axis, reversed }, n) => {
+      upright[axis] = reversed ? size[axis] - 1 - indices[n] : indices[n];
+    });
+    return upright;
+  }, shown);
 }
 
 export function dataOf(page) {

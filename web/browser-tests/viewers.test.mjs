@@ -9,6 +9,7 @@ import {
   open,
   readoutOf,
   reportsWithData,
+  kVoxel,
   voxelOf,
 } from "./browser.mjs";
 
@@ -133,10 +134,10 @@ for (const [name, path] of reportsWithData()) {
       if (viewer === null) return t.skip("no viewer");
       await (await viewer.$("[data-plane=axial]")).focus();
       await page.keyboard.press("ArrowRight");
-      const [i, j, k] = await voxelOf(viewer);
+      const shown = (await readoutOf(viewer))[kVoxel];
       await page.waitForFunction(
         ([element, text]) => element.querySelector(".visually-hidden[aria-live]").textContent.includes(text),
-        [viewer, `Voxel (i, j, k): ${i}, ${j}, ${k}`],
+        [viewer, `${kVoxel}: ${shown}`],
       );
     });
 

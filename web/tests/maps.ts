@@ -1,7 +1,14 @@
 // Small maps with given values for the tests.
 import { effectTable } from "../src/data/map_codes";
 import type { LoadedMap, LoadedView } from "../src/data/loaded_view";
-import type { MapData } from "../src/data/page_data";
+import type { GridData, MapData } from "../src/data/page_data";
+
+// Of a file whose axes run as the upright grid's do.
+export const kUnturned: GridData["stored"] = [
+  { axis: 0, reversed: false },
+  { axis: 1, reversed: false },
+  { axis: 2, reversed: false },
+];
 
 export const kSigned: MapData = {
   kind: "DTAV",

@@ -1,9 +1,10 @@
 import assert from "node:assert/strict";
 import { describe, it } from "node:test";
-import { clampVoxel, millimetres, offsetOf, voxelEdges, voxelOf } from "../src/data/grid";
+import { clampVoxel, millimetres, offsetOf, storedVoxel, voxelEdges, voxelOf } from "../src/data/grid";
 import type { Triple } from "../src/data/page_data";
 import { planeSize, scaleFor } from "../src/viewer/layout";
 import { kAxial, kCoronal, kPlanes, kSagittal, pixelOf, voxelAt, type Plane } from "../src/viewer/planes";
+import { kUnturned } from "./maps";
 import { eachPixel, outline, slicePixels } from "../src/viewer/slice_pixels";
 
 const size: Triple = [4, 5, 6];
@@ -120,6 +121,7 @@ describe("the layout", () => {
       [0, 3, 0, 0],
       [0, 0, 3, 0],
     ],
+    stored: kUnturned,
   };
 
   it("fits three planes into a wide row and two into a narrow one", () => {
@@ -128,5 +130,21 @@ describe("the layout", () => {
     assert.ok(a + b + c + 16 <= 900 && a + b + c > 850);
     const [axial = 0, coronal = 0] = widths(scaleFor(grid, 350));
     assert.ok(axial + coronal + 8 <= 350 && axial + coronal > 300);
+  });
+});
+
+describe("the image's own indices", () => {
+  it("follow turned and permuted axes", () => {
+    const grid = {
+      size: [4, 5, 6] as const,
+      affine: [],
+      stored: [
+        { axis: 2, reversed: false },
+        { axis: 0, reversed: true },
+        { axis: 1, reversed: false },
+      ] as const,
+    };
+    assert.deepEqual(storedVoxel(grid, [0, 1, 2]), [2, 3, 1]);
+    assert.deepEqual(storedVoxel(grid, [3, 4, 5]), [5, 0, 4]);
   });
 });

@@ -4,7 +4,7 @@ import type { Triple } from "../src/data/page_data";
 import { decimalsOf, halfStep, magnitude, plain, probability, signed } from "../src/viewer/numbers";
 import { directionWords, probabilityText, readout, valueText } from "../src/viewer/readout";
 import { ruleOf } from "../src/viewer/threshold";
-import { kSigned, mapOf, viewOf } from "./maps";
+import { kSigned, kUnturned, mapOf, viewOf } from "./maps";
 
 describe("numbers", () => {
   it("have the digits that their step leaves", () => {
@@ -51,6 +51,7 @@ describe("the value", () => {
     assert.equal(probabilityText(kSigned, 147), "0.0012 (\u2212log₁₀ p 2.92 ± 0.01)");
     assert.equal(probabilityText(kSigned, 0), "none here");
     assert.equal(probabilityText({ ...kSigned, p: null }, 0), "not stored for this map");
+    assert.equal(valueText({ ...kSigned, floor: 3.25 }, 0), "below 3.250 ms, or none: left out of this page");
   });
 });
 
@@ -62,6 +63,7 @@ describe("the readout", () => {
       [0, 2, 0, 6],
       [0, 0, 2, 8],
     ],
+    stored: [{ axis: 0, reversed: true }, kUnturned[1], kUnturned[2]] as const,
   };
   const names = { id: "0-0", reference: "V1 <b>", condition: "rest", region: "r", direction: "d", maps: [] };
   const map = mapOf(kSigned, [140, 110, 110, 0], [151, 51, 51, 51]);
@@ -78,7 +80,7 @@ describe("the readout", () => {
   it("tells place, value, p, threshold, region and direction", () => {
     assert.deepEqual(texts([1, 0, 0]), {
       "Place (x, y, z)": "\u22122.0, 6.0, 8.0 mm",
-      "Voxel (i, j, k)": "1, 0, 0",
+      "Voxel (i, j, k) of the image": "3, 0, 0",
       Value: "+40.0 ± 0.5 ms (positive: the reference leads)",
       p: "0.001 (\u2212log₁₀ p 3.00 ± 0.01)",
       Threshold: "reached",

@@ -1,10 +1,11 @@
 // A chart in its figure: drawn when it comes near the screen, drawn anew for other colours and widths.
 import uPlot from "uplot";
-import type { ChartData } from "../data/page_data";
+import type { ChartData, ChartSpec } from "../data/page_data";
 import { make } from "../page/dom";
 import { onceNear } from "../page/once_near";
 import { onColourChange } from "../page/theme";
 import { chartLegend } from "./chart_legend";
+import { chartOf, rowsOf } from "./chart_table";
 import { columnsOf, type Columns } from "./chart_values";
 import { kChartHeight, optionsOf } from "./options";
 import { paletteOf } from "./palette";
@@ -59,7 +60,10 @@ class DrawnChart {
   }
 }
 
-function start(figure: HTMLElement, chart: ChartData): void {
+function start(figure: HTMLElement, spec: ChartSpec): void {
+  const table = figure.querySelector("table");
+  if (table === null || rowsOf(table).length === 0) return;
+  const chart = chartOf(spec, rowsOf(table));
   const drawn = new DrawnChart(figure, chart);
   drawn.draw();
   new ResizeObserver(() => {
@@ -71,11 +75,11 @@ function start(figure: HTMLElement, chart: ChartData): void {
 }
 
 // Returns a function that draws at once what is still to be drawn.
-export function setUpCharts(charts: Readonly<Partial<Record<string, ChartData>>>): () => void {
+export function setUpCharts(charts: Readonly<Partial<Record<string, ChartSpec>>>): () => void {
   const pending: (() => void)[] = [];
   for (const figure of document.querySelectorAll<HTMLElement>("figure.chart[data-chart]")) {
     const chart = charts[figure.dataset.chart ?? ""];
-    if (chart === undefined || chart.xs.length === 0) continue;
+    if (chart === undefined) continue;
     pending.push(
       onceNear(figure, () => {
         start(figure, chart);

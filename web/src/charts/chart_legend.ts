@@ -20,7 +20,8 @@ function spanItems(spans: readonly SpanData[]): HTMLElement[] {
 }
 
 export function chartLegend(chart: ChartData): HTMLElement {
-  const marks = (chart.marks ?? []).map(({ label }) => item("swatch-mark", label));
+  const labels = new Set((chart.marks ?? []).map(({ label }) => label));
+  const marks = Array.from(labels, (label) => item("swatch-mark", label));
   return make(
     "ul",
     { class: "chart-legend" },

@@ -41,3 +41,12 @@ export function voxelEdges(affine: AffineRows): Triple {
 export function middleOf(grid: GridData): Triple {
   return [grid.size[0] >> 1, grid.size[1] >> 1, grid.size[2] >> 1];
 }
+
+// The indices that the image's file has for a voxel of the upright grid.
+export function storedVoxel(grid: GridData, voxel: Triple): Triple {
+  const index = (stored: 0 | 1 | 2): number => {
+    const { axis, reversed } = grid.stored[stored];
+    return reversed ? grid.size[axis] - 1 - voxel[axis] : voxel[axis];
+  };
+  return [index(0), index(1), index(2)];
+}

@@ -8,9 +8,16 @@ export type Triple = readonly [number, number, number];
 // Rows of the matrix that takes (i, j, k, 1) to millimetres; the fourth row, if there, is 0 0 0 1.
 export type AffineRows = readonly (readonly number[])[];
 
+// Of an axis of the image's file: the axis of the upright grid that it runs along, or against.
+export interface StoredAxis {
+  readonly axis: 0 | 1 | 2;
+  readonly reversed: boolean;
+}
+
 export interface GridData {
   readonly size: Triple;
   readonly affine: AffineRows;
+  readonly stored: readonly [StoredAxis, StoredAxis, StoredAxis];
 }
 
 // value = offset + step * code; code 0: no value.
@@ -44,6 +51,7 @@ export interface MapData {
   readonly p: ProbabilityData | null;
   readonly thresholds: readonly ThresholdData[];
   readonly fullColour: number; // the magnitude at which the colour is full
+  readonly floor?: number; // smaller magnitudes are left out of the page, and have the code 0
 }
 
 export interface ViewData {
@@ -62,7 +70,7 @@ export interface PageData {
   readonly underlay: string;
   readonly underlayName: string;
   readonly views: readonly ViewData[];
-  readonly charts: Readonly<Record<string, ChartData>>;
+  readonly charts: Readonly<Record<string, ChartSpec>>;
 }
 
 export type SeriesRole = "main" | "second" | "band-low" | "band-high" | "null" | "bound";
@@ -89,6 +97,19 @@ export interface SpanData {
   readonly to: number;
   readonly kind: "interval" | "censored";
   readonly label: string;
+}
+
+// A series of a chart as the page's data have it: its numbers are a column of the table in the chart's
+// figure (x is column 0), or follow from x.
+export interface SeriesSpec {
+  readonly name: string;
+  readonly role: SeriesRole;
+  readonly column?: number;
+  readonly perX?: number; // y = perX * x
+}
+
+export interface ChartSpec extends Omit<ChartData, "xs" | "series"> {
+  readonly series: readonly SeriesSpec[];
 }
 
 // Histograms: ys are heights from each x to the next; a last x may close the last bin.

@@ -1,5 +1,5 @@
 // What is known about the voxel under the crosshair, in words.
-import { millimetres, offsetOf } from "../data/grid";
+import { millimetres, offsetOf, storedVoxel } from "../data/grid";
 import { effectOf, logOf } from "../data/map_codes";
 import type { GridData, MapData, Triple, ViewData } from "../data/page_data";
 import type { Shown } from "./shown";
@@ -27,9 +27,15 @@ function signWords(data: MapData, value: number): string {
   return value > 0 ? ` (positive: ${data.positive})` : ` (negative: ${data.negative})`;
 }
 
+function missingText({ floor, unit }: MapData): string {
+  return floor === undefined
+    ? "none here"
+    : `below ${withUnit(plain(floor, 3), unit)}, or none: left out of this page`;
+}
+
 export function valueText(data: MapData, code: number): string {
   const value = effectOf(data.effect, code);
-  if (Number.isNaN(value)) return "none here";
+  if (Number.isNaN(value)) return missingText(data);
   const { step } = data.effect;
   const shown = data.negative === null ? plain(value, decimalsOf(step)) : signed(value, decimalsOf(step));
   const rounded = step > 0 ? `${shown} ± ${halfStep(step)}` : shown;
@@ -48,7 +54,7 @@ function placeLines(grid: GridData, voxel: Triple): Line[] {
   const mm = millimetres(grid.affine, voxel).map((c) => plain(c, 1));
   return [
     { name: "Place (x, y, z)", text: `${mm.join(", ")} mm` },
-    { name: "Voxel (i, j, k)", text: voxel.join(", ") },
+    { name: "Voxel (i, j, k) of the image", text: storedVoxel(grid, voxel).join(", ") },
   ];
 }
 

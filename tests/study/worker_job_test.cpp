@@ -63,8 +63,9 @@ TEST_F(WorkerJobs, DoneByHandGiveTheFilesOfAWholeRun) {
   fs::remove_all(results());
   ASSERT_EQ(run(folder() / "r.toml").exitCode, 0);
   auto whole = filesBelow(results());
-  for (const char* ofTheStudy : {"README", ".bidsignore", "dataset_description.json",
-                                 "small_desc-mean_boldref.json", "small_desc-mean_boldref.nii.gz"})
+  for (const char* ofTheStudy :
+       {"README", ".bidsignore", "dataset_description.json", "small_desc-mean_boldref.json",
+        "small_desc-mean_boldref.nii.gz", "small_request.toml"})
     whole.erase(ofTheStudy);
   EXPECT_EQ(differingFiles(byHand, whole), "");
 }

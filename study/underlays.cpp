@@ -73,7 +73,7 @@ bool isThere(const Underlay& underlay, const fs::path& image, const fs::path& si
 }
 
 // The sidecar last: it vouches for the image.
-void write(const StudyPlan& plan, const Underlay& underlay) {
+void writeUnlessThere(const StudyPlan& plan, const Underlay& underlay) {
   const fs::path folder = plan.request.output.folder;
   const fs::path image = folder / underlay.name, sidecar = folder / OutputNames::sidecarOf(underlay.name);
   const std::string text = underlay.sidecar.dump(2) + "\n";
@@ -90,8 +90,8 @@ void write(const StudyPlan& plan, const Underlay& underlay) {
 }  // namespace
 
 void writeUnderlays(const StudyPlan& plan) {
-  write(plan, meanVolume(plan));
-  if (!plan.request.anatomy.empty()) write(plan, anatomy(plan));
+  writeUnlessThere(plan, meanVolume(plan));
+  if (!plan.request.anatomy.empty()) writeUnlessThere(plan, anatomy(plan));
 }
 
 }  // namespace study

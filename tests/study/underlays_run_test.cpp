@@ -31,6 +31,14 @@ class UnderlaysRun : public SmallStudyRun {
     head.values.assign(8000, value);
     formats::writeImage((folder() / name).string(), head);
   }
+  // Those of the reference, without what is drawn.
+  [[nodiscard]] std::map<std::string, std::string> filesOfResult() const {
+    auto files = filesBelow(results());
+    std::erase_if(files, [](const auto& file) {
+      return !file.first.starts_with("small_seed-A_") && !file.first.starts_with("small_A.");
+    });
+    return files;
+  }
   formats::Image3D image(const std::string& name) const {
     return formats::readImage((results() / (name + ".nii.gz")).string());
   }
@@ -66,10 +74,11 @@ TEST_F(UnderlaysRun, TheAnatomyLiesOnTheGridOfTheRuns) {
 TEST_F(UnderlaysRun, NoNumberDependsOnThem) {
   writeAnatomy("t1.nii.gz", 7);
   ASSERT_EQ(run(request()).exitCode, 0);
-  auto before = filesBelow(results());
+  const auto before = filesOfResult();
   const ProgramResult again = run(request("anatomy = 't1.nii.gz'"), {"--json"});
   EXPECT_EQ(kept(again), std::vector<bool>{true}) << again.err;
-  EXPECT_EQ(differingFiles(before, filesBelow(results())), kAnatomy + ".json\n" + kAnatomy + ".nii.gz\n");
+  EXPECT_EQ(differingFiles(before, filesOfResult()), "");
+  EXPECT_TRUE(fs::exists(results() / (kAnatomy + ".nii.gz")));
 }
 
 TEST_F(UnderlaysRun, TheyAreMadeAgainWhenMissingOrOutdated) {

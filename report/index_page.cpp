@@ -22,10 +22,16 @@ namespace fs = std::filesystem;
 
 constexpr int kColumns = 10;
 
+// The prefix; of names that do not say whose results they are with the folder.
+std::string titleOf(const fs::path& folder, const StudyOutputs& outputs) {
+  if (outputs.prefix.starts_with("sub-")) return outputs.prefix;
+  return (outputs.folder / outputs.prefix).lexically_relative(folder).generic_string();
+}
+
 std::string linkTo(const fs::path& folder, const StudyOutputs& outputs) {
   const fs::path file = outputs.folder / study::reportFileOf(outputs.prefix);
   return element("a", {{"href", study::percentEncoded(file.lexically_relative(folder).generic_string())}},
-                 name(outputs.prefix));
+                 name(titleOf(folder, outputs)));
 }
 
 std::string failedRow(const std::string& who, const FailedReference& failure) {

@@ -21,7 +21,9 @@ std::string head(const std::string& title) {
                   element("title", text(title)) + element("style", pageStyle()));
 }
 
+// A page of one section needs none, and has the width for its table.
 std::string contents(const PageParts& parts) {
+  if (parts.contents.size() < 2) return "";
   std::string items;
   for (const auto& [id, title] : parts.contents)
     items += element("li", element("a", {{"href", "#" + id}}, title));

@@ -54,7 +54,21 @@ std::string dataOf(const MapsSection& maps, const EvidenceSection& evidence) {
   return data.dump();
 }
 
-void writePictures(const fs::path& folder, const MapsSection& maps) {
+// Of results that are gone: no picture outlives its map.
+void removeOldPictures(const fs::path& figures, const std::string& prefix, const MapsSection& maps) {
+  if (!fs::is_directory(figures)) return;
+  std::vector<fs::path> old;
+  for (const fs::directory_entry& entry : fs::directory_iterator(figures)) {
+    const std::string file = entry.path().filename().string();
+    const bool isNew = std::any_of(maps.pictures.begin(), maps.pictures.end(),
+                                   [&](const auto& picture) { return picture.first == file; });
+    if (file.starts_with(prefix + "_seed-") && file.ends_with(".svg") && !isNew) old.push_back(entry.path());
+  }
+  for (const fs::path& file : old) fs::remove(file);
+}
+
+void writePictures(const fs::path& folder, const std::string& prefix, const MapsSection& maps) {
+  removeOldPictures(folder / "figures", prefix, maps);
   if (maps.pictures.empty()) return;
   fs::create_directories(folder / "figures");
   for (const auto& [file, svg] : maps.pictures)
@@ -85,7 +99,7 @@ std::string writeReport(const fs::path& folder, const std::string& prefix) {
   parts.data = dataOf(maps, evidence);
   const std::string path = outputs.path(study::reportFileOf(prefix));
   formats::writeTextFile(path, page(parts), formats::Durability::kCached);
-  writePictures(folder, maps);
+  writePictures(folder, prefix, maps);
   return path;
 }
 

@@ -91,6 +91,7 @@ void keepFailures(const StudyPlan& plan, const StudyOutcome& outcome) {
 
 void keepRequestFailures(const fs::path& folder, const std::vector<std::string>& titles,
                          const StudyOutcome& outcome) {
+  fs::create_directories(folder);
   const fs::path file = folder / kRequestFailuresFile;
   std::vector<std::string> asked = titles;
   std::string rows;

@@ -68,6 +68,16 @@ TEST_F(ReportTest, SavesItsPicturesBesideIt) {
   EXPECT_THAT(svg, HasSubstr("<defs><image id=\"underlay-sheet\""));
 }
 
+TEST_F(ReportTest, RemovesPicturesOfMapsThatAreGoneAndNoOthers) {
+  const auto old = folder.write("figures/sample_seed-V1_contrast-old_stat-effect_statmap.svg");
+  const auto other = folder.write("figures/sample_task-rest_seed-V1_contrast-old_stat-effect_statmap.svg");
+  const auto own = folder.write("figures/sample_seed-V1_notes.txt");
+  pageOf({});
+  EXPECT_FALSE(std::filesystem::exists(old));
+  EXPECT_TRUE(std::filesystem::exists(other));
+  EXPECT_TRUE(std::filesystem::exists(own));
+}
+
 TEST_F(ReportTest, IsTheSameWhenRebuilt) {
   const std::string once = pageOf({});
   EXPECT_EQ(contentOf(writeReport(folder.folder(), "sample")), once);

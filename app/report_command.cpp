@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/commands.h"
+#include "app/exit_codes.h"
 #include "app/study_options.h"
 #include "report/reports.h"
 
@@ -13,19 +14,26 @@ namespace {
 constexpr const char* kFooter =
     "Examples:\n  tavmap report results\n  tavmap report /out    every participant's, and an index over them";
 
-int run(const std::string& folder) {
-  for (const std::string& path : report::rebuildReports(folder)) std::cout << path << '\n';
-  return 0;
+struct ReportArguments {
+  std::string folder;
+  bool quiet = false;
+};
+
+int run(const ReportArguments& arguments) {
+  for (const std::string& path : report::rebuildReports(arguments.folder))
+    if (!arguments.quiet) std::cout << path << '\n';
+  return kDone;
 }
 
 }  // namespace
 
 void addReportCommand(CLI::App& program) {
-  const auto folder = std::make_shared<std::string>();
+  const auto arguments = std::make_shared<ReportArguments>();
   CLI::App* command = program.add_subcommand("report", "Rebuild the HTML reports of saved results");
-  command->add_option("OUT", *folder, "Output folder of `tavmap run` or `tavmap bids`")->required();
+  command->add_option("OUT", arguments->folder, "Output folder of `tavmap run` or `tavmap bids`")->required();
+  command->add_flag("-q,--quiet", arguments->quiet, "Do not name the pages");
   command->footer(kFooter);
-  command->callback([folder] { leaveWith([&] { return run(*folder); }); });
+  command->callback([arguments] { leaveWith([&] { return run(*arguments); }); });
 }
 
 }  // namespace app

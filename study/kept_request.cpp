@@ -37,6 +37,7 @@ Request relativeTo(const fs::path& folder, Request request) {
   make(request.anatomy);
   make(request.output.workFolder);
   request.output.folder = ".";
+  request.title = requestFileOf(request.output.prefix);
   return request;
 }
 

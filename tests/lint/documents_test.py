@@ -99,7 +99,7 @@ class DocumentsTest(unittest.TestCase):
         self.assert_found("Text\n\n    scripts/gone --check\n", "'scripts/gone' is no file", line=3)
         self.assert_found("Run `./gone`.\n", "'./gone' is no file")
         self.assert_found("`simo/*.cpp`\n", "'simo/*.cpp'")
-        self.assert_passes("`simo/*.h`, `simo/NAME.h`, `fit.h`, `/data/x`, `./check`\n")
+        self.assert_passes("`simo/*.h`, `simo/NAME.h`, `P_page.html`, `*_page.html`, `fit.h`, `/data/x`, `./check`\n")
 
     def test_bare_names_of_files_are_those_of_the_folder(self):
         self.assert_found("`fit.h`\n", "'fit.h' is no file", path="tests/simo/README.md")

@@ -7,7 +7,8 @@ import layer_rules
 from tree import Finding
 
 SOURCE_SUFFIXES = (".h", ".cpp", ".def", ".py", ".md", ".cmake", ".html", ".css", ".map", ".gnuplot", ".svg")
-# A part in capitals stands for what the reader puts there.
+# A part in capitals stands for what the reader puts there, and so does the beginning of an output's name.
+OUTPUT = re.compile(r"(?:P|\*)_")
 PLACEHOLDER = re.compile(r"(?:^|[/_.\-])(?!README|HACKING|CONTRIBUTING|SOURCES|LICENSE|TAV)[A-Z]{2,}(?=[/_.\-]|$)")
 IDENTIFIER = re.compile(r"[A-Za-z_]\w*(?:::\w+)*(?:\(\))?")
 LOOKS_CODED = re.compile(r"_|::|[a-z0-9][A-Z]|[A-Z][A-Z]+[a-z]")
@@ -30,7 +31,7 @@ def check_folders(document, known):
 
 
 def is_path_of_tree(word, document, known):
-    if PLACEHOLDER.search(word) or not re.fullmatch(r"(?!/)[\w./*\-]+", word):
+    if PLACEHOLDER.search(word) or OUTPUT.match(word) or not re.fullmatch(r"(?!/)[\w./*\-]+", word):
         return False
     first, slash, rest = word.removeprefix("./").partition("/")
     if word.startswith("./") or (slash and rest and first in known.folders):

@@ -18,8 +18,8 @@ struct KeptRequest : testing::Test {
   Scratch folder;
   StudyPlan plan;
   KeptRequest() {
-    small_study::writeTo(folder.folder() / "data");
     const auto file = folder.write("data/study.toml", small_study::request());
+    small_study::writeTo(folder.folder() / "data");
     Request request = readRequestFile(file);
     request.output.folder = folder.folder() / "out";
     std::filesystem::create_directories(request.output.folder);

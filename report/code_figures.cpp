@@ -44,15 +44,15 @@ std::string legendOf(const CodePicture& picture, const Quotes& quotes) {
 
 MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std::vector<float>& underlay,
                    const UnderlaySheet& sheet, const ConditionView& view, const CodePicture& picture) {
-  const MosaicMap drawn{[&picture](std::size_t voxel) { return picture.colours[picture.codes[voxel]]; },
+  const std::string id = placeId("mosaic", view.reference, view.condition) + "-" + picture.id;
+  const MosaicMap drawn{id,
+                        [&picture](std::size_t voxel) { return picture.colours[picture.codes[voxel]]; },
                         {{view.region, "#0ff"}}};
-  const std::string svg = mosaic(grid, sheet, drawn, mosaicSlices(grid, underlay, {}), picture.label);
+  const std::string svg = mosaic(grid, drawn, mosaicSlices(grid, underlay, {}), picture.label);
   const ReferenceOutputs& reference = outputs.references[view.reference];
   const Quotes quotes =
       Quotes(reference.json, reference.file).at(fmt::format("/Conditions/{}", view.condition));
-  return {element("figure",
-                  {{"class", "mosaic"},
-                   {"id", placeId("mosaic", view.reference, view.condition) + "-" + picture.id}},
+  return {element("figure", {{"class", "mosaic"}, {"id", id}},
                   element("figcaption", picture.caption) + svg + legendOf(picture, quotes)) +
               "\n",
           pictureFileOf(picture.file), sheet.standalone(svg)};

@@ -45,11 +45,13 @@ CodedValues codedWithin(const Range& range, std::span<const float> values, int b
 }
 
 // Bytes of text per voxel of one map, measured on maps of noise with a few large values.
-constexpr double kTextOf16Bits = 2.2, kTextOf8Bits = 0.95, kTextOfP = 1.0, kTextOfStrongest = 0.3;
+constexpr double kTextOf16Bits = 2.2, kTextOf8Bits = 0.95, kTextOfP = 1.0;
+// Of maps of which a share is kept: the places of those voxels, and their values.
+constexpr double kTextOfPlaces = 0.08, kTextOfKept = 2.2;
 constexpr double kKinds = 4.6;  // the thresholded differences are 0 nearly everywhere
 
 double bytesPerVoxel(const EmbeddingPlan& plan) {
-  if (plan.strongestAlone) return kKinds * kTextOfStrongest;
+  if (plan.strongestShare < 1) return kKinds * (kTextOfPlaces + kTextOfKept * plan.strongestShare);
   return kKinds * ((plan.bits == 16 ? kTextOf16Bits : kTextOf8Bits) + (plan.withP ? kTextOfP : 0));
 }
 
@@ -70,20 +72,24 @@ CodedValues codedFromZero(std::span<const float> values, int bits) {
 }
 
 EmbeddingPlan embeddingPlan(std::size_t views, std::size_t voxels, std::size_t limit) {
-  constexpr auto kPlans = std::to_array<EmbeddingPlan>(
-      {{16, true, false, true}, {8, true, false, true}, {8, false, false, true}, {8, false, true, true}});
+  constexpr auto kPlans = std::to_array<EmbeddingPlan>({{16, true, 1, true},
+                                                        {8, true, 1, true},
+                                                        {8, false, 1, true},
+                                                        {8, false, 0.1, true},
+                                                        {8, false, 0.04, true}});
   const double each = static_cast<double>(views) * static_cast<double>(voxels);
   for (const EmbeddingPlan& plan : kPlans)
     if (each * bytesPerVoxel(plan) <= static_cast<double>(limit)) return plan;
-  return {8, false, true, false};
+  return {8, false, 1, false};
 }
 
-float strongestTenth(std::span<const float> values) {
+float strongest(std::span<const float> values, double share) {
   std::vector<float> magnitudes;
   for (const float value : values)
     if (std::isfinite(value)) magnitudes.push_back(std::abs(value));
   if (magnitudes.empty()) return 0;
-  const auto at = magnitudes.begin() + static_cast<std::ptrdiff_t>(magnitudes.size() * 9 / 10);
+  const auto at = magnitudes.begin() +
+                  static_cast<std::ptrdiff_t>((1 - share) * static_cast<double>(magnitudes.size() - 1));
   std::nth_element(magnitudes.begin(), at, magnitudes.end());
   return *at;
 }

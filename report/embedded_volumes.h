@@ -31,18 +31,18 @@ struct CodedValues {
 
 // How exactly maps are kept, so that a page of many maps can still be mailed.
 struct EmbeddingPlan {
-  int bits = 16;                // of effects
-  bool withP = true;            // of single voxels
-  bool strongestAlone = false;  // of each map the tenth of its voxels that is largest in magnitude
-  bool withMaps = true;         // false: there are too many for any
+  int bits = 16;              // of effects
+  bool withP = true;          // of single voxels
+  double strongestShare = 1;  // of each map's voxels, the largest in magnitude; 1: all
+  bool withMaps = true;       // false: there are too many for any
 };
 
 // The most exact of the plans whose volumes take at most `limit` bytes of text, by what such maps were
 // measured to take. views: conditions of all references; voxels: of each map.
 [[nodiscard]] EmbeddingPlan embeddingPlan(std::size_t views, std::size_t voxels, std::size_t limit);
 
-// The magnitude that a tenth of the finite values reach; 0 of none.
-[[nodiscard]] float strongestTenth(std::span<const float> values);
+// The magnitude that this share of the finite values reaches; 0 of none.
+[[nodiscard]] float strongest(std::span<const float> values, double share);
 
 }  // namespace report
 

@@ -77,9 +77,14 @@ bool showsDirections(const ConditionView& view, const MapView& map) {
   return hasSign(map.map->type) && !view.directions.empty();
 }
 
+std::string idOf(const ConditionView& view, const MapView& map) {
+  return placeId("mosaic", view.reference, view.condition) + "-" + tav::mapKind(map.map->type).keyword;
+}
+
 MosaicMap drawnMap(const ConditionView& view, const MapView& map) {
   const bool withDirections = showsDirections(view, map);
-  MosaicMap drawn{[overlay = MapOverlay(map.scale), &view, &map, withDirections](std::size_t voxel) {
+  MosaicMap drawn{idOf(view, map),
+                  [overlay = MapOverlay(map.scale), &view, &map, withDirections](std::size_t voxel) {
                     const render::Rgba colour = overlay.colour(map.values[voxel]);
                     const bool isUnsupported =
                         withDirections && view.directions[voxel] >=
@@ -102,7 +107,7 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
                    const UnderlaySheet& sheet, const ConditionView& view, const MapView& map) {
   const std::string& reference = outputs.references[view.reference].record.reference;
   const std::string svg =
-      mosaic(grid, sheet, drawnMap(view, map), mosaicSlices(grid, underlay, wantedSlices(grid, view, map)),
+      mosaic(grid, drawnMap(view, map), mosaicSlices(grid, underlay, wantedSlices(grid, view, map)),
              plainLabel(outputs, view, map));
   const std::string keyword = tav::mapKind(map.map->type).keyword;
   const std::string caption = element("strong", keyword) + ": " + text(mapTitle(map.map->type, reference)) +
@@ -111,9 +116,7 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
   const std::string unit = unitOf(outputs, view, map.map->type);
   const std::string bar = element("div", {{"class", "scale"}},
                                   colourBar(map.scale, unit) + element("small", "Unit: " + text(unit)));
-  return {element("figure",
-                  {{"class", "mosaic"},
-                   {"id", placeId("mosaic", view.reference, view.condition) + "-" + keyword}},
+  return {element("figure", {{"class", "mosaic"}, {"id", idOf(view, map)}},
                   element("figcaption", caption) + svg + bar) +
               "\n",
           pictureFileOf(map.map->file), sheet.standalone(svg)};

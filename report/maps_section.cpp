@@ -20,7 +20,7 @@ namespace {
 
 using formats::Json;
 
-constexpr std::size_t kTextOfMosaic = 20'000;  // bytes, measured
+constexpr std::size_t kTextOfMosaic = 13'000;  // bytes, measured
 constexpr const char* kUnderlayId = "vol-underlay";
 constexpr const char* kMaskId = "vol-mask";
 
@@ -74,11 +74,12 @@ std::vector<std::uint8_t> maskOf(const Scene& scene) {
   return voxelsOfMaps(scene.grid.upright(any));
 }
 
-std::size_t mapsOf(const Scene& scene) {
-  std::size_t maps = 0;
+// With those of direction and status.
+std::size_t mosaicsOf(const Scene& scene) {
+  std::size_t mosaics = 0;
   for (const Place& place : scene.places)
-    maps += scene.outputs.references[place.reference].record.conditions[place.condition].maps.size();
-  return maps;
+    mosaics += scene.outputs.references[place.reference].record.conditions[place.condition].maps.size() + 2;
+  return mosaics;
 }
 
 Part partOf(const Scene& scene, const Place& place) {
@@ -165,7 +166,7 @@ MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t
   scene.forScript = forScript;
   scene.mask = maskOf(scene);
   const auto voxels = static_cast<std::size_t>(std::count(scene.mask.begin(), scene.mask.end(), 1));
-  const std::size_t mosaics = kTextOfMosaic * mapsOf(scene);
+  const std::size_t mosaics = kTextOfMosaic * mosaicsOf(scene);
   scene.plan = embeddingPlan(places.size(), voxels, limit - std::min(limit, mosaics));
   std::vector<Part> parts = partsOf(scene);
   MapsSection result;

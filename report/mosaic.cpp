@@ -59,41 +59,54 @@ std::string overlayRow(const MosaicLayout& layout, const MosaicMap& map, int row
       layout.y(first), static_cast<double>(end - first) * layout.width, layout.height, pngUri(pixels.png()));
 }
 
-// Lines wherever a voxel of the region borders one outside it, as a path's steps.
-std::string outlineOf(const MosaicLayout& layout, const std::vector<std::uint8_t>& region,
-                      std::size_t panel) {
-  const render::Upright& view = layout.grid.view();
-  const int top = layout.slices[panel];
-  const auto inside = [&](int right, int front) {
-    return right >= 0 && front >= 0 && right < view.dim(0) && front < view.dim(1) &&
-           region[layout.voxel(right, front, top)] != 0;
-  };
+// Where neighbours along one side of a line of voxels differ: "M3 7h4" for edges 3 to 6 of seven. differs(i):
+// whether edge i is part of the outline; step: 'h' or 'v'.
+template <typename Differs>
+std::string edgesAlong(int count, char step, int at, Differs differs) {
   std::string path;
-  for (int front = 0; front < view.dim(1); ++front) {
-    for (int right = 0; right < view.dim(0); ++right) {
-      if (!inside(right, front)) continue;
-      const double w = view.voxelMm(0), h = view.voxelMm(1);
-      const double x = layout.x(panel) + right * w, y = layout.y(panel) + (view.dim(1) - 1 - front) * h;
-      if (!inside(right - 1, front)) path += fmt::format("M{:.2f} {:.2f}v{:.2f}", x, y, h);
-      if (!inside(right + 1, front)) path += fmt::format("M{:.2f} {:.2f}v{:.2f}", x + w, y, h);
-      if (!inside(right, front + 1)) path += fmt::format("M{:.2f} {:.2f}h{:.2f}", x, y, w);
-      if (!inside(right, front - 1)) path += fmt::format("M{:.2f} {:.2f}h{:.2f}", x, y + h, w);
-    }
+  for (int first = 0; first < count; ++first) {
+    if (!differs(first)) continue;
+    int end = first;
+    while (end < count && differs(end)) ++end;
+    path += step == 'h' ? fmt::format("M{} {}h{}", first, at, end - first)
+                        : fmt::format("M{} {}v{}", at, first, end - first);
+    first = end;
   }
   return path;
 }
 
-// A light line on a dark one.
-std::string outlined(const MosaicLayout& layout, const Outline& outline) {
+// Lines wherever a voxel of the region borders one outside it, as a path's steps in voxels from the top left.
+std::string outlineOf(const MosaicLayout& layout, const std::vector<std::uint8_t>& region, int top) {
+  const int columns = layout.grid.view().dim(0), rows = layout.grid.view().dim(1);
+  const auto inside = [&](int column, int row) {
+    return column >= 0 && row >= 0 && column < columns && row < rows &&
+           region[layout.voxel(column, rows - 1 - row, top)] != 0;
+  };
   std::string path;
-  for (std::size_t panel = 0; panel < layout.slices.size(); ++panel)
-    path += outlineOf(layout, outline.region, panel);
-  if (path.empty()) return "";
+  for (int row = 0; row <= rows; ++row)
+    path += edgesAlong(columns, 'h', row, [&](int i) { return inside(i, row) != inside(i, row - 1); });
+  for (int column = 0; column <= columns; ++column)
+    path += edgesAlong(rows, 'v', column, [&](int i) { return inside(column, i) != inside(column - 1, i); });
+  return path;
+}
+
+// A light line on a dark one, drawn twice from one path; widths are those of the screen.
+std::string outlined(const MosaicLayout& layout, const Outline& outline, const std::string& id) {
+  std::string paths;
+  for (std::size_t panel = 0; panel < layout.slices.size(); ++panel) {
+    const std::string path = outlineOf(layout, outline.region, layout.slices[panel]);
+    if (path.empty()) continue;
+    paths += fmt::format(
+        "<path transform=\"translate({:.2f} {:.2f}) scale({:.4g} {:.4g})\" "
+        "vector-effect=\"non-scaling-stroke\" d=\"{}\"/>",
+        layout.x(panel), layout.y(panel), layout.grid.view().voxelMm(0), layout.grid.view().voxelMm(1), path);
+  }
+  if (paths.empty()) return "";
   return fmt::format(
-      "<g fill=\"none\" stroke-linecap=\"square\"><path d=\"{0}\" stroke=\"#000\" "
-      "stroke-width=\"2.4\"/><path d=\"{0}\" "
-      "stroke=\"{1}\" stroke-width=\"1.2\"/></g>",
-      path, outline.colour);
+      "<defs><g id=\"{0}\" fill=\"none\" stroke-linecap=\"square\">{1}</g></defs><use href=\"#{0}\" "
+      "stroke=\"#000\" "
+      "stroke-width=\"3.5\"/><use href=\"#{0}\" stroke=\"{2}\" stroke-width=\"1.5\"/>",
+      id, paths, outline.colour);
 }
 
 // Millimetres from below of a slice's centre; of oblique slices that of its middle.
@@ -106,16 +119,17 @@ double heightOf(const PageGrid& grid, int top) {
 std::string panelTexts(const MosaicLayout& layout, std::size_t panel) {
   const double x = layout.x(panel), y = layout.y(panel), middle = y + layout.height / 2;
   return fmt::format(
-      "<text x=\"{:.2f}\" y=\"{:.2f}\">L</text><text x=\"{:.2f}\" y=\"{:.2f}\" text-anchor=\"end\">R</text>"
-      "<text x=\"{:.2f}\" y=\"{:.2f}\" text-anchor=\"middle\">z {:.0f}</text>",
+      "<text x=\"{:.0f}\" y=\"{:.0f}\">L</text><text x=\"{:.0f}\" y=\"{:.0f}\" text-anchor=\"end\">R</text>"
+      "<text x=\"{:.0f}\" y=\"{:.0f}\" text-anchor=\"middle\">z {:.0f}</text>",
       x + 2, middle, x + layout.width - 2, middle, x + layout.width / 2, y - 1.5,
       std::round(heightOf(layout.grid, layout.slices[panel])) + 0.0);  // not -0
 }
 
-std::string underlays(const MosaicLayout& layout, const UnderlaySheet& sheet) {
+std::string underlays(const MosaicLayout& layout) {
   std::string svg;
   for (std::size_t panel = 0; panel < layout.slices.size(); ++panel)
-    svg += sheet.slice(layout.slices[panel], layout.x(panel), layout.y(panel), layout.width, layout.height);
+    svg += UnderlaySheet::slice(layout.slices[panel], layout.x(panel), layout.y(panel), layout.width,
+                                layout.height);
   return svg;
 }
 
@@ -148,12 +162,13 @@ std::vector<int> mosaicSlices(const PageGrid& grid, const std::vector<float>& un
   return slices;
 }
 
-std::string mosaic(const PageGrid& grid, const UnderlaySheet& sheet, const MosaicMap& map,
-                   const std::vector<int>& slices, const std::string& label) {
+std::string mosaic(const PageGrid& grid, const MosaicMap& map, const std::vector<int>& slices,
+                   const std::string& label) {
   const MosaicLayout layout(grid, slices);
-  std::string content = "<rect width=\"100%\" height=\"100%\" fill=\"#000\"/>" + underlays(layout, sheet);
+  std::string content = "<rect width=\"100%\" height=\"100%\" fill=\"#000\"/>" + underlays(layout);
   for (int row = 0; row < layout.rows; ++row) content += overlayRow(layout, map, row);
-  for (const Outline& outline : map.outlines) content += outlined(layout, outline);
+  for (std::size_t i = 0; i < map.outlines.size(); ++i)
+    content += outlined(layout, map.outlines[i], fmt::format("{}-outline-{}", map.id, i));
   content += "<g fill=\"#fff\" font-size=\"8\" font-family=\"sans-serif\">";
   for (std::size_t panel = 0; panel < slices.size(); ++panel) content += panelTexts(layout, panel);
   content += "</g>";

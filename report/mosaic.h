@@ -21,6 +21,7 @@ struct Outline {
 };
 
 struct MosaicMap {
+  std::string id;                                   // of the picture; no other on its page has it
   std::function<render::Rgba(std::size_t)> colour;  // of a voxel, by its place in upright order
   std::vector<Outline> outlines;                    // later ones lie on earlier ones
 };
@@ -33,9 +34,10 @@ inline constexpr int kMosaicSlices = 15;
 [[nodiscard]] std::vector<int> mosaicSlices(const PageGrid& grid, const std::vector<float>& underlay,
                                             const std::vector<int>& wanted);
 
-// label: what a person who cannot see it is told. The sheet's definition must stand in the same document.
-[[nodiscard]] std::string mosaic(const PageGrid& grid, const UnderlaySheet& sheet, const MosaicMap& map,
-                                 const std::vector<int>& slices, const std::string& label);
+// label: what a person who cannot see it is told. The definition of the underlay's sheet must stand in the
+// same document.
+[[nodiscard]] std::string mosaic(const PageGrid& grid, const MosaicMap& map, const std::vector<int>& slices,
+                                 const std::string& label);
 
 // A bar of the scale's colours with its numbers and the unit, as SVG.
 [[nodiscard]] std::string colourBar(const OverlayScale& scale, const std::string& unit);

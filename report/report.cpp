@@ -42,7 +42,7 @@ std::string leadOf(const StudyOutputs& outputs) {
 
 // Bytes for maps, of a page that can be mailed.
 std::size_t leftOf(std::size_t taken) {
-  constexpr std::size_t kPage = 8'000'000, kOtherSections = 600'000;
+  constexpr std::size_t kPage = 8'000'000, kOtherSections = 900'000;
   return kPage - std::min(kPage, taken + kOtherSections);
 }
 

@@ -36,22 +36,26 @@ UnderlaySheet::UnderlaySheet(const PageGrid& grid, const std::vector<std::uint8_
 }
 
 std::string UnderlaySheet::definition() const {
-  return single("image", {{"id", kId},
-                          {"href", pngUri(png_)},
-                          {"width", std::to_string(sheetWidth_)},
-                          {"height", std::to_string(sheetHeight_)}}) +
-         "</image>";
+  std::string svg = single("image", {{"id", kId},
+                                     {"href", pngUri(png_)},
+                                     {"width", std::to_string(sheetWidth_)},
+                                     {"height", std::to_string(sheetHeight_)}}) +
+                    "</image>";
+  for (int top = 0; top < slices_; ++top)
+    svg += fmt::format(
+        "<symbol id=\"u{}\" viewBox=\"{} {} {} {}\" preserveAspectRatio=\"none\"><use "
+        "href=\"#{}\"/></symbol>",
+        top, xOf(top), yOf(top), width_, height_, kId);
+  return svg;
 }
 
 std::string UnderlaySheet::standalone(std::string svg) const {
   return svg.insert(svg.find('>') + 1, "<defs>" + definition() + "</defs>");
 }
 
-std::string UnderlaySheet::slice(int top, double x, double y, double width, double height) const {
-  return fmt::format(
-      "<svg x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" viewBox=\"{} {} {} {}\" "
-      "preserveAspectRatio=\"none\"><use href=\"#{}\"/></svg>",
-      x, y, width, height, xOf(top), yOf(top), width_, height_, kId);
+std::string UnderlaySheet::slice(int top, double x, double y, double width, double height) {
+  return fmt::format("<use href=\"#u{}\" x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" height=\"{:.1f}\"/>", top,
+                     x, y, width, height);
 }
 
 }  // namespace report

@@ -15,12 +15,13 @@ class UnderlaySheet {
   // levels: grey, in upright order.
   UnderlaySheet(const PageGrid& grid, const std::vector<std::uint8_t>& levels);
 
-  // The sheet as an SVG image element with an id, to stand once on a page (or in a file), before use.
+  // The sheet as an SVG image element, and its slices as symbols, to stand once on a page (or in a file),
+  // before use.
   [[nodiscard]] std::string definition() const;
   // A picture that uses it, complete in itself.
   [[nodiscard]] std::string standalone(std::string svg) const;
   // The piece with one slice, filling the given rectangle.
-  [[nodiscard]] std::string slice(int top, double x, double y, double width, double height) const;
+  [[nodiscard]] static std::string slice(int top, double x, double y, double width, double height);
 
  private:
   // The corner of a slice on the sheet. Black lines part the slices, so that none shines into another where

@@ -41,8 +41,8 @@ Json reference(const std::string& id, const CodedValues& values) {
 }
 
 // Takes away what is smaller; returns the limit.
-float keepStrongest(std::vector<float>& values) {
-  const float floor = strongestTenth(values);
+float keepStrongest(double share, std::vector<float>& values) {
+  const float floor = strongest(values, share);
   for (float& value : values)
     if (std::abs(value) < floor) value = std::numeric_limits<float>::quiet_NaN();
   return floor;
@@ -54,7 +54,7 @@ Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapVi
   const std::string keyword = tav::mapKind(map.map->type).keyword;
   const std::string id = placeId("vol-effect", view.reference, view.condition) + "-" + keyword;
   std::vector<float> values = within(mask, map.values);
-  const float floor = plan.strongestAlone ? keepStrongest(values) : 0.0F;
+  const float floor = plan.strongestShare < 1 ? keepStrongest(plan.strongestShare, values) : 0.0F;
   const CodedValues effect = coded(values, plan.bits);
   volumes += volumeElement(id, effect.bytes);
   const SignWords words = signWords(map.map->type, record.reference);

@@ -64,17 +64,19 @@ TEST(EmbeddingPlan, GrowsCoarserWithTheNumberOfMaps) {
   EXPECT_EQ(plan(8).bits, 8);
   EXPECT_TRUE(plan(8).withP);
   EXPECT_FALSE(plan(15).withP);
-  EXPECT_FALSE(plan(15).strongestAlone);
-  EXPECT_TRUE(plan(30).strongestAlone);
-  EXPECT_TRUE(plan(30).withMaps);
+  EXPECT_EQ(plan(15).strongestShare, 1);
+  EXPECT_EQ(plan(40).strongestShare, 0.1);
+  EXPECT_EQ(plan(80).strongestShare, 0.04);
+  EXPECT_TRUE(plan(80).withMaps);
   EXPECT_FALSE(plan(500).withMaps);
 }
 
-TEST(StrongestTenth, IsByMagnitude) {
+TEST(Strongest, IsByMagnitude) {
   std::vector<float> values = {std::numeric_limits<float>::quiet_NaN()};
-  for (int i = 1; i <= 100; ++i) values.push_back(static_cast<float>(i % 2 == 0 ? i : -i));
-  EXPECT_EQ(strongestTenth(values), 91);
-  EXPECT_EQ(strongestTenth(std::vector<float>{}), 0);
+  for (int i = 0; i <= 100; ++i) values.push_back(static_cast<float>(i % 2 == 0 ? i : -i));
+  EXPECT_EQ(strongest(values, 0.1), 90);
+  EXPECT_EQ(strongest(values, 0.04), 96);
+  EXPECT_EQ(strongest(std::vector<float>{}, 0.1), 0);
 }
 
 }  // namespace

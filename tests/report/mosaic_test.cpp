@@ -23,12 +23,11 @@ struct MosaicTest : testing::Test {
   }
   PageGrid grid{header()};
   std::vector<float> underlay = std::vector<float>(grid.voxels(), 1.0F);
-  UnderlaySheet sheet{grid, std::vector<std::uint8_t>(grid.voxels(), 99)};
   std::vector<std::uint8_t> region = std::vector<std::uint8_t>(grid.voxels(), 0);
 
   [[nodiscard]] std::string svg(const std::vector<int>& slices) const {
-    const MosaicMap map{[](std::size_t) { return render::Rgba{255, 0, 0, 255}; }, {{region, "#0ff"}}};
-    return mosaic(grid, sheet, map, slices, "a <label>");
+    const MosaicMap map{"m", [](std::size_t) { return render::Rgba{255, 0, 0, 255}; }, {{region, "#0ff"}}};
+    return mosaic(grid, map, slices, "a <label>");
   }
 };
 
@@ -73,7 +72,7 @@ TEST_F(MosaicTest, OutlinesTheRegionAlone) {
   EXPECT_THAT(svg({3}), Not(HasSubstr("stroke=\"#0ff\"")));
   region[(3 * 7 + 2) * 6 + 1] = 1;
   EXPECT_THAT(svg({3}),
-              HasSubstr("M3.00 21.00v3.00"));  // its left edge; 9 mm of caption, four rows of 3 mm above
+              HasSubstr("d=\"M1 4h1M1 5h1M1 4v1M2 4v1\""));  // four rows above it
   EXPECT_THAT(svg({4}), Not(HasSubstr("stroke=\"#0ff\"")));
 }
 

@@ -59,6 +59,17 @@ std::string placeCell(const ClusterRows& rows, std::size_t row) {
                            rows.number(row, "peak_z", Digits::kTenth) + ") " + jumpButton(rows, row));
 }
 
+// "66.7% V1; 33.3% none": the first ones of a large cluster.
+std::string fewLabels(const std::string& labels) {
+  constexpr int kMost = 4;
+  std::size_t end = 0;
+  for (int i = 0; i < kMost; ++i) {
+    end = labels.find("; ", end == 0 ? 0 : end + 1);
+    if (end == std::string::npos) return labels;
+  }
+  return labels.substr(0, end) + "; and others";
+}
+
 std::string clusterRow(const ClusterRows& rows, std::size_t row) {
   const std::string& label = rows.cell(row, "peak_label");
   return element("tr", element("th", {{"scope", "row"}}, text(rows.cell(row, "map"))) +
@@ -67,7 +78,7 @@ std::string clusterRow(const ClusterRows& rows, std::size_t row) {
                            numberCell(rows, row, "volume", Digits::kTenth) +
                            numberCell(rows, row, "peak", Digits::kFour) + placeCell(rows, row) +
                            element("td", label == "n/a" ? label : name(label)) +
-                           element("td", text(rows.cell(row, "labels"))));
+                           element("td", text(fewLabels(rows.cell(row, "labels")))));
 }
 
 std::string headOfClusters() {

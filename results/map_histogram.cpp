@@ -39,7 +39,7 @@ class CentralRange {
     if (!std::isfinite(value)) return;
     ++counts_[orderOf(value) >> kHalf];
     ++count_;
-    whole_.include(value);
+    whole_.include(static_cast<double>(value));
   }
 
   // Without any value, nothing is included.
@@ -122,15 +122,16 @@ MapHistogram mapHistogram(const float* values, const std::vector<std::uint8_t>& 
   Range range;
   central.includeIn(range);
   for (const float value : observed)
-    if (std::isfinite(value)) range.include(value);
+    if (std::isfinite(value)) range.include(static_cast<double>(value));
   MapHistogram found;
   found.edges = edgesOver(range);
   found.observed.resize(kHistogramBins);
   found.null.resize(kHistogramBins);
   for (const float value : observed)
-    count(value, found.edges, {found.observed, found.observedBelow, found.observedAbove});
+    count(static_cast<double>(value), found.edges,
+          {found.observed, found.observedBelow, found.observedAbove});
   forEachNull(null, [&found](float value) {
-    count(value, found.edges, {found.null, found.nullBelow, found.nullAbove});
+    count(static_cast<double>(value), found.edges, {found.null, found.nullBelow, found.nullAbove});
   });
   return found;
 }

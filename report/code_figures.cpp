@@ -55,7 +55,7 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
   return {element("figure", {{"class", "mosaic"}, {"id", id}},
                   element("figcaption", picture.caption) + svg + legendOf(picture, quotes)) +
               "\n",
-          pictureFileOf(picture.file), sheet.standalone(svg)};
+          pictureFileOf(picture.file), sheet.standalone(svg, id)};
 }
 
 std::vector<std::string> directionNames() {

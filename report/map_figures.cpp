@@ -119,7 +119,7 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
   return {element("figure", {{"class", "mosaic"}, {"id", idOf(view, map)}},
                   element("figcaption", caption) + svg + bar) +
               "\n",
-          pictureFileOf(map.map->file), sheet.standalone(svg)};
+          pictureFileOf(map.map->file), sheet.standalone(svg, idOf(view, map))};
 }
 
 }  // namespace

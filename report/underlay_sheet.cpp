@@ -49,7 +49,10 @@ std::string UnderlaySheet::definition() const {
   return svg;
 }
 
-std::string UnderlaySheet::standalone(std::string svg) const {
+std::string UnderlaySheet::standalone(std::string svg, const std::string& id) const {
+  const std::string alone = "picture";
+  for (std::size_t at = 0; (at = svg.find(id + "-outline", at)) != std::string::npos; at += alone.size())
+    svg.replace(at, id.size(), alone);
   return svg.insert(svg.find('>') + 1, "<defs>" + definition() + "</defs>");
 }
 

@@ -18,8 +18,9 @@ class UnderlaySheet {
   // The sheet as an SVG image element, and its slices as symbols, to stand once on a page (or in a file),
   // before use.
   [[nodiscard]] std::string definition() const;
-  // A picture that uses it, complete in itself.
-  [[nodiscard]] std::string standalone(std::string svg) const;
+  // A picture that uses it, complete in itself. id: of the picture; alone it needs no name that tells it from
+  // others.
+  [[nodiscard]] std::string standalone(std::string svg, const std::string& id) const;
   // The piece with one slice, filling the given rectangle.
   [[nodiscard]] static std::string slice(int top, double x, double y, double width, double height);
 

@@ -12,17 +12,18 @@ using namespace report;
 using testing::HasSubstr;
 
 Chart sample() {
-  return {
-      "one",
-      "line",
-      "Words",
-      {"Volume", "s"},
-      {"Value", "", true},
-      {1, 2},
-      "f.json#/X",
-      {{"<main>", "main", {0.1, NAN}, "f.json#/Y"}, {"line", "bound", {}, "", 0.25}, {"other", "null", {3}}},
-      {{1.5, "q = 0.1"}},
-      {{0.5, 1.5, "censored", "censored"}}};
+  return {"one",
+          "line",
+          "Words",
+          {"Volume", "s"},
+          {"Value", "", true},
+          {1, 2},
+          "f.json#/X",
+          {{"<main>", "main", {0.1, std::nan("")}, "f.json#/Y"},
+           {"line", "bound", {}, "", 0.25},
+           {"other", "null", {3}}},
+          {{1.5, "q = 0.1"}},
+          {{0.5, 1.5, "censored", "censored"}}};
 }
 
 TEST(ChartJson, HasWhatTheScriptDraws) {

@@ -173,7 +173,7 @@ study::Evidence evidenceOf(const Sample& sample) {
                   {0.1, 0.1, 0.1}, {0.3, 0.3, 0.3},    {0.6, 0.5, 0.4}};
   run.residuals = {113, {0.25, -0.125}, {-0.01, -0.01}, 0.18, 21.5, 0.125, 18};
   run.predictability = {0.5, 0.25, 48};
-  run.motion = {"framewise_displacement of the confounds", {NAN, 0.125, 0.25}};
+  run.motion = {"framewise_displacement of the confounds", {std::nan(""), 0.125, 0.25}};
   evidence.runs.push_back(run);
   evidence.voxelsBySlice.fill(std::vector<std::size_t>(static_cast<std::size_t>(kSize.z), 0));
   evidence.voxelsBySlice[static_cast<std::size_t>(study::StatusCode::kIllDefined)][3] = 7;

@@ -19,7 +19,8 @@ namespace sample_outputs {
 struct Sample {
   formats::Affine affine = las();
   std::string reference = "V1", condition = "faces", warning = "few volumes", label = "lobe";
-  bool survives = true;  // else no voxel passes at any q
+  bool survives = true;                                                    // else no voxel passes at any q
+  study::DirectionCode direction = study::DirectionCode::kReferenceLeads;  // of the marker
 };
 
 inline constexpr std::array<double, 3> kMarkerMm = {-12, 9, 8};  // of the marker's centre, about

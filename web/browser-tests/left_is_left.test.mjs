@@ -60,6 +60,7 @@ for (const kind of folder === undefined ? [] : ["las", "ras", "oblique"]) {
         assert.ok(Math.abs(Number(text) - kMarker[axis]) < 3.6, `${text} mm along axis ${axis}`);
       });
       assert.match(readout.Value, /\+50/);
+      assert.match(readout.p, /p 4\.5/); // -log10, as the image of p has it
       const { x, y, count } = await centreOf(page, await viewer.$("[data-plane=axial] canvas"), 1);
       assert.ok(count > 50, `${count} pixels are coloured`);
       assert.ok(x < 0.5, `${x} of the way from left to right`);

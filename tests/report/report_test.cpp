@@ -83,6 +83,21 @@ TEST_F(ReportTest, IsTheSameWhenRebuilt) {
   EXPECT_EQ(contentOf(writeReport(folder.folder(), "sample")), once);
 }
 
+// The colour of the marker, the only voxels whose direction was tested.
+TEST_F(ReportTest, DrawsVoxelsWithoutSupportedDirectionFainter) {
+  const auto picture =
+      folder.folder() / "figures" / "sample_seed-V1_contrast-facesdTAV_stat-effect_statmap.svg";
+  sample_outputs::Sample sample;
+  pageOf(sample);
+  const std::string supported = contentOf(picture);
+  sample.direction = study::DirectionCode::kVoxelLeads;
+  pageOf(sample);
+  EXPECT_EQ(contentOf(picture), supported);
+  sample.direction = study::DirectionCode::kNotSupported;
+  pageOf(sample);
+  EXPECT_NE(contentOf(picture), supported);
+}
+
 TEST_F(ReportTest, NamesWhatFailed) {
   folder.write("sample_desc-failures_tavmap.tsv", "reference\tmessage\nV<2>\tconstant courses\n");
   const std::string html = pageOf({});

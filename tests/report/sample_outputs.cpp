@@ -134,8 +134,8 @@ study::ConditionRecord conditionOf(const Sample& sample) {
   condition.maps = {mapResult(sample, tav::REF2VOX, "Ref2Vox"), mapResult(sample, tav::DTAV, "dTAV")};
   if (sample.survives) {
     const std::size_t voxels = markerVoxels(sample.affine);
-    condition.direction = {
-        0.05, fmt::format("{}desc-facesDirection_dseg.nii.gz", kStem), {0, voxels, 0, 0, 0}};
+    condition.direction = {0.05, fmt::format("{}desc-facesDirection_dseg.nii.gz", kStem), {}};
+    condition.direction.voxels[static_cast<std::size_t>(sample.direction)] = voxels;
   }
   condition.clustersFile = fmt::format("{}desc-faces_clusters.tsv", kStem);
   condition.evidenceFile = fmt::format("{}desc-faces_evidence.json", kStem);
@@ -238,7 +238,9 @@ void writeTo(const fs::path& folder, const Sample& sample) {
              volume(sample.affine, ofHead([](const auto& p) { return inMarker(p) ? 4.5 : 0.5; })));
   if (!condition.direction.empty())
     writeImage(folder / condition.direction.file, sample.affine,
-               volume(sample.affine, [](const formats::Point& p) { return inMarker(p) ? 1.0 : 0.0; }));
+               volume(sample.affine, [&](const formats::Point& p) {
+                 return inMarker(p) ? static_cast<double>(sample.direction) : 0.0;
+               }));
   writeImage(folder / "sample_desc-mean_boldref.nii.gz", sample.affine,
              volume(sample.affine, ofHead([](const auto& p) { return 800 + p[1] * 8; })));
   formats::writeTextFile((folder / condition.clustersFile).string(), clusterRows(condition, sample));

@@ -111,7 +111,7 @@ int group(const BidsArguments& arguments) {
 }
 
 int reportsAlone(const BidsArguments& arguments) {
-  for (const std::string& page : report::rebuildReports(arguments.outDir))
+  for (const std::string& page : report::rebuildReports(arguments.outDir, arguments.study.jobs))
     if (!arguments.study.quiet) std::cout << page << "\n";
   return kDone;
 }

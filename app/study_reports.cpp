@@ -44,7 +44,8 @@ StudyReports writeReports(const std::vector<study::Request>& requests, const stu
   for (const study::Request& request : requests) {
     if (!hasOutputs(request.output)) continue;
     write(
-        request.title, [&] { return report::writeReport(request.output.folder, request.output.prefix); },
+        request.title,
+        [&] { return report::writeReport(request.output.folder, request.output.prefix, options.jobs); },
         reports);
   }
   if (!options.datasetFolder.empty() && !reports.pages.empty())

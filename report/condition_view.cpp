@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "formats/nifti.h"
+#include "report/map_titles.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -72,10 +73,6 @@ MapView readMap(const StudyOutputs& outputs, const PageGrid& grid, const study::
 }
 
 }  // namespace
-
-bool hasSign(tav::MapType type) {
-  return type >= tav::DTAV;
-}
 
 ConditionView readConditionView(const StudyOutputs& outputs, const PageGrid& grid, std::size_t reference,
                                 std::size_t condition) {

@@ -40,8 +40,6 @@ struct ConditionView {
 [[nodiscard]] MapView readMapView(const StudyOutputs& outputs, const PageGrid& grid,
                                   const study::ConditionRecord& condition, std::size_t index);
 
-[[nodiscard]] bool hasSign(tav::MapType type);
-
 }  // namespace report
 
 #endif

@@ -52,7 +52,7 @@ std::string conditionEvidence(const StudyOutputs& outputs, std::size_t r, std::s
   const std::string& file = condition.evidenceFile;
   if (file.empty() || !std::filesystem::exists(outputs.path(file))) return "";
   const study::Evidence evidence = study::readEvidenceFile(outputs.path(file));
-  const EvidencePlace place{file, fmt::format("{}-{}", r, c)};
+  const EvidencePlace place{file, viewId(r, c)};
   ChartList charts(data);
   charts.add(mapCharts(evidence, condition, place));
   charts.add(predictabilityWords(evidence));

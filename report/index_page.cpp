@@ -70,17 +70,17 @@ std::string peakCell(const study::ConditionRecord& condition, const study::MapRe
   return counted(quotes.number("/Peak/Value", Digits::kFour), map.peak);
 }
 
-std::string picture(const StudyOutputs& outputs, std::size_t r, std::size_t c) {
+std::string picture(const Thumbnails& thumbnails, const StudyOutputs& outputs, std::size_t r, std::size_t c) {
   const study::ConditionRecord& condition = outputs.references[r].record.conditions[c];
   const std::string words =
       fmt::format("{} of {}, condition {}: three slices", tav::mapKind(mainMap(condition)->type).keyword,
                   outputs.references[r].record.reference, condition.name);
   return element(
-      "td",
-      single("img", {{"class", "thumbnail"}, {"alt", words}, {"src", pngUri(thumbnail(outputs, r, c))}}));
+      "td", single("img", {{"class", "thumbnail"}, {"alt", words}, {"src", pngUri(thumbnails.of(r, c))}}));
 }
 
-std::string resultRow(const fs::path& folder, const StudyOutputs& outputs, std::size_t r, std::size_t c) {
+std::string resultRow(const fs::path& folder, const StudyOutputs& outputs, const Thumbnails& thumbnails,
+                      std::size_t r, std::size_t c) {
   const ReferenceOutputs& reference = outputs.references[r];
   const study::ConditionRecord& condition = reference.record.conditions[c];
   const study::MapResult* map = mainMap(condition);
@@ -91,12 +91,22 @@ std::string resultRow(const fs::path& folder, const StudyOutputs& outputs, std::
   const std::size_t warnings = reference.record.warnings.size();
   return element("tr", element("th", {{"scope", "row"}}, linkTo(folder, outputs)) +
                            element("td", name(reference.record.reference)) +
-                           element("td", name(condition.name)) + picture(outputs, r, c) +
+                           element("td", name(condition.name)) + picture(thumbnails, outputs, r, c) +
                            counted(quotes.number("/EffectiveVolumes"), condition.effectiveVolumes) +
                            counted(std::to_string(censoredOf(condition)), censoredOf(condition)) +
                            counted(std::to_string(warnings), static_cast<double>(warnings)) +
                            passingCell(*map, ofMap) + directionCell(condition, quotes) +
                            peakCell(condition, *map, ofMap));
+}
+
+std::string resultRows(const fs::path& folder, const StudyOutputs& outputs) {
+  std::string rows;
+  if (outputs.references.empty()) return rows;
+  const Thumbnails thumbnails(outputs);
+  for (std::size_t r = 0; r < outputs.references.size(); ++r)
+    for (std::size_t c = 0; c < outputs.references[r].record.conditions.size(); ++c)
+      rows += resultRow(folder, outputs, thumbnails, r, c);
+  return rows;
 }
 
 std::string headOfIndex() {
@@ -135,9 +145,7 @@ std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& r
   for (const StudyOutputs& outputs : requests) {
     for (const FailedReference& failure : outputs.failures)
       failed += failedRow(linkTo(folder, outputs), failure);
-    for (std::size_t r = 0; r < outputs.references.size(); ++r)
-      for (std::size_t c = 0; c < outputs.references[r].record.conditions.size(); ++c)
-        done += resultRow(folder, outputs, r, c);
+    done += resultRows(folder, outputs);
   }
   const std::string table =
       element("div", {{"class", "table-scroll"}},

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <set>
 
+#include "report/map_titles.h"
+
 namespace report {
 namespace {
 
@@ -45,7 +47,7 @@ void addCondition(const ConditionRecord& condition, Facts& facts) {
   for (const study::MapResult& map : condition.maps) {
     facts.maps += map.thresholds.empty() ? 0U : 1U;
     facts.hasFamilyWise = facts.hasFamilyWise || !map.familyWise.empty();
-    facts.hasDifference = facts.hasDifference || map.type >= tav::DTAV;
+    facts.hasDifference = facts.hasDifference || hasSign(map.type);
     for (const study::ThresholdResult& threshold : map.thresholds)
       facts.hasPassing = facts.hasPassing || threshold.outsideReference > 0;
   }

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <numeric>
 
-#include "report/condition_view.h"
 #include "report/evidence_charts.h"
 #include "report/html.h"
+#include "report/map_titles.h"
 #include "tav/map_kinds.h"
 
 namespace report {

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "report/code_figures.h"
 #include "report/html.h"
@@ -11,6 +12,7 @@
 #include "report/quotes.h"
 #include "report/sections.h"
 #include "results/map_words.h"
+#include "results/output_names.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -54,11 +56,9 @@ std::string colourWords(const MapView& map, const std::string& reference) {
                      text(words.negative));
 }
 
-std::string directionWords(const ConditionView& view) {
-  return view.directions.empty() ? ""
-                                 : " Half as strong: the voxel passes, and unequal noise alone might make "
-                                   "its sign (no support with reversed time).";
-}
+constexpr const char* kDirectionWords =
+    " Half as strong: the voxel passes, and unequal noise alone might make its sign (no support with "
+    "reversed time).";
 
 std::string plainLabel(const StudyOutputs& outputs, const ConditionView& view, const MapView& map) {
   const std::string& reference = outputs.references[view.reference].record.reference;
@@ -112,7 +112,7 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
   const std::string keyword = tav::mapKind(map.map->type).keyword;
   const std::string caption = element("strong", keyword) + ": " + text(mapTitle(map.map->type, reference)) +
                               ". " + lookedUp(outputs, view, map) + colourWords(map, reference) +
-                              (showsDirections(view, map) ? directionWords(view) : "") + clusterWords(map);
+                              (showsDirections(view, map) ? kDirectionWords : "") + clusterWords(map);
   const std::string unit = unitOf(outputs, view, map.map->type);
   const std::string bar = element("div", {{"class", "scale"}},
                                   colourBar(map.scale, unit) + element("small", "Unit: " + text(unit)));
@@ -125,10 +125,7 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
 }  // namespace
 
 std::string pictureFileOf(const std::string& image) {
-  std::string stem = image;
-  for (const std::string ending : {".nii.gz", ".nii"})
-    if (stem.ends_with(ending)) stem.resize(stem.size() - ending.size());
-  return stem + ".svg";
+  return std::filesystem::path(study::OutputNames::sidecarOf(image)).replace_extension(".svg").string();
 }
 
 std::vector<MapFigure> mapFigures(const StudyOutputs& outputs, const PageGrid& grid,

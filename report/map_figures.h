@@ -19,7 +19,7 @@ struct MapFigure {
 // The picture beside the page of an image: "X.svg" for "X.nii.gz".
 [[nodiscard]] std::string pictureFileOf(const std::string& image);
 
-// underlay: in stored order, to choose slices by; underlayName: what it is, in words.
+// underlay: in stored order, to choose slices by.
 [[nodiscard]] std::vector<MapFigure> mapFigures(const StudyOutputs& outputs, const PageGrid& grid,
                                                 const std::vector<float>& underlay,
                                                 const UnderlaySheet& sheet, const ConditionView& view);

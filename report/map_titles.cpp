@@ -56,4 +56,8 @@ SignWords signWords(tav::MapType type, const std::string& reference) {
   return {filledIn(title.positive, reference), filledIn(title.negative, reference)};
 }
 
+bool hasSign(tav::MapType type) {
+  return kTitles[static_cast<std::size_t>(type)].negative[0] != '\0';
+}
+
 }  // namespace report

@@ -17,6 +17,9 @@ struct SignWords {
 // What a value of either sign is a measure of; whether anything leads is for the direction map to say.
 [[nodiscard]] SignWords signWords(tav::MapType type, const std::string& reference);
 
+// Whether values of this kind may be negative.
+[[nodiscard]] bool hasSign(tav::MapType type);
+
 }  // namespace report
 
 #endif

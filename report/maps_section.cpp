@@ -6,7 +6,6 @@
 #include <atomic>
 #include <future>
 #include <nlohmann/json.hpp>
-#include <thread>
 
 #include "formats/nifti.h"
 #include "report/html.h"
@@ -71,7 +70,7 @@ std::vector<std::uint8_t> maskOf(const Scene& scene) {
     for (std::size_t i = 0; i < any.size() && i < status.size(); ++i)
       if (status[i] > 0) any[i] = 1;
   }
-  return voxelsOfMaps(scene.grid.upright(any));
+  return scene.grid.upright(any);
 }
 
 // With those of direction and status.
@@ -90,16 +89,14 @@ Part partOf(const Scene& scene, const Place& place) {
   return part;
 }
 
-std::vector<Part> partsOf(const Scene& scene) {
+std::vector<Part> partsOf(const Scene& scene, int threads) {
   std::vector<Part> parts(scene.places.size());
   std::atomic<std::size_t> next = 0;
   const auto work = [&] {
     for (std::size_t i = next++; i < parts.size(); i = next++) parts[i] = partOf(scene, scene.places[i]);
   };
   std::vector<std::future<void>> workers;
-  const std::size_t threads =
-      std::min<std::size_t>(std::max(1U, std::thread::hardware_concurrency()), parts.size());
-  for (std::size_t i = 1; i < threads; ++i) workers.push_back(std::async(std::launch::async, work));
+  for (int i = 1; i < threads; ++i) workers.push_back(std::async(std::launch::async, work));
   work();
   for (std::future<void>& worker : workers) worker.get();
   return parts;
@@ -110,10 +107,8 @@ std::string viewerOf(const Scene& scene, const Place& place) {
   if (!scene.plan.withMaps)
     return element("p",
                    "The maps are too many to be embedded: open the images beside this page in a viewer.");
-  return element("div",
-                 {{"class", "viewer script-only"},
-                  {"data-view", fmt::format("{}-{}", place.reference, place.condition)}},
-                 "");
+  return element(
+      "div", {{"class", "viewer script-only"}, {"data-view", viewId(place.reference, place.condition)}}, "");
 }
 
 std::string conditionMaps(const Scene& scene, const Place& place, const Part& part) {
@@ -158,7 +153,7 @@ void addData(const Scene& scene, std::vector<Part>& parts, MapsSection& result) 
 
 }  // namespace
 
-MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t limit) {
+MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t limit, int threads) {
   const std::vector<Place> places = placesOf(outputs);
   if (places.empty()) return {};
   Scene scene(outputs, formats::readImageHeader(outputs.path(statusFileOf(outputs, places[0]))));
@@ -168,7 +163,7 @@ MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t
   const auto voxels = static_cast<std::size_t>(std::count(scene.mask.begin(), scene.mask.end(), 1));
   const std::size_t mosaics = kTextOfMosaic * mosaicsOf(scene);
   scene.plan = embeddingPlan(places.size(), voxels, limit - std::min(limit, mosaics));
-  std::vector<Part> parts = partsOf(scene);
+  std::vector<Part> parts = partsOf(scene, threads);
   MapsSection result;
   result.html = html(scene, parts);
   result.definitions =

@@ -21,8 +21,9 @@ struct MapsSection {
 };
 
 // forScript: whether data and volumes are made; limit: bytes of text that mosaics and volumes may take
-// together, as far as coarser volumes can help. Several threads read and draw. Throws formats::FileError.
-[[nodiscard]] MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t limit);
+// together, as far as coarser volumes can help. So many threads read and draw. Throws formats::FileError.
+[[nodiscard]] MapsSection mapsSection(const StudyOutputs& outputs, bool forScript, std::size_t limit,
+                                      int threads = 1);
 
 }  // namespace report
 

@@ -3,15 +3,6 @@
 #include "report/sections.h"
 
 namespace report {
-namespace {
-
-std::string copyButton(const std::string& target, const std::string& what) {
-  return element("button", {{"type", "button"}, {"class", "copy script-only"}, {"data-copy", "#" + target}},
-                 "Copy " + what) +
-         element("span", {{"class", "copied"}, {"aria-live", "polite"}}, "");
-}
-
-}  // namespace
 
 std::string methodsSection(const StudyOutputs& outputs) {
   if (outputs.references.empty()) return "";

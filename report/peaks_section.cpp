@@ -154,8 +154,8 @@ std::string conditionPeaks(const StudyOutputs& outputs, std::size_t r, std::size
   if (!condition.clustersFile.empty() && std::filesystem::exists(path)) {
     const formats::Table table = formats::Table::read(path);
     const PageGrid grid(formats::readImageHeader(outputs.path(condition.statusFile)));
-    content = clusterTable(
-        condition, {table, condition.clustersFile, fmt::format("{}-{}", r, c), rowsPerMap(outputs), grid});
+    content =
+        clusterTable(condition, {table, condition.clustersFile, viewId(r, c), rowsPerMap(outputs), grid});
   }
   return section(placeId("peaks", r, c), "condition", 4, "Condition " + name(condition.name), content);
 }

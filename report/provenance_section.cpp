@@ -61,10 +61,7 @@ std::string request(const StudyOutputs& outputs) {
       "The request that made these results, as {} in the output folder. Paths are relative to that folder; "
       "<code>tavmap run</code> on that file, in its place, gives the same results.",
       element("code", text(outputs.requestFile)));
-  return element("p", words) +
-         element("button", {{"type", "button"}, {"class", "copy script-only"}, {"data-copy", "#request"}},
-                 "Copy the request") +
-         element("span", {{"class", "copied"}, {"aria-live", "polite"}}, "") +
+  return element("p", words) + copyButton("request", "the request") +
          element("pre", {{"id", "request"}, {"tabindex", "0"}},
                  text(formats::readTextFile(outputs.path(outputs.requestFile))));
 }

@@ -77,11 +77,12 @@ void writePictures(const fs::path& folder, const std::string& prefix, const Maps
 
 }  // namespace
 
-std::string writeReport(const fs::path& folder, const std::string& prefix) {
+std::string writeReport(const fs::path& folder, const std::string& prefix, int threads) {
   const StudyOutputs outputs = readStudyOutputs(folder, prefix);
   const EvidenceSection evidence = evidenceSection(outputs);
   const std::string peaks = peaksSection(outputs);
-  const MapsSection maps = mapsSection(outputs, isInteractive(), leftOf(evidence.html.size() + peaks.size()));
+  const MapsSection maps =
+      mapsSection(outputs, isInteractive(), leftOf(evidence.html.size() + peaks.size()), threads);
   PageWriter writer;
   writer.add("warnings", "Read this first", warningsSection(outputs));
   writer.add("summary", "Summary", summarySection(outputs));

@@ -7,9 +7,9 @@
 
 namespace report {
 
-// Writes PREFIX_report.html and figures/*.svg into the folder. Returns the page's path. Throws
-// formats::FileError.
-std::string writeReport(const std::filesystem::path& folder, const std::string& prefix);
+// Writes PREFIX_report.html and figures/*.svg into the folder. Returns the page's path. threads: how many
+// draw. Throws formats::FileError.
+std::string writeReport(const std::filesystem::path& folder, const std::string& prefix, int threads = 1);
 
 // Whether pages have a script: the program was built with Node.
 [[nodiscard]] bool isInteractive();

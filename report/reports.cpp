@@ -56,10 +56,10 @@ std::string indexOver(const fs::path& folder, const std::vector<RequestPlace>& p
 
 }  // namespace
 
-std::vector<std::string> rebuildReports(const fs::path& folder) {
+std::vector<std::string> rebuildReports(const fs::path& folder, int threads) {
   const std::vector<RequestPlace> places = placesBelow(folder);
   std::vector<std::string> pages;
-  for (const RequestPlace& place : places) pages.push_back(writeReport(place.folder, place.prefix));
+  for (const RequestPlace& place : places) pages.push_back(writeReport(place.folder, place.prefix, threads));
   if (places.size() > 1 || places[0].folder != folder) pages.push_back(indexOver(folder, places));
   return pages;
 }

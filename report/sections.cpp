@@ -14,6 +14,16 @@ std::string placeId(const char* part, std::size_t reference, std::size_t conditi
   return fmt::format("{}-{}-{}", part, reference, condition);
 }
 
+std::string viewId(std::size_t reference, std::size_t condition) {
+  return fmt::format("{}-{}", reference, condition);
+}
+
+std::string copyButton(const std::string& id, const std::string& what) {
+  return element("button", {{"type", "button"}, {"class", "copy script-only"}, {"data-copy", "#" + id}},
+                 "Copy " + what) +
+         element("span", {{"class", "copied"}, {"aria-live", "polite"}}, "");
+}
+
 std::string section(const std::string& id, const char* kind, int level, const std::string& title,
                     const std::string& content) {
   const std::string heading = fmt::format("h{}", level);

@@ -14,6 +14,12 @@ namespace report {
 [[nodiscard]] std::string placeId(const char* part, std::size_t reference);
 [[nodiscard]] std::string placeId(const char* part, std::size_t reference, std::size_t condition);
 
+// "1-0": by what the script knows a condition.
+[[nodiscard]] std::string viewId(std::size_t reference, std::size_t condition);
+
+// For people with a script: copies the text of the element with this id. what: "the request".
+[[nodiscard]] std::string copyButton(const std::string& id, const std::string& what);
+
 // <section id="ID" class="CLASS"><hN>title</hN>content</section>; title is markup.
 [[nodiscard]] std::string section(const std::string& id, const char* kind, int level,
                                   const std::string& title, const std::string& content);

@@ -6,7 +6,6 @@
 #include "formats/nifti.h"
 #include "render/slice_choice.h"
 #include "report/condition_view.h"
-#include "report/underlay.h"
 
 namespace report {
 namespace {
@@ -33,24 +32,28 @@ const study::MapResult* mainMap(const study::ConditionRecord& condition) {
   return condition.maps.empty() ? nullptr : condition.maps.data();
 }
 
-std::string thumbnail(const StudyOutputs& outputs, std::size_t reference, std::size_t condition) {
-  const study::ConditionRecord& record = outputs.references[reference].record.conditions[condition];
-  const PageGrid grid(formats::readImageHeader(outputs.path(record.statusFile)));
-  const Underlay underlay = readUnderlay(outputs, grid);
-  const std::vector<std::uint8_t> levels = grid.upright(greyLevels(underlay.values, underlay.brightness));
+Thumbnails::Thumbnails(const StudyOutputs& outputs)
+    : outputs_(outputs),
+      grid_(formats::readImageHeader(outputs.path(outputs.references[0].record.conditions[0].statusFile))),
+      underlay_(readUnderlay(outputs, grid_)),
+      levels_(grid_.upright(greyLevels(underlay_.values, underlay_.brightness))) {}
+
+std::string Thumbnails::of(std::size_t reference, std::size_t condition) const {
+  const study::ConditionRecord& record = outputs_.references[reference].record.conditions[condition];
   const study::MapResult* map = mainMap(record);
-  const MapView view = readMapView(outputs, grid, record, static_cast<std::size_t>(map - record.maps.data()));
+  const MapView view =
+      readMapView(outputs_, grid_, record, static_cast<std::size_t>(map - record.maps.data()));
   const MapOverlay overlay(view.scale);
-  const int width = grid.view().dim(0), height = grid.view().dim(1);
+  const int width = grid_.view().dim(0), height = grid_.view().dim(1);
   render::Pixels pixels(3 * width, height);
-  const auto slices = slicesOf(grid, underlay.values, grid.view().position(map->peakVoxel)[2]);
+  const auto slices = slicesOf(grid_, underlay_.values, grid_.view().position(map->peakVoxel)[2]);
   for (int panel = 0; panel < 3; ++panel) {
     std::size_t voxel = static_cast<std::size_t>(slices[static_cast<std::size_t>(panel)]) *
                         static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     for (int front = 0; front < height; ++front)
       for (int right = 0; right < width; ++right, ++voxel)
         pixels.at(panel * width + right, height - 1 - front) =
-            over(levels[voxel], overlay.colour(view.values[voxel]));
+            over(levels_[voxel], overlay.colour(view.values[voxel]));
   }
   return pixels.png();
 }

@@ -78,13 +78,6 @@ Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapVi
 
 }  // namespace
 
-std::vector<std::uint8_t> voxelsOfMaps(const std::vector<std::uint8_t>& statusOfAny) {
-  std::vector<std::uint8_t> mask;
-  mask.reserve(statusOfAny.size());
-  for (const std::uint8_t code : statusOfAny) mask.push_back(code != 0 ? 1 : 0);
-  return mask;
-}
-
 ViewerPart viewerPart(const StudyOutputs& outputs, const ConditionView& view,
                       const std::vector<std::uint8_t>& mask, const EmbeddingPlan& plan) {
   ViewerPart part;
@@ -97,7 +90,7 @@ ViewerPart viewerPart(const StudyOutputs& outputs, const ConditionView& view,
   }
   Json maps = Json::array();
   for (const MapView& map : view.maps) maps.push_back(mapJson(outputs, view, map, mask, plan, part.volumes));
-  part.json = {{"id", fmt::format("{}-{}", view.reference, view.condition)},
+  part.json = {{"id", viewId(view.reference, view.condition)},
                {"reference", outputs.references[view.reference].record.reference},
                {"condition", view.record->name},
                {"region", regionId},

@@ -11,15 +11,12 @@
 
 namespace report {
 
-// 1 for voxels that a map may have a value for, in upright order: those of no condition are left out of maps.
-[[nodiscard]] std::vector<std::uint8_t> voxelsOfMaps(const std::vector<std::uint8_t>& statusOfAny);
-
 struct ViewerPart {
   formats::Json json;   // of "views"
   std::string volumes;  // script elements
 };
 
-// mask: as voxelsOfMaps() made it.
+// mask: 1 for voxels that a map of any condition may have a value for, in upright order; others are left out.
 [[nodiscard]] ViewerPart viewerPart(const StudyOutputs& outputs, const ConditionView& view,
                                     const std::vector<std::uint8_t>& mask, const EmbeddingPlan& plan);
 

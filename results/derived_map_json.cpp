@@ -73,6 +73,19 @@ Json nullPSidecar(Json ofMap, const MapResult& map) {
   return ofMap;
 }
 
+Json nullZSidecar(Json ofMap, const MapResult& map) {
+  describeAs(
+      "excess of each voxel over its own null values, for groups: its value over their mean, ranked among "
+      "the "
+      "same ratio of all null values, each over the mean of the others of its voxel; standard normal where "
+      "nothing is related",
+      map, ofMap);
+  ofMap["Units"] = "standard deviations; NaN where the status map says anything but \"computed\"";
+  ofMap.erase("Thresholds");
+  ofMap.erase("FamilyWise");
+  return ofMap;
+}
+
 Json familyWiseSidecar(Json ofMap, const MapResult& map, FamilyWiseImage image) {
   const FamilyWiseResult& result = map.familyWise;
   const std::string what =

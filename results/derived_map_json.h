@@ -17,6 +17,9 @@ namespace study {
 // Of the p of single voxels.
 [[nodiscard]] nlohmann::ordered_json nullPSidecar(nlohmann::ordered_json ofMap, const MapResult& map);
 
+// Of z against each voxel's own null values.
+[[nodiscard]] nlohmann::ordered_json nullZSidecar(nlohmann::ordered_json ofMap, const MapResult& map);
+
 enum class FamilyWiseImage { kVoxels, kClusters };
 
 // The map has family-wise results.

@@ -146,6 +146,7 @@ class FieldReader {
     value = std::isnan(number) ? std::nullopt : std::optional(number);
   }
   static void read(const JsonPlace& at, std::string& value) { value = at.text(); }
+  static void read(const JsonPlace& at, bool& value) { value = at.boolean(); }
   static void read(const JsonPlace& at, std::map<std::string, std::uintmax_t>& sizes) {
     if (!at.value().is_object()) at.fail("an object is expected", kRemedy);
     for (const auto& item : at.value().items()) read(at.member(item.key().c_str()), sizes[item.key()]);

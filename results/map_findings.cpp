@@ -91,6 +91,13 @@ std::vector<float> minusLogP(const tav::MapOutcome& map, const std::vector<std::
   return image;
 }
 
+std::vector<float> zImage(const tav::MapOutcome& map, const std::vector<std::uint8_t>& codes) {
+  std::vector<float> image(codes.size(), std::numeric_limits<float>::quiet_NaN());
+  for (std::size_t i = 0; i < codes.size(); ++i)
+    if (isCode(codes[i], StatusCode::kComputed)) image[i] = map.nullZ[i];
+  return image;
+}
+
 formats::ImageHeader mapHeader(formats::ImageHeader run) {
   formats::ImageHeader header = gridAlone(std::move(run));
   header.dataType = formats::DataType::kFloat32;

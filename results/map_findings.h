@@ -37,6 +37,8 @@ namespace study {
 // falls short of); NaN elsewhere.
 [[nodiscard]] std::vector<float> minusLogP(const tav::MapOutcome& map,
                                            const std::vector<std::uint8_t>& codes);
+// z of each computed voxel outside the reference against its own null values; NaN elsewhere.
+[[nodiscard]] std::vector<float> zImage(const tav::MapOutcome& map, const std::vector<std::uint8_t>& codes);
 
 // Header of a map, and of the status map (labels of 8 bits), on the grid of a run's image: nothing of
 // the run's intensities or times.

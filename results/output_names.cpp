@@ -92,6 +92,9 @@ std::string OutputNames::map(const std::string& conditionLabel, tav::MapType typ
 std::string OutputNames::nullP(const std::string& conditionLabel, tav::MapType type) const {
   return statistic(conditionLabel, type, "p");
 }
+std::string OutputNames::nullZ(const std::string& conditionLabel, tav::MapType type) const {
+  return statistic(conditionLabel, type, "z");
+}
 std::string OutputNames::thresholded(const std::string& conditionLabel, tav::MapType type) const {
   return stem(fmt::format("_contrast-{}{}_desc-thresholded_stat-effect_statmap.nii.gz", conditionLabel,
                           mapLabel(type)));

@@ -30,8 +30,10 @@ class OutputNames {
   OutputNames(std::string prefix, std::string seedLabel);
   // PREFIX_seed-V1_contrast-facesRef2Vox_stat-effect_statmap.nii.gz
   [[nodiscard]] std::string map(const std::string& conditionLabel, tav::MapType type) const;
-  // The same with stat-p: p of single voxels; with desc-thresholded: where it passes, 0 elsewhere.
+  // The same with stat-p: p of single voxels; stat-z: against its own null values; with desc-thresholded:
+  // where it passes, 0 elsewhere.
   [[nodiscard]] std::string nullP(const std::string& conditionLabel, tav::MapType type) const;
+  [[nodiscard]] std::string nullZ(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string thresholded(const std::string& conditionLabel, tav::MapType type) const;
   // The same with stat-pfwe and stat-pfwecluster: family-wise p of each voxel and of each voxel's cluster.
   [[nodiscard]] std::string voxelP(const std::string& conditionLabel, tav::MapType type) const;

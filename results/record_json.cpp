@@ -144,6 +144,7 @@ void describe(Fields& fields, Of<Fields, MapResult>& map) {
   fields.unlessEmpty("PassingFile", map.passingFile);
   fields.unlessEmpty("ThresholdedFile", map.thresholdedFile);
   fields.unlessEmpty("PFile", map.pFile);
+  fields.unlessEmpty("ZFile", map.zFile);
   fields.unlessEmpty("FamilyWise", map.familyWise);
 }
 

@@ -39,6 +39,7 @@ struct MapResult {
   // they pass at the largest.
   std::string passingFile{}, thresholdedFile{};
   std::string pFile{};  // p of single voxels; empty: none were asked for
+  std::string zFile{};  // z against each voxel's own null values; empty for differences and with one draw
   bool operator==(const MapResult&) const = default;
 };
 

@@ -19,6 +19,10 @@ std::vector<MapResult> ConditionImages::writeMaps(const tav::ConditionOutcome& o
       writeImage(result.pFile, std::string("-log10 p of ") + mapLabel(map.type),
                  minusLogP(map, codes_).data());
     }
+    if (!map.nullZ.empty()) {
+      result.zFile = names_.nullZ(label_, map.type);
+      writeImage(result.zFile, std::string(mapLabel(map.type)) + " z", zImage(map, codes_).data());
+    }
     const auto nulls = outcome.familyWise.find(map.type);
     if (nulls != outcome.familyWise.end()) result.familyWise = writeFamilyWise(map, nulls->second);
   }

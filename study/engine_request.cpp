@@ -116,6 +116,7 @@ tav::RunOptions engineOptions(const Settings& settings) {
   options.fdrConstant = settings.fdrConstant;
   options.fweDraws = settings.fweDraws;
   options.nullP = true;
+  options.nullZ = true;
   options.searchCurve = true;
   return options;
 }

@@ -219,6 +219,7 @@ void ResultWriter::writeMapSidecars(const ResultContext& shared, const Condition
     writeJson(OutputNames::sidecarOf(map.thresholdedFile), thresholdedSidecar(sidecar, map));
   }
   if (!map.pFile.empty()) writeJson(OutputNames::sidecarOf(map.pFile), nullPSidecar(sidecar, map));
+  if (!map.zFile.empty()) writeJson(OutputNames::sidecarOf(map.zFile), nullZSidecar(sidecar, map));
   if (map.familyWise.empty()) return;
   writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),
             familyWiseSidecar(sidecar, map, FamilyWiseImage::kVoxels));

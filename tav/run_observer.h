@@ -55,6 +55,7 @@ struct MapOutcome {
   std::vector<MapThreshold> thresholds;  // by ascending q; empty for a kind without any
   std::vector<float> nullP = {};  // per voxel; empty unless asked for and for a kind without thresholds
   SearchCurve search = {};        // likewise
+  std::vector<float> nullZ = {};  // per voxel; empty unless asked for, with one draw, and for other kinds
 };
 
 struct ConditionOutcome {

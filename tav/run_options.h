@@ -56,6 +56,8 @@ struct RunOptions {
   int threads = 1;
   // Whether each voxel of a map with thresholds gets the p of its value among the null values (null_p.h).
   bool nullP = false;
+  // Whether each map of one measure gets z against the voxels' own null values (null_z.h), given two draws.
+  bool nullZ = false;
   // Whether each map with thresholds says how their search went (search_curve.h). With the step-up rule only.
   bool searchCurve = false;
   // Empty: one sequence of random numbers for the whole run. Else a time base per reference of the

@@ -10,6 +10,7 @@
 #include "tav/map_kinds.h"
 #include "tav/map_values.h"
 #include "tav/null_p.h"
+#include "tav/null_z.h"
 #include "tav/search_curve.h"
 #include "tav/tail_thresholds.h"
 #include "tav/tav.h"
@@ -111,12 +112,14 @@ class MapTransfer {
   // `leftOut`: voxels that take no part in the search for thresholds.
   MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, const RunOptions& options,
               const RawValues& raw, const std::vector<RawValues>& nulls,
-              const std::vector<std::size_t>& leftOut, MapStore& store, std::ostream& errors)
+              const std::vector<VoxelStatus>& status, const std::vector<std::size_t>& leftOut, MapStore& store,
+              std::ostream& errors)
       : cond_(cond),
         request_(request),
         options_(options),
         raw_(raw),
         nulls_(nulls),
+        status_(status),
         leftOut_(leftOut),
         store_(store),
         errors_(errors) {}
@@ -128,6 +131,8 @@ class MapTransfer {
     if (kind.range.isSearched) map.thresholds = search(kind.type, {values, raw_.size});
     if (kind.range.isSearched && options_.nullP) map.nullP = pValues(kind.type, {values, raw_.size});
     if (kind.range.isSearched && options_.searchCurve) map.search = curve(map);
+    const auto measure = measureOf(kind.type);
+    if (measure && options_.nullZ) map.nullZ = nullZ(*measure, raw_, {nulls_, status_, options_.nullDraws});
     store_.describe(index, headerOf(kind, cond_.name, request_, map.thresholds));
     return map;
   }
@@ -170,6 +175,7 @@ class MapTransfer {
   const RunOptions& options_;
   RawValues raw_;
   const std::vector<RawValues>& nulls_;
+  const std::vector<VoxelStatus>& status_;
   const std::vector<std::size_t>& leftOut_;
   MapStore& store_;
   std::ostream& errors_;
@@ -203,8 +209,8 @@ int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_P
   outcome_.nulls = rawNulls(*raw.null, raw.furtherNulls.get());
   std::vector<std::size_t> leftOut;
   if (options_.searchOutsideReference) leftOut = cellsOf(voi, request);
-  MapTransfer maps(cond, request, options_, rawValues(*raw.observed), outcome_.nulls, leftOut, *store_,
-                   errors);
+  MapTransfer maps(cond, request, options_, rawValues(*raw.observed), outcome_.nulls, outcome_.status,
+                   leftOut, *store_, errors);
   int index = static_cast<int>(request.mapTypes.size()) * condIndex;
   for (const MapType type : request.mapTypes) {
     float* const values = store_->values(index);

@@ -167,9 +167,36 @@ TEST_F(ClustersRun, SingleVoxelsHaveAP) {
   }
 }
 
-TEST_F(ClustersRun, ThePluginsProcedureHasNoP) {
+// For groups: a place against its own null values, also one whose every value is large.
+TEST_F(ClustersRun, MeasuresHaveZAndDifferencesNone) {
+  compute("fwe_draws = 0");
+  for (const study::MapResult& map : condition().maps) {
+    const bool isMeasure = map.type == tav::REF2VOX || map.type == tav::VOX2REF || map.type == tav::INST;
+    ASSERT_EQ(map.zFile.empty(), !isMeasure);
+    if (!isMeasure) continue;
+    const formats::Image3D z = image(map.zFile);
+    std::vector<double> known;
+    for (std::size_t i = 0; i < z.values.size(); ++i) {
+      ASSERT_EQ(std::isnan(z.values[i]), status_[i] != static_cast<int>(study::StatusCode::kComputed));
+      if (!std::isnan(z.values[i])) known.push_back(static_cast<double>(z.values[i]));
+    }
+    std::sort(known.begin(), known.end());
+    EXPECT_LT(std::abs(known[known.size() / 2]), 1) << "most voxels are unrelated";
+    EXPECT_LT(known.back(), 6) << "as far as the null values reach";
+    EXPECT_GT(known.back(), map.type == tav::REF2VOX ? 2.5 : 0) << "the planted influence";
+    EXPECT_FALSE(read(study::OutputNames::sidecarOf(map.zFile)).contains("Thresholds"));
+    EXPECT_EQ(record_.files.count(map.zFile), 1U);
+  }
+}
+
+TEST_F(ClustersRun, OneDrawGivesNoZ) {
+  compute("fwe_draws = 0\nnull_draws = 1");
+  for (const study::MapResult& map : condition().maps) EXPECT_EQ(map.zFile, "");
+}
+
+TEST_F(ClustersRun, ThePluginsProcedureHasNeitherPNorZ) {
   compute("method = 'plugin'");
-  for (const study::MapResult& map : condition().maps) EXPECT_EQ(map.pFile, "");
+  for (const study::MapResult& map : condition().maps) EXPECT_EQ(map.pFile + map.zFile, "");
 }
 
 TEST_F(ClustersRun, TheRecordNamesEveryFileAndItIsThere) {

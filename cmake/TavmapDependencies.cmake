@@ -1,5 +1,7 @@
 # Third-party libraries of the layers around the core, all from Debian packages.
 find_package(PkgConfig REQUIRED)
+find_package(Boost REQUIRED)  # headers alone: distributions
+find_package(Eigen3 REQUIRED NO_MODULE)
 find_package(ZLIB REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(fmt REQUIRED)

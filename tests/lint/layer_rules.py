@@ -14,6 +14,7 @@ ARROWS = {
     "formats": {"io"},
     "host": {"hostapi", "formats"},
     "direction": {"simo"},
+    "inference": {"simo", "io"},
     "suitability": {"simo", "direction"},
     "inspect": {"io", "formats", "render"},
     "request": {"tav"},

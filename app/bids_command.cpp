@@ -7,6 +7,7 @@
 
 #include "app/commands.h"
 #include "app/exit_codes.h"
+#include "app/group_options.h"
 #include "app/memory_limit.h"
 #include "app/study_options.h"
 #include "bids/bids_study.h"
@@ -32,6 +33,7 @@ struct BidsArguments {
   bool ignored = false;  // flags that schedulers pass and nothing here needs
   int threadsPerWorker = 1;
   StudyArguments study;
+  GroupTestArguments tests;
 };
 
 void readConfiguration(const BidsArguments& arguments, study::BidsOptions& options) {
@@ -90,6 +92,16 @@ int participants(const BidsArguments& arguments) {
   return runRequests(made.requests, run, withinMemory(arguments));
 }
 
+int testGroup(const study::GroupResult& result, const BidsArguments& arguments) {
+  GroupTestArguments tests = arguments.tests;
+  tests.jobs = arguments.study.jobs;
+  tests.force = arguments.study.force;
+  tests.quiet = arguments.study.quiet || arguments.study.json;
+  tests.noReport = arguments.study.noReport;
+  return runGroupTests(result, study::participantsOf(arguments.bidsDir, arguments.outDir), arguments.outDir,
+                       tests);
+}
+
 int group(const BidsArguments& arguments) {
   study::requireOutputElsewhere(arguments.bidsDir, arguments.outDir);
   const auto outdated = arguments.leaveOutOutdated ? study::Outdated::kLeftOut : study::Outdated::kRefused;
@@ -107,7 +119,8 @@ int group(const BidsArguments& arguments) {
     study::printGroup(result, std::cout);
     std::cout << "Wrote " << study::kGroupTable << ", " << rows << " rows\n";
   }
-  return result.failures.empty() ? kDone : kFailed;
+  const int tested = arguments.tests.modelFile.empty() ? kDone : testGroup(result, arguments);
+  return result.failures.empty() ? tested : kFailed;
 }
 
 int reportsAlone(const BidsArguments& arguments) {
@@ -202,11 +215,12 @@ constexpr const char* kFooter =
     "Statistic maps are named SOURCE_seed-REFERENCE_contrast-CONDITIONMAP_stat-effect_statmap.nii.gz.\n\n"
     "The group level gathers what the participant level left in OUT into group_tavmap.tsv: thresholds, "
     "numbers of\n"
-    "voxels that pass, peaks; one row per record, condition, map and q. It computes no map and tests "
-    "nothing. Options\n"
-    "that apply to it: --participant-label, --session-label, --task-label, --space, --leave-out-outdated, "
-    "--quiet,\n"
-    "--json.\n\n"
+    "voxels that pass, peaks; one row per record, condition, map and q. With --model it tests over "
+    "participants, as "
+    "'tavmap\n"
+    "group' does. Options that apply to it: --model, --participant-label, --session-label, --task-label, "
+    "--space,\n"
+    "--leave-out-outdated, --jobs, --force, --quiet, --json.\n\n"
     "Examples:\n"
     "  tavmap bids /data /out participant --derivatives /data/derivatives/fmriprep \\\n"
     "      --participant-label 01 02 --task-id rest --atlas atlas_dseg.nii.gz --labels LH-V1\n"
@@ -229,6 +243,7 @@ void addBidsCommand(CLI::App& program) {
   addSchedulerOptions(*command, *arguments);
   command->add_flag("--leave-out-outdated,--leave_out_outdated", arguments->leaveOutOutdated,
                     "Group level: go on without records whose inputs are gone or were changed since");
+  addGroupRunOptions(*command, arguments->tests);
   addStudyOptions(*command, arguments->study);
   command->set_version_flag("--version", std::string("tavmap ") + softwareVersion());
   command->footer(kFooter);

@@ -10,6 +10,7 @@ namespace app {
 void addBidsCommand(CLI::App& program);
 void addConvertCommand(CLI::App& program);
 void addExportCommand(CLI::App& program);
+void addGroupCommand(CLI::App& program);
 void addHostCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addOrderCommand(CLI::App& program);

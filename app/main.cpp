@@ -38,6 +38,7 @@ int run(int argc, char** argv) {
   program.set_version_flag("--version", versionText, "Print the version and the kernel in use");
   app::addRunCommand(program);
   app::addBidsCommand(program);
+  app::addGroupCommand(program);
   app::addOrderCommand(program);
   app::addConvertCommand(program);
   app::addInfoCommand(program);

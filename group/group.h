@@ -31,7 +31,7 @@ struct GroupResult {
 enum class Outdated { kRefused, kLeftOut };
 
 struct GroupOptions {
-  std::filesystem::path bidsDir;  // the data set that the records were made from
+  std::filesystem::path bidsDir;  // the data set that the records were made from; empty: as outDir says
   BidsQuery query;
   Outdated outdated = Outdated::kRefused;
 };

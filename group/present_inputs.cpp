@@ -27,6 +27,21 @@ fs::path existing(const fs::path& path) {
   return fs::exists(path) ? path : fs::path(percentDecoded(path.string()));
 }
 
+constexpr const char* kRawData = "raw";
+
+// Data sets that the output folder names, by what its records call them.
+std::map<std::string, fs::path> linkedFolders(const fs::path& outDir) {
+  constexpr std::string_view kScheme = "file://";
+  std::map<std::string, fs::path> folders;
+  const Json links = memberOf(outDir / "dataset_description.json", "DatasetLinks");
+  if (!links.is_object()) return folders;
+  for (const auto& [name, link] : links.items()) {
+    const std::string text = link.is_string() ? link.get<std::string>() : "";
+    if (text.starts_with(kScheme)) folders[name] = existing(text.substr(kScheme.size()));
+  }
+  return folders;
+}
+
 // Maps of a condition share their sources.
 std::set<std::string> sourcesOf(const Record& record, const fs::path& folder) {
   std::set<std::string> sources;
@@ -42,16 +57,15 @@ std::set<std::string> sourcesOf(const Record& record, const fs::path& folder) {
 
 }  // namespace
 
-PresentInputs::PresentInputs(const fs::path& bidsDir, const fs::path& outDir) {
-  constexpr std::string_view kScheme = "file://";
-  const Json links = memberOf(outDir / "dataset_description.json", "DatasetLinks");
-  if (links.is_object()) {
-    for (const auto& [name, link] : links.items()) {
-      const std::string text = link.is_string() ? link.get<std::string>() : "";
-      if (text.starts_with(kScheme)) folders_[name] = existing(text.substr(kScheme.size()));
-    }
-  }
-  folders_["raw"] = bidsDir;
+PresentInputs::PresentInputs(const fs::path& bidsDir, const fs::path& outDir)
+    : folders_(linkedFolders(outDir)) {
+  if (!bidsDir.empty()) folders_[kRawData] = bidsDir;
+}
+
+fs::path rawDataFolder(const fs::path& outDir) {
+  const auto folders = linkedFolders(outDir);
+  const auto raw = folders.find(kRawData);
+  return raw == folders.end() ? fs::path() : raw->second;
 }
 
 // "bids:DATASET:PATH"; empty where that leads nowhere.

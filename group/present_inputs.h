@@ -15,8 +15,8 @@ namespace study {
 
 class PresentInputs {
  public:
-  // bidsDir is the data set "raw" of records, wherever it lay when they were made; the others lie where
-  // outDir/dataset_description.json says.
+  // bidsDir is the data set "raw" of records, wherever it lay when they were made; the others, and that one
+  // where bidsDir is empty, lie where outDir/dataset_description.json says.
   PresentInputs(const std::filesystem::path& bidsDir, const std::filesystem::path& outDir);
 
   // What speaks against the record, one text per input: a source of one of its maps (the map's sidecar names
@@ -34,6 +34,9 @@ class PresentInputs {
   std::map<std::string, std::filesystem::path> folders_;  // by the name of the data set
   std::set<std::string> missing_;
 };
+
+// Where the data set lies that the participant level read; empty where the output folder does not say.
+[[nodiscard]] std::filesystem::path rawDataFolder(const std::filesystem::path& outDir);
 
 }  // namespace study
 

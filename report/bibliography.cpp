@@ -43,6 +43,29 @@ constexpr auto kEntries = std::to_array<Entry>({
      "Winkler, Irene and Panknin, Danny and Bartz, Daniel and M{\\\"u}ller, Klaus-Robert and Haufe, Stefan",
      "Validity of time reversal for testing Granger causality", "IEEE Transactions on Signal Processing",
      "64", "2746--2760", "2016", "10.1109/TSP.2015.2498123"},
+    {Work::kFreedman1983, "Freedman & Lane 1983", "freedman1983", "Freedman, David and Lane, David",
+     "A nonstochastic interpretation of reported significance levels",
+     "Journal of Business & Economic Statistics", "1", "292--298", "1983", "10.1080/07350015.1983.10509354"},
+    {Work::kBullmore1999, "Bullmore et al. 1999", "bullmore1999",
+     "Bullmore, Edward T. and Suckling, John and Overmeyer, Stephan and Rabe-Hesketh, Sophia and Taylor, Eric "
+     "and Brammer, Michael J.",
+     "Global, voxel, and cluster tests, by theory and permutation, for a difference between two groups of "
+     "structural MR images of the brain",
+     "IEEE Transactions on Medical Imaging", "18", "32--42", "1999", "10.1109/42.750253"},
+    {Work::kSmith2009, "Smith & Nichols 2009", "smith2009", "Smith, Stephen M. and Nichols, Thomas E.",
+     "Threshold-free cluster enhancement: addressing problems of smoothing, threshold dependence and "
+     "localisation in cluster inference",
+     "NeuroImage", "44", "83--98", "2009", "10.1016/j.neuroimage.2008.03.061"},
+    {Work::kWinkler2014, "Winkler et al. 2014", "winkler2014",
+     "Winkler, Anderson M. and Ridgway, Gerard R. and Webster, Matthew A. and Smith, Stephen M. and Nichols, "
+     "Thomas E.",
+     "Permutation inference for the general linear model", "NeuroImage", "92", "381--397", "2014",
+     "10.1016/j.neuroimage.2014.01.060"},
+    {Work::kWinkler2016Faster, "Winkler et al. 2016", "winkler2016faster",
+     "Winkler, Anderson M. and Ridgway, Gerard R. and Douaud, Gwena{\\"e}lle and Nichols, Thomas E. and Smith, "
+     "Stephen M.",
+     "Faster permutation inference in brain imaging", "NeuroImage", "141", "502--516", "2016",
+     "10.1016/j.neuroimage.2016.05.068"},
     {Work::kPower2012, "Power et al. 2012", "power2012",
      "Power, Jonathan D. and Barnes, Kelly A. and Snyder, Abraham Z. and Schlaggar, Bradley L. and Petersen, "
      "Steven E.",

@@ -18,7 +18,12 @@ enum class Work {
   kPower2012,
   kSchwarz1978,
   kAkaike1974,
-  kHannan1979
+  kHannan1979,
+  kFreedman1983,
+  kBullmore1999,
+  kSmith2009,
+  kWinkler2014,
+  kWinkler2016Faster
 };
 
 [[nodiscard]] const char* citation(Work work);  // "Geweke 1982"

@@ -23,7 +23,7 @@ ARROWS = {
     "results": {"tav", "request", "bids", "prepare", "formats"},
     "study": {"tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
     "report": {"tav", "io", "formats", "render", "request", "bids", "prepare", "results"},
-    "group": {"request", "bids", "results", "formats"},
+    "group": {"tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
     "simulation": {"formats"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
             "results", "report", "study", "group", "simulation"},

@@ -1,0 +1,198 @@
+#include "group/group_cells.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
+
+#include "request/nearest_name.h"
+#include "request/problem.h"
+#include "results/map_words.h"
+#include "tav/null_z.h"
+
+namespace study {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kSession = "ses-";
+
+bool isAboutSessions(const Sides& sides) {
+  return sides.first.starts_with(kSession) && sides.second.starts_with(kSession);
+}
+
+bool isChosen(const std::vector<std::string>& names, const std::string& name) {
+  return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::vector<tav::MapType> typesOf(const GroupQuestion& question) {
+  const std::vector<tav::MapType> possible = {tav::REF2VOX, tav::VOX2REF, tav::INST, tav::DTAV};
+  if (question.maps.empty()) return possible;
+  std::vector<std::string> labels;
+  for (const tav::MapType type : possible) labels.emplace_back(mapLabel(type));
+  std::vector<tav::MapType> types;
+  for (const std::string& name : question.maps) {
+    const auto found = std::find(labels.begin(), labels.end(), name);
+    if (found == labels.end()) {
+      throw InputError(
+          fmt::format("test '{}': groups are asked of the maps Ref2Vox, Vox2Ref, Inst and dTAV, not of '{}'",
+                      question.name, name));
+    }
+    types.push_back(possible[static_cast<std::size_t>(found - labels.begin())]);
+  }
+  return types;
+}
+
+// A difference of conditions has two of them, everything else each that is chosen.
+void requireKnown(const GroupResult& group, const GroupQuestion& question) {
+  std::set<std::string> references, conditions, sessions;
+  for (const GroupRecord& record : group.records) {
+    references.insert(record.record.reference);
+    if (record.name.has("ses")) sessions.insert("ses-" + record.name.get("ses"));
+    for (const ConditionRecord& condition : record.record.conditions) conditions.insert(condition.name);
+  }
+  const auto require = [&](const char* what, const std::string& name, const std::set<std::string>& known) {
+    if (known.count(name) > 0) return;
+    throw InputError(fmt::format("test '{}': no record has the {} '{}'{}", question.name, what, name,
+                                 suggestion(name, {known.begin(), known.end()})));
+  };
+  for (const std::string& name : question.references) require("reference", name, references);
+  for (const std::string& name : question.conditions) require("condition", name, conditions);
+  const Sides sides = sidesOf(question.within);
+  if (sides.empty()) return;
+  const bool ofSessions = isAboutSessions(sides);
+  for (const std::string& side : {sides.first, sides.second})
+    require(ofSessions ? "session" : "condition", side, ofSessions ? sessions : conditions);
+}
+
+// What tells cells apart.
+struct CellKey {
+  std::string task, session, reference, condition;
+  tav::MapType type = tav::DTAV;
+  auto operator<=>(const CellKey&) const = default;
+};
+
+class CellFinder {
+ public:
+  CellFinder(const GroupResult& group, const GroupQuestion& question)
+      : group_(group), question_(question), sides_(sidesOf(question.within)), types_(typesOf(question)) {}
+
+  std::vector<GroupCell> find() {
+    for (const GroupRecord& record : group_.records)
+      if (isChosen(question_.references, record.record.reference)) addRecord(record);
+    std::vector<GroupCell> cells;
+    for (const CellKey& key : order_) {
+      GroupCell cell = cellOf(key);
+      if (cell.rows.size() > 1) cells.push_back(std::move(cell));
+    }
+    return cells;
+  }
+
+ private:
+  struct Found {
+    CellImage plus, minus;
+  };
+
+  void addRecord(const GroupRecord& record) {
+    if (isLeftOut(record.name.get("sub"))) return;
+    for (const ConditionRecord& condition : record.record.conditions)
+      for (const MapResult& map : condition.maps)
+        if (std::find(types_.begin(), types_.end(), map.type) != types_.end()) addMap(record, condition, map);
+  }
+
+  [[nodiscard]] bool isLeftOut(const std::string& participant) const {
+    return std::find(question_.leftOut.begin(), question_.leftOut.end(), participant) !=
+           question_.leftOut.end();
+  }
+
+  void addMap(const GroupRecord& record, const ConditionRecord& condition, const MapResult& map) {
+    const std::string session = record.name.get("ses");
+    const auto add = [&](const std::string& keySession, const std::string& keyCondition, bool isMinus) {
+      addImage({record.name.get("task"), keySession, record.record.reference, keyCondition, map.type}, record,
+               imageOf(record, condition, map), isMinus);
+    };
+    if (sides_.empty()) {
+      if (isChosen(question_.conditions, condition.name)) add(session, condition.name, false);
+    } else if (isAboutSessions(sides_)) {
+      if (!isChosen(question_.conditions, condition.name)) return;
+      if ("ses-" + session == sides_.first) add("", condition.name, false);
+      if ("ses-" + session == sides_.second) add("", condition.name, true);
+    } else {
+      if (condition.name == sides_.first) add(session, question_.within, false);
+      if (condition.name == sides_.second) add(session, question_.within, true);
+    }
+  }
+
+  [[nodiscard]] CellImage imageOf(const GroupRecord& record, const ConditionRecord& condition,
+                                  const MapResult& map) const {
+    const fs::path folder = fs::path(record.file).parent_path();
+    const std::string& file = isTakenAsZ(map.type) ? map.zFile : map.file;
+    if (file.empty()) {
+      throw InputError(fmt::format(
+          "{}: its {} map has no z against the voxels' own null values, which groups need; run the "
+          "participant level "
+          "again, with method \"calibrated\" and null_draws of 2 or more, or leave the map out of 'maps'",
+          record.file, mapLabel(map.type)));
+    }
+    const std::string directions = condition.direction.file;
+    return {(folder / file).generic_string(), (folder / condition.statusFile).generic_string(),
+            directions.empty() ? "" : (folder / directions).generic_string(), record.record.key};
+  }
+
+  void addImage(const CellKey& key, const GroupRecord& record, CellImage image, bool isMinus) {
+    if (images_.count(key) == 0) order_.push_back(key);
+    const std::string participant = record.name.get("sub");
+    Found& found = images_[key][participant];
+    CellImage& place = isMinus ? found.minus : found.plus;
+    if (!place.image.empty()) {
+      throw InputError(fmt::format(
+          "participant '{}' has several results of reference '{}', condition '{}', such as {} and {}; choose "
+          "one "
+          "with --task-label, --session-label or --space, or pool the runs at the participant level",
+          participant, key.reference, key.condition, place.image, image.image));
+    }
+    place = std::move(image);
+  }
+
+  [[nodiscard]] GroupCell cellOf(const CellKey& key) const {
+    GroupCell cell{key.task,
+                   key.session,
+                   key.reference,
+                   key.condition,
+                   isAboutSessions(sides_) ? question_.within : "",
+                   key.type,
+                   {},
+                   {}};
+    for (const auto& [participant, found] : images_.at(key)) {
+      if (found.plus.image.empty() || (!sides_.empty() && found.minus.image.empty())) {
+        cell.leftOut.push_back(fmt::format("sub-{} has no map of '{}'", participant,
+                                           found.plus.image.empty() ? sides_.first : sides_.second));
+      } else {
+        cell.rows.push_back({participant, found.plus, found.minus});
+      }
+    }
+    return cell;
+  }
+
+  const GroupResult& group_;
+  const GroupQuestion& question_;
+  Sides sides_;
+  std::vector<tav::MapType> types_;
+  std::map<CellKey, std::map<std::string, Found>> images_;
+  std::vector<CellKey> order_;
+};
+
+}  // namespace
+
+bool isTakenAsZ(tav::MapType type) {
+  return tav::measureOf(type).has_value();
+}
+
+std::vector<GroupCell> cellsOf(const GroupResult& group, const GroupQuestion& question) {
+  requireKnown(group, question);
+  return CellFinder(group, question).find();
+}
+
+}  // namespace study

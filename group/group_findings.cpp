@@ -1,0 +1,89 @@
+#include "group/group_findings.h"
+
+#include <fmt/core.h>
+
+#include <cmath>
+#include <limits>
+
+namespace study {
+namespace {
+
+GroupCounts countBelow(const std::vector<float>& p, const std::vector<float>& t, double level) {
+  GroupCounts counts;
+  for (std::size_t place = 0; place < p.size(); ++place) {
+    if (!(static_cast<double>(p[place]) <= level)) continue;
+    ++(t[place] < 0 ? counts.negative : counts.positive);
+  }
+  return counts;
+}
+
+GroupCounts countClusters(const inference::TestResult& result, double level) {
+  GroupCounts counts;
+  for (const inference::Cluster& cluster : result.clusters)
+    if (cluster.pFwe <= level) ++(cluster.sign < 0 ? counts.negative : counts.positive);
+  return counts;
+}
+
+void extremes(const std::vector<float>& t, GroupTestRecord& record) {
+  for (const float one : t) {
+    if (std::isnan(one)) continue;
+    record.largestT = std::max(record.largestT, static_cast<double>(one));
+    record.smallestT = std::min(record.smallestT, static_cast<double>(one));
+  }
+}
+
+std::string symmetryWarning(const inference::Symmetry& symmetry) {
+  return fmt::format(
+      "values of participants are not symmetric about their mean (mean skewness {:.2f}, p = {:.2g}), which "
+      "sign flips "
+      "rest on: small p on the side of the long tail can be wrong; test a difference between conditions, "
+      "sessions or "
+      "groups instead, which is symmetric when nothing differs, or look at the values at the peaks",
+      symmetry.meanSkewness, symmetry.p);
+}
+
+}  // namespace
+
+void countFindings(const TestedGroup& test, GroupTestRecord& record) {
+  const inference::TestResult& result = test.result;
+  const double level = test.inference.level;
+  record.voxelsTested = result.tested;
+  record.voxelsWithoutAll = result.t.size() - result.tested;
+  extremes(result.t, record);
+  record.tAtFwe = result.tAtFwe05;
+  record.tAtQ = result.tAtQ05;
+  record.byMaximum = countBelow(result.pFwe, result.t, level);
+  record.byTfce = countBelow(result.pEnhanced, result.t, level);
+  record.byFdr = countBelow(result.qFdr, result.t, level);
+  record.byMass = countClusters(result, level);
+  record.symmetryP = result.symmetry ? result.symmetry->p : std::nan("");
+  record.meanSkewness = result.symmetry ? result.symmetry->meanSkewness : std::nan("");
+  record.shuffles = result.shuffles;
+  record.isExhaustive = result.isExhaustive;
+  record.isTailSmooth = result.nullZ.isTailSmooth || result.nullEnhanced.isTailSmooth;
+  record.freedom = result.freedom;
+}
+
+std::vector<std::string> groupWarnings(const TestedGroup& test) {
+  const inference::TestResult& result = test.result;
+  std::vector<std::string> warnings;
+  if (result.symmetry && result.symmetry->isDoubtful()) warnings.push_back(symmetryWarning(*result.symmetry));
+  if (1.0 / static_cast<double>(result.shuffles) > test.inference.level) {
+    warnings.push_back(
+        fmt::format("there are only {} ways to exchange these participants, so that no p can be below "
+                    "{:.3g}: more participants are "
+                    "needed",
+                    result.shuffles, 1.0 / static_cast<double>(result.shuffles)));
+  }
+  const std::size_t untested = result.t.size() - result.tested;
+  if (untested * 4 > result.t.size()) {
+    warnings.push_back(fmt::format(
+        "{} of {} voxels are not tested since fewer than {:.0f} % of the participants have a value there; a "
+        "look at the "
+        "image with the number of participants shows who is missing; smallest_share allows for fewer",
+        untested, result.t.size(), 100 * test.inference.smallestShare));
+  }
+  return warnings;
+}
+
+}  // namespace study

@@ -21,8 +21,8 @@ MatrixXd blockBasis(std::span<const int> rows, std::span<const int> blocks) {
   std::map<int, std::vector<Eigen::Index>> members;
   for (std::size_t i = 0; i < rows.size(); ++i)
     members[blocks[static_cast<std::size_t>(rows[i])]].push_back(static_cast<Eigen::Index>(i));
-  MatrixXd basis = MatrixXd::Zero(static_cast<Eigen::Index>(rows.size()),
-                                  static_cast<Eigen::Index>(members.size()));
+  MatrixXd basis =
+      MatrixXd::Zero(static_cast<Eigen::Index>(rows.size()), static_cast<Eigen::Index>(members.size()));
   Eigen::Index column = 0;
   for (const auto& [block, own] : members) {
     for (const Eigen::Index i : own) basis(i, column) = 1 / std::sqrt(static_cast<double>(own.size()));
@@ -31,11 +31,12 @@ MatrixXd blockBasis(std::span<const int> rows, std::span<const int> blocks) {
   return basis;
 }
 
-// An orthonormal basis of what `basis`, itself orthonormal, spans beside the unit vector `without` of that span.
+// An orthonormal basis of what `basis`, itself orthonormal, spans beside the unit vector `without` of that
+// span.
 MatrixXd complement(const MatrixXd& basis, const VectorXd& without) {
   const VectorXd coordinates = basis.transpose() * without;
-  const MatrixXd turned = coordinates.householderQr().householderQ() *
-                          MatrixXd::Identity(basis.cols(), basis.cols());
+  const MatrixXd turned =
+      coordinates.householderQr().householderQ() * MatrixXd::Identity(basis.cols(), basis.cols());
   return basis * turned.rightCols(basis.cols() - 1);
 }
 

@@ -25,9 +25,9 @@ struct ContrastSplit {
   int freedom = 0;
 };
 
-// Of some rows, ascending. `fixedBlocks`: per row of the model, the block within which it is permuted, or empty when
-// shuffles change everything (sign flips). Nothing when these rows do not tell the contrast or leave no degree of
-// freedom; columns that they cannot tell apart otherwise do no harm.
+// Of some rows, ascending. `fixedBlocks`: per row of the model, the block within which it is permuted, or
+// empty when shuffles change everything (sign flips). Nothing when these rows do not tell the contrast or
+// leave no degree of freedom; columns that they cannot tell apart otherwise do no harm.
 [[nodiscard]] std::optional<ContrastSplit> splitContrast(const Model& model, std::span<const int> rows,
                                                          std::span<const int> fixedBlocks);
 

@@ -13,13 +13,15 @@ namespace inference {
 // Of a batch of shuffles, piece by piece. One thread at a time.
 class Correlations {
  public:
-  static constexpr std::size_t kPiece = 8;  // vectors, so that the residuals of 20 rows stay in the nearest cache
+  static constexpr std::size_t kPiece =
+      8;  // vectors, so that the residuals of 20 rows stay in the nearest cache
 
   Correlations(const TestedPlaces& places, const ShuffleWeights& weights);
 
-  // Of vectors begin ... end - 1 of the span, at most kPiece: along[shuffle * stride + lane] is the part of the
-  // residuals along the effect.
-  void alongEffect(const LaneSpan& span, std::size_t begin, std::size_t end, float* along, std::size_t stride);
+  // Of vectors begin ... end - 1 of the span, at most kPiece: along[shuffle * stride + lane] is the part of
+  // the residuals along the effect.
+  void alongEffect(const LaneSpan& span, std::size_t begin, std::size_t end, float* along,
+                   std::size_t stride);
   // squares[...], which hold 0, become the squared part along the nuisances that move.
   void alongNuisances(const LaneSpan& span, std::size_t begin, std::size_t end, float* squares,
                       std::size_t stride);

@@ -20,7 +20,8 @@ class Draws {
   [[nodiscard]] bool coin() { return stream_.next() > simo::kRandomMax / 2; }
   // 0 ... below - 1, each as likely; below is at least 1.
   [[nodiscard]] int below(int below) {
-    const int last = simo::kRandomMax - simo::kRandomMax % below;  // what lies beyond would favour small numbers
+    const int last =
+        simo::kRandomMax - simo::kRandomMax % below;  // what lies beyond would favour small numbers
     for (;;)
       if (const int number = stream_.next(); number < last) return number % below;
   }

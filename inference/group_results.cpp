@@ -25,18 +25,27 @@ std::vector<float> mapOf(const Tested& tested, OfSlot ofSlot) {
 }
 
 // What counts of a value.
-double counted(const Tested& tested, double value) { return tested.options.twoSided ? std::abs(value) : value; }
+double counted(const Tested& tested, double value) {
+  return tested.options.twoSided ? std::abs(value) : value;
+}
 
-float largestCounted(const Tested& tested, const LaneFloats& values) {
+template <typename Values>
+float largestCounted(const Tested& tested, const Values& values) {
   double largest = 0;
   for (const float value : values) largest = std::max(largest, counted(tested, static_cast<double>(value)));
   return static_cast<float>(largest);
 }
 
-std::vector<float> pByMaximaOf(const Tested& tested, const NullMaxima& null, const LaneFloats& values) {
+template <typename Values>
+std::vector<float> pByMaximaOf(const Tested& tested, const NullMaxima& null, const Values& values) {
   return mapOf(tested, [&](std::size_t slot) {
     return pByMaxima(null, counted(tested, static_cast<double>(values[slot])));
   });
+}
+
+bool isTailSmooth(const Tested& tested) {
+  return tested.options.tail == Tail::kSmooth && !tested.shuffles.isExhaustive() &&
+         tested.shuffles.count() <= static_cast<std::size_t>(kFewShuffles);
 }
 
 double smallestAtQ(const Tested& tested, const TestResult& result) {
@@ -58,18 +67,51 @@ void setMaps(const Tested& tested, TestResult& result) {
   result.rows = tested.places.rowsOfPlace;
 }
 
+void setEnhanced(const Tested& tested, TestResult& result) {
+  const auto& enhanced = tested.observed.enhanced;
+  result.nullEnhanced = nullOfMaxima(tested.swept.enhanced, largestCounted(tested, enhanced),
+                                     isTailSmooth(tested));
+  result.enhanced = mapOf(tested, [&](std::size_t slot) { return enhanced[slot]; });
+  result.pEnhanced = pByMaximaOf(tested, result.nullEnhanced, enhanced);
+}
+
+Cluster ofPlaces(const Tested& tested, Cluster cluster) {
+  const auto placeOf = [&](std::size_t slot) { return tested.places.placeOfSlot[slot]; };
+  for (std::int32_t& place : cluster.places) place = placeOf(static_cast<std::size_t>(place));
+  std::sort(cluster.places.begin(), cluster.places.end());
+  cluster.peak = static_cast<std::size_t>(placeOf(cluster.peak));
+  return cluster;
+}
+
+void setClusters(const Tested& tested, TestResult& result) {
+  const auto& clusters = tested.observed.clusters;
+  const double largest = clusters.empty() ? 0 : clusters[0].mass;
+  result.nullMass = nullOfMaxima(tested.swept.mass, static_cast<float>(largest), isTailSmooth(tested));
+  for (const Cluster& cluster : clusters) {
+    result.clusters.push_back(ofPlaces(tested, cluster));
+    result.clusters.back().pFwe = pByMaxima(result.nullMass, cluster.mass);
+  }
+}
+
 }  // namespace
 
 TestResult groupResult(const Tested& tested) {
   TestResult result;
   result.shuffles = tested.shuffles.count();
   result.isExhaustive = tested.shuffles.isExhaustive();
-  result.tested = static_cast<std::size_t>(std::count_if(tested.places.placeOfSlot.begin(), tested.places.placeOfSlot.end(), [](int place) { return place >= 0; }));
+  result.tested = static_cast<std::size_t>(std::count_if(tested.places.placeOfSlot.begin(),
+                                                         tested.places.placeOfSlot.end(),
+                                                         [](int place) { return place >= 0; }));
   result.freedom = static_cast<int>(tested.model.rows() - tested.model.contrast.size());
-  result.nullZ = nullOfMaxima(tested.swept.z, largestCounted(tested, tested.observed.z));
+  result.nullZ = nullOfMaxima(tested.swept.z, largestCounted(tested, tested.observed.z), isTailSmooth(tested));
   setMaps(tested, result);
-  result.tAtFwe05 = tOfZ(valueAtLevel(result.nullZ, kLevel), result.freedom);
+  if (tested.options.enhance) setEnhanced(tested, result);
+  if (tested.options.clusterFormingZ > 0) setClusters(tested, result);
+  const double atLevel = valueAtLevel(result.nullZ, kLevel);
+  result.tAtFwe05 = tested.options.varianceFwhmMm > 0 ? atLevel : tOfZ(atLevel, result.freedom);
   result.tAtQ05 = smallestAtQ(tested, result);
+  if (tested.options.exchange == Exchange::kSignFlips)
+    result.symmetry = checkSymmetry(tested.model, tested.values, tested.options.seed);
   return result;
 }
 

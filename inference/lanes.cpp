@@ -97,6 +97,17 @@ void zOfCorrelations(float* values, std::size_t n, const float* table) {
 }
 
 TAVMAP_PER_CPU
+void addScaled(const float* from, float weight, std::size_t n, float* __restrict to) {
+  for (std::size_t i = 0; i < n; ++i) to[i] += weight * from[i];
+}
+
+TAVMAP_PER_CPU
+void restVariances(const float* factors, const float* squares, const float* along, std::size_t n,
+                   float* __restrict out) {
+  for (std::size_t i = 0; i < n; ++i) out[i] = factors[i] * (1 - squares[i] - along[i] * along[i]);
+}
+
+TAVMAP_PER_CPU
 void divideByDeviation(float* values, const float* lengths, const float* variances, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i)
     values[i] = variances[i] > 0 ? values[i] * lengths[i] / __builtin_sqrtf(variances[i]) : 0;

@@ -22,13 +22,16 @@ void checkShape(const Model& model) {
   const std::size_t columns = model.contrast.size();
   if (columns == 0 || model.columns.size() != columns || model.design.size() % columns != 0 ||
       model.design.empty())
-    throw std::invalid_argument(fmt::format("The model has {} names of columns, {} weights and {} entries; it wants a "
-                                            "name and a weight per column, and a row of entries per map.",
-                                            model.columns.size(), columns, model.design.size()));
+    throw std::invalid_argument(
+        fmt::format("The model has {} names of columns, {} weights and {} entries; it wants a "
+                    "name and a weight per column, and a row of entries per map.",
+                    model.columns.size(), columns, model.design.size()));
   if (!allFinite(model.design) || !allFinite(model.contrast))
-    throw std::invalid_argument("The model has entries that are no numbers; leave out maps whose covariates are missing.");
+    throw std::invalid_argument(
+        "The model has entries that are no numbers; leave out maps whose covariates are missing.");
   if (std::all_of(model.contrast.begin(), model.contrast.end(), [](double weight) { return weight == 0; }))
-    throw std::invalid_argument("The contrast is 0 for every column of the model; ask for at least one of them.");
+    throw std::invalid_argument(
+        "The contrast is 0 for every column of the model; ask for at least one of them.");
 }
 
 Model without(const Model& model, std::size_t column) {
@@ -61,10 +64,10 @@ void checkModel(const Model& model) {
         design.tells() ? "their coefficients have no one value" : "the contrast cannot be estimated"));
   }
   if (model.rows() <= model.contrast.size())
-    throw std::invalid_argument(
-        fmt::format("The model has {} rows and {} columns; at least one row more than columns is needed. Take more maps "
-                    "or fewer columns.",
-                    model.rows(), model.contrast.size()));
+    throw std::invalid_argument(fmt::format(
+        "The model has {} rows and {} columns; at least one row more than columns is needed. Take more maps "
+        "or fewer columns.",
+        model.rows(), model.contrast.size()));
 }
 
 }  // namespace inference

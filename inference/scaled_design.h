@@ -9,7 +9,8 @@
 
 namespace inference {
 
-// Some rows of a design, its columns brought to unit length first, so that the unit of a covariate decides nothing.
+// Some rows of a design, its columns brought to unit length first, so that the unit of a covariate decides
+// nothing.
 class ScaledDesign {
  public:
   ScaledDesign(const Model& model, std::span<const int> rows);

@@ -10,8 +10,8 @@
 
 namespace inference {
 
-// Shuffling a place's residuals and multiplying them with a direction of the model is to multiply them with the
-// direction shuffled back.
+// Shuffling a place's residuals and multiplying them with a direction of the model is to multiply them with
+// the direction shuffled back.
 class ShuffleWeights {
  public:
   // Of some shuffles in their order, for each split.

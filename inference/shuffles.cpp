@@ -19,7 +19,8 @@ template <typename Key>
 std::vector<int> numbered(const std::vector<Key>& keys) {
   std::map<Key, int> numbers;
   std::vector<int> result;
-  for (const Key& key : keys) result.push_back(numbers.emplace(key, static_cast<int>(numbers.size())).first->second);
+  for (const Key& key : keys)
+    result.push_back(numbers.emplace(key, static_cast<int>(numbers.size())).first->second);
   return result;
 }
 
@@ -53,10 +54,10 @@ double arrangementsOf(const std::vector<std::vector<int>>& blocks, const std::ve
 }
 
 const char* nothingToShuffle(Exchange exchange) {
-  return exchange == Exchange::kSignFlips
-             ? "There is nothing to shuffle: the model has no rows."
-             : "No permutation changes anything: within each block all rows of the model are alike. Test by sign "
-               "flips, or take blocks that hold different rows.";
+  return exchange == Exchange::kSignFlips ? "There is nothing to shuffle: the model has no rows."
+                                          : "No permutation changes anything: within each block all rows of "
+                                            "the model are alike. Test by sign "
+                                            "flips, or take blocks that hold different rows.";
 }
 
 }  // namespace
@@ -65,8 +66,8 @@ Shuffles::Shuffles(const Model& model, Exchange exchange, const std::vector<int>
                    std::uint32_t seed)
     : rows_(model.rows()), exchange_(exchange), seed_(seed) {
   if (!blocks.empty() && blocks.size() != rows_)
-    throw std::invalid_argument(fmt::format("There are {} blocks for {} rows; name one per row, or none.",
-                                            blocks.size(), rows_));
+    throw std::invalid_argument(
+        fmt::format("There are {} blocks for {} rows; name one per row, or none.", blocks.size(), rows_));
   if (asked < 1) throw std::invalid_argument(fmt::format("{} shuffles are none; ask for at least 1.", asked));
   const bool isFlipped = exchange == Exchange::kSignFlips;
   unitOf_ = blocks.empty() ? allUnits(rows_, isFlipped) : numbered(blocks);
@@ -119,7 +120,8 @@ Shuffle Shuffles::flips(std::size_t index) const {
   std::vector<int> signs;
   for (int unit = 0; unit < units_; ++unit)
     signs.push_back((isExhaustive_ ? ((index >> unit) & 1U) != 0 : draws.coin()) ? -1 : 1);
-  for (std::size_t row = 0; row < rows_; ++row) shuffle.sign[row] = signs[static_cast<std::size_t>(unitOf_[row])];
+  for (std::size_t row = 0; row < rows_; ++row)
+    shuffle.sign[row] = signs[static_cast<std::size_t>(unitOf_[row])];
   return shuffle;
 }
 
@@ -130,7 +132,8 @@ Shuffle Shuffles::permutation(std::size_t index) const {
   for (const auto& block : blocks_) {
     std::vector<int> order = block;
     draws.shuffle(order);
-    for (std::size_t i = 0; i < block.size(); ++i) shuffle.from[static_cast<std::size_t>(block[i])] = order[i];
+    for (std::size_t i = 0; i < block.size(); ++i)
+      shuffle.from[static_cast<std::size_t>(block[i])] = order[i];
   }
   return shuffle;
 }

@@ -17,14 +17,15 @@ struct Shuffle {
   std::vector<int> sign;
 };
 
-// Shuffle 0 changes nothing. Sign flips turn rows, or whole blocks when there are any; permutations exchange rows
-// within blocks. When all that differ are no more than `asked`, they are listed, each once (permutations among rows
-// of equal design differ in nothing); else `asked` are drawn beside shuffle 0, each from the seed and its own
-// index.
+// Shuffle 0 changes nothing. Sign flips turn rows, or whole blocks when there are any; permutations exchange
+// rows within blocks. When all that differ are no more than `asked`, they are listed, each once (permutations
+// among rows of equal design differ in nothing); else `asked` are drawn beside shuffle 0, each from the seed
+// and its own index.
 class Shuffles {
  public:
   // Throws std::invalid_argument when sizes differ, `asked` is below 1, or no shuffle changes anything.
-  Shuffles(const Model& model, Exchange exchange, const std::vector<int>& blocks, int asked, std::uint32_t seed);
+  Shuffles(const Model& model, Exchange exchange, const std::vector<int>& blocks, int asked,
+           std::uint32_t seed);
 
   [[nodiscard]] std::size_t count() const { return count_; }  // shuffle 0 among them
   [[nodiscard]] bool isExhaustive() const { return isExhaustive_; }
@@ -41,18 +42,18 @@ class Shuffles {
   std::size_t rows_;
   Exchange exchange_;
   std::uint32_t seed_;
-  std::vector<int> unitOf_;               // per row, from 0: what is turned at once
+  std::vector<int> unitOf_;  // per row, from 0: what is turned at once
   int units_ = 0;
-  std::vector<std::vector<int>> blocks_;  // rows of each
-  std::vector<int> classOf_;              // per row, from 0: of its design and block
+  std::vector<std::vector<int>> blocks_;        // rows of each
+  std::vector<int> classOf_;                    // per row, from 0: of its design and block
   std::vector<std::vector<int>> arrangements_;  // per shuffle and row: the class whose place it takes
   std::size_t count_ = 0;
   bool isExhaustive_ = false;
 };
 
-// The permutation of the rows that `isThere`, made of one of all: a row whose source is missing takes that one's
-// source, and so on. Uniform when `from` is (the first return of a permutation); others keep their `from`, which
-// means nothing.
+// The permutation of the rows that `isThere`, made of one of all: a row whose source is missing takes that
+// one's source, and so on. Uniform when `from` is (the first return of a permutation); others keep their
+// `from`, which means nothing.
 [[nodiscard]] std::vector<int> amongRows(const std::vector<int>& from, const std::vector<bool>& isThere);
 
 }  // namespace inference

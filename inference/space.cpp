@@ -40,10 +40,12 @@ std::vector<std::int32_t> numbersOf(const io::GridSize& grid, const std::vector<
   return numbers;
 }
 
-// A table of `width` per slot: its place's row with each entry mapped; rows of `nothing` where a slot is empty.
+// A table of `width` per slot: its place's row with each entry mapped; rows of `nothing` where a slot is
+// empty.
 template <typename Map>
 std::vector<std::int32_t> remapped(const std::vector<std::int32_t>& table, std::size_t width,
-                                   const std::vector<std::int32_t>& placeOfSlot, std::int32_t nothing, Map map) {
+                                   const std::vector<std::int32_t>& placeOfSlot, std::int32_t nothing,
+                                   Map map) {
   std::vector<std::int32_t> result(placeOfSlot.size() * width, nothing);
   for (std::size_t slot = 0; slot < placeOfSlot.size(); ++slot)
     for (std::size_t i = 0; placeOfSlot[slot] >= 0 && i < width; ++i)
@@ -108,7 +110,8 @@ Space renumbered(const Space& space, const std::vector<std::int32_t>& placeOfSlo
   result.voxels.clear();
   for (const std::int32_t place : placeOfSlot)
     if (space.isOfVoxels())
-      result.voxels.push_back(place < 0 ? space.grid.voxels() : space.voxels[static_cast<std::size_t>(place)]);
+      result.voxels.push_back(place < 0 ? space.grid.voxels()
+                                        : space.voxels[static_cast<std::size_t>(place)]);
   return result;
 }
 

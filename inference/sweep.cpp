@@ -16,6 +16,8 @@ class Sweeper {
  public:
   explicit Sweeper(const SweepSetting& setting) : setting_(setting), last_(setting.shuffles.count()) {
     swept_.z.resize(last_ - 1);
+    if (setting.options.enhance) swept_.enhanced.resize(last_ - 1);
+    if (setting.options.clusterFormingZ > 0) swept_.mass.resize(last_ - 1);
     swept_.reached.assign(setting.places.slots(), 0);
   }
 
@@ -31,7 +33,7 @@ class Sweeper {
  private:
   void work() {
     ShuffleWorker worker(setting_);
-    const std::size_t batch = ShuffleWorker::batch();
+    const std::size_t batch = ShuffleWorker::batch(setting_.options);
     for (std::size_t first = next_.fetch_add(batch); first < last_; first = next_.fetch_add(batch)) {
       const std::size_t count = std::min(batch, last_ - first);
       worker.run(first, count, swept_);
@@ -57,6 +59,8 @@ class Sweeper {
 
 }  // namespace
 
-Swept sweep(const SweepSetting& setting) { return Sweeper(setting).run(); }
+Swept sweep(const SweepSetting& setting) {
+  return Sweeper(setting).run();
+}
 
 }  // namespace inference

@@ -13,8 +13,8 @@
 
 namespace inference {
 
-// Per shuffle but the first, which is the data as they are: the largest value of each statistic anywhere; those that
-// were not asked for stay empty.
+// Per shuffle but the first, which is the data as they are: the largest value of each statistic anywhere;
+// those that were not asked for stay empty.
 struct Swept {
   std::vector<float> z, enhanced, mass;
   std::vector<std::int32_t> reached;  // per slot: how many of them reach what was observed there

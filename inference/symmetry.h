@@ -17,9 +17,9 @@ struct Symmetry {
   [[nodiscard]] bool isDoubtful() const { return p <= 0.01; }
 };
 
-// Compares both means with those of sign flips of whole rows of residuals, so that places keep what they share.
-// Uses at most 20,000 places, evenly taken, of those where all rows have a value and vary. Random numbers follow
-// from the seed alone.
+// Compares both means with those of sign flips of whole rows of residuals, so that places keep what they
+// share. Uses at most 5,000 places, evenly taken, of those where all rows have a value and vary. Random
+// numbers follow from the seed alone.
 [[nodiscard]] Symmetry checkSymmetry(const Model& model, const Values& values, std::uint32_t seed);
 
 }  // namespace inference

@@ -34,6 +34,8 @@ double tOfCorrelation(double r, int freedom) {
   return r * std::sqrt(freedom / std::max(1 - r * r, kLeastRest));
 }
 
-double correlationOfT(double t, int freedom) { return t / std::sqrt(freedom + t * t); }
+double correlationOfT(double t, int freedom) {
+  return t / std::sqrt(freedom + t * t);
+}
 
 }  // namespace inference

@@ -23,15 +23,17 @@ struct Enhancement {
 // How the tail of a null of maxima is read.
 enum class Tail {
   kCounted,  // counts of shuffles alone
-  kSmooth,   // a gamma distribution for small p of few random shuffles, see tail.h
+  kSmooth,   // a fitted distribution when fewer than kFewShuffles were drawn (not when all are listed), see tail.h
 };
+
+inline constexpr int kFewShuffles = 1000;
 
 struct TestOptions {
   Exchange exchange = Exchange::kSignFlips;
   // Per row; empty: none. Permutations exchange within blocks only; sign flips turn a block's rows together.
   std::vector<int> blocks;
-  int shuffles = 5000;     // drawn, beside the data as they are; all there are when there are no more
-  std::uint32_t seed = 1;  // shuffles depend on it and on their index alone
+  int shuffles = 5000;        // drawn, beside the data as they are; all there are when there are no more
+  std::uint32_t seed = 1;     // shuffles depend on it and on their index alone
   double varianceFwhmMm = 0;  // 0: plain t. Else variances are smoothed; wants a space of voxels
   bool enhance = true;
   Enhancement enhancement;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "inference/symmetry.h"
+#include "inference/tail.h"
 
 namespace inference {
 
@@ -23,18 +24,18 @@ struct Cluster {
 // A statistic's null: the maximum of every shuffle, the data as they are among them.
 struct NullMaxima {
   std::vector<float> sorted;  // ascending; empty when the statistic was not asked for
-  bool isTailSmooth = false;  // p below tail.h's limit come from a fitted distribution
+  std::optional<ParetoTail> tail;  // when it is used: p of values above its begin come from it
 };
 
 // Maps have a value per place, NaN where nothing is tested. Two-sided tests compare magnitudes; enhanced
 // values have the sign of the effect. p count the data as they are among the shuffles.
 struct TestResult {
-  std::vector<float> effect;     // the contrast's estimate
-  std::vector<float> t;          // with smoothed variances: their pseudo-t (Nichols & Holmes 2002)
-  std::vector<float> z;          // of the same probability as t; of pseudo-t: itself
-  std::vector<float> p;          // of this place alone
-  std::vector<float> pFwe;       // by the largest Z anywhere
-  std::vector<float> qFdr;       // of p (Benjamini & Hochberg 1995), see false_discovery.h
+  std::vector<float> effect;               // the contrast's estimate
+  std::vector<float> t;                    // with smoothed variances: their pseudo-t (Nichols & Holmes 2002)
+  std::vector<float> z;                    // of the same probability as t; of pseudo-t: itself
+  std::vector<float> p;                    // of this place alone
+  std::vector<float> pFwe;                 // by the largest Z anywhere
+  std::vector<float> qFdr;                 // of p (Benjamini & Hochberg 1995), see false_discovery.h
   std::vector<float> enhanced, pEnhanced;  // empty unless asked for; p by the largest enhanced value
   std::vector<int> rows;                   // that have a value, tested or not
   std::size_t tested = 0;                  // places
@@ -42,12 +43,12 @@ struct TestResult {
 
   std::vector<Cluster> clusters;  // by descending mass
   NullMaxima nullZ, nullEnhanced, nullMass;
-  // The smallest |t| with pFwe <= .05 where all rows have values, found or not; infinite when the shuffles are
-  // too few for it. The smallest |t| with qFdr <= .05; infinite when there is none.
+  // The smallest |t| with pFwe <= .05 where all rows have values, found or not; infinite when the shuffles
+  // are too few for it. The smallest |t| with qFdr <= .05; infinite when there is none.
   double tAtFwe05 = 0, tAtQ05 = 0;
 
-  std::size_t shuffles = 0;   // the data as they are among them
-  bool isExhaustive = false;  // these are all there are
+  std::size_t shuffles = 0;          // the data as they are among them
+  bool isExhaustive = false;         // these are all there are
   std::optional<Symmetry> symmetry;  // of sign flips
 };
 

@@ -4,26 +4,13 @@
 #include <cmath>
 #include <set>
 
+#include "inference/contrast_fit.h"
 #include "inference/lanes.h"
 #include "inference/place_groups.h"
-#include "inference/t_distribution.h"
 
 namespace inference {
 
 namespace {
-
-constexpr double kNoVariation = 1e-12;  // of the squares, where floats say no more
-
-double product(const std::vector<double>& a, const std::vector<double>& b) {
-  double sum = 0;
-  for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
-  return sum;
-}
-
-void removePart(const std::vector<double>& direction, std::vector<double>& values) {
-  const double part = product(direction, values);
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] -= part * direction[i];
-}
 
 // Whether rows of one block differ among these: else no permutation changes anything.
 bool canBePermuted(const Model& model, const std::vector<int>& rows, const std::vector<int>& blocks) {
@@ -55,7 +42,7 @@ class Collector {
     if (!split) return;
     const std::size_t begin = found_.slots() / kLanes;
     for (const std::int32_t place : group.places) addPlace(*split, place);
-    while (found_.slots() % kLanes != 0) addSlot(-1, 0, 0, 0);
+    while (found_.slots() % kLanes != 0) addSlot(-1, {0, 0, 0}, 1);
     const std::size_t end = found_.slots() / kLanes;
     if (begin == end) return;
     found_.spans.push_back({begin, end, found_.splits.size()});
@@ -66,33 +53,26 @@ class Collector {
 
  private:
   void addPlace(const ContrastSplit& split, std::int32_t place) {
-    std::fill(own_.begin(), own_.end(), 0.0);
-    for (const int row : split.rows) {
-      const auto at = static_cast<std::size_t>(row);
-      own_[at] = static_cast<double>(values_.of(at, static_cast<std::size_t>(place)));
-    }
-    const double all = product(own_, own_);
-    for (const auto& nuisance : split.nuisances) removePart(nuisance, own_);
-    const double along = product(split.effect, own_), length = std::sqrt(product(own_, own_));
-    std::vector<double> rest = own_;
-    removePart(split.effect, rest);
-    const double squares = product(rest, rest);
-    if (!(squares > kNoVariation * all)) return;
-    for (double& value : own_) value /= length;
-    addSlot(place, length, along * split.scale, along * std::sqrt(split.freedom / squares));
+    for (std::size_t row = 0; row < own_.size(); ++row)
+      own_[row] = static_cast<double>(values_.of(row, static_cast<std::size_t>(place)));
+    const auto fit = fitContrast(split, own_);
+    if (!fit) return;
+    for (double& value : own_) value /= fit->length;
+    addSlot(place, *fit, split.freedom);
   }
 
   // own_ holds its residuals; of an empty slot they count for nothing.
-  void addSlot(std::int32_t place, double length, double effect, double t) {
+  void addSlot(std::int32_t place, const ContrastFit& fit, int freedom) {
     const std::size_t slot = found_.slots(), lane = slot % kLanes;
     if (lane == 0) found_.residuals.resize(found_.residuals.size() + own_.size() * kLanes, 0.0F);
     float* vector = found_.residuals.data() + slot / kLanes * own_.size() * kLanes;
     for (std::size_t row = 0; place >= 0 && row < own_.size(); ++row)
       vector[row * kLanes + lane] = static_cast<float>(own_[row]);
     found_.placeOfSlot.push_back(place);
-    found_.lengths.push_back(static_cast<float>(length));
-    found_.effect.push_back(effect);
-    found_.t.push_back(t);
+    found_.lengths.push_back(static_cast<float>(fit.length));
+    found_.varianceFactors.push_back(static_cast<float>(fit.length * fit.length / freedom));
+    found_.effect.push_back(fit.effect);
+    found_.t.push_back(fit.t);
   }
 
   const Model& model_;
@@ -108,7 +88,8 @@ class Collector {
 TestedPlaces testedPlaces(const Model& model, const Values& values, const TestOptions& options) {
   Collector collector(model, values, options);
   std::vector<int> rowsOfPlace = countRows(values);
-  const int fewest = static_cast<int>(std::ceil(options.smallestShare * static_cast<double>(values.rows) - 1e-9));
+  const int fewest =
+      static_cast<int>(std::ceil(options.smallestShare * static_cast<double>(values.rows) - 1e-9));
   for (const PlaceGroup& group : groupPlaces(values, rowsOfPlace, std::max(1, fewest))) collector.add(group);
   TestedPlaces found = collector.take();
   found.rowsOfPlace = std::move(rowsOfPlace);

@@ -20,8 +20,8 @@ struct LaneSpan {
   std::size_t split;  // of its places
 };
 
-// Tested places have slots, grouped by the rows that have values; a group fills whole vectors of lanes, the rest of
-// its last one stays empty. Those with values in all rows come first, in their order.
+// Tested places have slots, grouped by the rows that have values; a group fills whole vectors of lanes, the
+// rest of its last one stays empty. Those with values in all rows come first, in their order.
 struct TestedPlaces {
   std::vector<ContrastSplit> splits;
   std::vector<LaneSpan> spans;
@@ -29,6 +29,7 @@ struct TestedPlaces {
   LaneFloats residuals;                   // [vector][row][lane], without the nuisances' part, of unit length
   LaneFloats lengths;                     // per slot: the length that they had
   std::vector<double> effect, t;          // per slot
+  LaneFloats varianceFactors;             // per slot: squared length by degrees of freedom
   std::vector<int> rowsOfPlace;           // values of each place of all, tested or not
 
   [[nodiscard]] std::size_t slots() const { return placeOfSlot.size(); }

@@ -25,7 +25,8 @@ ZTable::ZTable(int freedom) {
   const int perOctave = 1 << (23 - kShift);
   for (int octave = -24; octave < 0; ++octave)
     for (int i = 0; i < perOctave; ++i)
-      values_.push_back(static_cast<float>(slope(std::ldexp(1 + i / static_cast<double>(perOctave), octave), freedom)));
+      values_.push_back(
+          static_cast<float>(slope(std::ldexp(1 + i / static_cast<double>(perOctave), octave), freedom)));
   values_.push_back(static_cast<float>(slopeAtZero(freedom)));
   values_.push_back(values_.back());  // behind w = 1 itself
 }

@@ -7,8 +7,8 @@
 
 namespace inference {
 
-// For a correlation r with rest w = 1 - r r, Z = r G(w), G being smooth: straight lines between 512 values of G per
-// octave of w give Z within 1e-6 of itself. Below w = 2^-24 G stays what it is there.
+// For a correlation r with rest w = 1 - r r, Z = r G(w), G being smooth: straight lines between 512 values of
+// G per octave of w give Z within 1e-6 of itself. Below w = 2^-24 G stays what it is there.
 class ZTable {
  public:
   static constexpr float kLeast = 0x1p-24F;

@@ -24,7 +24,9 @@ Data noise(std::size_t rows, std::size_t places, unsigned seed) {
   return data;
 }
 
-Model oneSample(std::size_t rows) { return {{"mean"}, std::vector<double>(rows, 1.0), {1.0}}; }
+Model oneSample(std::size_t rows) {
+  return {{"mean"}, std::vector<double>(rows, 1.0), {1.0}};
+}
 
 TestOptions plain(int shuffles) {
   TestOptions options;

@@ -1,0 +1,84 @@
+#include "inference/symmetry.h"
+
+#include <Eigen/Dense>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "inference/contrast_split.h"
+#include "inference/draws.h"
+#include "inference/place_groups.h"
+#include "inference/scaled_design.h"
+
+namespace inference {
+
+namespace {
+
+using Eigen::MatrixXf;
+
+constexpr std::size_t kMostPlaces = 5000;
+constexpr int kFlips = 499;
+
+struct Means {
+  double skewness, square;
+};
+
+MatrixXf valuesOf(const Values& values) {
+  const auto groups = groupPlaces(values, countRows(values), static_cast<int>(values.rows));
+  const std::vector<std::int32_t> places = groups.empty() ? std::vector<std::int32_t>{} : groups[0].places;
+  const std::size_t step = places.size() / kMostPlaces + 1;
+  MatrixXf taken(values.rows, (places.size() + step - 1) / step);
+  for (Eigen::Index j = 0; j < taken.cols(); ++j)
+    for (Eigen::Index i = 0; i < taken.rows(); ++i)
+      taken(i, j) = values.of(static_cast<std::size_t>(i),
+                              static_cast<std::size_t>(places[static_cast<std::size_t>(j) * step]));
+  return taken;
+}
+
+// Columns lose what the basis spans, and have unit length then; those without length become 0.
+void leaveResiduals(const MatrixXf& basis, MatrixXf& values) {
+  const Eigen::RowVectorXf before = values.colwise().norm();
+  values -= basis * (basis.transpose() * values).eval();
+  for (Eigen::Index j = 0; j < values.cols(); ++j) {
+    const float length = values.col(j).norm();
+    values.col(j) *= length > 1e-6F * before(j) ? 1 / length : 0;
+  }
+}
+
+Means meansOf(const MatrixXf& residuals) {
+  const Eigen::ArrayXf skewness =
+      std::sqrt(static_cast<float>(residuals.rows())) * residuals.array().cube().colwise().sum().transpose();
+  const auto places = static_cast<double>(skewness.size());
+  return {skewness.cast<double>().sum() / places, skewness.cast<double>().square().sum() / places};
+}
+
+Means flippedMeans(const MatrixXf& residuals, const MatrixXf& basis, Draws draws) {
+  MatrixXf flipped = residuals;
+  for (Eigen::Index i = 0; i < flipped.rows(); ++i)
+    if (draws.coin()) flipped.row(i) *= -1;
+  leaveResiduals(basis, flipped);
+  return meansOf(flipped);
+}
+
+}  // namespace
+
+Symmetry checkSymmetry(const Model& model, const Values& values, std::uint32_t seed) {
+  MatrixXf residuals = valuesOf(values);
+  if (residuals.cols() == 0) return {};
+  const MatrixXf basis = ScaledDesign(model, allRows(model.rows())).basis().cast<float>();
+  leaveResiduals(basis, residuals);
+  const Means own = meansOf(residuals);
+  Symmetry found{.meanSkewness = own.skewness, .meanSquare = own.square, .nullMeanSquare = 0, .p = 1};
+  int bySkewness = 1, bySquare = 1;
+  for (int i = 1; i <= kFlips; ++i) {
+    const Means flipped = flippedMeans(residuals, basis, Draws(~seed, static_cast<std::size_t>(i)));
+    bySkewness += std::abs(flipped.skewness) >= std::abs(own.skewness) ? 1 : 0;
+    bySquare += flipped.square >= own.square ? 1 : 0;
+    found.nullMeanSquare += flipped.square / kFlips;
+  }
+  found.p = std::min(1.0, 2.0 * std::min(bySkewness, bySquare) / (kFlips + 1));
+  return found;
+}
+
+}  // namespace inference

@@ -1,6 +1,8 @@
 // tavmap simulate: a data set with planted influences and the truth beside it.
 #include <iostream>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,9 +18,15 @@ struct SimulateArguments {
   std::string folder;
   std::vector<int> grid{24, 28, 20};
   simulation::DataSetOptions options;
-  bool bids = false;
-  int participants = 2;
+  bool bids = false, groupStudy = false;
+  std::optional<int> participants;
+  simulation::GroupDesign design;
 };
+
+constexpr int kParticipantsOfTree = 2;
+const std::map<std::string, simulation::Spoilt> kSpoiltWords = {{"motion", simulation::Spoilt::kByMotion},
+                                                                {"cut-short", simulation::Spoilt::kCutShort},
+                                                                {"none", simulation::Spoilt::kNot}};
 
 constexpr const char* kSimulateExamples = R"(
 Examples:
@@ -33,29 +41,46 @@ Examples:
       the same without any influence
   tavmap simulate study --bids --participants 2
       a BIDS data set with derivatives in the manner of fMRIPrep
+  tavmap simulate study --group-study --participants 20 --condition-effect 0
+      two groups, of which one follows the reference more strongly; study_truth.json in
+      derivatives/atlas says where
 
 The same options give the same files, on every machine.)";
+
+void refuse(const std::string& problem) {
+  if (!problem.empty()) throw UsageError("cannot simulate this: " + problem);
+}
+
+// Returns how many took part.
+int write(SimulateArguments& arguments) {
+  const int participants = arguments.participants.value_or(
+      arguments.groupStudy ? arguments.design.participants : kParticipantsOfTree);
+  if (arguments.groupStudy) {
+    arguments.design.participants = participants;
+    refuse(simulation::problemWith(arguments.design));
+    simulation::writeGroupStudy(arguments.folder, arguments.options, arguments.design);
+    return participants;
+  }
+  if (arguments.participants && !arguments.bids)
+    throw UsageError("--participants is for --bids and --group-study; give one of them");
+  if (arguments.bids) {
+    simulation::writeBidsTree(arguments.folder, arguments.options, participants);
+    return participants;
+  }
+  simulation::writeDataSet(arguments.folder, arguments.options);
+  return 1;
+}
 
 void simulate(SimulateArguments& arguments) {
   formats::GridSize& grid = arguments.options.head.grid;
   grid = {arguments.grid[0], arguments.grid[1], arguments.grid[2]};
-  const std::string problem = simulation::problemWith(arguments.options);
-  if (!problem.empty()) throw UsageError("cannot simulate this: " + problem);
-  if (arguments.bids)
-    simulation::writeBidsTree(arguments.folder, arguments.options, arguments.participants);
-  else
-    simulation::writeDataSet(arguments.folder, arguments.options);
-  const int people = arguments.bids ? arguments.participants : 1;
+  refuse(simulation::problemWith(arguments.options));
+  const int people = write(arguments);
   std::cerr << "Wrote " << people * arguments.options.runs << " simulated runs to " << arguments.folder
             << '\n';
 }
 
-}  // namespace
-
-void addSimulateCommand(CLI::App& program) {
-  CLI::App* command =
-      program.add_subcommand("simulate", "A data set with planted influences and the truth beside it");
-  const auto arguments = std::make_shared<SimulateArguments>();
+void addDataOptions(CLI::App* command, const std::shared_ptr<SimulateArguments>& arguments) {
   simulation::DataSetOptions& options = arguments->options;
   command->add_option("folder", arguments->folder, "Where to write; created when it is missing")->required();
   command->add_option("--seed", options.seed, "Another number, another data set")->capture_default_str();
@@ -69,12 +94,49 @@ void addSimulateCommand(CLI::App& program) {
   command->add_option("--tr", options.trMs, "Repetition time in ms")->capture_default_str();
   command->add_option("--strength", options.strength, "Scales all influences; 0 plants none")
       ->capture_default_str();
-  CLI::Option* bids =
-      command->add_flag("--bids", arguments->bids, "A BIDS tree with preprocessed derivatives instead");
-  command->add_option("--participants", arguments->participants, "Participants of the BIDS tree")
-      ->needs(bids)
-      ->check(CLI::Range(1, simulation::kMostParticipants))
+}
+
+void addTreeOptions(CLI::App* command, const std::shared_ptr<SimulateArguments>& arguments) {
+  simulation::GroupDesign& design = arguments->design;
+  command->add_flag("--bids", arguments->bids, "A BIDS tree with preprocessed derivatives instead");
+  CLI::Option* study = command->add_flag(
+      "--group-study", arguments->groupStudy,
+      "A BIDS tree of two groups and two conditions, in which one region follows the reference more in one "
+      "group and one in one condition; participants differ in strength and motion");
+  command
+      ->add_option("--participants", arguments->participants,
+                   "Participants of the BIDS tree [2, of a group study 16]")
+      ->check(CLI::Range(1, simulation::kMostParticipants));
+  command
+      ->add_option("--group-effect", design.groupEffect,
+                   "Difference of the groups as a share of their mean, 0 to 1")
+      ->needs(study)
       ->capture_default_str();
+  command->add_option("--condition-effect", design.conditionEffect, "The same of the conditions")
+      ->needs(study)
+      ->capture_default_str();
+  command
+      ->add_option("--spread", design.spread, "Standard deviation of the participants' strengths, 0 to 0.3")
+      ->needs(study)
+      ->capture_default_str();
+  command
+      ->add_option(
+          "--spoilt", design.last,
+          "What spoils the data of the last participant: motion, cut-short (the last run breaks off) "
+          "or none [motion]")
+      ->needs(study)
+      ->transform(CLI::CheckedTransformer(kSpoiltWords))
+      ->option_text("WORD");
+}
+
+}  // namespace
+
+void addSimulateCommand(CLI::App& program) {
+  CLI::App* command =
+      program.add_subcommand("simulate", "A data set with planted influences and the truth beside it");
+  const auto arguments = std::make_shared<SimulateArguments>();
+  addDataOptions(command, arguments);
+  addTreeOptions(command, arguments);
   command->footer(kSimulateExamples);
   command->callback([arguments] { simulate(*arguments); });
 }

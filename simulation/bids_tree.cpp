@@ -8,6 +8,7 @@
 #include "simulation/bids_metadata.h"
 #include "simulation/block_design.h"
 #include "simulation/confounds.h"
+#include "simulation/group_metadata.h"
 #include "simulation/scan.h"
 #include "simulation/truth.h"
 
@@ -32,22 +33,37 @@ struct SeriesPaths {
   std::string raw, preprocessed;  // paths without .nii.gz
 };
 
-std::string subjectName(int participant) {
-  return (participant < 10 ? "sub-0" : "sub-") + std::to_string(participant);
+// A run of somebody.
+struct RunOf {
+  const Person& person;
+  int number, volumes;
+  formats::Protocol design;
+};
+
+// The blocks are planned for a whole run, also when it breaks off.
+RunOf runOf(const Tree& tree, const Person& person, int number) {
+  const bool breaksOff = person.spoilt == Spoilt::kCutShort && number == tree.options.runs;
+  const int volumes = breaksOff ? kVolumesOfCutRun : tree.options.volumes;
+  return {person, number, volumes, blockDesign(number, tree.options.volumes)};
 }
 
 std::string inSpace(const std::string& stem) {
   return fmt::format("{}_space-{}", stem, kSpace);
 }
 
-void writeTop(const Tree& tree, int participants) {
+// What the top of the tree says of its participants.
+struct TopTexts {
+  std::string readme, participants, participantsSidecar;
+};
+
+void writeTop(const Tree& tree, const TopTexts& texts) {
   using formats::writeTextFile;
   makeFolder(tree.derivatives());
   makeFolder(tree.atlas());
   writeTextFile(tree.folder + "/dataset_description.json", rawDescription());
-  writeTextFile(tree.folder + "/README", readmeText());
-  writeTextFile(tree.folder + "/participants.tsv", participantsTable(participants));
-  writeTextFile(tree.folder + "/participants.json", participantsSidecar());
+  writeTextFile(tree.folder + "/README", texts.readme);
+  writeTextFile(tree.folder + "/participants.tsv", texts.participants);
+  writeTextFile(tree.folder + "/participants.json", texts.participantsSidecar);
   writeTextFile(fmt::format("{}/task-{}_events.json", tree.folder, kTask), eventsSidecar());
   writeTextFile(tree.derivatives() + "/dataset_description.json",
                 derivativeDescription("Simulated scans as if preprocessed"));
@@ -73,22 +89,24 @@ void writeAnatomies(const Tree& tree, const std::string& subject) {
   formats::writeTextFile(preprocessed + "_desc-preproc_T1w.json", anatomySidecar());
 }
 
-formats::ImageHeader seriesHeader(const Tree& tree, formats::DataType type) {
+formats::ImageHeader seriesHeader(const Tree& tree, const RunOf& run, formats::DataType type) {
   formats::ImageHeader header = headerOf(tree.head, type, "simulated run");
-  header.volumes = tree.options.volumes;
+  header.volumes = run.volumes;
   header.series = true;
   header.trMs = tree.options.trMs;
   return header;
 }
 
 // The raw series is the other one rounded to whole numbers, as scanners give it.
-void writeSeries(const Tree& tree, const SeriesPaths& paths, const Artefacts& artefacts,
-                 NoiseStream& random) {
-  Scan scan(tree.head, tree.model, artefacts, tree.options.volumes, random);
-  formats::NiftiWriter raw(paths.raw + ".nii.gz", seriesHeader(tree, formats::DataType::kInt16));
+void writeSeries(const Tree& tree, const RunOf& run, const SeriesPaths& paths, const Artefacts& artefacts) {
+  NoiseStream random(tree.options.seed, static_cast<std::uint32_t>(run.person.number),
+                     static_cast<std::uint32_t>(run.number));
+  Scan scan(tree.head, run.person.model, artefacts, run.volumes, random);
+  formats::NiftiWriter raw(paths.raw + ".nii.gz", seriesHeader(tree, run, formats::DataType::kInt16));
   formats::NiftiWriter preprocessed(paths.preprocessed + ".nii.gz",
-                                    seriesHeader(tree, formats::DataType::kFloat32));
-  for (int volume = 0; volume < tree.options.volumes; ++volume) {
+                                    seriesHeader(tree, run, formats::DataType::kFloat32));
+  for (int volume = 1; volume <= run.volumes; ++volume) {
+    scan.use(modelAt(run.person, run.design, volume));
     const std::vector<float>& values = scan.nextVolume();
     raw.writeValues(values.data(), values.size());
     preprocessed.writeValues(values.data(), values.size());
@@ -110,43 +128,62 @@ void writeConfounds(const std::string& derived, const std::vector<Confound>& con
   formats::writeTextFile(stem + ".json", confoundsSidecar(confounds));
 }
 
-void writeRun(const Tree& tree, int participant, int run) {
-  const std::string subject = subjectName(participant);
-  const std::string name = fmt::format("/{}/func/{}_task-{}_run-{}", subject, subject, kTask, run);
+void writeRun(const Tree& tree, const RunOf& run) {
+  const std::string subject = subjectName(run.person.number);
+  const std::string name = fmt::format("/{}/func/{}_task-{}_run-{}", subject, subject, kTask, run.number);
   const std::string raw = tree.folder + name, derived = tree.derivatives() + name;
-  const auto person = static_cast<std::uint32_t>(participant), number = static_cast<std::uint32_t>(run);
-  NoiseStream nuisance(tree.options.seed, person, kConfoundStreams + number);
-  const std::vector<Confound> confounds = drawConfounds(tree.options.volumes, nuisance);
-  NoiseStream random(tree.options.seed, person, number);
-  writeSeries(tree, {raw + "_bold", inSpace(derived) + "_desc-preproc_bold"}, artefactsOf(confounds), random);
+  NoiseStream nuisance(tree.options.seed, static_cast<std::uint32_t>(run.person.number),
+                       kConfoundStreams + static_cast<std::uint32_t>(run.number));
+  const std::vector<Confound> confounds = drawConfounds(run.volumes, nuisance, run.person.motion);
+  writeSeries(tree, run, {raw + "_bold", inSpace(derived) + "_desc-preproc_bold"}, artefactsOf(confounds));
   writeRunMask(tree, derived);
   writeConfounds(derived, confounds);
-  formats::writeTextFile(raw + "_events.tsv",
-                         eventsTable(blockDesign(run, tree.options.volumes), tree.options.trMs));
+  formats::writeTextFile(raw + "_events.tsv", eventsTable(run.design, tree.options.trMs));
 }
 
-void writeParticipant(const Tree& tree, int participant) {
-  const std::string subject = subjectName(participant);
+void writePerson(const Tree& tree, const Person& person) {
+  const std::string subject = subjectName(person.number);
   writeAnatomies(tree, subject);
   makeFolder(fmt::format("{}/{}/func", tree.folder, subject));
   makeFolder(fmt::format("{}/{}/func", tree.derivatives(), subject));
-  for (int run = 1; run <= tree.options.runs; ++run) writeRun(tree, participant, run);
+  for (int run = 1; run <= tree.options.runs; ++run) writeRun(tree, runOf(tree, person, run));
   writeTruth(fmt::format("{}/{}_truth.json", tree.atlas(), subject),
-             truthOf(tree.model, tree.head.regionVoxels, tree.options.seed, tree.options.strength));
+             truthOf(person.model, tree.head.regionVoxels, tree.options.seed, person.strength));
+}
+
+Head headOf(const DataSetOptions& options, const InfluenceModel& model) {
+  HeadOptions head = options.head;
+  head.spaceCode = kMniSpace;
+  NoiseStream random(options.seed, kHeadParticipant, kHeadStream);
+  return makeHead(head, model, random);
+}
+
+void writeTree(const Tree& tree, const TopTexts& texts, const std::vector<Person>& people) {
+  writeTop(tree, texts);
+  writeAtlas(tree);
+  for (const Person& person : people) writePerson(tree, person);
 }
 
 }  // namespace
 
 void writeBidsTree(const std::string& folder, const DataSetOptions& options, int participants) {
   const InfluenceModel model = plantedModel(options.strength);
-  HeadOptions headOptions = options.head;
-  headOptions.spaceCode = kMniSpace;
-  NoiseStream random(options.seed, kHeadParticipant, kHeadStream);
-  const Head head = makeHead(headOptions, model, random);
+  const Head head = headOf(options, model);
+  std::vector<Person> people;
+  for (int number = 1; number <= participants; ++number)
+    people.push_back({.number = number, .strength = options.strength, .model = model});
+  writeTree({folder, options, model, head},
+            {readmeText(), participantsTable(participants), participantsSidecar()}, people);
+}
+
+void writeGroupStudy(const std::string& folder, const DataSetOptions& options, const GroupDesign& design) {
+  const InfluenceModel model = plantedModel(options.strength);
+  const Head head = headOf(options, model);
+  const std::vector<Person> people = peopleOf(design, options.seed, options.strength);
   const Tree tree{folder, options, model, head};
-  writeTop(tree, participants);
-  writeAtlas(tree);
-  for (int participant = 1; participant <= participants; ++participant) writeParticipant(tree, participant);
+  writeTree(tree, {groupReadme(design), groupParticipantsTable(people), groupParticipantsSidecar()}, people);
+  formats::writeTextFile(tree.atlas() + "/study_truth.json",
+                         studyTruth(design, options, head.regionVoxels, people));
 }
 
 }  // namespace simulation

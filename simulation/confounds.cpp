@@ -94,10 +94,10 @@ std::string cell(double value) {
 
 }  // namespace
 
-std::vector<Confound> drawConfounds(int volumes, NoiseStream& random) {
+std::vector<Confound> drawConfounds(int volumes, NoiseStream& random, double factor) {
   std::array<Series, 6> motion;
   for (std::size_t axis = 0; axis < motion.size(); ++axis)
-    motion[axis] = drawMotion(volumes, axis < 3 ? 0.02 : 0.0003, random);
+    motion[axis] = drawMotion(volumes, factor * (axis < 3 ? 0.02 : 0.0003), random);
   addJerk(motion[2], random);
   std::vector<Confound> table = {{"framewise_displacement", framewiseDisplacement(motion)}};
   for (std::size_t axis = 0; axis < motion.size(); ++axis)

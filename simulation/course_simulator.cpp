@@ -17,7 +17,7 @@ std::size_t regionOf(std::int32_t label) {
 
 CourseSimulator::CourseSimulator(const InfluenceModel& model, std::vector<std::int32_t> labels,
                                  NoiseStream& random)
-    : model_(model),
+    : model_(&model),
       labels_(std::move(labels)),
       random_(random),
       values_(labels_.size(), 0),
@@ -32,8 +32,8 @@ CourseSimulator::CourseSimulator(const InfluenceModel& model, std::vector<std::i
 const std::vector<double>& CourseSimulator::next() {
   const double lastReference = reference_;
   const double innovation = random_.normal();
-  reference_ = model_.reference().autoregression * lastReference + innovation;
-  for (std::size_t k = 1; k < means_.size(); ++k) reference_ += model_.regions[k].drive * means_[k];
+  reference_ = model_->reference().autoregression * lastReference + innovation;
+  for (std::size_t k = 1; k < means_.size(); ++k) reference_ += model_->regions[k].drive * means_[k];
   for (double& noise : regionNoise_) noise = random_.normal();
   stepVoxels(lastReference, innovation);
   centreReferenceVoxels();
@@ -49,7 +49,7 @@ double CourseSimulator::nextVoxel(std::size_t voxel, double lastReference, doubl
   const double own = random_.normal();
   const std::int32_t label = labels_[voxel];
   if (label == 0) return kNoiseAutoregression * values_[voxel] + own;
-  const RegionModel& region = model_.regions[regionOf(label)];
+  const RegionModel& region = model_->regions[regionOf(label)];
   if (region.kind == Kind::kReference) return kReferenceVoxelNoise * own;
   const double unshared =
       std::sqrt(region.coherence) * regionNoise_[regionOf(label)] + std::sqrt(1 - region.coherence) * own;

@@ -23,6 +23,9 @@ class CourseSimulator {
   // enough that the start is forgotten.
   CourseSimulator(const InfluenceModel& model, std::vector<std::int32_t> labels, NoiseStream& random);
 
+  // From the next time point on another model holds, with as many regions. It must outlive the simulator.
+  void use(const InfluenceModel& model) { model_ = &model; }
+
   // The next time point: one value per brain voxel, innovations of variance 1.
   const std::vector<double>& next();
 
@@ -35,7 +38,7 @@ class CourseSimulator {
   void centreReferenceVoxels();
   void updateMeans();
 
-  const InfluenceModel& model_;
+  const InfluenceModel* model_;
   std::vector<std::int32_t> labels_;
   NoiseStream& random_;
   std::vector<double> values_;

@@ -30,6 +30,9 @@ class Scan {
   Scan(const Head& head, const InfluenceModel& model, const Artefacts& artefacts, int volumes,
        NoiseStream& random);
 
+  // From the next volume on another model holds, with as many regions. It must outlive the scan.
+  void use(const InfluenceModel& model) { courses_.use(model); }
+
   // The next volume, over the head's grid. Precondition: called at most `volumes` times.
   const std::vector<float>& nextVolume();
 

@@ -11,6 +11,7 @@
 #include "app/exit_codes.h"
 #include "app/study_options.h"
 #include "bids/bids_names.h"
+#include "report/group_page.h"
 #include "results/output_folder.h"
 #include "study/progress_bar.h"
 
@@ -103,6 +104,11 @@ class TestProgress {
   std::chrono::steady_clock::time_point start_;
 };
 
+void tellPages(const std::vector<std::string>& pages, const GroupTestArguments& arguments) {
+  if (arguments.quiet || arguments.json) return;
+  for (const std::string& page : pages) std::cout << "Report: " << page << "\n";
+}
+
 Json recordsJson(const study::GroupTestsResult& result) {
   Json tests = Json::array();
   for (const study::GroupTestOutcome& test : result.tests) {
@@ -145,6 +151,7 @@ int runGroupTests(const study::GroupResult& group, const study::Participants& pa
   progress.begin("");
   for (const std::string& failure : result.failures) std::cerr << "FAILED: " << failure << "\n";
   study::explainOutputFolder(outDir);
+  if (!arguments.noReport) tellPages(report::writeGroupReports(outDir), arguments);
   if (arguments.json) {
     std::cout << recordsJson(result).dump(2) << "\n";
   } else if (!arguments.quiet) {

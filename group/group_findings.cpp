@@ -60,7 +60,7 @@ void countFindings(const TestedGroup& test, GroupTestRecord& record) {
   record.meanSkewness = result.symmetry ? result.symmetry->meanSkewness : std::nan("");
   record.shuffles = result.shuffles;
   record.isExhaustive = result.isExhaustive;
-  record.isTailSmooth = result.nullZ.isTailSmooth || result.nullEnhanced.isTailSmooth;
+  record.isTailSmooth = result.nullZ.tail.has_value();
   record.freedom = result.freedom;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
@@ -8,6 +9,7 @@
 #include "formats/affine.h"
 #include "formats/nifti.h"
 #include "group/group_findings.h"
+#include "inference/influence.h"
 #include "prepare/grid.h"
 #include "results/map_findings.h"
 #include "tav/clusters.h"
@@ -156,11 +158,13 @@ class PeakFinder {
     const auto place =
         static_cast<std::size_t>(std::lower_bound(voxels.begin(), voxels.end(), voxel) - voxels.begin());
     const inference::Values values = test_.images.borrowed();
+    const std::array<std::size_t, 1> places = {place};
+    const auto without = inference::leaveOneOut(test_.design.model, values, places);
     std::vector<GroupValue> all;
     for (std::size_t row = 0; row < values.rows; ++row) {
       const float value = values.of(row, place);
       all.push_back({test_.cell.rows[test_.design.rows[row]].participant,
-                     std::isnan(value) ? kNone : withDigitsOf(value), kNone});
+                     std::isnan(value) ? kNone : withDigitsOf(value), without[row][0].t});
     }
     return all;
   }

@@ -66,8 +66,8 @@ struct GroupTestRecord {
   std::string test, question;                                      // name, and in words
   std::string task, session, reference, condition, sessions, map;  // of the cell; map: "dTAV"
   std::string within, contrast;                                    // as asked
-  bool isTwoSided = true;            // else only values above 0 count: less than the own null values says nothing
-  bool isZ = false;                  // values are z against each voxel's own null values
+  bool isTwoSided = true;  // else only values above 0 count: less than the own null values says nothing
+  bool isZ = false;        // values are z against each voxel's own null values
   std::vector<std::string> columns;  // of the design
   std::vector<double> weights;       // of the contrast
   std::vector<GroupRow> rows;

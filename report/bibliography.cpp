@@ -43,6 +43,21 @@ constexpr auto kEntries = std::to_array<Entry>({
      "Winkler, Irene and Panknin, Danny and Bartz, Daniel and M{\\\"u}ller, Klaus-Robert and Haufe, Stefan",
      "Validity of time reversal for testing Granger causality", "IEEE Transactions on Signal Processing",
      "64", "2746--2760", "2016", "10.1109/TSP.2015.2498123"},
+    {Work::kPower2012, "Power et al. 2012", "power2012",
+     "Power, Jonathan D. and Barnes, Kelly A. and Snyder, Abraham Z. and Schlaggar, Bradley L. and Petersen, "
+     "Steven E.",
+     "Spurious but systematic correlations in functional connectivity MRI networks arise from subject motion",
+     "NeuroImage", "59", "2142--2154", "2012", "10.1016/j.neuroimage.2011.10.018"},
+    {Work::kSchwarz1978, "Schwarz 1978", "schwarz1978", "Schwarz, Gideon",
+     "Estimating the dimension of a model", "Annals of Statistics", "6", "461--464", "1978",
+     "10.1214/aos/1176344136"},
+    {Work::kAkaike1974, "Akaike 1974", "akaike1974", "Akaike, Hirotugu",
+     "A new look at the statistical model identification", "IEEE Transactions on Automatic Control", "19",
+     "716--723", "1974", "10.1109/TAC.1974.1100705"},
+    {Work::kHannan1979, "Hannan & Quinn 1979", "hannan1979", "Hannan, Edward J. and Quinn, Barry G.",
+     "The determination of the order of an autoregression",
+     "Journal of the Royal Statistical Society: Series B", "41", "190--195", "1979",
+     "10.1111/j.2517-6161.1979.tb01072.x"},
     {Work::kFreedman1983, "Freedman & Lane 1983", "freedman1983", "Freedman, David and Lane, David",
      "A nonstochastic interpretation of reported significance levels",
      "Journal of Business & Economic Statistics", "1", "292--298", "1983", "10.1080/07350015.1983.10509354"},
@@ -62,25 +77,10 @@ constexpr auto kEntries = std::to_array<Entry>({
      "Permutation inference for the general linear model", "NeuroImage", "92", "381--397", "2014",
      "10.1016/j.neuroimage.2014.01.060"},
     {Work::kWinkler2016Faster, "Winkler et al. 2016", "winkler2016faster",
-     "Winkler, Anderson M. and Ridgway, Gerard R. and Douaud, Gwena{\\"e}lle and Nichols, Thomas E. and Smith, "
+     "Winkler, Anderson M. and Ridgway, Gerard R. and Douaud, Gwena{\\\"e}lle and Nichols, Thomas E. and Smith, "
      "Stephen M.",
      "Faster permutation inference in brain imaging", "NeuroImage", "141", "502--516", "2016",
      "10.1016/j.neuroimage.2016.05.068"},
-    {Work::kPower2012, "Power et al. 2012", "power2012",
-     "Power, Jonathan D. and Barnes, Kelly A. and Snyder, Abraham Z. and Schlaggar, Bradley L. and Petersen, "
-     "Steven E.",
-     "Spurious but systematic correlations in functional connectivity MRI networks arise from subject motion",
-     "NeuroImage", "59", "2142--2154", "2012", "10.1016/j.neuroimage.2011.10.018"},
-    {Work::kSchwarz1978, "Schwarz 1978", "schwarz1978", "Schwarz, Gideon",
-     "Estimating the dimension of a model", "Annals of Statistics", "6", "461--464", "1978",
-     "10.1214/aos/1176344136"},
-    {Work::kAkaike1974, "Akaike 1974", "akaike1974", "Akaike, Hirotugu",
-     "A new look at the statistical model identification", "IEEE Transactions on Automatic Control", "19",
-     "716--723", "1974", "10.1109/TAC.1974.1100705"},
-    {Work::kHannan1979, "Hannan & Quinn 1979", "hannan1979", "Hannan, Edward J. and Quinn, Barry G.",
-     "The determination of the order of an autoregression",
-     "Journal of the Royal Statistical Society: Series B", "41", "190--195", "1979",
-     "10.1111/j.2517-6161.1979.tb01072.x"},
 });
 
 constexpr bool followsTheWorks() {

@@ -11,14 +11,14 @@
 namespace report {
 namespace {
 
-constexpr double kGap = 8;      // between views, mm
+constexpr double kGap = 8;       // between views, mm
 constexpr double kCaption = 10;  // height of the line above a view, mm
 constexpr render::Rgba kBrain{127, 127, 127, 60};
 
 // A view along one axis: which axes run across and down, and whether they run against the picture.
 struct View {
   std::size_t across, down, along;
-  bool isMirrored;  // across runs from right to left of the picture
+  bool isMirrored;                    // across runs from right to left of the picture
   const char *name, *first, *second;  // letters at the sides
 };
 // Front to the left, seen from the left; then left on the left.
@@ -79,14 +79,15 @@ std::string glassBrain(const PageGrid& grid, const GlassMap& map, const std::str
   std::string content;
   double x = 0, tallest = 0;
   for (const View& view : kViews) {
-    const double width = extent(grid, view.across), height = extent(grid, view.down), middle = kCaption + height / 2;
+    const double width = extent(grid, view.across), height = extent(grid, view.down),
+                 middle = kCaption + height / 2;
     content += fmt::format(
         "<image x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" preserveAspectRatio=\"none\" "
         "style=\"image-rendering:pixelated\" href=\"{}\"/>"
         "<text x=\"{:.2f}\" y=\"7\" text-anchor=\"middle\">{}</text><text x=\"{:.2f}\" y=\"{:.2f}\">{}</text>"
         "<text x=\"{:.2f}\" y=\"{:.2f}\" text-anchor=\"end\">{}</text>",
-        x, kCaption, width, height, pngUri(pixelsOf(grid, map, view).png()), x + width / 2, view.name, x + 1, middle,
-        view.first, x + width - 1, middle, view.second);
+        x, kCaption, width, height, pngUri(pixelsOf(grid, map, view).png()), x + width / 2, view.name, x + 1,
+        middle, view.first, x + width - 1, middle, view.second);
     x += width + kGap;
     tallest = std::max(tallest, height);
   }

@@ -26,18 +26,23 @@ bool hasVotes(const study::GroupTestRecord& record) {
 
 std::string peakRow(const TestedCell& cell, std::size_t index) {
   const Quotes quotes = Quotes(cell.json, cell.file).at(fmt::format("/Peaks/{}", index));
-  const auto number = [&](const char* way, Digits digits = Digits::kFour) { return element("td", quotes.number(way, digits)); };
+  const auto number = [&](const char* way, Digits digits = Digits::kFour) {
+    return element("td", quotes.number(way, digits));
+  };
   std::string row = element("th", {{"scope", "row"}}, std::to_string(index + 1)) +
-                    element("td", byWords(cell.record.peaks[index].by)) + number("/ClusterVoxels", Digits::kAll) +
+                    element("td", byWords(cell.record.peaks[index].by)) +
+                    number("/ClusterVoxels", Digits::kAll) +
                     element("td", fmt::format("({}, {}, {})", quotes.number("/Millimetres/0", Digits::kTenth),
                                               quotes.number("/Millimetres/1", Digits::kTenth),
                                               quotes.number("/Millimetres/2", Digits::kTenth))) +
-                    number("/Effect") + number("/T") + number("/PFamilyWise") + number("/PEnhanced") + number("/PMass") +
-                    number("/QFalseDiscovery") + number("/Participants", Digits::kAll);
+                    number("/Effect") + number("/T") + number("/PFamilyWise") + number("/PEnhanced") +
+                    number("/PMass") + number("/QFalseDiscovery") + number("/Participants", Digits::kAll);
   if (hasVotes(cell.record)) {
-    row += element("td", fmt::format("{} reference, {} voxel, {} not supported, {} do not pass",
-                                     quotes.number("/Directions/ReferenceLeads"), quotes.number("/Directions/VoxelLeads"),
-                                     quotes.number("/Directions/NotSupported"), quotes.number("/Directions/NotTested")));
+    row += element(
+        "td",
+        fmt::format("{} reference, {} voxel, {} not supported, {} do not pass",
+                    quotes.number("/Directions/ReferenceLeads"), quotes.number("/Directions/VoxelLeads"),
+                    quotes.number("/Directions/NotSupported"), quotes.number("/Directions/NotTested")));
   }
   return element("tr", row);
 }
@@ -46,9 +51,11 @@ std::string peakTable(const TestedCell& cell) {
   const std::size_t shown = std::min(kMostRows, cell.record.peaks.size());
   std::string rows, head;
   for (std::size_t i = 0; i < shown; ++i) rows += peakRow(cell, i);
-  std::vector<const char*> titles = {"Cluster", "Passes by",  "Voxels", "Peak (mm)", "Effect", "t", "Family-wise p, maximum",
-                                     "Enhancement", "Cluster mass", "q", "Participants"};
-  if (hasVotes(cell.record)) titles.push_back("Who leads there in the participants' own maps, with reversed time");
+  std::vector<const char*> titles = {
+      "Cluster",     "Passes by",    "Voxels", "Peak (mm)",   "Effect", "t", "Family-wise p, maximum",
+      "Enhancement", "Cluster mass", "q",      "Participants"};
+  if (hasVotes(cell.record))
+    titles.push_back("Who leads there in the participants' own maps, with reversed time");
   for (const char* title : titles) head += element("th", {{"scope", "col"}}, title);
   std::string caption = "Clusters of what passes, and their peaks. The whole table: " +
                         element("code", text(cell.record.clusterTable));
@@ -98,21 +105,26 @@ std::string stripFigure(const TestedCell& cell, std::size_t index) {
   std::vector<StripPoint> points;
   std::string rows;
   for (std::size_t i = 0; i < peak.values.size(); ++i) {
-    points.push_back({"sub-" + peak.values[i].participant, groupOf(cell.record, peak.values[i].participant), peak.values[i].value});
+    points.push_back({"sub-" + peak.values[i].participant, groupOf(cell.record, peak.values[i].participant),
+                      peak.values[i].value});
     rows += valueRow(cell, index, i);
   }
   const std::string unit = cell.record.isZ ? "z against own null values" : cell.record.map;
   const std::string title = fmt::format("Participants at peak {}", index + 1);
   const std::string table = element(
-      "details", element("summary", "The values") +
-                     element("div", {{"class", "table-scroll"}},
-                             element("table", "<thead><tr><th scope=\"col\">Participant</th><th scope=\"col\">Group</th><th "
-                                              "scope=\"col\">Value</th><th scope=\"col\">t without</th></tr></thead>" +
-                                                  element("tbody", rows))));
-  const std::string caption = title + ". Lines: means." + influenceWords(cell, index) +
-                              " A peak is where a group is most extreme: values there look stronger than they are.";
-  return element("figure", {{"class", "strip"}},
-                 element("figcaption", caption) + stripPlot(points, unit, title + ", one point each") + table);
+      "details",
+      element("summary", "The values") +
+          element("div", {{"class", "table-scroll"}},
+                  element("table",
+                          "<thead><tr><th scope=\"col\">Participant</th><th scope=\"col\">Group</th><th "
+                          "scope=\"col\">Value</th><th scope=\"col\">t without</th></tr></thead>" +
+                              element("tbody", rows))));
+  const std::string caption =
+      title + ". Lines: means." + influenceWords(cell, index) +
+      " A peak is where a group is most extreme: values there look stronger than they are.";
+  return element(
+      "figure", {{"class", "strip"}},
+      element("figcaption", caption) + stripPlot(points, unit, title + ", one point each") + table);
 }
 
 std::string cellPeaks(const TestedCell& cell, std::size_t index) {
@@ -131,9 +143,11 @@ std::string groupPeaksSection(const GroupOutputs& outputs) {
 
 std::string groupParticipantsSection(const GroupOutputs& outputs) {
   const TestedCell& cell = outputs.cells[0];
-  std::string head = element("th", {{"scope", "col"}}, "Participant") + element("th", {{"scope", "col"}}, "Group");
+  std::string head =
+      element("th", {{"scope", "col"}}, "Participant") + element("th", {{"scope", "col"}}, "Group");
   for (std::size_t i = 0; i < cell.record.columns.size(); ++i)
-    head += element("th", {{"scope", "col"}}, name(cell.record.columns[i]) + fmt::format(" (weight {})", cell.record.weights[i]));
+    head += element("th", {{"scope", "col"}},
+                    name(cell.record.columns[i]) + fmt::format(" (weight {})", cell.record.weights[i]));
   std::string rows;
   for (std::size_t r = 0; r < cell.record.rows.size(); ++r) {
     const study::GroupRow& row = cell.record.rows[r];
@@ -144,11 +158,13 @@ std::string groupParticipantsSection(const GroupOutputs& outputs) {
       cells += element("td", quotes.number(fmt::format("/Design/{}", i), Digits::kFour));
     rows += element("tr", cells);
   }
-  const std::string caption = "The design: one row per participant, one column per coefficient, of " + name(cellTitle(cell.record));
-  return section("participants", "part", 2, "Participants",
-                 element("div", {{"class", "table-scroll"}},
-                         element("table", element("caption", caption) + element("thead", element("tr", head)) +
-                                              element("tbody", rows))));
+  const std::string caption =
+      "The design: one row per participant, one column per coefficient, of " + name(cellTitle(cell.record));
+  return section(
+      "participants", "part", 2, "Participants",
+      element("div", {{"class", "table-scroll"}},
+              element("table", element("caption", caption) + element("thead", element("tr", head)) +
+                                   element("tbody", rows))));
 }
 
 }  // namespace report

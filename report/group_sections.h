@@ -21,7 +21,7 @@ namespace report {
 [[nodiscard]] std::string groupSummarySection(const GroupOutputs& outputs);
 
 struct GroupMaps {
-  std::string html, definitions;                                // as MapsSection has them
+  std::string html, definitions;                              // as MapsSection has them
   std::vector<std::pair<std::string, std::string>> pictures;  // files beside the page: names and texts
 };
 // Slices and a view through the brain per map.

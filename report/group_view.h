@@ -13,15 +13,16 @@
 namespace report {
 
 struct GroupView {
-  std::vector<float> t;                 // NaN where nothing is tested
-  std::vector<std::uint8_t> passes;     // by enhancement where it was asked for, else by the maximum
-  std::vector<std::uint8_t> clusters;   // in a cluster that passes by its mass
-  OverlayScale scale;                   // threshold: the smallest |t| of what passes; unset when nothing does
+  std::vector<float> t;                // NaN where nothing is tested
+  std::vector<std::uint8_t> passes;    // by enhancement where it was asked for, else by the maximum
+  std::vector<std::uint8_t> clusters;  // in a cluster that passes by its mass
+  OverlayScale scale;                  // threshold: the smallest |t| of what passes; unset when nothing does
   [[nodiscard]] render::Rgba colour(std::size_t voxel) const;
 };
 
 // Throws formats::FileError.
-[[nodiscard]] GroupView readGroupView(const GroupOutputs& outputs, const PageGrid& grid, const TestedCell& cell);
+[[nodiscard]] GroupView readGroupView(const GroupOutputs& outputs, const PageGrid& grid,
+                                      const TestedCell& cell);
 
 // What the maps lie on, in stored order: the mean of the participants' anatomies, or mean images, that lie on
 // the grid; else what was tested.

@@ -43,9 +43,11 @@ std::string gridLines(const Axis& axis, double width) {
   for (double at = std::ceil(axis.low / step) * step; at <= axis.high; at += step) {
     const bool isZero = std::fabs(at) < step / 2;
     svg += fmt::format(
-        "<line x1=\"{}\" x2=\"{:.0f}\" y1=\"{:.1f}\" y2=\"{:.1f}\" stroke=\"currentColor\" stroke-opacity=\"{}\"/>"
+        "<line x1=\"{}\" x2=\"{:.0f}\" y1=\"{:.1f}\" y2=\"{:.1f}\" stroke=\"currentColor\" "
+        "stroke-opacity=\"{}\"/>"
         "<text x=\"{}\" y=\"{:.1f}\" text-anchor=\"end\">{:.4g}</text>",
-        kLeft, width, axis.y(at), axis.y(at), isZero ? "0.8" : "0.2", kLeft - 5, axis.y(at) + 3, isZero ? 0 : at);
+        kLeft, width, axis.y(at), axis.y(at), isZero ? "0.8" : "0.2", kLeft - 5, axis.y(at) + 3,
+        isZero ? 0 : at);
   }
   return svg;
 }
@@ -58,7 +60,8 @@ std::string groupOf(const std::vector<const StripPoint*>& members, const Axis& a
     const double offset = static_cast<double>(i % 5) * 9 - 18;
     sum += members[i]->value;
     svg += fmt::format(
-        "<circle cx=\"{:.1f}\" cy=\"{:.1f}\" r=\"4\" fill=\"currentColor\" fill-opacity=\"0.55\"><title>{}: {:.4g}"
+        "<circle cx=\"{:.1f}\" cy=\"{:.1f}\" r=\"4\" fill=\"currentColor\" fill-opacity=\"0.55\"><title>{}: "
+        "{:.4g}"
         "</title></circle>",
         centre + offset, axis.y(members[i]->value), text(members[i]->name), members[i]->value);
   }
@@ -71,7 +74,8 @@ std::string groupOf(const std::vector<const StripPoint*>& members, const Axis& a
 
 }  // namespace
 
-std::string stripPlot(const std::vector<StripPoint>& points, const std::string& unit, const std::string& label) {
+std::string stripPlot(const std::vector<StripPoint>& points, const std::string& unit,
+                      const std::string& label) {
   std::map<std::string, std::vector<const StripPoint*>> groups;
   for (const StripPoint& point : points)
     if (!std::isnan(point.value)) groups[point.group].push_back(&point);
@@ -82,8 +86,9 @@ std::string stripPlot(const std::vector<StripPoint>& points, const std::string& 
   for (const auto& [group, members] : groups) {
     svg += groupOf(members, axis, centre);
     svg += fmt::format("<text x=\"{:.1f}\" y=\"{:.1f}\" text-anchor=\"middle\">{}</text>", centre,
-                       kTop + kHeight + 15, text(group.empty() ? fmt::format("n = {}", members.size())
-                                                               : fmt::format("{} ({})", group, members.size())));
+                       kTop + kHeight + 15,
+                       text(group.empty() ? fmt::format("n = {}", members.size())
+                                          : fmt::format("{} ({})", group, members.size())));
     centre += kColumn;
   }
   svg += fmt::format("<text x=\"{}\" y=\"8\" text-anchor=\"start\">{}</text>", 2, text(unit));

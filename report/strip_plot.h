@@ -12,8 +12,8 @@ struct StripPoint {
   double value = 0;         // NaN: is not drawn
 };
 
-// Points, a line at the mean of each group and one at 0. label: what a person who cannot see it is told; unit: of
-// the values.
+// Points, a line at the mean of each group and one at 0. label: what a person who cannot see it is told;
+// unit: of the values.
 [[nodiscard]] std::string stripPlot(const std::vector<StripPoint>& points, const std::string& unit,
                                     const std::string& label);
 

@@ -22,7 +22,7 @@ ARROWS = {
     "prepare": {"request", "bids", "formats"},
     "results": {"tav", "request", "bids", "prepare", "formats"},
     "study": {"tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
-    "report": {"tav", "io", "formats", "render", "request", "bids", "prepare", "results"},
+    "report": {"tav", "io", "formats", "render", "request", "bids", "prepare", "results", "group"},
     "group": {"tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
     "simulation": {"formats"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",

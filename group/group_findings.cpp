@@ -32,14 +32,19 @@ void extremes(const std::vector<float>& t, GroupTestRecord& record) {
   }
 }
 
-std::string symmetryWarning(const inference::Symmetry& symmetry) {
+std::string symmetryWarning(const inference::Symmetry& symmetry, bool isDifference) {
+  const char* const remedy = isDifference
+                                 ? "look at the values at the peaks: single participants may make them"
+                                 : "test a difference between conditions, sessions or groups instead, which "
+                                   "is symmetric when nothing "
+                                   "differs, or look at the values at the peaks";
   return fmt::format(
-      "values of participants are not symmetric about their mean (mean skewness {:.2f}, p = {:.2g}), which "
-      "sign flips "
-      "rest on: small p on the side of the long tail can be wrong; test a difference between conditions, "
-      "sessions or "
-      "groups instead, which is symmetric when nothing differs, or look at the values at the peaks",
-      symmetry.meanSkewness, symmetry.p);
+      "values of participants are not symmetric about their mean (skewness {:.2f} on average, spread over "
+      "voxels {:.1f} "
+      "times that of symmetric values, p = {:.2g}), which sign flips rest on: small p on the side of the "
+      "long tail can be "
+      "wrong; {}",
+      symmetry.meanSkewness, std::sqrt(symmetry.meanSquare / symmetry.nullMeanSquare), symmetry.p, remedy);
 }
 
 }  // namespace
@@ -67,7 +72,8 @@ void countFindings(const TestedGroup& test, GroupTestRecord& record) {
 std::vector<std::string> groupWarnings(const TestedGroup& test) {
   const inference::TestResult& result = test.result;
   std::vector<std::string> warnings;
-  if (result.symmetry && result.symmetry->isDoubtful()) warnings.push_back(symmetryWarning(*result.symmetry));
+  if (result.symmetry && result.symmetry->isDoubtful())
+    warnings.push_back(symmetryWarning(*result.symmetry, test.cell.isDifference()));
   if (1.0 / static_cast<double>(result.shuffles) > test.inference.level) {
     warnings.push_back(
         fmt::format("there are only {} ways to exchange these participants, so that no p can be below "

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <limits>
 #include <map>
+#include <set>
 
 #include "formats/affine.h"
 #include "formats/nifti.h"
@@ -139,16 +140,16 @@ class PeakFinder {
     return directions_.emplace(file, formats::readLabelImage((outDir_ / file).string()).labels).first->second;
   }
 
-  // Every kind's first peaks in turn.
+  // Every kind's first peaks in turn, each voxel once.
   void addValues(std::vector<GroupPeak>& peaks) const {
-    std::map<std::string, std::size_t> seen;
-    std::size_t given = 0;
-    for (std::size_t rank = 0; rank < peaks.size() && given < kPeaksWithValues; ++rank) {
-      seen.clear();
+    std::set<std::size_t> given;
+    for (std::size_t rank = 0; rank < peaks.size() && given.size() < kPeaksWithValues; ++rank) {
+      std::map<std::string, std::size_t> seen;
       for (GroupPeak& peak : peaks) {
-        if (seen[peak.by]++ != rank || given == kPeaksWithValues) continue;
-        peak.values = valuesAt(grid_.size.index(peak.voxel));
-        ++given;
+        const std::size_t voxel = grid_.size.index(peak.voxel);
+        if (seen[peak.by]++ != rank || given.size() == kPeaksWithValues || !given.insert(voxel).second)
+          continue;
+        peak.values = valuesAt(voxel);
       }
     }
   }

@@ -51,9 +51,10 @@ void addOnce(const std::string& text, std::vector<std::string>& texts) {
   if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
 }
 
-std::string countText(const char* by, const GroupCounts& counts, const char* what) {
-  if (counts.positive + counts.negative == 0) return fmt::format("{}: none", by);
-  return fmt::format("{}: {} {} above, {} below", by, counts.positive, what, counts.negative);
+std::string countText(const char* by, const GroupCounts& counts, bool isTwoSided) {
+  if (counts.positive + counts.negative == 0) return fmt::format("none {}", by);
+  if (!isTwoSided) return fmt::format("{} {}", counts.positive, by);
+  return fmt::format("{} above and {} below {}", counts.positive, counts.negative, by);
 }
 
 std::string peakText(const GroupPeak& peak) {
@@ -64,12 +65,15 @@ void printTest(const GroupTestRecord& record, std::ostream& out) {
   out << fmt::format("{}: {}\n  {}; {} participants, {} {}{}\n", record.test, record.question,
                      groupValueWords(record), record.rows.size(), record.shuffles, record.exchange,
                      record.isExhaustive ? " (all there are)" : "");
-  out << fmt::format("  family-wise p <= {}: {}", record.inference.level,
-                     countText("by the maximum", record.byMaximum, "voxels"));
-  if (record.inference.enhance) out << "; " << countText("by enhancement", record.byTfce, "voxels");
-  out << "; " << countText("by cluster mass", record.byMass, "clusters") << "\n";
-  out << fmt::format("  false discovery rate {}: {}\n", record.inference.level,
-                     countText("voxels", record.byFdr, ""));
+  const auto counted = [&](const char* by, const GroupCounts& counts) {
+    return countText(by, counts, record.isTwoSided);
+  };
+  out << fmt::format("  family-wise p <= {}: voxels: {}", record.inference.level,
+                     counted("by the maximum", record.byMaximum));
+  if (record.inference.enhance) out << ", " << counted("by enhancement", record.byTfce);
+  out << "; clusters: " << counted("by mass", record.byMass) << "\n";
+  out << fmt::format("  false discovery rate {}: voxels: {}\n", record.inference.level,
+                     counted("in all", record.byFdr));
   if (!record.peaks.empty()) {
     out << fmt::format("  {}: {}\n", record.peaks[0].by == "none" ? "largest, no finding" : "first peak",
                        peakText(record.peaks[0]));

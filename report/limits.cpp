@@ -35,7 +35,7 @@ void addRun(const RunRecord& run, Facts& facts) {
   facts.hasConfounds = facts.hasConfounds || !run.confoundsRegressed.empty();
   facts.hasCensored = facts.hasCensored || run.volumesCensored > 0;
   for (const study::VolumeRange& range : run.intervals) {
-    const auto length = static_cast<std::size_t>(range.last - range.first + 1);
+    const auto length = static_cast<std::size_t>(range.last - range.first) + 1;
     facts.shortestInterval = facts.intervals == 0 ? length : std::min(facts.shortestInterval, length);
     ++facts.intervals;
   }

@@ -31,7 +31,8 @@ struct MosaicLayout {
 
   [[nodiscard]] double x(std::size_t panel) const { return static_cast<double>(panel % kColumns) * width; }
   [[nodiscard]] double y(std::size_t panel) const {
-    return static_cast<double>(panel / kColumns) * (height + kCaption) + kCaption;
+    const std::size_t row = panel / kColumns;
+    return static_cast<double>(row) * (height + kCaption) + kCaption;
   }
   [[nodiscard]] std::size_t voxel(int right, int front, int top) const {
     const auto dim = [&](std::size_t axis) { return static_cast<std::size_t>(grid.view().dim(axis)); };
@@ -43,7 +44,7 @@ struct MosaicLayout {
 // The overlay of the slices in one row, one pixel per voxel.
 std::string overlayRow(const MosaicLayout& layout, const MosaicMap& map, int row) {
   const render::Upright& view = layout.grid.view();
-  const auto first = static_cast<std::size_t>(row * kColumns);
+  const std::size_t first = static_cast<std::size_t>(row) * kColumns;
   const std::size_t end = std::min(first + kColumns, layout.slices.size());
   render::Pixels pixels(static_cast<int>(end - first) * view.dim(0), view.dim(1));
   for (std::size_t panel = first; panel < end; ++panel) {

@@ -11,7 +11,7 @@
 namespace tav {
 namespace {
 
-constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
+constexpr float kNoZ = std::numeric_limits<float>::quiet_NaN();
 
 // Small measures are 0 in single precision: a value like any other. So are, in few voxels, draws that could
 // not be computed.
@@ -35,7 +35,7 @@ struct OwnNulls {
 
  private:
   static float ratio(float value, double sumOfNulls, int nulls) {
-    if (nulls < 1 || !(sumOfNulls > 0) || !isMeasure(value)) return kNone;
+    if (nulls < 1 || !(sumOfNulls > 0) || !isMeasure(value)) return kNoZ;
     return static_cast<float>(static_cast<double>(value) * nulls / sumOfNulls);
   }
 };
@@ -123,7 +123,7 @@ std::vector<float> nullZ(int measure, const RawValues& observed, const NullDraws
     z[i] = own[i].ratioTo(observed.measures[static_cast<std::size_t>(measure)][i]);
   const std::vector<float> p = nullPValues(StoredMap({z}), StoredMap({ratios.positive}));
   for (std::size_t i = 0; i < z.size(); ++i)
-    z[i] = z[i] == 0 ? ratios.zOfZero() : std::isnan(p[i]) ? kNone : ratios.zOfP(p[i]);
+    z[i] = z[i] == 0 ? ratios.zOfZero() : std::isnan(p[i]) ? kNoZ : ratios.zOfP(p[i]);
   return z;
 }
 

@@ -121,6 +121,19 @@ class PhaseTimer {
   std::ostringstream errors_;
 };
 
+tav::RunOptions optionsOf(const std::string& kernel, int draws, tav::FitForm form) {
+  tav::RunOptions options;
+  options.nullDraws = draws;
+  options.timeBase = 1;  // the same surrogates for every path
+  options.kernel = kernel;
+  options.fitForm = form;
+  if (form == tav::FitForm::kLeastSquares) {
+    options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
+    options.thresholdRule = tav::ThresholdRule::kStepUp;
+  }
+  return options;
+}
+
 double wholeRun(const Workload& workload, const std::string& file, const tav::RunOptions& options) {
   tav::TAV_Pars request = makeRequest(workload, file);
   request.showVerboseProgress = false;
@@ -140,11 +153,8 @@ void Phases::lower(const Phases& other) {
 }
 
 Phases measurePhases(const Workload& workload, const std::string& file, const std::string& kernel,
-                     int repetitions, int draws) {
-  tav::RunOptions options;
-  options.nullDraws = draws;
-  options.timeBase = 1;  // the same surrogates for every path
-  options.kernel = kernel;
+                     int repetitions, int draws, tav::FitForm form) {
+  const tav::RunOptions options = optionsOf(kernel, draws, form);
   constexpr double kNever = 1e9;
   Phases best{kNever, kNever, kNever, kNever, kNever, kNever, 0, 0, 0.0};
   {
@@ -153,6 +163,16 @@ Phases measurePhases(const Workload& workload, const std::string& file, const st
   }
   for (int i = 0; i < repetitions; ++i) best.whole = std::min(best.whole, wholeRun(workload, file, options));
   return best;
+}
+
+double wholeMapSeconds(const Workload& workload, const std::string& file, const std::string& kernel, int maps,
+                       int threads) {
+  constexpr int kDraws = 20;
+  tav::RunOptions options = optionsOf(kernel, kDraws, tav::FitForm::kLeastSquares);
+  options.threads = threads;
+  const double without = wholeRun(workload, file, options);
+  options.fweDraws = maps;
+  return wholeRun(workload, file, options) - without;
 }
 
 }  // namespace bench

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "bench/kernel/workloads.h"
+#include "tav/fit_form.h"
 
 namespace bench {
 
@@ -23,9 +24,15 @@ struct Phases {
   void lower(const Phases& other);
 };
 
-// With the path that TAVMAP_KERNEL would name `kernel`, and `draws` surrogates per voxel.
+// With the path that TAVMAP_KERNEL would name `kernel`, and `draws` surrogates per voxel. kLeastSquares: as
+// method "calibrated" computes, with surrogates from the courses' own residuals.
 [[nodiscard]] Phases measurePhases(const Workload& workload, const std::string& file,
-                                   const std::string& kernel, int repetitions, int draws = 1);
+                                   const std::string& kernel, int repetitions, int draws = 1,
+                                   tav::FitForm form = tav::FitForm::kWritten);
+
+// Seconds that so many whole maps of surrogates take, with their maxima and clusters.
+[[nodiscard]] double wholeMapSeconds(const Workload& workload, const std::string& file,
+                                     const std::string& kernel, int maps, int threads);
 
 }  // namespace bench
 

@@ -82,6 +82,25 @@ void printDraws(const std::string& folder, const Workload& workload, int draws) 
               many * kMs, many / one);
 }
 
+// The two forms of fits in turn, and whole maps of surrogates.
+void printLeastSquares(const std::string& folder, const Workload& workload, int draws) {
+  constexpr int kMaps = 1000;
+  const std::string file = bench::dataFile(folder, workload);
+  const std::string best = tav::kernel::bestKernel().name;
+  double written = 1e9, squares = 1e9, maps = 1e9;
+  for (int round = 0; round < kRounds; ++round) {
+    written = std::min(written, bench::measurePhases(workload, file, best, kRepetitions, draws).loop);
+    squares = std::min(
+        squares,
+        bench::measurePhases(workload, file, best, kRepetitions, draws, tav::FitForm::kLeastSquares).loop);
+  }
+  for (int round = 0; round < 2; ++round)
+    maps = std::min(maps, bench::wholeMapSeconds(workload, file, best, kMaps, 1));
+  std::printf("%s by least squares with %d null draws: %.1f ms, %.2f times the written form\n",
+              workload.name.c_str(), draws, squares * kMs, squares / written);
+  std::printf("%s: %d whole maps of surrogates on one thread: %.2f s\n", workload.name.c_str(), kMaps, maps);
+}
+
 int run(const std::string& folder, const std::vector<std::string>& wanted) {
   const bench::Peak peak = bench::measurePeak();
   std::printf("multiply-add peak: %.1f G/s with 256 bits, %.1f G/s with 512 bits\n", peak.with256 / 1e9,
@@ -94,6 +113,7 @@ int run(const std::string& folder, const std::vector<std::string>& wanted) {
     if (isWanted) printWorkload(folder, workload, peak);
     if (isWanted) printPeakMemory(workload);
     if (isWanted && workload.name == "W1") printDraws(folder, workload, 20);
+    if (isWanted && workload.name == "W1") printLeastSquares(folder, workload, 20);
   }
   return 0;
 }

@@ -216,6 +216,47 @@ whole_run = true
     return folder / "results" / "simulated_report.html"
 
 
+GROUP_COUNTS = ("VoxelsByMaximum", "VoxelsByEnhancement", "ClustersByMass", "VoxelsByFalseDiscovery")
+GROUP_PEAK = ("ClusterVoxels", "Effect", "T", "PFamilyWise", "PEnhanced", "PMass", "QFalseDiscovery", "Participants")
+
+
+def run_of_group(tavmap, folder):
+    """A small study of two groups; its two tests have a page each."""
+    run = lambda *words: subprocess.run([tavmap, *words], cwd=folder, check=True, stdout=subprocess.DEVNULL)
+    run("simulate", "people", "--group-study", "--participants", "8", "--spoilt", "none")
+    atlas = next((folder / "people/derivatives/atlas").glob("*dseg.nii.gz"))
+    (folder / "c.toml").write_text("[settings]\nfwe_draws = 0\n")
+    run("bids", "people", "out", "participant", "--atlas", str(atlas), "--labels", "Reference", "--trial-types", "faces",
+        "--config-file", "c.toml", "--seed", "1", "--no-report", "--quiet")
+    (folder / "g.toml").write_text(
+        "[inference]\nshuffles = 60\n[[test]]\nname = 'mean'\nmaps = ['dTAV', 'Ref2Vox']\n"
+        "[[test]]\nname = 'groups'\nmaps = ['dTAV']\ncontrast = 'patient - control'\n"
+    )
+    run("group", "out", "--model", "g.toml", "--quiet")
+    return sorted((folder / "out/group").glob("*_report.html"))
+
+
+def expected_of_group(name, record):
+    for count in GROUP_COUNTS:
+        yield from (f"{name}#/{count}/{side}" for side in ("Positive", "Negative"))
+    for index, peak in enumerate(record["Peaks"][:60]):
+        yield from (f"{name}#/Peaks/{index}/{figure}" for figure in GROUP_PEAK if peak[figure] is not None)
+        for row in range(len(peak["Values"])):
+            yield f"{name}#/Peaks/{index}/Values/{row}/Value"
+
+
+def check_group(page_file):
+    page, outputs = check_page(page_file)
+    quoted = {source for _, source, _ in page.quoted}
+    test = page_file.name.removesuffix("_report.html")
+    records = sorted(page_file.parent.glob(f"*_desc-{test}_grouptest.json"))
+    assert records, f"{page_file}: no records beside it"
+    for file in records:
+        missing = [s for s in expected_of_group(file.name, json.loads(file.read_text())) if s not in quoted]
+        assert not missing, f"{page_file.name} lacks {missing[:5]}"
+    return len(page.quoted)
+
+
 def main():
     tavmap, write_samples = (str(Path(argument).resolve()) for argument in sys.argv[1:])
     with tempfile.TemporaryDirectory(prefix="tavmap-numbers-") as name:
@@ -229,6 +270,10 @@ def main():
         pages.append(run_of_simulation(tavmap, folder))
         for page in pages:
             print(f"{page.relative_to(folder)}: {check_report(page)} numbers compared")
+        pages = run_of_group(tavmap, folder)
+        assert len(pages) == 2
+        for page in pages:
+            print(f"{page.relative_to(folder)}: {check_group(page)} numbers compared")
 
 
 if __name__ == "__main__":

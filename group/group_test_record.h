@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "group/group_cells.h"
-#include "group/group_design.h"
 #include "group/group_model.h"
+#include "group/test_design.h"
 
 namespace study {
 

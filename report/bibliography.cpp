@@ -62,7 +62,8 @@ constexpr auto kEntries = std::to_array<Entry>({
      "A nonstochastic interpretation of reported significance levels",
      "Journal of Business & Economic Statistics", "1", "292--298", "1983", "10.1080/07350015.1983.10509354"},
     {Work::kBullmore1999, "Bullmore et al. 1999", "bullmore1999",
-     "Bullmore, Edward T. and Suckling, John and Overmeyer, Stephan and Rabe-Hesketh, Sophia and Taylor, Eric "
+     "Bullmore, Edward T. and Suckling, John and Overmeyer, Stephan and Rabe-Hesketh, Sophia and Taylor, "
+     "Eric "
      "and Brammer, Michael J.",
      "Global, voxel, and cluster tests, by theory and permutation, for a difference between two groups of "
      "structural MR images of the brain",
@@ -77,7 +78,8 @@ constexpr auto kEntries = std::to_array<Entry>({
      "Permutation inference for the general linear model", "NeuroImage", "92", "381--397", "2014",
      "10.1016/j.neuroimage.2014.01.060"},
     {Work::kWinkler2016Faster, "Winkler et al. 2016", "winkler2016faster",
-     "Winkler, Anderson M. and Ridgway, Gerard R. and Douaud, Gwena{\\\"e}lle and Nichols, Thomas E. and Smith, "
+     "Winkler, Anderson M. and Ridgway, Gerard R. and Douaud, Gwena{\\\"e}lle and Nichols, Thomas E. and "
+     "Smith, "
      "Stephen M.",
      "Faster permutation inference in brain imaging", "NeuroImage", "141", "502--516", "2016",
      "10.1016/j.neuroimage.2016.05.068"},

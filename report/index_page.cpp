@@ -2,9 +2,11 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "formats/table.h"
+#include "group/group_names.h"
 #include "report/encoding.h"
 #include "report/html.h"
 #include "report/page.h"
@@ -127,6 +129,25 @@ std::string headOfIndex() {
   return element("thead", element("tr", row));
 }
 
+// Links to the pages of tests over participants.
+std::string groupPages(const fs::path& folder) {
+  std::vector<std::string> files;
+  std::error_code missing;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder / study::kGroupFolder, missing))
+    if (entry.path().filename().string().ends_with("_report.html"))
+      files.push_back(entry.path().filename().string());
+  if (files.empty()) return "";
+  std::sort(files.begin(), files.end());
+  std::string items;
+  for (const std::string& file : files) {
+    const std::string way = study::percentEncoded((fs::path(study::kGroupFolder) / file).generic_string());
+    const std::string test = file.substr(0, file.size() - std::string_view("_report.html").size());
+    items += element("li", element("a", {{"href", way}}, name(test)));
+  }
+  return element("section", {{"id", "groups"}, {"class", "part"}},
+                 element("h2", "Tests over participants") + element("ul", items));
+}
+
 std::string failedRequests(const fs::path& folder) {
   const fs::path file = folder / study::kRequestFailuresFile;
   if (!fs::exists(file)) return "";
@@ -157,8 +178,11 @@ std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& r
   PageParts parts;
   parts.title = "Tavmap: all results";
   parts.lead = element("p", {{"class", "lead"}}, fmt::format("{} reports.", requests.size()));
-  parts.contents = {{"results", "Results"}};
-  parts.body = element("section", {{"id", "results"}, {"class", "part"}}, element("h2", "Results") + table);
+  const std::string groups = groupPages(folder);
+  if (!groups.empty()) parts.contents.emplace_back("groups", "Tests over participants");
+  parts.contents.emplace_back("results", "Results");
+  parts.body =
+      groups + element("section", {{"id", "results"}, {"class", "part"}}, element("h2", "Results") + table);
   return page(parts);
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "formats/atomic_file.h"
+#include "report/group_page.h"
 #include "report/index_page.h"
 #include "report/report.h"
 #include "report/study_outputs.h"
@@ -60,6 +61,7 @@ std::vector<std::string> rebuildReports(const fs::path& folder, int threads) {
   const std::vector<RequestPlace> places = placesBelow(folder);
   std::vector<std::string> pages;
   for (const RequestPlace& place : places) pages.push_back(writeReport(place.folder, place.prefix, threads));
+  for (std::string& page : writeGroupReports(folder)) pages.push_back(std::move(page));
   if (places.size() > 1 || places[0].folder != folder) pages.push_back(indexOver(folder, places));
   return pages;
 }

@@ -112,8 +112,8 @@ class MapTransfer {
   // `leftOut`: voxels that take no part in the search for thresholds.
   MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, const RunOptions& options,
               const RawValues& raw, const std::vector<RawValues>& nulls,
-              const std::vector<VoxelStatus>& status, const std::vector<std::size_t>& leftOut, MapStore& store,
-              std::ostream& errors)
+              const std::vector<VoxelStatus>& status, const std::vector<std::size_t>& leftOut,
+              MapStore& store, std::ostream& errors)
       : cond_(cond),
         request_(request),
         options_(options),

@@ -54,10 +54,19 @@ TEST(Records, ReadWhatWasWritten) {
 
 // Each single value comes back: taking any of them away, or changing its kind, is noticed and placed.
 TEST(Records, EveryValueIsNeededAndOfItsKind) {
-  const std::set<std::string> mayBeMissing = {
-      "MethodDescription", "AnyVoxelPasses", "ReferenceFromRun", "Thresholds",      "VoxelsTested",
-      "VoxelsSupported",   "Label",          "PassingFile",      "ThresholdedFile", "PFile",
-      "ZFile",         "ClustersFile",      "EvidenceFile"};
+  const std::set<std::string> mayBeMissing = {"MethodDescription",
+                                              "AnyVoxelPasses",
+                                              "ReferenceFromRun",
+                                              "Thresholds",
+                                              "VoxelsTested",
+                                              "VoxelsSupported",
+                                              "Label",
+                                              "PassingFile",
+                                              "ThresholdedFile",
+                                              "PFile",
+                                              "ZFile",
+                                              "ClustersFile",
+                                              "EvidenceFile"};
   const Json whole = recordJson(sample_result::record()).flatten();
   int tried = 0;
   for (const auto& item : whole.items()) {

@@ -1,6 +1,6 @@
 // A question as a linear model over participants.
-#ifndef TAVMAP_GROUP_GROUP_DESIGN_H
-#define TAVMAP_GROUP_GROUP_DESIGN_H
+#ifndef TAVMAP_GROUP_TEST_DESIGN_H
+#define TAVMAP_GROUP_TEST_DESIGN_H
 
 #include <cstddef>
 #include <string>

@@ -1,4 +1,4 @@
-#include "group/group_design.h"
+#include "group/test_design.h"
 
 #include <gtest/gtest.h>
 

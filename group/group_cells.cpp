@@ -3,14 +3,13 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <set>
 #include <tuple>
 
 #include "request/nearest_name.h"
 #include "request/problem.h"
-#include "results/map_words.h"
-#include "tav/null_z.h"
 
 namespace study {
 namespace {
@@ -27,22 +26,24 @@ bool isChosen(const std::vector<std::string>& names, const std::string& name) {
   return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
 }
 
-std::vector<tav::MapType> typesOf(const GroupQuestion& question) {
-  const std::vector<tav::MapType> possible = {tav::REF2VOX, tav::VOX2REF, tav::INST, tav::DTAV};
-  if (question.maps.empty()) return possible;
-  std::vector<std::string> labels;
-  for (const tav::MapType type : possible) labels.emplace_back(mapLabel(type));
-  std::vector<tav::MapType> types;
-  for (const std::string& name : question.maps) {
-    const auto found = std::find(labels.begin(), labels.end(), name);
-    if (found == labels.end()) {
-      throw InputError(
-          fmt::format("test '{}': groups are asked of the maps Ref2Vox, Vox2Ref, Inst and dTAV, not of '{}'",
-                      question.name, name));
-    }
-    types.push_back(possible[static_cast<std::size_t>(found - labels.begin())]);
-  }
-  return types;
+constexpr auto kGroupMaps = std::to_array<GroupMap>({{"Ref2Vox", tav::REF2VOX, GroupValues::kZ},
+                                                     {"Vox2Ref", tav::VOX2REF, GroupValues::kZ},
+                                                     {"Inst", tav::INST, GroupValues::kZ},
+                                                     {"dTAV", tav::DTAV, GroupValues::kEffect},
+                                                     {"dTAVrev", tav::DTAV, GroupValues::kReversed}});
+
+std::vector<const GroupMap*> mapsOf(const GroupQuestion& question) {
+  std::vector<const GroupMap*> maps;
+  for (const std::string& label : question.maps) maps.push_back(&groupMapNamed(label, question.name));
+  if (maps.empty())
+    for (const GroupMap& map : kGroupMaps) maps.push_back(&map);
+  return maps;
+}
+
+const std::string& fileOf(const MapResult& map, GroupValues values) {
+  return values == GroupValues::kZ          ? map.zFile
+         : values == GroupValues::kReversed ? map.reversedFile
+                                            : map.file;
 }
 
 // A difference of conditions has two of them, everything else each that is chosen.
@@ -70,14 +71,14 @@ void requireKnown(const GroupResult& group, const GroupQuestion& question) {
 // What tells cells apart.
 struct CellKey {
   std::string task, session, reference, condition;
-  tav::MapType type = tav::DTAV;
+  std::string map;
   auto operator<=>(const CellKey&) const = default;
 };
 
 class CellFinder {
  public:
   CellFinder(const GroupResult& group, const GroupQuestion& question)
-      : group_(group), question_(question), sides_(sidesOf(question.within)), types_(typesOf(question)) {}
+      : group_(group), question_(question), sides_(sidesOf(question.within)), maps_(mapsOf(question)) {}
 
   std::vector<GroupCell> find() {
     for (const GroupRecord& record : group_.records)
@@ -99,7 +100,8 @@ class CellFinder {
     if (isLeftOut(record.name.get("sub"))) return;
     for (const ConditionRecord& condition : record.record.conditions)
       for (const MapResult& map : condition.maps)
-        if (std::find(types_.begin(), types_.end(), map.type) != types_.end()) addMap(record, condition, map);
+        for (const GroupMap* kind : maps_)
+          if (kind->type == map.type) addMap(record, condition, map, *kind);
   }
 
   [[nodiscard]] bool isLeftOut(const std::string& participant) const {
@@ -107,11 +109,12 @@ class CellFinder {
            question_.leftOut.end();
   }
 
-  void addMap(const GroupRecord& record, const ConditionRecord& condition, const MapResult& map) {
+  void addMap(const GroupRecord& record, const ConditionRecord& condition, const MapResult& map,
+              const GroupMap& kind) {
     const std::string session = record.name.get("ses");
     const auto add = [&](const std::string& keySession, const std::string& keyCondition, bool isMinus) {
-      addImage({record.name.get("task"), keySession, record.record.reference, keyCondition, map.type}, record,
-               imageOf(record, condition, map), isMinus);
+      addImage({record.name.get("task"), keySession, record.record.reference, keyCondition, kind.label},
+               record, imageOf(record, condition, map, kind), isMinus);
     };
     if (sides_.empty()) {
       if (isChosen(question_.conditions, condition.name)) add(session, condition.name, false);
@@ -126,15 +129,14 @@ class CellFinder {
   }
 
   [[nodiscard]] CellImage imageOf(const GroupRecord& record, const ConditionRecord& condition,
-                                  const MapResult& map) const {
+                                  const MapResult& map, const GroupMap& kind) const {
     const fs::path folder = fs::path(record.file).parent_path();
-    const std::string& file = isTakenAsZ(map.type) ? map.zFile : map.file;
+    const std::string& file = fileOf(map, kind.values);
     if (file.empty()) {
       throw InputError(fmt::format(
-          "{}: its {} map has no z against the voxels' own null values, which groups need; run the "
-          "participant level "
-          "again, with method \"calibrated\" and null_draws of 2 or more, or leave the map out of 'maps'",
-          record.file, mapLabel(map.type)));
+          "{}: there is no image for the group map {}; run the participant level again, with method "
+          "\"calibrated\" and null_draws of 2 or more, or leave the map out of 'maps'",
+          record.file, kind.label));
     }
     const std::string directions = condition.direction.file;
     return {(folder / file).generic_string(), (folder / condition.statusFile).generic_string(),
@@ -162,7 +164,7 @@ class CellFinder {
                    key.reference,
                    key.condition,
                    isAboutSessions(sides_) ? question_.within : "",
-                   key.type,
+                   &groupMapNamed(key.map, question_.name),
                    {},
                    {}};
     for (const auto& [participant, found] : images_.at(key)) {
@@ -179,15 +181,25 @@ class CellFinder {
   const GroupResult& group_;
   const GroupQuestion& question_;
   Sides sides_;
-  std::vector<tav::MapType> types_;
+  std::vector<const GroupMap*> maps_;
   std::map<CellKey, std::map<std::string, Found>> images_;
   std::vector<CellKey> order_;
 };
 
 }  // namespace
 
-bool isTakenAsZ(tav::MapType type) {
-  return tav::measureOf(type).has_value();
+std::span<const GroupMap> groupMaps() {
+  return kGroupMaps;
+}
+
+const GroupMap& groupMapNamed(const std::string& label, const std::string& test) {
+  const auto found = std::find_if(kGroupMaps.begin(), kGroupMaps.end(),
+                                  [&](const GroupMap& map) { return map.label == label; });
+  if (found != kGroupMaps.end()) return *found;
+  std::string known;
+  for (const GroupMap& map : kGroupMaps) known += (known.empty() ? "" : ", ") + std::string(map.label);
+  throw InputError(
+      fmt::format("test '{}': groups are asked of the maps {}, not of '{}'", test, known, label));
 }
 
 std::vector<GroupCell> cellsOf(const GroupResult& group, const GroupQuestion& question) {

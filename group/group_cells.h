@@ -3,6 +3,7 @@
 #define TAVMAP_GROUP_GROUP_CELLS_H
 
 #include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,23 @@ struct CellRow {
   CellImage plus, minus;    // minus is empty where no difference is asked for
 };
 
+// What of a participant's map a group is asked of.
+enum class GroupValues {
+  kEffect,    // the map as it is
+  kZ,         // against each voxel's own null values: of measures, whose sign means nothing
+  kReversed,  // minus that of reversed time
+};
+
+// A row of the kinds of maps that groups can be asked of.
+struct GroupMap {
+  const char* label;  // "dTAVrev": in models, file names and records
+  tav::MapType type;
+  GroupValues values;
+};
+[[nodiscard]] std::span<const GroupMap> groupMaps();
+// By label; throws InputError that lists them.
+[[nodiscard]] const GroupMap& groupMapNamed(const std::string& label, const std::string& test);
+
 // One kind of map, of one reference, condition, task and session, over participants.
 struct GroupCell {
   std::string task, session;  // empty: names have none; sessions that are compared: empty
@@ -31,20 +49,17 @@ struct GroupCell {
   std::string
       condition;         // "faces", or "faces - houses"; of sessions that are compared: the condition of both
   std::string sessions;  // "ses-2 - ses-1" when they are compared
-  tav::MapType type = tav::DTAV;
+  const GroupMap* map = nullptr;
   std::vector<CellRow> rows;         // by participant
   std::vector<std::string> leftOut;  // in words: who has no such map, and why
   [[nodiscard]] bool isDifference() const { return !rows.empty() && !rows[0].minus.image.empty(); }
 };
 
-// Maps whose sign means nothing are taken as z against each voxel's own null values, the others as they are.
 // Cells in the order of the records, those with fewer than two participants left out. Throws InputError for
 // names that no record has, for a participant with several records of one cell, for kinds of maps that groups
-// cannot be asked of, and for records without z (of earlier versions, or computed with one draw).
+// cannot be asked of, and for records that lack the image (of earlier versions, of method "plugin", or
+// without further draws).
 [[nodiscard]] std::vector<GroupCell> cellsOf(const GroupResult& group, const GroupQuestion& question);
-
-// Whether a kind of map is taken as z.
-[[nodiscard]] bool isTakenAsZ(tav::MapType type);
 
 }  // namespace study
 

@@ -3,7 +3,6 @@
 #include <fmt/core.h>
 
 #include "bids/bids_names.h"
-#include "results/map_words.h"
 
 namespace study {
 
@@ -12,7 +11,7 @@ GroupNames::GroupNames(const std::string& test, const GroupCell& cell) {
   if (!cell.task.empty()) stem_ += fmt::format("task-{}_", cell.task);
   const std::string sessions = cell.sessions.empty() ? "" : bidsLabel(cell.sessions);
   stem_ += fmt::format("seed-{}_contrast-{}{}{}_desc-{}", bidsLabel(cell.reference),
-                       bidsLabel(cell.condition), sessions, mapLabel(cell.type), test);
+                       bidsLabel(cell.condition), sessions, cell.map->label, test);
 }
 
 std::string GroupNames::image(const std::string& what) const {

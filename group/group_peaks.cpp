@@ -122,7 +122,7 @@ class PeakFinder {
   // Only maps of dTAV speak of directions, and only of one condition's.
   [[nodiscard]] DirectionVotes votesAt(std::size_t voxel) const {
     DirectionVotes votes;
-    if (test_.cell.type != tav::DTAV || test_.cell.isDifference()) return votes;
+    if (test_.cell.map->type != tav::DTAV || test_.cell.isDifference()) return votes;
     for (const std::size_t row : test_.design.rows) {
       const std::string& file = test_.cell.rows[row].plus.directions;
       const std::int32_t code = file.empty() ? 0 : directionsOf(file)[voxel];

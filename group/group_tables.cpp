@@ -11,7 +11,6 @@
 #include "formats/table.h"
 #include "group/group_names.h"
 #include "group/group_table.h"
-#include "results/map_words.h"
 
 namespace study {
 namespace {
@@ -90,7 +89,7 @@ PeakColumns peakColumns(const GroupTestRecord& record) {
   addNumber(columns, "q_fdr", "the smallest false discovery rate at which the peak passes", &GroupPeak::qFdr);
   columns.push_back({"participants", "who have a value at the peak",
                      [](const PeakRow& row) { return fmt::format("{}", row.peak.participants); }});
-  if (record.map != mapLabel(tav::DTAV) || !record.within.empty()) return columns;
+  if (!record.hasVotes()) return columns;
   const char* const own =
       "in whose own map the direction at the peak survives reversed time: the reference leads";
   addVotes(columns, "reference_leads", own, &DirectionVotes::referenceLeads);
@@ -212,9 +211,9 @@ Json groupImageSidecar(const GroupTestRecord& record, const std::string& what) {
 }
 
 std::string groupValueWords(const GroupTestRecord& record) {
-  const std::string of = record.isZ ? "z against each voxel's own null values of the " : "";
-  std::string words =
-      fmt::format("{}{} map of reference {}, {}", of, record.map, record.reference, record.condition);
+  std::string words = fmt::format("{}{} map of reference {}, {}",
+                                  record.isZ ? "z against each voxel's own null values of the " : "",
+                                  record.map, record.reference, record.condition);
   if (!record.sessions.empty()) words += fmt::format(", sessions {}", record.sessions);
   if (!record.session.empty()) words += fmt::format(", session {}", record.session);
   if (!record.task.empty()) words += fmt::format(", task {}", record.task);

@@ -90,6 +90,8 @@ struct GroupTestRecord {
   std::string clusterTable, valueTable;
   std::map<std::string, std::uintmax_t> files;  // size of every file of the result, by name
 
+  // Whether peaks have the participants' own directions: of differences of directions, of one condition each.
+  [[nodiscard]] bool hasVotes() const { return !isZ && within.empty(); }
   // The file of an image, empty where the test has none.
   [[nodiscard]] std::string image(const std::string& what) const;
 };

@@ -18,7 +18,6 @@
 #include "prepare/fingerprint.h"
 #include "request/problem.h"
 #include "results/map_findings.h"
-#include "results/map_words.h"
 #include "results/output_names.h"
 
 namespace study {
@@ -45,10 +44,10 @@ GroupTestRecord plannedRecord(const GroupQuestion& question, const GroupCell& ce
   record.reference = cell.reference;
   record.condition = cell.condition;
   record.sessions = cell.sessions;
-  record.map = mapLabel(cell.type);
+  record.map = cell.map->label;
   record.within = question.within;
   record.contrast = question.contrast;
-  record.isZ = isTakenAsZ(cell.type);
+  record.isZ = cell.map->values == GroupValues::kZ;
   record.isTwoSided = !record.isZ || question.contrast != "mean" || !question.within.empty();
   record.columns = design.model.columns;
   record.weights = design.model.contrast;

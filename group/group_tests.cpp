@@ -10,7 +10,6 @@
 #include "group/group_tables.h"
 #include "group/present_inputs.h"
 #include "request/problem.h"
-#include "results/map_words.h"
 
 namespace study {
 namespace {
@@ -39,7 +38,7 @@ std::vector<PlannedTest> plannedTests(const GroupResult& group, const GroupModel
 }
 
 std::string nameOf(const PlannedTest& test) {
-  std::string name = fmt::format("{}: {} of {}, {}", test.question->name, mapLabel(test.cell.type),
+  std::string name = fmt::format("{}: {} of {}, {}", test.question->name, test.cell.map->label,
                                  test.cell.reference, test.cell.condition);
   if (!test.cell.sessions.empty()) name += ", " + test.cell.sessions;
   if (!test.cell.session.empty()) name += ", ses-" + test.cell.session;

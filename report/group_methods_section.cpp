@@ -8,12 +8,19 @@
 #include "report/html.h"
 #include "report/quotes.h"
 #include "report/sections.h"
-#include "results/map_words.h"
 
 namespace report {
 namespace {
 
 using study::GroupTestRecord;
+
+constexpr const char* kDifference = "dTAV";  // the maps of group_cells.h
+constexpr const char* kReversedDifference = "dTAVrev";
+
+bool anyCell(const GroupOutputs& outputs, bool (*holds)(const GroupTestRecord&)) {
+  return std::any_of(outputs.cells.begin(), outputs.cells.end(),
+                     [&](const TestedCell& cell) { return holds(cell.record); });
+}
 
 class GroupMethods {
  public:
@@ -37,21 +44,23 @@ class GroupMethods {
   }
 
   void sayValues(const GroupOutputs& outputs) {
-    bool isAnyZ = false, isAnyDifference = false;
-    for (const TestedCell& cell : outputs.cells) (cell.record.isZ ? isAnyZ : isAnyDifference) = true;
+    const auto isAny = [&](const char* map) {
+      return std::any_of(outputs.cells.begin(), outputs.cells.end(),
+                         [&](const TestedCell& cell) { return cell.record.map == map; });
+    };
     std::string what;
-    if (isAnyZ) {
-      what =
-          "each measure's excess over the voxel's own surrogates (z of the ratio to their mean, ranked among "
-          "all "
-          "surrogates)";
-    }
-    if (isAnyDifference)
-      what += (what.empty() ? "" : " and ") + std::string("the difference of the two directions");
+    const auto add = [&](const std::string& words) { what += (what.empty() ? "" : "; ") + words; };
+    if (anyCell(outputs, [](const GroupTestRecord& record) { return record.isZ; }))
+      add("each measure's excess over the voxel's own surrogates (z of the ratio to their mean, ranked among "
+          "all)");
+    if (isAny(kDifference)) add("the difference of the two directions");
+    if (isAny(kReversedDifference))
+      add("that difference minus the one of the series in reversed time " +
+          cite({Work::kHaufe2013, Work::kWinkler2016}));
     say(
-        fmt::format("Maps of {} participants were compared with Tavmap {}: {}, from Geweke's measures of "
-                    "linear feedback {}.",
-                    record_.rows.size(), record_.version, what, cite({Work::kGeweke1982})));
+        fmt::format("Maps of {} participants, made from Geweke's measures of linear feedback {}, were "
+                    "compared with Tavmap {}: {}.",
+                    record_.rows.size(), cite({Work::kGeweke1982}), record_.version, what));
     if (!record_.within.empty())
       say(fmt::format("Each participant brought the difference {}.", record_.within));
   }
@@ -97,11 +106,6 @@ void addLimit(const char* title, const std::string& words, std::string& terms) {
   terms += element("dt", text(title)) + element("dd", text(words));
 }
 
-bool anyCell(const GroupOutputs& outputs, bool (*holds)(const GroupTestRecord&)) {
-  return std::any_of(outputs.cells.begin(), outputs.cells.end(),
-                     [&](const TestedCell& cell) { return holds(cell.record); });
-}
-
 }  // namespace
 
 std::string groupMethodsSection(const GroupOutputs& outputs) {
@@ -118,7 +122,7 @@ std::string groupMethodsSection(const GroupOutputs& outputs) {
 std::string groupLimitsSection(const GroupOutputs& outputs) {
   std::string terms;
   if (anyCell(outputs, [](const GroupTestRecord& record) {
-        return record.map == study::mapLabel(tav::DTAV) && record.contrast == "mean" && record.within.empty();
+        return record.map == kDifference && record.contrast == "mean" && record.within.empty();
       })) {
     addLimit("A mean of dTAV is no lead",
              "Signals that reference and voxel share at the same moment give dTAV a sign when one of them is "

@@ -7,7 +7,6 @@
 #include "report/quotes.h"
 #include "report/sections.h"
 #include "report/strip_plot.h"
-#include "results/map_words.h"
 
 namespace report {
 namespace {
@@ -18,10 +17,6 @@ std::string byWords(const std::string& by) {
   if (by == "tfce") return "enhancement";
   if (by == "mass") return "cluster mass";
   return by == "none" ? "nothing: the largest |t|" : "maximum";
-}
-
-bool hasVotes(const study::GroupTestRecord& record) {
-  return record.map == study::mapLabel(tav::DTAV) && record.within.empty();
 }
 
 std::string peakRow(const TestedCell& cell, std::size_t index) {
@@ -37,7 +32,7 @@ std::string peakRow(const TestedCell& cell, std::size_t index) {
                                               quotes.number("/Millimetres/2", Digits::kTenth))) +
                     number("/Effect") + number("/T") + number("/PFamilyWise") + number("/PEnhanced") +
                     number("/PMass") + number("/QFalseDiscovery") + number("/Participants", Digits::kAll);
-  if (hasVotes(cell.record)) {
+  if (cell.record.hasVotes()) {
     row += element(
         "td",
         fmt::format("{} reference, {} voxel, {} not supported, {} do not pass",
@@ -54,7 +49,7 @@ std::string peakTable(const TestedCell& cell) {
   std::vector<const char*> titles = {
       "Cluster",     "Passes by",    "Voxels", "Peak (mm)",   "Effect", "t", "Family-wise p, maximum",
       "Enhancement", "Cluster mass", "q",      "Participants"};
-  if (hasVotes(cell.record))
+  if (cell.record.hasVotes())
     titles.push_back("Who leads there in the participants' own maps, with reversed time");
   for (const char* title : titles) head += element("th", {{"scope", "col"}}, title);
   std::string caption = "Clusters of what passes, and their peaks. The whole table: " +

@@ -86,6 +86,18 @@ Json nullZSidecar(Json ofMap, const MapResult& map) {
   return ofMap;
 }
 
+Json reversedSidecar(Json ofMap, const MapResult& map) {
+  describeAs(
+      "the map minus that of the same series in reversed time, for groups: 0 on average where the two share "
+      "signals "
+      "at the same moment alone, whatever their noise and memory; a lead keeps its sign",
+      map, ofMap);
+  ofMap["Literature"] = Json::array({"doi:10.1016/j.neuroimage.2012.09.036", "doi:10.1109/TSP.2015.2498123"});
+  ofMap.erase("Thresholds");
+  ofMap.erase("FamilyWise");
+  return ofMap;
+}
+
 Json familyWiseSidecar(Json ofMap, const MapResult& map, FamilyWiseImage image) {
   const FamilyWiseResult& result = map.familyWise;
   const std::string what =

@@ -20,6 +20,9 @@ namespace study {
 // Of z against each voxel's own null values.
 [[nodiscard]] nlohmann::ordered_json nullZSidecar(nlohmann::ordered_json ofMap, const MapResult& map);
 
+// Of the difference map minus that of reversed time.
+[[nodiscard]] nlohmann::ordered_json reversedSidecar(nlohmann::ordered_json ofMap, const MapResult& map);
+
 enum class FamilyWiseImage { kVoxels, kClusters };
 
 // The map has family-wise results.

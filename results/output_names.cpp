@@ -99,6 +99,10 @@ std::string OutputNames::thresholded(const std::string& conditionLabel, tav::Map
   return stem(fmt::format("_contrast-{}{}_desc-thresholded_stat-effect_statmap.nii.gz", conditionLabel,
                           mapLabel(type)));
 }
+std::string OutputNames::reversed(const std::string& conditionLabel) const {
+  return stem(fmt::format("_contrast-{}{}_desc-reversed_stat-effect_statmap.nii.gz", conditionLabel,
+                          mapLabel(tav::DTAV)));
+}
 std::string OutputNames::voxelP(const std::string& conditionLabel, tav::MapType type) const {
   return statistic(conditionLabel, type, "pfwe");
 }

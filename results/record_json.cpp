@@ -145,6 +145,7 @@ void describe(Fields& fields, Of<Fields, MapResult>& map) {
   fields.unlessEmpty("ThresholdedFile", map.thresholdedFile);
   fields.unlessEmpty("PFile", map.pFile);
   fields.unlessEmpty("ZFile", map.zFile);
+  fields.unlessEmpty("ReversedFile", map.reversedFile);
   fields.unlessEmpty("FamilyWise", map.familyWise);
 }
 

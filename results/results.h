@@ -38,7 +38,8 @@ struct MapResult {
   // Relative to the output folder, empty without thresholds: which voxels pass at which q, and the map where
   // they pass at the largest.
   std::string passingFile{}, thresholdedFile{};
-  std::string pFile{};  // p of single voxels; empty: none were asked for
+  std::string pFile{};         // p of single voxels; empty: none were asked for
+  std::string reversedFile{};  // of DTAV: minus that of reversed time; empty with method "plugin"
   std::string zFile{};  // z against each voxel's own null values; empty for differences and with one draw
   bool operator==(const MapResult&) const = default;
 };

@@ -7,6 +7,7 @@
 
 #include "formats/atomic_file.h"
 #include "formats/nifti.h"
+#include "formats/nifti_writer.h"
 #include "formats/vtc_sidecar.h"
 #include "request/problem.h"
 #include "results/cluster_table.h"
@@ -23,6 +24,7 @@
 #include "study/planned_result.h"
 #include "study/reference_job.h"
 #include "study/result_inputs.h"
+#include "study/reversed_map.h"
 #include "tav/tav.h"
 
 namespace study {
@@ -162,6 +164,22 @@ void ResultWriter::lookAtData(const tav::ConditionOutcome& outcome, const std::s
   if (plan_.request.settings.method != Method::kCalibrated) return;
   warnings_.add(condition.name, findings.warnings);
   writeDirections(outcome, label, runs, condition);
+  writeReversed(label, runs, condition);
+}
+
+void ResultWriter::writeReversed(const std::string& label, std::vector<ConditionRun>& runs,
+                                 ConditionResult& condition) const {
+  const auto map = std::find_if(condition.maps.begin(), condition.maps.end(),
+                                [](const MapResult& one) { return one.type == tav::DTAV; });
+  if (map == condition.maps.end()) return;
+  map->reversedFile = names().reversed(label);
+  formats::ImageHeader header = mapHeader(header_);
+  header.description = "dTAV minus dTAV of reversed time";
+  formats::NiftiWriter writer(staging_.path(map->reversedFile).string(), header,
+                              formats::Durability::kCached);
+  const std::vector<float> values = reversedMap(runs, plan_.order, plan_.request.settings.mapScale, codes_);
+  writer.writeValues(values.data(), values.size());
+  writer.commit();
 }
 
 void ResultWriter::writeEvidence(const tav::ConditionOutcome& outcome, const std::string& label,
@@ -219,6 +237,8 @@ void ResultWriter::writeMapSidecars(const ResultContext& shared, const Condition
     writeJson(OutputNames::sidecarOf(map.thresholdedFile), thresholdedSidecar(sidecar, map));
   }
   if (!map.pFile.empty()) writeJson(OutputNames::sidecarOf(map.pFile), nullPSidecar(sidecar, map));
+  if (!map.reversedFile.empty())
+    writeJson(OutputNames::sidecarOf(map.reversedFile), reversedSidecar(sidecar, map));
   if (!map.zFile.empty()) writeJson(OutputNames::sidecarOf(map.zFile), nullZSidecar(sidecar, map));
   if (map.familyWise.empty()) return;
   writeJson(OutputNames::sidecarOf(map.familyWise.voxelFile),

@@ -47,6 +47,8 @@ class ResultWriter : public tav::RunObserver {
   void writeEvidence(const tav::ConditionOutcome& outcome, const std::string& label,
                      const std::vector<ConditionRun>& runs, const ConditionFindings& findings,
                      ConditionResult& condition) const;
+  void writeReversed(const std::string& label, std::vector<ConditionRun>& runs,
+                     ConditionResult& condition) const;
   void writeDirections(const tav::ConditionOutcome& outcome, const std::string& label,
                        std::vector<ConditionRun>& runs, ConditionResult& condition);
   void writeSidecars();

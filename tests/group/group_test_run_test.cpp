@@ -102,6 +102,7 @@ class GroupTests : public ::testing::Test {
 
   static GroupQuestion asked(const std::string& contrast) {
     GroupQuestion question;
+    question.maps = {"dTAV"};
     question.name = "t";
     question.contrast = contrast;
     question.conditions = {"faces"};
@@ -276,6 +277,7 @@ TEST_F(GroupTests, MeasuresWithoutZAreRefused) {
   const GroupResult group = readGroup(scratch_.folder(), {scratch_.folder(), {}, Outdated::kRefused});
   GroupQuestion question = asked("mean");
   question.conditions.clear();
+  question.maps = {"Ref2Vox"};
   EXPECT_NE(messageOf<InputError>([&] { return cellsOf(group, question); }).find("null_draws of 2 or more"),
             std::string::npos);
 }

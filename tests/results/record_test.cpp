@@ -64,7 +64,7 @@ TEST(Records, EveryValueIsNeededAndOfItsKind) {
                                               "PassingFile",
                                               "ThresholdedFile",
                                               "PFile",
-                                              "ZFile",
+                                              "ZFile",         "ReversedFile",
                                               "ClustersFile",
                                               "EvidenceFile"};
   const Json whole = recordJson(sample_result::record()).flatten();

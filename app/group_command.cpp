@@ -15,7 +15,9 @@ namespace app {
 namespace {
 
 constexpr const char* kFooter =
-    "What is tested: dTAV as it is; Ref2Vox, Vox2Ref and Inst as z against each voxel's own null values\n"
+    "What is tested: Ref2Vox, Vox2Ref and Inst as z against each voxel's own null values; dTAV as it is, "
+    "and\n"
+    "dTAVrev, which is dTAV minus that of reversed time: of a mean it alone speaks of a lead\n"
     "(docs/group.md). The tests of one command share their options; a model file has several tests:\n"
     "  tavmap group --example > group.toml\n\n"
     "Examples:\n"

@@ -24,7 +24,8 @@ using Json = nlohmann::ordered_json;
 void addQuestionOptions(CLI::App& command, GroupTestArguments& arguments) {
   study::GroupQuestion& question = arguments.question;
   command.add_option("--name", question.name, "Name of the test, letters and digits; part of file names");
-  command.add_option("--map", question.maps, "Maps: Ref2Vox, Vox2Ref, Inst, dTAV; default: all of them");
+  command.add_option("--map", question.maps,
+                     "Maps: Ref2Vox, Vox2Ref, Inst, dTAV, dTAVrev; default: all of them");
   command.add_option("--reference", question.references, "References; default: all");
   command.add_option("--condition", question.conditions, "Conditions; default: all, each for itself");
   command.add_option(

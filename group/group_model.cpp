@@ -121,7 +121,7 @@ level = 0.05             # of the family-wise error and of the false discovery r
 
 [[test]]                 # does the influence differ from 0?
 name = "mean"
-maps = ["dTAV", "Ref2Vox"]       # default: Ref2Vox, Vox2Ref, Inst and dTAV, as far as they are there
+maps = ["dTAVrev", "Ref2Vox"]    # default: Ref2Vox, Vox2Ref, Inst, dTAV and dTAVrev
 references = ["V1"]              # default: all
 conditions = ["faces"]           # default: all
 

@@ -11,7 +11,7 @@ constexpr const char* kReadme =
     "*_desc-thresholded_stat-effect_statmap.nii.gz   the same where it passes at the largest q\n"
     "*_stat-p_statmap.nii.gz        -log10 of the p of each voxel by itself\n"
     "*_stat-z_statmap.nii.gz        excess over each voxel's own null values, for groups\n"
-    "*dTAV_desc-reversed_*          dTAV minus that of reversed time, for groups\n"
+    "*_stat-reversed_statmap.nii.gz dTAV minus that of reversed time, for groups\n"
     "*_stat-pfwe_statmap.nii.gz     family-wise p of each voxel, *_stat-pfwecluster_* of its cluster\n"
     "*Passing_dseg.nii.gz           which voxels pass at which q; codes in the .tsv beside it\n"
     "*_clusters.tsv                 clusters and peaks of the voxels that pass; columns in the .json beside "

@@ -100,8 +100,7 @@ std::string OutputNames::thresholded(const std::string& conditionLabel, tav::Map
                           mapLabel(type)));
 }
 std::string OutputNames::reversed(const std::string& conditionLabel) const {
-  return stem(fmt::format("_contrast-{}{}_desc-reversed_stat-effect_statmap.nii.gz", conditionLabel,
-                          mapLabel(tav::DTAV)));
+  return statistic(conditionLabel, tav::DTAV, "reversed");
 }
 std::string OutputNames::voxelP(const std::string& conditionLabel, tav::MapType type) const {
   return statistic(conditionLabel, type, "pfwe");

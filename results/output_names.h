@@ -35,7 +35,7 @@ class OutputNames {
   [[nodiscard]] std::string nullP(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string nullZ(const std::string& conditionLabel, tav::MapType type) const;
   [[nodiscard]] std::string thresholded(const std::string& conditionLabel, tav::MapType type) const;
-  // Of DTAV, with desc-reversed: minus that of the series in reversed time.
+  // Of DTAV, with stat-reversed: minus that of the series in reversed time.
   [[nodiscard]] std::string reversed(const std::string& conditionLabel) const;
   // The same with stat-pfwe and stat-pfwecluster: family-wise p of each voxel and of each voxel's cluster.
   [[nodiscard]] std::string voxelP(const std::string& conditionLabel, tav::MapType type) const;

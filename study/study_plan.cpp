@@ -195,7 +195,10 @@ std::string resultKey(const StudyPlan& plan, std::size_t region) {
   addSettings(plan, key);
   addConditions(plan, key);
   if (plan.request.settings.method != Method::kPlugin)
-    key.add("direction", "reversed time").add("surrogates", "between spikes").add("z", "own null values").add("reversed", "all voxels");
+    key.add("direction", "reversed time")
+        .add("surrogates", "between spikes")
+        .add("z", "own null values")
+        .add("reversed", "all voxels");
   key.add("evidence", "histograms and courses");
   key.add("clusters", plan.places ? plan.places->key().c_str() : "without names");
   // With method "plugin" a result depends on all references before it.

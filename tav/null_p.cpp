@@ -25,19 +25,19 @@ class ReachCounts {
   explicit ReachCounts(std::vector<std::uint32_t> observed) : ascending_(std::move(observed)) {
     std::sort(ascending_.begin(), ascending_.end());
     reached_.resize(ascending_.size() + 1);
-    firstOf_.resize(kGroups + 1);
+    if (ascending_.empty()) return;
+    const std::uint32_t range = ascending_.back() - ascending_.front();
+    shift_ = static_cast<unsigned>(std::max(0, static_cast<int>(std::bit_width(range)) - kGroupBits));
+    firstOf_.resize((range >> shift_) + 2);
     std::size_t at = 0;
-    for (std::size_t group = 0; group <= kGroups; ++group) {
+    for (std::size_t group = 0; group < firstOf_.size(); ++group) {
       while (at < ascending_.size() && groupOf(ascending_[at]) < group) ++at;
-      firstOf_[group] = at;
+      firstOf_[group] = static_cast<std::uint32_t>(at);
     }
   }
 
   void add(std::uint32_t null) {
-    const std::size_t group = groupOf(null);
-    const auto first = ascending_.begin() + static_cast<std::ptrdiff_t>(firstOf_[group]);
-    const auto last = ascending_.begin() + static_cast<std::ptrdiff_t>(firstOf_[group + 1]);
-    ++reached_[static_cast<std::size_t>(std::upper_bound(first, last, null) - ascending_.begin())];
+    ++reached_[reachedBy(null)];
     ++count_;
   }
 
@@ -58,14 +58,27 @@ class ReachCounts {
   }
 
  private:
-  // Numbers with the same upper half: the search is among few.
-  static constexpr std::size_t kGroups = std::size_t{1} << 16U;
-  static std::size_t groupOf(std::uint32_t order) { return order >> 16U; }
+  // Observed numbers that are close to each other: the search is among few.
+  static constexpr int kGroupBits = 17;
+  [[nodiscard]] std::size_t groupOf(std::uint32_t order) const {
+    return (order - ascending_.front()) >> shift_;
+  }
+
+  // How many observed numbers a null one reaches.
+  [[nodiscard]] std::size_t reachedBy(std::uint32_t null) const {
+    if (ascending_.empty() || null < ascending_.front()) return 0;
+    if (null >= ascending_.back()) return ascending_.size();
+    const std::size_t group = groupOf(null);
+    const std::uint32_t* const first = ascending_.data() + firstOf_[group];
+    return static_cast<std::size_t>(std::upper_bound(first, ascending_.data() + firstOf_[group + 1], null) -
+                                    ascending_.data());
+  }
 
   std::vector<std::uint32_t> ascending_;
-  std::vector<std::size_t> firstOf_;  // index of a group's first observed number
-  std::vector<std::size_t> reached_;  // null values that reach this many observed ones
+  std::vector<std::uint32_t> firstOf_;  // index of a group's first observed number
+  std::vector<std::size_t> reached_;    // null values that reach this many observed ones
   std::size_t count_ = 0;
+  unsigned shift_ = 0;
 };
 
 std::vector<std::uint32_t> ordersOf(const MapSource& map) {

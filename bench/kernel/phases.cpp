@@ -1,6 +1,7 @@
 #include "bench/kernel/phases.h"
 
 #include <algorithm>
+#include <ctime>
 #include <sstream>
 #include <stdexcept>
 
@@ -163,6 +164,28 @@ Phases measurePhases(const Workload& workload, const std::string& file, const st
   }
   for (int i = 0; i < repetitions; ++i) best.whole = std::min(best.whole, wholeRun(workload, file, options));
   return best;
+}
+
+double atlasSecondsPerReference(const Workload& workload, const std::string& file, const std::string& kernel,
+                                int references, int draws) {
+  tav::RunOptions options = optionsOf(kernel, draws, tav::FitForm::kLeastSquares);
+  options.nullP = true;
+  tav::TAV_Pars request = makeRequest(workload, file);
+  request.showVerboseProgress = false;
+  const tav::TAV_VOI_Pars region = request.vois[0];
+  request.vois.clear();
+  for (int i = 0; i < references; ++i) {
+    request.vois.push_back(region);
+    request.vois.back().name += std::to_string(i);
+    request.vois.back().voxels += 3 * (i % region.nVoxels);
+    request.vois.back().nVoxels = region.nVoxels - i % region.nVoxels;
+    options.voiTimeBases.push_back(i + 1);
+  }
+  const std::clock_t start = std::clock();
+  std::ostringstream errors;
+  tav::Computer computer(options);
+  require(computer.computeTAVs(request, errors), errors);
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC / references;
 }
 
 double wholeMapSeconds(const Workload& workload, const std::string& file, const std::string& kernel, int maps,

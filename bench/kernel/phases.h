@@ -30,6 +30,11 @@ struct Phases {
                                    const std::string& kernel, int repetitions, int draws = 1,
                                    tav::FitForm form = tav::FitForm::kWritten);
 
+// Processor seconds per reference of one run over so many references of an atlas, each a region of the grid's
+// own voxels, by least squares with `draws` surrogates per voxel: maps, thresholds and p of single voxels.
+[[nodiscard]] double atlasSecondsPerReference(const Workload& workload, const std::string& file,
+                                              const std::string& kernel, int references, int draws);
+
 // Seconds that so many whole maps of surrogates take, with their maxima and clusters.
 [[nodiscard]] double wholeMapSeconds(const Workload& workload, const std::string& file,
                                      const std::string& kernel, int maps, int threads);

@@ -1,4 +1,4 @@
-// Prints the performance table: kernel_table FOLDER [WORKLOAD...]. FOLDER takes the data files.
+// Prints the performance table: kernel_table FOLDER [WORKLOAD... | atlas]. FOLDER takes the data files.
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -101,6 +101,16 @@ void printLeastSquares(const std::string& folder, const Workload& workload, int 
   std::printf("%s: %d whole maps of surrogates on one thread: %.2f s\n", workload.name.c_str(), kMaps, maps);
 }
 
+// All references of an atlas over 100,000 voxels.
+void printAtlas(const std::string& folder) {
+  constexpr int kReferences = 116, kDraws = 20;
+  const Workload workload = bench::atlasWorkload();
+  const double seconds = bench::atlasSecondsPerReference(workload, bench::dataFile(folder, workload),
+                                                         tav::kernel::bestKernel().name, kReferences, kDraws);
+  std::printf("%d references over %d voxels, %d null draws: %.3f s of CPU each\n", kReferences,
+              workload.includedVoxels, kDraws, seconds);
+}
+
 int run(const std::string& folder, const std::vector<std::string>& wanted) {
   const bench::Peak peak = bench::measurePeak();
   std::printf("multiply-add peak: %.1f G/s with 256 bits, %.1f G/s with 512 bits\n", peak.with256 / 1e9,
@@ -115,6 +125,7 @@ int run(const std::string& folder, const std::vector<std::string>& wanted) {
     if (isWanted && workload.name == "W1") printDraws(folder, workload, 20);
     if (isWanted && workload.name == "W1") printLeastSquares(folder, workload, 20);
   }
+  if (std::find(wanted.begin(), wanted.end(), "atlas") != wanted.end()) printAtlas(folder);
   return 0;
 }
 

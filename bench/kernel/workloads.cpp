@@ -103,6 +103,10 @@ std::vector<Workload> standardWorkloads() {
           {"W4", 58, 40, 46, 300, false, 106720, 20, {{1, 300}}}};
 }
 
+Workload atlasWorkload() {
+  return {"atlas", 58, 40, 46, 300, true, 100000, 1, {{1, 300}}};
+}
+
 std::string dataFile(const std::string& folder, const Workload& workload) {
   char name[128];
   std::snprintf(name, sizeof name, "/%dx%dx%dx%d_%d_%s.vtc", workload.x, workload.y, workload.z,

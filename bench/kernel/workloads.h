@@ -25,6 +25,7 @@ struct Workload {
 
 // W1 ... W4.
 [[nodiscard]] std::vector<Workload> standardWorkloads();
+[[nodiscard]] Workload atlasWorkload();  // 100,000 voxels x 300 volumes, as prepared runs have them
 
 // The VTC of a workload in `folder`, made when it is not there: first-order autoregressive voxels,
 // base 8,000 to 12,000, standard deviation 80 to 200, drift; a fifth coupled to the reference.

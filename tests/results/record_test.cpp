@@ -64,7 +64,8 @@ TEST(Records, EveryValueIsNeededAndOfItsKind) {
                                               "PassingFile",
                                               "ThresholdedFile",
                                               "PFile",
-                                              "ZFile",         "ReversedFile",
+                                              "ZFile",
+                                              "ReversedFile",
                                               "ClustersFile",
                                               "EvidenceFile"};
   const Json whole = recordJson(sample_result::record()).flatten();

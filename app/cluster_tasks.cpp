@@ -48,7 +48,7 @@ Command withOptions(const TaskMaker& maker, const std::string& level, std::set<s
 }
 
 Command participantCommand(const TaskMaker& maker, const Labels& labels, const planning::Surveyed& first) {
-  std::set<std::string> without = {"participant-label", "seed"};
+  std::set<std::string> without = {"participant-label", "seed", "model"};
   if (!labels.session.empty()) without.insert("session-label");
   if (!labels.task.empty()) without.insert("task-label");
   Command words = withOptions(maker, "participant", without);
@@ -80,11 +80,13 @@ std::vector<cluster::Task> participantTasks(const TaskMaker& maker,
 }
 
 cluster::Task groupTask(const TaskMaker& maker) {
-  return {"group", {withOptions(maker, "group", {"force", "stop-on-first-crash"})}};
+  Command words = withOptions(maker, "group", {"stop-on-first-crash"});
+  if (maker.arguments.study.noReport) words.emplace_back("--no-report");
+  return {"group", {words}};
 }
 
 cluster::Task reportsTask(const TaskMaker& maker) {
-  Command words = withOptions(maker, "participant", {"force", "stop-on-first-crash"});
+  Command words = withOptions(maker, "participant", {"force", "model", "stop-on-first-crash"});
   words.emplace_back("--reports-only");
   if (maker.arguments.study.noReport) words.emplace_back("--no-report");
   words.push_back("--dataset-files=" + maker.parts().string());

@@ -68,8 +68,8 @@ std::string submitScript(const JobChain& chain, const SlurmOptions& options) {
     std::string dependencies = dependencyText(stage, shellVariable);
     if (!dependencies.empty()) dependencies = fmt::format(" \"--dependency={}\"", dependencies);
     const Command before(command.begin(), command.end() - 1);
-    text +=
-        fmt::format("{}=$({}{} {})\n", stage.name, shellLine(before), dependencies, quotedWord(command.back()));
+    text += fmt::format("{}=$({}{} {})\n", stage.name, shellLine(before), dependencies,
+                        quotedWord(command.back()));
     text += fmt::format("echo \"{}: job ${}\"\n", stage.name, stage.name);
   }
   return text;

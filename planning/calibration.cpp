@@ -80,12 +80,6 @@ double storedVolumes(const study::StudyPlan& plan) {
   return volumes;
 }
 
-double conditionVolumes(const study::StudyPlan& plan) {
-  double volumes = 0;
-  for (const study::PlannedCondition& condition : plan.conditions) volumes += condition.totalVolumes;
-  return volumes;
-}
-
 // Straight lines through two points; what noise makes negative is nothing.
 double slope(double small, double large, double fewer, double more) {
   return std::max(0.0, (large - small) / (more - fewer));
@@ -120,6 +114,12 @@ double usedShare(const study::StudyPlan& plan) {
   if (inside > 0) return static_cast<double>(inside) / all;
   const study::ValueSize size = study::sizeOfValues(plan.runs[0], plan.request.settings.inclusionThreshold);
   return std::max(1.0, static_cast<double>(size.voxels)) / all;
+}
+
+double conditionVolumes(const study::StudyPlan& plan) {
+  double volumes = 0;
+  for (const study::PlannedCondition& condition : plan.conditions) volumes += condition.totalVolumes;
+  return volumes;
 }
 
 Rates measureRates(const study::StudyPlan& plan, const fs::path& folder) {

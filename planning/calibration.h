@@ -24,6 +24,8 @@ inline constexpr std::size_t kTogether = 10;  // references that share a pass
 // and computing throw.
 [[nodiscard]] Rates measureRates(const study::StudyPlan& plan, const std::filesystem::path& folder);
 
+// Volumes of all conditions together.
+[[nodiscard]] double conditionVolumes(const study::StudyPlan& plan);
 // Voxels of the runs' grid, and the share of them that is computed. Reads the mask or the first volume.
 [[nodiscard]] std::size_t gridVoxels(const study::StudyPlan& plan);
 [[nodiscard]] double usedShare(const study::StudyPlan& plan);

@@ -4,37 +4,46 @@
 #include <cmath>
 #include <optional>
 
+#include "planning/sizes.h"
 #include "prepare/prepare.h"
 
 namespace planning {
 namespace {
 
-constexpr double kMegabyte = 1e6;
+constexpr double kPageSeconds = 0.03, kPageSecondsPerVoxel = 2e-6;  // of a reference and condition, measured
+constexpr double kUnderlayBytes = 15;                               // a voxel, once a request
 
-double volumesOf(const study::StudyPlan& plan) {
-  double volumes = 0;
-  for (const study::PlannedCondition& condition : plan.conditions) volumes += condition.totalVolumes;
-  return volumes;
+constexpr double kParentMegabytes = 50;  // of the process that starts workers
+
+// Half as much again, in hundreds.
+int rounded(double megabytes) {
+  return static_cast<int>(std::ceil(1.5 * megabytes / 100)) * 100;
 }
 
 }  // namespace
 
 Expenses expensesOf(const Surveyed& one, const Rates& rates) {
   const study::StudyPlan& plan = *one.plan;
-  const auto voxels = static_cast<double>(gridVoxels(plan));
+  const Sizes sizes = sizesOf(plan);
   Expenses expenses;
   for (const study::RunPlan& run : plan.runs) {
     if (study::isPrepared(run, plan.workFolder)) continue;
-    expenses.importSeconds += rates.importPerValue * voxels * run.volumes.volumes;
-    expenses.workMegabytes += 4 * voxels * run.volumes.volumes / kMegabyte;
+    expenses.importSeconds += rates.importPerValue * sizes.gridVoxels * run.volumes.volumes;
+    const int kept = run.volumes.volumes - run.volumes.dropped;
+    expenses.workMegabytes += 4 * sizes.gridVoxels * kept / kMegabyte;
   }
-  const double longer = rates.volumes > 0 ? volumesOf(plan) / rates.volumes : 1;
+  const double longer = rates.volumes > 0 ? conditionVolumes(plan) / rates.volumes : 1;
   const auto references = static_cast<double>(one.missing.size());
   const double passes = std::ceil(references / static_cast<double>(kTogether));
   expenses.referenceSeconds =
-      longer * (passes * (rates.passFixed + rates.passPerVoxel * voxels) +
-                references * (rates.referenceFixed + rates.referencePerVoxel * voxels));
-  expenses.workerMegabytes = 300;
+      longer * (passes * (rates.passFixed + rates.passPerVoxel * sizes.gridVoxels) +
+                references * (rates.referenceFixed + rates.referencePerVoxel * sizes.gridVoxels));
+  expenses.reportSeconds =
+      references * sizes.conditions * (kPageSeconds + kPageSecondsPerVoxel * sizes.usedVoxels);
+  expenses.workerMegabytes =
+      std::max(importMegabytes(sizes), referenceMegabytes(sizes, std::min<double>(references, kTogether)));
+  expenses.reportMegabytes = reportMegabytes(sizes);
+  expenses.outMegabytes = references * resultMegabytes(sizes) + kUnderlayBytes * sizes.usedVoxels / kMegabyte;
   return expenses;
 }
 
@@ -42,7 +51,7 @@ std::vector<Expenses> expensesOf(const std::vector<Surveyed>& requests, const st
   const study::StudyPlan* longest = nullptr;
   for (const Surveyed& one : requests) {
     if (!one.plan || one.missing.empty()) continue;
-    if (longest == nullptr || volumesOf(*one.plan) > volumesOf(*longest)) longest = &*one.plan;
+    if (longest == nullptr || conditionVolumes(*one.plan) > conditionVolumes(*longest)) longest = &*one.plan;
   }
   std::vector<Expenses> all(requests.size());
   if (longest == nullptr) return all;
@@ -57,7 +66,8 @@ Expenses largestOf(const std::vector<Expenses>& all) {
   for (const Expenses& one : all) {
     for (double Expenses::*figure :
          {&Expenses::importSeconds, &Expenses::referenceSeconds, &Expenses::reportSeconds,
-          &Expenses::workerMegabytes, &Expenses::workMegabytes, &Expenses::outMegabytes})
+          &Expenses::workerMegabytes, &Expenses::reportMegabytes, &Expenses::reportMegabytes,
+          &Expenses::workMegabytes, &Expenses::outMegabytes})
       largest.*figure = std::max(largest.*figure, one.*figure);
   }
   return largest;
@@ -74,9 +84,8 @@ double elapsedSeconds(const std::vector<Expenses>& all, int jobs) {
 
 TaskNeeds needsOfTask(const Expenses& largest, int jobs, std::size_t together) {
   const double seconds = (largest.importSeconds + largest.referenceSeconds) * static_cast<double>(together);
-  const double megabytes = largest.workerMegabytes * jobs * 1.5;
-  return {2 + static_cast<int>(std::ceil(3 * seconds / 60)),
-          static_cast<int>(std::ceil(megabytes / 100)) * 100};
+  const int minutes = 2 + static_cast<int>(std::ceil(3 * seconds / 60));
+  return {minutes, rounded(largest.workerMegabytes * jobs + kParentMegabytes)};
 }
 
 TaskNeeds needsOfGroup(std::size_t requests) {
@@ -85,7 +94,7 @@ TaskNeeds needsOfGroup(std::size_t requests) {
 
 TaskNeeds needsOfReports(const Expenses& largest, std::size_t requests) {
   const double seconds = largest.reportSeconds * static_cast<double>(requests);
-  return {5 + static_cast<int>(std::ceil(3 * seconds / 60)), 2000};
+  return {5 + static_cast<int>(std::ceil(3 * seconds / 60)), rounded(largest.reportMegabytes)};
 }
 
 }  // namespace planning

@@ -16,6 +16,7 @@ struct Expenses {
   double referenceSeconds = 0;  // of references that are missing, by one worker
   double reportSeconds = 0;     // of the page
   double workerMegabytes = 0;   // the most that one worker takes
+  double reportMegabytes = 0;   // that drawing the page takes
   double workMegabytes = 0;     // that imports will add to the work folder
   double outMegabytes = 0;      // that results and the page will add to the output folder
 

@@ -11,6 +11,7 @@
 #include "cluster/job_files.h"
 #include "cluster/outcome.h"
 #include "cluster/submission.h"
+#include "formats/atomic_file.h"
 #include "formats/claimed_folder.h"
 #include "planning/expenses.h"
 #include "request/problem.h"
@@ -106,6 +107,7 @@ class Submitter {
   [[nodiscard]] cluster::Stage groupStage(bool afterParticipants) const;
   [[nodiscard]] cluster::Stage reportsStage(const cluster::JobChain& chain) const;
   [[nodiscard]] bool groupMayStart() const;
+  [[nodiscard]] bool hasDoneGroup(const Earlier& earlier) const;
   [[nodiscard]] cluster::Needs needsOf(const planning::TaskNeeds& needs) const {
     return {needs.minutes, needs.megabytes, arguments_.study.jobs};
   }
@@ -158,6 +160,15 @@ bool Submitter::groupMayStart() const {
   return false;
 }
 
+// The same command, over the same model file.
+bool Submitter::hasDoneGroup(const Earlier& earlier) const {
+  if (!earlier.hasDone(kGroup)) return false;
+  const fs::path folder = earlier.submission->folder, model = arguments_.tests.modelFile;
+  const cluster::Stage now{kGroup, {groupTask(maker_)}, {}};
+  if (formats::readTextFile((folder / "group.tasks").string()) != cluster::taskList(now)) return false;
+  return model.empty() || fs::last_write_time(model) < fs::last_write_time(folder / cluster::kSubmissionFile);
+}
+
 cluster::Stage Submitter::groupStage(bool afterParticipants) const {
   cluster::Stage stage{kGroup, {groupTask(maker_)}, needsOf(planning::needsOfGroup(requests_.size()))};
   const auto condition =
@@ -181,7 +192,7 @@ cluster::JobChain Submitter::chain(const Earlier& earlier) const {
   cluster::Stage participants = participantStage();
   const bool computes = !participants.tasks.empty();
   if (computes) chain.stages.push_back(std::move(participants));
-  const bool isGroupNew = computes || arguments_.study.force || !earlier.hasDone(kGroup);
+  const bool isGroupNew = computes || arguments_.study.force || !hasDoneGroup(earlier);
   if (isGroupNew && groupMayStart()) chain.stages.push_back(groupStage(computes));
   if (!chain.stages.empty() || !earlier.hasDone(kReports)) chain.stages.push_back(reportsStage(chain));
   return chain;

@@ -14,6 +14,13 @@ from pathlib import Path
 from slurm_node import SlurmNode, Unavailable, run, wait_for
 
 PARTICIPANTS = 6  # the last moves too much
+MODEL = """[inference]
+shuffles = 100
+[[test]]
+name = "facesHouses"
+maps = ["dTAV"]
+within = "faces - houses"
+"""
 OPTIONS = (
     "--atlas=study/derivatives/atlas/atlas-Simulated_space-MNI152NLin2009cAsym_dseg.nii.gz --labels=Reference "
     "--trial-types=faces --trial-types=houses --confounds=trans_y --confounds=a_comp_cor_00 --fd-threshold=0.5 "
@@ -37,15 +44,16 @@ class Check:
         return self.call("bids", "study", out, *more, *OPTIONS)
 
     def submit(self, *more):
-        return self.bids("cluster out", "participant", "group", "--scheduler=slurm", "--despite-failures",
-                         "--mem-per-task=300M", "--time=10", *more)
+        group = ("--model=group.toml", "--scheduler=slurm", "--despite-failures")
+        return self.bids("cluster out", "participant", "group", *group, "--mem-per-task=300M", "--time=10", *more)
 
     def on_this_machine(self):
         made = self.call("simulate", "study", "--group-study", f"--participants={PARTICIPANTS}", "--seed=3")
         expect(made.returncode == 0, made.stderr)
         computed = self.bids("machine", "participant", "--seed=7", "--jobs=2")
         expect(computed.returncode == 1 and "sub-06" in computed.stderr, f"one bad participant: {computed.stderr}")
-        grouped = self.bids("machine", "group")
+        (self.folder / "group.toml").write_text(MODEL, encoding="utf-8")
+        grouped = self.bids("machine", "group", "--model=group.toml")
         expect(grouped.returncode == 0, grouped.stderr)
 
     def jobs(self):

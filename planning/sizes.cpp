@@ -15,6 +15,7 @@ constexpr double kCompanions = 32 * kMebibytes;       // see tav/voxel_passes.h
 constexpr double kBytesPerVoxel = 285, kBytesOfPlugin = 140;
 constexpr double kBytesOfCondition = 86, kBytesOfDraw = 12;
 constexpr double kSmallFiles = 0.5, kBytesOfMaps = 94;  // of a reference and condition
+constexpr double kFewerFiles = 0.65;                    // of the plug-in's procedure
 constexpr double kPageFixed = 0.5, kBytesOfPage = 25;
 
 }  // namespace
@@ -58,7 +59,8 @@ double reportMegabytes(const Sizes& sizes) {
 }
 
 double resultMegabytes(const Sizes& sizes) {
-  const double each = kSmallFiles + kPageFixed + (kBytesOfMaps + kBytesOfPage) * sizes.usedVoxels / kMegabyte;
+  const double fixed = (kSmallFiles + kPageFixed) * (sizes.isPlugin ? kFewerFiles : 1);
+  const double each = fixed + (kBytesOfMaps + kBytesOfPage) * sizes.usedVoxels / kMegabyte;
   return each * sizes.conditions;
 }
 

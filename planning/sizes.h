@@ -1,7 +1,7 @@
 // The figures of a plan on which memory and disk space depend, and what they come to. The formulas' constants
 // were fitted to the peak memory of workers and the sizes of folders of simulated studies: grids of 13,440 to
-// 272,384 voxels, 1 and 9 references, 1 and 2 conditions, 1 to 20 draws; they were met within a tenth.
-// Megabytes are 10^6 bytes.
+// 272,384 voxels, 1 and 9 references, 1 and 2 conditions, 1 to 20 draws; memory was met within a fifth, disk
+// space within 1.4. Megabytes are 10^6 bytes.
 #ifndef TAVMAP_PLANNING_SIZES_H
 #define TAVMAP_PLANNING_SIZES_H
 

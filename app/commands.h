@@ -15,6 +15,7 @@ void addHostCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addOrderCommand(CLI::App& program);
 void addPictureCommand(CLI::App& program);
+void addPlanCommand(CLI::App& program);
 void addRecoverCommand(CLI::App& program);
 void addReportCommand(CLI::App& program);
 void addRunCommand(CLI::App& program);

@@ -94,9 +94,10 @@ void keepRequestFailures(const fs::path& folder, const std::vector<std::string>&
                          const StudyOutcome& outcome) {
   fs::create_directories(folder);
   const fs::path file = folder / kRequestFailuresFile;
-  std::vector<std::string> asked = titles;
+  std::vector<std::string> asked = titles, failures = outcome.failures;
+  std::sort(failures.begin(), failures.end());  // they arrive as workers finish
   std::string rows;
-  for (const std::string& failure : outcome.failures) {
+  for (const std::string& failure : failures) {
     asked.push_back(titleOf(failure, titles));
     rows += rowOf(asked.back(), failure);
   }

@@ -3,19 +3,15 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <fstream>
-#include <nlohmann/json.hpp>
-#include <random>
 
-#include "formats/atomic_file.h"
 #include "request/problem.h"
-#include "results/output_folder.h"
-#include "results/result_json.h"
+#include "study/dataset_files.h"
 #include "study/earlier_results.h"
 #include "study/interrupt.h"
 #include "study/kept_request.h"
 #include "study/request_run.h"
 #include "study/study_folders.h"
+#include "study/study_seed.h"
 #include "study/worker_pool.h"
 
 namespace study {
@@ -23,28 +19,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A seed that is drawn once is kept beside the imported runs, so that repeating an interrupted
-// command goes on with it.
-std::uint32_t drawnSeed(const Request& request) {
-  const fs::path work =
-      request.output.workFolder.empty() ? request.output.folder / "work" : request.output.workFolder;
-  const fs::path file = work / (request.output.prefix + ".seed");
-  std::ifstream kept(file);
-  std::uint32_t seed = 0;
-  if (kept >> seed) return seed;
-  seed = std::random_device{}() & 0x7fffffffU;
-  fs::create_directories(work);
-  formats::writeTextFile(file.string(), std::to_string(seed) + "\n");
-  return seed;
-}
-
 void writeDescription(const Request& request, const StudyOptions& options, StudyFolders& folders) {
   const fs::path folder =
       options.datasetFolder.empty() ? request.output.folder : fs::path(options.datasetFolder);
   folders.enter(folder);
-  writeUnlessForeign(folder / "dataset_description.json",
-                     datasetDescription(request, options.version).dump(2) + "\n");
-  explainOutputFolder(folder);
+  writeDatasetFiles(request, options.version, folder);
 }
 
 // Outcomes arrive in the order in which workers finish; reports must not depend on it.

@@ -25,8 +25,10 @@ ARROWS = {
     "report": {"tav", "io", "formats", "render", "request", "bids", "prepare", "results", "group"},
     "group": {"tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
     "simulation": {"formats"},
+    "cluster": {"formats"},
+    "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
-            "results", "report", "study", "group", "simulation"},
+            "results", "report", "study", "group", "simulation", "cluster", "planning"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

@@ -67,7 +67,7 @@ TEST_F(KeptRequest, FailuresStandInATableUntilThereAreNone) {
 TEST_F(KeptRequest, FailuresOfOtherRequestsStay) {
   const auto table = folder.folder() / kRequestFailuresFile;
   StudyOutcome outcome;
-  outcome.failures = {"sub-01: no run", "sub-02: no mask"};
+  outcome.failures = {"sub-02: no mask", "sub-01: no run"};
   keepRequestFailures(folder.folder(), {"sub-01", "sub-02"}, outcome);
   EXPECT_EQ(contentOf(table), "request\tmessage\nsub-01\tsub-01: no run\nsub-02\tsub-02: no mask\n");
   outcome.failures = {"sub-03: no run"};

@@ -39,6 +39,7 @@ int run(int argc, char** argv) {
   app::addRunCommand(program);
   app::addBidsCommand(program);
   app::addGroupCommand(program);
+  app::addConnectomeCommand(program);
   app::addOrderCommand(program);
   app::addConvertCommand(program);
   app::addInfoCommand(program);

@@ -27,7 +27,7 @@ ARROWS = {
     "group": {"tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
     "simulation": {"formats"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
-            "results", "report", "study", "group", "simulation"},
+            "results", "connectome", "report", "study", "group", "simulation"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

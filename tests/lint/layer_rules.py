@@ -16,19 +16,20 @@ ARROWS = {
     "direction": {"simo"},
     "inference": {"simo", "io"},
     "suitability": {"simo", "direction"},
+    "connectome": {"simo", "inference", "direction", "formats", "request", "results"},
     "inspect": {"io", "formats", "render"},
     "request": {"tav"},
     "bids": {"request"},
     "prepare": {"request", "bids", "formats"},
     "results": {"tav", "request", "bids", "prepare", "formats"},
-    "study": {"tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
-    "report": {"tav", "io", "formats", "render", "request", "bids", "prepare", "results", "group"},
+    "study": {"connectome", "tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
+    "report": {"connectome", "tav", "io", "formats", "render", "request", "bids", "prepare", "results", "group"},
     "group": {"tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
     "simulation": {"formats"},
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
-            "results", "report", "study", "group", "simulation", "cluster", "planning"},
+            "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

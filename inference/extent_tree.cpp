@@ -60,7 +60,8 @@ std::int32_t ExtentTree::unite(std::int32_t root, std::int32_t other, std::int32
   other = rootOf(other);
   if (other == root) return root;
   parents_[static_cast<std::size_t>(newest_[static_cast<std::size_t>(other)])] = node;
-  if (sizes_[static_cast<std::size_t>(other)] > sizes_[static_cast<std::size_t>(root)]) std::swap(root, other);
+  if (sizes_[static_cast<std::size_t>(other)] > sizes_[static_cast<std::size_t>(root)])
+    std::swap(root, other);
   above_[static_cast<std::size_t>(other)] = root;
   sizes_[static_cast<std::size_t>(root)] += sizes_[static_cast<std::size_t>(other)];
   newest_[static_cast<std::size_t>(root)] = node;

@@ -11,8 +11,8 @@
 
 namespace inference {
 
-// Node i is the i-th place in descending order. Its component is all that is connected to it at its own height;
-// its parent is the node whose coming makes that component larger.
+// Node i is the i-th place in descending order. Its component is all that is connected to it at its own
+// height; its parent is the node whose coming makes that component larger.
 class ExtentTree {
  public:
   // Keeps a reference to `space`, whose places touch at least one another.

@@ -39,9 +39,11 @@ WithoutOne fitWithout(int unit, const std::vector<int>& units, std::vector<doubl
 }
 
 std::vector<double> valuesAt(const Values& values, std::size_t place) {
-  if (place >= values.places) throw std::invalid_argument("There is no such place to leave participants out of.");
+  if (place >= values.places)
+    throw std::invalid_argument("There is no such place to leave participants out of.");
   std::vector<double> own;
-  for (std::size_t row = 0; row < values.rows; ++row) own.push_back(static_cast<double>(values.of(row, place)));
+  for (std::size_t row = 0; row < values.rows; ++row)
+    own.push_back(static_cast<double>(values.of(row, place)));
   return own;
 }
 

@@ -23,7 +23,9 @@ std::vector<Shuffle> someShuffles(const Shuffles& all, std::size_t first, std::s
 
 }  // namespace
 
-std::size_t ShuffleWorker::batch(const TestOptions& options) { return wantsMaps(options) ? 8 : 32; }
+std::size_t ShuffleWorker::batch(const TestOptions& options) {
+  return wantsMaps(options) ? 8 : 32;
+}
 
 ShuffleWorker::ShuffleWorker(const SweepSetting& setting)
     : setting_(setting),

@@ -25,7 +25,9 @@ constexpr std::size_t kRows = 20;
 double cpuSeconds() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
-  const auto seconds = [](const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec); };
+  const auto seconds = [](const timeval& t) {
+    return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec);
+  };
   return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
@@ -48,15 +50,18 @@ class Table {
     std::fflush(stdout);
   }
 
-  Measured test(const std::string& what, const inference::Model& model, int connectivity, TestOptions options) const {
+  Measured test(const std::string& what, const inference::Model& model, int connectivity,
+                TestOptions options) const {
     options.shuffles = shuffles_;
     options.threads = threads_;
     const auto space = inference::spaceOfVoxels(group_.grid, group_.voxels, connectivity, {2, 2, 2});
     const auto start = std::chrono::steady_clock::now();
     const double before = cpuSeconds();
-    Measured measured{{}, runTest(model, {group_.rows, group_.voxels.size(), group_.maps.data()}, space, options)};
+    Measured measured{
+        {}, runTest(model, {group_.rows, group_.voxels.size(), group_.maps.data()}, space, options)};
     measured.cost.cpuSeconds = cpuSeconds() - before;
-    measured.cost.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    measured.cost.wallSeconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     row(what, measured.cost, shuffles_);
     return measured;
   }
@@ -66,12 +71,15 @@ class Table {
   int shuffles_, threads_;
 };
 
-inference::Model oneSample() { return {{"mean"}, std::vector<double>(kRows, 1.0), {1}}; }
+inference::Model oneSample() {
+  return {{"mean"}, std::vector<double>(kRows, 1.0), {1}};
+}
 
 inference::Model twoSamplesAndAge() {
   inference::Model model{{"a", "b", "age"}, {}, {1, -1, 0}};
   for (std::size_t row = 0; row < kRows; ++row)
-    model.design.insert(model.design.end(), {row % 2 ? 1.0 : 0.0, row % 2 ? 0.0 : 1.0, std::sin(static_cast<double>(row * row))});
+    model.design.insert(model.design.end(),
+                        {row % 2 ? 1.0 : 0.0, row % 2 ? 0.0 : 1.0, std::sin(static_cast<double>(row * row))});
   return model;
 }
 
@@ -96,7 +104,8 @@ void comparePeer(const Table& table, const bench::MadeGroup& group, int shuffles
   const Cost start = bench::runPeer(folder, 2, {});
   Cost peer = bench::runPeer(folder, few, {});
   table.row("mrclusterstats, enhanced, positive, 6 neighbours", peer, few);
-  const double ratio = (perShuffle({peer.cpuSeconds - start.cpuSeconds}, few)) / perShuffle(own.cost, shuffles);
+  const double ratio =
+      (perShuffle({peer.cpuSeconds - start.cpuSeconds}, few)) / perShuffle(own.cost, shuffles);
   std::printf("\nmrclusterstats needs %.1f times the CPU time of a shuffle here, enhanced\n", ratio);
   const auto t = bench::readPeerMap(folder, "outtvalue.nii", group);
   const auto map = bench::readPeerMap(folder, "outtfce.nii", group);
@@ -114,7 +123,8 @@ void comparePeer(const Table& table, const bench::MadeGroup& group, int shuffles
 
 int main(int argc, char** argv) {
   const int shuffles = argc > 1 ? std::atoi(argv[1]) : 1000, threads = argc > 2 ? std::atoi(argv[2]) : 2;
-  if (shuffles < 1 || threads < 1) return std::fprintf(stderr, "usage: %s [SHUFFLES [THREADS]]\n", argv[0]), 2;
+  if (shuffles < 1 || threads < 1)
+    return std::fprintf(stderr, "usage: %s [SHUFFLES [THREADS]]\n", argv[0]), 2;
   const bench::MadeGroup group = bench::makeGroup(kRows, 1);
   const Table table(group, shuffles, threads);
   const auto maximum = table.test("sign flips, largest t", oneSample(), 6, maximumOnly());
@@ -128,13 +138,15 @@ int main(int argc, char** argv) {
   options.varianceFwhmMm = 8;
   table.test("sign flips, variances smoothed by 8 mm", oneSample(), 6, options);
   for (const int connectivity : {18, 26})
-    table.test("sign flips, enhanced, both signs, " + std::to_string(connectivity) + " neighbours", oneSample(),
-               connectivity, enhanced());
-  const auto integral = table.test("sign flips, enhanced, both signs, 6 neighbours", oneSample(), 6, enhanced());
+    table.test("sign flips, enhanced, both signs, " + std::to_string(connectivity) + " neighbours",
+               oneSample(), connectivity, enhanced());
+  const auto integral =
+      table.test("sign flips, enhanced, both signs, 6 neighbours", oneSample(), 6, enhanced());
   options = enhanced();
   options.twoSided = false;
   options.enhancement.step = 0.1;
-  const auto steps = table.test("sign flips, by steps of .1, positive, 6 neighbours", oneSample(), 6, options);
+  const auto steps =
+      table.test("sign flips, by steps of .1, positive, 6 neighbours", oneSample(), 6, options);
   if (bench::peerProgram().empty()) {
     std::printf("\nmrclusterstats is not installed (Debian's package mrtrix3); nothing to compare with\n");
     return 0;

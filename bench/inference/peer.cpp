@@ -20,7 +20,8 @@ formats::Image3D imageOf(const MadeGroup& group, const float* values) {
   for (int i = 0; i < 3; ++i) image.header.affine.at(i, i) = 2;
   image.header.sformCode = 1;
   image.values.assign(group.grid.voxels(), 0.0F);
-  for (std::size_t i = 0; i < group.voxels.size(); ++i) image.values[group.voxels[i]] = values ? values[i] : 1;
+  for (std::size_t i = 0; i < group.voxels.size(); ++i)
+    image.values[group.voxels[i]] = values ? values[i] : 1;
   return image;
 }
 
@@ -54,8 +55,8 @@ Cost runPeer(const std::string& folder, int shuffles, const std::vector<std::str
   std::vector<std::string> arguments = {peerProgram()};
   for (const char* name : {"maps.txt", "design.txt", "contrast.txt", "mask.nii", "out"})
     arguments.push_back((fs::path(folder) / name).string());
-  arguments.insert(arguments.end(), {"-errors", "ise", "-nthreads", "2", "-force", "-nshuffles",
-                                     std::to_string(shuffles)});
+  arguments.insert(arguments.end(),
+                   {"-errors", "ise", "-nthreads", "2", "-force", "-nshuffles", std::to_string(shuffles)});
   arguments.insert(arguments.end(), options.begin(), options.end());
   return runChild(arguments);
 }

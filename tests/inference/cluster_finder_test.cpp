@@ -19,8 +19,8 @@ std::vector<float> withVoxels(const std::vector<std::pair<std::array<int, 3>, fl
 }
 
 // Two that share an edge, one beside on the other side, one far away.
-const std::vector<float> kVoxels =
-    withVoxels({{{1, 1, 1}, 4.0F}, {{2, 2, 1}, 5.5F}, {{3, 2, 1}, -7.0F}, {{4, 4, 4}, 3.5F}, {{0, 4, 4}, 2.9F}});
+const std::vector<float> kVoxels = withVoxels(
+    {{{1, 1, 1}, 4.0F}, {{2, 2, 1}, 5.5F}, {{3, 2, 1}, -7.0F}, {{4, 4, 4}, 3.5F}, {{0, 4, 4}, 2.9F}});
 
 TEST(ClusterFinder, SumsWhatIsAboveTheFormingHeight) {
   const auto clusters = ClusterFinder(made::cube(5, 18), 3).find(kVoxels, true);

@@ -38,15 +38,18 @@ std::size_t extentAt(const Space& space, const std::vector<float>& z, std::size_
 }
 
 // Piece by piece between the heights that occur, each an integral of a power.
-double integralAt(const Space& space, const std::vector<float>& z, std::size_t place, const Enhancement& how) {
+double integralAt(const Space& space, const std::vector<float>& z, std::size_t place,
+                  const Enhancement& how) {
   std::vector<double> heights = {0};
   for (const float value : z)
     if (value > 0 && value <= z[place]) heights.push_back(static_cast<double>(value));
   std::sort(heights.begin(), heights.end());
   double sum = 0;
   for (std::size_t i = 1; i < heights.size(); ++i) {
-    const double extent = static_cast<double>(extentAt(space, z, place, heights[i])), power = how.heightPower + 1;
-    sum += std::pow(extent, how.extentPower) * (std::pow(heights[i], power) - std::pow(heights[i - 1], power)) / power;
+    const double extent = static_cast<double>(extentAt(space, z, place, heights[i])),
+                 power = how.heightPower + 1;
+    sum += std::pow(extent, how.extentPower) *
+           (std::pow(heights[i], power) - std::pow(heights[i - 1], power)) / power;
   }
   return sum;
 }
@@ -74,8 +77,9 @@ void expectIntegrals(const Space& space, const std::vector<float>& z, const Enha
   const std::vector<float> map = enhancer.enhance(z, true);
   float largest = 0;
   for (std::size_t i = 0; i < z.size(); ++i) {
-    const double expected =
-        z[i] > 0 ? integralAt(space, z, i, how) : z[i] < 0 ? -integralAt(space, opposite, i, how) : 0;
+    const double expected = z[i] > 0   ? integralAt(space, z, i, how)
+                            : z[i] < 0 ? -integralAt(space, opposite, i, how)
+                                       : 0;
     EXPECT_NEAR(map[i], expected, 1e-5 * (1 + std::abs(expected))) << i;
     largest = std::max(largest, std::abs(map[i]));
   }

@@ -35,7 +35,9 @@ inline Data noise(std::size_t rows, std::size_t places, unsigned seed) {
   return data;
 }
 
-inline inference::Model oneSample(std::size_t rows) { return {{"mean"}, std::vector<double>(rows, 1.0), {1.0}}; }
+inline inference::Model oneSample(std::size_t rows) {
+  return {{"mean"}, std::vector<double>(rows, 1.0), {1.0}};
+}
 
 // The first half of the rows less the second.
 inline inference::Model twoSamples(std::size_t rows) {

@@ -100,6 +100,16 @@ std::vector<GroupCell> nullGroups() {
   return cells;
 }
 
+std::vector<GroupCell> symmetryGroups() {
+  std::vector<GroupCell> cells;
+  for (const int rows : {8, 12, 16, 20, 40})
+    for (const GroupNoise noise : kNoises)
+      cells.push_back(cellOf("symmetry", "one sample", GroupDesign::kOneSample, noise, rows));
+  cells.push_back(cellOf("symmetry-age", "one sample beside a covariate", GroupDesign::kOneSampleCovariate,
+                         GroupNoise::kHeavy, 16));
+  return cells;
+}
+
 std::vector<GroupCell> plantedGroups() {
   std::vector<GroupCell> cells;
   for (const int rows : {12, 20}) {

@@ -36,6 +36,8 @@ struct GroupCell {
 
 // Nothing is there to be found.
 [[nodiscard]] std::vector<GroupCell> nullGroups();
+// One-sample groups whose symmetry is checked.
+[[nodiscard]] std::vector<GroupCell> symmetryGroups();
 // An effect is planted.
 [[nodiscard]] std::vector<GroupCell> plantedGroups();
 

@@ -29,18 +29,25 @@ void print(const char* kind, const GroupCell& cell, int sets, const calibration:
                 what.second.c_str(), sets, rate.mean(), rate.standardError());
 }
 
+calibration::GroupRates doubtsOf(const GroupCell& cell, int sets, unsigned seed) {
+  return {{{"doubted", "both"}, measureDoubts(cell, sets, seed)}};
+}
+
 bool printCell(const std::string& name, int sets) {
   const unsigned seed = firstSeedOf(name);
   for (const GroupCell& cell : calibration::nullGroups())
     if (cell.name == name) return print("null", cell, sets, measureNullGroups(cell, sets, seed)), true;
   for (const GroupCell& cell : calibration::plantedGroups())
     if (cell.name == name) return print("power", cell, sets, measureGroupPower(cell, sets, seed)), true;
+  for (const GroupCell& cell : calibration::symmetryGroups())
+    if (cell.name == name) return print("symmetry", cell, sets, doubtsOf(cell, sets, seed)), true;
   return false;
 }
 
 int listCells() {
-  for (const GroupCell& cell : calibration::nullGroups()) std::printf("%s\n", cell.name.c_str());
-  for (const GroupCell& cell : calibration::plantedGroups()) std::printf("%s\n", cell.name.c_str());
+  for (const auto& cells :
+       {calibration::nullGroups(), calibration::plantedGroups(), calibration::symmetryGroups()})
+    for (const GroupCell& cell : cells) std::printf("%s\n", cell.name.c_str());
   return 0;
 }
 

@@ -27,6 +27,9 @@ using ChangeOptions = std::function<void(inference::TestOptions&)>;
 [[nodiscard]] GroupRates measureNullGroups(const GroupCell& cell, int sets, unsigned seed,
                                            const ChangeOptions& change = nullptr);
 
+// Of how many data sets the symmetry is doubted.
+[[nodiscard]] Mean measureDoubts(const GroupCell& cell, int sets, unsigned seed);
+
 // The share of the voxels with a planted effect that is found, by the same tests, by t of smoothed variances
 // ("smoothed") and by the parametric t test with Bonferroni's correction ("bonferroni").
 [[nodiscard]] GroupRates measureGroupPower(const GroupCell& cell, int sets, unsigned seed);

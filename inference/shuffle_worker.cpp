@@ -29,6 +29,7 @@ std::size_t ShuffleWorker::batch(const TestOptions& options) {
 
 ShuffleWorker::ShuffleWorker(const SweepSetting& setting)
     : setting_(setting),
+      models_(setting.model, fixedBlocksOf(setting.options, setting.model.rows())),
       stride_(wantsMaps(setting.options) ? setting.places.slots() : kPieceStride),
       reached_(setting.places.slots(), 0) {
   const TestOptions& options = setting.options;
@@ -54,7 +55,8 @@ void ShuffleWorker::classifyFreedoms() {
 }
 
 void ShuffleWorker::run(std::size_t first, std::size_t count, Swept& swept) {
-  const ShuffleWeights weights(setting_.places.splits, someShuffles(setting_.shuffles, first, count));
+  const ShuffleWeights weights(setting_.places.splits, someShuffles(setting_.shuffles, first, count),
+                               models_);
   Correlations correlations(setting_.places, weights);
   largest_.assign(count * freedoms_.size() * kLanes, 0.0F);
   runMaps(correlations, count);

@@ -11,6 +11,7 @@
 #include "inference/enhancer.h"
 #include "inference/lane_vector.h"
 #include "inference/pseudo_t.h"
+#include "inference/split_cache.h"
 #include "inference/sweep.h"
 #include "inference/z_table.h"
 
@@ -43,6 +44,7 @@ class ShuffleWorker {
   [[nodiscard]] float largestZ(std::size_t shuffle) const;
 
   const SweepSetting& setting_;
+  SplitCache models_;                       // of rows with values after shuffles
   std::vector<int> freedoms_;               // that differ
   std::vector<std::size_t> freedomOfSpan_;  // index into them
   std::vector<ZTable> tables_;              // per freedom

@@ -25,14 +25,18 @@ formats::Image3D imageOf(const MadeGroup& group, const float* values) {
   return image;
 }
 
-}  // namespace
-
-std::string peerProgram() {
+std::string programOf(const std::string& name) {
   const char* path = std::getenv("PATH");
   std::istringstream folders(path ? path : "");
   for (std::string folder; std::getline(folders, folder, ':');)
-    if (fs::exists(fs::path(folder) / "mrclusterstats")) return fs::path(folder) / "mrclusterstats";
+    if (fs::exists(fs::path(folder) / name)) return fs::path(folder) / name;
   return {};
+}
+
+}  // namespace
+
+bool isPeerInstalled() {
+  return !programOf("mrclusterstats").empty() && !programOf("mrconvert").empty();
 }
 
 std::string writeForPeer(const MadeGroup& group) {
@@ -51,18 +55,20 @@ std::string writeForPeer(const MadeGroup& group) {
   return folder;
 }
 
-Cost runPeer(const std::string& folder, int shuffles, const std::vector<std::string>& options) {
-  std::vector<std::string> arguments = {peerProgram()};
+Cost runPeer(const std::string& folder, int shuffles) {
+  std::vector<std::string> arguments = {programOf("mrclusterstats")};
   for (const char* name : {"maps.txt", "design.txt", "contrast.txt", "mask.nii", "out"})
     arguments.push_back((fs::path(folder) / name).string());
   arguments.insert(arguments.end(),
                    {"-errors", "ise", "-nthreads", "2", "-force", "-nshuffles", std::to_string(shuffles)});
-  arguments.insert(arguments.end(), options.begin(), options.end());
   return runChild(arguments);
 }
 
 std::vector<float> readPeerMap(const std::string& folder, const std::string& name, const MadeGroup& group) {
-  const formats::Image3D image = formats::readImage(fs::path(folder) / name);
+  const std::string made = fs::path(folder) / ("out" + name + ".mif"),
+                    copy = fs::path(folder) / (name + ".nii");
+  runChild({programOf("mrconvert"), made, copy, "-force"});
+  const formats::Image3D image = formats::readImage(copy);
   std::vector<float> values;
   for (const std::size_t voxel : group.voxels) values.push_back(image.values[voxel]);
   return values;

@@ -10,16 +10,15 @@
 
 namespace bench {
 
-// Its path; empty when it is not installed.
-[[nodiscard]] std::string peerProgram();
+[[nodiscard]] bool isPeerInstalled();
 
 // The group's maps, mask and one-sample design in a folder of their own under the system's temporary one.
 [[nodiscard]] std::string writeForPeer(const MadeGroup& group);
 
-// Sign flips on two threads, with further options; its maps become FOLDER/out*.nii.
-Cost runPeer(const std::string& folder, int shuffles, const std::vector<std::string>& options);
+// Sign flips on two threads, enhanced by 6 neighbours.
+Cost runPeer(const std::string& folder, int shuffles);
 
-// A map that it wrote, at the group's voxels.
+// A map that it wrote ("tvalue", "tfce"), at the group's voxels.
 [[nodiscard]] std::vector<float> readPeerMap(const std::string& folder, const std::string& name,
                                              const MadeGroup& group);
 

@@ -29,7 +29,7 @@ struct GroupCell {
   bool isSmooth = true;        // noise of about 3.5 voxels width; else white
   double missing = 0;          // share of voxels that lack one to three rows
   double varianceFwhm = 0;     // voxels
-  int shuffles = 500;
+  int shuffles = 199;
   bool isOneSided = false;  // both tails, each alone
   bool isFailure = false;   // known to exceed its level
 };

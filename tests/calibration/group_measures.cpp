@@ -79,7 +79,7 @@ TestOptions optionsOf(const GroupCell& cell) {
   options.exchange = isFlipped ? inference::Exchange::kSignFlips : inference::Exchange::kPermutations;
   options.shuffles = cell.shuffles;
   options.varianceFwhmMm = cell.varianceFwhm;
-  if (cell.shuffles >= 500) options.tail = inference::Tail::kCounted;
+  if (cell.shuffles > 99) options.tail = inference::Tail::kCounted;
   return options;
 }
 

@@ -90,26 +90,31 @@ TEST(MissingValues, DoNotVary) {
   EXPECT_EQ(result.rows[1], 6);
 }
 
-// All permutations of the rows that are there, by hand, of a covariate.
-TEST(MissingValues, ArePermutedAroundInEveryWay) {
+// All permutations by hand: the ages of a permutation, that of the row without a value left out, with the
+// values.
+TEST(MissingValues, ArePermutedWithTheValues) {
   made::Data data = made::noise(5, 1, 7);
   data.of(2, 0) = made::kNothing;
   const Model model{{"mean", "age"}, {1, 3, 1, 5, 1, 4, 1, 9, 1, 8.5}, {0, 1}};
   const TestResult result = runTest(model, data.values(), spaceOfPlaces(1), made::permuted(120));
   EXPECT_TRUE(result.isExhaustive);
-  const std::vector<double> age = {3, 5, 9, 8.5};
-  const std::vector<double> values = {data.value(0, 0), data.value(1, 0), data.value(3, 0), data.value(4, 0)};
-  std::vector<std::size_t> order = {0, 1, 2, 3};
-  const auto slope = [&] {  // |t| grows as the correlation does, and as this
-    double sum = 0;
-    for (std::size_t i = 0; i < 4; ++i) sum += (age[i] - 6.375) * values[order[i]];
-    return std::abs(sum);
+  std::vector<double> age = {3, 5, 4, 9, 8.5};
+  const auto correlation = [&] {  // |t| grows as its magnitude does
+    double xx = 0, yy = 0, xy = 0, x = 0, y = 0;
+    for (const std::size_t i : {0U, 1U, 3U, 4U}) {
+      const double value = data.value(i, 0);
+      x += age[i] / 4, y += value / 4;
+      xx += age[i] * age[i], yy += value * value, xy += age[i] * value;
+    }
+    return std::abs((xy - 4 * x * y) / std::sqrt((xx - 4 * x * x) * (yy - 4 * y * y)));
   };
-  const double own = slope();
+  const double own = correlation();
+  EXPECT_NEAR(std::abs(result.t[0]), own * std::sqrt(2 / (1 - own * own)), 1e-4);
+  std::sort(age.begin(), age.end());
   int reached = 0;
-  do reached += slope() >= own - 1e-6 ? 1 : 0;
-  while (std::next_permutation(order.begin(), order.end()));
-  EXPECT_NEAR(result.p[0], reached / 24.0, 1e-6);
+  do reached += correlation() >= own - 2e-6 ? 1 : 0;
+  while (std::next_permutation(age.begin(), age.end()));
+  EXPECT_NEAR(result.p[0], reached / 120.0, 1e-6);
 }
 
 }  // namespace

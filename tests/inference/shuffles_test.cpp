@@ -92,17 +92,4 @@ TEST(Shuffles, DrawEveryPermutationAsOften) {
   for (const auto& [from, count] : counts) EXPECT_NEAR(count, 500, 110);  // 5 standard deviations
 }
 
-// The first return of a uniform permutation is uniform: all 24 of four rows lead to each of the 6 of three.
-TEST(AmongRows, LeadsEachPermutationOfTheOthersAsOften) {
-  std::vector<int> from = {0, 1, 2, 3};
-  std::map<std::vector<int>, int> counts;
-  do {
-    const std::vector<int> rest = amongRows(from, {true, true, false, true});
-    ++counts[{rest[0], rest[1], rest[3]}];
-  } while (std::next_permutation(from.begin(), from.end()));
-  ASSERT_EQ(counts.size(), 6U);
-  for (const auto& [rest, count] : counts) EXPECT_EQ(count, 4);
-  EXPECT_FALSE(counts.contains({2, 1, 3}));
-}
-
 }  // namespace

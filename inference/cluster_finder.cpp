@@ -14,7 +14,8 @@ double massOf(std::span<const std::int32_t> places, std::span<const float> z, in
 }
 
 Cluster clusterOf(std::span<const std::int32_t> places, std::span<const float> z, int sign, float formingZ) {
-  Cluster cluster{.places = {places.begin(), places.end()}, .mass = massOf(places, z, sign, formingZ), .sign = sign};
+  Cluster cluster{
+      .places = {places.begin(), places.end()}, .mass = massOf(places, z, sign, formingZ), .sign = sign};
   std::sort(cluster.places.begin(), cluster.places.end());
   const auto peak = std::max_element(cluster.places.begin(), cluster.places.end(), [&](auto a, auto b) {
     return static_cast<float>(sign) * z[static_cast<std::size_t>(a)] <
@@ -47,8 +48,8 @@ void ClusterFinder::visit(std::int32_t place, std::span<const float> z, int sign
 
 void ClusterFinder::visitHubs(std::int32_t place, std::span<const float> z, int sign) {
   for (std::size_t k = 0; k < space_.hubWidth; ++k) {
-    const auto hub = static_cast<std::size_t>(
-        space_.hubs[static_cast<std::size_t>(place) * space_.hubWidth + k]);
+    const auto hub =
+        static_cast<std::size_t>(space_.hubs[static_cast<std::size_t>(place) * space_.hubWidth + k]);
     if (isHubDone_[hub]) continue;
     isHubDone_[hub] = 1;
     for (const std::int32_t other : placesOfHub_[hub]) visit(other, z, sign);
@@ -88,7 +89,8 @@ std::vector<Cluster> ClusterFinder::find(std::span<const float> z, bool isTwoSid
       clusters.push_back(
           clusterOf({found_.begin() + begins_[i], found_.begin() + begins_[i + 1]}, z, sign, formingZ_));
   }
-  std::stable_sort(clusters.begin(), clusters.end(), [](const auto& a, const auto& b) { return a.mass > b.mass; });
+  std::stable_sort(clusters.begin(), clusters.end(),
+                   [](const auto& a, const auto& b) { return a.mass > b.mass; });
   return clusters;
 }
 
@@ -97,7 +99,8 @@ float ClusterFinder::largestMass(std::span<const float> z, bool isTwoSided) {
   for (int sign = 1; sign >= (isTwoSided ? -1 : 1); sign -= 2) {
     findSide(z, sign);
     for (std::size_t i = 0; i + 1 < begins_.size(); ++i)
-      most = std::max(most, massOf({found_.begin() + begins_[i], found_.begin() + begins_[i + 1]}, z, sign, formingZ_));
+      most = std::max(
+          most, massOf({found_.begin() + begins_[i], found_.begin() + begins_[i + 1]}, z, sign, formingZ_));
   }
   return static_cast<float>(most);
 }

@@ -11,8 +11,8 @@
 
 namespace inference {
 
-// Clusters of each side: places with sign * z at or above the forming height, and what touches them and is so too.
-// One thread at a time; keeps its memory and a reference to the space.
+// Clusters of each side: places with sign * z at or above the forming height, and what touches them and is so
+// too. One thread at a time; keeps its memory and a reference to the space.
 class ClusterFinder {
  public:
   ClusterFinder(const Space& space, double formingZ);

@@ -47,7 +47,8 @@ std::optional<ContrastFit> fitContrast(const ContrastSplit& split, std::vector<d
   const double along = product(split.effect, values);
   const double rest = squaresBeside(values, split.effect, along);
   if (!(rest > kNoVariation * all)) return std::nullopt;
-  return ContrastFit{along * split.scale, along * std::sqrt(split.freedom / rest), std::sqrt(product(values, values))};
+  return ContrastFit{along * split.scale, along * std::sqrt(split.freedom / rest),
+                     std::sqrt(product(values, values))};
 }
 
 }  // namespace inference

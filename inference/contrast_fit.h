@@ -14,8 +14,8 @@ struct ContrastFit {
   double length;  // of the values without the nuisances' part
 };
 
-// values: per row of the model; those that the split leaves out become 0, the others lose the nuisances' part.
-// Nothing when they do not vary about the model.
+// values: per row of the model; those that the split leaves out become 0, the others lose the nuisances'
+// part. Nothing when they do not vary about the model.
 [[nodiscard]] std::optional<ContrastFit> fitContrast(const ContrastSplit& split, std::vector<double>& values);
 
 }  // namespace inference

@@ -33,7 +33,7 @@ void Correlations::alongEffect(const LaneSpan& span, std::size_t begin, std::siz
 void Correlations::alongNuisances(const LaneSpan& span, std::size_t begin, std::size_t end, float* squares,
                                   std::size_t stride) {
   const std::size_t length = (end - begin) * kLanes;
-  for (std::size_t k = 1; k <= places_.splits[span.split].moving; ++k) {
+  for (std::size_t k = 1; k <= weights_.moving(span.split); ++k) {
     along(span, k, begin, end, part_.data(), kStride);
     for (std::size_t s = 0; s < weights_.shuffles(); ++s)
       addSquares(part_.data() + s * kStride, length, squares + s * stride);
@@ -43,7 +43,7 @@ void Correlations::alongNuisances(const LaneSpan& span, std::size_t begin, std::
 void Correlations::correlate(const LaneSpan& span, std::size_t begin, std::size_t end, float* out,
                              std::size_t stride) {
   alongEffect(span, begin, end, out, stride);
-  if (places_.splits[span.split].moving == 0) return;
+  if (weights_.moving(span.split) == 0) return;
   std::fill(squares_.begin(), squares_.end(), 0.0F);
   alongNuisances(span, begin, end, squares_.data(), kStride);
   for (std::size_t s = 0; s < weights_.shuffles(); ++s)

@@ -13,7 +13,9 @@ constexpr std::uint32_t kLargest = 0x7fffffffU;  // above the bits of every posi
 
 }  // namespace
 
-float valueOf(const DescendingOrder::Entry& entry) { return std::bit_cast<float>(kLargest - entry.key); }
+float valueOf(const DescendingOrder::Entry& entry) {
+  return std::bit_cast<float>(kLargest - entry.key);
+}
 
 void DescendingOrder::collect(std::span<const float> values, int sign) {
   entries_.resize(values.size());
@@ -37,7 +39,8 @@ void DescendingOrder::pass(int shift) {
     begin = sum;
     sum += here;
   }
-  for (std::size_t i = 0; i < count_; ++i) sorted_[begins[(entries_[i].key >> shift) & kDigit]++] = entries_[i];
+  for (std::size_t i = 0; i < count_; ++i)
+    sorted_[begins[(entries_[i].key >> shift) & kDigit]++] = entries_[i];
   entries_.swap(sorted_);
 }
 

@@ -17,7 +17,8 @@ class DescendingOrder {
     std::int32_t place;
   };
 
-  // Of `sign` (1 or -1) times the values those above 0; equal ones by ascending place. Valid until the next call.
+  // Of `sign` (1 or -1) times the values those above 0; equal ones by ascending place. Valid until the next
+  // call.
   [[nodiscard]] std::span<const Entry> of(std::span<const float> values, int sign);
 
  private:

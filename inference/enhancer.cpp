@@ -7,7 +7,8 @@ namespace inference {
 
 namespace {
 
-constexpr double kHighest = 40;  // no Z is above (t_distribution.h); a pseudo-t beyond it gains nothing by steps
+constexpr double kHighest =
+    40;  // no Z is above (t_distribution.h); a pseudo-t beyond it gains nothing by steps
 
 }  // namespace
 
@@ -17,7 +18,8 @@ Enhancer::Enhancer(const Space& space, const Enhancement& enhancement)
     extents_.push_back(static_cast<float>(std::pow(static_cast<double>(extent), enhancement.extentPower)));
   double sum = 0;
   for (int k = 0; enhancement.step > 0 && k * enhancement.step <= kHighest; ++k)
-    sums_.push_back(static_cast<float>(sum += k == 0 ? 0 : std::pow(k * enhancement.step, enhancement.heightPower)));
+    sums_.push_back(
+        static_cast<float>(sum += k == 0 ? 0 : std::pow(k * enhancement.step, enhancement.heightPower)));
 }
 
 float Enhancer::upTo(float height) const {
@@ -30,7 +32,8 @@ float Enhancer::upTo(float height) const {
   return std::pow(height, power) / power;
 }
 
-// From the lowest node up: a node has what its parent has, and what its own component adds between both heights.
+// From the lowest node up: a node has what its parent has, and what its own component adds between both
+// heights.
 void Enhancer::enhanceSide(std::span<const float> z, int sign) {
   order_ = sorter_.of(z, sign);
   tree_.grow(order_);

@@ -26,7 +26,9 @@ class Enhancer {
   void enhanceSide(std::span<const float> z, int sign);
   // The integral, or the sum, of height^heightPower up to a height.
   [[nodiscard]] float upTo(float height) const;
-  [[nodiscard]] float ofExtent(std::int32_t extent) const { return extents_[static_cast<std::size_t>(extent)]; }
+  [[nodiscard]] float ofExtent(std::int32_t extent) const {
+    return extents_[static_cast<std::size_t>(extent)];
+  }
 
   Enhancement enhancement_;
   std::vector<float> extents_;  // to their power, by extent

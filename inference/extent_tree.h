@@ -11,8 +11,8 @@
 
 namespace inference {
 
-// Node i is the i-th place in descending order. Its component is all that is connected to it at its own height;
-// its parent is the node whose coming makes that component larger.
+// Node i is the i-th place in descending order. Its component is all that is connected to it at its own
+// height; its parent is the node whose coming makes that component larger.
 class ExtentTree {
  public:
   // Keeps a reference to `space`, whose places touch at least one another.
@@ -25,6 +25,7 @@ class ExtentTree {
   [[nodiscard]] std::int32_t extent(std::size_t node) const { return extents_[node]; }  // places
 
  private:
+  void fetchAhead(std::span<const DescendingOrder::Entry> order, std::size_t i) const;
   [[nodiscard]] std::int32_t rootOf(std::int32_t place);
   // Unites the set of `root`, which node `node` is in, with that of another place; returns the new root.
   std::int32_t unite(std::int32_t root, std::int32_t other, std::int32_t node);

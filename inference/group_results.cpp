@@ -69,8 +69,8 @@ void setMaps(const Tested& tested, TestResult& result) {
 
 void setEnhanced(const Tested& tested, TestResult& result) {
   const auto& enhanced = tested.observed.enhanced;
-  result.nullEnhanced = nullOfMaxima(tested.swept.enhanced, largestCounted(tested, enhanced),
-                                     isTailSmooth(tested));
+  result.nullEnhanced =
+      nullOfMaxima(tested.swept.enhanced, largestCounted(tested, enhanced), isTailSmooth(tested));
   result.enhanced = mapOf(tested, [&](std::size_t slot) { return enhanced[slot]; });
   result.pEnhanced = pByMaximaOf(tested, result.nullEnhanced, enhanced);
 }
@@ -103,7 +103,8 @@ TestResult groupResult(const Tested& tested) {
                                                          tested.places.placeOfSlot.end(),
                                                          [](int place) { return place >= 0; }));
   result.freedom = static_cast<int>(tested.model.rows() - tested.model.contrast.size());
-  result.nullZ = nullOfMaxima(tested.swept.z, largestCounted(tested, tested.observed.z), isTailSmooth(tested));
+  result.nullZ =
+      nullOfMaxima(tested.swept.z, largestCounted(tested, tested.observed.z), isTailSmooth(tested));
   setMaps(tested, result);
   if (tested.options.enhance) setEnhanced(tested, result);
   if (tested.options.clusterFormingZ > 0) setClusters(tested, result);

@@ -1,34 +1,20 @@
 #include "inference/influence.h"
 
 #include <cmath>
-#include <map>
 #include <optional>
 #include <set>
 #include <stdexcept>
 
 #include "inference/contrast_fit.h"
 #include "inference/contrast_split.h"
+#include "inference/split_cache.h"
 
 namespace inference {
 
 namespace {
 
-// Models of the rows that are left, each split once.
-class Splits {
- public:
-  explicit Splits(const Model& model) : model_(model) {}
-  const std::optional<ContrastSplit>& of(const std::vector<int>& rows) {
-    const auto [at, isNew] = splits_.try_emplace(rows);
-    if (isNew) at->second = splitContrast(model_, rows, {});
-    return at->second;
-  }
-
- private:
-  const Model& model_;
-  std::map<std::vector<int>, std::optional<ContrastSplit>> splits_;
-};
-
-WithoutOne fitWithout(int unit, const std::vector<int>& units, std::vector<double> values, Splits& splits) {
+WithoutOne fitWithout(int unit, const std::vector<int>& units, std::vector<double> values,
+                      SplitCache& splits) {
   std::vector<int> rows;
   for (std::size_t row = 0; row < values.size(); ++row)
     if (units[row] != unit && std::isfinite(values[row])) rows.push_back(static_cast<int>(row));
@@ -39,9 +25,11 @@ WithoutOne fitWithout(int unit, const std::vector<int>& units, std::vector<doubl
 }
 
 std::vector<double> valuesAt(const Values& values, std::size_t place) {
-  if (place >= values.places) throw std::invalid_argument("There is no such place to leave participants out of.");
+  if (place >= values.places)
+    throw std::invalid_argument("There is no such place to leave participants out of.");
   std::vector<double> own;
-  for (std::size_t row = 0; row < values.rows; ++row) own.push_back(static_cast<double>(values.of(row, place)));
+  for (std::size_t row = 0; row < values.rows; ++row)
+    own.push_back(static_cast<double>(values.of(row, place)));
   return own;
 }
 
@@ -53,7 +41,7 @@ std::vector<std::vector<WithoutOne>> leaveOneOut(const Model& model, const Value
   const std::vector<int> own = units.empty() ? allRows(values.rows) : units;
   if (model.rows() != values.rows || own.size() != values.rows)
     throw std::invalid_argument("A model, its maps and their participants have as many rows as one another.");
-  Splits splits(model);
+  SplitCache splits(model);
   std::vector<std::vector<WithoutOne>> result;
   for (const int unit : std::set<int>(own.begin(), own.end())) {
     result.emplace_back();

@@ -16,7 +16,9 @@ namespace {
 // Sums of floats in another order differ by less: of correlations, and relative to a pseudo-t.
 constexpr double kRounding = 2e-6, kPseudoRounding = 1e-5;
 
-double counted(double value, const TestOptions& options) { return options.twoSided ? std::abs(value) : value; }
+double counted(double value, const TestOptions& options) {
+  return options.twoSided ? std::abs(value) : value;
+}
 
 template <typename Use>
 void forEachSlot(const TestedPlaces& places, Use use) {
@@ -34,7 +36,8 @@ void setPlain(const TestedPlaces& places, const TestOptions& options, Observed& 
   });
 }
 
-void setSmoothed(const TestedPlaces& places, const Space& slots, const TestOptions& options, Observed& observed) {
+void setSmoothed(const TestedPlaces& places, const Space& slots, const TestOptions& options,
+                 Observed& observed) {
   forEachSlot(places, [&](std::size_t slot, int freedom) {
     observed.z[slot] = static_cast<float>(correlationOfT(places.t[slot], freedom));
   });
@@ -60,7 +63,8 @@ Observed observe(const TestedPlaces& places, const Space& slots, const TestOptio
   } else {
     setPlain(places, options, observed);
   }
-  if (options.enhance) observed.enhanced = Enhancer(slots, options.enhancement).enhance(observed.z, options.twoSided);
+  if (options.enhance)
+    observed.enhanced = Enhancer(slots, options.enhancement).enhance(observed.z, options.twoSided);
   if (options.clusterFormingZ > 0)
     observed.clusters = ClusterFinder(slots, options.clusterFormingZ).find(observed.z, options.twoSided);
   return observed;

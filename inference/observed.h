@@ -14,11 +14,11 @@ namespace inference {
 
 // Per slot; empty slots have 0 and a bound that nothing reaches.
 struct Observed {
-  std::vector<double> t;           // with smoothed variances: their pseudo-t
-  LaneFloats z;                    // of pseudo-t: itself
-  LaneFloats bounds;               // what a shuffle's correlation or pseudo-t must reach to count, rounding forgiven
-  std::vector<float> enhanced;     // empty unless asked for
-  std::vector<Cluster> clusters;   // of slots; none unless asked for
+  std::vector<double> t;  // with smoothed variances: their pseudo-t
+  LaneFloats z;           // of pseudo-t: itself
+  LaneFloats bounds;      // what a shuffle's correlation or pseudo-t must reach to count, rounding forgiven
+  std::vector<float> enhanced;    // empty unless asked for
+  std::vector<Cluster> clusters;  // of slots; none unless asked for
 };
 
 [[nodiscard]] Observed observe(const TestedPlaces& places, const Space& slots, const TestOptions& options);

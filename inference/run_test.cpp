@@ -53,7 +53,7 @@ TestResult runTest(const Model& model, const Values& values, const Space& space,
                     100 * options.smallestShare));
   const Space slots = renumbered(space, places.placeOfSlot);
   const Observed observed = observe(places, slots, options);
-  const Swept swept = sweep({places, shuffles, slots, options, observed});
+  const Swept swept = sweep({model, places, shuffles, slots, options, observed});
   return groupResult({model, values, places, shuffles, options, observed, swept});
 }
 

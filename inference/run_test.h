@@ -15,7 +15,7 @@ namespace inference {
 //
 // A place is tested when enough rows have a finite value there, the contrast can be estimated from them with
 // at least one degree of freedom left, a shuffle can change them, and they vary. Rows without a value are
-// left out of a place's model; a permutation that leads there goes on to where it leads from there.
+// left out of a place's model, and permutations take the lack along (shuffle_weights.h).
 //
 // Throws std::invalid_argument, saying what to do, when the model cannot be tested (checkModel), sizes
 // differ, an option is out of its range, no shuffle changes anything, or no place can be tested.

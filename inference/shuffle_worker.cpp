@@ -23,10 +23,13 @@ std::vector<Shuffle> someShuffles(const Shuffles& all, std::size_t first, std::s
 
 }  // namespace
 
-std::size_t ShuffleWorker::batch(const TestOptions& options) { return wantsMaps(options) ? 8 : 32; }
+std::size_t ShuffleWorker::batch(const TestOptions& options) {
+  return wantsMaps(options) ? 8 : 32;
+}
 
 ShuffleWorker::ShuffleWorker(const SweepSetting& setting)
     : setting_(setting),
+      models_(setting.model, fixedBlocksOf(setting.options, setting.model.rows())),
       stride_(wantsMaps(setting.options) ? setting.places.slots() : kPieceStride),
       reached_(setting.places.slots(), 0) {
   const TestOptions& options = setting.options;
@@ -52,7 +55,8 @@ void ShuffleWorker::classifyFreedoms() {
 }
 
 void ShuffleWorker::run(std::size_t first, std::size_t count, Swept& swept) {
-  const ShuffleWeights weights(setting_.places.splits, someShuffles(setting_.shuffles, first, count));
+  const ShuffleWeights weights(setting_.places.splits, someShuffles(setting_.shuffles, first, count),
+                               models_);
   Correlations correlations(setting_.places, weights);
   largest_.assign(count * freedoms_.size() * kLanes, 0.0F);
   runMaps(correlations, count);

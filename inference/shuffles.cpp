@@ -138,27 +138,16 @@ Shuffle Shuffles::permutation(std::size_t index) const {
   return shuffle;
 }
 
-// Which of equal rows takes which place is drawn: it matters where rows are missing (amongRows).
 Shuffle Shuffles::arrangement(std::size_t index) const {
   Shuffle shuffle{allUnits(rows_, true), std::vector<int>(rows_, 1)};
   if (index == 0) return shuffle;
-  Draws draws(seed_, index);
   auto sources = membersOf(arrangements_[index]);
-  for (auto& own : sources) draws.shuffle(own);
   for (std::size_t row = 0; row < rows_; ++row) {
     auto& own = sources[static_cast<std::size_t>(classOf_[row])];
     shuffle.from[row] = own.back();
     own.pop_back();
   }
   return shuffle;
-}
-
-std::vector<int> amongRows(const std::vector<int>& from, const std::vector<bool>& isThere) {
-  std::vector<int> result = from;
-  for (std::size_t row = 0; row < from.size(); ++row)
-    while (isThere[row] && !isThere[static_cast<std::size_t>(result[row])])
-      result[row] = from[static_cast<std::size_t>(result[row])];
-  return result;
 }
 
 }  // namespace inference

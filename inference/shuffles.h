@@ -51,11 +51,6 @@ class Shuffles {
   bool isExhaustive_ = false;
 };
 
-// The permutation of the rows that `isThere`, made of one of all: a row whose source is missing takes that
-// one's source, and so on. Uniform when `from` is (the first return of a permutation); others keep their
-// `from`, which means nothing.
-[[nodiscard]] std::vector<int> amongRows(const std::vector<int>& from, const std::vector<bool>& isThere);
-
 }  // namespace inference
 
 #endif

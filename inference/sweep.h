@@ -21,6 +21,7 @@ struct Swept {
 };
 
 struct SweepSetting {
+  const Model& model;
   const TestedPlaces& places;
   const Shuffles& shuffles;
   const Space& slots;  // as renumbered to the slots of the places

@@ -8,18 +8,22 @@
 
 namespace inference {
 
-// Skewness of the residuals over rows, at all places taken together.
+// Skewness of the residuals over rows, averaged over the whole map and over regions of it.
 struct Symmetry {
-  double meanSkewness = 0;    // over places; 0 is symmetric
-  double meanSquare = 0;      // of the places' skewness: large where sides differ between regions
-  double nullMeanSquare = 0;  // what sign flips of the residuals give, on average
-  double p = 1;               // of the more striking of the two, counted twice
-  [[nodiscard]] bool isDoubtful() const { return p <= 0.01; }
+  double meanSkewness = 0;  // over all places; 0 is symmetric
+  double regionalSkewness =
+      0;                // root mean square of the regions' means: large where sides differ between them
+  double expected = 0;  // the same, as sign flips of the residuals give it
+  double p = 1;         // of regionalSkewness, by these flips
+  [[nodiscard]] bool isDoubtful() const { return p <= 0.02; }
 };
 
-// Compares both means with those of sign flips of whole rows of residuals, so that places keep what they
-// share. Uses at most 5,000 places, evenly taken, of those where all rows have a value and vary. Random
-// numbers follow from the seed alone.
+// Compares regional skewness with that of sign flips of whole rows of residuals, so that places keep what
+// they share. Averages come first because the skewness of single places is no fair witness: least squares
+// leave an outlier and its flip unlike traces in the other residuals, which changes squares, not means.
+// Regions are ten runs of places of equal number, in their order (slabs of a brain). Uses at most 5,000
+// places, evenly taken, of those where all rows have a value and vary. Random numbers follow from the seed
+// alone.
 [[nodiscard]] Symmetry checkSymmetry(const Model& model, const Values& values, std::uint32_t seed);
 
 }  // namespace inference

@@ -8,14 +8,15 @@
 namespace inference {
 
 // A generalized Pareto distribution above a quarter of the values, by its moments (Knijnenburg et al. 2009,
-// doi:10.1093/bioinformatics/btp211; Winkler et al. 2016, NeuroImage 141, doi:10.1016/j.neuroimage.2016.05.068).
+// doi:10.1093/bioinformatics/btp211; Winkler et al. 2016, NeuroImage 141,
+// doi:10.1016/j.neuroimage.2016.05.068).
 struct ParetoTail {
-  double begin;   // the tail is above it
-  double share;   // of the values that are
+  double begin;  // the tail is above it
+  double share;  // of the values that are
   double shape, scale;
   double leastP;  // a hundredth of what one value among all counts for: below that nothing is claimed
 
-  [[nodiscard]] double p(double value) const;  // of values above `begin`
+  [[nodiscard]] double p(double value) const;    // of values above `begin`
   [[nodiscard]] double valueAt(double p) const;  // p at most `share` and at least leastP
 };
 

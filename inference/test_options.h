@@ -23,7 +23,8 @@ struct Enhancement {
 // How the tail of a null of maxima is read.
 enum class Tail {
   kCounted,  // counts of shuffles alone
-  kSmooth,   // a fitted distribution when fewer than kFewShuffles were drawn (not when all are listed), see tail.h
+  kSmooth,   // a fitted distribution when fewer than kFewShuffles were drawn (not when all are listed), see
+             // tail.h
 };
 
 inline constexpr int kFewShuffles = 1000;

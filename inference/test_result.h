@@ -23,7 +23,7 @@ struct Cluster {
 
 // A statistic's null: the maximum of every shuffle, the data as they are among them.
 struct NullMaxima {
-  std::vector<float> sorted;  // ascending; empty when the statistic was not asked for
+  std::vector<float> sorted;       // ascending; empty when the statistic was not asked for
   std::optional<ParetoTail> tail;  // when it is used: p of values above its begin come from it
 };
 

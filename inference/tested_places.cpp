@@ -32,8 +32,7 @@ class Collector {
  public:
   Collector(const Model& model, const Values& values, const TestOptions& options)
       : model_(model), values_(values), options_(options), own_(values.rows) {
-    if (options.exchange == Exchange::kPermutations)
-      fixed_ = options.blocks.empty() ? std::vector<int>(model.rows(), 0) : options.blocks;
+    fixed_ = fixedBlocksOf(options, model.rows());
   }
 
   void add(const PlaceGroup& group) {
@@ -84,6 +83,11 @@ class Collector {
 };
 
 }  // namespace
+
+std::vector<int> fixedBlocksOf(const TestOptions& options, std::size_t rows) {
+  if (options.exchange == Exchange::kSignFlips) return {};
+  return options.blocks.empty() ? std::vector<int>(rows, 0) : options.blocks;
+}
 
 TestedPlaces testedPlaces(const Model& model, const Values& values, const TestOptions& options) {
   Collector collector(model, values, options);

@@ -36,6 +36,9 @@ struct TestedPlaces {
   [[nodiscard]] std::size_t rows() const { return splits.empty() ? 0 : splits[0].effect.size(); }
 };
 
+// The blocks within which rows are permuted, per row; empty for sign flips.
+[[nodiscard]] std::vector<int> fixedBlocksOf(const TestOptions& options, std::size_t rows);
+
 // As runTest says which are tested; smallestShare, exchange and blocks count. May find none.
 [[nodiscard]] TestedPlaces testedPlaces(const Model& model, const Values& values, const TestOptions& options);
 

@@ -65,7 +65,8 @@ void VarianceSmoother::layOut(const Space& space) {
     if (voxel < space.grid.voxels()) {
       const auto at = space.grid.voxelAt(voxel);
       cell = 0;
-      for (std::size_t i = 0; i < 3; ++i) cell += static_cast<std::size_t>(at[i] - box.from[i]) * axes_[i].step;
+      for (std::size_t i = 0; i < 3; ++i)
+        cell += static_cast<std::size_t>(at[i] - box.from[i]) * axes_[i].step;
     }
     cells_.push_back(cell);
   }

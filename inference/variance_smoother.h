@@ -10,8 +10,9 @@
 
 namespace inference {
 
-// A Gaussian of a full width at half maximum in mm along each axis of the grid, cut off at 3 standard deviations;
-// places without a slot count for nothing: the weights of the others sum to 1. One thread at a time; keeps its memory.
+// A Gaussian of a full width at half maximum in mm along each axis of the grid, cut off at 3 standard
+// deviations; places without a slot count for nothing: the weights of the others sum to 1. One thread at a
+// time; keeps its memory.
 class VarianceSmoother {
  public:
   // Of a space of voxels (renumbered to slots or not).

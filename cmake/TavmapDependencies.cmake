@@ -12,6 +12,8 @@ pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
 pkg_check_modules(LIBEDIT REQUIRED IMPORTED_TARGET libedit)
 pkg_check_modules(NETTLE REQUIRED IMPORTED_TARGET nettle)
 pkg_check_modules(FFTW REQUIRED IMPORTED_TARGET fftw3)
+pkg_check_modules(OPENBLAS REQUIRED IMPORTED_TARGET openblas)
+find_package(Threads REQUIRED)
 pkg_check_modules(ISAL IMPORTED_TARGET libisal)
 
 # The NIFTI package's own CMake file points at a library that Debian does not ship.

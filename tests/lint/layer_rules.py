@@ -16,6 +16,7 @@ ARROWS = {
     "direction": {"simo"},
     "inference": {"simo", "io"},
     "suitability": {"simo", "direction"},
+    "connectome": {"simo"},
     "inspect": {"io", "formats", "render"},
     "request": {"tav"},
     "bids": {"request"},

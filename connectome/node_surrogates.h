@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "connectome/node_series.h"
@@ -21,15 +22,20 @@ class NodeSurrogates {
 
   // Takes the models of a node. False when a run's series has none; there are no surrogates then.
   [[nodiscard]] bool begin(std::size_t node);
-  // Per run, the values of all volumes, until the next call.
+  // Per run, the values of all volumes, until the next call. Several are made at once: in ascending order they
+  // cost least.
   [[nodiscard]] const std::vector<const float*>& draw(std::size_t index);
 
  private:
+  static constexpr std::size_t kTogether = simo::ResidualSurrogates::kTogether;
+  void drawBlock(std::size_t block);
+
   const NodeSeries& series_;
-  std::vector<std::vector<unsigned>> seeds_;  // per run and draw
+  std::vector<std::vector<unsigned>> seeds_;  // per run and draw, of whole blocks
   std::vector<Treatment> treatments_;         // per run
   std::vector<simo::ResidualSurrogates> models_;
-  std::vector<std::vector<float>> drawn_;  // per run
+  std::vector<std::vector<float>> drawn_;  // per run, a block one behind the other
+  std::optional<std::size_t> block_;       // that is drawn
   std::vector<const float*> course_;
 };
 

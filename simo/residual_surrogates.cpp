@@ -50,11 +50,6 @@ void markFollowers(std::vector<bool>::const_iterator spikes, const Stretch& stre
   }
 }
 
-// Bit 20 of a number: its lowest bits are the generator's weakest.
-double signFrom(int number) {
-  return (number >> 20 & 1) != 0 ? 1.0 : -1.0;
-}
-
 }  // namespace
 
 ResidualSurrogates::ResidualSurrogates(std::span<const float> series, const std::vector<Stretch>& stretches)
@@ -86,6 +81,10 @@ void ResidualSurrogates::keepResiduals(const std::vector<Stretch>& stretches) {
 
 bool ResidualSurrogates::isDefined() const {
   return std::isfinite(model_.errorVariance) && model_.errorVariance > 0;
+}
+
+double ResidualSurrogates::signFrom(int number) {
+  return (number >> 20 & 1) != 0 ? 1.0 : -1.0;
 }
 
 double ResidualSurrogates::resampled(RandomStream& random) const {

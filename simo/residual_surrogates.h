@@ -2,6 +2,7 @@
 #ifndef TAVMAP_SIMO_RESIDUAL_SURROGATES_H
 #define TAVMAP_SIMO_RESIDUAL_SURROGATES_H
 
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -40,8 +41,16 @@ class ResidualSurrogates {
   // after the first call.
   void draw(RandomStream& random, std::span<float> surrogate);
 
+  static constexpr std::size_t kTogether = 8;
+  // As many surrogates, one behind the other, each the very one that draw() makes of its stream, in a third
+  // of the time.
+  void drawTogether(std::span<RandomStream, kTogether> random, std::span<float> surrogates);
+
  private:
   void keepResiduals(const std::vector<Stretch>& stretches);
+  void simulateTogether(std::span<RandomStream, kTogether> random);
+  // Bit 20 of a number: its lowest bits are the generator's weakest.
+  [[nodiscard]] static double signFrom(int number);
   [[nodiscard]] double resampled(RandomStream& random) const;
 
   BurgModel model_;
@@ -49,6 +58,7 @@ class ResidualSurrogates {
   std::vector<bool> known_;          // whether it lies in a stretch
   std::vector<bool> follows_;        // whether it shares the sign of the value before it
   std::vector<double> simulated_;    // warm-up and series
+  std::vector<Abreast> together_;    // the same of many surrogates
   SlowWaves waves_;
   std::vector<double> amplitudes_;  // of the series' slow waves
 };

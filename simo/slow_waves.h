@@ -2,11 +2,15 @@
 #ifndef TAVMAP_SIMO_SLOW_WAVES_H
 #define TAVMAP_SIMO_SLOW_WAVES_H
 
+#include <array>
 #include <cstddef>
 #include <span>
 #include <vector>
 
 namespace simo {
+
+// A value of several series.
+using Abreast = std::array<double, 8>;
 
 // Sines and cosines of 1 ... count cycles over all values of a series.
 class SlowWaves {
@@ -21,6 +25,8 @@ class SlowWaves {
   // Gives each wave of the series the amplitude, `count` of them, and leaves its phase: adds waves to the
   // known values. A wave that the series has not at all stays away. Allocates nothing.
   void scaleTo(std::span<const double> amplitudes, std::span<double> series) const;
+  // The same of several series at once, with the same results.
+  void scaleTo(std::span<const double> amplitudes, std::span<Abreast> series) const;
 
  private:
   struct Wave {
@@ -28,6 +34,7 @@ class SlowWaves {
     [[nodiscard]] double amplitude() const;
   };
   [[nodiscard]] Wave waveOf(std::size_t k, std::span<const double> series) const;
+  [[nodiscard]] std::array<Wave, 8> wavesOf(std::size_t k, std::span<const Abreast> series) const;
 
   std::vector<std::vector<double>> cosines_, sines_;  // per wave: at every value of the series
   std::vector<double> weights_;                       // 2 / known values where known, else 0

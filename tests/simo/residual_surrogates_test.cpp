@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -173,6 +174,23 @@ TEST(ResidualSurrogates, AreNotDefinedWithoutVarianceOrWithMissingValues) {
   Series x = smoothNoise(50, 7);
   x[20] = NAN;
   EXPECT_FALSE(simo::ResidualSurrogates(x, {{0, 50}}).isDefined());
+}
+
+TEST(ResidualSurrogates, SeveralTogetherAreThoseOfTheirStreams) {
+  Series x = smoothNoise(300, 4);
+  x[40] += 60;  // a spike, and a gap that begins with another
+  x[150] += 80;
+  simo::ResidualSurrogates maker(x, {{0, 150}, {157, 300}});
+  std::array<simo::RandomStream, simo::ResidualSurrogates::kTogether> streams;
+  for (unsigned i = 0; i < streams.size(); ++i) streams[i].seed(17 * i + 1);
+  Series together(streams.size() * 300), alone(300);
+  maker.drawTogether(streams, together);
+  for (unsigned i = 0; i < streams.size(); ++i) {
+    simo::RandomStream random(17 * i + 1);
+    maker.draw(random, alone);
+    EXPECT_EQ(alone, Series(together.begin() + i * 300, together.begin() + (i + 1) * 300)) << i;
+    EXPECT_EQ(random.next(), streams[i].next());
+  }
 }
 
 TEST(ResidualSurrogates, TheSameStreamGivesTheSameSurrogates) {

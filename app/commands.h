@@ -8,6 +8,7 @@
 namespace app {
 
 void addBidsCommand(CLI::App& program);
+void addConnectomeCommand(CLI::App& program);
 void addConvertCommand(CLI::App& program);
 void addExportCommand(CLI::App& program);
 void addGroupCommand(CLI::App& program);

@@ -40,6 +40,7 @@ int run(int argc, char** argv) {
   app::addBidsCommand(program);
   app::addGroupCommand(program);
   app::addPlanCommand(program);
+  app::addConnectomeCommand(program);
   app::addOrderCommand(program);
   app::addConvertCommand(program);
   app::addInfoCommand(program);

@@ -110,6 +110,7 @@ void requireAnatomy(const std::filesystem::path& file) {
 Request groupRequest(const BidsGroup& group, const BidsOptions& options, Request request) {
   request.title = group.entities();
   request.settings = options.configuration.settings;
+  request.connectome = options.configuration.connectome;
   request.seed = options.configuration.seed;
   request.output.prefix = group.entities();
   request.output.folder = options.outDir / group.folder();

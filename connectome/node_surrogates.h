@@ -22,8 +22,8 @@ class NodeSurrogates {
 
   // Takes the models of a node. False when a run's series has none; there are no surrogates then.
   [[nodiscard]] bool begin(std::size_t node);
-  // Per run, the values of all volumes, until the next call. Several are made at once: in ascending order they
-  // cost least.
+  // Per run, the values of all volumes, until the next call. Several are made at once: in ascending order
+  // they cost least.
   [[nodiscard]] const std::vector<const float*>& draw(std::size_t index);
 
  private:

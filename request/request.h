@@ -111,6 +111,15 @@ struct Settings {
   bool operator==(const Settings&) const = default;
 };
 
+// Of connectomes alone ([connectome]); maps do not depend on it.
+struct ConnectomeSettings {
+  int surrogates = 1000;                 // per region
+  std::vector<std::string> conditionOn;  // kGlobalSignal, names of references, or kAllOthers by itself
+  bool operator==(const ConnectomeSettings&) const = default;
+};
+inline constexpr const char* kGlobalSignal = "global signal";
+inline constexpr const char* kAllOthers = "all others";
+
 struct OutputRequest {
   std::filesystem::path folder;
   std::filesystem::path workFolder;  // empty: "work" inside the folder
@@ -122,6 +131,7 @@ struct Request {
   std::string title;  // how messages name it: the request file, or a participant
   OutputRequest output;
   Settings settings;
+  ConnectomeSettings connectome;
   std::optional<std::uint32_t> seed;  // unset: one is drawn and stored
   std::vector<RunRequest> runs;
   std::vector<ReferenceRequest> references;

@@ -22,6 +22,10 @@ folder = "results"            # where results go
 )";
 
 constexpr const char* kBehindSettings = R"(
+#[connectome]                 # of `tavmap connectome` alone
+#surrogates = 1000            # per region, 100 to 10000
+#condition_on = ["global signal"] # or names of references; "all others" for every other reference
+
 [[run]]                       # one block per run; several runs are pooled, never stitched together
 name = "run1"
 bold = "bold_small.nii.gz"    # 4-D NIfTI

@@ -18,8 +18,9 @@ namespace study {
 namespace {
 
 // "title" and "datasets" are written by request_text.cpp alone.
-const std::vector<std::string> kTopKeys = {"prefix",  "folder",    "work_folder", "seed",  "settings", "run",
-                                           "anatomy", "reference", "condition",   "title", "datasets"};
+const std::vector<std::string> kTopKeys = {"prefix",    "folder", "work_folder", "seed",
+                                           "settings",  "run",    "anatomy",     "reference",
+                                           "condition", "title",  "datasets",    "connectome"};
 
 std::string contents(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
@@ -157,6 +158,8 @@ Request parseRequest(std::string_view text, const std::string& name, const std::
   request.anatomy = existingFile(top, "anatomy", place);
   const toml::table* settings = top.subtable("settings");
   if (settings != nullptr) request.settings = parseSettings(*settings, name);
+  if (const toml::table* connectome = top.subtable("connectome"))
+    request.connectome = parseConnectome(*connectome, name);
   readRuns(top, root, place, request);
   for (const toml::table* node : tablesOf(top, root, "reference")) {
     request.references.push_back(parseReference(*node, place));
@@ -170,12 +173,14 @@ RequestTemplate parseRequestTemplate(std::string_view text, const std::string& n
                                      const std::filesystem::path& folder) {
   const toml::table root = parseToml(text, name);
   const TomlTable top(root, name, "the configuration",
-                      {"seed", "settings", "preparation", "reference", "condition"});
+                      {"seed", "settings", "connectome", "preparation", "reference", "condition"});
   const RequestPlace place{name, folder};
   RequestTemplate result;
   if (top.has("seed")) result.seed = readSeed(top);
   if (const toml::table* settings = top.subtable("settings"))
     result.settings = parseSettings(*settings, name);
+  if (const toml::table* connectome = top.subtable("connectome"))
+    result.connectome = parseConnectome(*connectome, name);
   if (const toml::table* preparation = top.subtable("preparation")) {
     result.preparation = parsePreparation(*preparation, name);
   }

@@ -21,11 +21,12 @@ namespace study {
 [[nodiscard]] Request parseRequest(std::string_view text, const std::string& name,
                                    const std::filesystem::path& folder);
 
-// A request without runs, for the BIDS command line, which finds them itself: [settings],
+// A request without runs, for the BIDS command line, which finds them itself: [settings], [connectome],
 // [[reference]], [[condition]] (for every run), and [preparation] with the keys of [[run]] that say
 // how runs are prepared.
 struct RequestTemplate {
   Settings settings;
+  ConnectomeSettings connectome;
   std::optional<std::uint32_t> seed;
   RunRequest preparation;  // without files
   std::vector<ReferenceRequest> references;

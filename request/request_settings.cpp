@@ -113,6 +113,21 @@ void settleMethod(const TomlTable& table, Settings& settings) {
 
 }  // namespace
 
+ConnectomeSettings parseConnectome(const toml::table& node, const std::string& file) {
+  constexpr int kFewest = 100, kMost = 10000;
+  const TomlTable table(node, file, "[connectome]", {"surrogates", "condition_on"});
+  ConnectomeSettings settings;
+  settings.surrogates = table.integer("surrogates", settings.surrogates, kFewest, kMost);
+  if (table.has("condition_on")) settings.conditionOn = table.texts("condition_on");
+  for (const std::string& name : settings.conditionOn) {
+    if (name.empty())
+      table.fail("condition_on", "has an empty name; write \"global signal\" or names of references");
+    if (name == kAllOthers && settings.conditionOn.size() > 1)
+      table.fail("condition_on", "names \"all others\" and more; all others contain every reference");
+  }
+  return settings;
+}
+
 Settings parseSettings(const toml::table& node, const std::string& file) {
   const TomlTable table(node, file, "[settings]", knownKeys());
   Settings settings;

@@ -57,6 +57,14 @@ void putSettings(const Settings& settings, Lines& lines) {
   }
 }
 
+// What says nothing new has no table, so that requests without one keep their bytes.
+void putConnectome(const ConnectomeSettings& settings, Lines& lines) {
+  if (settings == ConnectomeSettings()) return;
+  lines.table("[connectome]");
+  lines.integer("surrogates", settings.surrogates);
+  lines.texts("condition_on", settings.conditionOn);
+}
+
 void putRun(const RunRequest& run, Lines& lines) {
   lines.table("[[run]]");
   lines.text("name", run.name);
@@ -145,6 +153,7 @@ std::string requestText(const Request& request) {
   putHead(request, lines);
   putDatasets(request, lines);
   putSettings(request.settings, lines);
+  putConnectome(request.connectome, lines);
   for (const RunRequest& run : request.runs) putRun(run, lines);
   for (const ReferenceRequest& reference : request.references) putReference(reference, lines);
   for (const ConditionRequest& condition : request.conditions) putCondition(condition, lines);

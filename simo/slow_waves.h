@@ -34,7 +34,8 @@ class SlowWaves {
     [[nodiscard]] double amplitude() const;
   };
   [[nodiscard]] Wave waveOf(std::size_t k, std::span<const double> series) const;
-  [[nodiscard]] std::array<Wave, 8> wavesOf(std::size_t k, std::span<const Abreast> series) const;
+  struct WavesAbreast;
+  [[nodiscard]] WavesAbreast changed(const WavesAbreast& by, std::size_t k, std::span<Abreast> series) const;
 
   std::vector<std::vector<double>> cosines_, sines_;  // per wave: at every value of the series
   std::vector<double> weights_;                       // 2 / known values where known, else 0

@@ -49,14 +49,14 @@ double RequestRun::workOfReferences() const {
   const double perReference = static_cast<double>(plan_.runs.size()) *
                               (1 + 0.2 * static_cast<double>(settings.nullDraws + settings.fweDraws)) *
                               static_cast<double>(plan_.request.conditions.size());
-  return options_.ordersOnly ? 0 : perReference * static_cast<double>(plan_.regions.size());
+  return !options_.computesMaps() ? 0 : perReference * static_cast<double>(plan_.regions.size());
 }
 
 void RequestRun::start() {
   folders_.enter(plan_.workFolder);
   folders_.enter(plan_.request.output.folder);
   try {
-    if (!options_.ordersOnly) writeUnderlays(plan_);
+    if (options_.computesMaps()) writeUnderlays(plan_);
   } catch (const InputError& error) {
     return fail({false, true, error.what(), ""}, plan_.request.title);
   }
@@ -123,7 +123,7 @@ void RequestRun::takeOrder(const WorkOutcome& work) {
 
 // Which order the data speak for may have changed although the request has not.
 void RequestRun::refuseOtherOrder(int order) const {
-  if (options_.ordersOnly || options_.force) return;
+  if (!options_.computesMaps() || options_.force) return;
   StudyPlan settled = plan_;
   try {
     settleOrder(settled, order);
@@ -141,6 +141,10 @@ bool RequestRun::keep(std::size_t region) {
 }
 
 void RequestRun::addReferences() {
+  if (options_.importsOnly) {
+    outcome_.prepared.push_back(plan_);
+    return;
+  }
   // In a data set of many participants a warning says whose it is.
   const std::string begin = options_.datasetFolder.empty() ? "" : plan_.request.title + ": ";
   const auto say = [&](const std::string& caution) {

@@ -87,7 +87,7 @@ std::vector<StudyPlan> planAll(const std::vector<Request>& requests, const Study
 // Nobody else works under these names, and what is there already may stay or go.
 void takeOver(const std::vector<StudyPlan>& plans, const StudyOptions& options, StudyFolders& folders,
               StudyOutcome& outcome) {
-  if (options.ordersOnly) return;
+  if (!options.computesMaps()) return;
   for (const StudyPlan& plan : plans) folders.claim(plan.request.output.folder, plan.request.output.prefix);
   if (options.force) return;
   refuseOtherRequests(plans);
@@ -99,7 +99,7 @@ void takeOver(const std::vector<StudyPlan>& plans, const StudyOptions& options, 
 
 // Not before the new results are there.
 void removeForeign(const std::vector<StudyPlan>& plans, const StudyOptions& options, StudyOutcome& outcome) {
-  if (!options.force || options.ordersOnly || outcome.failed()) return;
+  if (!options.force || !options.computesMaps() || outcome.failed()) return;
   for (const StudyPlan& plan : plans) {
     const std::string removed = removeForeignResults(plan);
     if (!removed.empty()) outcome.cautions.push_back(fmt::format("{}: {}", plan.request.title, removed));
@@ -108,7 +108,7 @@ void removeForeign(const std::vector<StudyPlan>& plans, const StudyOptions& opti
 
 void keepForReports(const std::vector<Request>& requests, const std::vector<StudyPlan>& plans,
                     const StudyOptions& options, const StudyOutcome& outcome) {
-  if (options.ordersOnly) return;
+  if (!options.computesMaps()) return;
   for (const StudyPlan& plan : plans) {
     keepRequest(plan);
     keepFailures(plan, outcome);

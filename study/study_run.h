@@ -26,11 +26,14 @@ struct StudyOptions {
   bool force = false;
   bool stopOnFirstCrash = false;
   bool ordersOnly = false;            // gather evidence for the order and stop there
+  bool importsOnly = false;           // import runs, settle the order and stop there
   std::optional<std::uint32_t> seed;  // overrides the requests'
   std::string version;                // of the software, for sidecars and keys
   // What no request could be made for, whose and why in words: failures beside those of the requests.
   std::vector<std::string> withoutRequest;
   std::string datasetFolder;  // where dataset_description.json goes; empty: each request's folder
+  // Whether references are computed, and so files of results are written.
+  [[nodiscard]] bool computesMaps() const { return !ordersOnly && !importsOnly; }
 };
 
 // What became of one reference.
@@ -53,6 +56,7 @@ struct StudyOutcome {
   std::vector<std::string> cautions;
   bool inputProblem = false;         // at least one failure is the request's fault
   std::vector<OrderOutcome> orders;  // one per request that asked for it
+  std::vector<StudyPlan> prepared;   // with importsOnly: their runs lie in the work folders
   [[nodiscard]] bool failed() const;
 };
 

@@ -16,7 +16,7 @@ ARROWS = {
     "direction": {"simo"},
     "inference": {"simo", "io"},
     "suitability": {"simo", "direction"},
-    "connectome": {"simo", "direction", "formats", "request", "results"},
+    "connectome": {"simo", "inference", "direction", "formats", "request", "results"},
     "inspect": {"io", "formats", "render"},
     "request": {"tav"},
     "bids": {"request"},

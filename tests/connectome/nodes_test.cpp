@@ -1,0 +1,38 @@
+#include "connectome/nodes.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using connectome::EdgeMatrix;
+using connectome::Node;
+
+TEST(Networks, StandInNamesOfOneKindOfAtlas) {
+  EXPECT_EQ(connectome::networkInName("7Networks_LH_Vis_4"), "Vis");
+  EXPECT_EQ(connectome::networkInName("17Networks_RH_DefaultA_PFCd_1"), "DefaultA");
+  EXPECT_EQ(connectome::networkInName("Networks_LH_Vis_4"), "");
+  EXPECT_EQ(connectome::networkInName("7Networks_Vis_4"), "");
+  EXPECT_EQ(connectome::networkInName("Thalamus"), "");
+  EXPECT_EQ(connectome::networkInName(""), "");
+}
+
+TEST(PictureOrder, GoesByNetworkInTheirOrder) {
+  const std::vector<Node> nodes = {
+      {"a", "Vis", 1, {}}, {"b", "Default", 1, {}}, {"c", "Vis", 1, {}}, {"d", "Default", 1, {}}};
+  EXPECT_EQ(connectome::pictureOrder(nodes, EdgeMatrix(4)), (std::vector<std::size_t>{0, 2, 1, 3}));
+}
+
+TEST(PictureOrder, PutsLikeNodesTogetherWhereOneHasNoNetwork) {
+  const std::vector<Node> nodes = {
+      {"a", "Vis", 1, {}}, {"b", "", 1, {}}, {"c", "Vis", 1, {}}, {"d", "Vis", 1, {}}};
+  EdgeMatrix likeness(4);
+  const auto put = [&](std::size_t a, std::size_t b, double value) {
+    likeness.at(a, b) = likeness.at(b, a) = value;
+  };
+  put(0, 3, 0.9);
+  put(1, 2, 0.8);
+  put(0, 1, 0.1);
+  EXPECT_EQ(connectome::pictureOrder(nodes, likeness), (std::vector<std::size_t>{0, 3, 1, 2}));
+}
+
+}  // namespace

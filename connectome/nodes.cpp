@@ -14,8 +14,9 @@ std::vector<std::size_t> byNetwork(const std::vector<Node>& nodes) {
       networks.push_back(node.network);
   std::vector<std::size_t> order(nodes.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  const auto place = [&](std::size_t i) {
-    return std::find(networks.begin(), networks.end(), nodes[i].network);
+  const auto place = [&](std::size_t i) {  // those without a network come last
+    const std::string& network = nodes[i].network;
+    return network.empty() ? networks.end() : std::find(networks.begin(), networks.end(), network);
   };
   std::stable_sort(order.begin(), order.end(),
                    [&](std::size_t a, std::size_t b) { return place(a) < place(b); });
@@ -72,10 +73,14 @@ std::string networkInName(std::string_view name) {
   return std::string(name.substr(0, name.find('_')));
 }
 
+bool mostHaveNetworks(const std::vector<Node>& nodes) {
+  const auto have =
+      std::count_if(nodes.begin(), nodes.end(), [](const Node& node) { return !node.network.empty(); });
+  return 2 * have > static_cast<std::ptrdiff_t>(nodes.size());
+}
+
 std::vector<std::size_t> pictureOrder(const std::vector<Node>& nodes, const EdgeMatrix& likeness) {
-  const bool haveNetworks =
-      std::all_of(nodes.begin(), nodes.end(), [](const Node& node) { return !node.network.empty(); });
-  return haveNetworks ? byNetwork(nodes) : Linkage(likeness).order();
+  return mostHaveNetworks(nodes) ? byNetwork(nodes) : Linkage(likeness).order();
 }
 
 }  // namespace connectome

@@ -22,9 +22,11 @@ struct Node {
 // "Vis" of "7Networks_LH_Vis_4"; empty for other names.
 [[nodiscard]] std::string networkInName(std::string_view name);
 
-// Places of nodes in a picture. When all nodes have a network: networks in the order in which they first
-// come, in each the nodes in theirs. Otherwise by clusters with average linkage of `likeness` (NaN: none), so
-// that related nodes lie together. O(nodes^3).
+[[nodiscard]] bool mostHaveNetworks(const std::vector<Node>& nodes);
+
+// Nodes in the order of pictures. Where most have a network: networks in the order in which they first come,
+// in each the nodes in theirs, those without one last. Otherwise by clusters with average linkage of
+// `likeness` (NaN: none), so that related nodes lie together. O(nodes^3).
 [[nodiscard]] std::vector<std::size_t> pictureOrder(const std::vector<Node>& nodes,
                                                     const EdgeMatrix& likeness);
 

@@ -11,6 +11,11 @@ namespace {
 
 constexpr int kSide = 640, kNames = 110, kBar = 40;
 
+// Closed, as images that stand alone and what follows them in a page need it.
+std::string shape(std::string_view tag, Attributes attributes) {
+  return element(tag, attributes, "");
+}
+
 std::string label(double x, double y, const char* anchor, const std::string& words) {
   return element("text",
                  {{"x", fmt::format("{:.1f}", x)},
@@ -23,12 +28,12 @@ std::string label(double x, double y, const char* anchor, const std::string& wor
 
 std::string line(double x1, double y1, double x2, double y2) {
   const auto number = [](double value) { return fmt::format("{:.1f}", value); };
-  return single("line", {{"x1", number(x1)},
-                         {"y1", number(y1)},
-                         {"x2", number(x2)},
-                         {"y2", number(y2)},
-                         {"stroke", "#bbb"},
-                         {"stroke-width", "0.7"}});
+  return shape("line", {{"x1", number(x1)},
+                        {"y1", number(y1)},
+                        {"x2", number(x2)},
+                        {"y2", number(y2)},
+                        {"stroke", "#bbb"},
+                        {"stroke-width", "0.7"}});
 }
 
 std::string groupMarks(const render::MatrixPicture& picture) {
@@ -56,11 +61,11 @@ std::string colourBar(const render::MatrixPicture& picture) {
   std::string bar;
   for (int i = 0; i < kSteps; ++i) {
     const double value = least + (picture.full - least) * (i + 0.5) / kSteps;
-    bar += single("rect", {{"x", fmt::format("{:.1f}", kNames + i * static_cast<double>(kSide) / kSteps)},
-                           {"y", std::to_string(kSide + 8)},
-                           {"width", fmt::format("{:.1f}", static_cast<double>(kSide) / kSteps + 0.5)},
-                           {"height", "10"},
-                           {"fill", hexOf(render::cellColour(value, picture.full, true))}});
+    bar += shape("rect", {{"x", fmt::format("{:.1f}", kNames + i * static_cast<double>(kSide) / kSteps)},
+                          {"y", std::to_string(kSide + 8)},
+                          {"width", fmt::format("{:.1f}", static_cast<double>(kSide) / kSteps + 0.5)},
+                          {"height", "10"},
+                          {"fill", hexOf(render::cellColour(value, picture.full, true))}});
   }
   return bar + label(kNames, kSide + 34, "start", fmt::format("{:.3g}", least)) +
          label(kNames + kSide, kSide + 34, "end", fmt::format("{:.3g} or more", picture.full));
@@ -68,13 +73,13 @@ std::string colourBar(const render::MatrixPicture& picture) {
 
 // Letters take the colour of the page's; the matrix has a ground of its own.
 std::string matrixSvg(const render::MatrixPicture& picture) {
-  const std::string pixels = single("image", {{"x", std::to_string(kNames)},
-                                              {"y", "0"},
-                                              {"width", std::to_string(kSide)},
-                                              {"height", std::to_string(kSide)},
-                                              {"preserveAspectRatio", "none"},
-                                              {"style", "image-rendering: pixelated"},
-                                              {"href", pngUri(render::matrixPixels(picture))}});
+  const std::string pixels = shape("image", {{"x", std::to_string(kNames)},
+                                             {"y", "0"},
+                                             {"width", std::to_string(kSide)},
+                                             {"height", std::to_string(kSide)},
+                                             {"preserveAspectRatio", "none"},
+                                             {"style", "image-rendering: pixelated"},
+                                             {"href", pngUri(render::matrixPixels(picture))}});
   return element("svg",
                  {{"xmlns", "http://www.w3.org/2000/svg"},
                   {"viewBox", fmt::format("0 0 {} {}", kNames + kSide + 4, kSide + kBar)},

@@ -35,7 +35,7 @@ ConnectomeOutputs readConnectomeOutputs(const std::filesystem::path& folder, con
   return outputs;
 }
 
-PictureNodes pictureNodes(const std::string& nodesFile) {
+PictureNodes pictureNodes(const std::string& nodesFile, bool byNetwork) {
   const formats::Table table = formats::Table::read(nodesFile);
   const std::size_t place = table.require("place"), network = table.require("network");
   PictureNodes nodes;
@@ -45,9 +45,9 @@ PictureNodes pictureNodes(const std::string& nodesFile) {
     if (at >= table.rows()) table.fail(row, "a place behind the last node", "Make the file again");
     nodes.order[at] = row;
   }
-  for (std::size_t at = 0; at < nodes.order.size(); ++at) {
-    const std::string& name = table.cell(nodes.order[at], network);
-    if (formats::isMissing(name)) return {nodes.order, {}};
+  for (std::size_t at = 0; byNetwork && at < nodes.order.size(); ++at) {
+    const std::string& cell = table.cell(nodes.order[at], network);
+    const std::string name = formats::isMissing(cell) ? "others" : cell;
     if (nodes.groups.empty() || nodes.groups.back().name != name) nodes.groups.push_back({at, at, name});
     nodes.groups.back().end = at + 1;
   }
@@ -61,7 +61,7 @@ render::MatrixPicture measurePicture(const ConnectomeOutputs& outputs, std::size
   std::vector<std::string> names;
   const connectome::EdgeMatrix values = connectome::readMatrixFile(outputs.path(shown.file), names);
   const connectome::EdgeMatrix q = connectome::readMatrixFile(outputs.path(shown.qFile), names);
-  const PictureNodes nodes = pictureNodes(outputs.path(of.nodesFile));
+  const PictureNodes nodes = pictureNodes(outputs.path(of.nodesFile), !outputs.record.networks.empty());
   if (nodes.order.size() != values.nodes || q.nodes != values.nodes)
     throw formats::FileError(outputs.path(shown.file), "another number of nodes than the table of nodes",
                              "Make the files again");

@@ -29,7 +29,7 @@ struct PictureNodes {
   std::vector<std::size_t> order;           // place in the picture -> row of the matrices
   std::vector<render::MatrixGroup> groups;  // networks
 };
-[[nodiscard]] PictureNodes pictureNodes(const std::string& nodesFile);
+[[nodiscard]] PictureNodes pictureNodes(const std::string& nodesFile, bool byNetwork);
 
 // A measure of a condition as a picture: what passes at the largest q in full colour.
 [[nodiscard]] render::MatrixPicture measurePicture(const ConnectomeOutputs& outputs, std::size_t condition,

@@ -25,6 +25,7 @@ constexpr const char* kReadme =
     "*_report.html                  everything to read, in one page; figures/ has its pictures\n"
     "*_request.toml                 what was asked for; `tavmap run` on it, in its place, gives the same\n"
     "*.tav, *.log                   the same maps as one file with the text of the computation\n"
+    "*_connectome.json, *_relmat.tsv, *_nodes.tsv, *_edges.tsv   every region with every region\n"
     "group_tavmap.tsv               thresholds, counts and peaks of all records, once the group level has "
     "run\n\n"
     "Names of statistic maps follow a draft of the standard that other tools use as well; validators\n"
@@ -33,7 +34,7 @@ constexpr const char* kReadme =
 // Names that no published version of the standard knows yet, or never will.
 constexpr const char* kIgnored =
     "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n*_desc-mean_boldref.*\n"
-    "*_desc-anatomy_T1w.*\n*_request.toml\n*_report.html\nindex.html\nfigures/\nwork/\n";
+    "*_desc-anatomy_T1w.*\n*_request.toml\n*_report.html\nindex.html\n*_connectome.*\n*_relmat.*\n*_nodes.*\n*_edges.*\nfigures/\nwork/\n";
 
 }  // namespace
 

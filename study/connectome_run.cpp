@@ -167,6 +167,7 @@ class ConnectomeMaker {
   // Pictures of all conditions have the order of the first.
   void settleOrder(const connectome::ConditionResult& result) {
     order_ = pictureOrder(nodes_.nodes, result.of(connectome::Measure::kInstantaneous).values);
+    if (!mostHaveNetworks(nodes_.nodes)) return;
     for (const std::size_t node : order_) {
       const std::string& network = nodes_.nodes[node].network;
       const bool isKnown =

@@ -22,9 +22,14 @@ TEST(PictureOrder, GoesByNetworkInTheirOrder) {
   EXPECT_EQ(connectome::pictureOrder(nodes, EdgeMatrix(4)), (std::vector<std::size_t>{0, 2, 1, 3}));
 }
 
-TEST(PictureOrder, PutsLikeNodesTogetherWhereOneHasNoNetwork) {
+TEST(PictureOrder, PutsNodesWithoutANetworkLast) {
+  const std::vector<Node> nodes = {{"a", "", 1, {}}, {"b", "Vis", 1, {}}, {"c", "Vis", 1, {}}};
+  EXPECT_EQ(connectome::pictureOrder(nodes, EdgeMatrix(3)), (std::vector<std::size_t>{1, 2, 0}));
+}
+
+TEST(PictureOrder, PutsLikeNodesTogetherWhereFewHaveANetwork) {
   const std::vector<Node> nodes = {
-      {"a", "Vis", 1, {}}, {"b", "", 1, {}}, {"c", "Vis", 1, {}}, {"d", "Vis", 1, {}}};
+      {"a", "Vis", 1, {}}, {"b", "", 1, {}}, {"c", "", 1, {}}, {"d", "Vis", 1, {}}};
   EdgeMatrix likeness(4);
   const auto put = [&](std::size_t a, std::size_t b, double value) {
     likeness.at(a, b) = likeness.at(b, a) = value;

@@ -29,7 +29,7 @@ ARROWS = {
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
-            "results", "report", "study", "group", "simulation", "cluster", "planning"},
+            "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

@@ -71,6 +71,7 @@ class RequestText : public ::testing::Test {
     request.title = "sub-01, \"task\"";
     request.output = {"/out/sub-01", "/work", "sub-01_task-rest"};
     request.settings = settings();
+    request.connectome = {333, {"global signal", "a, \"b\""}};
     request.seed = 2147483647U;
     request.runs = {run("a"), run("b")};
     request.references = references();
@@ -88,6 +89,7 @@ TEST_F(RequestText, ReadsBackToAnEqualRequest) {
   EXPECT_EQ(back.title, given.title);
   EXPECT_EQ(back.output, given.output);
   EXPECT_EQ(back.settings, given.settings);
+  EXPECT_EQ(back.connectome, given.connectome);
   EXPECT_EQ(back.seed, given.seed);
   EXPECT_EQ(back.runs, given.runs);
   EXPECT_EQ(back.references, given.references);
@@ -95,6 +97,12 @@ TEST_F(RequestText, ReadsBackToAnEqualRequest) {
   EXPECT_EQ(back.datasets, given.datasets);
   EXPECT_EQ(back.anatomy, given.anatomy);
   EXPECT_EQ(back, given);
+}
+
+TEST_F(RequestText, HasNoTableOfConnectomesThatSayNothingNew) {
+  Request given = request();
+  given.connectome = {};
+  EXPECT_EQ(requestText(given).find("[connectome]"), std::string::npos);
 }
 
 TEST_F(RequestText, ChoicesThatExcludeOthersReadBackToo) {

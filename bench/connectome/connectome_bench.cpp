@@ -1,5 +1,5 @@
 // The time of a connectome and of its parts, on made series.
-//   connectome_table [labels [volumes [order [surrogates [threads]]]]]
+//   connectome_bench [labels [volumes [order [surrogates [threads]]]]]
 #include <chrono>
 #include <cstdlib>
 #include <iostream>

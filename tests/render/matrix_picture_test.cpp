@@ -1,0 +1,43 @@
+#include "render/matrix_picture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+double brightness(const render::Rgb& colour) {
+  return colour.red + colour.green + colour.blue;
+}
+
+TEST(MatrixPicture, ColoursTellSignAndMagnitude) {
+  const render::Rgb more = render::cellColour(1, 1, true), less = render::cellColour(-1, 1, true);
+  EXPECT_GT(more.red, more.blue);
+  EXPECT_GT(less.blue, less.red);
+  EXPECT_GT(brightness(more), brightness(render::cellColour(0.1, 1, true)));
+  EXPECT_EQ(brightness(render::cellColour(1, 1, true)), brightness(render::cellColour(7, 1, true)));
+}
+
+TEST(MatrixPicture, WhatDoesNotPassIsFaintAndNothingIsGrey) {
+  EXPECT_LT(brightness(render::cellColour(1, 1, false)), brightness(render::cellColour(1, 1, true)) / 2);
+  const render::Rgb nothing = render::cellColour(std::nan(""), 1, true);
+  EXPECT_EQ(nothing.red, nothing.green);
+  EXPECT_EQ(nothing.red, nothing.blue);
+  EXPECT_GT(brightness(nothing), brightness(render::cellColour(0, 1, true)));
+}
+
+TEST(MatrixPicture, IsAPngWhateverItsSize) {
+  for (const std::size_t size : {0UL, 1UL, 50UL}) {
+    render::MatrixPicture picture;
+    picture.size = size;
+    picture.values.assign(size * size, 0.5);
+    picture.isEmphasised.assign(size * size, 1);
+    picture.groups = {{0, size, "Vis"}};
+    EXPECT_EQ(render::matrixPixels(picture).substr(1, 3), "PNG");
+    EXPECT_EQ(render::drawMatrix(picture, render::cellPixels(size)).substr(1, 3), "PNG");
+  }
+  EXPECT_EQ(render::cellPixels(400), 2);
+  EXPECT_EQ(render::cellPixels(5000), 1);
+}
+
+}  // namespace

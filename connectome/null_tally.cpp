@@ -42,7 +42,7 @@ void MagnitudeCounts::close() {
 }
 
 NullTally::NullTally(std::size_t nodes, std::size_t draws)
-    : nodes_(nodes), draws_(draws), factors_(kKinds * nodes) {
+    : nodes_(nodes), draws_(draws), sums_(kKinds * nodes), others_(nodes) {
   for (auto& maxima : maxima_) maxima.assign(2 * draws, 0.0F);
   means_.fill(EdgeMatrix(nodes));
 }
@@ -58,14 +58,15 @@ void NullTally::takeMeans(std::size_t node, const DrawnShares& shares, const std
         sums[kind * nodes_ + other] += static_cast<double>(values[kind]);
     }
   }
-  std::fill(factors_.begin(), factors_.end(), 0.0F);
+  std::fill(sums_.begin(), sums_.end(), 0.0F);
   for (std::size_t other = 0; other < nodes_; ++other) {
-    if (other == node || isDefined[other] == 0) continue;
+    if (other == node || isDefined[other] == 0 || used[other] < 2) continue;
     for (std::size_t kind = 0; kind < kKinds; ++kind) {
-      const double mean = sums[kind * nodes_ + other] / used[other];
-      means_[kind].at(node, other) = mean;
-      if (mean > 0) factors_[kind * nodes_ + other] = static_cast<float>(1 / mean);
+      const double sum = sums[kind * nodes_ + other];
+      means_[kind].at(node, other) = sum / used[other];
+      sums_[kind * nodes_ + other] = static_cast<float>(sum);
     }
+    others_[other] = static_cast<float>(used[other] - 1);
   }
 }
 
@@ -83,9 +84,8 @@ void NullTally::takeValues(std::size_t node, const DrawnShares& shares) {
     for (std::size_t other = 0; other < nodes_; ++other) {
       const auto values = valuesOf(shares, draw * shares.stride + other);
       for (std::size_t kind = 0; kind < kKinds; ++kind) {
-        const float factor = factors_[kind * nodes_ + other];
-        if (factor > 0 && !std::isnan(values[kind]))
-          count(kind, values[kind] * factor, halfOf(node, other), draw);
+        const float rest = sums_[kind * nodes_ + other] - values[kind];  // of the other draws
+        if (rest > 0) count(kind, values[kind] * others_[other] / rest, halfOf(node, other), draw);
       }
     }
   }

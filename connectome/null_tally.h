@@ -28,8 +28,10 @@ class MagnitudeCounts {
   std::vector<std::uint64_t> bins_;  // once closed: values in it and above
 };
 
-// What comes of one node's surrogates against all other nodes. Values are divided by their mean over the
-// draws, per pair and measure: edges have the scale of their own null values and share one shape of them.
+// What comes of one node's surrogates against all other nodes. Each value is divided by the mean of the other
+// draws of its pair and measure: edges have the scale of their own null values and share one shape of them.
+// (With itself in its mean a null value would come out smaller than an observed one, the more so the larger
+// it is.)
 class NullTally {
  public:
   NullTally(std::size_t nodes, std::size_t draws);
@@ -63,7 +65,8 @@ class NullTally {
   std::array<MagnitudeCounts, kMeasures.size()> counts_;
   std::array<std::vector<float>, kMeasures.size()> maxima_;
   std::array<EdgeMatrix, kKinds> means_;  // row: the node whose surrogates these are
-  std::vector<float> factors_;            // 1 / mean of one node's, [kind][other]
+  std::vector<float> sums_;               // over one node's draws, [kind][other]; 0: none
+  std::vector<float> others_;             // draws but one, per other node
 };
 
 }  // namespace connectome

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "connectome/condition_result.h"
+#include "connectome/connectome_record.h"
 #include "connectome/nodes.h"
-#include "connectome/record.h"
 
 namespace connectome {
 

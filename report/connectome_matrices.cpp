@@ -96,17 +96,27 @@ std::string alone(std::string svg) {
   return svg.insert(svg.find('>') + 1, style);
 }
 
-std::string figureOf(const ConnectomeOutputs& outputs, std::size_t condition, std::size_t measure,
-                     Figures& figures) {
-  const render::MatrixPicture picture = measurePicture(outputs, condition, measure);
-  const std::string& file = outputs.record.conditions[condition].measures[measure].file;
-  const std::string stem = file.substr(0, file.rfind('.')), svg = matrixSvg(picture);
+}  // namespace
+
+std::string matrixFigure(const render::MatrixPicture& picture, const std::string& words,
+                         const std::string& stem, Figures& figures) {
+  const std::string svg = matrixSvg(picture);
   figures.emplace_back(stem + ".svg", alone(svg));
   figures.emplace_back(stem + ".png", render::drawMatrix(picture, render::cellPixels(picture.size)));
-  const std::string words =
-      fmt::format("{}. Rows are sources, columns targets. {}", text(picture.title),
-                  "Full colour: passes at the largest q; faint: does not. Grey: nothing.");
   return element("figure", {{"class", "matrix"}}, svg + element("figcaption", words));
+}
+
+namespace {
+
+std::string measureFigure(const ConnectomeOutputs& outputs, std::size_t condition, std::size_t measure,
+                          Figures& figures) {
+  const render::MatrixPicture picture = measurePicture(outputs, condition, measure);
+  const std::string& file = outputs.record.conditions[condition].measures[measure].file;
+  return matrixFigure(picture,
+                      text(picture.title) +
+                          ". Rows are sources, columns targets. Full colour: passes at the largest q; "
+                          "faint: does not. Grey: nothing.",
+                      file.substr(0, file.rfind('.')), figures);
 }
 
 }  // namespace
@@ -116,7 +126,7 @@ std::string connectomeMatrices(const ConnectomeOutputs& outputs, Figures& figure
   for (std::size_t condition = 0; condition < outputs.record.conditions.size(); ++condition) {
     html += element("h3", name(outputs.record.conditions[condition].name));
     for (std::size_t measure = 0; measure < outputs.record.conditions[condition].measures.size(); ++measure)
-      html += figureOf(outputs, condition, measure, figures);
+      html += measureFigure(outputs, condition, measure, figures);
   }
   const std::string order = outputs.record.networks.empty()
                                 ? "Regions lie in clusters of their instantaneous influence."

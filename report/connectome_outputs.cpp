@@ -11,9 +11,7 @@
 #include "formats/table.h"
 
 namespace report {
-namespace {
 
-// Full colour at the 98th percentile of the magnitudes, so that a few strong edges do not darken all others.
 double fullMagnitude(const connectome::EdgeMatrix& matrix) {
   std::vector<double> magnitudes;
   for (const double value : matrix.values)
@@ -24,8 +22,6 @@ double fullMagnitude(const connectome::EdgeMatrix& matrix) {
   std::nth_element(magnitudes.begin(), at, magnitudes.end());
   return *at > 0 ? *at : 1;
 }
-
-}  // namespace
 
 ConnectomeOutputs readConnectomeOutputs(const std::filesystem::path& folder, const std::string& prefix) {
   ConnectomeOutputs outputs{folder, prefix, connectome::recordFileOf(prefix), {}, {}};

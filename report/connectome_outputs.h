@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "connectome/connectome_record.h"
 #include "connectome/edge_shares.h"
-#include "connectome/record.h"
 #include "formats/json_file.h"
 #include "render/matrix_picture.h"
 
@@ -24,6 +24,10 @@ struct ConnectomeOutputs {
 [[nodiscard]] ConnectomeOutputs readConnectomeOutputs(const std::filesystem::path& folder,
                                                       const std::string& prefix);
 
+// The magnitude that gets full colour: the 98th percentile of all, so that a few strong edges darken no
+// others.
+[[nodiscard]] double fullMagnitude(const connectome::EdgeMatrix& matrix);
+
 // Nodes as their table has them, in the order of pictures.
 struct PictureNodes {
   std::vector<std::size_t> order;           // place in the picture -> row of the matrices
@@ -37,6 +41,11 @@ struct PictureNodes {
 
 // Names of pictures and their bytes.
 using Figures = std::vector<std::pair<std::string, std::string>>;
+
+// A matrix in a page, whose letters take the colour of the page's; the same alone, STEM.svg, and STEM.png are
+// added to the figures. words: markup below it.
+[[nodiscard]] std::string matrixFigure(const render::MatrixPicture& picture, const std::string& words,
+                                       const std::string& stem, Figures& figures);
 
 // Sections, as HTML. What they draw is added to the figures.
 [[nodiscard]] std::string connectomeSummary(const ConnectomeOutputs& outputs);

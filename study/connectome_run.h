@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "connectome/record.h"
+#include "connectome/connectome_record.h"
 #include "request/request.h"
 #include "study/study_run.h"
 

@@ -2,7 +2,7 @@
 #include <fmt/core.h>
 #include <gtest/gtest.h>
 
-#include "connectome/record.h"
+#include "connectome/connectome_record.h"
 #include "connectome/result_files.h"
 #include "tests/support/run_command_fixture.h"
 

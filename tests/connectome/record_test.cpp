@@ -1,9 +1,8 @@
-#include "connectome/record.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "connectome/connectome_record.h"
 #include "connectome/result_files.h"
 #include "formats/file_error.h"
 #include "tests/support/message_of.h"

@@ -1,6 +1,6 @@
 // Everything about one connectome in one place, as it is kept: PREFIX_connectome.json, written last.
-#ifndef TAVMAP_CONNECTOME_RECORD_H
-#define TAVMAP_CONNECTOME_RECORD_H
+#ifndef TAVMAP_CONNECTOME_CONNECTOME_RECORD_H
+#define TAVMAP_CONNECTOME_CONNECTOME_RECORD_H
 
 #include <cstddef>
 #include <cstdint>

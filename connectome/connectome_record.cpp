@@ -1,4 +1,4 @@
-#include "connectome/record.h"
+#include "connectome/connectome_record.h"
 
 #include "formats/atomic_file.h"
 #include "results/json_fields.h"

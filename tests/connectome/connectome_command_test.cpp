@@ -97,7 +97,7 @@ TEST_F(ConnectomeCommand, RefusesWhatHasNoConnectome) {
 }
 
 TEST_F(ConnectomeCommand, IsConditionalOnARegionThatThenHasNoEdges) {
-  ASSERT_EQ(connectome("condition_on = 'C'\n", {"--no-report"}).exitCode, 0);
+  ASSERT_EQ(connectome("condition_on = 'C-left'\n", {"--no-report"}).exitCode, 0);
   const auto influence = matrix(fmt::format("{}_relmat.tsv", kInfluence));
   EXPECT_TRUE(std::isnan(influence.at(0, 2)));
   EXPECT_TRUE(std::isfinite(influence.at(0, 1)));

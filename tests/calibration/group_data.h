@@ -7,7 +7,7 @@
 
 #include "inference/model.h"
 #include "inference/space.h"
-#include "tests/calibration/group_cells.h"
+#include "tests/calibration/calibrated_groups.h"
 
 namespace calibration {
 

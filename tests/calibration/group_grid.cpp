@@ -8,7 +8,7 @@
 #include <exception>
 #include <string>
 
-#include "tests/calibration/group_cells.h"
+#include "tests/calibration/calibrated_groups.h"
 #include "tests/calibration/group_measures.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/calibration/group_cells.h"
+#include "tests/calibration/calibrated_groups.h"
 
 #include <fmt/core.h>
 

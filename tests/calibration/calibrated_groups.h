@@ -1,6 +1,6 @@
 // What there is to measure of group tests.
-#ifndef TAVMAP_TESTS_CALIBRATION_GROUP_CELLS_H
-#define TAVMAP_TESTS_CALIBRATION_GROUP_CELLS_H
+#ifndef TAVMAP_TESTS_CALIBRATION_CALIBRATED_GROUPS_H
+#define TAVMAP_TESTS_CALIBRATION_CALIBRATED_GROUPS_H
 
 #include <string>
 #include <vector>

@@ -29,6 +29,9 @@ void addQuestionOptions(CLI::App& command, GroupTestArguments& arguments) {
   command.add_option("--reference", question.references, "References; default: all");
   command.add_option("--condition", question.conditions, "Conditions; default: all, each for itself");
   command.add_option(
+      "--edges", question.edges,
+      "Test connectomes at every edge instead of maps: NetInfluence, Influence or Instantaneous");
+  command.add_option(
       "--within", question.within,
       "What every participant brings: 'faces - houses' of conditions, 'ses-2 - ses-1' of sessions");
   command

@@ -39,12 +39,12 @@ std::string symmetryWarning(const inference::Symmetry& symmetry, bool isDifferen
                                    "is symmetric when nothing "
                                    "differs, or look at the values at the peaks";
   return fmt::format(
-      "values of participants are not symmetric about their mean (skewness {:.2f} on average, spread over "
-      "voxels {:.1f} "
-      "times that of symmetric values, p = {:.2g}), which sign flips rest on: small p on the side of the "
-      "long tail can be "
-      "wrong; {}",
-      symmetry.meanSkewness, std::sqrt(symmetry.meanSquare / symmetry.nullMeanSquare), symmetry.p, remedy);
+      "values of participants are not symmetric about their mean (skewness {:.2f} on average, {:.2f} by "
+      "region where "
+      "symmetric values have {:.2f}, p = {:.2g}), which sign flips rest on: small p on the side of the long "
+      "tail can "
+      "be wrong; {}",
+      symmetry.meanSkewness, symmetry.regionalSkewness, symmetry.expected, symmetry.p, remedy);
 }
 
 }  // namespace

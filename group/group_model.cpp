@@ -15,9 +15,9 @@ namespace {
 
 const std::vector<std::string> kInferenceKeys = {"shuffles",     "seed",      "variance_fwhm_mm", "tfce",
                                                  "connectivity", "cluster_z", "smallest_share",   "level"};
-const std::vector<std::string> kQuestionKeys = {"name",   "maps",     "references",   "conditions",
-                                                "within", "contrast", "group_column", "covariates",
-                                                "blocks", "leave_out"};
+const std::vector<std::string> kQuestionKeys = {"edges",      "name",   "maps",     "references",
+                                                "conditions", "within", "contrast", "group_column",
+                                                "covariates", "blocks", "leave_out"};
 
 GroupInference parseInference(const toml::table& node, const std::string& file) {
   const TomlTable table(node, file, "[inference]", kInferenceKeys);
@@ -44,6 +44,9 @@ GroupQuestion parseQuestion(const toml::table& node, const std::string& file) {
   question.maps = table.texts("maps");
   question.references = table.texts("references");
   question.conditions = table.texts("conditions");
+  question.edges = table.text("edges");
+  if (!question.edges.empty() && (table.has("maps") || table.has("references")))
+    table.fail("edges", "and 'maps' or 'references' exclude each other: connectomes have all regions");
   question.within = table.text("within");
   if (!question.within.empty() && sidesOf(question.within).empty())
     table.fail("within", "must be a difference such as \"faces - houses\" or \"ses-2 - ses-1\"");
@@ -136,6 +139,11 @@ group_column = "group"
 covariates = ["age"]
 blocks = "scanner"               # exchange only who shares this column
 leave_out = ["sub-07"]
+
+[[test]]                 # at every edge of the participants' connectomes ('tavmap connectome')
+name = "edges"
+edges = "NetInfluence"           # or Influence, Instantaneous
+contrast = "patient - control"
 
 [[test]]                 # with a covariate
 name = "age"

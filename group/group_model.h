@@ -18,6 +18,9 @@ namespace study {
 struct GroupQuestion {
   std::string name;                                       // part of file names: letters and digits
   std::vector<std::string> maps, references, conditions;  // empty: all
+  // A measure of connectomes ("NetInfluence", "Influence", "Instantaneous") that is tested at every edge,
+  // instead of maps; maps and references do not apply then. Empty: maps.
+  std::string edges;
   // What each participant brings: a map, or the difference of two: "faces - houses" of conditions, "ses-2 -
   // ses-1" of sessions.
   std::string within;

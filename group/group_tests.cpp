@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "formats/file_error.h"
 #include "formats/json_file.h"
@@ -24,6 +25,7 @@ struct PlannedTest {
 std::vector<PlannedTest> plannedTests(const GroupResult& group, const GroupModel& model) {
   std::vector<PlannedTest> planned;
   for (const GroupQuestion& question : model.questions) {
+    if (!question.edges.empty()) continue;
     const std::size_t before = planned.size();
     for (GroupCell& cell : cellsOf(group, question)) planned.push_back({&question, std::move(cell)});
     if (planned.size() == before) {
@@ -58,6 +60,28 @@ std::string countText(const char* by, const GroupCounts& counts, bool isTwoSided
 
 std::string peakText(const GroupPeak& peak) {
   return fmt::format("t = {:.2f} at {:.0f}, {:.0f}, {:.0f} mm", peak.t, peak.mm[0], peak.mm[1], peak.mm[2]);
+}
+
+void addEdgeTests(const GroupQuestion& question, const GroupInference& inference,
+                  const Participants& participants, const GroupRunOptions& options,
+                  GroupTestsResult& result) {
+  try {
+    std::vector<EdgeTestOutcome> tests =
+        runEdgeTests(options.outDir, question, inference, participants, options.threads);
+    std::move(tests.begin(), tests.end(), std::back_inserter(result.edgeTests));
+  } catch (const InputError& error) {
+    addOnce(error.what(), result.failures);
+  }
+}
+
+void printEdgeTest(const EdgeTestOutcome& test, std::ostream& out) {
+  out << fmt::format(
+      "{}: {}\n  {} at {} edges of connectomes, {}; {} participants, {} shuffles\n  family-wise: {} edges by "
+      "the maximum, "
+      "{} components of edges by mass\n",
+      test.test, test.question, test.measure, test.edges, test.condition, test.participants, test.shuffles,
+      test.edgesPassing, test.componentsPassing);
+  for (const std::string& text : test.leftOut) out << "  left out: " << text << "\n";
 }
 
 void printTest(const GroupTestRecord& record, std::ostream& out) {
@@ -96,7 +120,9 @@ GroupTestsResult runGroupTests(const GroupResult& group, const GroupModel& model
       addOnce(error.what(), result.failures);
     }
   }
-  if (result.tests.empty()) throw InputError(result.failures.front());
+  for (const GroupQuestion& question : model.questions)
+    if (!question.edges.empty()) addEdgeTests(question, model.inference, participants, options, result);
+  if (result.tests.empty() && result.edgeTests.empty()) throw InputError(result.failures.front());
   return result;
 }
 
@@ -108,6 +134,7 @@ Participants participantsOf(const fs::path& bidsDir, const fs::path& outDir) {
 
 void printGroupTests(const GroupTestsResult& result, std::ostream& out) {
   for (const GroupTestOutcome& test : result.tests) printTest(test.record, out);
+  for (const EdgeTestOutcome& test : result.edgeTests) printEdgeTest(test, out);
 }
 
 }  // namespace study

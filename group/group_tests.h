@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "group/edge_tests.h"
 #include "group/group.h"
 #include "group/group_test_run.h"
 
@@ -15,6 +16,7 @@ namespace study {
 
 struct GroupTestsResult {
   std::vector<GroupTestOutcome> tests;
+  std::vector<EdgeTestOutcome> edgeTests;
   std::vector<std::string> failures;  // in words: which test, and why
 };
 

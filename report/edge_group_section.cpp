@@ -76,10 +76,14 @@ std::string componentTable(const EdgeGroupFiles& files) {
 
 }  // namespace
 
+std::string edgeGroupId(const EdgeGroupFiles& files) {
+  return fmt::format("edges-{}-{}", files.stem, files.measure);
+}
+
 std::string edgeGroupSection(const EdgeGroupFiles& files, const std::string& title, Figures& figures) {
   const std::string stem = fmt::format("{}_meas-{}_stat-t_relmat", files.stem, files.measure);
   const render::MatrixPicture shown = picture(files);
-  return section("edges-" + files.measure, "part", 2, title,
+  return section(edgeGroupId(files), "part", 2, title,
                  matrixFigure(shown, text(fmt::format("{}. {}", shown.title, shown.caption)), stem, figures) +
                      componentTable(files));
 }

@@ -18,6 +18,9 @@ struct EdgeGroupFiles {
       nodesFile;  // a participant's table of nodes, for the order of pictures, with its path; empty: none
 };
 
+// Of its section, unique in a page of several tests.
+[[nodiscard]] std::string edgeGroupId(const EdgeGroupFiles& files);
+
 // t as a matrix, edges with a family-wise p of at most .05 in full colour, and a table of the components.
 // title: markup. Throws formats::FileError.
 [[nodiscard]] std::string edgeGroupSection(const EdgeGroupFiles& files, const std::string& title,

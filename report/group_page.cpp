@@ -2,7 +2,13 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+#include <map>
+#include <string_view>
+
 #include "formats/atomic_file.h"
+#include "group/group_names.h"
+#include "report/edge_group_section.h"
 #include "report/group_outputs.h"
 #include "report/group_sections.h"
 #include "report/html.h"
@@ -37,6 +43,16 @@ PageParts partsOf(const GroupOutputs& outputs, const GroupMaps& maps) {
   return parts;
 }
 
+// A participant's table of regions, which orders pictures: the first one below the folder.
+std::string anyNodesFile(const fs::path& outDir) {
+  std::vector<std::string> files;
+  for (fs::recursive_directory_iterator entry(outDir), end; entry != end; ++entry) {
+    const std::string file = entry->path().filename().string();
+    if (file.starts_with("sub-") && file.ends_with("_nodes.tsv")) files.push_back(entry->path().string());
+  }
+  return files.empty() ? "" : *std::min_element(files.begin(), files.end());
+}
+
 std::string writePage(const GroupOutputs& outputs) {
   const GroupMaps maps = groupMapsSection(outputs);
   const std::string path = outputs.path(study::reportFileOf(outputs.test));
@@ -48,11 +64,52 @@ std::string writePage(const GroupOutputs& outputs) {
   return path;
 }
 
+// "STEM_meas-M_components.tsv": tests at every edge, by the name of the test.
+std::map<std::string, std::vector<EdgeGroupFiles>> edgeTestsIn(const fs::path& outDir) {
+  constexpr std::string_view kEnd = "_components.tsv", kMeasure = "_meas-", kTest = "_desc-";
+  std::map<std::string, std::vector<EdgeGroupFiles>> tests;
+  std::error_code missing;
+  for (const fs::directory_entry& entry : fs::directory_iterator(outDir / study::kGroupFolder, missing)) {
+    const std::string file = entry.path().filename().string();
+    const std::size_t measure = file.rfind(kMeasure), test = file.rfind(kTest);
+    if (!file.ends_with(kEnd) || measure == std::string::npos || test == std::string::npos) continue;
+    const std::string stem = file.substr(0, measure);
+    const std::size_t first = measure + kMeasure.size();
+    tests[stem.substr(test + kTest.size())].push_back({outDir / study::kGroupFolder, stem,
+                                                       file.substr(first, file.size() - kEnd.size() - first),
+                                                       anyNodesFile(outDir)});
+  }
+  for (auto& [test, files] : tests)
+    std::sort(files.begin(), files.end(), [](const auto& a, const auto& b) { return a.stem < b.stem; });
+  return tests;
+}
+
+std::string writeEdgePage(const std::string& test, const std::vector<EdgeGroupFiles>& tests) {
+  PageParts parts;
+  Figures figures;
+  for (const EdgeGroupFiles& files : tests) {
+    const std::string title = fmt::format("{}, {}", files.measure, name(files.stem));
+    parts.contents.emplace_back(edgeGroupId(files), title);
+    parts.body += edgeGroupSection(files, title, figures);
+  }
+  parts.title = "Tavmap: group, " + test + ", connectomes";
+  parts.lead =
+      element("p", {{"class", "lead"}}, "A test over participants at every edge of their connectomes.");
+  const fs::path folder = tests[0].folder;
+  const std::string path = (folder / (test + "_connectome.html")).string();
+  formats::writeTextFile(path, page(parts), formats::Durability::kCached);
+  fs::create_directories(folder / "figures");
+  for (const auto& [file, bytes] : figures)
+    formats::writeTextFile((folder / "figures" / file).string(), bytes, formats::Durability::kCached);
+  return path;
+}
+
 }  // namespace
 
 std::vector<std::string> writeGroupReports(const fs::path& outDir) {
   std::vector<std::string> pages;
   for (const GroupOutputs& outputs : readGroupOutputs(outDir)) pages.push_back(writePage(outputs));
+  for (const auto& [test, files] : edgeTestsIn(outDir)) pages.push_back(writeEdgePage(test, files));
   return pages;
 }
 

@@ -8,8 +8,8 @@
 
 namespace report {
 
-// Writes group/TEST_report.html and group/figures/*.svg for every test below the output folder. Returns the
-// pages' paths, none without a test. Throws formats::FileError.
+// Writes group/TEST_report.html (TEST_connectome.html of tests at every edge) and group/figures for every
+// test below the output folder. Returns the pages' paths, none without a test. Throws formats::FileError.
 std::vector<std::string> writeGroupReports(const std::filesystem::path& outDir);
 
 }  // namespace report

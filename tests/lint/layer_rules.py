@@ -24,7 +24,7 @@ ARROWS = {
     "results": {"tav", "request", "bids", "prepare", "formats"},
     "study": {"connectome", "tav", "request", "bids", "prepare", "results", "formats", "suitability", "direction"},
     "report": {"connectome", "tav", "io", "formats", "render", "request", "bids", "prepare", "results", "group"},
-    "group": {"tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
+    "group": {"connectome", "tav", "io", "request", "bids", "prepare", "results", "formats", "inference"},
     "simulation": {"formats"},
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},

@@ -1,4 +1,4 @@
-"""Reports of made-up outputs in a browser: the tests of web/browser-tests over them, over the fixture, and their sides.
+"""Reports of made-up outputs and of a group in a browser: the tests of web/browser-tests over them, over the fixture, and their sides.
 
 Usage: browser_test.py TAVMAP WRITE_SAMPLES NODE
 """
@@ -8,6 +8,8 @@ import subprocess
 import sys
 import tempfile
 from pathlib import Path
+
+from numbers_test import run_of_group
 
 WEB = Path(__file__).resolve().parents[2] / "web"
 
@@ -20,6 +22,7 @@ def main():
         subprocess.run([tavmap, "report", samples], check=True, stdout=subprocess.DEVNULL)
         pages = [samples / kind / "sample_report.html" for kind in ("oblique", "nasty", "nothing")]
         pages.append(samples / "index.html")
+        pages += run_of_group(tavmap, Path(name))
         environment = dict(
             os.environ, TAVMAP_SAMPLES=str(samples), TAVMAP_REPORTS=":".join(str(page) for page in pages)
         )

@@ -12,6 +12,7 @@
 #include "app/study_options.h"
 #include "bids/bids_names.h"
 #include "report/group_page.h"
+#include "report/reports.h"
 #include "results/output_folder.h"
 #include "study/progress_bar.h"
 
@@ -113,6 +114,13 @@ void tellPages(const std::vector<std::string>& pages, const GroupTestArguments& 
   for (const std::string& page : pages) std::cout << "Report: " << page << "\n";
 }
 
+// An index over participants that is there leads to the tests as well.
+std::vector<std::string> pagesOf(const fs::path& outDir) {
+  std::vector<std::string> pages = report::writeGroupReports(outDir);
+  if (fs::exists(outDir / report::kIndexFile)) pages.push_back(report::writeIndex(outDir));
+  return pages;
+}
+
 Json recordsJson(const study::GroupTestsResult& result) {
   Json tests = Json::array();
   for (const study::GroupTestOutcome& test : result.tests) {
@@ -155,7 +163,7 @@ int runGroupTests(const study::GroupResult& group, const study::Participants& pa
   progress.begin("");
   for (const std::string& failure : result.failures) std::cerr << "FAILED: " << failure << "\n";
   study::explainOutputFolder(outDir);
-  if (!arguments.noReport) tellPages(report::writeGroupReports(outDir), arguments);
+  if (!arguments.noReport) tellPages(pagesOf(outDir), arguments);
   if (arguments.json) {
     std::cout << recordsJson(result).dump(2) << "\n";
   } else if (!arguments.quiet) {

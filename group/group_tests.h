@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "group/edge_tests.h"
+#include "group/connectome_tests.h"
 #include "group/group.h"
 #include "group/group_test_run.h"
 

@@ -34,7 +34,8 @@ constexpr const char* kReadme =
 // Names that no published version of the standard knows yet, or never will.
 constexpr const char* kIgnored =
     "*.tav\n*.log\n*_tavmap.json\n*_tavmap.tsv\n*_statmap.*\n*_seed-*\n*_desc-mean_boldref.*\n"
-    "*_desc-anatomy_T1w.*\n*_request.toml\n*_report.html\nindex.html\n*_connectome.*\n*_relmat.*\n*_nodes.*\n*_edges.*\nfigures/\nwork/\n";
+    "*_desc-anatomy_T1w.*\n*_request.toml\n*_report.html\nindex.html\n*_connectome.*\n*_relmat.*\n*_nodes.*"
+    "\n*_edges.*\nfigures/\nwork/\n";
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-#include "group/edge_tests.h"
+#include "group/connectome_tests.h"
 
 #include <fmt/core.h>
 

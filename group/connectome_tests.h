@@ -1,6 +1,6 @@
 // Tests over participants at every edge of their connectomes.
-#ifndef TAVMAP_GROUP_EDGE_TESTS_H
-#define TAVMAP_GROUP_EDGE_TESTS_H
+#ifndef TAVMAP_GROUP_CONNECTOME_TESTS_H
+#define TAVMAP_GROUP_CONNECTOME_TESTS_H
 
 #include <cstddef>
 #include <filesystem>

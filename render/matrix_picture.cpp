@@ -12,7 +12,7 @@ namespace {
 
 constexpr Rgb kNothing{0.35, 0.35, 0.35}, kGround{0.07, 0.07, 0.07}, kLine{0.75, 0.75, 0.75};
 constexpr double kFaint = 0.35;
-constexpr int kMargin = 16, kTitle = 40, kNames = 130, kBar = 70;
+constexpr int kMatrixMargin = 16, kTitle = 40, kNames = 130, kBar = 70;
 
 Rgb between(const Rgb& from, const Rgb& to, double share) {
   const auto mix = [share](double a, double b) { return a + share * (b - a); };
@@ -75,14 +75,14 @@ std::string matrixPixels(const MatrixPicture& picture) {
 
 std::string drawMatrix(const MatrixPicture& picture, int cell) {
   const int side = std::max(320, cell * static_cast<int>(picture.size));
-  const int width = kNames + side + kMargin, height = kTitle + side + kBar + kMargin;
+  const int width = kNames + side + kMatrixMargin, height = kTitle + side + kBar + kMatrixMargin;
   Canvas canvas(width, height);
   canvas.fillRectangle(0, 0, width, height, kGround);
-  canvas.text(kMargin, 26, 15, picture.title);
+  canvas.text(kMatrixMargin, 26, 15, picture.title);
   const double unit = static_cast<double>(side) / static_cast<double>(std::max<std::size_t>(1, picture.size));
   fillCells(picture, kNames, kTitle, unit, canvas);
   drawGroups(picture, kNames, kTitle, unit, canvas);
-  drawBar(picture, kNames, kTitle + side + kMargin, side, canvas);
+  drawBar(picture, kNames, kTitle + side + kMatrixMargin, side, canvas);
   return canvas.png();
 }
 

@@ -26,12 +26,13 @@ TEST(GroupModel, HasDefaultsForWhatIsNotSaid) {
 
 TEST(GroupModel, ReadsItsOwnExample) {
   const GroupModel model = parseGroupModel(exampleGroupModel(), "example");
-  ASSERT_EQ(model.questions.size(), 4U);
+  ASSERT_EQ(model.questions.size(), 5U);
   EXPECT_EQ(model.questions[1].within, "faces - houses");
   EXPECT_EQ(model.questions[2].contrast, "patient - control");
   EXPECT_EQ(model.questions[2].blocks, "scanner");
   EXPECT_EQ(model.questions[2].leftOut, std::vector<std::string>{"07"});
-  EXPECT_EQ(model.questions[3].covariates, (std::vector<std::string>{"age", "sex"}));
+  EXPECT_EQ(model.questions[3].edges, "NetInfluence");
+  EXPECT_EQ(model.questions[4].covariates, (std::vector<std::string>{"age", "sex"}));
 }
 
 TEST(GroupModel, SaysWhereSomethingIsWrong) {

@@ -65,7 +65,7 @@ int runConnectomeVerb(const ConnectomeArguments& arguments) {
   return kDone;
 }
 
-constexpr const char* kFooter =
+constexpr const char* kConnectomeFooter =
     "Every reference of the request, normally all labels of an atlas, with every other: the influence in "
     "both\n"
     "directions, their difference and the instantaneous influence, from one fit per pair. p, q and "
@@ -90,7 +90,7 @@ void addConnectomeCommand(CLI::App& program) {
       "Series that all measures are given, instead of the request's: \"global signal\", names of "
       "references, or \"all others\"");
   addStudyOptions(*command, arguments->study);
-  command->footer(kFooter);
+  command->footer(kConnectomeFooter);
   command->callback([arguments] { leaveWith([&] { return runConnectomeVerb(*arguments); }); });
 }
 

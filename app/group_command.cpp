@@ -14,7 +14,7 @@
 namespace app {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kGroupFooter =
     "What is tested: Ref2Vox, Vox2Ref and Inst as z against each voxel's own null values; dTAV as it is, "
     "and\n"
     "dTAVrev, which is dTAV minus that of reversed time: of a mean it alone speaks of a lead\n"
@@ -71,7 +71,7 @@ void addGroupCommand(CLI::App& program) {
   command->add_flag("--leave-out-outdated", arguments->leaveOutOutdated,
                     "Go on without records whose inputs are gone or were changed since");
   addGroupTestOptions(*command, arguments->tests);
-  command->footer(kFooter);
+  command->footer(kGroupFooter);
   command->callback([arguments] { leaveWith([&] { return group(*arguments); }); });
 }
 

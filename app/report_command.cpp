@@ -11,7 +11,7 @@
 namespace app {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kReportFooter =
     "Examples:\n  tavmap report results\n  tavmap report /out    every participant's, and an index over them";
 
 struct ReportArguments {
@@ -36,7 +36,7 @@ void addReportCommand(CLI::App& program) {
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
   command->add_flag("-q,--quiet", arguments->quiet, "Do not name the pages");
-  command->footer(kFooter);
+  command->footer(kReportFooter);
   command->callback([arguments] { leaveWith([&] { return run(*arguments); }); });
 }
 

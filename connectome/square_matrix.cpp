@@ -5,7 +5,7 @@
 namespace connectome {
 namespace {
 
-constexpr double kLeastPivot = 1e-10;
+constexpr double kLeastPivotOfSquare = 1e-10;
 
 // The lower triangle becomes L.
 bool factor(SquareMatrix& matrix) {
@@ -18,7 +18,7 @@ bool factor(SquareMatrix& matrix) {
       for (std::size_t k = 0; k < j; ++k) sum -= row[k] * other[k];
       row[j] = j < i ? sum / other[j] : sum;
     }
-    if (!(row[i] > kLeastPivot * diagonal)) return false;
+    if (!(row[i] > kLeastPivotOfSquare * diagonal)) return false;
     row[i] = std::sqrt(row[i]);
   }
   return true;

@@ -20,10 +20,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 
 double valueAt(const std::vector<float>& map, std::size_t place) {
-  return map.empty() ? kNone : withDigitsOf(map[place]);
+  return map.empty() ? kNoValue : withDigitsOf(map[place]);
 }
 
 // A list of places that belong together.
@@ -37,7 +37,7 @@ class PeakFinder {
   PeakFinder(const TestedGroup& test, fs::path outDir)
       : test_(test), outDir_(std::move(outDir)), grid_(gridOf(test.images.header)), finder_(grid_.size) {
     const inference::TestResult& result = test.result;
-    massP_.assign(result.t.size(), result.nullMass.sorted.empty() ? kNone : 1.0);
+    massP_.assign(result.t.size(), result.nullMass.sorted.empty() ? kNoValue : 1.0);
     for (const inference::Cluster& cluster : result.clusters)
       for (const std::int32_t place : cluster.places) massP_[static_cast<std::size_t>(place)] = cluster.pFwe;
   }
@@ -165,7 +165,7 @@ class PeakFinder {
     for (std::size_t row = 0; row < values.rows; ++row) {
       const float value = values.of(row, place);
       all.push_back({test_.cell.rows[test_.design.rows[row]].participant,
-                     std::isnan(value) ? kNone : withDigitsOf(value), without[row][0].t});
+                     std::isnan(value) ? kNoValue : withDigitsOf(value), without[row][0].t});
     }
     return all;
   }

@@ -18,7 +18,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 template <typename Row>
-struct Column {
+struct DescribedColumn {
   std::string name, description;
   std::function<std::string(const Row&)> cell;
 };
@@ -38,7 +38,7 @@ std::string mmText(double mm) {
   return fmt::format("{}", std::round(mm * 1000) / 1000 + 0.0);
 }
 
-using PeakColumns = std::vector<Column<PeakRow>>;
+using PeakColumns = std::vector<DescribedColumn<PeakRow>>;
 
 void addPlace(PeakColumns& columns) {
   columns.push_back({"cluster", "number of the cluster, from 1",
@@ -100,7 +100,7 @@ PeakColumns peakColumns(const GroupTestRecord& record) {
   return columns;
 }
 
-std::vector<Column<ValueRow>> valueColumns() {
+std::vector<DescribedColumn<ValueRow>> valueColumns() {
   return {
       {"cluster", "number in the table of clusters",
        [](const ValueRow& row) { return fmt::format("{}", row.number); }},
@@ -116,23 +116,24 @@ std::vector<Column<ValueRow>> valueColumns() {
 }
 
 template <typename Row>
-std::string headerOf(const std::vector<Column<Row>>& columns) {
+std::string headerOf(const std::vector<DescribedColumn<Row>>& columns) {
   std::string text;
-  for (const Column<Row>& column : columns) text += (text.empty() ? "" : "\t") + column.name;
+  for (const DescribedColumn<Row>& column : columns) text += (text.empty() ? "" : "\t") + column.name;
   return text + "\n";
 }
 
 template <typename Row>
-std::string rowOf(const std::vector<Column<Row>>& columns, const Row& row) {
+std::string rowOf(const std::vector<DescribedColumn<Row>>& columns, const Row& row) {
   std::string text;
-  for (const Column<Row>& column : columns) text += (text.empty() ? "" : "\t") + column.cell(row);
+  for (const DescribedColumn<Row>& column : columns) text += (text.empty() ? "" : "\t") + column.cell(row);
   return text + "\n";
 }
 
 template <typename Row>
-Json described(const std::vector<Column<Row>>& columns, const std::string& description) {
+Json described(const std::vector<DescribedColumn<Row>>& columns, const std::string& description) {
   Json json{{"Description", description}};
-  for (const Column<Row>& column : columns) json[column.name] = {{"Description", column.description}};
+  for (const DescribedColumn<Row>& column : columns)
+    json[column.name] = {{"Description", column.description}};
   return json;
 }
 

@@ -14,7 +14,7 @@ namespace inference {
 namespace {
 
 // Sums of floats in another order differ by less: of correlations, and relative to a pseudo-t.
-constexpr double kRounding = 2e-6, kPseudoRounding = 1e-5;
+constexpr double kRoundingOfZ = 2e-6, kPseudoRounding = 1e-5;
 
 double counted(double value, const TestOptions& options) {
   return options.twoSided ? std::abs(value) : value;
@@ -32,7 +32,7 @@ void setPlain(const TestedPlaces& places, const TestOptions& options, Observed& 
   forEachSlot(places, [&](std::size_t slot, int freedom) {
     const double t = places.t[slot];
     observed.z[slot] = static_cast<float>(zOfT(t, freedom));
-    observed.bounds[slot] = static_cast<float>(counted(correlationOfT(t, freedom), options) - kRounding);
+    observed.bounds[slot] = static_cast<float>(counted(correlationOfT(t, freedom), options) - kRoundingOfZ);
   });
 }
 

@@ -11,8 +11,8 @@
 namespace report {
 namespace {
 
-constexpr double kGap = 8;       // between views, mm
-constexpr double kCaption = 10;  // height of the line above a view, mm
+constexpr double kGap = 8;           // between views, mm
+constexpr double kViewCaption = 10;  // height of the line above a view, mm
 constexpr render::Rgba kBrain{127, 127, 127, 60};
 
 // A view along one axis: which axes run across and down, and whether they run against the picture.
@@ -80,18 +80,18 @@ std::string glassBrain(const PageGrid& grid, const GlassMap& map, const std::str
   double x = 0, tallest = 0;
   for (const View& view : kViews) {
     const double width = extent(grid, view.across), height = extent(grid, view.down),
-                 middle = kCaption + height / 2;
+                 middle = kViewCaption + height / 2;
     content += fmt::format(
         "<image x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" preserveAspectRatio=\"none\" "
         "style=\"image-rendering:pixelated\" href=\"{}\"/>"
         "<text x=\"{:.2f}\" y=\"7\" text-anchor=\"middle\">{}</text><text x=\"{:.2f}\" y=\"{:.2f}\">{}</text>"
         "<text x=\"{:.2f}\" y=\"{:.2f}\" text-anchor=\"end\">{}</text>",
-        x, kCaption, width, height, pngUri(pixelsOf(grid, map, view).png()), x + width / 2, view.name, x + 1,
-        middle, view.first, x + width - 1, middle, view.second);
+        x, kViewCaption, width, height, pngUri(pixelsOf(grid, map, view).png()), x + width / 2, view.name,
+        x + 1, middle, view.first, x + width - 1, middle, view.second);
     x += width + kGap;
     tallest = std::max(tallest, height);
   }
-  const std::string box = fmt::format("0 0 {:.2f} {:.2f}", x - kGap, kCaption + tallest);
+  const std::string box = fmt::format("0 0 {:.2f} {:.2f}", x - kGap, kViewCaption + tallest);
   return element("svg",
                  {{"xmlns", "http://www.w3.org/2000/svg"},
                   {"class", "glass-brain"},

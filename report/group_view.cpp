@@ -47,11 +47,11 @@ fs::path besideMap(const fs::path& outDir, const std::string& image, const char*
   return outDir / (image.substr(0, image.rfind("_seed-")) + end);
 }
 
-struct Candidate {
+struct MeanOfImages {
   const char *end, *words;
 };
-constexpr Candidate kCandidates[] = {{"_desc-anatomy_T1w.nii.gz", "anatomies"},
-                                     {"_desc-mean_boldref.nii.gz", "mean images"}};
+constexpr MeanOfImages kMeansOfImages[] = {{"_desc-anatomy_T1w.nii.gz", "anatomies"},
+                                           {"_desc-mean_boldref.nii.gz", "mean images"}};
 
 // Each brain as bright as the others.
 void addScaled(const std::vector<float>& image, std::vector<float>& sum) {
@@ -62,7 +62,7 @@ void addScaled(const std::vector<float>& image, std::vector<float>& sum) {
     if (std::isfinite(image[i])) sum[i] += static_cast<float>(static_cast<double>(image[i]) / mean);
 }
 
-GroupUnderlay meanOf(const GroupOutputs& outputs, const PageGrid& grid, const Candidate& candidate) {
+GroupUnderlay meanOf(const GroupOutputs& outputs, const PageGrid& grid, const MeanOfImages& candidate) {
   GroupUnderlay underlay{std::vector<float>(grid.voxels(), 0), "", 1};
   std::set<fs::path> files;
   for (const TestedCell& cell : outputs.cells)
@@ -104,7 +104,7 @@ GroupView readGroupView(const GroupOutputs& outputs, const PageGrid& grid, const
 }
 
 GroupUnderlay readGroupUnderlay(const GroupOutputs& outputs, const PageGrid& grid) {
-  for (const Candidate& candidate : kCandidates) {
+  for (const MeanOfImages& candidate : kMeansOfImages) {
     GroupUnderlay underlay = meanOf(outputs, grid, candidate);
     if (!underlay.words.empty()) return underlay;
   }

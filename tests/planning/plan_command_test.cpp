@@ -28,7 +28,7 @@ const Scratch& groupStudy() {
   return folder;
 }
 
-ProgramResult planOf(std::vector<std::string> more = {}) {
+ProgramResult planThatPrints(std::vector<std::string> more = {}) {
   std::vector<std::string> words = {
       "plan",
       "study",
@@ -46,7 +46,7 @@ ProgramResult planOf(std::vector<std::string> more = {}) {
 }
 
 TEST(PlanCommand, TellsOfADataSetWhoIsExcludedAndWhyAndWhatIsLeftOfTheOthers) {
-  const ProgramResult planned = planOf({"--json", "--seed=1"});
+  const ProgramResult planned = planThatPrints({"--json", "--seed=1"});
   EXPECT_EQ(planned.exitCode, 1) << planned.err;  // somebody cannot be computed
   const json table = json::parse(planned.out);
   ASSERT_EQ(table["Requests"].size(), 4U);
@@ -68,12 +68,12 @@ TEST(PlanCommand, TellsOfADataSetWhoIsExcludedAndWhyAndWhatIsLeftOfTheOthers) {
 }
 
 TEST(PlanCommand, WritesNothing) {
-  ASSERT_EQ(planOf().exitCode, 1);
+  ASSERT_EQ(planThatPrints().exitCode, 1);
   EXPECT_FALSE(std::filesystem::exists(groupStudy().folder() / "out"));
 }
 
 TEST(PlanCommand, ShowsThePersonAtTheTerminalTheSame) {
-  const ProgramResult planned = planOf({"--jobs=2", "--participant-label=01"});
+  const ProgramResult planned = planThatPrints({"--jobs=2", "--participant-label=01"});
   EXPECT_EQ(planned.exitCode, 0) << planned.err;
   EXPECT_THAT(planned.out, HasSubstr("1 of 1 can be computed, 0 of them are finished\n"));
   EXPECT_THAT(planned.out, HasSubstr("On this machine, 2 workers: about "));

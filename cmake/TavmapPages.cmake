@@ -15,8 +15,8 @@ function(tavmap_page_assets output)
     set(script ${made}/report.js)
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${web}/src/*.ts ${web}/style/*)
     add_custom_command(OUTPUT ${style} ${script}
-      COMMAND ${NODE} ${web}/build.mjs ${made}
-      DEPENDS ${sources} ${web}/build.mjs ${web}/package-lock.json ${web}/tsconfig.json
+      COMMAND ${NODE} ${web}/build.mjs ${made} report
+      DEPENDS ${sources} ${web}/build.mjs ${web}/licences.mjs ${web}/package-lock.json ${web}/tsconfig.json
       COMMENT "Bundling the script of pages" VERBATIM)
   else()
     message(STATUS "No Node, or no packages in web/: reports are made without interaction")
@@ -25,6 +25,32 @@ function(tavmap_page_assets output)
     COMMAND ${CMAKE_COMMAND} "-DSTYLE=${style}" -DSCRIPT=${script} -DOUT=${output} -P ${embed}
     DEPENDS ${style} ${script} ${embed}
     COMMENT "Putting style and script of pages into a source file" VERBATIM)
+  set_source_files_properties(${output} PROPERTIES COMPILE_OPTIONS -Wno-overlength-strings
+    SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
+# tavmap_workbench_files(<output>): the page of the workbench as a C++ file for workbench/page_files.h; empty without Node
+# or the packages of web/.
+function(tavmap_workbench_files output)
+  set(web ${CMAKE_SOURCE_DIR}/web)
+  set(embed ${CMAKE_SOURCE_DIR}/cmake/EmbedFiles.cmake)
+  set(made ${CMAKE_CURRENT_BINARY_DIR}/pages)
+  set(files "")
+  if(NODE AND EXISTS ${web}/node_modules/@niivue/niivue)
+    set(files workbench.html workbench.js workbench.css favicon.svg)
+    list(TRANSFORM files PREPEND ${made}/)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${web}/src/*.ts ${web}/style/* ${web}/page/* ${web}/licences/*)
+    add_custom_command(OUTPUT ${files}
+      COMMAND ${NODE} ${web}/build.mjs ${made} workbench
+      DEPENDS ${sources} ${web}/build.mjs ${web}/licences.mjs ${web}/package-lock.json ${web}/tsconfig.json
+      COMMENT "Bundling the page of the workbench" VERBATIM)
+  else()
+    message(STATUS "No Node, or no packages in web/: the program is built without the page of its workbench")
+  endif()
+  add_custom_command(OUTPUT ${output}
+    COMMAND ${CMAKE_COMMAND} "-DFILES=${files}" -DOUT=${output} -P ${embed}
+    DEPENDS ${files} ${embed}
+    COMMENT "Putting the page of the workbench into a source file" VERBATIM)
   set_source_files_properties(${output} PROPERTIES COMPILE_OPTIONS -Wno-overlength-strings
     SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()

@@ -1,10 +1,27 @@
-// Makes report.js and report.css, each to be put into a page as it is, in the folder given, or in build/.
+// Makes the scripts and styles of the pages: node build.mjs [FOLDER [PAGE...]]. FOLDER: build/ beside this
+// file; PAGE: report (each to be put into a page as it is) and workbench (files of one origin).
 import { mkdir, readFile, writeFile } from "node:fs/promises";
 import { join } from "node:path";
 import * as esbuild from "esbuild";
+import { bannerOf, packagesOf } from "./licences.mjs";
 
 const here = (path) => new URL(path, import.meta.url);
-const licence = await readFile(here("node_modules/uplot/LICENSE"), "utf8");
+const textOf = (path) => readFile(here(path), "utf8");
+
+// What NiiVue reads one file format of other fields with: two megabytes that no page here asks for.
+const kUnused = ["numcodecs/blosc", "numcodecs/lz4", "numcodecs/zstd"];
+
+const kPages = {
+  report: { format: "iife", target: "es2020", alias: {}, files: [] },
+  workbench: {
+    format: "esm",
+    target: "es2022",
+    alias: Object.fromEntries(kUnused.map((name) => [name, here("src/workbench/unused.ts").pathname])),
+    files: ["workbench.html", "favicon.svg"],
+  },
+};
+
+const kEntries = { report: "src/report.ts", workbench: "src/workbench/main.ts" };
 
 // What would end the element that the text is put into, or change how it is read.
 function refuse(text, name, ...forbidden) {
@@ -13,36 +30,44 @@ function refuse(text, name, ...forbidden) {
   }
 }
 
-async function bundleScript() {
+async function scriptOf(name, { format, target, alias }) {
   const result = await esbuild.build({
-    entryPoints: [here("src/report.ts").pathname],
+    entryPoints: [here(kEntries[name]).pathname],
     bundle: true,
     minify: true,
-    format: "iife",
-    target: "es2020",
+    format,
+    target,
+    alias,
     charset: "ascii",
     legalComments: "none",
-    banner: { js: `/*! Contains uPlot:\n${licence.trim()}\n*/` },
+    metafile: true,
     write: false,
   });
-  return result.outputFiles[0].text;
+  return (await bannerOf(packagesOf(result.metafile))) + result.outputFiles[0].text;
 }
 
-async function bundleStyle() {
-  const names = (await readFile(here("style/order.txt"), "utf8")).trim().split("\n");
-  const own = (await Promise.all(names.map((name) => readFile(here(`style/${name}`), "utf8")))).join("\n");
-  const charts = await readFile(here("node_modules/uplot/dist/uPlot.min.css"), "utf8");
+async function styleOf(name) {
+  const order = name === "report" ? "style/order.txt" : `style/${name}_order.txt`;
+  const names = (await textOf(order)).trim().split("\n");
+  const own = (await Promise.all(names.map((each) => textOf(`style/${each}`)))).join("\n");
+  const charts = await textOf("node_modules/uplot/dist/uPlot.min.css");
   // No target: light-dark forms and nesting are not used, and nothing is to be rewritten.
   return (await esbuild.transform(`${charts}\n${own}`, { loader: "css", minify: true, charset: "ascii" }))
     .code;
 }
 
-const folder = process.argv[2] ?? here("build").pathname;
+async function make(name, folder) {
+  const page = kPages[name];
+  const script = await scriptOf(name, page);
+  const style = await styleOf(name);
+  if (name === "report") refuse(script, "report.js", "</script", "<script", "<!--");
+  refuse(style, `${name}.css`, "</style", "@import", "url(");
+  await writeFile(join(folder, `${name}.js`), script);
+  await writeFile(join(folder, `${name}.css`), style);
+  for (const file of page.files) await writeFile(join(folder, file), await textOf(`page/${file}`));
+  console.log(`${name}.js ${script.length} bytes, ${name}.css ${style.length} bytes`);
+}
+
+const [folder = here("build").pathname, ...asked] = process.argv.slice(2);
 await mkdir(folder, { recursive: true });
-const script = await bundleScript();
-const style = await bundleStyle();
-refuse(script, "report.js", "</script", "<script", "<!--");
-refuse(style, "report.css", "</style", "@import", "url(");
-await writeFile(join(folder, "report.js"), script);
-await writeFile(join(folder, "report.css"), style);
-console.log(`report.js ${script.length} bytes, report.css ${style.length} bytes`);
+for (const name of asked.length > 0 ? asked : Object.keys(kPages)) await make(name, folder);

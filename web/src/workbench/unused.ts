@@ -1,0 +1,2 @@
+// Stands for packages that are never called (see build.mjs).
+export default {};

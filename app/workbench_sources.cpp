@@ -29,6 +29,7 @@ void requireFiles(const WorkbenchArguments& a) {
       {&a.anatomy, "--anatomy"}, {&a.atlas, "--atlas"}, {&a.atlasTable, "--atlas-table"}, {&a.plugin, "--plugin"},
       {&a.vtc, "--vtc"},       {&a.vois, "--vois"},   {&a.protocol, "--protocol"}};
   for (const auto& [path, option] : files) requireThere(*path, option);
+  for (const std::string& folder : a.folders) requireThere(folder, "--folder");
 }
 
 // A raw data set and a folder of derivatives, ours too, both have dataset_description.json; ours have records.
@@ -68,7 +69,7 @@ void placeFiles(const WorkbenchArguments& a, workbench::ExploreSources& explore)
 fs::path usualPlugin() {
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
-  for (const char* place : {"TAVPlugin.so", "../plugin/TAVPlugin.so", "../lib/tavmap/TAVPlugin.so"})
+  for (const char* place : {"TAVPlugin.so", "../plugin/TAVPlugin.so", "../lib/tavmap/plugins/TAVPlugin.so"})
     if (const fs::path path = program / place; fs::is_regular_file(path, ignored)) return path.lexically_normal();
   return {};
 }
@@ -95,6 +96,9 @@ void addWorkbenchSources(CLI::App& command, WorkbenchArguments& a) {
   command.add_option("--atlas-table", a.atlasTable, "Names of the labels (default: the .tsv beside the image)");
   command.add_option("-o,--out", a.out, "Where requests that are saved here write their results");
   command.add_option("-w,--work-folder", a.work, "Work folder (default: tavmap-workbench in the working folder)");
+  command.add_option("-j,--jobs", a.jobs, "Worker processes of each run that is started here")
+      ->check(CLI::Range(1, 1024))
+      ->capture_default_str();
   command.add_option("--plugin", a.plugin, "Plug-in of sessions (default: the TAVPlugin.so of this program)");
   command.add_option("--vtc", a.vtc, "VTC of plug-in sessions");
   command.add_option("--vois", a.vois, "VOI list of plug-in sessions: a label image, or JSON");
@@ -122,6 +126,7 @@ workbench::Sources sourcesOf(const WorkbenchArguments& arguments) {
   sources.explore.workFolder = workFolderOf(arguments);
   sources.output = absoluteOrEmpty(arguments.out);
   for (const std::string& folder : arguments.folders) sources.folders.push_back(absoluteOrEmpty(folder));
+  sources.jobs = arguments.jobs;
   sources.program = kThisProgram;
   sources.version = softwareVersion();
   return sources;

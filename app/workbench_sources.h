@@ -18,7 +18,7 @@ struct WorkbenchArguments {
   std::string out, work;
   std::string plugin, vtc, vois, protocol;
   std::vector<std::string> folders;
-  int port = 0;
+  int port = 0, jobs = 1;
   bool noBrowser = false;
 };
 

@@ -56,8 +56,9 @@ std::string freeName(const std::vector<AllowedFolder>& folders, const fs::path& 
 
 void FolderGuard::allow(const fs::path& folder) {
   std::error_code error;
-  const fs::path path = fs::canonical(folder, error);
-  if (error || !fs::is_directory(path, error))
+  fs::path path = fs::weakly_canonical(fs::absolute(folder), error);
+  if (!path.has_filename()) path = path.parent_path();
+  if (error || (fs::exists(path, error) && !fs::is_directory(path, error)))
     throw study::InputError(fmt::format("{} is no folder; name one that is there", folder.string()));
   const bool isKnown = std::any_of(folders_.begin(), folders_.end(), [&](const auto& f) { return f.path == path; });
   if (!isKnown) folders_.push_back({freeName(folders_, path), path});

@@ -23,8 +23,8 @@ struct FolderEntry {
 
 class FolderGuard {
  public:
-  // Adds a folder under its own name, with a number when that is taken; again: nothing happens. Throws
-  // study::InputError when there is none.
+  // Adds a folder, which need not be there yet, under its own name, with a number when that is taken; again:
+  // nothing happens. Throws study::InputError for what is no folder.
   void allow(const std::filesystem::path& folder);
   [[nodiscard]] const std::vector<AllowedFolder>& folders() const { return folders_; }
 

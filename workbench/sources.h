@@ -30,6 +30,7 @@ struct Sources {
   std::vector<std::filesystem::path> results;  // folders of results
   std::vector<std::filesystem::path> folders;  // further ones that may be read
   std::filesystem::path output;                // where requests that are made here write
+  int jobs = 1;                                // worker processes of each run
   std::string program;                         // the path of `tavmap`, which runs requests
   std::string version;
 };

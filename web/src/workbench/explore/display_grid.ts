@@ -1,5 +1,5 @@
-// The grid that the brain is drawn on: upright, in steps of equal length, over a box of millimetres. Images of any
-// slant are drawn on it, so that what a pixel shows is known exactly.
+// The grid that the brain is drawn on: upright, in steps of equal length, over a box of millimetres. Images
+// of any slant are drawn on it, so that what a pixel shows is known exactly.
 import { millimetres } from "../../data/grid";
 import type { AffineRows, Triple } from "../../data/page_data";
 import { inverse, type Matrix } from "./affine";

@@ -1,5 +1,5 @@
-// Which maps are asked for, and when: drafts while the reference moves, one at a time and always the newest; when it
-// rests, the calibrated maps.
+// Which maps are asked for, and when: drafts while the reference moves, one at a time and always the newest;
+// when it rests, the calibrated maps.
 import { isAbort, ServerError } from "../server";
 import type { MapsRequest } from "./explore_data";
 

@@ -1,5 +1,5 @@
-// Maps as the program sends them: 4 bytes (how long the header is, little endian), a JSON header, then arrays,
-// one value per voxel of the mask. Arrays are views of the reply: nothing is copied.
+// Maps as the program sends them: 4 bytes (how long the header is, little endian), a JSON header, then
+// arrays, one value per voxel of the mask. Arrays are views of the reply: nothing is copied.
 
 export interface ArrayHeader {
   readonly type: string;

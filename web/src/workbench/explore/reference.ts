@@ -1,5 +1,5 @@
-// References: what they are called and which voxels of the mask they cover, for drawing. What the program computes with
-// is the request itself.
+// References: what they are called and which voxels of the mask they cover, for drawing. What the program
+// computes with is the request itself.
 import { offsetOf } from "../../data/grid";
 import type { Triple } from "../../data/page_data";
 import { plain } from "../../viewer/numbers";
@@ -74,4 +74,12 @@ export function placesOf(reference: Reference, mask: VoxelMask, labelAt: Int32Ar
     case "voxels":
       return reference.cells.map((cell) => mask.placeOf[cell] ?? -1).filter((place) => place >= 0);
   }
+}
+
+// Those with a neighbour, across a face, that is not among them.
+export function shellOf(places: readonly number[], mask: VoxelMask): number[] {
+  const [nx, ny] = mask.grid.size;
+  const cells = new Set(places.map((place) => mask.cells[place] ?? -1));
+  const steps = [1, -1, nx, -nx, nx * ny, -nx * ny];
+  return places.filter((place) => steps.some((step) => !cells.has((mask.cells[place] ?? 0) + step)));
 }

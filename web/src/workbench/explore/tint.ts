@@ -76,9 +76,8 @@ export function tint(map: ReplyMap, options: TintOptions, out: Uint32Array): voi
 const kCyan = 0xffff00; // red in the lowest byte
 const kRegionOpacity = 200;
 
-export function paintRegion(places: ArrayLike<number>, out: Uint32Array): void {
-  for (let n = 0; n < places.length; ++n) {
-    const place = places[n] ?? -1;
+export function paintRegion(places: readonly number[], out: Uint32Array): void {
+  for (const place of places) {
     if (place >= 0) out[place] = kCyan | (kRegionOpacity << 24);
   }
 }

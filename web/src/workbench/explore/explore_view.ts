@@ -1,0 +1,69 @@
+// The Explore tab once a run is ready.
+import { make } from "../../page/dom";
+import { ReadoutList } from "../../viewer/readout_list";
+import type { Server } from "../server";
+import type { Shell } from "../shell";
+import { badgeView } from "./badge_view";
+import { BrainViews } from "./brain_views";
+import { mapControls } from "./controls/map_controls";
+import { referenceControls } from "./controls/reference_controls";
+import { settingsControls } from "./controls/settings_controls";
+import { thresholdControls } from "./controls/threshold_controls";
+import type { ReadyData, Settings } from "./explore_data";
+import { Explorer } from "./explorer";
+import { firstState, type ExploreState } from "./explore_state";
+import { legendView } from "./legend_view";
+import { MapSource } from "./map_source";
+import { readoutLines } from "./readout_lines";
+import { loadImages, type RunImages } from "./run_images";
+import { Store } from "./store";
+
+export interface ExploreContext {
+  readonly server: Server;
+  readonly shell: Shell;
+  readonly replan: (settings: Settings) => void; // loads the run again
+}
+
+function readoutView(explorer: Explorer): HTMLElement {
+  const list = new ReadoutList();
+  const show = (now: ExploreState): void => {
+    list.show(readoutLines(explorer.data, explorer.images, now));
+  };
+  explorer.store.on(["crosshair", "maps", "type", "choice"], show);
+  show(explorer.store.now);
+  return list.element;
+}
+
+function controlsOf(explorer: Explorer, context: ExploreContext): HTMLElement {
+  return make(
+    "div",
+    { class: "explore-controls" },
+    mapControls(explorer),
+    referenceControls(explorer),
+    thresholdControls(explorer),
+    settingsControls(explorer, context.replan),
+  );
+}
+
+// A place well inside the mask: the middle one of its voxels.
+function middleOf(images: RunImages): readonly [number, number, number] {
+  return images.mask.mmOf(images.mask.cells.length >> 1);
+}
+
+// Fills `root`. Rejects when the run's images cannot be read or drawn.
+export async function showExplore(
+  root: HTMLElement,
+  data: ReadyData,
+  context: ExploreContext,
+): Promise<Explorer> {
+  const images = await loadImages(data, context.server);
+  const store = new Store<ExploreState>(firstState(data, middleOf(images)));
+  const explorer = new Explorer(data, images, store);
+  const brains = new BrainViews(explorer);
+  const side = make("div", { class: "explore-side" }, readoutView(explorer), legendView(explorer));
+  const stage = make("div", { class: "explore-stage" }, badgeView(explorer), brains.element, side);
+  root.replaceChildren(make("div", { class: "explore" }, stage, controlsOf(explorer, context)));
+  await brains.open();
+  new MapSource(store, context.server).ask();
+  return explorer;
+}

@@ -53,7 +53,6 @@ export class BrainCanvas {
   private overlay: Uint8Array | null = null;
   private grid: DisplayGrid | null = null;
   private stale = false; // the overlay is not uploaded yet
-  lastDrawMs = 0;
 
   constructor(private readonly solid: boolean) {
     this.niivue = new Niivue({ ...kOptions, show3Dcrosshair: solid });
@@ -63,10 +62,12 @@ export class BrainCanvas {
   async open({ grid, grey }: Backdrop): Promise<void> {
     await this.niivue.attachToCanvas(this.canvas, false);
     this.niivue.setSliceType(this.solid ? SLICE_TYPE.RENDER : SLICE_TYPE.MULTIPLANAR);
-    this.niivue.addVolume(await imageOf(grid, grid.size, grey, "brain"));
-    this.niivue.addVolume(await imageOf(grid, [2, 2, 2], new Uint8Array(8), "none"));
+    const brain = await imageOf(grid, grid.size, grey, "brain");
+    const none = await imageOf(grid, [2, 2, 2], new Uint8Array(8), "none");
+    // Both at once: added one by one, every texture is made twice.
+    this.niivue.volumes = [brain, none];
+    this.niivue.setVolume(none, 1);
     this.grid = grid;
-    this.niivue.updateGLVolume();
   }
 
   // rgba: a word per voxel of the grid. The array is kept: change it and call this again.
@@ -102,10 +103,8 @@ export class BrainCanvas {
 
   drawNow(): void {
     if (this.grid === null) return;
-    const started = performance.now();
     if (this.stale) this.upload(this.grid.size);
     this.niivue.drawScene();
-    this.lastDrawMs = performance.now() - started;
   }
 
   private upload([nx, ny, nz]: Triple): void {

@@ -1,4 +1,5 @@
-// The planes and the solid view, with the map of the state over the brain.
+// The planes and the solid view, with the map of the state over the brain. The solid view, which takes most
+// work to draw, follows when the reference rests.
 import { make } from "../../page/dom";
 import { BrainCanvas } from "./brain_canvas";
 import { levelFull } from "./colour_range";
@@ -14,7 +15,6 @@ const kPlanesWords =
   "Three planes through the crosshair: sagittal, coronal, axial; left on the left. Arrows and Page " +
   "keys move the crosshair, with Shift the reference.";
 const kSolidWords = "The brain as a solid, seen from outside. Arrows turn it.";
-const kFastMs = 25; // a solid view that takes longer waits until the reference rests
 
 function labelled(canvas: BrainCanvas, words: string, part: string): void {
   canvas.canvas.tabIndex = 0;
@@ -40,12 +40,16 @@ export class BrainViews {
   }
 
   // The element must be on the page. Rejects where the browser has no WebGL 2.
-  async open(): Promise<void> {
+  async openPlanes(): Promise<void> {
     await this.planes.open(this.explorer.images);
-    await this.solid.open(this.explorer.images);
     followPointer(this.planes, this.explorer);
-    turnByPointer(this.solid);
     this.watch();
+  }
+
+  async openSolid(): Promise<void> {
+    await this.solid.open(this.explorer.images);
+    turnByPointer(this.solid);
+    this.frame.ask();
   }
 
   private watch(): void {
@@ -74,6 +78,6 @@ export class BrainViews {
     const full = map === null ? 1 : levelFull(map, maps?.header.draft === true);
     const words = this.painter.paint(map, { level, full, hideBelow, faintUnsupported }, this.region);
     this.planes.show(words);
-    if (maps?.header.draft !== true || this.solid.lastDrawMs < kFastMs) this.solid.show(words);
+    if (maps?.header.draft !== true) this.solid.show(words);
   }
 }

@@ -63,7 +63,8 @@ export async function showExplore(
   const side = make("div", { class: "explore-side" }, readoutView(explorer), legendView(explorer));
   const stage = make("div", { class: "explore-stage" }, badgeView(explorer), brains.element, side);
   root.replaceChildren(make("div", { class: "explore" }, stage, controlsOf(explorer, context)));
-  await brains.open();
+  await brains.openPlanes();
   new MapSource(store, context.server).ask();
+  await brains.openSolid();
   return explorer;
 }

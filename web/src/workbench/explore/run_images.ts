@@ -1,10 +1,9 @@
 // What is loaded once per run: the mask, the labels and the brain that maps are drawn on.
-import { NVImage } from "@niivue/niivue";
-import type { AffineRows } from "../../data/page_data";
 import { boxOf } from "./affine";
 import { voxelEdges } from "../../data/grid";
 import { displayGrid, type DisplayGrid } from "./display_grid";
 import type { ReadyData } from "./explore_data";
+import { readNifti } from "./image_file";
 import { greyLevels, nearestOf, resampled, type Image } from "./resampling";
 import { VoxelMask } from "./voxel_mask";
 import { labelsOfPlaces } from "./label_places";
@@ -18,13 +17,8 @@ export interface RunImages {
   readonly labelOf: Int32Array | null; // [place]: label, 0: none
 }
 
-async function imageFrom(name: string): Promise<Image> {
-  const url = `/api/explore/image/${name}.nii.gz`;
-  const image = await NVImage.loadFromUrl({ url, name: `${name}.nii.gz` });
-  const { hdr, img } = image;
-  if (!hdr || !img) throw new Error(`The image ${name} has no content.`);
-  const [, nx = 1, ny = 1, nz = 1] = hdr.dims;
-  return { size: [nx, ny, nz], affine: hdr.affine as AffineRows, data: img };
+async function imageFrom(server: Server, name: string): Promise<Image> {
+  return readNifti(await server.binary(`/api/explore/image/${name}.nii.gz`));
 }
 
 const kFinestMm = 1;
@@ -48,8 +42,8 @@ function placesOn(grid: DisplayGrid, mask: VoxelMask): Int32Array {
 export async function loadImages(data: ReadyData, server: Server): Promise<RunImages> {
   const [cells, background, labels] = await Promise.all([
     server.binary("/api/explore/voxels"),
-    imageFrom(data.hasAnatomy ? "anatomy" : "mean"),
-    data.hasLabels ? imageFrom("labels") : null,
+    imageFrom(server, data.hasAnatomy ? "anatomy" : "mean"),
+    data.hasLabels ? imageFrom(server, "labels") : null,
   ]);
   const mask = new VoxelMask(data.grid, new Uint32Array(cells));
   const grid = gridFor(background, mask);

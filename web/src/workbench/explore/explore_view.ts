@@ -14,8 +14,10 @@ import { Explorer } from "./explorer";
 import { firstState, type ExploreState } from "./explore_state";
 import { legendView } from "./legend_view";
 import { MapSource } from "./map_source";
+import { ClusterTable } from "./panels/cluster_table";
+import { VoxelPanels } from "./panels/voxel_panels";
 import { readoutLines } from "./readout_lines";
-import { loadImages, type RunImages } from "./run_images";
+import { loadImages } from "./run_images";
 import { Store } from "./store";
 
 export interface ExploreContext {
@@ -45,11 +47,6 @@ function controlsOf(explorer: Explorer, context: ExploreContext): HTMLElement {
   );
 }
 
-// A place well inside the mask: the middle one of its voxels.
-function middleOf(images: RunImages): readonly [number, number, number] {
-  return images.mask.mmOf(images.mask.cells.length >> 1);
-}
-
 // Fills `root`. Rejects when the run's images cannot be read or drawn.
 export async function showExplore(
   root: HTMLElement,
@@ -57,12 +54,18 @@ export async function showExplore(
   context: ExploreContext,
 ): Promise<Explorer> {
   const images = await loadImages(data, context.server);
-  const store = new Store<ExploreState>(firstState(data, middleOf(images)));
+  const store = new Store<ExploreState>(firstState(data, images.mask.middle()));
   const explorer = new Explorer(data, images, store);
   const brains = new BrainViews(explorer);
   const side = make("div", { class: "explore-side" }, readoutView(explorer), legendView(explorer));
   const stage = make("div", { class: "explore-stage" }, badgeView(explorer), brains.element, side);
-  root.replaceChildren(make("div", { class: "explore" }, stage, controlsOf(explorer, context)));
+  const panels = make(
+    "div",
+    { class: "explore-panels" },
+    new ClusterTable(explorer).element,
+    new VoxelPanels(explorer, context.server).element,
+  );
+  root.replaceChildren(make("div", { class: "explore" }, stage, controlsOf(explorer, context)), panels);
   await brains.openPlanes();
   new MapSource(store, context.server).ask();
   await brains.openSolid();

@@ -27,6 +27,17 @@ export class VoxelMask {
     return millimetres(this.grid.affine, voxelOf(this.grid.size, this.cells[place] ?? 0));
   }
 
+  // The voxel nearest to the mean of all.
+  middle(): Millimetres {
+    const sum: [number, number, number] = [0, 0, 0];
+    const count = Math.max(this.cells.length, 1);
+    for (let n = 0; n < this.cells.length; ++n)
+      this.mmOf(n).forEach((c, axis) => (sum[axis] = (sum[axis] ?? 0) + c));
+    const [x, y, z] = [sum[0] / count, sum[1] / count, sum[2] / count];
+    const place = this.placeAt([x, y, z]);
+    return this.mmOf(Math.max(place, 0));
+  }
+
   // The voxel that holds a point, be it outside the grid.
   voxelAt(mm: Millimetres): Triple {
     const [x, y, z] = applied(this.toVoxel, mm);

@@ -31,7 +31,7 @@ export class BrainViews {
   private readonly frame = new OncePerFrame(() => {
     this.paint();
   });
-  private region: readonly number[] = [];
+  region: readonly number[] = []; // places on the edge of the reference
 
   constructor(private readonly explorer: Explorer) {
     this.painter = new OverlayPainter(explorer.images);

@@ -5,6 +5,10 @@ import type { Server } from "../server";
 import type { Shell } from "../shell";
 import { badgeView } from "./badge_view";
 import { BrainViews } from "./brain_views";
+import { compareControls } from "./compare/compare_controls";
+import type { CompareState } from "./compare/compare_state";
+import { CompareView } from "./compare/compare_view";
+import { watchCondition } from "./compare/condition_source";
 import { mapControls } from "./controls/map_controls";
 import { referenceControls } from "./controls/reference_controls";
 import { settingsControls } from "./controls/settings_controls";
@@ -18,6 +22,7 @@ import { ClusterTable } from "./panels/cluster_table";
 import { VoxelPanels } from "./panels/voxel_panels";
 import { readoutLines } from "./readout_lines";
 import { loadImages } from "./run_images";
+import { SaveControls } from "./saving/save_controls";
 import { Store } from "./store";
 
 export interface ExploreContext {
@@ -36,14 +41,26 @@ function readoutView(explorer: Explorer): HTMLElement {
   return list.element;
 }
 
-function controlsOf(explorer: Explorer, context: ExploreContext): HTMLElement {
+function compareStore(data: ReadyData): Store<CompareState> {
+  const condition = data.conditions[1]?.name ?? "";
+  return new Store<CompareState>({ with: "nothing", condition, show: "map", pinned: null, fetched: null });
+}
+
+function controlsOf(
+  explorer: Explorer,
+  compare: HTMLElement,
+  saving: HTMLElement,
+  replan: ExploreContext["replan"],
+): HTMLElement {
   return make(
     "div",
     { class: "explore-controls" },
     mapControls(explorer),
     referenceControls(explorer),
     thresholdControls(explorer),
-    settingsControls(explorer, context.replan),
+    compare,
+    settingsControls(explorer, replan),
+    saving,
   );
 }
 
@@ -58,14 +75,28 @@ export async function showExplore(
   const explorer = new Explorer(data, images, store);
   const brains = new BrainViews(explorer);
   const side = make("div", { class: "explore-side" }, readoutView(explorer), legendView(explorer));
-  const stage = make("div", { class: "explore-stage" }, badgeView(explorer), brains.element, side);
+  const compare = compareStore(data);
+  const region = (): readonly number[] => brains.region;
+  watchCondition(explorer, compare, context.server, region);
+  const other = new CompareView(explorer, compare);
+  const stage = make(
+    "div",
+    { class: "explore-stage" },
+    badgeView(explorer),
+    brains.element,
+    other.element,
+    side,
+  );
+  const saving = new SaveControls(explorer, context.server, context.shell, [brains.planes, brains.solid]);
+  const comparing = compareControls(explorer, compare, region);
+  const controls = controlsOf(explorer, comparing, saving.element, context.replan);
   const panels = make(
     "div",
     { class: "explore-panels" },
     new ClusterTable(explorer).element,
     new VoxelPanels(explorer, context.server).element,
   );
-  root.replaceChildren(make("div", { class: "explore" }, stage, controlsOf(explorer, context)), panels);
+  root.replaceChildren(make("div", { class: "explore" }, stage, controls), panels);
   await brains.openPlanes();
   new MapSource(store, context.server).ask();
   await brains.openSolid();

@@ -2,6 +2,7 @@
 // when it rests, the calibrated maps.
 import { isAbort, ServerError } from "../server";
 import type { MapsRequest } from "./explore_data";
+import { nextSequence } from "./sequence";
 
 export interface Asked extends MapsRequest {
   readonly sequence: number;
@@ -29,7 +30,6 @@ function isSuperseded(error: unknown): boolean {
 }
 
 export class MapRequests {
-  private sequence = 0;
   private wantedDraft: MapsRequest | null = null;
   private wantedFull: MapsRequest | null = null;
   private underWay: { readonly draft: boolean; readonly abort: AbortController } | null = null;
@@ -72,8 +72,7 @@ export class MapRequests {
   private async ask(request: MapsRequest, draft: boolean): Promise<void> {
     const abort = new AbortController();
     this.underWay = { draft, abort };
-    this.sequence += 1;
-    const asked = { ...request, sequence: this.sequence, draft };
+    const asked = { ...request, sequence: nextSequence(), draft };
     try {
       const reply = await this.send(asked, abort.signal);
       this.underWay = null;

@@ -68,10 +68,11 @@ export class ClusterTable {
     const level = levelOf(choice, map);
     const found = this.finder.find((place) => valueAt(map.values, place), level);
     const info = infoOf(this.explorer, type);
-    const badge = badgeOf(maps, settings.draws ?? this.explorer.data.settings.draws);
+    const { words } = badgeOf(maps, settings.draws ?? this.explorer.data.settings.draws);
     const count =
       found.length > kMostRows ? `the ${kMostRows} largest of ${found.length}` : String(found.length);
-    this.caption.textContent = `${type}, ${thresholdWords(choice, map, info)}: ${count} clusters; ${badge.words}`;
+    const threshold = thresholdWords(choice, map, info);
+    this.caption.textContent = `${type}, ${threshold}: ${count} clusters; ${words}`;
     this.body.replaceChildren(...found.slice(0, kMostRows).map((each) => this.row(each, type)));
   }
 

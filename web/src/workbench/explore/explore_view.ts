@@ -3,12 +3,15 @@ import { make } from "../../page/dom";
 import { ReadoutList } from "../../viewer/readout_list";
 import type { Server } from "../server";
 import type { Shell } from "../shell";
+import { KeyList } from "../help/key_list";
+import { Tour } from "../help/tour";
 import { badgeView } from "./badge_view";
 import { BrainViews } from "./brain_views";
 import { compareControls } from "./compare/compare_controls";
 import type { CompareState } from "./compare/compare_state";
 import { CompareView } from "./compare/compare_view";
 import { watchCondition } from "./compare/condition_source";
+import { button } from "./controls/field";
 import { mapControls } from "./controls/map_controls";
 import { referenceControls } from "./controls/reference_controls";
 import { settingsControls } from "./controls/settings_controls";
@@ -16,6 +19,7 @@ import { thresholdControls } from "./controls/threshold_controls";
 import type { ReadyData, Settings } from "./explore_data";
 import { Explorer } from "./explorer";
 import { firstState, type ExploreState } from "./explore_state";
+import { listenForKeys } from "./keys_on_page";
 import { legendView } from "./legend_view";
 import { MapSource } from "./map_source";
 import { ClusterTable } from "./panels/cluster_table";
@@ -64,6 +68,33 @@ function controlsOf(
   );
 }
 
+function helpOn(root: HTMLElement, explorer: Explorer, shell: Shell): void {
+  const [keys, tour] = [new KeyList(), new Tour()];
+  const help = (): void => {
+    keys.toggle();
+  };
+  const buttons = make(
+    "div",
+    { class: "row help-buttons" },
+    button("Tour", () => {
+      tour.start();
+    }),
+    button("Keys (?)", help),
+  );
+  root.querySelector(".badge-bar")?.append(buttons);
+  root.append(keys.element, tour.element);
+  const isShown = (): boolean => root.isConnected && !root.hidden && keys.element.isConnected;
+  listenForKeys({
+    explorer,
+    isShown,
+    help,
+    announce: (text) => {
+      shell.announce(text);
+    },
+  });
+  tour.startOnce();
+}
+
 // Fills `root`. Rejects when the run's images cannot be read or drawn.
 export async function showExplore(
   root: HTMLElement,
@@ -97,6 +128,7 @@ export async function showExplore(
     new VoxelPanels(explorer, context.server).element,
   );
   root.replaceChildren(make("div", { class: "explore" }, stage, controls), panels);
+  helpOn(root, explorer, context.shell);
   await brains.openPlanes();
   new MapSource(store, context.server).ask();
   await brains.openSolid();

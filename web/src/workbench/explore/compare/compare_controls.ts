@@ -70,5 +70,12 @@ export function compareControls(
   compare.watch(update);
   update();
   const pin = pinButton(explorer, pinned, region);
-  return make("div", { class: "controls" }, field("Compare with", kHelp, kind), pin, condition, show.element);
+  return make(
+    "div",
+    { class: "controls comparing" },
+    field("Compare with", kHelp, kind),
+    pin,
+    condition,
+    show.element,
+  );
 }

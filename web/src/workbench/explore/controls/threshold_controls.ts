@@ -92,5 +92,10 @@ export function thresholdControls(explorer: Explorer): HTMLElement {
   switches.append(
     hint("Opacity", "Voxels that reach the threshold are opaque, those below fade with their p."),
   );
-  return make("div", { class: "controls" }, group("Threshold", kHelp, buttons, byValue, words), switches);
+  return make(
+    "div",
+    { class: "controls threshold-group" },
+    group("Threshold", kHelp, buttons, byValue, words),
+    switches,
+  );
 }

@@ -71,6 +71,14 @@ export class BrainCanvas {
     this.grid = grid;
   }
 
+  // Gives back what the graphics card holds: browsers have few contexts.
+  close(): void {
+    if (this.grid === null) return;
+    this.grid = null;
+    this.niivue.cleanup();
+    this.niivue.gl.getExtension("WEBGL_lose_context")?.loseContext();
+  }
+
   // rgba: a word per voxel of the grid. The array is kept: change it and call this again.
   show(rgba: Uint32Array): void {
     this.overlay = new Uint8Array(rgba.buffer, rgba.byteOffset, rgba.byteLength);

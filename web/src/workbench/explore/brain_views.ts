@@ -52,6 +52,11 @@ export class BrainViews {
     this.frame.ask();
   }
 
+  close(): void {
+    this.planes.close();
+    this.solid.close();
+  }
+
   private watch(): void {
     const { store } = this.explorer;
     const moved = ({ crosshair }: ExploreState): void => {

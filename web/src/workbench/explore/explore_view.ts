@@ -95,12 +95,12 @@ function helpOn(root: HTMLElement, explorer: Explorer, shell: Shell): void {
   tour.startOnce();
 }
 
-// Fills `root`. Rejects when the run's images cannot be read or drawn.
+// Fills `root`; returns how to give it up. Rejects when the run's images cannot be read or drawn.
 export async function showExplore(
   root: HTMLElement,
   data: ReadyData,
   context: ExploreContext,
-): Promise<Explorer> {
+): Promise<() => void> {
   const images = await loadImages(data, context.server);
   const store = new Store<ExploreState>(firstState(data, images.mask.middle()));
   const explorer = new Explorer(data, images, store);
@@ -130,7 +130,12 @@ export async function showExplore(
   root.replaceChildren(make("div", { class: "explore" }, stage, controls), panels);
   helpOn(root, explorer, context.shell);
   await brains.openPlanes();
-  new MapSource(store, context.server).ask();
+  const source = new MapSource(store, context.server);
+  source.ask();
   await brains.openSolid();
-  return explorer;
+  return () => {
+    source.stop();
+    brains.close();
+    other.close();
+  };
 }

@@ -57,6 +57,10 @@ export class MapSource {
     this.requests.move(requestOf(this.store.now));
   }
 
+  stop(): void {
+    this.requests.stop();
+  }
+
   private arrived(reply: ArrayBuffer, asked: Asked): void {
     // What came for another map or condition would be shown under a wrong name.
     const { type, condition } = this.store.now;

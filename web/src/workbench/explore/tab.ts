@@ -9,7 +9,7 @@ import { waitingView } from "./waiting_view";
 export class ExploreTab implements Tab {
   readonly id = "explore";
   readonly title = "Explore";
-  private stop: () => void = () => undefined;
+  private stop: () => void = () => undefined; // what is shown now
 
   mount(root: HTMLElement, server: Server, shell: Shell): void {
     void this.show(root, server, shell);
@@ -17,13 +17,14 @@ export class ExploreTab implements Tab {
 
   private async show(root: HTMLElement, server: Server, shell: Shell): Promise<void> {
     this.stop();
+    this.stop = () => undefined;
     try {
       const data = await server.get<ExploreData>("/api/explore");
       if (data.state === "ready") {
         const replan = (settings: Settings): void => {
           void this.replan(settings, root, server, shell);
         };
-        await showExplore(root, data, { server, shell, replan });
+        this.stop = await showExplore(root, data, { server, shell, replan });
       } else this.wait(data, root, server, shell);
     } catch (error) {
       tell(root, error);

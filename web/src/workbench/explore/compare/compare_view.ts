@@ -50,6 +50,10 @@ export class CompareView {
     });
   }
 
+  close(): void {
+    this.brain.close();
+  }
+
   private async update(): Promise<void> {
     this.element.hidden = this.compare.now.with === "nothing";
     if (this.element.hidden) return;

@@ -60,7 +60,9 @@ export async function calibrated(page) {
 
 // A point of the planes as a share of their width and height, in the window's pixels.
 export async function pointAt(page, across, down, part = "planes") {
-  const box = await page.locator(`[data-part=${part}] canvas`).boundingBox();
+  const canvas = page.locator(`[data-part=${part}] canvas`);
+  await canvas.evaluate((element) => element.scrollIntoView({ block: "center" }));
+  const box = await canvas.boundingBox();
   return [box.x + across * box.width, box.y + down * box.height];
 }
 
@@ -74,26 +76,31 @@ export async function readout(page) {
   );
 }
 
-// How many pixels of a part of the page are coloured rather than grey.
+const kFrame = 8; // pixels: the focus has a coloured frame
+
+// How many pixels of a brain are coloured rather than grey, and how many are not black.
 export async function colouredPixels(page, part) {
   const picture = await page.locator(`[data-part=${part}]`).screenshot();
-  return page.evaluate(async (base64) => {
-    const image = new Image();
-    image.src = `data:image/png;base64,${base64}`;
-    await image.decode();
-    const canvas = new OffscreenCanvas(image.width, image.height);
-    const context = canvas.getContext("2d");
-    context.drawImage(image, 0, 0);
-    const { data } = context.getImageData(0, 0, image.width, image.height);
-    let [coloured, lit] = [0, 0];
-    for (let n = 0; n < data.length; n += 4) {
-      const [red, green, blue] = [data[n], data[n + 1], data[n + 2]];
-      const outline = Math.abs(green - blue) < 30 && red < green - 30;
-      if (Math.max(red, green, blue) > 50) lit += 1;
-      if (!outline && Math.max(red, green, blue) - Math.min(red, green, blue) > 40) coloured += 1;
-    }
-    return { coloured, lit };
-  }, picture.toString("base64"));
+  return page.evaluate(
+    async ([base64, frame]) => {
+      const image = new Image();
+      image.src = `data:image/png;base64,${base64}`;
+      await image.decode();
+      const canvas = new OffscreenCanvas(image.width, image.height);
+      const context = canvas.getContext("2d");
+      context.drawImage(image, 0, 0);
+      const { data } = context.getImageData(frame, frame, image.width - 2 * frame, image.height - 2 * frame);
+      let [coloured, lit] = [0, 0];
+      for (let n = 0; n < data.length; n += 4) {
+        const [red, green, blue] = [data[n], data[n + 1], data[n + 2]];
+        const outline = Math.abs(green - blue) < 30 && red < green - 30;
+        if (Math.max(red, green, blue) > 50) lit += 1;
+        if (!outline && Math.max(red, green, blue) - Math.min(red, green, blue) > 40) coloured += 1;
+      }
+      return { coloured, lit };
+    },
+    [picture.toString("base64"), kFrame],
+  );
 }
 
 export function clusterRows(page) {

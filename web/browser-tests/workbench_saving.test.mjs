@@ -5,7 +5,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, it } from "node:test";
 import { firstViewer, launch, open, readoutOf } from "./browser.mjs";
-import { calibrated, openWorkbench } from "./workbench.mjs";
+import { calibrated, clusterRows, openWorkbench } from "./workbench.mjs";
 
 const folder = mkdtempSync(join(tmpdir(), "tavmap-scene-"));
 let browser, page, server, problems, close;
@@ -18,6 +18,8 @@ after(async () => {
   await close();
   await browser.close();
 });
+
+const numberOf = (text) => Number(text.replace("\u2212", "-").match(/[-+]?[\d.]+/)[0]);
 
 async function saved(button) {
   const [file] = await Promise.all([page.waitForEvent("download"), page.click(`text=${button}`)]);
@@ -40,19 +42,13 @@ it("a request: where it is, how it is run, and a way to the runs", async () => {
 });
 
 it("a page that opens without the program and shows the same value", async () => {
-  await page.locator(".clusters tbody button").first().click();
-  const [, voxels, peak] = await page.$eval(".clusters tbody tr", (row) =>
-    Array.from(row.cells, (cell) => cell.textContent),
-  );
-  assert.ok(Number(voxels) > 10);
+  const peaks = (await clusterRows(page)).map((row) => numberOf(row[2]));
+  const strongest = peaks.sort((a, b) => Math.abs(b) - Math.abs(a))[0];
   const path = await saved("Save scene (HTML)");
   const scene = await open(browser, path);
   const viewer = await firstViewer(scene.page);
   const { Value, Threshold } = await readoutOf(viewer);
-  assert.equal(
-    Number(Value.replace("\u2212", "-").match(/[-+]?[\d.]+/)[0]).toFixed(2),
-    Number(peak.replace("\u2212", "-")).toFixed(2),
-  );
+  assert.equal(numberOf(Value).toFixed(3), strongest.toFixed(3)); // where the viewer starts
   assert.equal(Threshold, "reached");
   assert.match(await scene.page.textContent("header"), /calibrated: 20 draws/);
   assert.deepEqual(scene.problems, []);

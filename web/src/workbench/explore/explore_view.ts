@@ -95,6 +95,36 @@ function helpOn(root: HTMLElement, explorer: Explorer, shell: Shell): void {
   tour.startOnce();
 }
 
+interface Parts {
+  readonly brains: BrainViews;
+  readonly other: CompareView;
+}
+
+// The elements of the tab, in `root`.
+function layOut(root: HTMLElement, explorer: Explorer, context: ExploreContext): Parts {
+  const { server, shell, replan } = context;
+  const brains = new BrainViews(explorer);
+  const compare = compareStore(explorer.data);
+  const region = (): readonly number[] => brains.region;
+  watchCondition(explorer, compare, server, region);
+  const other = new CompareView(explorer, compare);
+  const side = make("div", { class: "explore-side" }, readoutView(explorer), legendView(explorer));
+  const stage = make(
+    "div",
+    { class: "explore-stage" },
+    badgeView(explorer),
+    brains.element,
+    other.element,
+    side,
+  );
+  const saving = new SaveControls(explorer, server, shell, [brains.planes, brains.solid]);
+  const controls = controlsOf(explorer, compareControls(explorer, compare, region), saving.element, replan);
+  const panels = [new ClusterTable(explorer).element, new VoxelPanels(explorer, server).element];
+  const whole = make("div", { class: "explore" }, stage, controls);
+  root.replaceChildren(whole, make("div", { class: "explore-panels" }, ...panels));
+  return { brains, other };
+}
+
 // Fills `root`; returns how to give it up. Rejects when the run's images cannot be read or drawn.
 export async function showExplore(
   root: HTMLElement,
@@ -104,30 +134,7 @@ export async function showExplore(
   const images = await loadImages(data, context.server);
   const store = new Store<ExploreState>(firstState(data, images.mask.middle()));
   const explorer = new Explorer(data, images, store);
-  const brains = new BrainViews(explorer);
-  const side = make("div", { class: "explore-side" }, readoutView(explorer), legendView(explorer));
-  const compare = compareStore(data);
-  const region = (): readonly number[] => brains.region;
-  watchCondition(explorer, compare, context.server, region);
-  const other = new CompareView(explorer, compare);
-  const stage = make(
-    "div",
-    { class: "explore-stage" },
-    badgeView(explorer),
-    brains.element,
-    other.element,
-    side,
-  );
-  const saving = new SaveControls(explorer, context.server, context.shell, [brains.planes, brains.solid]);
-  const comparing = compareControls(explorer, compare, region);
-  const controls = controlsOf(explorer, comparing, saving.element, context.replan);
-  const panels = make(
-    "div",
-    { class: "explore-panels" },
-    new ClusterTable(explorer).element,
-    new VoxelPanels(explorer, context.server).element,
-  );
-  root.replaceChildren(make("div", { class: "explore" }, stage, controls), panels);
+  const { brains, other } = layOut(root, explorer, context);
   helpOn(root, explorer, context.shell);
   await brains.openPlanes();
   const source = new MapSource(store, context.server);

@@ -53,9 +53,19 @@ export async function openWorkbench(browser, options = {}) {
 
 export { kToken };
 
+function isCalibrated() {
+  const badge = document.querySelector(".badge");
+  return badge?.dataset.kind === "calibrated" && document.querySelector(".badge-note").textContent === "";
+}
+
+const kStillMs = 400;
+
+// Resolves when the calibrated maps are shown and stay: a slow machine may rest in the middle of a drag.
 export async function calibrated(page) {
-  await page.waitForSelector('.badge[data-kind="calibrated"]', { timeout: 60_000 });
-  await page.waitForFunction(() => document.querySelector(".badge-note").textContent === "");
+  do {
+    await page.waitForFunction(isCalibrated, null, { timeout: 60_000 });
+    await page.waitForTimeout(kStillMs);
+  } while (!(await page.evaluate(isCalibrated)));
 }
 
 // A point of the planes as a share of their width and height, in the window's pixels.

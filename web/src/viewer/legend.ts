@@ -8,16 +8,18 @@ function gradient(scale: readonly Rgb[], towards: "left" | "right"): string {
   return `linear-gradient(to ${towards}, ${scale.map(cssColour).join(", ")})`;
 }
 
+export type Coloured = Pick<MapData, "unit" | "fullColour" | "positive" | "negative">;
+
 interface End {
   readonly number: string;
   readonly words: string;
 }
 
-function negativeEnd(data: MapData, words: string): End {
+function negativeEnd(data: Coloured, words: string): End {
   return { number: withUnit(`\u2264 \u2212${magnitude(data.fullColour)}`, data.unit), words };
 }
 
-function positiveEnd(data: MapData): End {
+function positiveEnd(data: Coloured): End {
   const sign = data.negative === null ? "" : "+";
   return { number: withUnit(`\u2265 ${sign}${magnitude(data.fullColour)}`, data.unit), words: data.positive };
 }
@@ -37,7 +39,7 @@ function endSpan(end: End, side: string): HTMLElement {
   );
 }
 
-export function colourBar(data: MapData): HTMLElement {
+export function colourBar(data: Coloured): HTMLElement {
   const bar = make("div", { class: "legend-bar", attributes: { "aria-hidden": "true" } });
   const ends = make("div", { class: "legend-ends" });
   if (data.negative !== null) {

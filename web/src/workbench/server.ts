@@ -77,11 +77,13 @@ export class HttpServer implements Server {
   }
 
   events(path: string, on: (event: MessageEvent<string>) => void): () => void {
-    const source = new EventSource(path);
-    source.addEventListener("message", on);
-    return () => {
-      source.close();
-    };
+    return whileVisible(() => {
+      const source = new EventSource(path);
+      source.addEventListener("message", on);
+      return () => {
+        source.close();
+      };
+    });
   }
 
   private posted(body: unknown): RequestInit {
@@ -91,6 +93,23 @@ export class HttpServer implements Server {
       body: JSON.stringify(body),
     };
   }
+}
+
+// Browsers have few connections to one origin: pages that nobody sees hold none.
+function whileVisible(start: () => () => void): () => void {
+  let stop: (() => void) | null = null;
+  const update = (): void => {
+    if (document.hidden) {
+      stop?.();
+      stop = null;
+    } else stop ??= start();
+  };
+  document.addEventListener("visibilitychange", update);
+  update();
+  return () => {
+    document.removeEventListener("visibilitychange", update);
+    stop?.();
+  };
 }
 
 function withSignal(request: RequestInit, signal: AbortSignal | undefined): RequestInit {

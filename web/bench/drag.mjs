@@ -1,0 +1,144 @@
+// How fast the workbench follows the mouse, in Chromium: node bench/drag.mjs [--minutes N]
+//
+// Prints the time from the start to the first picture, from a move of the mouse to new values in the page and to their
+// picture (median and 95 %), maps per second while dragging; with --minutes also what the page's heap and the
+// browser's processes grow by. TAVMAP_ADDRESS: the address that a running `tavmap workbench` printed; without it the
+// made-up program of fixtures/ is measured, which says what the page alone takes. TAVMAP_PID: the program, whose memory
+// is then watched as well.
+import { readdirSync, readFileSync } from "node:fs";
+import { launch } from "../browser-tests/browser.mjs";
+import { calibrated, pointAt } from "../browser-tests/workbench.mjs";
+import { startServer } from "../fixtures/workbench/server.mjs";
+
+// In the page: notes when values and pictures of a move are there. Reading a pixel waits for the graphics.
+function watchDrags() {
+  const seen = { values: [], pictures: [], drafts: 0 };
+  window.tavmapSeen = seen;
+  let moved = 0;
+  let uploaded = null;
+  let newest = 0;
+  addEventListener("pointermove", (event) => (moved = event.timeStamp), true);
+  const fetched = window.fetch;
+  window.fetch = async (path, request) => {
+    const isDraft = path === "/api/explore/maps" && JSON.parse(request.body).draft;
+    const stamp = moved;
+    const response = await fetched(path, request);
+    if (!isDraft || !response.ok) return response;
+    const read = response.arrayBuffer.bind(response);
+    response.arrayBuffer = async () => {
+      const buffer = await read();
+      seen.values.push(performance.now() - stamp);
+      seen.drafts += 1;
+      newest = stamp;
+      return buffer;
+    };
+    return response;
+  };
+  const context = WebGL2RenderingContext.prototype;
+  const upload = context.texSubImage3D;
+  context.texSubImage3D = function (...all) {
+    uploaded = newest > 0 ? newest : null;
+    newest = 0;
+    return upload.apply(this, all);
+  };
+  const finish = context.finish;
+  context.finish = function () {
+    finish.call(this);
+    if (uploaded === null) return;
+    this.readPixels(0, 0, 1, 1, this.RGBA, this.UNSIGNED_BYTE, new Uint8Array(4));
+    seen.pictures.push(performance.now() - uploaded);
+    uploaded = null;
+  };
+}
+
+function quantile(values, share) {
+  const sorted = [...values].sort((a, b) => a - b);
+  return Math.round(sorted[Math.floor(share * (sorted.length - 1))] ?? NaN);
+}
+
+function line(what, values) {
+  console.log(
+    `${what}: median ${quantile(values, 0.5)} ms, 95 % ${quantile(values, 0.95)} ms, ${values.length} times`,
+  );
+}
+
+async function drag(page, seconds) {
+  const points = [await pointAt(page, 0.14, 0.7), await pointAt(page, 0.3, 0.8)];
+  await page.mouse.move(...points[0]);
+  await page.mouse.down();
+  const started = Date.now();
+  for (let n = 0; Date.now() - started < 1000 * seconds; ++n) {
+    const share = 0.5 - 0.5 * Math.cos(n / 40);
+    await page.mouse.move(...points[0].map((from, axis) => from + share * (points[1][axis] - from)));
+    await page.waitForTimeout(14);
+  }
+  await page.mouse.up();
+  return (Date.now() - started) / 1000;
+}
+
+function residentMegabytes(pid) {
+  try {
+    return Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${pid}/status`, "utf8"))?.[1] ?? 0) / 1024;
+  } catch {
+    return 0; // it has ended
+  }
+}
+
+function childrenOf(parent) {
+  const all = readdirSync("/proc").filter((name) => /^\d+$/.test(name));
+  const parentOf = (pid) => {
+    try {
+      return Number(/\) \S (\d+)/.exec(readFileSync(`/proc/${pid}/stat`, "utf8"))?.[1]);
+    } catch {
+      return 0;
+    }
+  };
+  const own = all.filter((pid) => parentOf(pid) === Number(parent));
+  return [...own, ...own.flatMap((pid) => childrenOf(pid))];
+}
+
+async function memory(page) {
+  const session = await page.context().newCDPSession(page);
+  await session.send("HeapProfiler.collectGarbage");
+  await session.send("Performance.enable");
+  const { metrics } = await session.send("Performance.getMetrics");
+  await session.detach();
+  const heap = metrics.find(({ name }) => name === "JSHeapUsedSize").value / 2 ** 20;
+  const browser = childrenOf(process.pid).reduce((sum, pid) => sum + residentMegabytes(pid), 0);
+  return { heap, browser, program: residentMegabytes(process.env.TAVMAP_PID ?? 0) };
+}
+
+function minutes() {
+  const at = process.argv.indexOf("--minutes");
+  return at < 0 ? 0 : Number(process.argv[at + 1]);
+}
+
+const played = process.env.TAVMAP_ADDRESS === undefined ? await startServer() : null;
+const browser = await launch();
+const page = await browser.newPage({ viewport: { width: 1280, height: 900 } });
+await page.addInitScript(() => localStorage.setItem("tavmap-tour", "seen"));
+await page.addInitScript(watchDrags);
+const started = Date.now();
+await page.goto(process.env.TAVMAP_ADDRESS ?? played.address);
+await page.waitForFunction(() => window.tavmapSeen.pictures.length > 0, null, { timeout: 600_000 });
+console.log(`start to first picture: ${Date.now() - started} ms`);
+await calibrated(page);
+await page.evaluate(() => Object.assign(window.tavmapSeen, { values: [], pictures: [], drafts: 0 }));
+const seconds = await drag(page, 15);
+const seen = await page.evaluate(() => window.tavmapSeen);
+line("mouse to values", seen.values);
+line("mouse to picture", seen.pictures);
+console.log(`maps per second while dragging: ${(seen.drafts / seconds).toFixed(1)}`);
+if (minutes() > 0) {
+  const before = await memory(page);
+  await drag(page, 60 * minutes());
+  await calibrated(page);
+  const after = await memory(page);
+  for (const part of Object.keys(before)) {
+    console.log(
+      `${part}: ${before[part].toFixed(0)} MB, after ${minutes()} minutes ${after[part].toFixed(0)} MB`,
+    );
+  }
+}
+await browser.close();
+await played?.close();

@@ -1,0 +1,62 @@
+// The mouse on the planes and on the solid view. Moves are followed once per picture, the newest alone.
+import type { BrainCanvas } from "./brain_canvas";
+import type { Explorer } from "./explorer";
+import { OncePerFrame } from "./frames";
+
+function isMain(event: PointerEvent): boolean {
+  return event.button === 0 && event.isPrimary;
+}
+
+// Shift: the other one of reference and crosshair.
+export function followPointer(canvas: BrainCanvas, explorer: Explorer): void {
+  let last: PointerEvent | null = null;
+  const frame = new OncePerFrame(() => {
+    const mm = last === null ? null : canvas.mmAt(last.clientX, last.clientY);
+    if (mm !== null && last !== null) explorer.follow(mm, last.shiftKey);
+  });
+  const follow = (event: PointerEvent): void => {
+    last = event;
+    frame.ask();
+  };
+  const element = canvas.canvas;
+  element.addEventListener("pointerdown", (event) => {
+    if (!isMain(event)) return;
+    event.preventDefault();
+    element.setPointerCapture(event.pointerId);
+    element.focus({ preventScroll: true });
+    follow(event);
+  });
+  element.addEventListener("pointermove", (event) => {
+    if (element.hasPointerCapture(event.pointerId)) follow(event);
+    else if (explorer.store.now.kind === "cursor") hover(event);
+  });
+  // The label under the cursor needs no button.
+  const hover = (event: PointerEvent): void => {
+    if (explorer.store.now.mouse === "reference" && !event.shiftKey) follow(event);
+  };
+}
+
+const kDegreesPerPixel = 0.5;
+
+export function turnByPointer(canvas: BrainCanvas): void {
+  const element = canvas.canvas;
+  element.addEventListener("pointerdown", (event) => {
+    if (!isMain(event)) return;
+    event.preventDefault();
+    element.setPointerCapture(event.pointerId);
+    element.focus({ preventScroll: true });
+  });
+  element.addEventListener("pointermove", (event) => {
+    if (!element.hasPointerCapture(event.pointerId)) return;
+    canvas.turn(event.movementX * kDegreesPerPixel, event.movementY * kDegreesPerPixel);
+  });
+  element.addEventListener("keydown", (event) => {
+    const step = { ArrowLeft: [-10, 0], ArrowRight: [10, 0], ArrowUp: [0, 10], ArrowDown: [0, -10] }[
+      event.key
+    ];
+    if (step === undefined) return;
+    event.preventDefault();
+    event.stopPropagation();
+    canvas.turn(step[0] ?? 0, step[1] ?? 0);
+  });
+}

@@ -1,0 +1,271 @@
+#!/usr/bin/env python3
+"""Requests that the workbench must refuse, each with its status, sent to the built program; it then still answers.
+
+Usage: hostile_test.py PROGRAM
+"""
+
+import json
+import os
+import socket
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+from urllib.parse import quote
+
+from bench_program import Bench, parse, read_all
+
+PROGRAM = ""
+JSON = {"Content-Type": "application/json"}
+
+
+class Hostile(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.scratch = tempfile.TemporaryDirectory()
+        folder = Path(cls.scratch.name)
+        (folder / "secret.txt").write_text("secret")
+        results = folder / "results"
+        (results / "inner").mkdir(parents=True)
+        (results / "page.html").write_text("<script>document.title = 'ran'</script>")
+        (results / "inner" / "table.tsv").write_text("a\tb\n")
+        (results / ".hidden").write_text("hidden")
+        (results / "link.txt").symlink_to(folder / "secret.txt")
+        (results / "out").symlink_to(folder)
+        (results / "alias.tsv").symlink_to(results / "inner" / "table.tsv")
+        os.mkfifo(results / "pipe")
+        cls.folder = folder
+        cls.bench = Bench(PROGRAM, ["results"], folder)
+        cls.bench.sign_in()
+
+    @classmethod
+    def tearDownClass(cls):
+        code = cls.bench.end()
+        cls.scratch.cleanup()
+        assert code == 0, f"ended with {code}: {cls.bench.said}"
+
+    def assert_refused(self, answer, status):
+        self.assertEqual(answer[0], status, answer)
+        self.assertIn("message", json.loads(answer[2]), answer)
+
+    def tearDown(self):
+        self.assertEqual(self.bench.get("/api/start")[0], 200, "it still answers")
+
+    def signed(self, **more):
+        return {"Cookie": self.bench.cookie, "X-Tavmap-Token": self.bench.token, **JSON, **more}
+
+    # Who asks
+
+    def test_other_hosts(self):
+        port = self.bench.port
+        for host in ["evil.example", f"evil.example:{port}", "127.0.0.1", "localhost", f"127.0.0.1:{port + 1}",
+                     f"127.0.0.1:{port}@evil.example", f"0.0.0.0:{port}", "", None]:
+            with self.subTest(host=host):
+                self.assert_refused(self.bench.ask("GET", "/", {"Host": host}), 403)
+                self.assert_refused(self.bench.ask("GET", "/api/start", self.signed(Host=host)), 403)
+
+    def test_two_hosts(self):
+        data = f"GET / HTTP/1.1\r\nHost: {self.bench.host}\r\nHost: evil.example\r\n\r\n"
+        self.assert_refused(parse(self.bench.raw(data.encode())), 403)
+
+    def test_other_origins(self):
+        body = json.dumps({"token": self.bench.token}).encode()
+        for origin in ["http://evil.example", "null", "https://" + self.bench.host, "http://127.0.0.1",
+                       f"http://localhost:{self.bench.port}", self.bench.host]:
+            with self.subTest(origin=origin):
+                self.assert_refused(self.bench.ask("POST", "/api/session", {"Origin": origin, **JSON}, body), 403)
+                self.assert_refused(self.bench.ask("GET", "/api/start", self.signed(Origin=origin)), 403)
+        own = self.signed(Origin="http://" + self.bench.host)
+        self.assertEqual(self.bench.ask("GET", "/api/start", own)[0], 200)
+
+    def test_no_session(self):
+        for cookie in [None, "", "tavmap=1", f"tavmap_{self.bench.port}=" + "0" * 64, self.bench.cookie[:-1],
+                       self.bench.cookie + "0", "x" + self.bench.cookie]:
+            with self.subTest(cookie=cookie):
+                for path in ["/api/start", "/api/files?folder=results&path=", "/files/results/page.html", "/api/runs",
+                             "/api/results", "/api/runs/events"]:
+                    self.assert_refused(self.bench.ask("GET", path, {"Cookie": cookie}), 401)
+
+    def test_wrong_token(self):
+        for token in ["", "0" * 64, self.bench.token[:-1], self.bench.token + "0", self.bench.cookie]:
+            with self.subTest(token=token):
+                body = json.dumps({"token": token}).encode()
+                self.assert_refused(self.bench.ask("POST", "/api/session", JSON, body), 403)
+                headers = {"Cookie": self.bench.cookie, "X-Tavmap-Token": token, **JSON}
+                self.assert_refused(self.bench.ask("POST", "/api/runs", headers, b"{}"), 403)
+        without = {"X-Tavmap-Token": self.bench.token, **JSON}
+        self.assert_refused(self.bench.ask("POST", "/api/runs", without, b"{}"), 401)
+
+    def test_the_cookie_is_for_this_page_alone(self):
+        body = json.dumps({"token": self.bench.token}).encode()
+        cookie = self.bench.ask("POST", "/api/session", JSON, body)[1]["set-cookie"]
+        for part in ["HttpOnly", "SameSite=Strict", "Path=/"]:
+            self.assertIn(part, cookie)
+        self.assertNotIn(self.bench.token, cookie)
+
+    # What is asked
+
+    def test_other_methods(self):
+        for method in ["POST", "PUT", "DELETE", "PATCH", "OPTIONS", "HEAD"]:
+            with self.subTest(method=method):
+                status, _, body = self.bench.ask(method, "/api/start", self.signed(), b"{}" if method != "HEAD" else None)
+                self.assertEqual(status, 405)
+        self.assert_refused(self.bench.ask("GET", "/api/session", self.signed()), 405)
+        self.assert_refused(self.bench.ask("BREW", "/", self.signed()), 400)
+
+    def test_unknown_paths(self):
+        for path in ["/api", "/api/", "/api/start/", "/nothing", "//", "/workbench.js/", "/etc/passwd", "/..", "/api/runs/x/y/z"]:
+            with self.subTest(path=path):
+                self.assert_refused(self.bench.get(path), 404)
+
+    def test_what_is_no_request(self):
+        for data in [b"\r\n\r\n", b"GET\r\n\r\n", b"GET / HTTP/9.9\r\n\r\n", b"\x16\x03\x01\x02\x00\x01\x00\r\n\r\n",
+                     b"GET / HTTP/1.1\nHost: x\n\n", b"\x00" * 64 + b"\r\n\r\n"]:
+            with self.subTest(data=data):
+                status = parse(self.bench.raw(data))[0]
+                self.assertIn(status, [None, 400, 403])
+        self.assert_refused(self.bench.ask("GET", "http://evil.example/", self.signed()), 400)
+
+    # Files
+
+    def test_ways_out_of_the_folders(self):
+        secret = str(self.folder / "secret.txt")
+        for path in ["../secret.txt", "%2e%2e/secret.txt", "%2e%2e%2fsecret.txt", "inner/../../secret.txt", "..",
+                     "inner/..%2f..%2fsecret.txt", quote(secret, safe=""), "%2fetc%2fpasswd", "/etc/passwd",
+                     "link.txt", "out/secret.txt", "out", ".hidden", "inner/./table.tsv"]:
+            with self.subTest(path=path):
+                answer = self.bench.get("/files/results/" + path)
+                self.assert_refused(answer, 403)
+                self.assertNotIn(b"secret\n", answer[2])
+                listed = self.bench.get(f"/api/files?folder=results&path={path}")
+                self.assertEqual(listed[0], 403, listed)
+
+    def test_names_that_no_file_has(self):
+        self.assert_refused(self.bench.get("/files/results/page.html%00.txt"), 400)
+        self.assert_refused(self.bench.get("/files/results/%0d%0aSet-Cookie:x"), 400)
+        self.assert_refused(self.bench.get("/api/files?folder=results&path=inner%00/../.."), 403)
+        for path in ["%252e%252e/secret.txt", "..%5csecret.txt%20", "none.txt", "inner/none.txt"]:
+            with self.subTest(path=path):
+                self.assertIn(self.bench.get("/files/results/" + path)[0], [403, 404])
+        self.assert_refused(self.bench.get("/files/none/page.html"), 404)
+        self.assert_refused(self.bench.get("/files/%2e%2e/secret.txt"), 404)
+
+    def test_what_is_no_file(self):
+        for path in ["pipe", "inner", ""]:
+            with self.subTest(path=path):
+                self.assert_refused(self.bench.get("/files/results/" + path), 404)
+
+    def test_lists_have_no_ways_out(self):
+        entries = self.bench.json("/api/files?folder=results&path=")["entries"]
+        self.assertEqual([entry["name"] for entry in entries], ["alias.tsv", "inner", "page.html"])
+
+    def test_users_files_have_no_rights(self):
+        status, headers, body = self.bench.get("/files/results/page.html")
+        self.assertEqual((status, body), (200, b"<script>document.title = 'ran'</script>"))
+        self.assertIn("sandbox allow-scripts", headers["content-security-policy"])
+        self.assertNotIn("allow-same-origin", headers["content-security-policy"])
+        self.assertEqual(headers["x-content-type-options"], "nosniff")
+
+    def test_links_within_are_followed(self):
+        self.assertEqual(self.bench.get("/files/results/alias.tsv")[::2], (200, b"a\tb\n"))
+
+    # How much
+
+    def test_huge_bodies(self):
+        for length in [str(1 << 20), str(1 << 62), "9" * 40]:
+            with self.subTest(length=length):
+                answer = self.bench.ask("POST", "/api/runs", self.signed(**{"Content-Length": length}), b"x" * 100000)
+                self.assert_refused(answer, 413)
+        self.assert_refused(self.bench.ask("GET", "/api/start", self.signed(), b"x" * 10), 413)
+
+    def test_bodies_of_unknown_length(self):
+        for more in [{"Transfer-Encoding": "chunked"}, {}]:
+            with self.subTest(more=more):
+                self.assert_refused(self.bench.ask("POST", "/api/runs", self.signed(**more)), 411)
+        for length in ["-1", "1x", "0x10", " ", "1, 1"]:
+            with self.subTest(length=length):
+                answer = self.bench.ask("POST", "/api/runs", self.signed(**{"Content-Length": length}), b"{}")
+                self.assertIn(answer[0], [400, 411], answer)
+
+    def test_bodies_of_another_kind(self):
+        for kind in ["text/plain", "application/x-www-form-urlencoded", "multipart/form-data; boundary=x", None]:
+            with self.subTest(kind=kind):
+                headers = self.signed(**{"Content-Type": kind})
+                self.assert_refused(self.bench.ask("POST", "/api/runs", headers, b'{"a":1}'), 415)
+        zipped = self.signed(**{"Content-Encoding": "gzip"})
+        self.assert_refused(self.bench.ask("POST", "/api/runs", zipped, b"{}"), 415)
+        for body in [b"", b"[]", b"{", b"nonsense", b"\xff\xfe", b"[" * 60000]:
+            with self.subTest(body=body[:10]):
+                self.assert_refused(self.bench.ask("POST", "/api/runs", self.signed(), body), 400)
+
+    def test_huge_heads(self):
+        for head in [f"GET /{'a' * 100000} HTTP/1.1\r\n\r\n", f"GET / HTTP/1.1\r\nX: {'a' * 100000}\r\n\r\n",
+                     "GET / HTTP/1.1\r\n" + "X: y\r\n" * 20000 + "\r\n", "a" * 1000000]:
+            with self.subTest(head=head[:30]):
+                self.assertIn(parse(self.bench.raw(head.encode()))[0], [None, 400, 414])
+
+    def test_parts_asked_for_many_times(self):
+        for ranges in ["0-0," * 1500 + "0-0", "0-", "5-1", "x"]:
+            with self.subTest(ranges=ranges[:10]):
+                status, headers, body = self.bench.ask("GET", "/files/results/page.html",
+                                                       self.signed(Range="bytes=" + ranges))
+                self.assertIn(status, [200, 400, 416])
+                self.assertLess(len(body), 1000)
+
+    # How many, how slowly
+
+    def test_many_connections_at_once(self):
+        idle = [self.bench.connect() for _ in range(200)]
+        asked = self.bench.ask("GET", "/", {})
+        self.assertIn(asked[0], [200, 501, 503, None])
+        refused = 0
+        for connection in idle:
+            connection.setblocking(False)
+            try:
+                refused += connection.recv(100).startswith(b"HTTP/1.1 503")
+            except (BlockingIOError, ConnectionResetError):
+                pass
+            connection.close()
+        self.assertGreater(refused, 50)
+
+    def test_slow_clients_do_not_keep_others_waiting(self):
+        slow = [self.bench.connect() for _ in range(40)]
+        for connection in slow:
+            connection.sendall(b"GET / HT")
+        self.assertEqual(self.bench.get("/api/start")[0], 200)
+        for connection in slow:
+            connection.close()
+
+    def test_slow_clients_are_given_up(self):
+        with self.bench.connect() as connection:
+            connection.sendall(b"GET / HTTP/1.1\r\nHost: ")
+            self.assertIn(parse(read_all(connection))[0], [None, 400])  # or the socket's own patience fails the test
+
+    def test_clients_that_leave(self):
+        for _ in range(100):
+            connection = self.bench.connect()
+            connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, b"\1\0\0\0\0\0\0\0")
+            connection.sendall(f"GET /api/runs/events HTTP/1.1\r\nHost: {self.bench.host}\r\n"
+                               f"Cookie: {self.bench.cookie}\r\n\r\n".encode())
+            connection.close()
+
+    def test_it_listens_on_the_loopback_alone(self):
+        hexadecimal = f"{self.bench.port:04X}"
+        listening = [line.split()[1] for line in Path("/proc/net/tcp").read_text().splitlines()[1:]
+                     if line.split()[3] == "0A" and line.split()[1].endswith(":" + hexadecimal)]
+        self.assertEqual(listening, ["0100007F:" + hexadecimal])
+        if Path("/proc/net/tcp6").exists():
+            self.assertNotIn(f":{hexadecimal} 0000", Path("/proc/net/tcp6").read_text())
+
+    def test_a_port_is_not_shared(self):
+        with self.assertRaisesRegex(AssertionError, "cannot be taken"):
+            Bench(PROGRAM, ["results", "--port", self.bench.port, "--work-folder", "other"], self.folder)
+
+    def test_a_work_folder_has_one_workbench(self):
+        with self.assertRaisesRegex(AssertionError, "process"):
+            Bench(PROGRAM, ["results"], self.folder)
+
+
+if __name__ == "__main__":
+    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    unittest.main()

@@ -1,0 +1,105 @@
+#!/usr/bin/env python3
+"""Runs over the built program's server: started, watched, cancelled, resumed, and found by a restarted workbench.
+
+Usage: runs_test.py PROGRAM
+"""
+
+import os
+import shutil
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+from bench_program import Bench, wait_until
+
+PROGRAM = ""
+EXAMPLE = Path(__file__).resolve().parents[2] / "examples" / "oneback-small"
+ENDED = ["done", "failed", "cancelled", "interrupted"]
+
+
+class Runs(unittest.TestCase):
+    def setUp(self):
+        self.scratch = tempfile.TemporaryDirectory()
+        self.folder = Path(self.scratch.name)
+        shutil.copytree(EXAMPLE, self.folder / "study")
+        self.request = next((self.folder / "study").glob("*.toml"))
+
+    def tearDown(self):
+        self.scratch.cleanup()
+
+    def bench(self, *more):
+        bench = Bench(PROGRAM, [self.request, *more], self.folder)
+        bench.sign_in()
+        return bench
+
+    def start(self, bench):
+        place = {"folder": "study", "path": self.request.name}
+        return bench.post("/api/runs", {"request": place})
+
+    def run_of(self, bench):
+        runs = bench.json("/api/runs")["runs"]
+        self.assertEqual(len(runs), 1)
+        return runs[0]
+
+    def wait_for(self, bench, *states):
+        return wait_until(lambda: (run := self.run_of(bench))["state"] in states and run, f"the run is {states}")
+
+    def test_a_run_is_done_and_its_results_are_listed(self):
+        with self.bench() as bench:
+            self.assertEqual(self.start(bench)[0], 201)
+            run = self.wait_for(bench, *ENDED)
+            self.assertEqual((run["state"], run["progress"]), ("done", 1), run)
+            self.assertTrue(run["outputs"]["report"])
+            outputs = run["outputs"]
+            path = "/".join(part for part in [outputs["path"], outputs["report"]] if part)
+            self.assertEqual(bench.get(f"/files/{outputs['folder']}/{path}")[0], 200)
+            listed = bench.json(f"/api/results/list?folder={outputs['folder']}&path={outputs['path']}")
+            self.assertTrue(listed["requests"][0]["references"])
+            self.assertNotIn("problem", listed["requests"][0])
+            self.assertEqual(bench.post(f"/api/runs/{run['id']}/resume", {})[0], 409)
+            self.assertEqual(bench.post(f"/api/runs/{run['id']}/cancel", {})[0], 409)
+
+    def test_a_cancelled_run_is_resumed(self):
+        with self.bench() as bench:
+            self.start(bench)
+            self.assertEqual(self.start(bench)[0], 409)
+            self.assertEqual(bench.post("/api/runs/1/cancel", {})[0], 204)
+            run = self.wait_for(bench, *ENDED)
+            self.assertEqual(run["state"], "cancelled", run)
+            self.assertEqual(bench.post("/api/runs/1/resume", {})[0], 204)
+            self.assertEqual(self.wait_for(bench, "done", "failed")["state"], "done")
+            self.assertEqual(bench.post("/api/runs/2/cancel", {})[0], 404)
+
+    def test_a_restarted_workbench_finds_interrupted_runs(self):
+        with self.bench() as bench:
+            self.start(bench)
+            self.wait_for(bench, "running")
+            self.assertEqual(bench.end(), 0)
+        with self.bench() as bench:
+            self.assertEqual(self.run_of(bench)["state"], "interrupted")
+            self.assertEqual(bench.post("/api/runs/1/resume", {})[0], 204)
+            self.assertEqual(self.wait_for(bench, "done", "failed")["state"], "done")
+
+    def test_a_failed_run_says_why(self):
+        with self.bench() as bench:
+            text = self.request.read_text()
+            (self.folder / "study" / "bad.toml").write_text(text.replace("[settings]", "[settings]\nnonsense = 1", 1))
+            answer = bench.post("/api/runs", {"request": {"folder": "study", "path": "bad.toml"}})
+            self.assertEqual(answer[0], 400, answer)
+            self.assertIn(b"nonsense", answer[2])
+
+    def test_nothing_is_written_elsewhere(self):
+        with self.bench() as bench:
+            elsewhere = self.folder / "elsewhere"
+            text = self.request.read_text()
+            lines = [line for line in text.splitlines() if not line.startswith(("folder", "work_folder"))]
+            (self.folder / "study" / "away.toml").write_text(f'folder = "{elsewhere}"\n' + "\n".join(lines))
+            answer = bench.post("/api/runs", {"request": {"folder": "study", "path": "away.toml"}})
+            self.assertEqual(answer[0], 403, answer)
+            self.assertFalse(elsewhere.exists())
+
+
+if __name__ == "__main__":
+    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    unittest.main()

@@ -36,8 +36,8 @@ Ctrl-C ends it. Runs that it started are stopped; what they finished stays, and 
 Exit codes: 0 ended by Ctrl-C, 1 failed, 2 wrong usage or input.)";
 
 void sayWhere(const workbench::Workbench& bench) {
-  std::cout << "The workbench is at\n  " << bench.address() << "\n" << workbench::sshWords(bench.port())
-            << "Ctrl-C ends it." << std::endl;
+  std::cout << "The workbench is at\n  " << bench.address() << "\n"
+            << workbench::sshWords(bench.port()) << "Ctrl-C ends it." << std::endl;
 }
 
 int serve(const WorkbenchArguments& arguments) {

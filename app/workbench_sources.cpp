@@ -1,9 +1,9 @@
 #include "app/workbench_sources.h"
 
 #include <fmt/core.h>
+#include <unistd.h>
 
 #include <system_error>
-#include <unistd.h>
 
 #include "app/exit_codes.h"
 #include "app/study_options.h"
@@ -24,15 +24,23 @@ void requireThere(const std::string& path, const char* option) {
 }
 
 void requireFiles(const WorkbenchArguments& a) {
-  const std::pair<const std::string*, const char*> files[] = {
-      {&a.bold, "--bold"},     {&a.mask, "--mask"},   {&a.events, "--events"}, {&a.confounds, "--confounds"},
-      {&a.anatomy, "--anatomy"}, {&a.atlas, "--atlas"}, {&a.atlasTable, "--atlas-table"}, {&a.plugin, "--plugin"},
-      {&a.vtc, "--vtc"},       {&a.vois, "--vois"},   {&a.protocol, "--protocol"}};
+  const std::pair<const std::string*, const char*> files[] = {{&a.bold, "--bold"},
+                                                              {&a.mask, "--mask"},
+                                                              {&a.events, "--events"},
+                                                              {&a.confounds, "--confounds"},
+                                                              {&a.anatomy, "--anatomy"},
+                                                              {&a.atlas, "--atlas"},
+                                                              {&a.atlasTable, "--atlas-table"},
+                                                              {&a.plugin, "--plugin"},
+                                                              {&a.vtc, "--vtc"},
+                                                              {&a.vois, "--vois"},
+                                                              {&a.protocol, "--protocol"}};
   for (const auto& [path, option] : files) requireThere(*path, option);
   for (const std::string& folder : a.folders) requireThere(folder, "--folder");
 }
 
-// A raw data set and a folder of derivatives, ours too, both have dataset_description.json; ours have records.
+// A raw data set and a folder of derivatives, ours too, both have dataset_description.json; ours have
+// records.
 bool isDataSet(const fs::path& folder) {
   std::error_code ignored;
   if (!fs::exists(folder / "dataset_description.json", ignored)) return false;
@@ -70,7 +78,8 @@ fs::path usualPlugin() {
   std::error_code ignored;
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
   for (const char* place : {"TAVPlugin.so", "../plugin/TAVPlugin.so", "../lib/tavmap/plugins/TAVPlugin.so"})
-    if (const fs::path path = program / place; fs::is_regular_file(path, ignored)) return path.lexically_normal();
+    if (const fs::path path = program / place; fs::is_regular_file(path, ignored))
+      return path.lexically_normal();
   return {};
 }
 
@@ -93,16 +102,19 @@ void addWorkbenchSources(CLI::App& command, WorkbenchArguments& a) {
       ->check(CLI::PositiveNumber);
   command.add_option("--anatomy", a.anatomy, "Anatomy to show the maps on, and that of plug-in sessions");
   command.add_option("--atlas", a.atlas, "Labels to choose references from");
-  command.add_option("--atlas-table", a.atlasTable, "Names of the labels (default: the .tsv beside the image)");
+  command.add_option("--atlas-table", a.atlasTable,
+                     "Names of the labels (default: the .tsv beside the image)");
   command.add_option("-o,--out", a.out, "Where requests that are saved here write their results");
-  command.add_option("-w,--work-folder", a.work, "Work folder (default: tavmap-workbench in the working folder)");
+  command.add_option("-w,--work-folder", a.work,
+                     "Work folder (default: tavmap-workbench in the working folder)");
   command.add_option("-j,--jobs", a.jobs, "Worker processes of each run that is started here")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
   command.add_option("--plugin", a.plugin, "Plug-in of sessions (default: the TAVPlugin.so of this program)");
   command.add_option("--vtc", a.vtc, "VTC of plug-in sessions");
   command.add_option("--vois", a.vois, "VOI list of plug-in sessions: a label image, or JSON");
-  command.add_option("--protocol", a.protocol, "Protocol of plug-in sessions: an events table, or one of volumes");
+  command.add_option("--protocol", a.protocol,
+                     "Protocol of plug-in sessions: an events table, or one of volumes");
   command.add_option("--folder", a.folders, "A further folder that the page may read; may be repeated")
       ->allow_extra_args(false);
 }

@@ -51,8 +51,8 @@ int openOutput(const std::string& file) {
   if (file.empty()) return -1;
   const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
   if (fd < 0)
-    throw RunError(fmt::format("cannot write {}: {}; check that its folder is there and the disk has space", file,
-                               std::strerror(errno)));
+    throw RunError(fmt::format("cannot write {}: {}; check that its folder is there and the disk has space",
+                               file, std::strerror(errno)));
   return fd;
 }
 

@@ -1,5 +1,5 @@
-// A command in a process of its own, and the pipe on which it reports. The thread that starts it must outlive it: the
-// system takes the end of that thread for the parent's.
+// A command in a process of its own, and the pipe on which it reports. The thread that starts it must outlive
+// it: the system takes the end of that thread for the parent's.
 #ifndef TAVMAP_STUDY_CHILD_PROCESS_H
 #define TAVMAP_STUDY_CHILD_PROCESS_H
 

@@ -58,13 +58,14 @@ void AccessGuard::require(Access access, const RequestHead& head) const {
   if (!hasSession(head.cookie))
     throw Refusal(401, "The page has no session. Open the whole address that tavmap workbench has printed.");
   if (access == Access::kToken && !isSameSecret(head.token, token_))
-    throw Refusal(403,
-                  "The page's token is not that of this start. Open the address that tavmap workbench printed.");
+    throw Refusal(
+        403, "The page's token is not that of this start. Open the address that tavmap workbench printed.");
 }
 
 std::string AccessGuard::cookieFor(std::string_view token) const {
   if (!isSameSecret(token, token_))
-    throw Refusal(403, "The token is not that of this start. Open the address that tavmap workbench printed.");
+    throw Refusal(403,
+                  "The token is not that of this start. Open the address that tavmap workbench printed.");
   return fmt::format("{}={}; Path=/; HttpOnly; SameSite=Strict", cookieName_, session_);
 }
 

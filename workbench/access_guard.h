@@ -1,5 +1,5 @@
-// Who may talk to the workbench: pages that this very start has given to the browser, and nobody else on the machine
-// or behind a name that points at it.
+// Who may talk to the workbench: pages that this very start has given to the browser, and nobody else on the
+// machine or behind a name that points at it.
 #ifndef TAVMAP_WORKBENCH_ACCESS_GUARD_H
 #define TAVMAP_WORKBENCH_ACCESS_GUARD_H
 
@@ -25,8 +25,8 @@ class AccessGuard {
 
   [[nodiscard]] const std::string& token() const { return token_; }
 
-  // Throws Refusal 403 when the request is for another host (a name that was made to point here) or comes from a
-  // page of elsewhere.
+  // Throws Refusal 403 when the request is for another host (a name that was made to point here) or comes
+  // from a page of elsewhere.
   void requireOwnPage(const RequestHead& head) const;
   // Throws Refusal 401 without the cookie, 403 without the token where one is wanted.
   void require(Access access, const RequestHead& head) const;
@@ -41,8 +41,9 @@ class AccessGuard {
   std::string token_, session_;
 };
 
-// Of a POST. Throws Refusal 411 for a body without a length, 400 for a length that is no number, 413 above the bound,
-// 415 for what is no plain JSON: a form of another page cannot send that without being asked first.
+// Of a POST. Throws Refusal 411 for a body without a length, 400 for a length that is no number, 413 above
+// the bound, 415 for what is no plain JSON: a form of another page cannot send that without being asked
+// first.
 void requireBodyWithin(std::size_t bound, const RequestHead& head);
 
 }  // namespace workbench

@@ -20,8 +20,8 @@ class BoundedStream : public httplib::Stream {
 
   // The head has come; so many bytes of body may follow.
   void beginBody(std::size_t bytes);
-  // Says that nothing more will be sent, and reads away for a moment what the client still sends: closing before
-  // that would take the reply from it.
+  // Says that nothing more will be sent, and reads away for a moment what the client still sends: closing
+  // before that would take the reply from it.
   void finish();
 
   [[nodiscard]] bool is_readable() const override;

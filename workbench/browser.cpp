@@ -44,9 +44,8 @@ void openWithDesktop(const std::string& what) {
 Browser::Browser(const std::string& address, const std::filesystem::path& folder) {
   if (address.empty() || !hasDisplay()) return;
   file_ = folder / fmt::format("open-{}.html", getpid());
-  const std::string page =
-      fmt::format("<!DOCTYPE html><meta charset=\"utf-8\"><meta http-equiv=\"refresh\" content=\"0; url={}\">",
-                  address);
+  const std::string page = fmt::format(
+      "<!DOCTYPE html><meta charset=\"utf-8\"><meta http-equiv=\"refresh\" content=\"0; url={}\">", address);
   std::error_code ignored;
   std::filesystem::remove(file_, ignored);
   if (writePrivately(file_, page)) openWithDesktop("file://" + file_.string());
@@ -61,8 +60,8 @@ std::string sshWords(int port) {
   if (std::getenv("SSH_CONNECTION") == nullptr) return "";
   std::array<char, HOST_NAME_MAX + 1> name{};
   const bool isKnown = gethostname(name.data(), name.size() - 1) == 0;
-  return fmt::format("On the machine that you sit at, first forward the port:\n  ssh -L {}:127.0.0.1:{} {}\n", port,
-                     port, isKnown ? name.data() : "HOST");
+  return fmt::format("On the machine that you sit at, first forward the port:\n  ssh -L {}:127.0.0.1:{} {}\n",
+                     port, port, isKnown ? name.data() : "HOST");
 }
 
 }  // namespace workbench

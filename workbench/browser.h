@@ -7,8 +7,8 @@
 
 namespace workbench {
 
-// Opens an address where there is a display, over a file that only the user may read: other users of the machine can
-// read command lines, and the address has the token. The file goes with the object.
+// Opens an address where there is a display, over a file that only the user may read: other users of the
+// machine can read command lines, and the address has the token. The file goes with the object.
 class Browser {
  public:
   // address: empty to open nothing. folder: for the file. Never fails: the address has been printed.

@@ -11,12 +11,13 @@ namespace {
 
 // Nothing but what this server gives; pictures may also be made by the page itself.
 constexpr const char* kPagePolicy =
-    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; font-src 'self' data:; "
+    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; font-src 'self' "
+    "data:; "
     "connect-src 'self'; worker-src 'self' blob:; frame-src 'self'; base-uri 'none'; form-action 'none'; "
     "frame-ancestors 'none'";
 
-// A report brings its own script and style and loads nothing. The sandbox takes it the page's rights: it cannot
-// ask this server for anything.
+// A report brings its own script and style and loads nothing. The sandbox takes it the page's rights: it
+// cannot ask this server for anything.
 constexpr const char* kFilePolicy =
     "sandbox allow-scripts allow-downloads; default-src 'none'; img-src data:; style-src 'unsafe-inline'; "
     "script-src 'unsafe-inline'; base-uri 'none'; form-action 'none'; frame-ancestors 'self'";

@@ -1,5 +1,5 @@
-// News for pages: what one side publishes, every listening page is sent as a server-sent event. Any thread may call
-// anything here.
+// News for pages: what one side publishes, every listening page is sent as a server-sent event. Any thread
+// may call anything here.
 #ifndef TAVMAP_WORKBENCH_EVENT_HUB_H
 #define TAVMAP_WORKBENCH_EVENT_HUB_H
 

@@ -23,8 +23,7 @@ std::string Request::queryText(const std::string& name) const {
 
 Json Request::json() const {
   Json json = Json::parse(body, nullptr, false);
-  if (!json.is_object())
-    throw Refusal(400, fmt::format("The body of {} is no JSON object. Send one.", path));
+  if (!json.is_object()) throw Refusal(400, fmt::format("The body of {} is no JSON object. Send one.", path));
   return json;
 }
 

@@ -1,4 +1,5 @@
-// What an endpoint is given and what it gives back, without sockets: endpoints are plain functions of these two.
+// What an endpoint is given and what it gives back, without sockets: endpoints are plain functions of these
+// two.
 #ifndef TAVMAP_WORKBENCH_EXCHANGE_H
 #define TAVMAP_WORKBENCH_EXCHANGE_H
 

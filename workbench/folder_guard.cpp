@@ -36,16 +36,18 @@ fs::path canonicalOr404(const fs::path& path, const std::string& shown) {
 }
 
 [[noreturn]] void refuse(const std::string& shown) {
-  throw Refusal(403, fmt::format("{} is not in the folders that this workbench may read. Start it with --folder "
-                                 "for further ones.",
-                                 shown));
+  throw Refusal(403,
+                fmt::format("{} is not in the folders that this workbench may read. Start it with --folder "
+                            "for further ones.",
+                            shown));
 }
 
 // "data", "data-2", ...
 std::string freeName(const std::vector<AllowedFolder>& folders, const fs::path& path) {
   const std::string stem = path.has_filename() ? path.filename().string() : "root";
   const auto isTaken = [&](const std::string& name) {
-    return std::any_of(folders.begin(), folders.end(), [&](const auto& folder) { return folder.name == name; });
+    return std::any_of(folders.begin(), folders.end(),
+                       [&](const auto& folder) { return folder.name == name; });
   };
   std::string name = stem;
   for (int number = 2; isTaken(name); ++number) name = fmt::format("{}-{}", stem, number);
@@ -60,7 +62,8 @@ void FolderGuard::allow(const fs::path& folder) {
   if (!path.has_filename()) path = path.parent_path();
   if (error || (fs::exists(path, error) && !fs::is_directory(path, error)))
     throw study::InputError(fmt::format("{} is no folder; name one that is there", folder.string()));
-  const bool isKnown = std::any_of(folders_.begin(), folders_.end(), [&](const auto& f) { return f.path == path; });
+  const bool isKnown =
+      std::any_of(folders_.begin(), folders_.end(), [&](const auto& f) { return f.path == path; });
   if (!isKnown) folders_.push_back({freeName(folders_, path), path});
 }
 

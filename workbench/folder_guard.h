@@ -1,5 +1,5 @@
-// Which files a page may see: those below the folders that were given at the start, with symbolic links resolved
-// first. Hidden files (".name") are neither shown nor given.
+// Which files a page may see: those below the folders that were given at the start, with symbolic links
+// resolved first. Hidden files (".name") are neither shown nor given.
 #ifndef TAVMAP_WORKBENCH_FOLDER_GUARD_H
 #define TAVMAP_WORKBENCH_FOLDER_GUARD_H
 
@@ -36,8 +36,8 @@ class FolderGuard {
   // Of a file that may not be there yet: its folder must be. Returns the path with its folder resolved.
   [[nodiscard]] std::filesystem::path resolvedForWriting(const std::filesystem::path& path) const;
 
-  // What is in a folder that resolved() gave: folders and regular files by name, what points out of the allowed
-  // folders left out. Throws Refusal 404 for what is no folder.
+  // What is in a folder that resolved() gave: folders and regular files by name, what points out of the
+  // allowed folders left out. Throws Refusal 404 for what is no folder.
   [[nodiscard]] std::vector<FolderEntry> list(const std::filesystem::path& folder) const;
 
   // Where a canonical path lies: the allowed folder that is nearest above it, and the rest.

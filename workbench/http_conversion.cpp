@@ -120,7 +120,8 @@ void explainStatus(httplib::Response& to) {
 }
 
 std::string tooManyText() {
-  const std::string body = problemReply(503, "Too many connections at a time. Close pages, and try again.").body;
+  const std::string body =
+      problemReply(503, "Too many connections at a time. Close pages, and try again.").body;
   return fmt::format(
       "HTTP/1.1 503 Service Unavailable\r\nContent-Type: application/json; charset=utf-8\r\n"
       "Content-Length: {}\r\nConnection: close\r\nCache-Control: no-store\r\nRetry-After: 1\r\n\r\n{}",

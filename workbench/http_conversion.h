@@ -16,8 +16,8 @@ namespace workbench {
 [[nodiscard]] Request requestOf(const httplib::Request& from);
 // As the head says it; 0 when it says nothing that is a number.
 [[nodiscard]] std::size_t lengthOfBody(const httplib::Request& from);
-// What the library would do by itself and is not wanted: parts of files, which can be asked for many times over, and
-// compression, which takes longer than a loopback needs for the whole.
+// What the library would do by itself and is not wanted: parts of files, which can be asked for many times
+// over, and compression, which takes longer than a loopback needs for the whole.
 void leaveOutExtras(httplib::Request& request);
 
 void giveReply(Reply reply, httplib::Response& to);

@@ -23,8 +23,8 @@ constexpr int kBacklog = 256;
 // The connection that this thread has in hand is one too many.
 thread_local bool tooMany = false;
 
-// Threads for connections. The HTTP library hands over connections as tasks that know their socket; one too many is
-// carried out at once, by the thread that accepts, which tells the client so.
+// Threads for connections. The HTTP library hands over connections as tasks that know their socket; one too
+// many is carried out at once, by the thread that accepts, which tells the client so.
 class BoundedQueue : public httplib::TaskQueue {
  public:
   explicit BoundedQueue(const ServerBounds& bounds) : most_(bounds.connections), pool_(bounds.threads) {}

@@ -1,5 +1,5 @@
-// HTTP on the loopback interface, bounded in every direction: connections, bytes, time. The one door to the HTTP
-// library.
+// HTTP on the loopback interface, bounded in every direction: connections, bytes, time. The one door to the
+// HTTP library.
 #ifndef TAVMAP_WORKBENCH_HTTP_SERVER_H
 #define TAVMAP_WORKBENCH_HTTP_SERVER_H
 
@@ -32,7 +32,8 @@ class HttpServer {
   [[nodiscard]] int port() const;
   // Answers, on threads of its own, until stop(). Borrows the dispatcher. Once at most.
   void start(const Dispatcher& dispatcher);
-  // Takes no more requests and waits for those in hand: their event streams must have been ended. May be repeated.
+  // Takes no more requests and waits for those in hand: their event streams must have been ended. May be
+  // repeated.
   void stop();
 
  private:

@@ -70,7 +70,8 @@ void PageDialogs::answer(const Json& body) {
   const std::lock_guard lock(mutex_);
   static_cast<void>(standingQuestion(body));
   const bool isCancelled = body.contains("cancel") && body["cancel"] == true;
-  if (!isCancelled && !body.contains("answer")) throw Refusal(400, "\"answer\" is missing, and \"cancel\" too.");
+  if (!isCancelled && !body.contains("answer"))
+    throw Refusal(400, "\"answer\" is missing, and \"cancel\" too.");
   answer_ = isCancelled ? std::nullopt : std::optional(check_(body["answer"]));
   isAnswered_ = true;
   answered_.notify_all();

@@ -1,5 +1,5 @@
-// Between a plug-in, which asks and waits, and pages, which come and go: the log so far, the question that stands, and
-// its answer. Any thread may call.
+// Between a plug-in, which asks and waits, and pages, which come and go: the log so far, the question that
+// stands, and its answer. Any thread may call.
 #ifndef TAVMAP_WORKBENCH_PAGE_DIALOGS_H
 #define TAVMAP_WORKBENCH_PAGE_DIALOGS_H
 
@@ -17,8 +17,8 @@ namespace workbench {
 class PageDialogs {
  public:
   using Json = nlohmann::ordered_json;
-  // Turns what a page answered into the value for the plug-in. Throws Refusal 400 for one that the question does
-  // not take: the question then stands.
+  // Turns what a page answered into the value for the plug-in. Throws Refusal 400 for one that the question
+  // does not take: the question then stands.
   using Check = std::function<Json(const Json&)>;
 
   // Borrows it: every change is published there.
@@ -34,8 +34,8 @@ class PageDialogs {
   // Shows the question and waits for its answer, however long; none: cancelled.
   [[nodiscard]] std::optional<Json> ask(Json question, const Check& check);
 
-  // The pages' side. {"question": id, "answer": value} or {"question": id, "cancel": true}. Throws Refusal 409 when
-  // that question does not stand (any more), 400 for a bad answer.
+  // The pages' side. {"question": id, "answer": value} or {"question": id, "cancel": true}. Throws Refusal
+  // 409 when that question does not stand (any more), 400 for a bad answer.
   void answer(const Json& body);
   // Ends the session at its next call.
   void end();

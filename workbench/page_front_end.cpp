@@ -58,7 +58,8 @@ Json fileToOpen(const FolderGuard& folders, const host::FileQuestion& question, 
 
 Json fileToSave(const FolderGuard& folders, const host::FileQuestion& question, const Json& answer) {
   const std::filesystem::path named = textOf(answer, "path");
-  const std::filesystem::path folder = folders.resolved(textOf(answer, "folder"), named.parent_path().string());
+  const std::filesystem::path folder =
+      folders.resolved(textOf(answer, "folder"), named.parent_path().string());
   const std::string path = folders.resolvedForWriting(folder / named.filename()).string();
   requireNoProblem(host::problemWithFileToSave(question, path));
   return path;
@@ -92,8 +93,7 @@ std::optional<int> PageFrontEnd::askInteger(const host::IntegerQuestion& questio
                   {"range", host::rangeText(question)},
                   {"choices", choicesJson(question, text)},
                   {"volumes", question.volumes}};
-  return valueOf<int>(
-      dialogs_.ask(json, [&](const Json& answer) { return numberFrom(question, answer); }));
+  return valueOf<int>(dialogs_.ask(json, [&](const Json& answer) { return numberFrom(question, answer); }));
 }
 
 std::optional<float> PageFrontEnd::askNumber(const host::NumberQuestion& question) {
@@ -101,8 +101,7 @@ std::optional<float> PageFrontEnd::askNumber(const host::NumberQuestion& questio
                   {"text", host::dialogText(question.html)},
                   {"initial", host::decimalText(question.initial)},
                   {"range", host::rangeText(question)}};
-  return valueOf<float>(
-      dialogs_.ask(json, [&](const Json& answer) { return numberFrom(question, answer); }));
+  return valueOf<float>(dialogs_.ask(json, [&](const Json& answer) { return numberFrom(question, answer); }));
 }
 
 std::optional<std::string> PageFrontEnd::askText(const host::TextQuestion& question) {
@@ -122,13 +121,15 @@ Json PageFrontEnd::fileJson(const char* kind, const host::FileQuestion& question
 }
 
 std::optional<std::string> PageFrontEnd::askFileToOpen(const host::FileQuestion& question) {
-  return valueOf<std::string>(dialogs_.ask(
-      fileJson("open", question), [&](const Json& answer) { return fileToOpen(folders_, question, answer); }));
+  return valueOf<std::string>(dialogs_.ask(fileJson("open", question), [&](const Json& answer) {
+    return fileToOpen(folders_, question, answer);
+  }));
 }
 
 std::optional<std::string> PageFrontEnd::askFileToSave(const host::FileQuestion& question) {
-  return valueOf<std::string>(dialogs_.ask(
-      fileJson("save", question), [&](const Json& answer) { return fileToSave(folders_, question, answer); }));
+  return valueOf<std::string>(dialogs_.ask(fileJson("save", question), [&](const Json& answer) {
+    return fileToSave(folders_, question, answer);
+  }));
 }
 
 }  // namespace workbench

@@ -1,4 +1,5 @@
-// A plug-in's dialogs in a page. Texts reach it as the terminal shows them: plain, without the plug-in's markup.
+// A plug-in's dialogs in a page. Texts reach it as the terminal shows them: plain, without the plug-in's
+// markup.
 #ifndef TAVMAP_WORKBENCH_PAGE_FRONT_END_H
 #define TAVMAP_WORKBENCH_PAGE_FRONT_END_H
 

@@ -1,5 +1,5 @@
-// Plug-in sessions, one at a time: the host's operations work on one workspace. The plug-in runs in this process, on a
-// thread of its own, as under `tavmap host`.
+// Plug-in sessions, one at a time: the host's operations work on one workspace. The plug-in runs in this
+// process, on a thread of its own, as under `tavmap host`.
 #ifndef TAVMAP_WORKBENCH_PLUGIN_DESK_H
 #define TAVMAP_WORKBENCH_PLUGIN_DESK_H
 
@@ -24,7 +24,8 @@ class PluginDesk {
   PluginDesk(const PluginDesk&) = delete;
   PluginDesk& operator=(const PluginDesk&) = delete;
 
-  // record: write the answers into a new script in the work folder. Throws Refusal 409 while a session goes on.
+  // record: write the answers into a new script in the work folder. Throws Refusal 409 while a session goes
+  // on.
   void start(bool record);
   // See PageDialogs::answer.
   void answer(const nlohmann::ordered_json& body) { dialogs_.answer(body); }

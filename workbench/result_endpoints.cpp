@@ -47,8 +47,8 @@ Json participantsOf(const Json& requests) {
   for (const Json& request : requests) {
     if (request["participant"] == "") continue;
     if (participants.empty() || participants.back()["participant"] != request["participant"])
-      participants.push_back({{"participant", request["participant"]}, {"requests", 0}, {"references", 0},
-                              {"failures", 0}});
+      participants.push_back(
+          {{"participant", request["participant"]}, {"requests", 0}, {"references", 0}, {"failures", 0}});
     Json& row = participants.back();
     row["requests"] = row["requests"].get<int>() + 1;
     row["references"] = row["references"].get<std::size_t>() + request["references"].size();

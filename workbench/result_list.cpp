@@ -66,10 +66,14 @@ Json referenceJson(const report::ReferenceOutputs& reference) {
   for (const study::ConditionRecord& condition : reference.record.conditions)
     conditions.push_back(conditionJson(condition));
   Json files = Json::array();
-  for (const auto& [name, bytes] : reference.record.files) files.push_back({{"name", name}, {"bytes", bytes}});
-  return {{"name", reference.record.reference}, {"voxels", reference.record.referenceVoxels},
-          {"record", reference.file},           {"order", reference.record.model.settings.order},
-          {"warnings", reference.record.warnings}, {"conditions", conditions},
+  for (const auto& [name, bytes] : reference.record.files)
+    files.push_back({{"name", name}, {"bytes", bytes}});
+  return {{"name", reference.record.reference},
+          {"voxels", reference.record.referenceVoxels},
+          {"record", reference.file},
+          {"order", reference.record.model.settings.order},
+          {"warnings", reference.record.warnings},
+          {"conditions", conditions},
           {"files", files}};
 }
 
@@ -96,12 +100,9 @@ std::string participantOf(const std::string& prefix) {
 
 Json requestJson(const fs::path& folder, const std::string& prefix, const FolderGuard& folders) {
   const FolderGuard::Place place = folders.placeOf(folder);
-  Json json{{"folder", place.folder},
-            {"path", place.path},
-            {"name", prefix},
-            {"participant", participantOf(prefix)},
-            {"report", nullptr},
-            {"references", Json::array()},
+  Json json{{"folder", place.folder},   {"path", place.path},
+            {"name", prefix},           {"participant", participantOf(prefix)},
+            {"report", nullptr},        {"references", Json::array()},
             {"failures", Json::array()}};
   std::error_code ignored;
   if (fs::exists(folder / study::reportFileOf(prefix), ignored)) json["report"] = study::reportFileOf(prefix);

@@ -35,8 +35,8 @@ class RouteTable {
   void add(Route route) { routes_.push_back(std::move(route)); }
   void add(std::vector<Route> routes);
 
-  // The route of a request; fills request.parts. Throws Refusal 404 for a path that none has, 405 for a method
-  // that this path has not.
+  // The route of a request; fills request.parts. Throws Refusal 404 for a path that none has, 405 for a
+  // method that this path has not.
   [[nodiscard]] const Route& find(const std::string& method, Request& request) const;
   [[nodiscard]] std::size_t largestBody() const;
 

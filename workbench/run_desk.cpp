@@ -48,7 +48,8 @@ bool isWaiting(const RunEntry& entry) {
 // Ended runs make room, the oldest first.
 void dropOldest(std::vector<RunEntry>& entries) {
   if (entries.size() < RunDesk::kMostKept) return;
-  const auto ended = std::find_if(entries.begin(), entries.end(), [](const auto& e) { return !e.isActive(); });
+  const auto ended =
+      std::find_if(entries.begin(), entries.end(), [](const auto& e) { return !e.isActive(); });
   if (ended == entries.end()) throw Refusal(429, "Too many runs wait. Start this one when some have ended.");
   entries.erase(ended);
 }
@@ -72,7 +73,8 @@ std::vector<RunEntry> RunDesk::runs() const {
 }
 
 RunEntry& RunDesk::entryOf(int id) {
-  const auto found = std::find_if(entries_.begin(), entries_.end(), [id](const auto& e) { return e.id == id; });
+  const auto found =
+      std::find_if(entries_.begin(), entries_.end(), [id](const auto& e) { return e.id == id; });
   if (found == entries_.end()) throw Refusal(404, fmt::format("There is no run {} here.", id));
   return *found;
 }
@@ -100,7 +102,8 @@ RunEntry RunDesk::add(const RunEntry& wanted) {
   const std::lock_guard lock(mutex_);
   for (const RunEntry& entry : entries_)
     if (entry.isActive() && entry.request == wanted.request)
-      throw Refusal(409, fmt::format("Run {} of this request has not ended. Wait for it, or cancel it.", entry.id));
+      throw Refusal(
+          409, fmt::format("Run {} of this request has not ended. Wait for it, or cancel it.", entry.id));
   dropOldest(entries_);
   RunEntry entry = wanted;
   entry.id = firstFreeId(entries_);

@@ -17,8 +17,8 @@ namespace workbench {
 // As pages see a run; outputs are named by folders of the guard.
 [[nodiscard]] nlohmann::ordered_json runJson(const RunEntry& entry, const FolderGuard& folders);
 
-// A run of this request file. Throws study::InputError for one that cannot be read, Refusal 403 when it would write
-// elsewhere than in the allowed folders.
+// A run of this request file. Throws study::InputError for one that cannot be read, Refusal 403 when it would
+// write elsewhere than in the allowed folders.
 [[nodiscard]] RunEntry wantedRun(const std::filesystem::path& request, const FolderGuard& folders);
 
 }  // namespace workbench

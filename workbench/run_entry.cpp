@@ -10,12 +10,14 @@
 namespace workbench {
 namespace {
 
-constexpr std::array<const char*, 6> kStates = {"queued", "running", "done", "failed", "cancelled", "interrupted"};
+constexpr std::array<const char*, 6> kStates = {"queued", "running",   "done",
+                                                "failed", "cancelled", "interrupted"};
 constexpr std::streamoff kTail = 8192;
 
 RunState stateNamed(const formats::JsonPlace& place) {
   const auto found = std::find(kStates.begin(), kStates.end(), place.text());
-  if (found == kStates.end()) place.fail("is no state of a run", "Remove the file; runs go on when started anew");
+  if (found == kStates.end())
+    place.fail("is no state of a run", "Remove the file; runs go on when started anew");
   return static_cast<RunState>(found - kStates.begin());
 }
 

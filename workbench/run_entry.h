@@ -21,8 +21,8 @@ struct RunEntry {
   RunState state = RunState::kQueued;
   double progress = 0;  // 0 to 1
   std::optional<double> secondsLeft;
-  std::string message;         // how it ended, when it did not end well
-  std::filesystem::path log;   // what it said
+  std::string message;        // how it ended, when it did not end well
+  std::filesystem::path log;  // what it said
 
   [[nodiscard]] bool isActive() const { return state == RunState::kQueued || state == RunState::kRunning; }
 };

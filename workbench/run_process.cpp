@@ -16,8 +16,12 @@ namespace workbench {
 namespace {
 
 std::vector<std::string> wordsOf(const RunCommand& command, const RunEntry& entry) {
-  return {command.program, "run",    entry.request.string(),
-          "--jobs",        std::to_string(command.jobs), "--report-to",
+  return {command.program,
+          "run",
+          entry.request.string(),
+          "--jobs",
+          std::to_string(command.jobs),
+          "--report-to",
           std::to_string(study::kReportDescriptor)};
 }
 

@@ -19,12 +19,13 @@ struct RunCommand {
 
 class RunProcess {
  public:
-  // Starts it; what it says goes into the entry's log. Throws study::RunError. See ChildProcess for the thread.
+  // Starts it; what it says goes into the entry's log. Throws study::RunError. See ChildProcess for the
+  // thread.
   RunProcess(const RunCommand& command, const RunEntry& entry);
 
   [[nodiscard]] int reports() const { return process_.reports(); }
-  // Precondition: reports() can be read. Takes what is there into the entry. False when the process has ended: the
-  // entry then has its last state.
+  // Precondition: reports() can be read. Takes what is there into the entry. False when the process has
+  // ended: the entry then has its last state.
   [[nodiscard]] bool listen(RunEntry& entry);
   // What is finished stays. becomes: the entry's state in the end.
   void end(RunState becomes);

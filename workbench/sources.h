@@ -15,7 +15,8 @@ struct ExploreSources {
   std::filesystem::path bold, mask, events, confounds;
   double trSeconds = 0;  // 0: as the image says
   std::filesystem::path anatomy, atlas, atlasTable;
-  std::filesystem::path workFolder;  // runs made ready, requests saved, what is known of runs that were started
+  std::filesystem::path
+      workFolder;  // runs made ready, requests saved, what is known of runs that were started
   [[nodiscard]] bool any() const { return !request.empty() || !bids.empty() || !bold.empty(); }
 };
 

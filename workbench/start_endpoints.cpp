@@ -29,7 +29,7 @@ Json startJson(const FolderGuard& folders, const StartWords& words) {
   Json list = Json::array();
   for (const AllowedFolder& folder : folders.folders())
     list.push_back({{"name", folder.name}, {"path", folder.path.string()}});
-  return {{"version", words.version}, {"folders", list},      {"explore", words.explore},
+  return {{"version", words.version}, {"folders", list},    {"explore", words.explore},
           {"plugin", words.plugin},   {"bids", words.bids}, {"ssh", words.ssh}};
 }
 
@@ -72,11 +72,13 @@ std::vector<Route> pageRoutes() {
     routes.push_back(pageRoute("/" + std::string(file.name), handler));
     if (file.name == "workbench.html") routes.push_back(pageRoute("/", handler));
   }
-  if (routes.empty()) routes.push_back(pageRoute("/", [](const Request&) { return problemReply(501, kNoPage); }));
+  if (routes.empty())
+    routes.push_back(pageRoute("/", [](const Request&) { return problemReply(501, kNoPage); }));
   return routes;
 }
 
-std::vector<Route> startRoutes(const AccessGuard& access, const FolderGuard& folders, const StartWords& words) {
+std::vector<Route> startRoutes(const AccessGuard& access, const FolderGuard& folders,
+                               const StartWords& words) {
   return {{"POST", "/api/session", Access::kEverybody, kSmallBody,
            [&access](const Request& request) { return beginSession(access, request); }},
           {"GET", "/api/start", Access::kSession, kNoBody,

@@ -69,9 +69,10 @@ void Workbench::allowFolders(const Sources& sources) {
 
 void Workbench::openDesks(const Sources& sources) {
   const fs::path& work = sources.explore.workFolder;
-  runs_ = std::make_unique<RunDesk>(
-      work, RunCommand{sources.program, sources.jobs},
-      [this](const RunEntry& entry) { runNews_.publish({{"run", runJson(entry, folders_)}}); });
+  runs_ = std::make_unique<RunDesk>(work, RunCommand{sources.program, sources.jobs},
+                                    [this](const RunEntry& entry) {
+                                      runNews_.publish({{"run", runJson(entry, folders_)}});
+                                    });
   if (!sources.plugin.plugin.empty())
     plugin_ = std::make_unique<PluginDesk>(sessionOf(sources), work, folders_, pluginNews_);
 }

@@ -1,12 +1,13 @@
-// The workbench: everything behind the page, from the sources that it was started with to the routes of its server.
+// The workbench: everything behind the page, from the sources that it was started with to the routes of its
+// server.
 #ifndef TAVMAP_WORKBENCH_WORKBENCH_H
 #define TAVMAP_WORKBENCH_WORKBENCH_H
 
 #include <memory>
 #include <string>
 
-#include "workbench/access_guard.h"
 #include "formats/claimed_folder.h"
+#include "workbench/access_guard.h"
 #include "workbench/dispatcher.h"
 #include "workbench/event_hub.h"
 #include "workbench/folder_guard.h"
@@ -20,8 +21,8 @@ namespace workbench {
 
 class Workbench {
  public:
-  // Takes a port (0: any) and the work folder, which must be there. Throws study::InputError for sources that are
-  // not there, or a port that is taken; formats::FileError when another workbench has the work folder.
+  // Takes a port (0: any) and the work folder, which must be there. Throws study::InputError for sources that
+  // are not there, or a port that is taken; formats::FileError when another workbench has the work folder.
   Workbench(const Sources& sources, int port);
   ~Workbench();
   Workbench(const Workbench&) = delete;

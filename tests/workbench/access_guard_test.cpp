@@ -44,14 +44,16 @@ TEST_F(AccessGuardTest, LetsItsOwnPageIn) {
 }
 
 TEST_F(AccessGuardTest, RefusesOtherHosts) {
-  for (const char* host : {"", "127.0.0.1", "127.0.0.1:8766", "evil.example:8765", "127.0.0.1:8765.evil.example"}) {
+  for (const char* host :
+       {"", "127.0.0.1", "127.0.0.1:8766", "evil.example:8765", "127.0.0.1:8765.evil.example"}) {
     head.host = host;
     EXPECT_EQ(ofPage(), 403) << host;
   }
 }
 
 TEST_F(AccessGuardTest, RefusesOtherOrigins) {
-  for (const char* origin : {"null", "https://127.0.0.1:8765", "http://evil.example", "http://localhost:8765"}) {
+  for (const char* origin :
+       {"null", "https://127.0.0.1:8765", "http://evil.example", "http://localhost:8765"}) {
     head.origin = origin;
     EXPECT_EQ(ofPage(), 403) << origin;
   }

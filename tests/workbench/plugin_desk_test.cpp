@@ -23,10 +23,9 @@ Json fileAnswer(const char* path) {
   return {{"folder", kData}, {"path", path}};
 }
 
-const std::vector<Json> kAnswers = {"1",  "0",   "1",     "all",
-                                    fileAnswer("run1.vtc"), "1", "120", fileAnswer("run2.vtc"),
-                                    "10", "110", Json(),  "",
-                                    fileAnswer("maps")};  // null: cancel
+const std::vector<Json> kAnswers = {
+    "1",  "0",   "1",    "all", fileAnswer("run1.vtc"), "1", "120", fileAnswer("run2.vtc"),
+    "10", "110", Json(), "",    fileAnswer("maps")};  // null: cancel
 
 struct PluginDeskTest : testing::Test {
   app_test::NoiseData data;
@@ -73,8 +72,10 @@ struct PluginDeskTest : testing::Test {
     desk->start(true);
     std::size_t asked = 0;
     for (Json next = question(); !next.is_null(); next = question(), ++asked) {
-      if (asked > kAnswers.size() + 20) desk->end();
-      else give(next, next["kind"] == "message" ? Json(true) : asked < answered ? kAnswers.at(asked) : Json());
+      if (asked > kAnswers.size() + 20)
+        desk->end();
+      else
+        give(next, next["kind"] == "message" ? Json(true) : asked < answered ? kAnswers.at(asked) : Json());
     }
     return desk->state();
   }
@@ -114,7 +115,8 @@ TEST_F(PluginDeskTest, GivesTheSameWithACancelAtEveryDialog) {
     const std::string log = contentOf(data.folder / "page.log");
     EXPECT_FALSE(log.empty()) << cancelled;
     const int replayed = replay(ended["recorded"]);
-    if (ended["message"] != "tavmap: Ended in the page.\n") EXPECT_EQ(replayed, ended["exitCode"]) << cancelled;
+    if (ended["message"] != "tavmap: Ended in the page.\n")
+      EXPECT_EQ(replayed, ended["exitCode"]) << cancelled;
     EXPECT_EQ(differingFiles(results, takeResults()), "") << cancelled;
     EXPECT_EQ(log, contentOf(data.folder / "script.log")) << cancelled;
   }

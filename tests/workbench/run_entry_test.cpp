@@ -13,7 +13,8 @@ using workbench::RunEntry;
 using workbench::RunState;
 
 TEST(RunEntry, IsKeptWhole) {
-  RunEntry entry{3, "a.toml", "/x/a.toml", "/x/out", "p", RunState::kFailed, 0.25, std::nullopt, "why", "/x/log"};
+  RunEntry entry{3,    "a.toml",     "/x/a.toml", "/x/out", "p", RunState::kFailed,
+                 0.25, std::nullopt, "why",       "/x/log"};
   const std::string text = nlohmann::ordered_json{{"runs", {workbench::keptJson(entry)}}}.dump();
   const std::vector<RunEntry> read = workbench::entriesFromText(text, "list");
   ASSERT_EQ(read.size(), 1U);

@@ -6,6 +6,7 @@ Usage: runs_test.py PROGRAM
 
 import os
 import shutil
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -23,7 +24,9 @@ class Runs(unittest.TestCase):
         self.scratch = tempfile.TemporaryDirectory()
         self.folder = Path(self.scratch.name)
         shutil.copytree(EXAMPLE, self.folder / "study")
-        self.request = next((self.folder / "study").glob("*.toml"))
+        self.request = self.folder / "study" / "study.toml"
+        example = subprocess.run([PROGRAM, "run", "--example"], capture_output=True, text=True, check=True).stdout
+        self.request.write_text(example)
 
     def tearDown(self):
         self.scratch.cleanup()

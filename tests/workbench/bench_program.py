@@ -28,6 +28,7 @@ class Bench:
             found = re.search(r"http://127\.0\.0\.1:(\d+)/#token=(\w+)", line)
             if found:
                 return int(found.group(1)), found.group(2)
+        self.process.communicate()
         raise AssertionError(f"the workbench did not start:\n{said}")
 
     def __enter__(self):

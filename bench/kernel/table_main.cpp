@@ -100,8 +100,8 @@ void printLeastSquares(const std::string& folder, const Workload& workload, int 
   }
   std::printf("%s by least squares with %d null draws: %.1f ms, %.2f times the written form\n",
               workload.name.c_str(), draws, squares * kMs, squares / written);
-  std::printf("%s: %d whole maps of surrogates on one thread: %.2f s, on two: %.2f s\n", workload.name.c_str(),
-              kMaps, oneThread, twoThreads);
+  std::printf("%s: %d whole maps of surrogates on one thread: %.2f s, on two: %.2f s\n",
+              workload.name.c_str(), kMaps, oneThread, twoThreads);
 }
 
 // All references of an atlas over 100,000 voxels.

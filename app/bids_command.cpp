@@ -9,6 +9,7 @@
 #include "app/cluster_options.h"
 #include "app/cluster_run.h"
 #include "app/commands.h"
+#include "app/connectome_work.h"
 #include "app/exit_codes.h"
 #include "app/memory_limit.h"
 #include "app/study_options.h"
@@ -34,13 +35,24 @@ StudyArguments withinMemory(const BidsArguments& arguments) {
   return study;
 }
 
+// After the maps, whose imports they share; and once more the index, which links to their pages.
+int connectomesOf(const std::vector<study::Request>& requests, const BidsArguments& arguments) {
+  if (arguments.connectomes.empty()) return kDone;
+  const int code = makeConnectomes(requests, arguments.study);
+  if (arguments.connectomes == "also" && !arguments.study.noReport) report::writeIndex(arguments.outDir);
+  return code;
+}
+
 int participants(const BidsArguments& arguments) {
   study::StudyOptions run;
   run.stopOnFirstCrash = arguments.stopOnFirstCrash;
   run.datasetFolder = arguments.datasetFiles.empty() ? arguments.outDir : arguments.datasetFiles;
   study::BidsRequests made = requestsOf(arguments);
   run.withoutRequest = std::move(made.failures);
-  return runRequests(made.requests, run, withinMemory(arguments));
+  int maps = kDone;
+  if (arguments.connectomes != "only") maps = runRequests(made.requests, run, withinMemory(arguments));
+  const int edges = connectomesOf(made.requests, arguments);
+  return maps != kDone ? maps : edges;
 }
 
 int testGroup(const study::GroupResult& result, const BidsArguments& arguments) {
@@ -109,6 +121,9 @@ void requireLevels(const std::vector<std::string>& levels) {
 
 int bidsAnywhere(const CLI::App& command, const BidsArguments& arguments, const ClusterArguments& cluster) {
   requireLevels(arguments.levels);
+  if (isForCluster(cluster) && !arguments.connectomes.empty())
+    throw UsageError(
+        "--connectomes cannot be given with --scheduler; give it without, once the maps are there");
   return isForCluster(cluster) ? onCluster(command, arguments, cluster) : bids(arguments);
 }
 

@@ -113,6 +113,12 @@ void addRunningOptions(CLI::App& command, BidsArguments& arguments) {
                      "Work folder for imported runs; default: OUT_DIR/work");
   command.add_flag("--stop-on-first-crash,--stop_on_first_crash", arguments.stopOnFirstCrash,
                    "Start nothing new after a failure");
+  command
+      .add_option(
+          "--connectomes", arguments.connectomes,
+          "Participant level: compute every region with every other (docs/connectome.md), \"also\" or, "
+          "without maps, \"only\"")
+      ->check(CLI::IsMember({"also", "only"}));
   command.add_flag("--reports-only,--reports_only", arguments.reportsOnly, "Rebuild reports only");
   command.add_option("--dataset-files", arguments.datasetFiles)->group("");  // for tasks of a scheduler
   command.add_flag("--notrack", arguments.ignored, "Accepted for schedulers; nothing is ever tracked");

@@ -22,7 +22,8 @@ struct BidsArguments {
   std::string datasetFiles;  // where the files of the data set as a whole go; empty: the output folder
   double fdThreshold = -1, trSeconds = 0;
   bool stopOnFirstCrash = false, reportsOnly = false, leaveOutOutdated = false;
-  bool ignored = false;  // flags that schedulers pass and nothing here needs
+  std::string connectomes;  // "also", "only", or empty: none
+  bool ignored = false;     // flags that schedulers pass and nothing here needs
   int threadsPerWorker = 1;
   StudyArguments study;
   GroupTestArguments tests;

@@ -6,11 +6,10 @@
 #include <nlohmann/json.hpp>
 
 #include "app/commands.h"
+#include "app/connectome_work.h"
 #include "app/exit_codes.h"
 #include "app/study_options.h"
-#include "report/connectome_page.h"
 #include "request/request_file.h"
-#include "study/connectome_run.h"
 #include "study/connectome_summary.h"
 
 namespace app {
@@ -30,37 +29,17 @@ study::Request requestOf(const ConnectomeArguments& arguments) {
   return request;
 }
 
-study::StudyOptions optionsFrom(const StudyArguments& arguments) {
-  study::StudyOptions options;
-  options.program = kThisProgram;
-  options.jobs = arguments.jobs;
-  options.force = arguments.force;
-  options.seed = arguments.seed;
-  options.version = softwareVersion();
-  return options;
-}
-
-std::string pageOf(const study::ConnectomeOutcome& outcome) {
-  const std::string file = outcome.recordFile.filename().string(), end = ::connectome::recordFileOf("");
-  return report::writeConnectomePage(outcome.recordFile.parent_path(),
-                                     file.substr(0, file.size() - end.size()));
-}
-
 int runConnectomeVerb(const ConnectomeArguments& arguments) {
-  study::ConnectomeOutcome outcome;
-  {
-    study::ProgressBar progress(std::cerr, study::progressStyle(arguments.study.quiet));
-    outcome = study::runConnectome(requestOf(arguments), optionsFrom(arguments.study), progress);
-  }
+  const ConnectomeWork work = makeConnectome(requestOf(arguments), arguments.study);
+  const study::ConnectomeOutcome& outcome = work.outcome;
   if (outcome.preparation.failed()) return outcome.preparation.inputProblem ? kWrongInput : kFailed;
-  const std::string page = arguments.study.noReport ? "" : pageOf(outcome);
   if (arguments.study.json) {
     nlohmann::ordered_json json = study::connectomeSummaryJson(outcome);
-    if (!page.empty()) json["Page"] = page;
+    if (!work.page.empty()) json["Page"] = work.page;
     std::cout << json.dump(2) << "\n";
   } else if (!arguments.study.quiet) {
     study::printConnectome(outcome, std::cout);
-    if (!page.empty()) std::cout << "Page: " << page << "\n";
+    if (!work.page.empty()) std::cout << "Page: " << work.page << "\n";
   }
   return kDone;
 }

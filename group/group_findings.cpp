@@ -47,6 +47,15 @@ std::string symmetryWarning(const inference::Symmetry& symmetry, bool isDifferen
       symmetry.meanSkewness, symmetry.regionalSkewness, symmetry.expected, symmetry.p, remedy);
 }
 
+std::string spreadWarning(const inference::Spread& spread) {
+  return fmt::format(
+      "the two groups do not vary alike (standard deviation of the first is {:.2f} times that of the second, "
+      "p = {:.2g}), which permutations rest on: small p can come from spread alone, most so where the "
+      "smaller "
+      "group varies more; look at the values at the peaks, which show both groups",
+      spread.ratio, spread.p);
+}
+
 }  // namespace
 
 void countFindings(const TestedGroup& test, GroupTestRecord& record) {
@@ -63,6 +72,8 @@ void countFindings(const TestedGroup& test, GroupTestRecord& record) {
   record.byMass = countClusters(result, level);
   record.symmetryP = result.symmetry ? result.symmetry->p : std::nan("");
   record.meanSkewness = result.symmetry ? result.symmetry->meanSkewness : std::nan("");
+  record.spreadRatio = result.spread ? result.spread->ratio : std::nan("");
+  record.spreadP = result.spread ? result.spread->p : std::nan("");
   record.shuffles = result.shuffles;
   record.isExhaustive = result.isExhaustive;
   record.isTailSmooth = result.nullZ.tail.has_value();
@@ -74,6 +85,7 @@ std::vector<std::string> groupWarnings(const TestedGroup& test) {
   std::vector<std::string> warnings;
   if (result.symmetry && result.symmetry->isDoubtful())
     warnings.push_back(symmetryWarning(*result.symmetry, test.cell.isDifference()));
+  if (result.spread && result.spread->isDoubtful()) warnings.push_back(spreadWarning(*result.spread));
   if (1.0 / static_cast<double>(result.shuffles) > test.inference.level) {
     warnings.push_back(
         fmt::format("there are only {} ways to exchange these participants, so that no p can be below "

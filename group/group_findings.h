@@ -28,7 +28,7 @@ struct TestedGroup {
 inline constexpr std::size_t kPeaksWithValues = 6;
 [[nodiscard]] std::vector<GroupPeak> groupPeaks(const TestedGroup& test, const std::filesystem::path& outDir);
 
-// Fills counts, thresholds, extremes and symmetry.
+// Fills counts, thresholds, extremes, symmetry and spread.
 void countFindings(const TestedGroup& test, GroupTestRecord& record);
 
 // What a reader must know: errors that are not symmetric, few participants or shuffles, voxels that were left

@@ -111,6 +111,8 @@ void describeFindings(Fields& fields, Record& record) {
   fields("ClustersByMass", record.byMass);
   fields("SymmetryP", record.symmetryP);
   fields("MeanSkewness", record.meanSkewness);
+  fields("SpreadRatio", record.spreadRatio);
+  fields("SpreadP", record.spreadP);
   fields("Peaks", record.peaks);
 }
 

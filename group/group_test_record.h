@@ -84,6 +84,7 @@ struct GroupTestRecord {
   GroupCounts byMaximum, byTfce, byFdr, byMass;  // voxels; of mass: clusters
   double symmetryP = 0;                          // NaN: not looked at
   double meanSkewness = 0;
+  double spreadRatio = 0, spreadP = 0;  // of two groups; NaN: not looked at
   std::vector<GroupPeak> peaks;
   std::vector<std::string> warnings;
   std::vector<GroupImage> images;

@@ -113,6 +113,8 @@ TestResult groupResult(const Tested& tested) {
   result.tAtQ05 = smallestAtQ(tested, result);
   if (tested.options.exchange == Exchange::kSignFlips)
     result.symmetry = checkSymmetry(tested.model, tested.values, tested.options.seed);
+  else
+    result.spread = checkSpread(tested.model, tested.values, tested.options.blocks, tested.options.seed);
   return result;
 }
 

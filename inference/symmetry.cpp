@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "inference/complete_sample.h"
 #include "inference/contrast_split.h"
 #include "inference/draws.h"
-#include "inference/place_groups.h"
 #include "inference/scaled_design.h"
 
 namespace inference {
@@ -17,7 +17,6 @@ namespace {
 
 using Eigen::MatrixXf;
 
-constexpr std::size_t kMostPlaces = 2000;
 constexpr int kFlips = 499;
 
 constexpr Eigen::Index kRegions = 10;
@@ -25,18 +24,6 @@ constexpr Eigen::Index kRegions = 10;
 struct Means {
   double all, regional;
 };
-
-MatrixXf valuesOf(const Values& values) {
-  const auto groups = groupPlaces(values, countRows(values), static_cast<int>(values.rows));
-  const std::vector<std::int32_t> places = groups.empty() ? std::vector<std::int32_t>{} : groups[0].places;
-  const std::size_t step = places.size() / kMostPlaces + 1;
-  MatrixXf taken(values.rows, (places.size() + step - 1) / step);
-  for (Eigen::Index j = 0; j < taken.cols(); ++j)
-    for (Eigen::Index i = 0; i < taken.rows(); ++i)
-      taken(i, j) = values.of(static_cast<std::size_t>(i),
-                              static_cast<std::size_t>(places[static_cast<std::size_t>(j) * step]));
-  return taken;
-}
 
 // Columns lose what the basis spans, and have unit length then; those without length become 0.
 void leaveResiduals(const MatrixXf& basis, MatrixXf& values) {
@@ -77,7 +64,7 @@ Means flippedMeans(const MatrixXf& residuals, const MatrixXf& basis, Draws draws
 }  // namespace
 
 Symmetry checkSymmetry(const Model& model, const Values& values, std::uint32_t seed) {
-  MatrixXf residuals = valuesOf(values);
+  MatrixXf residuals = completeSample(values);
   if (residuals.cols() == 0) return {};
   const MatrixXf basis = ScaledDesign(model, allRows(model.rows())).basis().cast<float>();
   leaveResiduals(basis, residuals);

@@ -21,8 +21,8 @@ struct Symmetry {
 // Compares regional skewness with that of sign flips of whole rows of residuals, so that places keep what
 // they share. Averages come first because the skewness of single places is no fair witness: least squares
 // leave an outlier and its flip unlike traces in the other residuals, which changes squares, not means.
-// Regions are ten runs of places of equal number, in their order (slabs of a brain). Uses at most 5,000
-// places, evenly taken, of those where all rows have a value and vary. Random numbers follow from the seed
+// Regions are ten runs of places of equal number, in their order (slabs of a brain). Looks at
+// the places of completeSample() that vary. Random numbers follow from the seed
 // alone.
 [[nodiscard]] Symmetry checkSymmetry(const Model& model, const Values& values, std::uint32_t seed);
 

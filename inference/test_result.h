@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "inference/spread.h"
 #include "inference/symmetry.h"
 #include "inference/tail.h"
 
@@ -50,6 +51,7 @@ struct TestResult {
   std::size_t shuffles = 0;          // the data as they are among them
   bool isExhaustive = false;         // these are all there are
   std::optional<Symmetry> symmetry;  // of sign flips
+  std::optional<Spread> spread;      // of permutations between two groups
 };
 
 }  // namespace inference

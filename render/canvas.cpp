@@ -4,6 +4,7 @@
 #include <fmt/core.h>
 
 #include <cstring>
+#include <numbers>
 #include <stdexcept>
 
 #include "render/png_surface.h"
@@ -75,6 +76,14 @@ void Canvas::text(double x, double y, double size, const std::string& utf8) {
   cairo_set_font_size(impl_->context, size);
   cairo_move_to(impl_->context, x, y);
   cairo_show_text(impl_->context, utf8.c_str());
+}
+
+void Canvas::textUpwards(double x, double y, double size, const std::string& utf8) {
+  cairo_save(impl_->context);
+  cairo_translate(impl_->context, x, y);
+  cairo_rotate(impl_->context, -std::numbers::pi / 2);
+  text(0, 0, size, utf8);
+  cairo_restore(impl_->context);
 }
 
 double Canvas::textWidth(double size, const std::string& utf8) {

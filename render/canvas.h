@@ -24,7 +24,8 @@ class Canvas {
 
   void fillRectangle(double x, double y, double width, double height, Rgb colour);
   void line(double x1, double y1, double x2, double y2, const Pen& pen);
-  void text(double x, double y, double size, const std::string& utf8);  // white, on baseline y
+  void text(double x, double y, double size, const std::string& utf8);         // white, on baseline y
+  void textUpwards(double x, double y, double size, const std::string& utf8);  // the same, turned to the left
   [[nodiscard]] double textWidth(double size, const std::string& utf8);
   [[nodiscard]] std::string png();
 

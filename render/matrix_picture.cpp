@@ -30,14 +30,27 @@ void fillCells(const MatrixPicture& picture, double left, double top, double cel
   }
 }
 
+void endingAt(double right, double baseline, double size, const std::string& words, Canvas& canvas) {
+  canvas.text(std::max(4.0, right - canvas.textWidth(size, words)), baseline, size, words);
+}
+
 void drawGroups(const MatrixPicture& picture, double left, double top, double cell, Canvas& canvas) {
   const double size = cell * static_cast<double>(picture.size);
   for (const MatrixGroup& group : picture.groups) {
     const double begin = cell * static_cast<double>(group.first), end = cell * static_cast<double>(group.end);
     canvas.line(left + end, top, left + end, top + size, {kLine, 1});
     canvas.line(left, top + end, left + size, top + end, {kLine, 1});
-    const double length = canvas.textWidth(12, group.name);
-    canvas.text(std::max(4.0, left - 8 - length), top + (begin + end) / 2 + 4, 12, group.name);
+    if (picture.names.empty()) endingAt(left - 8, top + (begin + end) / 2 + 4, 12, group.name, canvas);
+  }
+}
+
+void drawNames(const MatrixPicture& picture, double left, double top, double cell, Canvas& canvas) {
+  const double below = top + cell * static_cast<double>(picture.size), size = nameSize(cell);
+  for (std::size_t row = 0; row < picture.names.size(); ++row) {
+    const double middle = cell * (static_cast<double>(row) + 0.5) + size / 3;
+    const std::string name = shortName(picture.names[row]);
+    endingAt(left - 8, top + middle, size, name, canvas);
+    canvas.textUpwards(left + middle, below + 8 + canvas.textWidth(size, name), size, name);
   }
 }
 
@@ -58,6 +71,23 @@ void drawBar(const MatrixPicture& picture, double left, double top, double width
 
 }  // namespace
 
+double nameSize(double cell) {
+  return std::min(12.0, 0.8 * cell);
+}
+
+std::string shortName(const std::string& utf8) {
+  constexpr std::size_t kMost = 18;
+  std::string kept;
+  std::size_t letters = 0;
+  for (const char byte : utf8) {
+    const bool begins =
+        (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;  // a letter, not its further bytes
+    if (begins && ++letters > kMost) return kept + "\u2026";
+    kept += byte;
+  }
+  return kept;
+}
+
 Rgb cellColour(double value, double full, bool isEmphasised) {
   if (std::isnan(value)) return kNothing;
   const double share = full > 0 ? std::min(std::abs(value) / full, 1.0) : 0;
@@ -75,14 +105,16 @@ std::string matrixPixels(const MatrixPicture& picture) {
 
 std::string drawMatrix(const MatrixPicture& picture, int cell) {
   const int side = std::max(320, cell * static_cast<int>(picture.size));
-  const int width = kNames + side + kMatrixMargin, height = kTitle + side + kBar + kMatrixMargin;
+  const int below = picture.names.empty() ? 0 : kNames;
+  const int width = kNames + side + kMatrixMargin, height = kTitle + side + below + kBar + kMatrixMargin;
   Canvas canvas(width, height);
   canvas.fillRectangle(0, 0, width, height, kGround);
   canvas.text(kMatrixMargin, 26, 15, picture.title);
   const double unit = static_cast<double>(side) / static_cast<double>(std::max<std::size_t>(1, picture.size));
   fillCells(picture, kNames, kTitle, unit, canvas);
   drawGroups(picture, kNames, kTitle, unit, canvas);
-  drawBar(picture, kNames, kTitle + side + kMatrixMargin, side, canvas);
+  drawNames(picture, kNames, kTitle, unit, canvas);
+  drawBar(picture, kNames, kTitle + side + below + kMatrixMargin, side, canvas);
   return canvas.png();
 }
 

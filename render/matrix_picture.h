@@ -23,8 +23,17 @@ struct MatrixPicture {
   std::vector<char> isEmphasised;   // the same; others are drawn faint
   double full = 1;                  // the magnitude that gets full colour
   std::vector<MatrixGroup> groups;  // ascending; none: no lines
-  std::string title, caption;       // UTF-8; above and below
+  std::vector<std::string>
+      names;                   // UTF-8, of rows and columns, shown beside and below; empty: those of groups
+  std::string title, caption;  // UTF-8; above and below
 };
+
+// Matrices of at most so many rows have room for the name of each.
+inline constexpr std::size_t kMostNamedRows = 40;
+// Height of letters in cells of this size, pixels.
+[[nodiscard]] double nameSize(double cell);
+// What has room of a name: its beginning, and a mark where something is left out.
+[[nodiscard]] std::string shortName(const std::string& utf8);
 
 // Colour of a value: near black at 0, the warm scale above and the cold one below.
 [[nodiscard]] Rgb cellColour(double value, double full, bool isEmphasised);

@@ -1,5 +1,7 @@
 #include <fmt/core.h>
 
+#include <algorithm>
+
 #include "report/connectome_outputs.h"
 #include "report/encoding.h"
 #include "report/html.h"
@@ -16,12 +18,18 @@ std::string shape(std::string_view tag, Attributes attributes) {
   return element(tag, attributes, "");
 }
 
-std::string label(double x, double y, const char* anchor, const std::string& words) {
+struct Letters {
+  const char* anchor;
+  double size = 13;
+  bool isUpwards = false;
+};
+
+std::string label(double x, double y, const Letters& letters, const std::string& words) {
   return element("text",
-                 {{"x", fmt::format("{:.1f}", x)},
-                  {"y", fmt::format("{:.1f}", y)},
-                  {"text-anchor", anchor},
-                  {"font-size", "13"},
+                 {{"transform",
+                   fmt::format("translate({:.1f} {:.1f}){}", x, y, letters.isUpwards ? " rotate(-90)" : "")},
+                  {"text-anchor", letters.anchor},
+                  {"font-size", fmt::format("{:.3g}", letters.size)},
                   {"fill", "currentColor"}},
                  text(words));
 }
@@ -41,11 +49,30 @@ std::string groupMarks(const render::MatrixPicture& picture) {
   const double unit = static_cast<double>(kSide) / static_cast<double>(picture.size);
   for (const render::MatrixGroup& group : picture.groups) {
     const double begin = unit * static_cast<double>(group.first), end = unit * static_cast<double>(group.end);
-    marks += label(kNames - 6, (begin + end) / 2 + 4, "end", group.name);
+    if (picture.names.empty()) marks += label(kNames - 6, (begin + end) / 2 + 4, {"end"}, group.name);
     if (group.end == picture.size) continue;
     marks += line(kNames + end, 0, kNames + end, kSide) + line(kNames, end, kNames + kSide, end);
   }
   return marks;
+}
+
+std::string nameMarks(const render::MatrixPicture& picture) {
+  std::string marks;
+  const double unit =
+      static_cast<double>(kSide) / static_cast<double>(std::max<std::size_t>(1, picture.size));
+  const double size = render::nameSize(unit);
+  for (std::size_t row = 0; row < picture.names.size(); ++row) {
+    const double middle = unit * (static_cast<double>(row) + 0.5) + size / 3;
+    const std::string name = render::shortName(picture.names[row]);
+    marks += label(kNames - 6, middle, {"end", size}, name);
+    marks += label(kNames + middle, kSide + 6, {"end", size, true}, name);
+  }
+  return marks;
+}
+
+// What lies below the cells before the bar of colours.
+int heightOfNames(const render::MatrixPicture& picture) {
+  return picture.names.empty() ? 0 : kNames;
 }
 
 std::string hexOf(const render::Rgb& colour) {
@@ -58,17 +85,18 @@ std::string colourBar(const render::MatrixPicture& picture) {
   bool hasNegative = false;
   for (const double value : picture.values) hasNegative = hasNegative || value < 0;
   const double least = hasNegative ? -picture.full : 0;
+  const int top = kSide + heightOfNames(picture);
   std::string bar;
   for (int i = 0; i < kSteps; ++i) {
     const double value = least + (picture.full - least) * (i + 0.5) / kSteps;
     bar += shape("rect", {{"x", fmt::format("{:.1f}", kNames + i * static_cast<double>(kSide) / kSteps)},
-                          {"y", std::to_string(kSide + 8)},
+                          {"y", std::to_string(top + 8)},
                           {"width", fmt::format("{:.1f}", static_cast<double>(kSide) / kSteps + 0.5)},
                           {"height", "10"},
                           {"fill", hexOf(render::cellColour(value, picture.full, true))}});
   }
-  return bar + label(kNames, kSide + 34, "start", fmt::format("{:.3g}", least)) +
-         label(kNames + kSide, kSide + 34, "end", fmt::format("{:.3g} or more", picture.full));
+  return bar + label(kNames, top + 34, {"start"}, fmt::format("{:.3g}", least)) +
+         label(kNames + kSide, top + 34, {"end"}, fmt::format("{:.3g} or more", picture.full));
 }
 
 // Letters take the colour of the page's; the matrix has a ground of its own.
@@ -80,13 +108,15 @@ std::string matrixSvg(const render::MatrixPicture& picture) {
                                              {"preserveAspectRatio", "none"},
                                              {"style", "image-rendering: pixelated"},
                                              {"href", pngUri(render::matrixPixels(picture))}});
-  return element("svg",
-                 {{"xmlns", "http://www.w3.org/2000/svg"},
-                  {"viewBox", fmt::format("0 0 {} {}", kNames + kSide + 4, kSide + kBar)},
-                  {"role", "img"},
-                  {"font-family", "sans-serif"},
-                  {"aria-label", picture.title + ", " + picture.caption}},
-                 element("title", text(picture.title)) + pixels + groupMarks(picture) + colourBar(picture));
+  return element(
+      "svg",
+      {{"xmlns", "http://www.w3.org/2000/svg"},
+       {"viewBox", fmt::format("0 0 {} {}", kNames + kSide + 4, kSide + heightOfNames(picture) + kBar)},
+       {"role", "img"},
+       {"font-family", "sans-serif"},
+       {"aria-label", picture.title + ", " + picture.caption}},
+      element("title", text(picture.title)) + pixels + groupMarks(picture) + nameMarks(picture) +
+          colourBar(picture));
 }
 
 // In a file of its own there is no page to take the colour of letters from.

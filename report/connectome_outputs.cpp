@@ -41,12 +41,15 @@ PictureNodes pictureNodes(const std::string& nodesFile, bool byNetwork) {
     if (at >= table.rows()) table.fail(row, "a place behind the last node", "Make the file again");
     nodes.order[at] = row;
   }
+  if (table.rows() <= render::kMostNamedRows)
+    for (const std::size_t row : nodes.order) nodes.names.push_back(table.cell(row, table.require("name")));
   for (std::size_t at = 0; byNetwork && at < nodes.order.size(); ++at) {
     const std::string& cell = table.cell(nodes.order[at], network);
     const std::string name = formats::isMissing(cell) ? "others" : cell;
     if (nodes.groups.empty() || nodes.groups.back().name != name) nodes.groups.push_back({at, at, name});
     nodes.groups.back().end = at + 1;
   }
+  if (nodes.groups.size() == 1) nodes.groups.clear();  // one network parts nothing
   return nodes;
 }
 
@@ -65,6 +68,7 @@ render::MatrixPicture measurePicture(const ConnectomeOutputs& outputs, std::size
   picture.size = values.nodes;
   picture.full = fullMagnitude(values);
   picture.groups = nodes.groups;
+  picture.names = nodes.names;
   for (const std::size_t row : nodes.order) {
     for (const std::size_t column : nodes.order) {
       picture.values.push_back(values.at(row, column));

@@ -32,6 +32,7 @@ struct ConnectomeOutputs {
 struct PictureNodes {
   std::vector<std::size_t> order;           // place in the picture -> row of the matrices
   std::vector<render::MatrixGroup> groups;  // networks
+  std::vector<std::string> names;           // in that order; none where there are too many to be read
 };
 [[nodiscard]] PictureNodes pictureNodes(const std::string& nodesFile, bool byNetwork);
 

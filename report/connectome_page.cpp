@@ -43,6 +43,10 @@ std::vector<std::string> connectomesIn(const fs::path& folder) {
   return prefixes;
 }
 
+std::string connectomePageOf(const std::string& prefix) {
+  return prefix + "_connectome.html";
+}
+
 std::string writeConnectomePage(const fs::path& folder, const std::string& prefix) {
   const ConnectomeOutputs outputs = readConnectomeOutputs(folder, prefix);
   Figures figures;
@@ -63,7 +67,7 @@ std::string writeConnectomePage(const fs::path& folder, const std::string& prefi
   parts.lead = element("p", {{"class", "lead"}},
                        fmt::format("Directed influence between {} regions, every one with every other.",
                                    outputs.record.nodes));
-  const std::string path = outputs.path(prefix + "_connectome.html");
+  const std::string path = outputs.path(connectomePageOf(prefix));
   formats::writeTextFile(path, page(parts), formats::Durability::kCached);
   writeFigures(folder, figures);
   return path;

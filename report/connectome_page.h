@@ -11,6 +11,9 @@ namespace report {
 // Prefixes in a folder that have a record of a connectome, sorted.
 [[nodiscard]] std::vector<std::string> connectomesIn(const std::filesystem::path& folder);
 
+// The page's name.
+[[nodiscard]] std::string connectomePageOf(const std::string& prefix);
+
 // Writes PREFIX_connectome.html, and figures/*_relmat.svg and .png, into the folder. Returns the page's path.
 // Throws formats::FileError.
 std::string writeConnectomePage(const std::filesystem::path& folder, const std::string& prefix);

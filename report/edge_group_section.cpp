@@ -35,6 +35,7 @@ render::MatrixPicture picture(const EdgeGroupFiles& files) {
   shown.size = t.nodes;
   shown.full = fullMagnitude(t);
   shown.groups = nodes.groups;
+  shown.names = nodes.names;
   for (const std::size_t row : nodes.order) {
     for (const std::size_t column : nodes.order) {
       shown.values.push_back(t.at(row, column));

@@ -129,23 +129,44 @@ std::string headOfIndex() {
   return element("thead", element("tr", row));
 }
 
-// Links to the pages of tests over participants.
-std::string groupPages(const fs::path& folder) {
-  std::vector<std::string> files;
-  std::error_code missing;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder / study::kGroupFolder, missing))
-    if (entry.path().filename().string().ends_with("_report.html"))
-      files.push_back(entry.path().filename().string());
-  if (files.empty()) return "";
-  std::sort(files.begin(), files.end());
+struct PageLink {
+  std::string path;  // from the index
+  std::string words;
+};
+
+// A section of links, empty without any.
+std::string linkSection(const char* id, const char* title, const std::vector<PageLink>& links) {
   std::string items;
-  for (const std::string& file : files) {
-    const std::string way = study::percentEncoded((fs::path(study::kGroupFolder) / file).generic_string());
-    const std::string test = file.substr(0, file.size() - std::string_view("_report.html").size());
-    items += element("li", element("a", {{"href", way}}, name(test)));
+  for (const PageLink& link : links)
+    items += element("li", element("a", {{"href", study::percentEncoded(link.path)}}, name(link.words)));
+  if (links.empty()) return "";
+  return element("section", {{"id", id}, {"class", "part"}}, element("h2", title) + element("ul", items));
+}
+
+// To the pages of tests over participants.
+std::vector<PageLink> groupLinks(const fs::path& folder) {
+  constexpr std::string_view kEnd = "_report.html", kEndOfEdges = "_connectome.html";
+  std::vector<PageLink> links;
+  std::error_code missing;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder / study::kGroupFolder, missing)) {
+    const std::string file = entry.path().filename().string();
+    const std::string way = (fs::path(study::kGroupFolder) / file).generic_string();
+    if (file.ends_with(kEnd)) links.push_back({way, file.substr(0, file.size() - kEnd.size())});
+    if (file.ends_with(kEndOfEdges))
+      links.push_back({way, file.substr(0, file.size() - kEndOfEdges.size()) + ", connectomes"});
   }
-  return element("section", {{"id", "groups"}, {"class", "part"}},
-                 element("h2", "Tests over participants") + element("ul", items));
+  std::sort(links.begin(), links.end(), [](const auto& a, const auto& b) { return a.words < b.words; });
+  return links;
+}
+
+// To those that were written.
+std::vector<PageLink> connectomeLinks(const fs::path& folder, const std::vector<fs::path>& pages) {
+  std::vector<PageLink> links;
+  for (const fs::path& page : pages) {
+    const std::string way = page.lexically_relative(folder).generic_string();
+    if (fs::exists(page)) links.push_back({way, page.stem().string()});
+  }
+  return links;
 }
 
 std::string failedRequests(const fs::path& folder) {
@@ -161,7 +182,8 @@ std::string failedRequests(const fs::path& folder) {
 
 }  // namespace
 
-std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& requests) {
+std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& requests,
+                      const std::vector<fs::path>& connectomes) {
   std::string failed = failedRequests(folder), done;
   for (const StudyOutputs& outputs : requests) {
     for (const FailedReference& failure : outputs.failures)
@@ -178,11 +200,13 @@ std::string indexPage(const fs::path& folder, const std::vector<StudyOutputs>& r
   PageParts parts;
   parts.title = "Tavmap: all results";
   parts.lead = element("p", {{"class", "lead"}}, fmt::format("{} reports.", requests.size()));
-  const std::string groups = groupPages(folder);
+  const std::string groups = linkSection("groups", "Tests over participants", groupLinks(folder));
   if (!groups.empty()) parts.contents.emplace_back("groups", "Tests over participants");
+  const std::string edges = linkSection("connectomes", "Connectomes", connectomeLinks(folder, connectomes));
+  if (!edges.empty()) parts.contents.emplace_back("connectomes", "Connectomes");
   parts.contents.emplace_back("results", "Results");
-  parts.body =
-      groups + element("section", {{"id", "results"}, {"class", "part"}}, element("h2", "Results") + table);
+  parts.body = groups + edges +
+               element("section", {{"id", "results"}, {"class", "part"}}, element("h2", "Results") + table);
   return page(parts);
 }
 

@@ -11,10 +11,12 @@
 namespace report {
 
 // What failed first, with the reason; then a row per reference and condition: a small picture of the main
-// map, figures of quality that sort, a link to the report. folder: where the page will lie. Throws
-// formats::FileError.
+// map, figures of quality that sort, a link to the report. Before them links to tests over participants, and
+// to those pages of connectomes that are there. folder: where the page will lie. connectomes: paths of their
+// pages. Throws formats::FileError.
 [[nodiscard]] std::string indexPage(const std::filesystem::path& folder,
-                                    const std::vector<StudyOutputs>& requests);
+                                    const std::vector<StudyOutputs>& requests,
+                                    const std::vector<std::filesystem::path>& connectomes);
 
 }  // namespace report
 

@@ -27,41 +27,30 @@ bool isLookedInto(const fs::path& folder) {
   return !name.starts_with(".") && name != "work" && name != "figures";
 }
 
-void addPlaces(const fs::path& folder, std::vector<RequestPlace>& places) {
-  for (const std::string& prefix : prefixesIn(folder)) places.push_back({folder, prefix});
+// The folder and those below it that may hold results, each before what lies in it, by name.
+void addFolders(const fs::path& folder, std::vector<fs::path>& folders) {
+  folders.push_back(folder);
   std::vector<fs::path> below;
   for (const fs::directory_entry& entry : fs::directory_iterator(folder))
     if (entry.is_directory() && !entry.is_symlink() && isLookedInto(entry.path()))
       below.push_back(entry.path());
   std::sort(below.begin(), below.end());
-  for (const fs::path& next : below) addPlaces(next, places);
+  for (const fs::path& next : below) addFolders(next, folders);
 }
 
-bool hasRequests(const fs::path& folder) {
+// Where in or below the folder `prefixes` finds any.
+std::vector<RequestPlace> placesIn(const fs::path& folder,
+                                   std::vector<std::string> (*prefixes)(const fs::path&)) {
+  std::vector<fs::path> folders;
+  if (fs::is_directory(folder)) addFolders(folder, folders);
   std::vector<RequestPlace> places;
-  addPlaces(folder, places);
-  return !places.empty();
-}
-
-// Of this folder and those below it.
-std::vector<std::string> connectomePages(const fs::path& folder) {
-  std::vector<std::string> pages;
-  if (!fs::is_directory(folder)) return pages;
-  for (const std::string& prefix : connectomesIn(folder))
-    pages.push_back(writeConnectomePage(folder, prefix));
-  std::vector<fs::path> below;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-    if (entry.is_directory() && !entry.is_symlink() && isLookedInto(entry.path()))
-      below.push_back(entry.path());
-  std::sort(below.begin(), below.end());
-  for (const fs::path& next : below)
-    for (std::string& page : connectomePages(next)) pages.push_back(std::move(page));
-  return pages;
+  for (const fs::path& one : folders)
+    for (const std::string& prefix : prefixes(one)) places.push_back({one, prefix});
+  return places;
 }
 
 std::vector<RequestPlace> placesBelow(const fs::path& folder) {
-  std::vector<RequestPlace> places;
-  if (fs::is_directory(folder)) addPlaces(folder, places);
+  std::vector<RequestPlace> places = placesIn(folder, prefixesIn);
   if (places.empty())
     throw study::InputError(
         fmt::format("no results (*_tavmap.json) in {} or below it; run `tavmap run` or `tavmap "
@@ -73,16 +62,21 @@ std::vector<RequestPlace> placesBelow(const fs::path& folder) {
 std::string indexOver(const fs::path& folder, const std::vector<RequestPlace>& places) {
   std::vector<StudyOutputs> requests;
   for (const RequestPlace& place : places) requests.push_back(readStudyOutputs(place.folder, place.prefix));
+  std::vector<fs::path> connectomes;
+  for (const RequestPlace& place : placesIn(folder, connectomesIn))
+    connectomes.push_back(place.folder / connectomePageOf(place.prefix));
   const std::string path = (folder / kIndexFile).string();
-  formats::writeTextFile(path, indexPage(folder, requests), formats::Durability::kCached);
+  formats::writeTextFile(path, indexPage(folder, requests, connectomes), formats::Durability::kCached);
   return path;
 }
 
 }  // namespace
 
 std::vector<std::string> rebuildReports(const fs::path& folder, int threads) {
-  std::vector<std::string> pages = connectomePages(folder);
-  if (!pages.empty() && !hasRequests(folder)) return pages;
+  std::vector<std::string> pages;
+  for (const RequestPlace& place : placesIn(folder, connectomesIn))
+    pages.push_back(writeConnectomePage(place.folder, place.prefix));
+  if (!pages.empty() && placesIn(folder, prefixesIn).empty()) return pages;
   const std::vector<RequestPlace> places = placesBelow(folder);
   for (const RequestPlace& place : places) pages.push_back(writeReport(place.folder, place.prefix, threads));
   for (std::string& page : writeGroupReports(folder)) pages.push_back(std::move(page));

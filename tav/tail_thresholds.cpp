@@ -1,18 +1,17 @@
 #include "tav/tail_thresholds.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <numeric>
 #include <utility>
 
 #include "tav/fdr_thresholds.h"
 #include "tav/kernel/dispatch.h"
+#include "tav/radix_sort.h"
 
 namespace tav {
 namespace {
@@ -63,25 +62,8 @@ class TailSelector {
   std::size_t used_ = 0;
 };
 
-// Least significant digit of the bits first, 11 bits at a time; every
-// pass keeps the order of the one before.
 void sortDescending(std::vector<float>& magnitudes) {
-  constexpr int kDigits = 3, kBits = 11;
-  constexpr std::size_t kBuckets = 1U << kBits;
-  const auto digit = [](float magnitude, int d) {
-    return (~std::bit_cast<std::uint32_t>(magnitude) >> (d * kBits)) & (kBuckets - 1);
-  };
-  std::array<std::array<std::size_t, kBuckets>, kDigits> starts{};
-  for (const float magnitude : magnitudes) {
-    for (int d = 0; d < kDigits; ++d) ++starts[static_cast<std::size_t>(d)][digit(magnitude, d)];
-  }
-  std::vector<float> sorted(magnitudes.size());
-  for (int d = 0; d < kDigits; ++d) {
-    auto& start = starts[static_cast<std::size_t>(d)];
-    std::exclusive_scan(start.begin(), start.end(), start.begin(), std::size_t{0});
-    for (const float magnitude : magnitudes) sorted[start[digit(magnitude, d)]++] = magnitude;
-    magnitudes.swap(sorted);
-  }
+  radixSort(magnitudes, [](float magnitude) { return ~std::bit_cast<std::uint32_t>(magnitude); });
 }
 
 Tail selectTail(const MapSource& map, float cut) {

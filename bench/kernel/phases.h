@@ -35,7 +35,7 @@ struct Phases {
 [[nodiscard]] double atlasSecondsPerReference(const Workload& workload, const std::string& file,
                                               const std::string& kernel, int references, int draws);
 
-// Seconds that so many whole maps of surrogates take, with their maxima and clusters.
+// Seconds that pass while so many whole maps of surrogates are made, with their maxima and clusters.
 [[nodiscard]] double wholeMapSeconds(const Workload& workload, const std::string& file,
                                      const std::string& kernel, int maps, int threads);
 

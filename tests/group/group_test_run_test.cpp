@@ -2,6 +2,7 @@
 #include "group/group_test_run.h"
 
 #include <fmt/core.h>
+#include <fmt/ranges.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -51,7 +52,7 @@ class GroupTests : public ::testing::Test {
     return header;
   }
 
-  void addParticipant(int number) {
+  void addParticipant(int number, float noise = 1) {
     const std::string label = fmt::format("{:02}", number), folder = fmt::format("sub-{}/func", label);
     Record record = sample_result::record();
     record.conditions.resize(2);
@@ -67,15 +68,15 @@ class GroupTests : public ::testing::Test {
       map.file = fmt::format("sub-{}_seed-V1_{}_dTAV.nii.gz", label, condition.name);
       condition.statusFile = fmt::format("sub-{}_seed-V1_{}_status.nii.gz", label, condition.name);
       fs::create_directories(scratch_.folder() / folder);
-      writeMap(fs::path(folder) / map.file, number, c == 0);
+      writeMap(fs::path(folder) / map.file, number, c == 0, noise);
       writeStatus(fs::path(folder) / condition.statusFile, number);
     }
     scratch_.write(fmt::format("{}/sub-{}_task-x_seed-V1_tavmap.json", folder, label), recordText(record));
   }
 
-  void writeMap(const fs::path& file, int number, bool isFaces) {
+  void writeMap(const fs::path& file, int number, bool isFaces, float deviation) {
     std::mt19937 random(static_cast<unsigned>(2 * number + (isFaces ? 1 : 0)));
-    std::normal_distribution<float> noise;
+    std::normal_distribution<float> noise(0, deviation);
     formats::Image3D map{header(), std::vector<float>(kGrid.voxels())};
     for (float& value : map.values) value = noise(random);
     if (number % 2 == 0 && isFaces)
@@ -165,6 +166,16 @@ TEST_F(GroupTests, TOfTwoGroupsIsThatOfTheTextbook) {
   EXPECT_EQ(record.peaks.at(0).voxel[2], 3);
   EXPECT_EQ(record.byTfce.negative, 0U);
   EXPECT_GE(record.byTfce.positive, 1U);
+}
+
+TEST_F(GroupTests, GroupsThatDoNotVaryAlikeAreWarnedAbout) {
+  const auto warnings = [&] {
+    return fmt::format("{}", fmt::join(run(asked("odd - even"), true).record.warnings, "\n"));
+  };
+  EXPECT_EQ(warnings().find("do not vary alike"), std::string::npos) << warnings();
+  for (int i = 1; i <= 10; i += 2) addParticipant(i, 4);
+  EXPECT_NE(warnings().find("do not vary alike (standard deviation of the first is"), std::string::npos)
+      << warnings();
 }
 
 TEST_F(GroupTests, APairedDifferenceIsTakenVoxelByVoxel) {

@@ -40,4 +40,34 @@ TEST(MatrixPicture, IsAPngWhateverItsSize) {
   EXPECT_EQ(render::cellPixels(5000), 1);
 }
 
+TEST(MatrixPicture, NamesOfRowsTakeRoomBelow) {
+  const auto heightOf = [](const std::vector<std::string>& names) {
+    render::MatrixPicture picture;
+    picture.size = 2;
+    picture.values = {0, 1, 1, 0};
+    picture.isEmphasised = {1, 1, 1, 1};
+    picture.names = names;
+    const std::string png = render::drawMatrix(picture, 400);
+    const auto byte = [&](std::size_t at) { return static_cast<int>(static_cast<unsigned char>(png[at])); };
+    return 256 * byte(22) + byte(23);  // of the header
+  };
+  EXPECT_GT(heightOf({"V1", "V2"}), heightOf({}) + 50);
+}
+
+TEST(MatrixPicture, LongNamesAreCutBetweenLetters) {
+  EXPECT_EQ(render::shortName("LH-V1"), "LH-V1");
+  EXPECT_EQ(render::shortName("123456789012345678"), "123456789012345678");
+  EXPECT_EQ(render::shortName("1234567890123456789"), "123456789012345678\u2026");
+  std::string umlauts, kept;
+  for (int i = 0; i < 20; ++i) umlauts += "\u00e4";
+  for (int i = 0; i < 18; ++i) kept += "\u00e4";
+  EXPECT_EQ(render::shortName(umlauts), kept + "\u2026");
+}
+
+TEST(MatrixPicture, LettersFitTheirCells) {
+  EXPECT_LT(render::nameSize(10), 10);
+  EXPECT_EQ(render::nameSize(10), render::nameSize(5) * 2);
+  EXPECT_EQ(render::nameSize(100), render::nameSize(200));
+}
+
 }  // namespace

@@ -21,6 +21,7 @@ void addRecoverCommand(CLI::App& program);
 void addReportCommand(CLI::App& program);
 void addRunCommand(CLI::App& program);
 void addSimulateCommand(CLI::App& program);
+void addWorkbenchCommand(CLI::App& program);
 void addWorkerCommand(CLI::App& program);
 
 }  // namespace app

@@ -50,6 +50,7 @@ int run(int argc, char** argv) {
   app::addRecoverCommand(program);
   app::addSimulateCommand(program);
   app::addHostCommand(program);
+  app::addWorkbenchCommand(program);
   app::addWorkerCommand(program);
   try {
     program.parse(argc, argv);

@@ -31,6 +31,9 @@ void addStudyOptions(CLI::App& command, StudyArguments& arguments) {
   command.add_flag("--no-report", arguments.noReport, "Write no HTML report");
   command.add_flag("-q,--quiet", arguments.quiet, "No progress and no summary; failures are still told");
   command.add_flag("--json", arguments.json, "Print the summary as JSON");
+  command.add_option("--report-to", arguments.reportTo, "Descriptor of a pipe to report progress on")
+      ->check(CLI::Range(3, 1 << 20))
+      ->group("");  // for programs that start this one
 }
 
 namespace {
@@ -51,6 +54,7 @@ int runRequests(const std::vector<study::Request>& requests, study::StudyOptions
   study::StudyOutcome outcome;
   {
     study::ProgressBar progress(std::cerr, study::progressStyle(arguments.quiet));
+    if (arguments.reportTo >= 0) progress.reportTo(arguments.reportTo);
     outcome = study::runStudy(requests, options, progress);
   }
   const StudyReports reports =

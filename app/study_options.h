@@ -15,6 +15,7 @@ namespace app {
 struct StudyArguments {
   int jobs = 1;
   std::optional<std::uint32_t> seed;
+  int reportTo = -1;  // descriptor of a pipe, for whoever started the program; -1: none
   bool force = false, quiet = false, json = false, noReport = false;
 };
 

@@ -10,7 +10,7 @@ foreach(file IN LISTS FILES)
   get_filename_component(name "${file}" NAME)
   get_filename_component(extension "${file}" LAST_EXT)
   file(READ "${file}" text)
-  string(APPEND rows "    {\"${name}\", \"${typeOf${extension}}\", R\"tavmap(${text})tavmap\"},\n")
+  string(APPEND rows "    {\"${name}\", \"${typeOf${extension}}\", R\"tavmap(${text})tavmap\"sv},\n")
   math(EXPR count "${count} + 1")
 endforeach()
 file(WRITE "${OUT}" "// Made from web/ by cmake/EmbedFiles.cmake.
@@ -20,6 +20,7 @@ file(WRITE "${OUT}" "// Made from web/ by cmake/EmbedFiles.cmake.
 
 namespace workbench {
 namespace {
+using namespace std::string_view_literals;  // whose length is known: nobody counts a megabyte
 constexpr std::array<PageFile, ${count}> kPageFiles{{
 ${rows}}};
 }  // namespace

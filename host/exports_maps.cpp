@@ -96,6 +96,7 @@ int zqSaveNRVMPsOfCurrentVMR(const char* path) {
   return perform("zqSaveNRVMPsOfCurrentVMR", 0, [&](Operation& op) {
     currentMaps(op);
     op.workspace().saveMaps(op.text(path, "path"));
+    op.frontEnd().showSavedMaps(op.workspace().savedMaps().back());
     return 1;
   });
 }

@@ -57,6 +57,9 @@ class FrontEnd {
 
   virtual void setBusy(bool busy) = 0;
 
+  // A map set has been written, under its absolute path.
+  virtual void showSavedMaps(const std::string& path) { static_cast<void>(path); }
+
   // Called once when the plug-in has returned: what is left to complain about, or nothing.
   virtual std::string finish() = 0;
 };

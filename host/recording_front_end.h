@@ -24,6 +24,7 @@ class RecordingFrontEnd : public FrontEnd {
   std::optional<std::string> askFileToOpen(const FileQuestion& question) override;
   std::optional<std::string> askFileToSave(const FileQuestion& question) override;
   void setBusy(bool busy) override { answering_->setBusy(busy); }
+  void showSavedMaps(const std::string& path) override { answering_->showSavedMaps(path); }
   std::string finish() override;  // also when the answers could not be written
 
  private:

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstring>
 
+#include "formats/file_lock.h"
 #include "request/problem.h"
 #include "study/worker_channel.h"
 
@@ -39,10 +40,27 @@ void placeReports(int fd) {
   }
 }
 
-[[noreturn]] void become(char* const* words, int reports, pid_t parent) {
+void placeOutput(int fd) {
+  if (fd < 0) return;
+  dup2(fd, STDOUT_FILENO);
+  dup2(fd, STDERR_FILENO);
+}
+
+// -1: none is wanted.
+int openOutput(const std::string& file) {
+  if (file.empty()) return -1;
+  const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+  if (fd < 0)
+    throw RunError(fmt::format("cannot write {}: {}; check that its folder is there and the disk has space", file,
+                               std::strerror(errno)));
+  return fd;
+}
+
+[[noreturn]] void become(char* const* words, int reports, int output, pid_t parent) {
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGTERM, SIG_DFL);
   tieTo(parent);
+  placeOutput(output);
   placeReports(reports);
   execv(words[0], words);
   WorkerChannel(kReportDescriptor)
@@ -58,7 +76,8 @@ std::string endOf(int status) {
 
 }  // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& command) {
+ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::string& outputFile) {
+  const formats::Descriptor output(openOutput(outputFile));
   std::vector<std::string> words = command;
   const std::vector<char*> pointers = pointersTo(words);
   int ends[2];
@@ -67,7 +86,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command) {
   reports_ = ends[0];
   const pid_t parent = getpid();
   pid_ = fork();
-  if (pid_ == 0) become(pointers.data(), ends[1], parent);
+  if (pid_ == 0) become(pointers.data(), ends[1], output.get(), parent);
   const int error = errno;
   close(ends[1]);
   if (pid_ > 0) return;
@@ -85,11 +104,16 @@ void ChildProcess::kill() {
   if (pid_ > 0) ::kill(pid_, SIGKILL);
 }
 
+void ChildProcess::terminate() {
+  if (pid_ > 0) ::kill(pid_, SIGTERM);
+}
+
 std::string ChildProcess::wait() {
   int status = 0;
   while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
   }
   pid_ = -1;
+  if (WIFEXITED(status)) exitCode_ = WEXITSTATUS(status);
   return endOf(status);
 }
 

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kBarCells = 30;
 constexpr double kLeastForEstimate = 0.02;
+constexpr double kLeastReported = 0.001;
 
 std::string twoParts(long large, const char* largeUnit, long small, const char* smallUnit) {
   char text[64];
@@ -33,6 +34,11 @@ std::string durationText(double seconds) {
   return twoParts(whole / 3600, "h", whole % 3600 / 60, "min");
 }
 
+std::optional<double> secondsLeft(double fraction, double elapsedSeconds) {
+  if (fraction < kLeastForEstimate || fraction >= 1) return std::nullopt;
+  return elapsedSeconds * (1 - fraction) / fraction;
+}
+
 std::string progressLine(double fraction, double elapsedSeconds) {
   fraction = std::clamp(fraction, 0.0, 1.0);
   const int filled = static_cast<int>(fraction * kBarCells);
@@ -41,9 +47,8 @@ std::string progressLine(double fraction, double elapsedSeconds) {
   char percent[16];
   std::snprintf(percent, sizeof percent, "%3d %%", static_cast<int>(fraction * 100));
   line += percent;
-  if (fraction >= kLeastForEstimate && fraction < 1) {
-    line += fmt::format(", {} left", durationText(elapsedSeconds * (1 - fraction) / fraction));
-  }
+  if (const std::optional<double> left = secondsLeft(fraction, elapsedSeconds))
+    line += fmt::format(", {} left", durationText(*left));
   return line;
 }
 
@@ -58,7 +63,15 @@ void ProgressBar::clearLine() {
   shown_.clear();
 }
 
+// Steps that nobody sees would only fill the pipe.
+void ProgressBar::report(double fraction) {
+  if (!channel_ || std::abs(fraction - reported_) < kLeastReported) return;
+  reported_ = fraction;
+  channel_->progress(fraction);
+}
+
 void ProgressBar::onProgress(double doneWeight, double totalWeight) {
+  report(totalWeight > 0 ? std::clamp(doneWeight / totalWeight, 0.0, 1.0) : 0);
   if (style_ != ProgressStyle::kBar) return;
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
   const std::string line = progressLine(totalWeight > 0 ? doneWeight / totalWeight : 0, elapsed.count());

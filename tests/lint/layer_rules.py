@@ -28,8 +28,10 @@ ARROWS = {
     "simulation": {"formats"},
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
+    "workbench": {"formats", "host", "report", "request", "results", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
-            "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning"},
+            "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning",
+            "workbench"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

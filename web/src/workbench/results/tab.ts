@@ -1,16 +1,106 @@
-// Every results folder as a page.
+// Every results folder as a page: maps, report, records; participants in a table.
 import { make } from "../../page/dom";
+import { query, type Place } from "../files/file_chooser";
+import type { Server } from "../server";
 import type { Tab } from "../shell";
 import type { StartData } from "../start_data";
+import { messageOf } from "../watched";
+import { link, requestSection, table } from "./request_section";
+import type { ParticipantData, RequestData, ResultFolder, ResultsData } from "./result_data";
+import { within } from "../files/file_chooser";
+
+const kHead = ["Participant", "Requests", "References", "Failures"];
 
 export class ResultsTab implements Tab {
   readonly id = "results";
   readonly title = "Results";
+  private readonly problem = make("p", { class: "problem", attributes: { role: "alert" } });
+  private readonly folders = make("ul", { class: "result-folders" });
+  private readonly results = make("div", { class: "results" });
+  private server: Server | null = null;
 
   constructor(private readonly start: StartData) {}
 
-  mount(root: HTMLElement): void {
-    const folders = this.start.folders.map(({ path }) => path).join(", ");
-    root.append(make("p", { text: `Results: ${folders}` }));
+  mount(root: HTMLElement, server: Server): void {
+    this.server = server;
+    root.append(make("h2", { text: "Results" }), this.problem, this.folders, this.results);
   }
+
+  // detail: the folder to open.
+  shown(detail?: unknown): void {
+    void this.listFolders();
+    if (isPlace(detail)) void this.open(detail);
+  }
+
+  private async listFolders(): Promise<void> {
+    await this.guarded(async (server) => {
+      const { folders } = await server.get<{ folders: ResultFolder[] }>("/api/results");
+      const items = folders.map((folder) => this.folderItem(folder));
+      const none = make("li", {
+        text: `No results yet below ${this.start.folders.map(({ path }) => path).join(", ")}.`,
+      });
+      this.folders.replaceChildren(...(items.length > 0 ? items : [none]));
+    });
+  }
+
+  private folderItem(folder: ResultFolder): HTMLElement {
+    const text = [folder.folder, folder.path].filter((part) => part !== "").join("/");
+    const button = make("button", { text, attributes: { type: "button" } });
+    button.addEventListener("click", () => {
+      void this.open(folder);
+    });
+    const item = make("li", {}, button, make("span", { text: ` ${folder.requests.join(", ")} ` }));
+    if (folder.index !== null) item.append(link(within(folder, folder.index), "Index"));
+    return item;
+  }
+
+  private async open(place: Place): Promise<void> {
+    await this.guarded(async (server) => {
+      this.show(await server.get<ResultsData>(`/api/results/list?${query(place)}`));
+    });
+  }
+
+  private show({ participants, requests, areAll }: ResultsData): void {
+    this.results.replaceChildren();
+    if (!areAll)
+      this.results.append(make("p", { text: "There are more results; open a folder further down." }));
+    if (participants.length > 0) this.results.append(this.participantTable(participants, requests));
+    this.results.append(...requests.map(requestSection));
+  }
+
+  private participantTable(
+    participants: readonly ParticipantData[],
+    requests: readonly RequestData[],
+  ): HTMLElement {
+    const rows = participants.map((row) => [
+      this.participantButton(row.participant, requests),
+      String(row.requests),
+      String(row.references),
+      String(row.failures),
+    ]);
+    return table(kHead, rows);
+  }
+
+  private participantButton(participant: string, requests: readonly RequestData[]): HTMLElement {
+    const button = make("button", { text: participant, attributes: { type: "button" } });
+    button.addEventListener("click", () => {
+      const at = requests.findIndex((request) => request.participant === participant);
+      this.results.querySelectorAll("section.request")[at]?.scrollIntoView();
+    });
+    return button;
+  }
+
+  private async guarded(action: (server: Server) => Promise<void>): Promise<void> {
+    if (this.server === null) return;
+    try {
+      await action(this.server);
+      this.problem.textContent = "";
+    } catch (error) {
+      this.problem.textContent = messageOf(error);
+    }
+  }
+}
+
+function isPlace(detail: unknown): detail is Place {
+  return typeof detail === "object" && detail !== null && "folder" in detail && "path" in detail;
 }

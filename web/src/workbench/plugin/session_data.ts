@@ -1,0 +1,36 @@
+// GET /api/plugin.
+import type { Place } from "../files/file_chooser";
+
+export interface Choice {
+  readonly number: number;
+  readonly name: string;
+}
+
+export interface Question {
+  readonly id: number;
+  readonly kind: "message" | "yesno" | "integer" | "number" | "text" | "open" | "save";
+  readonly text: string;
+  readonly initial?: string;
+  readonly range?: string; // "1 to 4"
+  readonly choices?: readonly Choice[];
+  readonly filter?: string;
+  readonly start?: Place;
+}
+
+export interface SessionData {
+  readonly state: "none" | "running" | "ended";
+  readonly log: readonly string[];
+  readonly question: Question | null;
+  readonly busy: boolean;
+  readonly maps: readonly string[];
+  readonly exitCode: number;
+  readonly message: string;
+  readonly summary: string;
+  readonly recorded: string; // the script of the answers; "": none
+}
+
+// Entries whose name or number has what was typed.
+export function matching(choices: readonly Choice[], typed: string): readonly Choice[] {
+  const wanted = typed.trim().toLowerCase();
+  return choices.filter(({ number, name }) => `${number}. ${name}`.toLowerCase().includes(wanted));
+}

@@ -1,0 +1,64 @@
+// One request's results: what was found, in tables, and every file.
+import { make } from "../../page/dom";
+import { addressOf, within, type Place } from "../files/file_chooser";
+import { thresholdWords, type ReferenceData, type RequestData } from "./result_data";
+
+export function requestSection(request: RequestData): HTMLElement {
+  const section = make("section", { class: "request" }, make("h3", { text: request.name }));
+  if (request.report !== null) section.append(make("p", {}, link(within(request, request.report), "Report")));
+  if (request.problem !== undefined) section.append(make("p", { class: "problem", text: request.problem }));
+  for (const { reference, message } of request.failures)
+    section.append(make("p", { class: "problem", text: `${reference}: ${message}` }));
+  for (const reference of request.references) section.append(referenceSection(request, reference));
+  return section;
+}
+
+export function link(place: Place, text: string): HTMLAnchorElement {
+  const attributes = { href: addressOf(place), target: "_blank", rel: "noopener" };
+  return make("a", { text, attributes });
+}
+
+export function table(head: readonly string[], rows: readonly (readonly (string | Node)[])[]): HTMLElement {
+  const cells = head.map((text) => make("th", { text, attributes: { scope: "col" } }));
+  const body = rows.map((row) =>
+    make(
+      "tr",
+      {},
+      ...row.map((cell) => (typeof cell === "string" ? make("td", { text: cell }) : make("td", {}, cell))),
+    ),
+  );
+  return make("table", {}, make("thead", {}, make("tr", {}, ...cells)), make("tbody", {}, ...body));
+}
+
+const kMapHead = ["Condition", "Map", "Voxels that pass", "Peak", "At"];
+
+function referenceSection(place: Place, reference: ReferenceData): HTMLElement {
+  const words = `${reference.name}: ${reference.voxels} voxels, order ${reference.order}`;
+  const warnings = reference.warnings.map((text) => make("li", { text }));
+  const rows = reference.conditions.flatMap((condition) =>
+    condition.maps.map((map) => [
+      condition.name,
+      link(within(place, map.file), map.label),
+      thresholdWords(map),
+      map.peak.toPrecision(4),
+      `${map.peakMm.map((mm) => mm.toFixed(0)).join(", ")} mm ${map.peakLabel}`,
+    ]),
+  );
+  const files = reference.files.map(({ name, bytes }) =>
+    make("li", {}, link(within(place, name), name), make("span", { text: ` ${bytes} bytes` })),
+  );
+  const list = make(
+    "details",
+    {},
+    make("summary", { text: `Files (${files.length})` }),
+    make("ul", {}, ...files),
+  );
+  return make(
+    "div",
+    {},
+    make("h4", { text: words }),
+    make("ul", {}, ...warnings),
+    table(kMapHead, rows),
+    list,
+  );
+}

@@ -1,0 +1,116 @@
+#include "workbench/result_list.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "formats/file_error.h"
+#include "report/study_outputs.h"
+#include "results/map_words.h"
+#include "results/output_names.h"
+
+namespace workbench {
+namespace {
+
+using Json = nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+constexpr int kDeepest = 4;
+constexpr std::size_t kMostFolders = 10'000;
+
+bool isEntered(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  return entry.is_directory(ignored) && !entry.is_symlink(ignored) &&
+         !entry.path().filename().string().starts_with('.');
+}
+
+void collect(const fs::path& folder, int depth, std::size_t& looked, std::vector<fs::path>& found) {
+  if (++looked > kMostFolders) return;
+  if (!report::prefixesIn(folder).empty()) found.push_back(folder);
+  if (depth == kDeepest) return;
+  std::error_code error;
+  for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+    if (isEntered(*at)) collect(at->path(), depth + 1, looked, found);
+}
+
+Json thresholdsOf(const study::MapResult& map) {
+  Json list = Json::array();
+  for (const study::ThresholdResult& threshold : map.thresholds)
+    list.push_back({{"q", threshold.q},
+                    {"threshold", threshold.threshold ? Json(*threshold.threshold) : Json()},
+                    {"passing", threshold.outsideReference}});
+  return list;
+}
+
+Json mapJson(const study::MapResult& map) {
+  return {{"label", study::mapLabel(map.type)},
+          {"file", map.file},
+          {"peak", map.peak},
+          {"peakMm", map.peakMm},
+          {"peakLabel", map.peakLabel},
+          {"thresholds", thresholdsOf(map)}};
+}
+
+Json conditionJson(const study::ConditionRecord& condition) {
+  Json maps = Json::array();
+  for (const study::MapResult& map : condition.maps) maps.push_back(mapJson(map));
+  return {{"name", condition.name},
+          {"volumes", condition.volumesUsed},
+          {"effectiveVolumes", condition.effectiveVolumes},
+          {"voxels", condition.voxelsComputed()},
+          {"maps", maps}};
+}
+
+Json referenceJson(const report::ReferenceOutputs& reference) {
+  Json conditions = Json::array();
+  for (const study::ConditionRecord& condition : reference.record.conditions)
+    conditions.push_back(conditionJson(condition));
+  Json files = Json::array();
+  for (const auto& [name, bytes] : reference.record.files) files.push_back({{"name", name}, {"bytes", bytes}});
+  return {{"name", reference.record.reference}, {"voxels", reference.record.referenceVoxels},
+          {"record", reference.file},           {"order", reference.record.model.settings.order},
+          {"warnings", reference.record.warnings}, {"conditions", conditions},
+          {"files", files}};
+}
+
+void addOutputs(const fs::path& folder, const std::string& prefix, Json& json) {
+  const report::StudyOutputs outputs = report::readStudyOutputs(folder, prefix);
+  for (const auto& reference : outputs.references) json["references"].push_back(referenceJson(reference));
+  for (const auto& failure : outputs.failures)
+    json["failures"].push_back({{"reference", failure.reference}, {"message", failure.message}});
+}
+
+}  // namespace
+
+std::vector<fs::path> resultFoldersIn(const fs::path& folder) {
+  std::vector<fs::path> found;
+  std::size_t looked = 0;
+  collect(folder, 0, looked, found);
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+std::string participantOf(const std::string& prefix) {
+  return prefix.starts_with("sub-") ? prefix.substr(0, prefix.find('_')) : "";
+}
+
+Json requestJson(const fs::path& folder, const std::string& prefix, const FolderGuard& folders) {
+  const FolderGuard::Place place = folders.placeOf(folder);
+  Json json{{"folder", place.folder},
+            {"path", place.path},
+            {"name", prefix},
+            {"participant", participantOf(prefix)},
+            {"report", nullptr},
+            {"references", Json::array()},
+            {"failures", Json::array()}};
+  std::error_code ignored;
+  if (fs::exists(folder / study::reportFileOf(prefix), ignored)) json["report"] = study::reportFileOf(prefix);
+  try {
+    addOutputs(folder, prefix, json);
+  } catch (const formats::FileError& error) {
+    json["problem"] = error.what();
+  }
+  return json;
+}
+
+}  // namespace workbench

@@ -29,7 +29,7 @@ function(tavmap_page_assets output)
     SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
 
-# tavmap_workbench_files(<output>): the page of the workbench as a C++ file for workbench/page_files.h; empty without Node
+# tavmap_workbench_files(<output>): the page of the workbench, and what its saved scenes need, as a C++ file for workbench/page_files.h; empty without Node
 # or the packages of web/.
 function(tavmap_workbench_files output)
   set(web ${CMAKE_SOURCE_DIR}/web)
@@ -37,11 +37,11 @@ function(tavmap_workbench_files output)
   set(made ${CMAKE_CURRENT_BINARY_DIR}/pages)
   set(files "")
   if(NODE AND EXISTS ${web}/node_modules/@niivue/niivue)
-    set(files workbench.html workbench.js workbench.css favicon.svg)
+    set(files workbench.html workbench.js workbench.css favicon.svg report.js report.css)
     list(TRANSFORM files PREPEND ${made}/)
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${web}/src/*.ts ${web}/style/* ${web}/page/* ${web}/licences/*)
     add_custom_command(OUTPUT ${files}
-      COMMAND ${NODE} ${web}/build.mjs ${made} workbench
+      COMMAND ${NODE} ${web}/build.mjs ${made} workbench report
       DEPENDS ${sources} ${web}/build.mjs ${web}/licences.mjs ${web}/package-lock.json ${web}/tsconfig.json
       COMMENT "Bundling the page of the workbench" VERBATIM)
   else()

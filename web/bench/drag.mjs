@@ -16,7 +16,7 @@ function watchDrags() {
   window.tavmapSeen = seen;
   let moved = 0;
   let uploaded = null;
-  let newest = 0;
+  let newest = null;
   addEventListener("pointermove", (event) => (moved = event.timeStamp), true);
   const fetched = window.fetch;
   window.fetch = async (path, request) => {
@@ -37,8 +37,8 @@ function watchDrags() {
   const context = WebGL2RenderingContext.prototype;
   const upload = context.texSubImage3D;
   context.texSubImage3D = function (...all) {
-    uploaded = newest > 0 ? newest : null;
-    newest = 0;
+    uploaded = newest ?? uploaded;
+    newest = null;
     return upload.apply(this, all);
   };
   const finish = context.finish;

@@ -14,6 +14,10 @@ import { levelOf } from "./threshold_choice";
 const kPlanesWords =
   "Three planes through the crosshair: sagittal, coronal, axial; left on the left. Arrows and Page " +
   "keys move the crosshair, with Shift the reference.";
+const kUndrawn =
+  "This browser has no WebGL 2, so the brain cannot be drawn. Maps, clusters and the panels of the " +
+  "voxel work: move the crosshair and the reference with the keyboard. Another browser, or its " +
+  "setting of hardware acceleration, may help.";
 const kSolidWords = "The brain as a solid, seen from outside. Arrows turn it.";
 
 function labelled(canvas: BrainCanvas, words: string, part: string): void {
@@ -39,11 +43,20 @@ export class BrainViews {
     labelled(this.solid, kSolidWords, "solid");
   }
 
-  // The element must be on the page. Rejects where the browser has no WebGL 2.
-  async openPlanes(): Promise<void> {
-    await this.planes.open(this.explorer.images);
-    followPointer(this.planes, this.explorer);
+  // The element must be on the page. Resolves to whether the browser can draw: it needs WebGL 2.
+  async openPlanes(): Promise<boolean> {
     this.watch();
+    try {
+      await this.planes.open(this.explorer.images);
+    } catch {
+      this.element.replaceChildren(
+        make("p", { class: "problem", text: kUndrawn, attributes: { role: "alert" } }),
+      );
+      return false;
+    }
+    followPointer(this.planes, this.explorer);
+    this.planes.moveTo(this.explorer.store.now.crosshair);
+    return true;
   }
 
   async openSolid(): Promise<void> {

@@ -136,10 +136,10 @@ export async function showExplore(
   const explorer = new Explorer(data, images, store);
   const { brains, other } = layOut(root, explorer, context);
   helpOn(root, explorer, context.shell);
-  await brains.openPlanes();
+  const drawn = await brains.openPlanes();
   const source = new MapSource(store, context.server);
   source.ask();
-  await brains.openSolid();
+  if (drawn) await brains.openSolid();
   return () => {
     source.stop();
     brains.close();

@@ -72,10 +72,13 @@ struct PluginDeskTest : testing::Test {
     desk->start(true);
     std::size_t asked = 0;
     for (Json next = question(); !next.is_null(); next = question(), ++asked) {
-      if (asked > kAnswers.size() + 20)
+      if (asked > kAnswers.size() + 20) {
         desk->end();
-      else
-        give(next, next["kind"] == "message" ? Json(true) : asked < answered ? kAnswers.at(asked) : Json());
+      } else {
+        const Json cancelled;
+        const Json answer = asked < answered ? kAnswers.at(asked) : cancelled;
+        give(next, next["kind"] == "message" ? Json(true) : answer);
+      }
     }
     return desk->state();
   }
@@ -115,8 +118,9 @@ TEST_F(PluginDeskTest, GivesTheSameWithACancelAtEveryDialog) {
     const std::string log = contentOf(data.folder / "page.log");
     EXPECT_FALSE(log.empty()) << cancelled;
     const int replayed = replay(ended["recorded"]);
-    if (ended["message"] != "tavmap: Ended in the page.\n")
+    if (ended["message"] != "tavmap: Ended in the page.\n") {
       EXPECT_EQ(replayed, ended["exitCode"]) << cancelled;
+    }
     EXPECT_EQ(differingFiles(results, takeResults()), "") << cancelled;
     EXPECT_EQ(log, contentOf(data.folder / "script.log")) << cancelled;
   }

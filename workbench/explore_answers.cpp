@@ -24,6 +24,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 constexpr int kBadRequest = 400, kConflict = 409;
+constexpr const char* kOutside = "outside the mask";
 // Directions of more voxels would keep a page waiting for seconds.
 constexpr std::size_t kMostDirections = 3000;
 
@@ -115,13 +116,13 @@ Json Explore::voxel(const Json& asked) {
   const io::GridSize size = study.plan.space.grid.size;
   const bool isInside = voxel[0] >= 0 && voxel[1] >= 0 && voxel[2] >= 0 && voxel[0] < size.x &&
                         voxel[1] < size.y && voxel[2] < size.z;
-  if (!isInside) return emptyVoxelJson(voxel, mm);
+  if (!isInside) return emptyVoxelJson(voxel, mm, kOutside);
   const auto cell = static_cast<std::uint32_t>(size.index(voxel[0], voxel[1], voxel[2]));
   const auto found = std::lower_bound(study.cells.begin(), study.cells.end(), cell);
-  if (found == study.cells.end() || *found != cell) return emptyVoxelJson(voxel, mm);
+  if (found == study.cells.end() || *found != cell) return emptyVoxelJson(voxel, mm, kOutside);
   return answered([&]() -> Json {
     return now->latest.whenFree([&]() -> Json {
-      if (now->shown == nullptr) throw Refusal(kConflict, "there are no maps yet; ask for some first");
+      if (now->shown == nullptr) return emptyVoxelJson(voxel, mm, "no maps yet");
       const live::LiveMaps& maps = *now->shown;
       VoxelToSend sent{study,
                        maps,
@@ -141,7 +142,7 @@ Json Explore::save(const Json& asked) {
   const live::Ask ask = askFrom(asked, *now->study);
   return answered([&]() -> Json {
     study::Request request = live::requestFor(*now->study, ask, name);
-    request.output.folder = options_.output / name;
+    request.output.folder /= name;
     request.output.prefix = name;
     const std::string text = study::requestText(request);
     const fs::path file = fs::path(request.output.workFolder) / (name + ".toml");

@@ -41,7 +41,10 @@ void takeSources(const ExploreSources& sources, const fs::path& output, Request&
   request.references = references;
   if (!sources.anatomy.empty()) request.anatomy = sources.anatomy;
   if (!sources.workFolder.empty()) request.output.workFolder = sources.workFolder;
-  request.output.folder = output;
+  if (!output.empty())
+    request.output.folder = output;
+  else if (sources.request.empty())
+    request.output.folder = sources.workFolder / "results";
 }
 
 Request requestOfFiles(const ExploreSources& sources) {
@@ -78,7 +81,7 @@ study::RequestTemplate templateWithReference() {
 std::vector<Request> requestsOfDataSet(const ExploreSources& sources, const fs::path& output) {
   study::BidsOptions options;
   options.bidsDir = sources.bids;
-  options.outDir = output;
+  options.outDir = output.empty() ? sources.workFolder / "results" : output;
   options.workDir = sources.workFolder;
   options.atlas = sources.atlas;
   options.atlasTable = sources.atlasTable;

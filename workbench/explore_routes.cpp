@@ -27,9 +27,18 @@ Reply imageReply(const Explore& explore, const std::string& file) {
   return reply;
 }
 
+// With the place that Runs is told.
+Reply savedReply(Explore& explore, const FolderGuard& folders, const Request& request) {
+  Json saved = explore.save(request.json());
+  const FolderGuard::Place place =
+      folders.placeOf(std::filesystem::canonical(saved["path"].get<std::string>()));
+  saved["place"] = {{"folder", place.folder}, {"path", place.path}};
+  return jsonReply(saved);
+}
+
 }  // namespace
 
-std::vector<Route> exploreRoutes(Explore& explore) {
+std::vector<Route> exploreRoutes(Explore& explore, const FolderGuard& folders) {
   return {
       {"GET", "/api/explore", Access::kSession, kNoBody,
        [&](const Request&) { return jsonReply(explore.state()); }},
@@ -54,7 +63,7 @@ std::vector<Route> exploreRoutes(Explore& explore) {
       {"POST", "/api/explore/voxel", Access::kToken, kLargeBody,
        [&](const Request& request) { return jsonReply(explore.voxel(request.json())); }},
       {"POST", "/api/explore/request", Access::kToken, kLargeBody,
-       [&](const Request& request) { return jsonReply(explore.save(request.json())); }},
+       [&](const Request& request) { return savedReply(explore, folders, request); }},
   };
 }
 

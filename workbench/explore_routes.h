@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "workbench/explore.h"
+#include "workbench/folder_guard.h"
 #include "workbench/route_table.h"
 
 namespace workbench {
 
-// They borrow `explore`.
-[[nodiscard]] std::vector<Route> exploreRoutes(Explore& explore);
+// They borrow both. folders: where saved requests are, as other tabs name files.
+[[nodiscard]] std::vector<Route> exploreRoutes(Explore& explore, const FolderGuard& folders);
 
 }  // namespace workbench
 

@@ -218,9 +218,9 @@ Json voxelJson(const VoxelToSend& sent) {
   return json;
 }
 
-Json emptyVoxelJson(const std::array<int, 3>& voxel, const std::array<double, 3>& mm) {
+Json emptyVoxelJson(const std::array<int, 3>& voxel, const std::array<double, 3>& mm, const char* status) {
   return {{"voxel", voxel},          {"mm", mm},
-          {"label", nullptr},        {"status", "outside the mask"},
+          {"label", nullptr},        {"status", status},
           {"series", Json::array()}, {"lagged", Json::array()},
           {"model", nullptr},        {"maps", Json::array()}};
 }

@@ -24,7 +24,7 @@ struct VoxelToSend {
 [[nodiscard]] nlohmann::ordered_json voxelJson(const VoxelToSend& sent);
 // Of a place where there is nothing to show. voxel: indices in the runs' grid.
 [[nodiscard]] nlohmann::ordered_json emptyVoxelJson(const std::array<int, 3>& voxel,
-                                                    const std::array<double, 3>& mm);
+                                                    const std::array<double, 3>& mm, const char* status);
 
 // The voxel of a grid in which a point lies, from 0; it may lie outside.
 [[nodiscard]] std::array<int, 3> voxelAt(const study::Grid& grid, const std::array<double, 3>& mm);

@@ -49,7 +49,7 @@ Array shortValues(const std::vector<float>& values) {
 }
 
 Array pCodes(const std::vector<float>& p) {
-  constexpr float kMostCode = 254;
+  static constexpr float kMostCode = 254;
   std::vector<std::uint8_t> codes(p.size());
   std::transform(p.begin(), p.end(), codes.begin(), [](float value) {
     if (!(value > 0)) return kUnknownP;

@@ -23,8 +23,8 @@ class Latest {
     const Turn turn(*this, cancel);
     return work(cancel);
   }
-  // Returns work() when nothing is under way, without calling anything off: for short looks at what was found. Throws
-  // tav::Cancelled after stop().
+  // Returns work() when nothing is under way, without calling anything off: for short looks at what was
+  // found. Throws tav::Cancelled after stop().
   template <class Work>
   auto whenFree(Work work) {
     std::atomic<bool> ignored = false;

@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "request/confound_terms.h"
-#include "tav/kernel/plan_view.h"
 #include "tav/map_kinds.h"
 #include "workbench/exchange.h"
 
@@ -18,6 +17,7 @@ using Json = nlohmann::ordered_json;
 using study::ReferenceKind;
 
 constexpr int kBadRequest = 400;
+constexpr int kHighestOrder = 20, kMostDraws = 100;  // as requests have them (request/settings_table.cpp)
 
 [[noreturn]] void refuse(const std::string& what) {
   throw Refusal(kBadRequest, what);
@@ -136,10 +136,8 @@ live::Ask askFrom(const Json& json, const live::LoadedStudy& study) {
   }
   if (!json.contains("settings")) return ask;
   const Json& settings = json["settings"];
-  if (settings.contains("order"))
-    ask.order = integerWithin(settings["order"], "order", 1, tav::kernel::kMaxOrder);
-  if (settings.contains("draws"))
-    ask.draws = integerWithin(settings["draws"], "draws", 1, tav::kernel::kMaxDraws);
+  if (settings.contains("order")) ask.order = integerWithin(settings["order"], "order", 1, kHighestOrder);
+  if (settings.contains("draws")) ask.draws = integerWithin(settings["draws"], "draws", 1, kMostDraws);
   return ask;
 }
 

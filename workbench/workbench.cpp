@@ -43,7 +43,8 @@ host::SessionOptions sessionOf(const Sources& sources) {
 
 ExploreOptions exploreOptions(const Sources& sources) {
   const int threads = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1U));
-  return {sources.explore, sources.output, sources.program, sources.version, threads, sources.explore.mostBytes};
+  return {sources.explore, sources.output, sources.program,
+          sources.version, threads,        sources.explore.mostBytes};
 }
 
 }  // namespace

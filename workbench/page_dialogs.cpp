@@ -60,7 +60,7 @@ std::optional<PageDialogs::Json> PageDialogs::ask(Json question, const Check& ch
 }
 
 const PageDialogs::Json& PageDialogs::standingQuestion(const Json& body) const {
-  const bool stands = !question_.is_null() && !isAnswered_ && body.contains("question") &&
+  const bool stands = !question_.is_null() && !isAnswered_ && !ended_ && body.contains("question") &&
                       body["question"] == question_["id"];
   if (!stands) throw Refusal(409, "This question does not stand any more. The page shows the present one.");
   return question_;
@@ -85,7 +85,8 @@ void PageDialogs::end() {
 
 PageDialogs::Json PageDialogs::state() const {
   const std::lock_guard lock(mutex_);
-  return {{"log", log_}, {"question", isAnswered_ ? Json() : question_}, {"busy", busy_}, {"maps", maps_}};
+  const bool stands = !isAnswered_ && !ended_;
+  return {{"log", log_}, {"question", stands ? question_ : Json()}, {"busy", busy_}, {"maps", maps_}};
 }
 
 }  // namespace workbench

@@ -9,11 +9,13 @@ import os
 import socket
 import sys
 import tempfile
+import threading
+import time
 import unittest
 from pathlib import Path
 from urllib.parse import quote
 
-from bench_program import Bench, parse, read_all
+from bench_program import PATIENCE, Bench, parse, read_all
 
 PROGRAM = ""
 JSON = {"Content-Type": "application/json"}
@@ -49,7 +51,11 @@ class Hostile(unittest.TestCase):
         self.assertIn("message", json.loads(answer[2]), answer)
 
     def tearDown(self):
-        self.assertEqual(self.bench.get("/api/start")[0], 200, "it still answers")
+        """It still answers; connections of the test may be being closed for a moment."""
+        end = time.monotonic() + PATIENCE
+        while (status := self.bench.get("/api/start")[0]) in (503, None) and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertEqual(status, 200, "it still answers")
 
     def signed(self, **more):
         return {"Cookie": self.bench.cookie, "X-Tavmap-Token": self.bench.token, **JSON, **more}
@@ -125,6 +131,13 @@ class Hostile(unittest.TestCase):
                 status = parse(self.bench.raw(data))[0]
                 self.assertIn(status, [None, 400, 403])
         self.assert_refused(self.bench.ask("GET", "http://evil.example/", self.signed()), 400)
+
+    def test_no_reply_invites_other_sites(self):
+        for path in ["/", "/api/start", "/nothing", "/files/results/page.html"]:
+            with self.subTest(path=path):
+                headers = self.bench.get(path)[1]
+                self.assertNotIn("access-control-allow-origin", headers)
+                self.assertIn("default-src 'none'", headers["content-security-policy"])
 
     # Files
 
@@ -241,6 +254,25 @@ class Hostile(unittest.TestCase):
             connection.sendall(b"GET / HTTP/1.1\r\nHost: ")
             self.assertIn(parse(read_all(connection))[0], [None, 400])  # or the socket's own patience fails the test
 
+    def test_two_hundred_requests_at_once(self):
+        statuses = []
+        asking = [threading.Thread(target=lambda: statuses.append(self.bench.get("/api/start")[0])) for _ in range(200)]
+        for thread in asking:
+            thread.start()
+        for thread in asking:
+            thread.join()
+        self.assertIn(200, statuses)
+        self.assertLessEqual(set(statuses), {200, 503})
+
+    def test_bodies_that_never_come_keep_nobody_waiting(self):
+        head = "".join(f"{name}: {value}\r\n" for name, value in self.signed(Host=self.bench.host).items())
+        waiting = [self.bench.connect() for _ in range(20)]
+        for connection in waiting:
+            connection.sendall(f"POST /api/runs HTTP/1.1\r\n{head}Content-Length: 100\r\n\r\n{{".encode())
+        self.assertEqual(self.bench.get("/api/start")[0], 200)
+        for connection in waiting:
+            connection.close()
+
     def test_clients_that_leave(self):
         for _ in range(100):
             connection = self.bench.connect()
@@ -256,6 +288,12 @@ class Hostile(unittest.TestCase):
         self.assertEqual(listening, ["0100007F:" + hexadecimal])
         if Path("/proc/net/tcp6").exists():
             self.assertNotIn(f":{hexadecimal} 0000", Path("/proc/net/tcp6").read_text())
+
+    def test_it_ends_while_clients_hang(self):
+        other = Bench(PROGRAM, ["results", "--work-folder", "other"], self.folder)
+        with other.connect() as hanging:
+            hanging.sendall(b"GET / HT")
+            self.assertEqual(other.end(), 0)
 
     def test_a_port_is_not_shared(self):
         with self.assertRaisesRegex(AssertionError, "cannot be taken"):

@@ -4,6 +4,7 @@
 Usage: runs_test.py PROGRAM
 """
 
+import json
 import os
 import shutil
 import subprocess
@@ -101,6 +102,74 @@ class Runs(unittest.TestCase):
             answer = bench.post("/api/runs", {"request": {"folder": "study", "path": "away.toml"}})
             self.assertEqual(answer[0], 403, answer)
             self.assertFalse(elsewhere.exists())
+
+    # A run that takes a while, beside a short one.
+
+    def request_named(self, name, surrogates=100):
+        text = self.request.read_text().replace('folder = "results"', f'folder = "{name}-results"', 1)
+        text = text.replace("[settings]", f"[settings]\nsurrogates = {surrogates}", 1)
+        (self.folder / "study" / f"{name}.toml").write_text(text)
+        return {"request": {"folder": "study", "path": f"{name}.toml"}}
+
+    def states(self, bench):
+        return [run["state"] for run in bench.json("/api/runs")["runs"]]
+
+    def test_two_run_at_once_and_others_wait(self):
+        with self.bench() as bench:
+            for name in ("one", "two", "three"):
+                self.assertEqual(bench.post("/api/runs", self.request_named(name, 10000))[0], 201)
+            wait_until(lambda: self.states(bench)[:2] == ["running", "running"], "two run")
+            self.assertEqual(self.states(bench)[2], "queued")
+            self.assertEqual(bench.post("/api/runs/3/cancel", {})[0], 204)
+            self.assertEqual(self.states(bench)[2], "cancelled")
+            for run in (1, 2):
+                self.assertEqual(bench.post(f"/api/runs/{run}/cancel", {})[0], 204)
+            wait_until(lambda: self.states(bench) == ["cancelled"] * 3, "all are cancelled")
+
+    def test_runs_of_a_killed_workbench_are_interrupted_and_resumed(self):
+        with self.bench() as bench:
+            self.assertEqual(bench.post("/api/runs", self.request_named("long", 10000))[0], 201)
+            wait_until(lambda: self.run_of(bench)["progress"] > 0, "the run is at work")
+            bench.process.kill()
+        self.request_named("long")
+        with self.bench() as bench:
+            self.assertEqual(self.run_of(bench)["state"], "interrupted")
+            self.assertEqual(bench.post("/api/runs/1/resume", {})[0], 204)
+            self.assertEqual(self.wait_for(bench, "done", "failed")["state"], "done")
+
+    def test_the_maps_are_those_of_tavmap_run(self):
+        with self.bench() as bench:
+            self.assertEqual(bench.post("/api/runs", self.request_named("page"))[0], 201)
+            self.assertEqual(self.wait_for(bench, *ENDED)["state"], "done")
+        made = self.folder / "study" / "page-results"
+        seed = json.loads(next(made.glob("*_tavmap.json")).read_text())["Seed"]
+        self.request_named("command")
+        subprocess.run([PROGRAM, "run", "command.toml", "--seed", str(seed), "--quiet"], check=True,
+                       cwd=self.folder / "study")
+        images = sorted(path.name for path in made.glob("*_statmap.nii.gz"))
+        self.assertTrue(images)
+        for name in images:
+            with self.subTest(name=name):
+                other = self.folder / "study" / "command-results" / name
+                self.assertEqual((made / name).read_bytes(), other.read_bytes())
+
+    def test_data_that_cannot_be_read_fail_a_run_with_their_name(self):
+        with self.bench() as bench:
+            request = self.request_named("broken")
+            (self.folder / "study" / "bold_small.nii.gz").write_bytes(b"no image")
+            self.assertEqual(bench.post("/api/runs", request)[0], 201)
+            run = self.wait_for(bench, *ENDED)
+            self.assertEqual(run["state"], "failed")
+            self.assertIn("bold_small.nii.gz", "\n".join([run["message"], *run["lines"]]))
+
+    def test_events_tell_a_run_from_its_start_to_its_end(self):
+        with self.bench() as bench, bench.connect() as stream:
+            stream.sendall(f"GET /api/runs/events HTTP/1.1\r\nHost: {bench.host}\r\nCookie: {bench.cookie}\r\n\r\n".encode())
+            heard = stream.recv(65536)
+            self.assertEqual(bench.post("/api/runs", self.request_named("told"))[0], 201)
+            while b'"done"' not in heard:
+                heard += stream.recv(65536)
+            self.assertIn(b'"running"', heard)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,174 @@
+// Results, runs and plug-in sessions in the page, against the built program.
+import assert from "node:assert/strict";
+import { existsSync } from "node:fs";
+import { join } from "node:path";
+import { after, before, describe, it } from "node:test";
+import axe from "axe-core";
+import { launch } from "./browser.mjs";
+import { kSlow, kWithoutProgram, startProgram } from "./program.mjs";
+
+const kLong = 60_000;
+const kSerious = new Set(["serious", "critical"]);
+
+let browser;
+let program;
+const problems = [];
+
+function noteProblems(page) {
+  const { origin } = new URL(program.address);
+  page.on("console", (message) => {
+    if (["error", "warning"].includes(message.type())) problems.push(message.text());
+  });
+  page.on("pageerror", (error) => problems.push(String(error)));
+  page.on("request", (request) => {
+    if (!request.url().startsWith(`${origin}/`)) problems.push(request.url());
+  });
+}
+
+async function openPage() {
+  const page = await (await browser.newContext({ reducedMotion: "reduce" })).newPage();
+  await page.addInitScript(() => localStorage.setItem("tavmap-tour", "seen"));
+  noteProblems(page);
+  await page.goto(program.address);
+  await page.waitForSelector(".tabs");
+  return page;
+}
+
+const closePage = (page) => page.context().close();
+const openTab = (page, name) => page.getByRole("tab", { name, exact: true }).click();
+const press = (within, name) => within.getByRole("button", { name, exact: true }).click();
+const runIn = (page, state) => page.locator(`.run[data-state=${state}]`);
+
+async function seriousFindings(page) {
+  await page.evaluate(axe.source);
+  const { violations } = await page.evaluate(() => globalThis.axe.run());
+  return violations.filter(({ impact }) => kSerious.has(impact)).map(({ id, help }) => `${id}: ${help}`);
+}
+
+async function startRun(page, name) {
+  await openTab(page, "Runs");
+  await page.getByText("Start a request").click();
+  await press(page.locator(".panel-runs"), program.data);
+  await press(page.locator(".panel-runs"), name);
+}
+
+// Into data/sim, wherever the chooser begins.
+async function enterData(form) {
+  await form.locator(".file-list button").first().waitFor();
+  const where = await form.locator(".file-where").textContent();
+  if (where === "data/sim") return;
+  if (where === "Folders:") await press(form, program.data);
+  await press(form, "sim/");
+}
+
+const typeIn = (value) => async (form) => {
+  await form.locator("input[type=text]").fill(value);
+  await press(form, "OK");
+};
+const pressed = (name) => (form) => press(form, name);
+
+async function openFile(form) {
+  await enterData(form);
+  await press(form, "run-1.vtc");
+}
+
+async function saveFile(form) {
+  await enterData(form);
+  await form.locator(".file-where", { hasText: "data/sim" }).waitFor();
+  await form.getByLabel("Name").fill("page");
+  await press(form, "Save");
+}
+
+// The reference by its name in the list, then no more; one condition, typed, on one run; saved.
+const kAnswers = [
+  pressed("1. Reference"),
+  typeIn("0"),
+  typeIn("1"),
+  typeIn("whole"),
+  openFile,
+  typeIn("1"),
+  typeIn("80"),
+  pressed("Cancel"),
+  typeIn(""),
+  saveFile,
+];
+
+async function answerAll(page) {
+  for (const answer of kAnswers) {
+    const form = await page.waitForSelector("form.question", { timeout: kLong });
+    await answer(page.locator("form.question"));
+    await page.waitForFunction((old) => !old.isConnected, form, { timeout: kLong });
+  }
+}
+
+describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
+  before(async () => {
+    browser = await launch();
+    program = await startProgram();
+  });
+  after(async () => {
+    await browser?.close();
+    assert.equal(await program?.close(), 0);
+    assert.deepEqual(problems, []);
+  });
+
+  it("carries out a run and shows what it made", async () => {
+    const page = await openPage();
+    await startRun(page, "made.toml");
+    const run = runIn(page, "done");
+    await run.waitFor({ timeout: kLong });
+    assert.match(await run.getByRole("link", { name: "Report" }).getAttribute("href"), /files\/data\/out\//);
+    await press(run, "Show results");
+    await page.waitForSelector("section.request table");
+    assert.ok((await page.locator("section.request table a").count()) >= 6);
+    assert.deepEqual(await seriousFindings(page), []);
+    await closePage(page);
+  });
+
+  it("finds a run again in another page, and cancels and resumes it; its name stays a text", async () => {
+    const first = await openPage();
+    await startRun(first, kSlow);
+    await runIn(first, "running").waitFor({ timeout: kLong });
+    await closePage(first);
+    const page = await openPage();
+    await openTab(page, "Runs");
+    await press(runIn(page, "running"), "Cancel");
+    await runIn(page, "cancelled").waitFor({ timeout: kLong });
+    assert.ok((await runIn(page, "cancelled").textContent()).includes(kSlow));
+    assert.equal(await page.locator(".run b").count(), 0);
+    await press(runIn(page, "cancelled"), "Resume");
+    await press(runIn(page, "running"), "Cancel");
+    await runIn(page, "cancelled").waitFor({ timeout: kLong });
+    assert.deepEqual(await seriousFindings(page), []);
+    await closePage(page);
+  });
+
+  it("holds a session of the plug-in over two pages, with a list to search and files to choose", async () => {
+    const first = await openPage();
+    await openTab(first, "Plug-in");
+    await press(first, "Start a session");
+    await first.waitForSelector("form.question .choices", { timeout: kLong });
+    await first.getByLabel("Search").fill("refer");
+    assert.equal(await first.locator(".choices button").count(), 1);
+    assert.deepEqual(await seriousFindings(first), []);
+    await closePage(first);
+    const page = await openPage();
+    await openTab(page, "Plug-in");
+    await answerAll(page);
+    await page.getByText("The session has ended well.").waitFor({ timeout: kLong });
+    assert.ok(existsSync(join(program.data, "sim", "page_Reference.tav")));
+    assert.match(await page.locator(".session-maps").textContent(), /page_Reference\.tav/);
+    assert.match(await page.locator(".session-log").textContent(), /Done, all computations/);
+    await closePage(page);
+  });
+
+  it("ends a session from the page", async () => {
+    const page = await openPage();
+    await openTab(page, "Plug-in");
+    await press(page, "Start a session");
+    await page.waitForSelector("form.question", { timeout: kLong });
+    await press(page, "End the session");
+    await page.getByText("The session has ended with a failure.").waitFor({ timeout: kLong });
+    await closePage(page);
+  });
+});

@@ -1,31 +1,37 @@
 #include "study/interrupt.h"
 
+#include <atomic>
 #include <csignal>
 
 namespace study {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);  // a signal's handler sets it
+std::atomic<int> guards = 0;
+
 void noteInterrupt(int) {
-  interrupted = 1;
+  interrupted = true;
+}
+
+void handleWith(void (*handler)(int)) {
+  interrupted = false;
+  std::signal(SIGINT, handler);
+  std::signal(SIGTERM, handler);
 }
 
 }  // namespace
 
 InterruptGuard::InterruptGuard() {
-  interrupted = 0;
-  std::signal(SIGINT, noteInterrupt);
-  std::signal(SIGTERM, noteInterrupt);
+  if (guards.fetch_add(1) == 0) handleWith(noteInterrupt);
 }
 
 InterruptGuard::~InterruptGuard() {
-  std::signal(SIGINT, SIG_DFL);
-  std::signal(SIGTERM, SIG_DFL);
-  interrupted = 0;
+  if (guards.fetch_sub(1) == 1) handleWith(SIG_DFL);
 }
 
 bool interruptRequested() {
-  return interrupted != 0;
+  return interrupted;
 }
 
 }  // namespace study

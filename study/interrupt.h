@@ -4,7 +4,8 @@
 
 namespace study {
 
-// Turns SIGINT and SIGTERM into a flag for the life of the object. One at a time.
+// Turns SIGINT and SIGTERM into a flag for the life of the object. Several share the flag, on any threads: it
+// is cleared by the first and with the last, so that a study within a longer work takes no request from that.
 class InterruptGuard {
  public:
   InterruptGuard();

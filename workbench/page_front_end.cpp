@@ -34,6 +34,9 @@ Json numberFrom(const Question& question, const Json& answer) {
 Json textFrom(const host::TextQuestion& question, const Json& answer) {
   if (!answer.is_string() || answer.get_ref<const std::string&>().size() > question.maxBytes)
     throw Refusal(400, fmt::format("Please give a text of at most {} bytes, or cancel.", question.maxBytes));
+  // A terminal cannot type more, and an answer script cannot hold it.
+  if (answer.get_ref<const std::string&>().find_first_of(std::string_view("\0\r\n", 3)) != std::string::npos)
+    throw Refusal(400, "Please give a text of one line, or cancel.");
   return answer;
 }
 

@@ -30,6 +30,10 @@ class TimedPath : public tav::VoxelPath {
                std::span<const tav::VoxelResults> results) override {
     path_.compute(nrOfVoxels, data, results);
   }
+  [[nodiscard]] std::unique_ptr<tav::VoxelPath> beside(
+      std::span<simo::RandomStream* const> streams) const override {
+    return path_.beside(streams);
+  }
   double beginSeconds = 0.0;
 
  private:

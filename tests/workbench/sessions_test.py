@@ -170,6 +170,19 @@ class Sessions(unittest.TestCase):
         self.assertEqual(self.state()["question"], question)
         self.end()
 
+    def test_texts_are_of_one_line_as_scripts_hold_them(self):
+        state = self.start(record=True)
+        for line in self.answers:
+            if state["question"]["kind"] == "text":
+                break
+            self.answer(state["question"], line)
+            state = self.wait_for_it()
+        for text in ("a\nb", "a\rb", "a\0b"):
+            with self.subTest(text=text):
+                body = {"question": state["question"]["id"], "answer": text}
+                self.assertEqual(self.bench.post("/api/plugin/answer", body)[0], 400)
+        self.end()
+
     def test_files_elsewhere_are_refused(self):
         outside = self.folder / "outside.vtc"
         shutil.copy(self.sim / "run-1.vtc", outside)

@@ -13,7 +13,8 @@ struct PageFile {
   std::string_view text;
 };
 
-// workbench.html, .js, .css and favicon.svg; report.js and .css for the scenes that it saves; none: the program was built without Node.
+// workbench.html, .js, .css and favicon.svg; report.js and .css for the scenes that it saves; none: the
+// program was built without Node.
 [[nodiscard]] std::span<const PageFile> pageFiles();
 
 }  // namespace workbench

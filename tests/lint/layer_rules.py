@@ -28,7 +28,7 @@ ARROWS = {
     "simulation": {"formats"},
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
-    "workbench": {"formats", "host", "report", "request", "results", "study"},
+    "workbench": {"formats", "host", "inspect", "report", "request", "results", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
             "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning",
             "workbench"},

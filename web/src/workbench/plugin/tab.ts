@@ -57,6 +57,7 @@ export class PluginTab implements Tab {
   }
 
   private setUpControls(): void {
+    this.endButton.hidden = true;
     this.startButton.addEventListener("click", () => {
       void this.post("/api/plugin/start", { record: this.record.checked });
     });

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "app/exit_codes.h"
+#include "app/memory_limit.h"
 #include "app/study_options.h"
 
 namespace app {
@@ -83,6 +84,18 @@ fs::path usualPlugin() {
   return {};
 }
 
+// Half of this machine's memory, unless it is said.
+std::size_t mostBytes(const std::string& megabytes) {
+  constexpr std::size_t kMegabyte = 1'000'000;
+  if (!megabytes.empty()) {
+    const std::optional<double> given = megabytesOf(megabytes);
+    if (!given) throw UsageError(fmt::format("--mem {}: a memory looks like 8G, 8000M or 8000", megabytes));
+    return static_cast<std::size_t>(*given) * kMegabyte;
+  }
+  return static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) / 2 *
+         static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
 void placePlugin(const WorkbenchArguments& a, workbench::PluginSources& plugin) {
   plugin.plugin = a.plugin.empty() ? usualPlugin() : absoluteOrEmpty(a.plugin);
   plugin.vtc = absoluteOrEmpty(a.vtc);
@@ -107,6 +120,9 @@ void addWorkbenchSources(CLI::App& command, WorkbenchArguments& a) {
   command.add_option("-o,--out", a.out, "Where requests that are saved here write their results");
   command.add_option("-w,--work-folder", a.work,
                      "Work folder (default: tavmap-workbench in the working folder)");
+  command.add_option(
+      "--mem", a.memory,
+      "Memory for time series that are explored, as 8G or in MB (default: half of this machine's)");
   command.add_option("-j,--jobs", a.jobs, "Worker processes of each run that is started here")
       ->check(CLI::Range(1, 1024))
       ->capture_default_str();
@@ -136,6 +152,7 @@ workbench::Sources sourcesOf(const WorkbenchArguments& arguments) {
   placeFiles(arguments, sources.explore);
   placePlugin(arguments, sources.plugin);
   sources.explore.workFolder = workFolderOf(arguments);
+  sources.explore.mostBytes = mostBytes(arguments.memory);
   sources.output = absoluteOrEmpty(arguments.out);
   for (const std::string& folder : arguments.folders) sources.folders.push_back(absoluteOrEmpty(folder));
   sources.jobs = arguments.jobs;

@@ -15,7 +15,7 @@ struct WorkbenchArguments {
   std::string path;  // a request, a results folder or a BIDS folder
   std::string bold, mask, events, confounds, anatomy, atlas, atlasTable;
   double trSeconds = 0;
-  std::string out, work;
+  std::string out, work, memory;
   std::string plugin, vtc, vois, protocol;
   std::vector<std::string> folders;
   int port = 0, jobs = 1;

@@ -37,25 +37,59 @@ struct VoiTcReport {
 
 namespace tcutils_detail {
 
-// Adds the time course of one cell; false when the file ends before it does.
-template <typename T, typename Accumulation, typename Value>
-bool addCell(std::FILE* file, const VTC_Header& header, const voicrd& cell, Value* buffer, T* sums) {
-  const auto voxel = static_cast<std::int64_t>(gridOf(header).index(cell.x, cell.y, cell.z));
-  const std::int64_t offset = header.dataOffset + voxel * header.nrOfVolumes * std::int64_t{sizeof(Value)};
-  const auto wanted = static_cast<std::size_t>(header.nrOfVolumes);
-  if (std::fseek(file, static_cast<long>(offset), SEEK_SET) != 0) return false;
-  if (std::fread(buffer, sizeof(Value), wanted, file) != wanted) return false;
-  Accumulation::add(sums, buffer, header.nrOfVolumes, cell.n);
+// Where time courses come from: course(voxel) is that of a voxel of the grid, null when it cannot be read,
+// and valid until the next one is asked for.
+template <typename Value>
+class CoursesOfFile {
+ public:
+  CoursesOfFile(std::FILE* file, const VTC_Header& header)
+      : file_(file),
+        header_(header),
+        buffer_(std::make_unique<Value[]>(static_cast<std::size_t>(header.nrOfVolumes))) {}
+
+  const Value* course(std::size_t voxel) {
+    const std::int64_t offset = header_.dataOffset + static_cast<std::int64_t>(voxel) * header_.nrOfVolumes *
+                                                         std::int64_t{sizeof(Value)};
+    const auto wanted = static_cast<std::size_t>(header_.nrOfVolumes);
+    if (std::fseek(file_, static_cast<long>(offset), SEEK_SET) != 0) return nullptr;
+    return std::fread(buffer_.get(), sizeof(Value), wanted, file_) == wanted ? buffer_.get() : nullptr;
+  }
+
+ private:
+  std::FILE* file_;
+  const VTC_Header& header_;
+  std::unique_ptr<Value[]> buffer_;
+};
+
+template <typename Value>
+struct CoursesInMemory {
+  const Value* first;
+  std::size_t nrOfVolumes;
+  [[nodiscard]] const Value* course(std::size_t voxel) const { return first + voxel * nrOfVolumes; }
+};
+
+// Adds the time courses of all cells; false when one cannot be read.
+template <typename T, typename Accumulation, typename Courses>
+bool addCells(Courses courses, const VTC_Header& header, const std::vector<voicrd>& cells, T* sums) {
+  const io::GridSize grid = gridOf(header);
+  for (const voicrd& cell : cells) {
+    const auto* const values = courses.course(grid.index(cell.x, cell.y, cell.z));
+    if (values == nullptr) return false;
+    Accumulation::add(sums, values, header.nrOfVolumes, cell.n);
+  }
   return true;
 }
 
-template <typename T, typename Accumulation, typename Value>
-bool addCells(std::FILE* file, const VTC_Header& header, const std::vector<voicrd>& cells, T* sums) {
-  const auto buffer = std::make_unique<Value[]>(static_cast<std::size_t>(header.nrOfVolumes));
-  for (const voicrd& cell : cells) {
-    if (!addCell<T, Accumulation>(file, header, cell, buffer.get(), sums)) return false;
-  }
-  return true;
+// add(cells, sums): addCells() of the data. Otherwise as getVOITcFromVTC().
+template <typename T, typename Accumulation, typename Add>
+bool averageCells(const VTC_Header& header, const VoiCells& found, std::int32_t nVoxels, T* sums,
+                  VoiTcReport& report, Add add) {
+  std::fill_n(sums, header.nrOfVolumes, T{0});
+  const bool complete = add(found.cells, sums);
+  const std::int32_t nrInside = nVoxels - found.nrOutside;
+  Accumulation::finish(sums, header.nrOfVolumes, nrInside);
+  report = {nVoxels > 0 && nrInside == 0, !complete, found.nrOutside};
+  return !report.allOutside && !report.truncated;
 }
 
 }  // namespace tcutils_detail
@@ -75,16 +109,35 @@ template <typename T, typename Accumulation>
                                    std::int32_t row, std::int32_t* workBuffer, VoiTcReport& report) {
   toAnatomicalCoordinates(voxels, nVoxels, talCoords != 0, workBuffer);
   const VoiCells found = cellsOfVoxels(header, workBuffer, nVoxels);
-  T* const sums = &out[row][out.colBase];
-  std::fill_n(sums, header.nrOfVolumes, T{0});
   using namespace tcutils_detail;
-  const bool complete = header.dataType == kVtcFloatData
-                            ? addCells<T, Accumulation, float>(file, header, found.cells, sums)
-                            : addCells<T, Accumulation, std::uint16_t>(file, header, found.cells, sums);
-  const std::int32_t nrInside = nVoxels - found.nrOutside;
-  Accumulation::finish(sums, header.nrOfVolumes, nrInside);
-  report = {nVoxels > 0 && nrInside == 0, !complete, found.nrOutside};
-  return std::fseek(file, header.dataOffset, SEEK_SET) == 0 && !report.allOutside && !report.truncated;
+  const auto add = [&](const std::vector<voicrd>& cells, T* sums) {
+    return header.dataType == kVtcFloatData
+               ? addCells<T, Accumulation>(CoursesOfFile<float>(file, header), header, cells, sums)
+               : addCells<T, Accumulation>(CoursesOfFile<std::uint16_t>(file, header), header, cells, sums);
+  };
+  const bool isAveraged =
+      averageCells<T, Accumulation>(header, found, nVoxels, &out[row][out.colBase], report, add);
+  return std::fseek(file, header.dataOffset, SEEK_SET) == 0 && isAveraged;
+}
+
+// The same from the time courses of all voxels in memory, one behind the other: floats, or for 16-bit data
+// shorts; the other pointer is null.
+template <typename T, typename Accumulation>
+[[nodiscard]] bool getVOITcFromMemory(const float* floats, const std::uint16_t* shorts,
+                                      const VTC_Header& header, const std::int32_t* voxels,
+                                      std::int32_t nVoxels, std::int32_t talCoords, simo::Matrix<T>& out,
+                                      std::int32_t row, std::int32_t* workBuffer, VoiTcReport& report) {
+  toAnatomicalCoordinates(voxels, nVoxels, talCoords != 0, workBuffer);
+  using namespace tcutils_detail;
+  const auto volumes = static_cast<std::size_t>(header.nrOfVolumes);
+  const auto add = [&](const std::vector<voicrd>& cells, T* sums) {
+    return floats != nullptr
+               ? addCells<T, Accumulation>(CoursesInMemory<float>{floats, volumes}, header, cells, sums)
+               : addCells<T, Accumulation>(CoursesInMemory<std::uint16_t>{shorts, volumes}, header, cells,
+                                           sums);
+  };
+  return averageCells<T, Accumulation>(header, cellsOfVoxels(header, workBuffer, nVoxels), nVoxels,
+                                       &out[row][out.colBase], report, add);
 }
 
 // The same without a report.

@@ -92,6 +92,11 @@ double ResidualSurrogates::resampled(RandomStream& random) const {
   return model_.residuals[index];
 }
 
+std::uint64_t ResidualSurrogates::numbersPerDraw() const {
+  const auto own = static_cast<std::size_t>(std::count(known_.begin(), known_.end(), true));
+  return 2 * simulated_.size() - own;  // a sign each, and an index for what is resampled
+}
+
 void ResidualSurrogates::draw(RandomStream& random, std::span<float> surrogate) {
   const auto order = model_.coefficients.size();
   double sign = 1;

@@ -3,6 +3,7 @@
 #define TAVMAP_SIMO_RESIDUAL_SURROGATES_H
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -40,6 +41,8 @@ class ResidualSurrogates {
   // value of the warm-up and of the series, and one more for each resampled residual. Allocates nothing
   // after the first call.
   void draw(RandomStream& random, std::span<float> surrogate);
+  // How many numbers a surrogate takes, each the same.
+  [[nodiscard]] std::uint64_t numbersPerDraw() const;
 
   static constexpr std::size_t kTogether = 8;
   // As many surrogates, one behind the other, each the very one that draw() makes of its stream, in a third

@@ -1,7 +1,6 @@
 #include "study/engine_request.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "prepare/course_filter.h"
 
@@ -72,8 +71,9 @@ std::vector<simo::Stretch> stretchesOf(const std::vector<bool>& kept) {
 tav::CourseTreatment treatmentOf(const RunPlan& run) {
   const std::vector<bool> kept(run.kept.begin() + run.volumes.dropped, run.kept.end());
   tav::CourseTreatment treatment{stretchesOf(kept), {}};
-  const auto filter = std::make_shared<CourseFilter>(static_cast<int>(kept.size()), 0, run.confounds, kept);
-  if (!filter->changesNothing()) treatment.apply = [filter](float* course) { filter->apply(course); };
+  CourseFilter filter(static_cast<int>(kept.size()), 0, run.confounds, kept);
+  if (!filter.changesNothing())
+    treatment.apply = [filter](float* course) mutable { filter.apply(course); };  // each copy has its own
   return treatment;
 }
 

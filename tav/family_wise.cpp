@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <future>
 #include <optional>
 #include <span>
 
+#include "tav/at_once.h"
 #include "tav/map_source.h"
 #include "tav/piece_reader.h"
 
@@ -116,16 +116,6 @@ class Lane {
   std::optional<PieceResults> results_;
   std::vector<float> buffer_;
 };
-
-// Calls use(0), use(1), ... use(count - 1), each on a thread of its own but the first. Throws what one of
-// them threw, when all have ended.
-template <class Use>
-void atOnce(std::size_t count, Use use) {
-  std::vector<std::future<void>> others;
-  for (std::size_t i = 1; i < count; ++i) others.push_back(std::async(std::launch::async, use, i));
-  use(std::size_t{0});
-  for (std::future<void>& other : others) other.get();
-}
 
 // One chunk of draws after the other over all pieces, each chunk shared out among the lanes.
 class Chunks {

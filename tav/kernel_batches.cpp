@@ -92,7 +92,9 @@ VoxelFits& KernelBatches::Reference::fits() {
 }
 
 KernelBatches::KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kernel& kernel)
-    : kernel_(kernel), plan_(planSpec(jobs), kernel), work_(plan_.view(), kernel.width) {
+    : kernel_(kernel),
+      plan_(std::make_shared<const kernel::Plan>(planSpec(jobs), kernel)),
+      work_(plan_->view(), kernel.width) {
   for (const VoxelSet& set : jobs[0].sets) {
     const auto file = static_cast<std::size_t>(set.file);
     const VoxelFile& of = jobs[0].files[file];
@@ -100,6 +102,18 @@ KernelBatches::KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kerne
                                         (of.isFloat ? sizeof(float) : sizeof(std::uint16_t))});
   }
   for (const VoxelJob& job : jobs) references_.emplace_back(job, drawsPerVoxel(job));
+}
+
+KernelBatches::KernelBatches(const KernelBatches& other, std::span<simo::RandomStream* const> streams)
+    : kernel_(other.kernel_),
+      plan_(other.plan_),
+      work_(plan_->view(), kernel_.width),
+      coursesOfSets_(other.coursesOfSets_) {
+  for (std::size_t i = 0; i < other.references_.size(); ++i) {
+    VoxelJob job = other.references_[i].job;
+    job.random = streams[i];
+    references_.emplace_back(job, drawsPerVoxel(job));
+  }
 }
 
 void KernelBatches::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
@@ -152,7 +166,7 @@ void KernelBatches::finishBatch(std::span<const VoxelData> data, std::deque<Voxe
     reference.draw(voxels_.size());
     views.push_back(reference.view());
   }
-  kernel::run(kernel_, plan_.view(), {voxels_.size(), courses_.data(), views.data()}, work_.view());
+  kernel::run(kernel_, plan_->view(), {voxels_.size(), courses_.data(), views.data()}, work_.view());
   for (std::size_t i = 0; i < references_.size(); ++i) store(references_[i], data, writers[i]);
   voxels_.clear();
   courses_.clear();

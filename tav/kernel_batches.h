@@ -21,6 +21,8 @@ class KernelBatches {
  public:
   // One job per reference, at most kernel::kMaxReferences, within the kernels' limits.
   KernelBatches(std::span<const VoxelJob> jobs, const kernel::Kernel& kernel);
+  // The same for another thread, on the same plan; its first streams are for these references.
+  KernelBatches(const KernelBatches& other, std::span<simo::RandomStream* const> streams);
 
   // As VoxelPath::compute().
   void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
@@ -65,7 +67,7 @@ class KernelBatches {
                      VoxelWriter& writer);
 
   const kernel::Kernel& kernel_;
-  kernel::Plan plan_;
+  std::shared_ptr<const kernel::Plan> plan_;
   kernel::Workspace work_;
   std::vector<CourseOfSet> coursesOfSets_;
   std::deque<Reference> references_;

@@ -22,6 +22,15 @@ void KernelPath::begin(std::span<const VoxelJob> jobs) {
     batches_.emplace_back(jobs.subspan(first, std::min(jobsPerBatches_, jobs.size() - first)), kernel_);
 }
 
+std::unique_ptr<VoxelPath> KernelPath::beside(std::span<simo::RandomStream* const> streams) const {
+  if (batches_.empty()) return reference_.beside(streams);
+  auto path = std::make_unique<KernelPath>(kernel_);
+  path->jobsPerBatches_ = jobsPerBatches_;
+  for (std::size_t i = 0; i < batches_.size(); ++i)
+    path->batches_.emplace_back(batches_[i], streams.subspan(i * jobsPerBatches_));
+  return path;
+}
+
 void KernelPath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                          std::span<const VoxelResults> results) {
   if (batches_.empty()) return reference_.compute(nrOfVoxels, data, results);

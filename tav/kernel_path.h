@@ -23,6 +23,8 @@ class KernelPath : public VoxelPath {
 
   [[nodiscard]] const char* name() const override { return kernel_.name; }
   void begin(std::span<const VoxelJob> jobs) override;
+  [[nodiscard]] std::unique_ptr<VoxelPath> beside(
+      std::span<simo::RandomStream* const> streams) const override;
   void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                std::span<const VoxelResults> results) override;
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "tav/at_once.h"
+
 namespace tav {
 namespace {
 
@@ -54,6 +56,7 @@ void ComputedMap::forEachPiece(const std::function<void(Piece)>& use) const {
   std::array<float, kChunk> values;
   for (const RawValues& raw : raw_) {
     for (std::size_t first = 0; first < raw.size; first += kChunk) {
+      stopIf(cancel_);
       const std::size_t count = std::min(kChunk, raw.size - first);
       use({unscaledMapValues(type_, part(raw, first, count), pars_, values.data()), count});
     }

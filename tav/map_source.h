@@ -3,6 +3,7 @@
 #ifndef TAVMAP_TAV_MAP_SOURCE_H
 #define TAVMAP_TAV_MAP_SOURCE_H
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <span>
@@ -42,11 +43,13 @@ class StoredMap : public MapSource {
   MapPieces pieces_;
 };
 
-// One type's map of raw measures. What `raw` and `pars` refer to outlives it.
+// One type's map of raw measures. What `raw` and `pars` refer to outlives it. When `cancel`, if there is one,
+// is set, forEachPiece() throws Cancelled before its next piece.
 class ComputedMap : public MapSource {
  public:
-  ComputedMap(MapType type, const std::vector<RawValues>& raw, const TAV_Pars& pars)
-      : type_(type), raw_(raw), pars_(pars) {}
+  ComputedMap(MapType type, const std::vector<RawValues>& raw, const TAV_Pars& pars,
+              const std::atomic<bool>* cancel = nullptr)
+      : type_(type), raw_(raw), pars_(pars), cancel_(cancel) {}
   [[nodiscard]] std::size_t size() const override;
   [[nodiscard]] float scale() const override { return mapScale(type_, pars_); }
   void forEachPiece(const std::function<void(Piece)>& use) const override;
@@ -56,6 +59,7 @@ class ComputedMap : public MapSource {
   MapType type_;
   const std::vector<RawValues>& raw_;
   const TAV_Pars& pars_;
+  const std::atomic<bool>* cancel_;
 };
 
 }  // namespace tav

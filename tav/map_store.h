@@ -35,8 +35,9 @@ struct MapHeader {
 };
 
 // Holds the map set of one reference at a time. A run calls, for each reference, discard() and create();
-// for each map, in ascending order, values(), fills what it gets, and describe(); then saveMaps() and
-// saveLog(); and discard() at its end. All on the thread of the run. Exceptions end the run.
+// for each map, in ascending order, values(), fills what it gets, and describe() (on several threads the
+// values of all maps of a condition, then describe() of each); then saveMaps() and saveLog(); and discard()
+// at its end. All on the thread of the run. Exceptions end the run.
 class MapStore {
  public:
   virtual ~MapStore() = default;
@@ -46,7 +47,7 @@ class MapStore {
   [[nodiscard]] virtual bool create(const MapSetShape& shape, std::ostream& errors) = 0;
   // Where the map's values go, [z][y][x]; null when there is no such map. Valid until discard().
   [[nodiscard]] virtual float* values(int map) = 0;
-  // Of the map whose values were asked for last.
+  // Of a map whose values were asked for: on one thread, last.
   virtual void describe(int map, const MapHeader& header) = 0;
   // Saves the set; failures are the store's to report.
   virtual void saveMaps(const std::string& path) = 0;

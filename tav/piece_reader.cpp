@@ -27,7 +27,7 @@ bool PieceReader::next(std::ostream& errors) {
       hasFailed_ = true;
       return false;
     }
-    data_.push_back({file->floatSlice.get(), file->shortSlice.get()});
+    data_.push_back(file->piece());
   }
   return true;
 }

@@ -74,6 +74,7 @@ class FurtherNulls {
   void clear() { used_ = 0; }
   [[nodiscard]] std::size_t drawsPerVoxel() const { return drawsPerVoxel_; }
   [[nodiscard]] std::span<const Block> blocks() const { return {blocks_.data(), used_}; }
+  [[nodiscard]] Block& block(std::size_t index) { return blocks_[index]; }
 
  private:
   std::size_t drawsPerVoxel_;

@@ -2,6 +2,7 @@
 #ifndef TAVMAP_TAV_RAW_RESULT_H
 #define TAVMAP_TAV_RAW_RESULT_H
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -17,6 +18,13 @@ struct RawResult {
   RawResult(unsigned nx, unsigned ny, unsigned nz, int nullDraws)
       : observed(std::make_unique<rawTAVMaps>(nx, ny, nz)), null(std::make_unique<rawTAVMaps>(nx, ny, nz)) {
     if (nullDraws > 1) furtherNulls = std::make_unique<FurtherNulls>(nullDraws - 1);
+  }
+
+  // Whether these are stores for such a grid and so many draws.
+  [[nodiscard]] bool fits(std::size_t voxels, int nullDraws) const {
+    const std::size_t further = furtherNulls == nullptr ? 0 : furtherNulls->drawsPerVoxel();
+    return observed != nullptr && observed->nrOfVoxels() == voxels &&
+           further + 1 == static_cast<std::size_t>(nullDraws);
   }
 
   std::unique_ptr<rawTAVMaps> observed;

@@ -26,6 +26,14 @@ void ReferencePath::begin(std::span<const VoxelJob> jobs) {
   for (const VoxelJob& job : jobs_) fits_.push_back(makeVoxelFits(job));
 }
 
+std::unique_ptr<VoxelPath> ReferencePath::beside(std::span<simo::RandomStream* const> streams) const {
+  std::vector<VoxelJob> jobs = jobs_;
+  for (std::size_t i = 0; i < jobs.size(); ++i) jobs[i].random = streams[i];
+  auto path = std::make_unique<ReferencePath>();
+  path->begin(jobs);
+  return path;
+}
+
 void ReferencePath::compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                             std::span<const VoxelResults> results) {
   for (std::size_t i = 0; i < jobs_.size(); ++i)

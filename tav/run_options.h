@@ -3,9 +3,11 @@
 #ifndef TAVMAP_TAV_RUN_OPTIONS_H
 #define TAVMAP_TAV_RUN_OPTIONS_H
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +16,8 @@
 #include "tav/fit_form.h"
 
 namespace tav {
+
+class LoadedVtc;
 
 // How a threshold is found from observed and null magnitudes.
 enum class ThresholdRule {
@@ -33,8 +37,9 @@ enum class SurrogateKind {
 
 // What was done to the voxels of a VTC, and so is done to every surrogate of a course from it.
 struct CourseTreatment {
-  std::vector<simo::Stretch> known;     // volumes, 0-based, that models of the course rest on; ascending
-  std::function<void(float*)> apply{};  // changes a course of all volumes in place; empty: nothing was done
+  std::vector<simo::Stretch> known;  // volumes, 0-based, that models of the course rest on; ascending
+  // Changes a course of all volumes in place; empty: nothing was done. Copies may be called at the same time.
+  std::function<void(float*)> apply{};
 };
 
 struct RunOptions {
@@ -52,7 +57,9 @@ struct RunOptions {
   // Surrogates whose whole maps are computed for the family-wise error, at most those of the request; 0:
   // none. In least squares only.
   int fweDraws = 0;
-  // How many threads compute these maps; nothing of it shows in results.
+  // How many threads compute these maps, surrogates of references, thresholds of maps and, when all data are
+  // in memory, voxels; nothing of it shows in results. With more than one, the store is asked for the values
+  // of all maps of a condition before any is described.
   int threads = 1;
   // Whether each voxel of a map with thresholds gets the p of its value among the null values (null_p.h).
   bool nullP = false;
@@ -72,6 +79,11 @@ struct RunOptions {
   std::string kernel = "";
   // Where VTCs with relative names are; empty: in the working folder. Texts show the names alone.
   std::string vtcFolder = "";
+  // VTCs that are in memory already, by their names in the request; others are opened.
+  std::map<std::string, std::shared_ptr<const LoadedVtc>> loadedVtcs = {};
+  // When it becomes true, the run throws Cancelled (at_once.h): between batches of voxels in memory,
+  // surrogates and parts of the search for thresholds. Null: nothing calls it off.
+  const std::atomic<bool>* cancel = nullptr;
 
   // Whether results are those of the plug-in, wherever data and random numbers come from.
   [[nodiscard]] bool isPlugin() const {

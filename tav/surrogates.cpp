@@ -1,6 +1,7 @@
 // Surrogate reference courses: realisations of a model of the reference alone. They share its spectrum and
 // variance, with own residuals its envelope, and nothing with any voxel.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -9,6 +10,7 @@
 
 #include "simo/randomness.h"
 #include "simo/residual_surrogates.h"
+#include "tav/at_once.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -94,6 +96,44 @@ bool PooledModels::simulate(VoiTc& voiTc) {
   return true;
 }
 
+// What one thread needs to draw surrogates of one course.
+class RowDrawer {
+ public:
+  RowDrawer(const simo::ResidualSurrogates& model, const CourseTreatment& treatment,
+            const simo::RandomStream& random, const std::atomic<bool>* cancel)
+      : model_(model), apply_(treatment.apply), random_(random), cancel_(cancel) {}
+
+  // Rows first ... end - 1, counted from 0.
+  void draw(simo::Matrix<float>& surrogates, std::size_t first, std::size_t end) {
+    const auto volumes = static_cast<std::size_t>(surrogates.nCols);
+    for (std::size_t row = first; row < end;) {
+      stopIf(cancel_);
+      const std::size_t count = end - row >= kTogether ? kTogether : 1;
+      const std::span<float> rows(surrogates.elements() + row * volumes, count * volumes);
+      count == 1 ? model_.draw(random_, rows) : drawTogether(rows);
+      for (std::size_t i = 0; apply_ && i < count; ++i) apply_(rows.data() + i * volumes);
+      row += count;
+    }
+  }
+
+ private:
+  static constexpr std::size_t kTogether = simo::ResidualSurrogates::kTogether;
+
+  void drawTogether(std::span<float> rows) {
+    std::array<simo::RandomStream, kTogether> streams;
+    for (simo::RandomStream& stream : streams) {
+      stream = random_;
+      random_.skip(model_.numbersPerDraw());
+    }
+    model_.drawTogether(streams, rows);
+  }
+
+  simo::ResidualSurrogates model_;
+  std::function<void(float*)> apply_;
+  simo::RandomStream random_;
+  const std::atomic<bool>* cancel_;
+};
+
 // Each course's own residuals, and everything that was done to the course.
 class OwnResiduals : public SurrogateMaker {
  public:
@@ -112,13 +152,9 @@ class OwnResiduals : public SurrogateMaker {
     voiTc.surrogates.fill(0.0F);
     const CourseTreatment treatment = treatmentOf(voiTc);
     const auto volumes = static_cast<std::size_t>(voiTc.tc.nCols);
-    simo::ResidualSurrogates surrogates({voiTc.tc.elements(), volumes}, treatment.known);
+    const simo::ResidualSurrogates surrogates({voiTc.tc.elements(), volumes}, treatment.known);
     if (!surrogates.isDefined()) return false;
-    for (int s = 0; s < voiTc.surrogates.nRows; ++s) {
-      float* const row = voiTc.surrogates[voiTc.surrogates.rowBase + s] + voiTc.surrogates.colBase;
-      surrogates.draw(random_, {row, volumes});
-      if (treatment.apply) treatment.apply(row);
-    }
+    drawAll(surrogates, treatment, voiTc.surrogates);
     return true;
   }
 
@@ -127,6 +163,21 @@ class OwnResiduals : public SurrogateMaker {
     const auto found = options_.treatments.find(voiTc.vtcName);
     if (found != options_.treatments.end()) return found->second;
     return {{{0, voiTc.tc.nCols}}, {}};
+  }
+
+  // Each thread draws a stretch of rows, with the numbers that the stretch would find alone.
+  void drawAll(const simo::ResidualSurrogates& model, const CourseTreatment& treatment,
+               simo::Matrix<float>& surrogates) {
+    const auto rows = static_cast<std::size_t>(surrogates.nRows);
+    const auto threads = static_cast<std::size_t>(std::max(options_.threads, 1));
+    atOnce(threads, [&](std::size_t thread) {
+      const std::size_t first = rows * thread / threads;
+      simo::RandomStream random = random_;
+      random.skip(first * model.numbersPerDraw());
+      RowDrawer drawer(model, treatment, random, options_.cancel);
+      drawer.draw(surrogates, first, rows * (thread + 1) / threads);
+    });
+    random_.skip(rows * model.numbersPerDraw());
   }
 
   const RunOptions& options_;

@@ -138,8 +138,10 @@ int Computer::Init(const TAV_Pars& request, std::ostream& errors) {
 }
 
 void Computer::makeStores(const TAV_Pars& request) {
-  raw = RawResult(static_cast<unsigned>(request.dimX), static_cast<unsigned>(request.dimY),
-                  static_cast<unsigned>(request.dimZ), options_.nullDraws);
+  const bool fits = kept_ != nullptr && kept_->fits(gridOf(request).voxels(), options_.nullDraws);
+  raw = fits ? std::move(*kept_)
+             : RawResult(static_cast<unsigned>(request.dimX), static_cast<unsigned>(request.dimY),
+                         static_cast<unsigned>(request.dimZ), options_.nullDraws);
   passes_ = std::make_unique<VoxelPasses>(*this, options_, random, runLog_);
 }
 

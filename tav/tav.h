@@ -38,6 +38,10 @@ class Computer {
   Computer(const Computer&) = delete;
   Computer& operator=(const Computer&) = delete;
 
+  // Stores that runs on one grid take in turn, instead of making and releasing their own; they outlive the
+  // computer. One run at a time.
+  void reuse(RawResult& stores) { kept_ = &stores; }
+
   // Computes and saves every reference and condition of the request. Always ends with CleanUp().
   [[nodiscard]] int computeTAVs(const TAV_Pars& request, std::ostream& errors);
 
@@ -100,6 +104,7 @@ class Computer {
   RunLog runLog_;
   MemoryStore ownStore_;
   MapStore* store_;
+  RawResult* kept_ = nullptr;
   std::unique_ptr<VoxelPath> voxelPath_;
   std::unique_ptr<VoxelPasses> passes_;
   ConditionOutcome outcome_;  // of the condition computed last

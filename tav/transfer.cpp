@@ -5,6 +5,7 @@
 
 #include "io/cnvtcfile.h"
 #include "io/crdutils.h"
+#include "tav/at_once.h"
 #include "tav/family_wise.h"
 #include "tav/fdr_thresholds.h"
 #include "tav/map_kinds.h"
@@ -110,11 +111,12 @@ constexpr int kNoDependence = 1;
 class MapTransfer {
  public:
   // `leftOut`: voxels that take no part in the search for thresholds.
-  MapTransfer(const TAV_Cond_Pars& cond, const TAV_Pars& request, const RunOptions& options,
-              const RawValues& raw, const std::vector<RawValues>& nulls,
+  MapTransfer(const TAV_VOI_Pars& voi, const TAV_Cond_Pars& cond, const TAV_Pars& request,
+              const RunOptions& options, const RawValues& raw, const std::vector<RawValues>& nulls,
               const std::vector<VoxelStatus>& status, const std::vector<std::size_t>& leftOut,
               MapStore& store, std::ostream& errors)
-      : cond_(cond),
+      : voi_(voi),
+        cond_(cond),
         request_(request),
         options_(options),
         raw_(raw),
@@ -124,22 +126,65 @@ class MapTransfer {
         store_(store),
         errors_(errors) {}
 
-  // Fills the store's map, whose values are `values`, and describes it.
-  MapOutcome transfer(const MapKind& kind, int index, float* values) {
-    computeMapValues(kind.type, raw_, request_, values);
-    MapOutcome map{kind.type, values, {}};
-    if (kind.range.isSearched) map.thresholds = search(kind.type, {values, raw_.size});
-    if (kind.range.isSearched && options_.nullP) map.nullP = pValues(kind.type, {values, raw_.size});
-    if (kind.range.isSearched && options_.searchCurve) map.search = curve(map);
-    const auto measure = measureOf(kind.type);
-    if (measure && options_.nullZ) map.nullZ = nullZ(*measure, raw_, {nulls_, status_, options_.nullDraws});
-    store_.describe(index, headerOf(kind, cond_.name, request_, map.thresholds));
-    return map;
+  // Fills the store's maps from this index on and describes them, one after the other or, on several threads,
+  // all together. Returns a Status.
+  int transferAll(int index, std::vector<MapOutcome>& outcomes) {
+    const std::vector<MapType> types(request_.mapTypes.begin(), request_.mapTypes.end());
+    const std::size_t together = options_.threads > 1 ? types.size() : 1;
+    for (std::size_t first = 0, end = 0; first < types.size(); first = end) {
+      end = std::min(first + together, types.size());
+      std::vector<MapInHand> maps;
+      for (std::size_t i = first; i < end; ++i) {
+        if (!take(types[i], index + static_cast<int>(i), maps)) return kTerminalError;
+      }
+      shareOut(maps.size(), options_.threads, [&](std::size_t i) { compute(maps[i]); });
+      for (MapInHand& map : maps) {
+        store_.describe(map.index,
+                        headerOf(mapKind(map.outcome.type), cond_.name, request_, map.outcome.thresholds));
+        outcomes.push_back(std::move(map.outcome));
+      }
+    }
+    return kSuccess;
   }
 
  private:
-  std::vector<MapThreshold> search(MapType type, std::span<const float> values) {
-    checkCvConstant(request_.cvConstant, errors_);
+  struct MapInHand {
+    int index;
+    float* values;
+    MapOutcome outcome;
+  };
+
+  bool take(MapType type, int index, std::vector<MapInHand>& maps) {
+    float* const values = store_.values(index);
+    if (values == nullptr) {
+      errors_ << "Failed to retrieve an allocated CMP map-pointer for VOI '" << voi_.name << "', Condition '"
+              << cond_.name << "'";
+      return false;
+    }
+    if (!isKnown(type)) {
+      errors_ << "ERROR : Unknown TAV map-type encountered";
+      return false;
+    }
+    if (mapKind(type).range.isSearched) checkCvConstant(request_.cvConstant, errors_);
+    maps.push_back({index, values, {type, values, {}}});
+    return true;
+  }
+
+  // Several threads do so at the same time.
+  void compute(MapInHand& inHand) const {
+    MapOutcome& map = inHand.outcome;
+    computeMapValues(map.type, raw_, request_, inHand.values);
+    const bool isSearched = mapKind(map.type).range.isSearched;
+    if (isSearched) map.thresholds = search(map.type, {map.values, raw_.size});
+    if (isSearched && options_.nullP) map.nullP = pValues(map.type, {map.values, raw_.size});
+    if (isSearched && options_.searchCurve) map.search = curve(map);
+    const auto measure = measureOf(map.type);
+    if (measure && options_.nullZ) map.nullZ = nullZ(*measure, raw_, {nulls_, status_, options_.nullDraws});
+  }
+
+  [[nodiscard]] ComputedMap nullMap(MapType type) const { return {type, nulls_, request_, options_.cancel}; }
+
+  [[nodiscard]] std::vector<MapThreshold> search(MapType type, std::span<const float> values) const {
     const bool isGiven = options_.fdrConstant > 0;
     std::vector<float> levels = request_.qThresholds;
     std::sort(levels.begin(), levels.end());
@@ -147,9 +192,9 @@ class MapTransfer {
     if (isGiven) {
       for (float& q : divided) q = static_cast<float>(static_cast<double>(q) / options_.fdrConstant);
     }
-    std::vector<MapThreshold> found = searchTailThresholds(
-        options_.thresholdRule, divided, StoredMap(without(leftOut_, values)),
-        ComputedMap(type, nulls_, request_), isGiven ? kNoDependence : request_.cvConstant);
+    std::vector<MapThreshold> found =
+        searchTailThresholds(options_.thresholdRule, divided, StoredMap(without(leftOut_, values)),
+                             nullMap(type), isGiven ? kNoDependence : request_.cvConstant);
     for (std::size_t i = 0; i < found.size(); ++i) found[i].q = levels[i];
     return found;
   }
@@ -159,17 +204,18 @@ class MapTransfer {
     if (options_.thresholdRule != ThresholdRule::kStepUp) return {};
     std::vector<std::size_t> ranks;
     for (const MapThreshold& threshold : map.thresholds) ranks.push_back(threshold.nrPassing);
-    SearchCurve found = searchCurve(StoredMap(without(leftOut_, {map.values, raw_.size})),
-                                    ComputedMap(map.type, nulls_, request_), ranks);
+    SearchCurve found =
+        searchCurve(StoredMap(without(leftOut_, {map.values, raw_.size})), nullMap(map.type), ranks);
     found.constant = options_.fdrConstant > 0 ? options_.fdrConstant
                                               : dependenceConstant(request_.cvConstant, found.voxels);
     return found;
   }
 
   [[nodiscard]] std::vector<float> pValues(MapType type, std::span<const float> values) const {
-    return nullPValues(StoredMap({values}), ComputedMap(nullKindOf(type), nulls_, request_));
+    return nullPValues(StoredMap({values}), nullMap(nullKindOf(type)));
   }
 
+  const TAV_VOI_Pars& voi_;
   const TAV_Cond_Pars& cond_;
   const TAV_Pars& request_;
   const RunOptions& options_;
@@ -209,24 +255,12 @@ int Computer::transferConditionResults(const TAV_VOI_Pars& voi, const TAV_Cond_P
   outcome_.nulls = rawNulls(*raw.null, raw.furtherNulls.get());
   std::vector<std::size_t> leftOut;
   if (options_.searchOutsideReference) leftOut = cellsOf(voi, request);
-  MapTransfer maps(cond, request, options_, rawValues(*raw.observed), outcome_.nulls, outcome_.status,
+  MapTransfer maps(voi, cond, request, options_, rawValues(*raw.observed), outcome_.nulls, outcome_.status,
                    leftOut, *store_, errors);
-  int index = static_cast<int>(request.mapTypes.size()) * condIndex;
-  for (const MapType type : request.mapTypes) {
-    float* const values = store_->values(index);
-    if (values == nullptr) {
-      errors << "Failed to retrieve an allocated CMP map-pointer for VOI '" << voi.name << "', Condition '"
-             << cond.name << "'";
-      return kTerminalError;
-    }
-    if (!isKnown(type)) {
-      errors << "ERROR : Unknown TAV map-type encountered";
-      return kTerminalError;
-    }
-    outcome_.maps.push_back(maps.transfer(mapKind(type), index++, values));
-  }
+  int status = maps.transferAll(static_cast<int>(request.mapTypes.size()) * condIndex, outcome_.maps);
+  if (status != kSuccess) return status;
   outcome_.condIndex = condIndex;
-  const int status = compareWithWholeMaps(voi, cond, request, leftOut, errors);
+  status = compareWithWholeMaps(voi, cond, request, leftOut, errors);
   if (status != kSuccess) return status;
   if (observer_ != nullptr) observer_->onCondition(outcome_);
   return kSuccess;

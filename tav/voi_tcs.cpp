@@ -39,6 +39,18 @@ void growCoordinateBuffer(std::int32_t nVoxels, std::int32_t& capacity,
   buffer = std::make_unique_for_overwrite<std::int32_t[]>(3 * static_cast<std::size_t>(capacity));
 }
 
+bool averageVoxels(const VtcFile& source, const TAV_VOI_Pars& voi, std::int32_t* workBuffer,
+                   simo::Matrix<float>& course, VoiTcReport& report) {
+  using Average = tc_accum_avgW<float>;
+  if (source.loaded != nullptr) {
+    return getVOITcFromMemory<float, Average>(source.loaded->floats(), source.loaded->shorts(), source.header,
+                                              voi.voxels, voi.nVoxels, voi.talCoords, course, 1, workBuffer,
+                                              report);
+  }
+  return getVOITcFromVTC<float, Average>(source.fp, source.header, voi.voxels, voi.nVoxels, voi.talCoords,
+                                         course, 1, workBuffer, report);
+}
+
 }  // namespace
 
 VoiTc::VoiTc(std::string voi, std::string vtc, int nrOfVolumes, int order, int nrOfSurrogates)
@@ -56,8 +68,7 @@ int Computer::fetchVOITC(const TAV_Pars& request, const TAV_VOI_Pars& voi, const
   auto voiTc = std::make_unique<VoiTc>(voi.name, set.srcVtcName, source.header.nrOfVolumes, request.arOrder,
                                        request.nSurrogateSims);
   VoiTcReport report;
-  const bool fetched = getVOITcFromVTC<float, tc_accum_avgW<float>>(
-      source.fp, source.header, voi.voxels, voi.nVoxels, voi.talCoords, voiTc->tc, 1, crdBuf.get(), report);
+  const bool fetched = averageVoxels(source, voi, crdBuf.get(), voiTc->tc, report);
   if (report.nrOutside > 0) reportOutside(voi, set.srcVtcName, report.nrOutside, errors);
   if (!fetched) {
     reportFailure(voi, set.srcVtcName, report, errors);

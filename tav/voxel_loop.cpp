@@ -62,10 +62,12 @@ bool readPiece(const std::vector<VtcFile*>& files, std::size_t nrOfVoxels, std::
       reportUnreadable(files, file, endOfSlice, errors);
       return false;
     }
-    data.push_back({file->floatSlice.get(), file->shortSlice.get()});
+    data.push_back(file->piece());
   }
   return true;
 }
+
+}  // namespace
 
 VoxelResults resultsFrom(std::size_t voxel, RawResult& result) {
   VoxelResults results{{}, {}, result.status.data() + voxel, result.furtherNulls.get(), &result.counts};
@@ -81,8 +83,6 @@ void startResult(RawResult& result) {
   result.status.assign(result.observed->nrOfVoxels(), VoxelStatus::kComputed);
   result.counts = {};
 }
-
-}  // namespace
 
 ConditionJobs makeConditionJobs(const TAV_Cond_Pars& cond, const std::vector<PassReference>& references,
                                 const TAV_Pars& request, const RunOptions& options) {

@@ -39,6 +39,11 @@ struct ConditionJobs {
 [[nodiscard]] int runVoxelLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
                                const RunLog& log, std::span<RawResult* const> results, std::ostream& errors);
 
+// Where the results of the voxels from this one on go.
+[[nodiscard]] VoxelResults resultsFrom(std::size_t voxel, RawResult& result);
+// Forgets what the result held.
+void startResult(RawResult& result);
+
 // Reports the progress of a loop that ran along with an earlier one.
 void reportLoopDone(const TAV_Pars& request, const RunLog& log);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tav/loaded_loop.h"
 #include "tav/tav.h"
 
 namespace tav {
@@ -43,10 +44,18 @@ int VoxelPasses::compute(const TAV_Pars& request, const TAV_VOI_Pars& voi, const
     results.push_back(&companion.results.emplace_back(makeResult(request)));
   }
   const ConditionJobs condition = makeConditionJobs(cond, references, request, options_);
-  const int status = runVoxelLoop(condition, request, path, log_, results, errors);
+  const int status = runLoop(condition, request, path, results, errors);
   for (Companion& companion : companions_) companion.results.back().after = companion.random;
   if (status == kSuccess && voiIndex == 0 && condIndex == condsNoted_) noteFirst(condition, result);
   return status;
+}
+
+int VoxelPasses::runLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
+                         std::span<RawResult* const> results, std::ostream& errors) {
+  if (!isLoaded(condition)) return runVoxelLoop(condition, request, path, log_, results, errors);
+  runLoadedLoop(condition, path, results, {options_.threads, options_.cancel});
+  reportLoopDone(request, log_);
+  return kSuccess;
 }
 
 // Companions take part in the conditions of the reference before them, one after the other.

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
+#include <span>
 #include <vector>
 
 #include "tav/raw_result.h"
@@ -49,6 +50,8 @@ class VoxelPasses {
     std::vector<RawResult> results;
   };
 
+  [[nodiscard]] int runLoop(const ConditionJobs& condition, const TAV_Pars& request, VoxelPath& path,
+                            std::span<RawResult* const> results, std::ostream& errors);
   [[nodiscard]] bool takeResult(std::size_t voi, std::size_t cond, RawResult& result);
   void startGroup(const TAV_Pars& request, std::size_t voi);
   [[nodiscard]] bool continuesGroup(std::size_t voi, std::size_t cond) const;

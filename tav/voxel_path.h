@@ -76,6 +76,8 @@ struct VoxelResults {
   VoxelStatus* status;                             // every status but kNotFinite
   FurtherNulls* furtherNulls;                      // null when nullDraws is 1
   VoxelCounts* counts;                             // added to
+  // In place of room that is added to furtherNulls: room for those that are not skipped.
+  FurtherNulls::Block* furtherRoom = nullptr;
 };
 
 class VoxelPath {
@@ -86,6 +88,10 @@ class VoxelPath {
   // Prepares everything that depends on references and surrogates alone, one job per reference. The
   // jobs differ in nothing but references, surrogates and streams. Draws nothing.
   virtual void begin(std::span<const VoxelJob> jobs) = 0;
+  // A path for another thread, with the jobs of the last begin() but streams of its own, one per job. It
+  // shares what begin() prepared, also when this path has begun others since.
+  [[nodiscard]] virtual std::unique_ptr<VoxelPath> beside(
+      std::span<simo::RandomStream* const> streams) const = 0;
   // Computes `nrOfVoxels` voxels; `data` has one entry per file of the jobs, `results` one per job.
   virtual void compute(std::size_t nrOfVoxels, std::span<const VoxelData> data,
                        std::span<const VoxelResults> results) = 0;

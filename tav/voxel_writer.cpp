@@ -58,7 +58,10 @@ std::size_t Inclusion::count() const {
 VoxelWriter::VoxelWriter(const VoxelJob& job, std::size_t nrIncluded, const VoxelResults& results)
     : results_(results),
       furtherDraws_(static_cast<std::size_t>(job.nullDraws) - 1),
-      further_(results.furtherNulls == nullptr ? nullptr : &results.furtherNulls->append(nrIncluded)) {}
+      further_(results.furtherRoom) {
+  if (further_ == nullptr && results.furtherNulls != nullptr)
+    further_ = &results.furtherNulls->append(nrIncluded);
+}
 
 void VoxelWriter::skip(std::size_t first, std::size_t count) {
   putZeros(results_.measures, first, count);

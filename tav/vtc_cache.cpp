@@ -71,15 +71,40 @@ VtcFile::VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stre
   rewind();
 }
 
+VtcFile::VtcFile(std::string path, std::shared_ptr<const LoadedVtc> vtc)
+    : name(std::move(path)),
+      header(vtc->header()),
+      fp(nullptr),
+      loaded(std::move(vtc)),
+      sliceSize(sliceValues(header)),
+      voxelsPerRead_(voxelsInPiece(header)),
+      bufferSize_(0) {}
+
 VtcFile::~VtcFile() {
-  std::fclose(fp);
+  if (fp != nullptr) std::fclose(fp);
 }
 
 void VtcFile::rewind() {
-  std::fseek(fp, header.dataOffset, SEEK_SET);
+  nextVoxel_ = 0;
+  if (fp != nullptr) std::fseek(fp, header.dataOffset, SEEK_SET);
+}
+
+VoxelData VtcFile::piece() const {
+  return loaded != nullptr ? dataAt(pieceVoxel_) : VoxelData{floatSlice.get(), shortSlice.get()};
+}
+
+VoxelData VtcFile::dataAt(std::size_t voxel) const {
+  const std::size_t first = voxel * static_cast<std::size_t>(header.nrOfVolumes);
+  if (isFloat()) return {loaded->floats() + first, nullptr};
+  return {nullptr, loaded->shorts() + first};
 }
 
 bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
+  if (loaded != nullptr) {
+    pieceVoxel_ = nextVoxel_;
+    nextVoxel_ += nrOfVoxels;
+    return nextVoxel_ <= gridOf(header).voxels();
+  }
   const std::size_t wanted = nrOfVoxels * static_cast<std::size_t>(header.nrOfVolumes);
   if (wanted > bufferSize_) return false;
   void* const buffer =
@@ -88,6 +113,7 @@ bool VtcFile::readVoxels(std::size_t nrOfVoxels) {
 }
 
 bool VtcFile::holdsVoxels(std::size_t nrOfVoxels) const {
+  if (loaded != nullptr) return nrOfVoxels <= gridOf(header).voxels();
   return valuesInFile(fp, header) >= nrOfVoxels * static_cast<std::size_t>(header.nrOfVolumes);
 }
 
@@ -107,7 +133,9 @@ int Computer::openVTCFiles(const TAV_Pars& request, std::ostream& errors) {
            {std::pair{&set.srcVtcName, &set.srcVtc}, {&set.trgVtcName, &set.trgVtc}}) {
         *entry = getOpenVtc(*name);
         if (*entry != nullptr) continue;
-        auto opened = openVtc(*name, options_.vtcFolder, cond, errors);
+        const auto held = options_.loadedVtcs.find(*name);
+        auto opened = held != options_.loadedVtcs.end() ? std::make_unique<VtcFile>(*name, held->second)
+                                                        : openVtc(*name, options_.vtcFolder, cond, errors);
         if (opened == nullptr) return kTerminalError;
         *entry = vtcFiles.emplace_back(std::move(opened)).get();
       }
@@ -123,6 +151,7 @@ VtcFile* Computer::getOpenVtc(const std::string& name) const {
 }
 
 int Computer::CleanUp() {
+  if (kept_ != nullptr && raw.observed != nullptr) *kept_ = std::move(raw);
   raw = {};
   passes_.reset();
   voxelPath_.reset();  // refers to the time courses

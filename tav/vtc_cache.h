@@ -13,14 +13,18 @@
 
 #include "io/vtc_header.h"
 #include "simo/smatrix.h"
+#include "tav/loaded_vtc.h"
+#include "tav/voxel_path.h"
 
 namespace tav {
 
 // One open VTC file. Owns its stream and its buffer, which holds whole time courses: as many as
-// stay in the processor's cache until they are used, and never more than a slice.
+// stay in the processor's cache until they are used, and never more than a slice. Or a file that is in
+// memory: then there is neither stream nor buffer.
 struct VtcFile {
   // Takes over `stream`, which stands behind the header.
   VtcFile(std::string path, const VTC_Header& fileHeader, std::FILE* stream);
+  VtcFile(std::string path, std::shared_ptr<const LoadedVtc> vtc);
   ~VtcFile();
   VtcFile(const VtcFile&) = delete;
   VtcFile& operator=(const VtcFile&) = delete;
@@ -33,12 +37,17 @@ struct VtcFile {
   // Reads the time courses of the next voxels, at most voxelsPerRead(), into the buffer. False when
   // the file does not hold them all.
   [[nodiscard]] bool readVoxels(std::size_t nrOfVoxels);
+  // Those that were read last.
+  [[nodiscard]] VoxelData piece() const;
+  // Those from a voxel on, of a file in memory.
+  [[nodiscard]] VoxelData dataAt(std::size_t voxel) const;
   // Whether the file holds the time courses of its first voxels. Leaves the stream anywhere.
   [[nodiscard]] bool holdsVoxels(std::size_t nrOfVoxels) const;
 
   std::string name;  // as the request gives it
   VTC_Header header;
-  std::FILE* fp;
+  std::FILE* fp;                                // null: in memory
+  std::shared_ptr<const LoadedVtc> loaded;      // null: on disk
   std::int32_t sliceSize;                       // values in one z-slice
   std::unique_ptr<float[]> floatSlice;          // float data; else null
   std::unique_ptr<std::uint16_t[]> shortSlice;  // 16-bit data; else null
@@ -48,6 +57,7 @@ struct VtcFile {
   // Values that the buffer holds: those of voxelsPerRead_ voxels, or what the file has when that is
   // less, so that a header that promises more than its file costs no memory.
   std::size_t bufferSize_;
+  std::size_t nextVoxel_ = 0, pieceVoxel_ = 0;  // of a file in memory
 };
 
 // Says which file cannot be read, in the order of the list: `failed`, or one before it that ends within its

@@ -2,6 +2,7 @@
 #ifndef TAVMAP_WORKBENCH_SOURCES_H
 #define TAVMAP_WORKBENCH_SOURCES_H
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ struct ExploreSources {
   std::filesystem::path anatomy, atlas, atlasTable;
   std::filesystem::path
       workFolder;  // runs made ready, requests saved, what is known of runs that were started
+  std::size_t mostBytes = std::size_t{4} << 30U;  // of time series in memory
   [[nodiscard]] bool any() const { return !request.empty() || !bids.empty() || !bold.empty(); }
 };
 

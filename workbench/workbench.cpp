@@ -2,10 +2,13 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "request/request_file.h"
+#include "workbench/explore_routes.h"
 #include "workbench/plugin_endpoints.h"
 #include "workbench/result_endpoints.h"
 #include "workbench/run_endpoints.h"
@@ -36,6 +39,11 @@ host::SessionOptions sessionOf(const Sources& sources) {
   options.voisPath = sources.plugin.vois.string();
   options.protocolPath = sources.plugin.protocol.string();
   return options;
+}
+
+ExploreOptions exploreOptions(const Sources& sources) {
+  const int threads = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1U));
+  return {sources.explore, sources.output, sources.program, sources.version, threads, sources.explore.mostBytes};
 }
 
 }  // namespace
@@ -73,6 +81,7 @@ void Workbench::openDesks(const Sources& sources) {
                                     [this](const RunEntry& entry) {
                                       runNews_.publish({{"run", runJson(entry, folders_)}});
                                     });
+  explore_ = std::make_unique<Explore>(exploreOptions(sources));
   if (!sources.plugin.plugin.empty())
     plugin_ = std::make_unique<PluginDesk>(sessionOf(sources), work, folders_, pluginNews_);
 }
@@ -89,6 +98,7 @@ void Workbench::addRoutes(const Sources& sources) {
   routes_.add(fileRoutes(folders_));
   routes_.add(resultRoutes(folders_));
   routes_.add(runRoutes(*runs_, runNews_, folders_));
+  routes_.add(exploreRoutes(*explore_, folders_));
   if (plugin_) routes_.add(pluginRoutes(*plugin_, pluginNews_));
 }
 
@@ -101,6 +111,7 @@ void Workbench::start() {
 }
 
 void Workbench::stop() {
+  if (explore_) explore_->stop();
   if (plugin_) plugin_->stop();
   if (runs_) runs_->stop();
   runNews_.close();

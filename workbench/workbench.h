@@ -10,6 +10,7 @@
 #include "workbench/access_guard.h"
 #include "workbench/dispatcher.h"
 #include "workbench/event_hub.h"
+#include "workbench/explore.h"
 #include "workbench/folder_guard.h"
 #include "workbench/http_server.h"
 #include "workbench/plugin_desk.h"
@@ -46,6 +47,7 @@ class Workbench {
   FolderGuard folders_;
   formats::ClaimedFolder claim_;  // its list of runs has one writer
   EventHub runNews_, pluginNews_;
+  std::unique_ptr<Explore> explore_;
   std::unique_ptr<RunDesk> runs_;
   std::unique_ptr<PluginDesk> plugin_;  // null: there is no plug-in
   RouteTable routes_;

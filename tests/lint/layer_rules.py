@@ -28,10 +28,11 @@ ARROWS = {
     "simulation": {"formats"},
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
-    "workbench": {"formats", "host", "inspect", "report", "request", "results", "study"},
+    "live": {"study", "tav", "io", "simo", "request", "prepare", "results", "formats"},
+    "workbench": {"live", "tav", "bids", "prepare", "formats", "host", "inspect", "report", "request", "results", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
             "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning",
-            "workbench"},
+            "live", "workbench"},
 }
 UNLAYERED = {"tests", "bench", "fuzz"}  # they may include whatever they try
 # The one header record that the file reader shares with the host.

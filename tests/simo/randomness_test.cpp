@@ -90,6 +90,16 @@ TEST(Randomness, SkipsAheadAndLetsACopyGoOnByItself) {
   EXPECT_EQ(copy.next(), skipped.next());
 }
 
+TEST(RandomStream, FarSkipsAreThoseOfTheNumbersBetween) {
+  for (const std::uint64_t count : {19999U, 20000U, 20001U, 65536U, 1234567U}) {
+    simo::RandomStream drawn(7), skipped(7);
+    for (std::uint64_t i = 0; i < count + 5; ++i) static_cast<void>(drawn.next());
+    skipped.skip(5);  // the ring does not stand at its start
+    skipped.skip(count);
+    for (int i = 0; i < 100; ++i) ASSERT_EQ(skipped.next(), drawn.next()) << count << ", " << i;
+  }
+}
+
 TEST_F(TimeBase, IsTheWallClockSecondByDefault) {
   const auto before = static_cast<std::int64_t>(std::time(nullptr));
   const std::int64_t base = simo::timeBase();

@@ -189,7 +189,11 @@ TEST(ResidualSurrogates, SeveralTogetherAreThoseOfTheirStreams) {
     simo::RandomStream random(17 * i + 1);
     maker.draw(random, alone);
     EXPECT_EQ(alone, Series(together.begin() + i * 300, together.begin() + (i + 1) * 300)) << i;
-    EXPECT_EQ(random.next(), streams[i].next());
+    simo::RandomStream skipped(17 * i + 1);
+    skipped.skip(maker.numbersPerDraw());
+    const int next = skipped.next();
+    EXPECT_EQ(random.next(), next);
+    EXPECT_EQ(streams[i].next(), next);
   }
 }
 

@@ -47,15 +47,15 @@ describe("the start", () => {
 });
 
 it("computes maps and says why nothing is drawn where there is no WebGL 2", async () => {
-  const { page, problems, close } = await openWorkbench(browser, { address: "/" });
+  const { page, problems, close } = await openWorkbench(browser);
   await page.addInitScript(() => {
     const made = HTMLCanvasElement.prototype.getContext;
     HTMLCanvasElement.prototype.getContext = function (kind, ...more) {
       return kind === "webgl2" ? null : made.call(this, kind, ...more);
     };
   });
-  await page.goto(`${new URL(page.url()).origin}/favicon.svg`);
-  await page.goto(`${new URL(page.url()).origin}/#token=${kToken}`);
+  await page.waitForSelector(".tabs");
+  await page.reload();
   await calibrated(page);
   assert.match(await page.textContent(".brains"), /no WebGL 2/);
   assert.ok((await page.$$(".clusters tbody tr")).length > 0);

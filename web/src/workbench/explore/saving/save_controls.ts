@@ -11,6 +11,7 @@ import { sceneOf } from "./scene";
 interface SavedRequest {
   readonly path: string;
   readonly text: string;
+  readonly place: { readonly folder: string; readonly path: string };
 }
 
 const kRequestHelp =
@@ -69,7 +70,7 @@ export class SaveControls {
     const body = { reference, condition, settings, name: this.name.value };
     const answer = await this.server.post<SavedRequest>("/api/explore/request", body);
     const run = button("Open in Runs", () => {
-      this.shell.open("runs", { request: answer });
+      this.shell.open("runs", { request: answer.place });
     });
     this.saved.replaceChildren(
       make("p", { text: `Saved: ${answer.path}` }),

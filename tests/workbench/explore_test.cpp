@@ -1,0 +1,180 @@
+// Exploring the small data set through the functions behind the endpoints.
+#include "workbench/explore.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "tests/support/run_command_fixture.h"
+#include "workbench/exchange.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+class ExploreSmall : public SmallStudyRun {
+ protected:
+  workbench::ExploreOptions options() {
+    workbench::ExploreOptions options;
+    options.sources.request = write();
+    options.sources.workFolder = folder() / "work";
+    options.program = TAVMAP_PROGRAM;
+    options.version = TAVMAP_VERSION;
+    options.threads = 2;
+    options.mostBytes = std::size_t{1} << 30U;
+    return options;
+  }
+  static std::string settled(const workbench::Explore& explore) {
+    while (explore.state()["state"] == "loading") std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return explore.state()["state"];
+  }
+  static Json label(int id) {
+    return {{"reference", {{"kind", "label"}, {"id", id}}},
+            {"condition", "whole"},
+            {"types", {"DTAV"}},
+            {"sequence", 3}};
+  }
+  static Json headerOf(const std::string& reply) {
+    std::uint32_t length = 0;
+    std::memcpy(&length, reply.data(), 4);
+    return Json::parse(reply.substr(4, length));
+  }
+  template <class Call>
+  static int refusalOf(Call call) {
+    try {
+      call();
+    } catch (const workbench::Refusal& refusal) {
+      return refusal.status;
+    }
+    return 0;
+  }
+};
+
+TEST_F(ExploreSmall, OpensTheOnlyThingThereIs) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready") << explore.state().dump();
+  const Json state = explore.state();
+  EXPECT_EQ(state["grid"]["size"], Json({12, 10, 8}));
+  EXPECT_EQ(state["runs"].size(), 2U);
+  EXPECT_EQ(state["conditions"][1]["name"], "face");
+  EXPECT_EQ(state["labels"][0]["name"], "A");
+  EXPECT_EQ(state["labels"][0]["voxels"], small_study::regionVoxels());
+  EXPECT_EQ(state["voxels"], explore.study()->cells.size());
+  EXPECT_TRUE(state["hasLabels"]);
+  EXPECT_FALSE(state["hasAnatomy"]);
+}
+
+TEST_F(ExploreSmall, AnswersMapsAndVoxels) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  const auto mm = explore.study()->plan.space.grid.toMm({5, 5, 4});
+  EXPECT_EQ(explore.voxel({{"mm", mm}})["status"], "no maps yet");
+  Json asked = label(1);
+  asked["draft"] = true;
+  EXPECT_EQ(headerOf(explore.maps(asked))["draft"], true);
+  const Json header = headerOf(explore.maps(label(1)));
+  EXPECT_EQ(header["draft"], false);
+  EXPECT_EQ(header["sequence"], 3);
+  EXPECT_EQ(header["arrays"].size(), 3U) << "values, p, directions";
+  const Json voxel = explore.voxel({{"mm", mm}});
+  EXPECT_EQ(voxel["voxel"], Json({5, 5, 4}));
+  EXPECT_EQ(voxel["series"].size(), 2U);
+  EXPECT_EQ(voxel["lagged"].size(), 17U);
+  EXPECT_EQ(voxel["maps"][0]["null"].size(), 20U);
+  EXPECT_EQ(explore.voxel({{"mm", {5000, 0, 0}}})["status"], "outside the mask");
+}
+
+TEST_F(ExploreSmall, RefusesWhatCannotBeAsked) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  const auto refusal = [&](const char* change) {
+    Json asked = label(1);
+    asked.merge_patch(Json::parse(change));
+    return refusalOf([&] { static_cast<void>(explore.maps(asked)); });
+  };
+  EXPECT_EQ(refusal("{}"), 0);
+  for (const char* wrong :
+       {R"({"reference": null})", R"({"reference": {"kind": "cube"}})", R"({"reference": {"id": 99}})",
+        R"({"reference": {"id": "A"}})", R"({"reference": {"kind": "voxels", "cells": [-1]}})",
+        R"({"reference": {"kind": "voxels", "cells": [5000000]}})",
+        R"({"reference": {"kind": "sphere", "mm": [1, 2], "radiusMm": 4}})",
+        R"({"reference": {"kind": "sphere", "mm": [1, 2, "x"], "radiusMm": 4}})", R"({"condition": "house"})",
+        R"({"condition": 7})", R"({"types": []})", R"({"types": ["XTAV"]})", R"({"settings": {"order": 0}})",
+        R"({"settings": {"order": 21}})", R"({"settings": {"draws": 101}})",
+        R"({"settings": {"draws": 1.5}})"})
+    EXPECT_EQ(refusal(wrong), 400) << wrong;
+  EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.image("../r")); }), 404);
+  EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.image("anatomy")); }), 404);
+  EXPECT_EQ(refusalOf([&] { explore.open("7"); }), 404);
+  Json nameless = label(1);
+  nameless["name"] = "../..";
+  EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.save(nameless)); }), 400);
+}
+
+TEST_F(ExploreSmall, SavesARequestThatRuns) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  Json asked = label(2);
+  asked["name"] = "my region";
+  const Json saved = explore.save(asked);
+  EXPECT_EQ(saved["path"], (folder() / "work" / "my-region.toml").string());
+  const ProgramResult result = tavmap({"run", saved["path"], "--no-report", "--quiet"}, folder());
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_TRUE(fs::exists(results() / "my-region" / "my-region_seed-B_tavmap.json"));
+}
+
+TEST_F(ExploreSmall, ChangesRunsByLoadingAnew) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  EXPECT_FALSE(explore.change(Json::object()));
+  EXPECT_TRUE(explore.change({{"runs", {"run2"}}}));
+  ASSERT_EQ(settled(explore), "ready") << explore.state().dump();
+  EXPECT_EQ(explore.state()["runs"].size(), 1U);
+  EXPECT_EQ(refusalOf([&] { explore.change({{"runs", Json::array()}}); }), 400);
+  EXPECT_TRUE(explore.change(Json::object())) << "as the request has them";
+  ASSERT_EQ(settled(explore), "ready");
+  EXPECT_EQ(explore.state()["runs"].size(), 2U);
+}
+
+TEST_F(ExploreSmall, WritesImagesOfWhatIsOpen) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  for (const char* name : {"mean", "labels", "mask"}) EXPECT_TRUE(fs::exists(explore.image(name))) << name;
+}
+
+TEST_F(ExploreSmall, TellsWhatIsWrongWithItsSources) {
+  workbench::ExploreOptions wrong = options();
+  wrong.sources.request = scratch_.write("broken.toml", "[settings]\nordr = 3\n");
+  workbench::Explore explore(wrong);
+  EXPECT_EQ(settled(explore), "failed");
+  EXPECT_NE(explore.state()["message"].get<std::string>().find("broken.toml"), std::string::npos);
+  EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.maps(label(1))); }), 409);
+}
+
+TEST_F(ExploreSmall, HasNothingWithoutSources) {
+  workbench::ExploreOptions nothing = options();
+  nothing.sources = {};
+  workbench::Explore explore(nothing);
+  EXPECT_EQ(explore.state()["state"], "none");
+}
+
+TEST_F(ExploreSmall, ExploresFilesWithoutARequest) {
+  workbench::ExploreOptions files = options();
+  files.sources.request.clear();
+  files.sources.bold = folder() / "bold1.nii.gz";
+  files.sources.mask = folder() / "mask.nii.gz";
+  workbench::Explore explore(files);
+  ASSERT_EQ(settled(explore), "ready") << explore.state().dump();
+  EXPECT_FALSE(explore.state()["hasLabels"]);
+  const auto mm = explore.study()->plan.space.grid.toMm({5, 5, 4});
+  const Json asked{{"reference", {{"kind", "sphere"}, {"mm", mm}, {"radiusMm", 5}}},
+                   {"condition", "whole"},
+                   {"types", {"DTAV"}}};
+  EXPECT_EQ(headerOf(explore.maps(asked))["draft"], false);
+}
+
+}  // namespace

@@ -59,8 +59,10 @@ void turnAway(socket_t socket) {
   if (send(socket, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT) > 0) ::shutdown(socket, SHUT_WR);
 }
 
-// A restarted workbench takes its port back at once; but two at a time never share one.
+// A restarted workbench takes its port back at once; but two at a time never share one, and programs that are
+// started do not keep it.
 void ownTheAddress(socket_t socket) {
+  fcntl(socket, F_SETFD, FD_CLOEXEC);
   const int yes = 1;
   setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
 }

@@ -37,10 +37,10 @@ void PageDialogs::setBusy(bool busy) {
   if (std::exchange(busy_, busy) != busy) news_.publish({{"busy", busy}});
 }
 
-void PageDialogs::savedMaps(const std::string& path) {
+void PageDialogs::savedMaps(Json maps) {
   const std::lock_guard lock(mutex_);
-  maps_.push_back(path);
-  news_.publish({{"maps", path}});
+  news_.publish({{"maps", maps}});
+  maps_.push_back(std::move(maps));
 }
 
 std::optional<PageDialogs::Json> PageDialogs::ask(Json question, const Check& check) {

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "formats/file_error.h"
 #include "host/answer_parsing.h"
 #include "host/choice_list.h"
 #include "host/file_checks.h"
@@ -127,6 +128,21 @@ std::optional<std::string> PageFrontEnd::askFileToOpen(const host::FileQuestion&
   return valueOf<std::string>(dialogs_.ask(fileJson("open", question), [&](const Json& answer) {
     return fileToOpen(folders_, question, answer);
   }));
+}
+
+// Maps that cannot be drawn have been saved all the same.
+void PageFrontEnd::showSavedMaps(const std::string& path) {
+  Json pictures = Json::array();
+  std::string problem;
+  try {
+    for (const std::string& picture : draw_(path)) {
+      const FolderGuard::Place place = folders_.placeOf(std::filesystem::weakly_canonical(picture));
+      pictures.push_back({{"folder", place.folder}, {"path", place.path}});
+    }
+  } catch (const formats::FileError& error) {
+    problem = error.what();
+  }
+  dialogs_.savedMaps({{"path", path}, {"pictures", pictures}, {"problem", problem}});
 }
 
 std::optional<std::string> PageFrontEnd::askFileToSave(const host::FileQuestion& question) {

@@ -3,6 +3,11 @@
 #ifndef TAVMAP_WORKBENCH_PAGE_FRONT_END_H
 #define TAVMAP_WORKBENCH_PAGE_FRONT_END_H
 
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "host/front_end.h"
 #include "workbench/folder_guard.h"
 #include "workbench/page_dialogs.h"
@@ -11,8 +16,13 @@ namespace workbench {
 
 class PageFrontEnd : public host::FrontEnd {
  public:
-  // Borrows both. Files are answered as {"folder", "path"} of the guard's folders, and only from there.
-  PageFrontEnd(PageDialogs& dialogs, const FolderGuard& folders) : dialogs_(dialogs), folders_(folders) {}
+  // Draws every map of a map set and returns the paths of the pictures. May throw formats::FileError.
+  using Draw = std::function<std::vector<std::string>(const std::string& mapSet)>;
+
+  // Borrows the first two. Files are answered as {"folder", "path"} of the guard's folders, and only from
+  // there.
+  PageFrontEnd(PageDialogs& dialogs, const FolderGuard& folders, Draw draw)
+      : dialogs_(dialogs), folders_(folders), draw_(std::move(draw)) {}
 
   void log(std::string_view html) override;
   void showMessage(const std::string& html) override;
@@ -23,7 +33,7 @@ class PageFrontEnd : public host::FrontEnd {
   std::optional<std::string> askFileToOpen(const host::FileQuestion& question) override;
   std::optional<std::string> askFileToSave(const host::FileQuestion& question) override;
   void setBusy(bool busy) override { dialogs_.setBusy(busy); }
-  void showSavedMaps(const std::string& path) override { dialogs_.savedMaps(path); }
+  void showSavedMaps(const std::string& path) override;
   std::string finish() override { return {}; }
 
  private:
@@ -32,6 +42,7 @@ class PageFrontEnd : public host::FrontEnd {
 
   PageDialogs& dialogs_;
   const FolderGuard& folders_;
+  Draw draw_;
 };
 
 }  // namespace workbench

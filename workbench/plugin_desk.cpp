@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/recording_front_end.h"
+#include "inspect/map_pictures.h"
 #include "workbench/exchange.h"
 #include "workbench/page_front_end.h"
 
@@ -49,11 +50,20 @@ void PluginDesk::start(bool record) {
   thread_ = std::thread([this, script = recorded_] { run(script); });
 }
 
+std::vector<std::string> PluginDesk::picturesOf(const std::string& mapSet) const {
+  inspect::PictureOptions options;
+  options.maps = {mapSet};
+  options.folder = (workFolder_ / "plugin_pictures").string();
+  options.anatomy = options_.anatomyPath;
+  return inspect::drawMaps(options);
+}
+
 void PluginDesk::run(const std::string& script) {
   std::ostringstream out, err;
   int exitCode = host::kExitFailed;
   try {
-    std::unique_ptr<host::FrontEnd> frontEnd = std::make_unique<PageFrontEnd>(dialogs_, folders_);
+    std::unique_ptr<host::FrontEnd> frontEnd = std::make_unique<PageFrontEnd>(
+        dialogs_, folders_, [this](const std::string& mapSet) { return picturesOf(mapSet); });
     if (!script.empty()) frontEnd = std::make_unique<host::RecordingFrontEnd>(std::move(frontEnd), script);
     exitCode = host::runSession(options_, *frontEnd, out, err);
   } catch (const host::RunEnded& end) {

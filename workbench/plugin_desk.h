@@ -8,6 +8,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "host/session.h"
 #include "workbench/folder_guard.h"
@@ -38,6 +39,7 @@ class PluginDesk {
 
  private:
   void run(const std::string& script);
+  [[nodiscard]] std::vector<std::string> picturesOf(const std::string& mapSet) const;
 
   host::SessionOptions options_;
   std::filesystem::path workFolder_;

@@ -25,6 +25,7 @@ std::vector<std::string> wordsOf(const RunCommand& command, const RunEntry& entr
           std::to_string(study::kReportDescriptor)};
 }
 
+constexpr int kInterruptedCode = 130;  // of the program
 constexpr std::string_view kProgramPrefix = "tavmap: ";
 
 // The program's last words.
@@ -49,13 +50,21 @@ bool RunProcess::listen(RunEntry& entry) {
     return false;
   }
   messages_.take({bytes, static_cast<std::size_t>(count)});
+  try {
+    takeMessages(entry);
+  } catch (const study::RunError&) {  // no message of ours: nothing that comes can be believed
+    process_.kill();
+  }
+  return true;
+}
+
+void RunProcess::takeMessages(RunEntry& entry) {
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
   while (const auto message = messages_.next()) {
     if (message->word != study::WorkerWord::kProgress) continue;
     entry.progress = std::clamp(std::strtod(message->text.c_str(), nullptr), 0.0, 1.0);
     entry.secondsLeft = study::secondsLeft(entry.progress, elapsed.count());
   }
-  return true;
 }
 
 void RunProcess::end(RunState becomes) {
@@ -63,13 +72,16 @@ void RunProcess::end(RunState becomes) {
   process_.terminate();
 }
 
-// A run that was finished before it could be ended is done all the same.
+// A run that was finished before it could be ended is done all the same. Ctrl-C at a terminal reaches it
+// before it is told to end.
 void RunProcess::finish(RunEntry& entry) {
   const std::string end = process_.wait();
   const bool isDone = process_.exitCode() == 0;
+  const bool wasInterrupted = process_.exitCode() == kInterruptedCode;
   entry.secondsLeft.reset();
   entry.message.clear();
-  entry.state = isDone ? RunState::kDone : ended_.value_or(RunState::kFailed);
+  entry.state =
+      isDone ? RunState::kDone : ended_.value_or(wasInterrupted ? RunState::kInterrupted : RunState::kFailed);
   if (isDone) entry.progress = 1;
   if (entry.state == RunState::kFailed) entry.message = reasonIn(entry.log, end);
 }

@@ -31,6 +31,7 @@ class RunProcess {
   void end(RunState becomes);
 
  private:
+  void takeMessages(RunEntry& entry);
   void finish(RunEntry& entry);
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   study::MessageReader messages_;

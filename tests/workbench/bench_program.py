@@ -1,6 +1,7 @@
 """The built program's workbench, started for a test, and plain sockets to talk to it."""
 
 import json
+import os
 import re
 import signal
 import socket
@@ -16,7 +17,8 @@ class Bench:
     def __init__(self, program, arguments, folder, environment=None):
         command = [program, "workbench", *map(str, arguments), "--no-browser"]
         self.process = subprocess.Popen(
-            command, cwd=folder, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+            command, cwd=folder, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+            start_new_session=True)
         self.port, self.token = self._address()
         self.host = f"127.0.0.1:{self.port}"
         self.cookie = ""
@@ -36,6 +38,11 @@ class Bench:
 
     def __exit__(self, *_):
         self.end()
+
+    def press_control_c(self):
+        """As a terminal does: everything that runs in it is told."""
+        os.killpg(self.process.pid, signal.SIGINT)
+        return self.process.wait(PATIENCE)
 
     def end(self):
         if self.process.poll() is None:

@@ -2,6 +2,7 @@
 
 #include <future>
 
+#include "formats/file_error.h"
 #include "host/run_ended.h"
 #include "tests/support/scratch.h"
 #include "tests/workbench/status_of.h"
@@ -16,7 +17,11 @@ struct PageDialogsTest : testing::Test {
   workbench::EventHub news;
   workbench::FolderGuard folders;
   workbench::PageDialogs dialogs{news};
-  workbench::PageFrontEnd frontEnd{dialogs, folders};
+  workbench::PageFrontEnd frontEnd{dialogs, folders, [this](const std::string& maps) {
+                                     if (maps.empty())
+                                       throw formats::FileError("maps", "is empty", "Save it");
+                                     return std::vector<std::string>{scratch.file("data/a.png")};
+                                   }};
 
   PageDialogsTest() {
     scratch.write("data/run.vtc");
@@ -85,6 +90,15 @@ TEST_F(PageDialogsTest, TakeFilesOfTheAllowedFoldersAlone) {
   EXPECT_EQ(answer({{"folder", "data"}, {"path", "../maps"}}), 403);
   EXPECT_EQ(answer({{"folder", "data"}, {"path", "maps"}}), 0);
   EXPECT_EQ(saved.get(), (std::filesystem::canonical(scratch.folder() / "data") / "maps").string());
+}
+
+TEST_F(PageDialogsTest, ShowSavedMapsWithTheirPictures) {
+  frontEnd.showSavedMaps("a.tav");
+  frontEnd.showSavedMaps("");
+  const Json maps = dialogs.state()["maps"];
+  EXPECT_EQ(maps[0]["path"], "a.tav");
+  EXPECT_EQ(maps[0]["pictures"][0], (Json{{"folder", "data"}, {"path", "a.png"}}));
+  EXPECT_EQ(maps[1]["problem"], "maps: is empty. Save it.");
 }
 
 TEST_F(PageDialogsTest, AnAnswerToAnotherQuestionIsRefused) {

@@ -103,7 +103,12 @@ struct PluginDeskTest : testing::Test {
 TEST_F(PluginDeskTest, GivesWhatTheScriptedFrontEndGives) {
   const Json ended = session(kAnswers.size());
   EXPECT_EQ(ended["exitCode"], 0) << ended["message"];
-  EXPECT_EQ(ended["maps"], Json::array({data.folder / "maps_driver.tav"}));
+  ASSERT_EQ(ended["maps"].size(), 1U);
+  EXPECT_EQ(ended["maps"][0]["path"], data.folder / "maps_driver.tav");
+  EXPECT_EQ(ended["maps"][0]["problem"], "");
+  ASSERT_EQ(ended["maps"][0]["pictures"].size(), 6U);
+  const std::string picture = ended["maps"][0]["pictures"][0]["path"];
+  EXPECT_EQ(contentOf(data.folder / picture).substr(1, 3), "PNG");
   const auto results = takeResults();
   EXPECT_EQ(results.count("maps_driver.tav"), 1U);
   EXPECT_EQ(replay(ended["recorded"]), 0);

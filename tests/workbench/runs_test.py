@@ -85,6 +85,15 @@ class Runs(unittest.TestCase):
             self.assertEqual(bench.post("/api/runs/1/resume", {})[0], 204)
             self.assertEqual(self.wait_for(bench, "done", "failed")["state"], "done")
 
+    def test_control_c_interrupts_runs_as_well(self):
+        with self.bench() as bench:
+            self.start(bench)
+            run = self.wait_for(bench, "running", "done")
+            wait_until(lambda: self.run_of(bench)["progress"] > 0, "it has begun")
+            self.assertEqual(bench.press_control_c(), 0)
+        with self.bench() as bench:
+            self.assertEqual(self.run_of(bench)["state"], "interrupted", run)
+
     def test_a_failed_run_says_why(self):
         with self.bench() as bench:
             text = self.request.read_text()

@@ -17,7 +17,10 @@ export function questionForm(question: Question, answering: Answering): HTMLElem
   form.addEventListener("submit", (event) => {
     event.preventDefault();
   });
-  form.append(make("p", { class: "question-text", text: question.text }), ...controlsOf(question, answering));
+  form.append(
+    make("p", { class: "question-text", text: question.text, attributes: { tabindex: "0" } }),
+    ...controlsOf(question, answering),
+  );
   return form;
 }
 

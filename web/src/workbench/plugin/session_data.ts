@@ -17,12 +17,18 @@ export interface Question {
   readonly start?: Place;
 }
 
+export interface SavedMaps {
+  readonly path: string;
+  readonly pictures: readonly Place[];
+  readonly problem: string; // why there are none
+}
+
 export interface SessionData {
   readonly state: "none" | "running" | "ended";
   readonly log: readonly string[];
   readonly question: Question | null;
   readonly busy: boolean;
-  readonly maps: readonly string[];
+  readonly maps: readonly SavedMaps[];
   readonly exitCode: number;
   readonly message: string;
   readonly summary: string;

@@ -5,7 +5,8 @@ import type { Shell, Tab } from "../shell";
 import type { StartData } from "../start_data";
 import { Watched, messageOf } from "../watched";
 import { questionForm } from "./question_form";
-import type { Question, SessionData } from "./session_data";
+import { savedMaps } from "./saved_maps";
+import type { Question, SavedMaps, SessionData } from "./session_data";
 
 export class PluginTab implements Tab {
   readonly id = "plugin";
@@ -13,7 +14,7 @@ export class PluginTab implements Tab {
   private readonly problem = make("p", { class: "problem", attributes: { role: "alert" } });
   private readonly state = make("p", { class: "session-state", attributes: { role: "status" } });
   private readonly question = make("div", { class: "session-question" });
-  private readonly maps = make("ul", { class: "session-maps" });
+  private readonly maps = make("div", { class: "session-maps" });
   private readonly log = make("pre", { class: "session-log" });
   private readonly record = make("input", { attributes: { type: "checkbox", id: "session-record" } });
   private readonly startButton = make("button", { text: "Start a session", attributes: { type: "button" } });
@@ -56,6 +57,7 @@ export class PluginTab implements Tab {
   }
 
   private setUpControls(): void {
+    this.endButton.hidden = true;
     this.startButton.addEventListener("click", () => {
       void this.post("/api/plugin/start", { record: this.record.checked });
     });
@@ -84,8 +86,14 @@ export class PluginTab implements Tab {
     this.state.textContent = wordsOf(session);
     this.log.textContent = [...session.log, session.summary].join("\n");
     this.log.scrollTop = this.log.scrollHeight;
-    this.maps.replaceChildren(...session.maps.map((path) => make("li", { text: `Maps saved: ${path}` })));
+    this.showMaps(session.maps);
     this.showQuestion(session.question);
+  }
+
+  // Those that are shown already stay: pictures would flicker.
+  private showMaps(saved: readonly SavedMaps[]): void {
+    if (saved.length < this.maps.childElementCount) this.maps.replaceChildren();
+    this.maps.append(...saved.slice(this.maps.childElementCount).map(savedMaps));
   }
 
   // The form of a question that stands already stays, with what was typed.

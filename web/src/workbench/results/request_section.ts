@@ -1,7 +1,7 @@
 // One request's results: what was found, in tables, and every file.
 import { make } from "../../page/dom";
 import { addressOf, within, type Place } from "../files/file_chooser";
-import { thresholdWords, type ReferenceData, type RequestData } from "./result_data";
+import { thresholdWords, type MapData, type ReferenceData, type RequestData } from "./result_data";
 
 export function requestSection(request: RequestData): HTMLElement {
   const section = make("section", { class: "request" }, make("h3", { text: request.name }));
@@ -32,6 +32,11 @@ export function table(head: readonly string[], rows: readonly (readonly (string 
 
 const kMapHead = ["Condition", "Map", "Voxels that pass", "Peak", "At"];
 
+function placeOf({ peakMm, peakLabel }: MapData): string {
+  const at = peakMm.map((mm) => mm.toFixed(0)).join(", ");
+  return peakLabel === "none" ? `${at} mm` : `${at} mm ${peakLabel}`;
+}
+
 function referenceSection(place: Place, reference: ReferenceData): HTMLElement {
   const words = `${reference.name}: ${reference.voxels} voxels, order ${reference.order}`;
   const warnings = reference.warnings.map((text) => make("li", { text }));
@@ -41,7 +46,7 @@ function referenceSection(place: Place, reference: ReferenceData): HTMLElement {
       link(within(place, map.file), map.label),
       thresholdWords(map),
       map.peak.toPrecision(4),
-      `${map.peakMm.map((mm) => mm.toFixed(0)).join(", ")} mm ${map.peakLabel}`,
+      placeOf(map),
     ]),
   );
   const files = reference.files.map(({ name, bytes }) =>

@@ -12,6 +12,7 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+from urllib.parse import quote
 
 from bench_program import Bench, wait_until
 
@@ -150,7 +151,12 @@ class Sessions(unittest.TestCase):
         self.assertEqual((ended.returncode, again), (0, files))
 
     def test_saved_maps_are_told(self):
-        self.assertEqual([Path(path).suffix for path in self.in_page(self.answers)["maps"]], [".tav"])
+        saved = self.in_page(self.answers)["maps"]
+        self.assertEqual([(Path(maps["path"]).suffix, maps["problem"]) for maps in saved], [(".tav", "")])
+        self.assertTrue(saved[0]["pictures"])
+        for picture in saved[0]["pictures"]:
+            status, headers, data = self.bench.get(f"/files/{quote(picture['folder'])}/{quote(picture['path'])}")
+            self.assertEqual((status, headers["content-type"], data[1:4]), (200, "image/png", b"PNG"))
         self.made()
 
     def test_a_list_goes_as_data(self):

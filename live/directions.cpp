@@ -45,7 +45,8 @@ std::vector<std::uint8_t> Engine::directions(const LiveMaps& maps, const std::at
   const std::size_t parts = (places.size() + kVoxelsAtOnce - 1) / kVoxelsAtOnce;
   const auto lanes = static_cast<std::size_t>(std::max(threads_, 1));
   tav::atOnce(std::min(lanes, parts), [&](std::size_t lane) {
-    std::vector<study::ConditionRun> runs = study::conditionRuns(plan, 0, 0, courses);
+    std::vector<study::ConditionRun> runs = study::conditionRuns(
+        plan, 0, 0, courses, [this](const study::RunPlan& run) { return study_->coursesOf(run); });
     for (std::size_t part = lane; part < parts; part += lanes) {
       tav::stopIf(&cancel);
       const std::size_t end = std::min(places.size(), (part + 1) * kVoxelsAtOnce);

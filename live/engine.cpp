@@ -4,6 +4,7 @@
 #include <sstream>
 #include <utility>
 
+#include "live/kept_store.h"
 #include "live/outcome_taker.h"
 #include "request/problem.h"
 #include "study/engine_request.h"
@@ -36,9 +37,10 @@ tav::RunOptions optionsFor(const LoadedStudy& study, const StudyPlan& plan, Care
 }
 
 void run(const tav::TAV_Pars& pars, const tav::RunOptions& options, OutcomeTaker& taker,
-         tav::RawResult& stores) {
+         tav::RawResult& stores, std::vector<std::vector<float>>& maps) {
   std::ostringstream errors;
-  tav::Computer computer(options, &taker);
+  KeptStore store(maps);
+  tav::Computer computer(options, &taker, &store);
   computer.reuse(stores);
   const int status = computer.computeTAVs(pars, errors);
   if (status == tav::kInvalidParameters) throw study::InputError(errors.str());
@@ -98,7 +100,9 @@ Engine::Engine(std::shared_ptr<const LoadedStudy> study, int threads)
 
 LiveMaps Engine::compute(const Ask& ask, Care care, const std::atomic<bool>& cancel) {
   const StudyPlan plan = planFor(*study_, ask);
-  const study::UsableRegion usable = study::usableRegion(plan, 0);
+  const study::UsableRegion usable = study::usableRegion(
+      plan, 0, [this](const study::RunPlan& run) { return study_->coursesOf(run); },
+      [this](const study::RunPlan& run) { return study_->shifts.at(run.vtcName); });
   LiveMaps maps;
   maps.ask = ask;
   maps.care = care;
@@ -109,7 +113,7 @@ LiveMaps Engine::compute(const Ask& ask, Care care, const std::atomic<bool>& can
   if (care == Care::kFull) lastFull_.reset();
   OutcomeTaker taker(*study_, maps);
   run(pars, optionsFor(*study_, plan, care, threads_, cancel), taker,
-      care == Care::kFull ? fullStores_ : draftStores_);
+      care == Care::kFull ? fullStores_ : draftStores_, maps_);
   if (care == Care::kFull) {
     lastFull_ = ask;
     lastPars_ = pars;

@@ -49,6 +49,7 @@ class Engine {
   int threads_;
   // Stores that computations take in turn, since fresh ones cost more than the arithmetic of a draft.
   tav::RawResult draftStores_, fullStores_;
+  std::vector<std::vector<float>> maps_;
   std::optional<Ask> lastFull_;               // whose draws are in fullStores_
   tav::TAV_Pars lastPars_;                    // with which they become maps
   std::vector<tav::VoxelStatus> lastStatus_;  // per cell

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "formats/vtc_sidecar.h"
 #include "io/cnvtcfile.h"
 #include "live/stand_in_reference.h"
 #include "prepare/label_files.h"
@@ -73,10 +74,13 @@ void readSeries(LoadedStudy& study, const LoadOptions& options) {
   const double runs = static_cast<double>(study.plan.runs.size());
   for (const study::RunPlan& run : study.plan.runs) {
     std::ostringstream errors;
-    auto vtc = tav::LoadedVtc::read((study.plan.workFolder / run.vtcName).string(), errors, options.cancel);
+    const std::string path = (study.plan.workFolder / run.vtcName).string();
+    auto vtc = tav::LoadedVtc::read(path, errors, options.cancel);
     if (vtc == nullptr) throw study::RunError(errors.str());
     study.bytes += tav::LoadedVtc::bytesOf(vtc->header());
     study.vtcs[run.vtcName] = std::move(vtc);
+    const auto sidecar = formats::readVtcSidecar(path);
+    study.shifts[run.vtcName] = sidecar ? sidecar->shift : 0;
     const double share = static_cast<double>(study.vtcs.size()) / runs;
     if (options.progress) options.progress(kImportShare + (1 - kImportShare) * share, "time series are read");
   }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "live/reference.h"
+#include "study/prepared_courses.h"
 #include "study/study_plan.h"
 #include "tav/loaded_vtc.h"
 #include "tav/run_options.h"
@@ -35,11 +36,16 @@ struct LoadedStudy {
   study::StudyPlan plan;
   std::map<std::string, std::shared_ptr<const tav::LoadedVtc>> vtcs;  // by the names that the plan gives them
   std::map<std::string, tav::CourseTreatment> treatments;             // likewise
+  std::map<std::string, double> shifts;  // likewise: what the import added to the values
   std::optional<Atlas> atlas;
   // Cells x + nx (y + ny z) of the voxels that any run has, ascending.
   std::vector<std::uint32_t> cells;
   std::size_t bytes = 0;  // of all time series
 
+  // The voxels of a planned run.
+  [[nodiscard]] study::PreparedCourses coursesOf(const study::RunPlan& run) const {
+    return study::PreparedCourses(vtcs.at(run.vtcName));
+  }
   [[nodiscard]] const Atlas* atlasOrNone() const { return atlas ? &*atlas : nullptr; }
 };
 

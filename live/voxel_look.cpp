@@ -21,26 +21,12 @@ const study::RunPlan& runNamed(const study::StudyPlan& plan, const std::string& 
                        [&](const study::RunPlan& run) { return run.request.name == name; });
 }
 
-std::vector<float> courseOf(const tav::LoadedVtc& vtc, std::size_t cell) {
-  const auto volumes = static_cast<std::size_t>(vtc.header().nrOfVolumes);
-  std::vector<float> course(volumes);
-  if (vtc.floats() != nullptr)
-    std::copy_n(vtc.floats() + cell * volumes, volumes, course.begin());
-  else
-    std::transform(vtc.shorts() + cell * volumes, vtc.shorts() + (cell + 1) * volumes, course.begin(),
-                   [](std::uint16_t value) { return static_cast<float>(value); });
-  return course;
-}
-
 RunLook runLook(const LoadedStudy& study, const LiveMaps& maps, const study::StudyPlan& plan,
                 const study::PlannedSet& set, std::size_t cell) {
   const study::RunPlan& target = runNamed(plan, set.target);
-  RunLook look{set.target,
-               target.volumes.trSeconds,
-               maps.courses.at(set.source),
-               courseOf(*study.vtcs.at(target.vtcName), cell),
-               {},
-               target.volumes.dropped};
+  RunLook look{
+      set.target, target.volumes.trSeconds, maps.courses.at(set.source), study.coursesOf(target).read(cell),
+      {},         target.volumes.dropped};
   const std::size_t both = std::min(look.reference.size(), look.voxel.size());
   look.reference.resize(both);
   look.voxel.resize(both);

@@ -38,6 +38,10 @@ struct ConditionRun {
 // formats::FileError.
 [[nodiscard]] std::vector<ConditionRun> conditionRuns(const StudyPlan& plan, std::size_t region,
                                                       std::size_t condition, const ReferenceCourses& courses);
+// The same with voxels from elsewhere, at present in memory.
+[[nodiscard]] std::vector<ConditionRun> conditionRuns(const StudyPlan& plan, std::size_t region,
+                                                      std::size_t condition, const ReferenceCourses& courses,
+                                                      const OpenCourses& open);
 
 }  // namespace study
 

@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <utility>
+
 #include "formats/file_error.h"
 #include "formats/vtc_export.h"
 
@@ -14,7 +16,14 @@ PreparedCourses::PreparedCourses(const std::filesystem::path& vtc) : file_(vtc) 
   stream_.open(vtc, std::ios::binary);
 }
 
+PreparedCourses::PreparedCourses(std::shared_ptr<const tav::LoadedVtc> vtc)
+    : loaded_(std::move(vtc)), volumes_(loaded_->header().nrOfVolumes) {}
+
 std::vector<float> PreparedCourses::read(std::size_t voxel) {
+  if (loaded_ != nullptr) {
+    const float* const first = loaded_->floats() + voxel * static_cast<std::size_t>(volumes_);
+    return {first, first + volumes_};
+  }
   std::vector<float> course(static_cast<std::size_t>(volumes_));
   const std::size_t bytes = course.size() * sizeof(float);
   stream_.clear();

@@ -15,8 +15,6 @@
 namespace study {
 namespace {
 
-namespace fs = std::filesystem;
-
 enum class Course { kUsable, kNotFinite, kZero };
 constexpr std::array<const char*, 3> kReasonWords = {"",
                                                      "with values that are not finite in single precision",
@@ -51,14 +49,11 @@ class Sieve {
   Sieve(const StudyPlan& plan, const Region& region)
       : plan_(plan), region_(region), courses_(static_cast<std::size_t>(region.voxels()), Course::kUsable) {}
 
-  void lookAt(const RunPlan& run) {
-    const fs::path vtc = plan_.workFolder / run.vtcName;
-    const auto sidecar = formats::readVtcSidecar(vtc.string());
-    PreparedCourses prepared(vtc);
+  void lookAt(const RunPlan& run, PreparedCourses prepared, double shift) {
     bool isAny = false;
     for (std::size_t i = 0; i < courses_.size(); ++i) {
       if (courses_[i] != Course::kUsable) continue;
-      courses_[i] = judge(prepared.read(indexOf(i)), sidecar ? sidecar->shift : 0);
+      courses_[i] = judge(prepared.read(indexOf(i)), shift);
       isAny = isAny || courses_[i] != Course::kUsable;
     }
     if (isAny) runs_ += fmt::format("{}'{}'", runs_.empty() ? "" : ", ", run.request.name);
@@ -116,14 +111,25 @@ class Sieve {
 
 }  // namespace
 
-UsableRegion usableRegion(const StudyPlan& plan, std::size_t region) {
+UsableRegion usableRegion(const StudyPlan& plan, std::size_t region, const OpenCourses& open,
+                          const std::function<double(const RunPlan&)>& shiftOf) {
   if (plan.request.settings.method == Method::kPlugin) return {plan.regions[region], {}};
   Sieve sieve(plan, plan.regions[region]);
   const std::set<std::string> sources = sourceRuns(plan);
   for (const RunPlan& run : plan.runs) {
-    if (sources.count(run.request.name) > 0) sieve.lookAt(run);
+    if (sources.count(run.request.name) > 0) sieve.lookAt(run, open(run), shiftOf(run));
   }
   return sieve.result();
+}
+
+UsableRegion usableRegion(const StudyPlan& plan, std::size_t region) {
+  const auto vtcOf = [&plan](const RunPlan& run) { return plan.workFolder / run.vtcName; };
+  return usableRegion(
+      plan, region, [&](const RunPlan& run) { return PreparedCourses(vtcOf(run)); },
+      [&](const RunPlan& run) {
+        const auto sidecar = formats::readVtcSidecar(vtcOf(run).string());
+        return sidecar ? sidecar->shift : 0.0;
+      });
 }
 
 std::vector<UsableRegion> usableRegions(const StudyPlan& plan, const std::vector<std::size_t>& regions) {

@@ -4,9 +4,11 @@
 #define TAVMAP_STUDY_USABLE_REGION_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "study/prepared_courses.h"
 #include "study/study_plan.h"
 
 namespace study {
@@ -21,6 +23,11 @@ struct UsableRegion {
 // method "plugin" the region stays as it is. Throws InputError when less than half is left, and
 // formats::FileError.
 [[nodiscard]] UsableRegion usableRegion(const StudyPlan& plan, std::size_t region);
+
+// The same with courses from elsewhere, at present in memory; shiftOf: the constant that the import of a run
+// added to its values.
+[[nodiscard]] UsableRegion usableRegion(const StudyPlan& plan, std::size_t region, const OpenCourses& open,
+                                        const std::function<double(const RunPlan&)>& shiftOf);
 
 // One after the other.
 [[nodiscard]] std::vector<UsableRegion> usableRegions(const StudyPlan& plan,

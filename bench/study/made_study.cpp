@@ -29,13 +29,13 @@ double radius(const formats::GridSize& size, int x, int y, int z) {
   return std::hypot(2.0 * x / size.x - 1, 2.0 * y / size.y - 1, 2.0 * z / size.z - 1);
 }
 
-std::vector<float> baseOf(const formats::GridSize& size) {
+std::vector<float> baseOf(const formats::GridSize& size, bool isWhole) {
   std::vector<float> base;
   for (int z = 0; z < size.z; ++z) {
     for (int y = 0; y < size.y; ++y) {
       for (int x = 0; x < size.x; ++x) {
         const double r = radius(size, x, y, z);
-        base.push_back(static_cast<float>(r < 0.96 ? 900 + 300 * std::cos(4 * r) : 15));
+        base.push_back(static_cast<float>(isWhole || r < 0.96 ? 900 + 300 * std::cos(4 * r) : 15));
       }
     }
   }
@@ -44,7 +44,7 @@ std::vector<float> baseOf(const formats::GridSize& size) {
 
 void writeBold(const fs::path& path, const MadeRun& run) {
   formats::NiftiWriter writer(path.string(), headerOf(run));
-  const std::vector<float> base = baseOf(run.size);
+  const std::vector<float> base = baseOf(run.size, run.isWhole);
   std::vector<float> state(base.size(), 0.0F), volume(base.size());
   std::minstd_rand random(7);
   const auto uniform = [&] { return static_cast<float>(random() % 4096) / 2048.0F - 1.0F; };

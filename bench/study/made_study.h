@@ -14,6 +14,7 @@ struct MadeRun {
   formats::GridSize size;
   int volumes;
   formats::DataType type;
+  bool isWhole = false;  // every voxel is one of the brain
 };
 
 // An autoregressive course in each voxel of an ellipsoid that nearly fills the grid, a base of about

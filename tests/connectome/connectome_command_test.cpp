@@ -46,7 +46,7 @@ TEST_F(ConnectomeCommand, FindsThatRegionADrivesRegionB) {
   EXPECT_NE(contentOf(results() / "small_contrast-whole_edges.tsv").find("A\tB"), std::string::npos);
   EXPECT_TRUE(std::filesystem::exists(results() / "small_connectome.html"));
   const std::string svg = contentOf(results() / "figures" / fmt::format("{}_relmat.svg", kInfluence));
-  EXPECT_NE(svg.find("</image><rect"), std::string::npos) << "shapes that are not closed hide what follows";
+  EXPECT_NE(svg.find("</image><text"), std::string::npos) << "shapes that are not closed hide what follows";
   EXPECT_NE(svg.find("</text></svg>"), std::string::npos);
   EXPECT_TRUE(std::filesystem::exists(results() / "figures" / fmt::format("{}_relmat.png", kInfluence)));
 }

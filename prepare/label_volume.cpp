@@ -1,5 +1,6 @@
 #include "prepare/label_volume.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "request/problem.h"
@@ -45,6 +46,19 @@ void forEachVoxel(const Box& box, Action&& action) {
       for (int i = box.low[0]; i <= box.high[0]; ++i) action(Voxel{i, j, k});
     }
   }
+}
+
+// What of the grid a sphere can reach, with a voxel to spare on each side; all of it for a sphere that nobody
+// counts.
+Box boxInGrid(const formats::Point& centreMm, double radiusMm, const Grid& grid) {
+  const Voxel last = {grid.size.x - 1, grid.size.y - 1, grid.size.z - 1};
+  Box box;
+  if (formats::determinant(grid.affine) != 0) box = boxAround(centreMm, radiusMm, grid);
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    box.low[axis] = box.isSensible ? std::max(box.low[axis] - 1, 0) : 0;
+    box.high[axis] = box.isSensible ? std::min(box.high[axis] + 1, last[axis]) : last[axis];
+  }
+  return box;
 }
 
 void count(bool isInside, Reach& reach) {
@@ -96,6 +110,14 @@ bool isInSphere(const formats::Point& centreMm, double radiusMm, const Grid& gri
     squares += (mm[axis] - centreMm[axis]) * (mm[axis] - centreMm[axis]);
   }
   return squares <= radiusMm * radiusMm;
+}
+
+std::vector<std::size_t> voxelsInSphere(const formats::Point& centreMm, double radiusMm, const Grid& grid) {
+  std::vector<std::size_t> voxels;
+  forEachVoxel(boxInGrid(centreMm, radiusMm, grid), [&](const Voxel& voxel) {
+    if (isInSphere(centreMm, radiusMm, grid, voxel)) voxels.push_back(grid.size.index(voxel));
+  });
+  return voxels;
 }
 
 Reach reachOfSphere(const formats::Point& centreMm, double radiusMm, const Grid& grid) {

@@ -44,6 +44,9 @@ struct Reach {
 // Whether the voxel's centre lies within the radius, borders included.
 [[nodiscard]] bool isInSphere(const formats::Point& centreMm, double radiusMm, const Grid& grid,
                               const std::array<int, 3>& voxel);
+// Indices of the grid's voxels in the sphere, ascending.
+[[nodiscard]] std::vector<std::size_t> voxelsInSphere(const formats::Point& centreMm, double radiusMm,
+                                                      const Grid& grid);
 // Of a sphere, on the grid as if it went on beyond its ends; all inside for one of more than 300 voxels.
 [[nodiscard]] Reach reachOfSphere(const formats::Point& centreMm, double radiusMm, const Grid& grid);
 

@@ -236,10 +236,8 @@ Region maskRegion(const ReferenceRequest& request, const LabelVolume& image, con
 
 Region sphereRegion(const ReferenceRequest& request, const RegionSpace& space, const std::string& where) {
   Collector collector(request.name, space, reachOfSphere(request.centreMm, request.radiusMm, space.grid));
-  for (std::size_t i = 0; i < space.grid.size.voxels(); ++i) {
-    if (isInSphere(request.centreMm, request.radiusMm, space.grid, space.grid.size.voxelAt(i)))
-      collector.add(i);
-  }
+  for (const std::size_t voxel : voxelsInSphere(request.centreMm, request.radiusMm, space.grid))
+    collector.add(voxel);
   Region region = collector.finish(where);
   region.source.kind = ReferenceKind::kSphere;
   region.source.centreMm = request.centreMm;

@@ -38,5 +38,25 @@ TEST(ReachOfSphere, CountsTheVoxelsThatTheGridWouldHaveIfItWentOn) {
   EXPECT_EQ(reachOfSphere({2, 2, 2}, 1e5, cube).shareInside(), 1);
 }
 
+TEST(VoxelsInSphere, AreThoseOfAllVoxelsThatLieInIt) {
+  Grid oblique;
+  oblique.size = {14, 11, 9};
+  oblique.affine.m = {-2.1, 0.4, 0.1, 12, 0.3, 2.6, -0.5, -9, 0.2, 0.6, 3.1, -14, 0, 0, 0, 1};
+  Grid cube;
+  cube.size = {7, 7, 7};
+  for (const Grid& grid : {oblique, cube}) {
+    for (const double radius : {0.0, 1.0, 2.0, 5.5, 9.0, 400.0}) {
+      for (std::size_t centre = 0; centre < grid.size.voxels(); centre += 37) {
+        const auto mm = grid.toMm(grid.size.voxelAt(centre));
+        std::vector<std::size_t> expected;
+        for (std::size_t voxel = 0; voxel < grid.size.voxels(); ++voxel)
+          if (isInSphere(mm, radius, grid, grid.size.voxelAt(voxel))) expected.push_back(voxel);
+        ASSERT_EQ(voxelsInSphere(mm, radius, grid), expected) << radius << " at " << centre;
+      }
+    }
+  }
+  EXPECT_TRUE(voxelsInSphere({1e7, 0, 0}, 3, cube).empty());
+}
+
 }  // namespace
 }  // namespace study

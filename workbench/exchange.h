@@ -17,6 +17,9 @@ namespace workbench {
 
 class EventStream;
 
+// Statuses that endpoints give themselves.
+inline constexpr int kAccepted = 202, kBadRequest = 400, kConflict = 409;
+
 // Thrown by endpoints: the status and, in words, what is wrong, where, and what to do.
 struct Refusal : std::runtime_error {
   Refusal(int code, const std::string& message) : std::runtime_error(message), status(code) {}

@@ -19,8 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr int kConflict = 409;
-
 const char* stateName(int state) {
   constexpr const char* kNames[] = {"none", "choosing", "loading", "ready", "failed"};
   return kNames[state];

@@ -23,7 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr int kBadRequest = 400, kConflict = 409;
 constexpr const char* kOutside = "outside the mask";
 // Directions of more voxels would keep a page waiting for seconds.
 constexpr std::size_t kMostDirections = 3000;

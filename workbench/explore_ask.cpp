@@ -16,34 +16,34 @@ namespace {
 using Json = nlohmann::ordered_json;
 using study::ReferenceKind;
 
-constexpr int kBadRequest = 400;
 constexpr int kHighestOrder = 20, kMostDraws = 100;  // as requests have them (request/settings_table.cpp)
 
-[[noreturn]] void refuse(const std::string& what) {
+[[noreturn]] void refuseAsk(const std::string& what) {
   throw Refusal(kBadRequest, what);
 }
 
 const Json& memberOf(const Json& json, const char* key) {
-  if (!json.is_object() || !json.contains(key)) refuse(fmt::format("'{}' is missing", key));
+  if (!json.is_object() || !json.contains(key)) refuseAsk(fmt::format("'{}' is missing", key));
   return json[key];
 }
 
 double finiteNumber(const Json& json, const char* what) {
-  if (!json.is_number() || !std::isfinite(json.get<double>())) refuse(fmt::format("'{}' is no number", what));
+  if (!json.is_number() || !std::isfinite(json.get<double>()))
+    refuseAsk(fmt::format("'{}' is no number", what));
   return json.get<double>();
 }
 
 int integerWithin(const Json& json, const char* what, int first, int last) {
   if (!json.is_number_integer() || json.get<std::int64_t>() < first || json.get<std::int64_t>() > last)
-    refuse(fmt::format("'{}' is no whole number from {} to {}", what, first, last));
+    refuseAsk(fmt::format("'{}' is no whole number from {} to {}", what, first, last));
   return json.get<int>();
 }
 
 std::vector<std::size_t> cellsFrom(const Json& json) {
-  if (!json.is_array()) refuse("'cells' is no list");
+  if (!json.is_array()) refuseAsk("'cells' is no list");
   std::vector<std::size_t> cells;
   for (const Json& cell : json) {
-    if (!cell.is_number_unsigned()) refuse("'cells' has something else than cells of the grid, from 0");
+    if (!cell.is_number_unsigned()) refuseAsk("'cells' has something else than cells of the grid, from 0");
     cells.push_back(cell.get<std::size_t>());
   }
   std::sort(cells.begin(), cells.end());
@@ -65,7 +65,7 @@ live::Reference referenceFrom(const Json& json) {
     reference.kind = ReferenceKind::kVoxels;
     reference.cells = cellsFrom(memberOf(json, "cells"));
   } else {
-    refuse(fmt::format("a reference of kind '{}' is unknown; there are sphere, label and voxels", kind));
+    refuseAsk(fmt::format("a reference of kind '{}' is unknown; there are sphere, label and voxels", kind));
   }
   return reference;
 }
@@ -74,14 +74,14 @@ tav::MapType typeFrom(const Json& json) {
   const std::string name = json.is_string() ? json.get<std::string>() : "";
   for (int type = 0; type < static_cast<int>(tav::kNrOfMapTypes); ++type)
     if (name == tav::mapKind(static_cast<tav::MapType>(type)).keyword) return static_cast<tav::MapType>(type);
-  refuse(fmt::format("there is no map '{}'", name));
+  refuseAsk(fmt::format("there is no map '{}'", name));
 }
 
 std::vector<std::string> namesFrom(const Json& json, const char* what) {
-  if (!json.is_array()) refuse(fmt::format("'{}' is no list of names", what));
+  if (!json.is_array()) refuseAsk(fmt::format("'{}' is no list of names", what));
   std::vector<std::string> names;
   for (const Json& name : json) {
-    if (!name.is_string()) refuse(fmt::format("'{}' has something else than names", what));
+    if (!name.is_string()) refuseAsk(fmt::format("'{}' has something else than names", what));
     names.push_back(name.get<std::string>());
   }
   return names;
@@ -92,7 +92,7 @@ std::vector<std::string> confoundsFrom(const Json& json) {
   const std::string preset = json.is_string() ? json.get<std::string>() : "";
   if (preset.empty() || preset == "none") return {};
   const std::string problem = study::confoundTermProblem(preset);
-  if (!problem.empty()) refuse(problem);
+  if (!problem.empty()) refuseAsk(problem);
   return {preset};
 }
 
@@ -102,13 +102,13 @@ void keepRuns(const std::vector<std::string>& names, study::Request& request) {
     return std::find(names.begin(), names.end(), name) == names.end();
   };
   std::erase_if(request.runs, [&](const study::RunRequest& run) { return isLeft(run.name); });
-  if (request.runs.empty()) refuse("no run is left; choose at least one");
+  if (request.runs.empty()) refuseAsk("no run is left; choose at least one");
   for (study::ConditionRequest& condition : request.conditions)
     std::erase_if(condition.parts, [&](const study::ConditionPart& part) {
       return isLeft(part.source) || isLeft(part.target);
     });
   std::erase_if(request.conditions, [](const study::ConditionRequest& one) { return one.parts.empty(); });
-  if (request.conditions.empty()) refuse("no condition is left; choose further runs");
+  if (request.conditions.empty()) refuseAsk("no condition is left; choose further runs");
 }
 
 void censor(const Json& json, study::RunRequest& run) {
@@ -120,7 +120,8 @@ void censor(const Json& json, study::RunRequest& run) {
 
 std::array<double, 3> pointFrom(const Json& json, const char* key) {
   const Json& point = memberOf(json, key);
-  if (!point.is_array() || point.size() != 3) refuse(fmt::format("'{}' is no point of three numbers", key));
+  if (!point.is_array() || point.size() != 3)
+    refuseAsk(fmt::format("'{}' is no point of three numbers", key));
   return {finiteNumber(point[0], key), finiteNumber(point[1], key), finiteNumber(point[2], key)};
 }
 
@@ -130,7 +131,7 @@ live::Ask askFrom(const Json& json, const live::LoadedStudy& study) {
                 own.nullDraws, own.mapTypes};
   if (json.contains("types")) {
     const Json& types = json["types"];
-    if (!types.is_array() || types.empty()) refuse("'types' is no list of maps");
+    if (!types.is_array() || types.empty()) refuseAsk("'types' is no list of maps");
     ask.types.clear();
     for (const Json& type : types) ask.types.insert(typeFrom(type));
   }

@@ -13,7 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 using study::ReferenceKind;
 using study::ReferenceRequest;
-using study::Request;
 
 ReferenceRequest atlasEntry(const ExploreSources& sources) {
   ReferenceRequest entry;
@@ -26,7 +25,7 @@ ReferenceRequest atlasEntry(const ExploreSources& sources) {
 
 // References of a request are not explored one by one: its first label image is the atlas, unless one was
 // named.
-void takeSources(const ExploreSources& sources, const fs::path& output, Request& request) {
+void takeSources(const ExploreSources& sources, const fs::path& output, study::Request& request) {
   const auto isAtlas = [](const ReferenceRequest& entry) { return entry.kind == ReferenceKind::kLabels; };
   const auto found = std::find_if(request.references.begin(), request.references.end(), isAtlas);
   std::vector<ReferenceRequest> references;
@@ -47,8 +46,8 @@ void takeSources(const ExploreSources& sources, const fs::path& output, Request&
     request.output.folder = sources.workFolder / "results";
 }
 
-Request requestOfFiles(const ExploreSources& sources) {
-  Request request;
+study::Request requestOfFiles(const ExploreSources& sources) {
+  study::Request request;
   request.title = sources.bold.filename().string();
   request.output.prefix = "explored";
   study::RunRequest run;
@@ -78,7 +77,7 @@ study::RequestTemplate templateWithReference() {
   return made;
 }
 
-std::vector<Request> requestsOfDataSet(const ExploreSources& sources, const fs::path& output) {
+std::vector<study::Request> requestsOfDataSet(const ExploreSources& sources, const fs::path& output) {
   study::BidsOptions options;
   options.bidsDir = sources.bids;
   options.outDir = output.empty() ? sources.workFolder / "results" : output;
@@ -93,7 +92,7 @@ std::vector<Request> requestsOfDataSet(const ExploreSources& sources, const fs::
 }  // namespace
 
 std::vector<ExploreChoice> exploreChoices(const ExploreSources& sources, const fs::path& output) {
-  std::vector<Request> requests;
+  std::vector<study::Request> requests;
   if (!sources.request.empty())
     requests = {study::readRequestFile(sources.request)};
   else if (!sources.bold.empty())
@@ -101,7 +100,7 @@ std::vector<ExploreChoice> exploreChoices(const ExploreSources& sources, const f
   else if (!sources.bids.empty())
     requests = requestsOfDataSet(sources, output);
   std::vector<ExploreChoice> choices;
-  for (Request& request : requests) {
+  for (study::Request& request : requests) {
     takeSources(sources, output, request);
     const std::string words = fs::path(request.title).filename().string();
     choices.push_back({std::to_string(choices.size()), words, std::move(request)});

@@ -8,8 +8,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kAccepted = 202;
-
 Reply cellsReply(const Explore& explore) {
   const std::vector<std::uint32_t> cells = explore.study()->cells;
   std::string bytes(cells.size() * sizeof(std::uint32_t), '\0');

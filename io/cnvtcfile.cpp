@@ -94,7 +94,7 @@ bool fits31Bits(std::int64_t a, std::int64_t b, std::int64_t c) {
 }  // namespace
 
 bool readVTCHeader(std::FILE* file, VTC_Header& header) {
-  header.dataType = 1;  // version 2 has no such field and holds 16-bit data
+  header.dataType = kVtcShortData;  // version 2 has no such field and holds 16-bit data
   FieldReader fields(file);
   if (!readFields(fields, header)) return false;
   header.dataOffset = static_cast<std::int32_t>(std::ftell(file));

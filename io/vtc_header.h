@@ -7,7 +7,7 @@
 #include <cstdint>
 
 inline constexpr int kVtcNameBytes = 261;  // 260 characters and the terminating zero
-inline constexpr std::int32_t kVtcFloatData = 2;
+inline constexpr std::int32_t kVtcShortData = 1, kVtcFloatData = 2;
 
 struct VTC_Header {
   // Byte position of the first data value. -1 in a header from the host: no VTC is linked.

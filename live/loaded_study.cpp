@@ -77,7 +77,7 @@ void readSeries(LoadedStudy& study, const LoadOptions& options) {
     const std::string path = (study.plan.workFolder / run.vtcName).string();
     auto vtc = tav::LoadedVtc::read(path, errors, options.cancel);
     if (vtc == nullptr) throw study::RunError(errors.str());
-    study.bytes += tav::LoadedVtc::bytesOf(vtc->header());
+    study.bytes += vtc->bytes();
     study.vtcs[run.vtcName] = std::move(vtc);
     const auto sidecar = formats::readVtcSidecar(path);
     study.shifts[run.vtcName] = sidecar ? sidecar->shift : 0;

@@ -21,8 +21,9 @@ PreparedCourses::PreparedCourses(std::shared_ptr<const tav::LoadedVtc> vtc)
 
 std::vector<float> PreparedCourses::read(std::size_t voxel) {
   if (loaded_ != nullptr) {
-    const float* const first = loaded_->floats() + voxel * static_cast<std::size_t>(volumes_);
-    return {first, first + volumes_};
+    const std::size_t first = voxel * static_cast<std::size_t>(volumes_);
+    if (loaded_->floats() == nullptr) return {loaded_->shorts() + first, loaded_->shorts() + first + volumes_};
+    return {loaded_->floats() + first, loaded_->floats() + first + volumes_};
   }
   std::vector<float> course(static_cast<std::size_t>(volumes_));
   const std::size_t bytes = course.size() * sizeof(float);

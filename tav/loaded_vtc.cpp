@@ -1,7 +1,10 @@
 #include "tav/loaded_vtc.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <limits>
+#include <vector>
 
 #include "io/cnvtcfile.h"
 #include "tav/at_once.h"
@@ -28,6 +31,12 @@ bool readBytes(std::FILE* file, std::size_t count, const std::atomic<bool>* canc
   return true;
 }
 
+// Whether 16 bits hold the very value: not a negative zero.
+bool isWhole(float value) {
+  return value >= 0 && value <= std::numeric_limits<std::uint16_t>::max() && !std::signbit(value) &&
+         static_cast<float>(static_cast<std::uint16_t>(value)) == value;
+}
+
 // A header that promises more than the file has must cost no memory.
 bool holds(std::FILE* file, const VTC_Header& header) {
   if (std::fseek(file, 0, SEEK_END) != 0) return false;
@@ -42,6 +51,32 @@ std::size_t LoadedVtc::bytesOf(const VTC_Header& header) {
   return gridOf(header).voxels() * static_cast<std::size_t>(header.nrOfVolumes) * valueBytes(header);
 }
 
+// As whole numbers as long as there are no others.
+bool LoadedVtc::readFloats(std::FILE* file, std::size_t count, const std::atomic<bool>* cancel) {
+  constexpr std::size_t kAtOnce = kBytesAtOnce / sizeof(float);
+  std::vector<float> some(std::min(kAtOnce, count));
+  shorts_ = std::make_unique_for_overwrite<std::uint16_t[]>(count);
+  for (std::size_t done = 0; done < count; done += some.size()) {
+    some.resize(std::min(kAtOnce, count - done));
+    if (!readBytes(file, some.size() * sizeof(float), cancel, some.data())) return false;
+    if (!std::all_of(some.begin(), some.end(), isWhole)) {
+      floats_ = std::make_unique_for_overwrite<float[]>(count);
+      std::copy(some.begin(), some.end(), std::copy_n(shorts_.get(), done, floats_.get()));
+      shorts_.reset();
+      done += some.size();
+      return readBytes(file, (count - done) * sizeof(float), cancel, floats_.get() + done);
+    }
+    std::copy(some.begin(), some.end(), shorts_.get() + done);
+  }
+  header_.dataType = kVtcShortData;
+  return true;
+}
+
+bool LoadedVtc::readShorts(std::FILE* file, std::size_t count, const std::atomic<bool>* cancel) {
+  shorts_ = std::make_unique_for_overwrite<std::uint16_t[]>(count);
+  return readBytes(file, count * sizeof(std::uint16_t), cancel, shorts_.get());
+}
+
 std::shared_ptr<const LoadedVtc> LoadedVtc::read(const std::string& path, std::ostream& errors,
                                                  const std::atomic<bool>* cancel) {
   const OpenFile file(std::fopen(path.c_str(), "rb"));
@@ -53,16 +88,10 @@ std::shared_ptr<const LoadedVtc> LoadedVtc::read(const std::string& path, std::o
     return nullptr;
   }
   const std::shared_ptr<LoadedVtc> vtc(new LoadedVtc(header));
-  const std::size_t bytes = bytesOf(header), values = bytes / valueBytes(header);
-  void* place = nullptr;
-  if (header.dataType == kVtcFloatData) {
-    vtc->floats_ = std::make_unique_for_overwrite<float[]>(values);
-    place = vtc->floats_.get();
-  } else {
-    vtc->shorts_ = std::make_unique_for_overwrite<std::uint16_t[]>(values);
-    place = vtc->shorts_.get();
-  }
-  if (readBytes(file.get(), bytes, cancel, place)) return vtc;
+  const std::size_t values = bytesOf(header) / valueBytes(header);
+  const bool isFloat = header.dataType == kVtcFloatData;
+  if (isFloat ? vtc->readFloats(file.get(), values, cancel) : vtc->readShorts(file.get(), values, cancel))
+    return vtc;
   errors << "Could not read data from vtc '" << path << "'; look at its disk and try again";
   return nullptr;
 }

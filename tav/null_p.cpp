@@ -40,28 +40,42 @@ std::vector<std::uint32_t> distinctOrdersOf(const MapSource& map) {
   return orders;
 }
 
+constexpr std::size_t kValuesAtOnce = 4096;  // they stay in the nearest cache
+
+// Those of the piece, in place of what `orders` had. Without a branch on values.
+void keepOrders(MapSource::Piece piece, float scale, std::vector<std::uint32_t>& orders) {
+  orders.resize(piece.size());
+  std::size_t kept = 0;
+  for (const float value : piece) {
+    orders[kept] = orderOf(value * scale);
+    kept += isValue(value) ? 1U : 0U;
+  }
+  orders.resize(kept);
+}
+
 // Counts how many null values reach each of the observed ones.
 class ReachCounts {
  public:
-  explicit ReachCounts(const MapSource& observed)
-      : observed_(distinctOrdersOf(observed)), reached_(observed_.size() + 1) {}
+  explicit ReachCounts(const MapSource& observed) : observed_(distinctOrdersOf(observed)) {}
 
   void add(const MapSource& null) {
+    std::vector<std::uint32_t> orders;
     null.forEachPiece([&, scale = null.scale()](MapSource::Piece piece) {
-      for (const float value : piece)
-        if (isValue(value)) ++reached_[observed_.countUpTo(orderOf(value * scale))];
+      for (; !piece.empty(); piece = piece.subspan(std::min(piece.size(), kValuesAtOnce))) {
+        keepOrders(piece.first(std::min(piece.size(), kValuesAtOnce)), scale, orders);
+        observed_.tally(orders);
+        nrOfNulls_ += orders.size();
+      }
     });
   }
 
   // p of every magnitude that was observed, in ascending order.
   [[nodiscard]] std::vector<float> pValues() const {
-    std::size_t count = 0;
-    for (const std::size_t some : reached_) count += some;
     std::vector<float> p(observed_.size());
     std::size_t reaching = 0;
     for (std::size_t i = observed_.size(); i-- > 0;) {
-      reaching += reached_[i + 1];
-      p[i] = static_cast<float>(static_cast<double>(1 + reaching) / static_cast<double>(1 + count));
+      reaching += observed_.tallied(i + 1);
+      p[i] = static_cast<float>(static_cast<double>(1 + reaching) / static_cast<double>(1 + nrOfNulls_));
     }
     return p;
   }
@@ -70,7 +84,7 @@ class ReachCounts {
 
  private:
   RankTable observed_;
-  std::vector<std::uint32_t> reached_;  // null values that reach this many observed ones
+  std::size_t nrOfNulls_ = 0;
 };
 
 }  // namespace

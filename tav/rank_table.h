@@ -1,9 +1,10 @@
-// Where numbers stand among many others, in about the time of three reads from memory.
+// Where numbers stand among many others, and how many of them stand where.
 #ifndef TAVMAP_TAV_RANK_TABLE_H
 #define TAVMAP_TAV_RANK_TABLE_H
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace tav {
@@ -13,25 +14,22 @@ namespace tav {
 class RankTable {
  public:
   // Fewer than 2^31 numbers, ascending.
-  explicit RankTable(std::vector<std::uint32_t> ascending);
+  explicit RankTable(const std::vector<std::uint32_t>& ascending);
 
   [[nodiscard]] std::size_t size() const { return size_; }
   // How many of the numbers are at most `value`.
-  [[nodiscard]] std::size_t countUpTo(std::uint32_t value) const {
-    if (size_ == 0 || value < numbers_.front()) return 0;
-    if (value >= numbers_[size_ - 1]) return size_;
-    const std::uint32_t distance = value - numbers_.front();
-    const Cell cell = cells_[distance >> cellShift_];
-    const std::size_t first = firsts_[cell.offset + ((distance & cellMask_) >> cell.shift)];
-    // Two comparisons without a branch, which nothing could foresee, are nearly always enough.
-    const std::uint32_t* const at = numbers_.data() + first;
-    const std::size_t few =
-        static_cast<std::size_t>(at[0] <= value) + static_cast<std::size_t>(at[1] <= value);
-    return few < 2 ? first + few : searched(value, first + few);
-  }
+  [[nodiscard]] std::size_t countUpTo(std::uint32_t value) const;
   // How many of the numbers are below `value`.
   [[nodiscard]] std::size_t countBelow(std::uint32_t value) const {
     return value == 0 ? 0 : countUpTo(value - 1);
+  }
+
+  // Notes of each value how many numbers are at most it. Where these stand in memory is found for many values
+  // at a time: one by one, each would wait for it.
+  void tally(std::span<const std::uint32_t> values);
+  // Tallied values for which that was `rank`, from 0 to size().
+  [[nodiscard]] std::uint32_t tallied(std::size_t rank) const {
+    return rank == 0 ? talliedBelowAll_ : entries_[rank - 1].tallied;
   }
 
  private:
@@ -39,15 +37,24 @@ class RankTable {
     std::uint32_t offset = 0;  // of its first fine cell
     std::uint32_t shift = 0;   // from a distance within the cell to the fine cell
   };
+  // A number, and values that reach it but not the next one.
+  struct Entry {
+    std::uint32_t number;
+    std::uint32_t tallied = 0;
+  };
   void divide(std::size_t cell, std::size_t first, std::size_t end);
+  void tallyBatch(std::span<const std::uint32_t> values);
+  [[nodiscard]] std::size_t fineCellOf(std::uint32_t value) const;
   [[nodiscard]] std::size_t searched(std::uint32_t value, std::size_t first) const;
 
   std::size_t size_;
-  std::vector<std::uint32_t> numbers_;  // ascending, and two of the largest behind them
+  std::uint32_t least_ = 0, most_ = 0;
+  std::vector<Entry> entries_;  // ascending, and two of the largest number behind them
   std::vector<Cell> cells_;
   std::vector<std::uint32_t> firsts_;  // per fine cell: index of the first number in it or behind it
   unsigned cellShift_ = 0;
   std::uint32_t cellMask_ = 0;
+  std::uint32_t talliedBelowAll_ = 0;
 };
 
 }  // namespace tav

@@ -137,7 +137,7 @@ class MapTransfer {
       for (std::size_t i = first; i < end; ++i) {
         if (!take(types[i], index + static_cast<int>(i), maps)) return kTerminalError;
       }
-      shareOut(maps.size(), options_.threads, [&](std::size_t i) { compute(maps[i]); });
+      compute(maps);
       for (MapInHand& map : maps) {
         store_.describe(map.index,
                         headerOf(mapKind(map.outcome.type), cond_.name, request_, map.outcome.thresholds));
@@ -170,13 +170,29 @@ class MapTransfer {
     return true;
   }
 
-  // Several threads do so at the same time.
-  void compute(MapInHand& inHand) const {
-    MapOutcome& map = inHand.outcome;
-    computeMapValues(map.type, raw_, request_, inHand.values);
+  // p takes longest and comes first, so that threads end together, also with a single map.
+  void compute(std::vector<MapInHand>& maps) const {
+    shareOut(maps.size(), options_.threads, [&](std::size_t i) {
+      computeMapValues(maps[i].outcome.type, raw_, request_, maps[i].values);
+    });
+    shareOut(2 * maps.size(), options_.threads, [&](std::size_t task) {
+      MapOutcome& map = maps[task % maps.size()].outcome;
+      if (task < maps.size()) {
+        computeP(map);
+      } else {
+        judge(map);
+      }
+    });
+  }
+
+  void computeP(MapOutcome& map) const {
+    if (options_.nullP && mapKind(map.type).range.isSearched)
+      map.nullP = pValues(map.type, {map.values, raw_.size});
+  }
+
+  void judge(MapOutcome& map) const {
     const bool isSearched = mapKind(map.type).range.isSearched;
     if (isSearched) map.thresholds = search(map.type, {map.values, raw_.size});
-    if (isSearched && options_.nullP) map.nullP = pValues(map.type, {map.values, raw_.size});
     if (isSearched && options_.searchCurve) map.search = curve(map);
     const auto measure = measureOf(map.type);
     if (measure && options_.nullZ) map.nullZ = nullZ(*measure, raw_, {nulls_, status_, options_.nullDraws});

@@ -14,6 +14,19 @@ using Numbers = std::vector<std::uint32_t>;
 
 constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
 
+// The same counts when many values are tallied together.
+void expectTallies(const Numbers& ascending, const Numbers& values) {
+  Numbers expected(ascending.size() + 1, 0);
+  for (const std::uint32_t value : values)
+    ++expected[static_cast<std::size_t>(std::upper_bound(ascending.begin(), ascending.end(), value) -
+                                        ascending.begin())];
+  tav::RankTable table(ascending);
+  table.tally({values.data(), values.size() / 3});
+  table.tally({values.data() + values.size() / 3, values.size() - values.size() / 3});
+  for (std::size_t rank = 0; rank <= ascending.size(); ++rank)
+    ASSERT_EQ(table.tallied(rank), expected[rank]) << rank;
+}
+
 // Every count at every number, beside it and at the ends of the range.
 void expectCounts(Numbers numbers) {
   std::sort(numbers.begin(), numbers.end());
@@ -28,6 +41,7 @@ void expectCounts(Numbers numbers) {
     ASSERT_EQ(table.countBelow(value), static_cast<std::size_t>(below)) << value;
     ASSERT_EQ(table.countUpTo(value), static_cast<std::size_t>(upTo)) << value;
   }
+  expectTallies(numbers, asked);
 }
 
 TEST(RankTable, CountsWhereThereAreNoneOrOne) {

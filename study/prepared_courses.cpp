@@ -22,7 +22,8 @@ PreparedCourses::PreparedCourses(std::shared_ptr<const tav::LoadedVtc> vtc)
 std::vector<float> PreparedCourses::read(std::size_t voxel) {
   if (loaded_ != nullptr) {
     const std::size_t first = voxel * static_cast<std::size_t>(volumes_);
-    if (loaded_->floats() == nullptr) return {loaded_->shorts() + first, loaded_->shorts() + first + volumes_};
+    if (loaded_->floats() == nullptr)
+      return {loaded_->shorts() + first, loaded_->shorts() + first + volumes_};
     return {loaded_->floats() + first, loaded_->floats() + first + volumes_};
   }
   std::vector<float> course(static_cast<std::size_t>(volumes_));

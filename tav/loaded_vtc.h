@@ -15,8 +15,8 @@
 namespace tav {
 
 // Header and values of one file. Never changes, so that any number of runs and threads share it. Floats that
-// all are whole numbers of 16 bits, as most scanners write them, are kept as such, and the header says so: the
-// same values in half of the memory, and a pass over them takes half of the time.
+// all are whole numbers of 16 bits, as most scanners write them, are kept as such, and the header says so:
+// the same values in half of the memory, and a pass over them takes half of the time.
 class LoadedVtc {
  public:
   // Reads the file; null, with the reason in `errors`, when it cannot be read, its header is not usable or it

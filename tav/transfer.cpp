@@ -172,9 +172,8 @@ class MapTransfer {
 
   // p takes longest and comes first, so that threads end together, also with a single map.
   void compute(std::vector<MapInHand>& maps) const {
-    shareOut(maps.size(), options_.threads, [&](std::size_t i) {
-      computeMapValues(maps[i].outcome.type, raw_, request_, maps[i].values);
-    });
+    shareOut(maps.size(), options_.threads,
+             [&](std::size_t i) { computeMapValues(maps[i].outcome.type, raw_, request_, maps[i].values); });
     shareOut(2 * maps.size(), options_.threads, [&](std::size_t task) {
       MapOutcome& map = maps[task % maps.size()].outcome;
       if (task < maps.size()) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -30,10 +31,11 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
-// ".tavmap.PID-N.part" beside the final name, which no other file of this process gets. Without the final
+// ".tavmap.PID-N.part" beside the final name, which no other file of this process gets, whichever
+// thread asks. Without the final
 // name in it, since that may be as long as names can be.
 std::string nextTemporaryName(const std::string& path) {
-  static unsigned counter = 0;
+  static std::atomic<unsigned> counter = 0;
   const std::string name = fmt::format(".tavmap.{}-{}.part", ::getpid(), ++counter);
   return (std::filesystem::path(path).parent_path() / name).string();
 }

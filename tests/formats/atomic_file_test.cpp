@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <thread>
+#include <vector>
 
 #include "formats/system_calls.h"
 #include "tests/fakes/vtc_file.h"
@@ -35,6 +37,27 @@ TEST(AtomicFile, AppearsWithCommit) {
   file.commit();
   EXPECT_EQ(contentOf(folder.file("a.txt")), "one two");
   EXPECT_EQ(filesIn(folder), 1U);
+}
+
+// Names for the while are given out to threads that commit at the same time.
+TEST(AtomicFile, ThreadsDoNotMeetInAName) {
+  const Scratch folder;
+  constexpr int kThreads = 4, kFiles = 100;
+  const auto nameOf = [&](int thread, int file) {
+    return folder.file(std::to_string(thread) + "-" + std::to_string(file));
+  };
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (int file = 0; file < kFiles; ++file)
+        formats::writeTextFile(nameOf(thread, file), nameOf(thread, file));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (int thread = 0; thread < kThreads; ++thread)
+    for (int file = 0; file < kFiles; ++file)
+      ASSERT_EQ(contentOf(nameOf(thread, file)), nameOf(thread, file));
+  EXPECT_EQ(filesIn(folder), std::size_t{kThreads} * kFiles);
 }
 
 TEST(AtomicFile, LeavesNothingWithoutCommit) {

@@ -12,7 +12,7 @@ import { startServer } from "../fixtures/workbench/server.mjs";
 
 // In the page: notes when values and pictures of a move are there. Reading a pixel waits for the graphics.
 function watchDrags() {
-  const seen = { values: [], pictures: [], drafts: 0 };
+  const seen = { values: [], program: [], pictures: [], drafts: 0, isDrawing: true };
   window.tavmapSeen = seen;
   let moved = 0;
   let uploaded = null;
@@ -28,6 +28,8 @@ function watchDrags() {
     response.arrayBuffer = async () => {
       const buffer = await read();
       seen.values.push(performance.now() - stamp);
+      const header = new TextDecoder().decode(new Uint8Array(buffer, 4, new DataView(buffer).getUint32(0, true)));
+      seen.program.push(JSON.parse(header).elapsedMs);
       seen.drafts += 1;
       newest = stamp;
       return buffer;
@@ -41,10 +43,16 @@ function watchDrags() {
     newest = null;
     return upload.apply(this, all);
   };
+  for (const name of ["drawArrays", "drawElements"]) {
+    const draw = context[name];
+    context[name] = function (...all) {
+      if (seen.isDrawing) draw.apply(this, all);
+    };
+  }
   const finish = context.finish;
   context.finish = function () {
     finish.call(this);
-    if (uploaded === null) return;
+    if (uploaded === null || !seen.isDrawing) return;
     this.readPixels(0, 0, 1, 1, this.RGBA, this.UNSIGNED_BYTE, new Uint8Array(4));
     seen.pictures.push(performance.now() - uploaded);
     uploaded = null;
@@ -123,12 +131,26 @@ await page.goto(process.env.TAVMAP_ADDRESS ?? played.address);
 await page.waitForFunction(() => window.tavmapSeen.pictures.length > 0, null, { timeout: 600_000 });
 console.log(`start to first picture: ${Date.now() - started} ms`);
 await calibrated(page);
-await page.evaluate(() => Object.assign(window.tavmapSeen, { values: [], pictures: [], drafts: 0 }));
-const seconds = await drag(page, 15);
-const seen = await page.evaluate(() => window.tavmapSeen);
-line("mouse to values", seen.values);
-line("mouse to picture", seen.pictures);
-console.log(`maps per second while dragging: ${(seen.drafts / seconds).toFixed(1)}`);
+// Software that draws takes the processors that values need: these are also measured with nothing drawn.
+async function measured(isDrawing) {
+  await page.evaluate(
+    (drawing) =>
+      Object.assign(window.tavmapSeen, { values: [], program: [], pictures: [], drafts: 0, isDrawing: drawing }),
+    isDrawing,
+  );
+  const seconds = await drag(page, 15);
+  return { ...(await page.evaluate(() => window.tavmapSeen)), seconds };
+}
+const bare = await measured(false);
+line("mouse to values, nothing drawn", bare.values);
+line("of it the program", bare.program);
+await page.evaluate(() => Object.assign(window.tavmapSeen, { isDrawing: true }));
+await calibrated(page);
+const drawn = await measured(true);
+line("mouse to values, drawn in software", drawn.values);
+line("of it the program", drawn.program);
+line("mouse to picture", drawn.pictures);
+console.log(`maps per second while dragging: ${(drawn.drafts / drawn.seconds).toFixed(1)}`);
 if (minutes() > 0) {
   const before = await memory(page);
   await drag(page, 60 * minutes());

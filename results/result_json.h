@@ -55,7 +55,6 @@ void addOriginAndModel(const ResultContext& context, const ReferenceResult& refe
 // Everything about one reference but its files; `key` says from which inputs it was made.
 [[nodiscard]] Record referenceRecord(const ResultContext& context, const ReferenceResult& reference,
                                      const std::string& key);
-nlohmann::ordered_json datasetDescription(const Request& request, const std::string& version);
 
 }  // namespace study
 

@@ -5,9 +5,9 @@
 
 #include "formats/atomic_file.h"
 #include "formats/table.h"
+#include "results/dataset_description.h"
 #include "results/output_folder.h"
 #include "results/output_names.h"
-#include "results/result_json.h"
 #include "study/kept_request.h"
 
 namespace study {

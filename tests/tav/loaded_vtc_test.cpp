@@ -35,7 +35,8 @@ class LoadedVtc : public RunTest {
     return spec;
   }
   // Of a run over the file, either opened or in memory.
-  std::vector<RecordingStore::Map> mapsOf(const tav::TAV_Pars& pars, std::shared_ptr<const tav::LoadedVtc> vtc) {
+  std::vector<RecordingStore::Map> mapsOf(const tav::TAV_Pars& pars,
+                                          std::shared_ptr<const tav::LoadedVtc> vtc) {
     tav::RunOptions options;
     options.fitForm = tav::FitForm::kLeastSquares;
     options.surrogateKind = tav::SurrogateKind::kOwnResiduals;
@@ -119,7 +120,8 @@ TEST_F(LoadedVtc, RefusesAFileThatEndsEarly) {
 TEST_F(LoadedVtc, StopsWhenItIsCalledOff) {
   ASSERT_NE(loadedWith(0, 1.0F), nullptr);
   const std::atomic<bool> cancel = true;
-  EXPECT_THROW(static_cast<void>(tav::LoadedVtc::read(folder.file("a.vtc"), errors, &cancel)), tav::Cancelled);
+  EXPECT_THROW(static_cast<void>(tav::LoadedVtc::read(folder.file("a.vtc"), errors, &cancel)),
+               tav::Cancelled);
 }
 
 }  // namespace

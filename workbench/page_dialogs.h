@@ -30,7 +30,7 @@ class PageDialogs {
   // The plug-in's side. Each throws host::RunEnded once end() was called.
   void log(const std::string& text);
   void setBusy(bool busy);
-  void savedMaps(Json maps);  // {"path", "pictures": [{"folder", "path"}], "problem"}
+  void savedMaps(Json maps);  // {"path", "place": {"folder", "path"}, "pictures": [places], "problem"}
   // Shows the question and waits for its answer, however long; none: cancelled.
   [[nodiscard]] std::optional<Json> ask(Json question, const Check& check);
 

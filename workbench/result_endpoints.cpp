@@ -3,8 +3,11 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "formats/map_set.h"
 #include "report/study_outputs.h"
+#include "workbench/map_set_reply.h"
 #include "workbench/result_list.h"
+#include "workbench/result_underlays.h"
 
 namespace workbench {
 namespace {
@@ -30,6 +33,10 @@ Json folderJson(const fs::path& folder, const FolderGuard& folders) {
           {"path", place.path},
           {"requests", report::prefixesIn(folder)},
           {"index", nullableText(indexIn(folder))}};
+}
+
+fs::path placeIn(const FolderGuard& folders, const Request& request) {
+  return folders.resolved(request.queryText("folder"), request.queryText("path"));
 }
 
 Reply listFolders(const FolderGuard& folders) {
@@ -58,7 +65,7 @@ Json participantsOf(const Json& requests) {
 }
 
 Reply listResults(const FolderGuard& folders, const Request& request) {
-  const fs::path folder = folders.resolved(request.queryText("folder"), request.queryText("path"));
+  const fs::path folder = placeIn(folders, request);
   Json requests = Json::array();
   bool areAll = true;
   for (const fs::path& found : resultFoldersIn(folder))
@@ -67,13 +74,30 @@ Reply listResults(const FolderGuard& folders, const Request& request) {
   return jsonReply({{"participants", participantsOf(requests)}, {"requests", requests}, {"areAll", areAll}});
 }
 
+Reply listUnderlays(const FolderGuard& folders, const Request& request) {
+  const fs::path folder = placeIn(folders, request);
+  if (!fs::is_directory(folder)) throw Refusal(404, "This is no folder.");
+  return jsonReply({{"underlays", underlaysOf(folder, request.queryText("name"), folders)}});
+}
+
+// A pipe or a device would never come to its end.
+Reply giveMapSet(const FolderGuard& folders, const Request& request) {
+  const fs::path file = placeIn(folders, request);
+  if (!fs::is_regular_file(file)) throw Refusal(404, "This is no file.");
+  return binaryReply(encodedMapSet(formats::loadMapSet(file.string())));
+}
+
 }  // namespace
 
 std::vector<Route> resultRoutes(const FolderGuard& folders) {
   return {{"GET", "/api/results", Access::kSession, kNoBody,
            [&folders](const Request&) { return listFolders(folders); }},
           {"GET", "/api/results/list", Access::kSession, kNoBody,
-           [&folders](const Request& request) { return listResults(folders, request); }}};
+           [&folders](const Request& request) { return listResults(folders, request); }},
+          {"GET", "/api/results/underlays", Access::kSession, kNoBody,
+           [&folders](const Request& request) { return listUnderlays(folders, request); }},
+          {"GET", "/api/maps", Access::kSession, kNoBody,
+           [&folders](const Request& request) { return giveMapSet(folders, request); }}};
 }
 
 }  // namespace workbench

@@ -1,13 +1,17 @@
 #include "workbench/result_list.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <system_error>
 
 #include "formats/file_error.h"
+#include "report/map_titles.h"
 #include "report/study_outputs.h"
 #include "results/map_words.h"
 #include "results/output_names.h"
+#include "tav/map_kinds.h"
 
 namespace workbench {
 namespace {
@@ -42,29 +46,42 @@ Json thresholdsOf(const study::MapResult& map) {
   return list;
 }
 
-Json mapJson(const study::MapResult& map) {
+Json textOrNull(const std::string& text) {
+  return text.empty() ? Json() : Json(text);
+}
+
+Json mapJson(const study::MapResult& map, const study::Record& record) {
+  const report::SignWords signs = report::signWords(map.type, record.reference);
   return {{"label", study::mapLabel(map.type)},
+          {"type", tav::mapKind(map.type).keyword},
+          {"title", report::mapTitle(map.type, record.reference)},
+          {"unit", study::mapUnits(map.type, fmt::format("{:g}", record.model.settings.mapScale))},
+          {"positive", signs.positive},
+          {"negative", textOrNull(signs.negative)},
           {"file", map.file},
+          {"pFile", textOrNull(map.pFile)},
           {"peak", map.peak},
           {"peakMm", map.peakMm},
           {"peakLabel", map.peakLabel},
           {"thresholds", thresholdsOf(map)}};
 }
 
-Json conditionJson(const study::ConditionRecord& condition) {
+Json conditionJson(const study::ConditionRecord& condition, const study::Record& record) {
   Json maps = Json::array();
-  for (const study::MapResult& map : condition.maps) maps.push_back(mapJson(map));
+  for (const study::MapResult& map : condition.maps) maps.push_back(mapJson(map, record));
   return {{"name", condition.name},
           {"volumes", condition.volumesUsed},
           {"effectiveVolumes", condition.effectiveVolumes},
           {"voxels", condition.voxelsComputed()},
+          {"statusFile", condition.statusFile},
+          {"directionFile", textOrNull(condition.direction.file)},
           {"maps", maps}};
 }
 
 Json referenceJson(const report::ReferenceOutputs& reference) {
   Json conditions = Json::array();
   for (const study::ConditionRecord& condition : reference.record.conditions)
-    conditions.push_back(conditionJson(condition));
+    conditions.push_back(conditionJson(condition, reference.record));
   Json files = Json::array();
   for (const auto& [name, bytes] : reference.record.files)
     files.push_back({{"name", name}, {"bytes", bytes}});

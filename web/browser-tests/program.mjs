@@ -51,15 +51,16 @@ function addressFrom(child) {
   });
 }
 
-// {address, data, close}
-export async function startProgram() {
+// {address, data, close}. withResults: those of "made.toml" are there, in "out".
+export async function startProgram({ withResults = false, arguments: more = [] } = {}) {
   const { root, data } = madeFolder();
+  if (withResults) execFileSync(kProgram, ["run", join(data, "made.toml")], { stdio: "ignore" });
   const sim = (name) => join(data, "sim", name);
   const session = ["--plugin", kPlugin, "--vtc", sim("run-1.vtc"), "--vois", sim("dseg.nii.gz")];
   const files = ["--anatomy", sim("anatomy.nii.gz"), ...session];
   const child = spawn(
     kProgram,
-    ["workbench", data, "--no-browser", "--work-folder", join(root, "work"), ...files],
+    ["workbench", data, "--no-browser", "--work-folder", join(root, "work"), ...files, ...more],
     { cwd: root },
   );
   const address = await addressFrom(child);

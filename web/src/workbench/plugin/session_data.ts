@@ -19,6 +19,7 @@ export interface Question {
 
 export interface SavedMaps {
   readonly path: string;
+  readonly place: Place;
   readonly pictures: readonly Place[];
   readonly problem: string; // why there are none
 }
@@ -32,6 +33,7 @@ export interface SessionData {
   readonly exitCode: number;
   readonly message: string;
   readonly summary: string;
+  readonly anatomy: boolean; // whether the session has one
   readonly recorded: string; // the script of the answers; "": none
 }
 

@@ -1,11 +1,14 @@
 // One request's results: what was found, in tables, and every file.
 import { make } from "../../page/dom";
+import { button } from "../explore/controls/field";
 import { addressOf, within, type Place } from "../files/file_chooser";
 import { thresholdWords, type MapData, type ReferenceData, type RequestData } from "./result_data";
 
-export function requestSection(request: RequestData): HTMLElement {
+// look: opens the maps; null where there are none.
+export function requestSection(request: RequestData, look: (() => void) | null): HTMLElement {
   const section = make("section", { class: "request" }, make("h3", { text: request.name }));
   if (request.report !== null) section.append(make("p", {}, link(within(request, request.report), "Report")));
+  if (look !== null) section.append(make("p", {}, button("Look at the maps", look)));
   if (request.problem !== undefined) section.append(make("p", { class: "problem", text: request.problem }));
   for (const { reference, message } of request.failures)
     section.append(make("p", { class: "problem", text: `${reference}: ${message}` }));

@@ -8,7 +8,13 @@ export interface ResultFolder extends Place {
 
 export interface MapData {
   readonly label: string;
+  readonly type: string;
+  readonly title: string;
+  readonly unit: string;
+  readonly positive: string;
+  readonly negative: string | null; // null: values are never negative
   readonly file: string;
+  readonly pFile: string | null; // -log10 of p
   readonly peak: number;
   readonly peakMm: readonly [number, number, number];
   readonly peakLabel: string;
@@ -19,18 +25,22 @@ export interface MapData {
   }[];
 }
 
+export interface ConditionData {
+  readonly name: string;
+  readonly effectiveVolumes: number;
+  readonly voxels: number;
+  readonly statusFile: string;
+  readonly directionFile: string | null;
+  readonly maps: readonly MapData[];
+}
+
 export interface ReferenceData {
   readonly name: string;
   readonly voxels: number;
   readonly record: string;
   readonly order: number;
   readonly warnings: readonly string[];
-  readonly conditions: readonly {
-    readonly name: string;
-    readonly effectiveVolumes: number;
-    readonly voxels: number;
-    readonly maps: readonly MapData[];
-  }[];
+  readonly conditions: readonly ConditionData[];
   readonly files: readonly { readonly name: string; readonly bytes: number }[];
 }
 

@@ -1,13 +1,15 @@
 // Every results folder as a page: maps, report, records; participants in a table.
 import { make } from "../../page/dom";
-import { query, type Place } from "../files/file_chooser";
+import { query, within, type Place } from "../files/file_chooser";
+import { MapViewer } from "../maps/map_viewer";
+import { firstOf, type SavedMap, type SavedMaps } from "../maps/saved_map";
 import type { Server } from "../server";
 import type { Tab } from "../shell";
 import type { StartData } from "../start_data";
 import { messageOf } from "../watched";
 import { link, requestSection, table } from "./request_section";
 import type { ParticipantData, RequestData, ResultFolder, ResultsData } from "./result_data";
-import { within } from "../files/file_chooser";
+import { ResultMaps } from "./result_maps";
 
 const kHead = ["Participant", "Requests", "References", "Failures"];
 
@@ -18,6 +20,7 @@ export class ResultsTab implements Tab {
   private readonly folders = make("ul", { class: "result-folders" });
   private readonly results = make("div", { class: "results" });
   private server: Server | null = null;
+  private viewer: MapViewer | null = null;
 
   constructor(private readonly start: StartData) {}
 
@@ -65,7 +68,29 @@ export class ResultsTab implements Tab {
     if (!areAll)
       this.results.append(make("p", { text: "There are more results; open a folder further down." }));
     if (participants.length > 0) this.results.append(this.participantTable(participants, requests));
-    this.results.append(...requests.map(requestSection));
+    this.results.append(...requests.map((request) => this.section(request)));
+  }
+
+  private section(request: RequestData): HTMLElement {
+    if (this.server === null) return requestSection(request, null);
+    const saved = new ResultMaps(this.server, request);
+    const first = firstOf(saved.maps);
+    const look = (): void => {
+      if (first !== undefined) this.look(saved, first);
+    };
+    return requestSection(request, first === undefined ? null : look);
+  }
+
+  // One viewer at a time: browsers have few contexts to draw with.
+  private look(saved: SavedMaps, first: SavedMap): void {
+    this.viewer?.close();
+    const isShown = (): boolean => this.viewer !== null && this.viewer.element.offsetParent !== null;
+    this.viewer = new MapViewer(saved, first, isShown, () => {
+      this.viewer = null;
+    });
+    this.results.before(this.viewer.element);
+    this.viewer.element.scrollIntoView();
+    void this.viewer.show(first);
   }
 
   private participantTable(

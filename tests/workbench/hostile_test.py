@@ -89,7 +89,8 @@ class Hostile(unittest.TestCase):
                        self.bench.cookie + "0", "x" + self.bench.cookie]:
             with self.subTest(cookie=cookie):
                 for path in ["/api/start", "/api/files?folder=results&path=", "/files/results/page.html", "/api/runs",
-                             "/api/results", "/api/runs/events"]:
+                             "/api/results", "/api/runs/events", "/api/maps?folder=results&path=page.html",
+                             "/api/results/underlays?folder=results&path=&name=x"]:
                     self.assert_refused(self.bench.ask("GET", path, {"Cookie": cookie}), 401)
 
     def test_wrong_token(self):
@@ -152,6 +153,18 @@ class Hostile(unittest.TestCase):
                 self.assertNotIn(b"secret\n", answer[2])
                 listed = self.bench.get(f"/api/files?folder=results&path={path}")
                 self.assertEqual(listed[0], 403, listed)
+
+    def test_maps_and_underlays_of_elsewhere(self):
+        (self.folder / "secret.tav").write_text("secret")
+        for path in ["../secret.tav", "%2e%2e/secret.tav", "out/secret.tav", "/etc/passwd", ".hidden"]:
+            with self.subTest(path=path):
+                self.assert_refused(self.bench.get(f"/api/maps?folder=results&path={path}"), 403)
+                self.assert_refused(self.bench.get(f"/api/results/underlays?folder=results&path={path}&name=x"), 403)
+        for path in ["pipe", "inner", "none.tav"]:
+            self.assert_refused(self.bench.get(f"/api/maps?folder=results&path={path}"), 404)
+        self.assert_refused(self.bench.get("/api/maps?folder=results&path=page.html"), 400)
+        for name in ["", "../results/page", "none"]:
+            self.assert_refused(self.bench.get(f"/api/results/underlays?folder=results&path=&name={name}"), 404)
 
     def test_names_that_no_file_has(self):
         self.assert_refused(self.bench.get("/files/results/page.html%00.txt"), 400)

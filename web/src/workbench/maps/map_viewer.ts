@@ -1,4 +1,5 @@
 // Saved maps in the viewer of Explore: three planes and a solid view, threshold, readout and clusters.
+import { Announcer } from "../../page/announcer";
 import { make } from "../../page/dom";
 import { ReadoutList } from "../../viewer/readout_list";
 import { BrainViews } from "../explore/brain_views";
@@ -13,7 +14,7 @@ import { messageOf } from "../watched";
 import { MapChoice } from "./map_choice";
 import { cellsInside, drawnOn, suits } from "./map_images";
 import { MapScene } from "./map_scene";
-import type { MapNumbers, SavedMap, SavedMaps } from "./saved_map";
+import type { MapNumbers, SavedMap, SavedMaps, Underlay } from "./saved_map";
 
 const kThresholdHelp =
   "By q: the threshold that was computed with the map and saved beside it. By value: a magnitude of your " +
@@ -43,6 +44,7 @@ export class MapViewer {
   private readonly stage = make("div", { class: "explore-stage" });
   private readonly controls = make("div", { class: "explore-controls" });
   private readonly panels = make("div", { class: "explore-panels" });
+  private readonly announcer = new Announcer();
   private readonly choice: MapChoice;
   private drawn: Drawn | null = null;
   private asked = 0; // what comes for an earlier wish is not shown
@@ -64,7 +66,7 @@ export class MapViewer {
     const head = make("div", { class: "map-head" }, make("h3", { text: saved.title }), close);
     const whole = make("div", { class: "explore" }, this.stage, this.controls);
     this.problem.hidden = true;
-    this.element.append(head, this.problem, this.title, whole, this.panels);
+    this.element.append(head, this.problem, this.title, whole, this.panels, this.announcer.element);
   }
 
   // The element must be on the page.
@@ -74,10 +76,10 @@ export class MapViewer {
     try {
       const numbers = await this.saved.numbersOf(map);
       if (wish !== this.asked) return;
-      await this.draw(map, numbers);
       this.tell("");
+      await this.draw(map, numbers);
     } catch (error) {
-      this.tell(messageOf(error));
+      if (wish === this.asked) this.tell(messageOf(error));
     }
   }
 
@@ -98,17 +100,20 @@ export class MapViewer {
   private async draw(map: SavedMap, numbers: MapNumbers): Promise<void> {
     const cells = cellsInside(numbers);
     const { drawn } = this;
-    if (drawn !== null && suits(drawn.scene.images, numbers.grid, cells)) drawn.scene.show(map, numbers);
-    else await this.drawAnew(map, numbers, cells);
-    this.surround(numbers);
-    const parts = [map.of, map.condition, map.info.name].filter((part) => part !== "");
-    this.title.textContent = parts.join(", ");
-  }
-
-  private async drawAnew(map: SavedMap, numbers: MapNumbers, cells: Uint32Array): Promise<void> {
+    if (drawn !== null && suits(drawn.scene.images, numbers.grid, cells)) {
+      drawn.scene.show(map, numbers);
+      this.describe(map, numbers);
+      return;
+    }
     const wish = this.asked;
     const underlay = await this.saved.underlay(numbers.grid);
     if (wish !== this.asked) return;
+    const brains = this.drawAnew(map, numbers, cells, underlay);
+    this.describe(map, numbers);
+    await this.open(brains);
+  }
+
+  private drawAnew(map: SavedMap, numbers: MapNumbers, cells: Uint32Array, underlay: Underlay): BrainViews {
     const images = drawnOn(numbers.grid, cells, underlay);
     const before = this.drawn?.scene.store.now ?? null;
     this.drawn?.stopKeys();
@@ -117,7 +122,15 @@ export class MapViewer {
     const brains = new BrainViews(scene, kKeys);
     this.drawn = { scene, brains, stopKeys: this.listen(scene) };
     this.layOut(scene, brains, numbers, underlay.words);
-    if (await brains.openPlanes()) await brains.openSolid();
+    return brains;
+  }
+
+  // What was closed meanwhile, or followed by others, gives back what it has just taken.
+  private async open(brains: BrainViews): Promise<void> {
+    const isWanted = (): boolean => this.drawn?.brains === brains;
+    const canDraw = await brains.openPlanes();
+    if (canDraw && isWanted()) await brains.openSolid();
+    if (!isWanted()) brains.close();
   }
 
   private layOut(scene: MapScene, brains: BrainViews, numbers: MapNumbers, underlay: string): void {
@@ -131,7 +144,9 @@ export class MapViewer {
     this.panels.replaceChildren(new ClusterTable(scene).element);
   }
 
-  private surround({ reference }: MapNumbers): void {
+  private describe(map: SavedMap, { reference }: MapNumbers): void {
+    const parts = [map.of, map.condition, map.info.name].filter((part) => part !== "");
+    this.title.textContent = parts.join(", ");
     if (this.drawn === null) return;
     const { scene, brains } = this.drawn;
     const { mask } = scene.images;
@@ -145,7 +160,7 @@ export class MapViewer {
       isShown: this.isShown,
       help: () => undefined,
       announce: (text) => {
-        this.title.textContent = text;
+        this.announcer.say(text);
       },
     });
   }

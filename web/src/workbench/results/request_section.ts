@@ -21,7 +21,12 @@ export function link(place: Place, text: string): HTMLAnchorElement {
   return make("a", { text, attributes });
 }
 
-export function table(head: readonly string[], rows: readonly (readonly (string | Node)[])[]): HTMLElement {
+// name: of the table, for those who do not see it. Wide ones scroll in themselves.
+export function table(
+  name: string,
+  head: readonly string[],
+  rows: readonly (readonly (string | Node)[])[],
+): HTMLElement {
   const cells = head.map((text) => make("th", { text, attributes: { scope: "col" } }));
   const body = rows.map((row) =>
     make(
@@ -30,7 +35,9 @@ export function table(head: readonly string[], rows: readonly (readonly (string 
       ...row.map((cell) => (typeof cell === "string" ? make("td", { text: cell }) : make("td", {}, cell))),
     ),
   );
-  return make("table", {}, make("thead", {}, make("tr", {}, ...cells)), make("tbody", {}, ...body));
+  const whole = make("table", {}, make("thead", {}, make("tr", {}, ...cells)), make("tbody", {}, ...body));
+  const attributes = { tabindex: "0", role: "region", "aria-label": name };
+  return make("div", { class: "table-scroll", attributes }, whole);
 }
 
 const kMapHead = ["Condition", "Map", "Voxels that pass", "Peak", "At"];
@@ -66,7 +73,7 @@ function referenceSection(place: Place, reference: ReferenceData): HTMLElement {
     {},
     make("h4", { text: words }),
     make("ul", {}, ...warnings),
-    table(kMapHead, rows),
+    table(`Maps of ${reference.name}`, kMapHead, rows),
     list,
   );
 }

@@ -103,7 +103,7 @@ export class ResultsTab implements Tab {
       String(row.references),
       String(row.failures),
     ]);
-    return table(kHead, rows);
+    return table("Participants", kHead, rows);
   }
 
   private participantButton(participant: string, requests: readonly RequestData[]): HTMLElement {

@@ -2,7 +2,13 @@
 import { make } from "../../page/dom";
 import { button } from "../explore/controls/field";
 import { addressOf, within, type Place } from "../files/file_chooser";
-import { thresholdWords, type MapData, type ReferenceData, type RequestData } from "./result_data";
+import {
+  thresholdWords,
+  type MapData,
+  type ReferenceData,
+  type GroupData,
+  type RequestData,
+} from "./result_data";
 
 // look: opens the maps; null where there are none.
 export function requestSection(request: RequestData, look: (() => void) | null): HTMLElement {
@@ -16,9 +22,21 @@ export function requestSection(request: RequestData, look: (() => void) | null):
   return section;
 }
 
+export function groupSection(group: GroupData, look: (() => void) | null): HTMLElement {
+  const section = make("section", { class: "request" }, make("h3", { text: `Test ${group.test}` }));
+  if (group.report !== null) section.append(make("p", {}, link(within(group, group.report), "Report")));
+  if (look !== null) section.append(make("p", {}, button("Look at the maps", look)));
+  if (group.problem !== undefined) section.append(make("p", { class: "problem", text: group.problem }));
+  section.append(make("ul", {}, ...group.cells.map(({ title }) => make("li", { text: title }))));
+  return section;
+}
+
 export function link(place: Place, text: string): HTMLAnchorElement {
-  const attributes = { href: addressOf(place), target: "_blank", rel: "noopener" };
-  return make("a", { text, attributes });
+  return pageLink(addressOf(place), text);
+}
+
+export function pageLink(href: string, text: string): HTMLAnchorElement {
+  return make("a", { text, attributes: { href, target: "_blank", rel: "noopener" } });
 }
 
 // name: of the table, for those who do not see it. Wide ones scroll in themselves.

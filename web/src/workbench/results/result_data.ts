@@ -3,7 +3,7 @@ import type { Place } from "../files/file_chooser";
 
 export interface ResultFolder extends Place {
   readonly requests: readonly string[];
-  readonly index: string | null;
+  readonly index: string | null; // the address of the page
 }
 
 export interface MapData {
@@ -60,9 +60,28 @@ export interface ParticipantData {
   readonly failures: number;
 }
 
+export interface GroupCell {
+  readonly title: string;
+  readonly condition: string;
+  readonly map: string;
+  readonly positive: string;
+  readonly negative: string | null; // null: values below 0 count for nothing
+  readonly images: readonly { readonly what: string; readonly file: string }[];
+  readonly thresholds: readonly { readonly q: number; readonly threshold: number | null }[]; // of t
+}
+
+// A test over participants.
+export interface GroupData extends Place {
+  readonly test: string;
+  readonly report: string | null;
+  readonly problem?: string;
+  readonly cells: readonly GroupCell[];
+}
+
 export interface ResultsData {
   readonly participants: readonly ParticipantData[];
   readonly requests: readonly RequestData[];
+  readonly groups: readonly GroupData[];
   readonly areAll: boolean;
 }
 

@@ -5,7 +5,7 @@ import type { Shell, Tab } from "../shell";
 import type { StartData } from "../start_data";
 import { Watched, messageOf } from "../watched";
 import { questionForm } from "./question_form";
-import type { Question, SessionData } from "./session_data";
+import { stateWords, type Question, type SessionData } from "./session_data";
 import { SessionMaps } from "./session_maps";
 
 export class PluginTab implements Tab {
@@ -84,7 +84,8 @@ export class PluginTab implements Tab {
     const runs = session.state === "running";
     this.startButton.hidden = runs;
     this.endButton.hidden = !runs;
-    this.state.textContent = wordsOf(session);
+    this.endButton.disabled = session.ending;
+    this.state.textContent = stateWords(session);
     this.log.textContent = [...session.log, session.summary].join("\n");
     this.log.scrollTop = this.log.scrollHeight;
     this.maps?.show(session);
@@ -111,13 +112,4 @@ export class PluginTab implements Tab {
     this.shell?.announce(question.text);
     form.querySelector<HTMLElement>("input, button")?.focus();
   }
-}
-
-function wordsOf(session: SessionData): string {
-  if (session.state === "none") return "No session was started.";
-  if (session.state === "running") return session.busy ? "The plug-in computes." : "The session goes on.";
-  const how =
-    session.exitCode === 0 ? "The session has ended well." : "The session has ended with a failure.";
-  const recorded = session.recorded === "" ? "" : ` The answers are in ${session.recorded}.`;
-  return `${how} ${session.message}${recorded}`;
 }

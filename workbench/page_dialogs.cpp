@@ -87,7 +87,11 @@ void PageDialogs::end() {
 PageDialogs::Json PageDialogs::state() const {
   const std::lock_guard lock(mutex_);
   const bool stands = !isAnswered_ && !ended_;
-  return {{"log", log_}, {"question", stands ? question_ : Json()}, {"busy", busy_}, {"maps", maps_}, {"ending", ended_}};
+  return {{"log", log_},
+          {"question", stands ? question_ : Json()},
+          {"busy", busy_},
+          {"maps", maps_},
+          {"ending", ended_}};
 }
 
 }  // namespace workbench

@@ -37,8 +37,8 @@ class PageDialogs {
   // The pages' side. {"question": id, "answer": value} or {"question": id, "cancel": true}. Throws Refusal
   // 409 when that question does not stand (any more), 400 for a bad answer.
   void answer(const Json& body);
-  // Ends the session at its next call: a plug-in that computes has none, and the host has no other way to tell
-  // it.
+  // Ends the session at its next call: a plug-in that computes has none, and the host has no other way to
+  // tell it.
   void end();
   // {"log", "question" or null, "busy", "maps", "ending": whether end() was called}
   [[nodiscard]] Json state() const;

@@ -63,18 +63,26 @@ export async function startIn(folder, words) {
   return { address, close };
 }
 
-// {address, data, close}. withResults: those of "made.toml" are there, in "out".
-export async function startProgram({ withResults = false, words: more = [] } = {}) {
+// {address, data, work, close}. withResults: those of "made.toml" are there, in "out"; explore: its run is open.
+export async function startProgram({ withResults = false, explore = false } = {}) {
   const { root, data } = madeFolder();
   if (withResults) execFileSync(kProgram, ["run", join(data, "made.toml")], { stdio: "ignore" });
   const sim = (name) => join(data, "sim", name);
   const session = ["--plugin", kPlugin, "--vtc", sim("run-1.vtc"), "--vois", sim("dseg.nii.gz")];
-  const words = [data, "--work-folder", join(root, "work"), "--anatomy", sim("anatomy.nii.gz"), ...session];
-  const { address, close } = await startIn(root, [...words, ...more]);
+  const opened = explore ? [join(data, "made.toml"), "--folder", data] : [data];
+  const words = [
+    ...opened,
+    "--work-folder",
+    join(root, "work"),
+    "--anatomy",
+    sim("anatomy.nii.gz"),
+    ...session,
+  ];
+  const { address, close } = await startIn(root, words);
   const closeAll = async () => {
     const code = await close();
     rmSync(root, { recursive: true });
     return code;
   };
-  return { address, data, close: closeAll };
+  return { address, data, work: join(root, "work"), close: closeAll };
 }

@@ -88,6 +88,21 @@ TEST_F(ExploreSmall, AnswersMapsAndVoxels) {
   EXPECT_EQ(explore.voxel({{"mm", {5000, 0, 0}}})["status"], "outside the mask");
 }
 
+TEST_F(ExploreSmall, AVoxelIsOfTheMapsThatItsPageHas) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  const auto of = [&](int id) {
+    Json asked = label(id);
+    asked["mm"] = explore.study()->plan.space.grid.toMm({5, 5, 4});
+    return explore.voxel(asked)["maps"][0];
+  };
+  static_cast<void>(explore.maps(label(1)));
+  const Json first = of(1);
+  static_cast<void>(explore.maps(label(2)));  // as another page asks
+  EXPECT_NE(of(2)["value"], first["value"]);
+  EXPECT_EQ(of(1), first);
+}
+
 TEST_F(ExploreSmall, RefusesWhatCannotBeAsked) {
   workbench::Explore explore(options());
   ASSERT_EQ(settled(explore), "ready");

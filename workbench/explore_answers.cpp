@@ -157,8 +157,9 @@ Json Explore::save(const Json& asked) {
   const live::Ask ask = askFrom(asked, *now->study);
   return answered([&]() -> Json {
     study::Request request = live::requestFor(*now->study, ask, name);
+    // The prefix stays: the random numbers of a run depend on it, and the run is to have those that were
+    // shown.
     request.output.folder /= name;
-    request.output.prefix = name;
     const std::string text = study::requestText(request);
     const fs::path file = fs::path(request.output.workFolder) / (name + ".toml");
     fs::create_directories(file.parent_path());

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "results/record_json.h"
 #include "tests/support/run_command_fixture.h"
 #include "workbench/exchange.h"
 
@@ -42,6 +43,24 @@ class ExploreSmall : public SmallStudyRun {
     std::uint32_t length = 0;
     std::memcpy(&length, reply.data(), 4);
     return Json::parse(reply.substr(4, length));
+  }
+  using Thresholds = std::vector<float>;  // by ascending q; 0: nothing passes
+  static Thresholds thresholdsShown(const std::string& reply) {
+    Thresholds thresholds;
+    for (const Json& one : headerOf(reply)["maps"][0]["thresholds"])
+      thresholds.push_back(one["threshold"].is_null() ? 0 : one["threshold"].get<float>());
+    return thresholds;
+  }
+  // Of dTAV of the request that was saved under this name.
+  Thresholds thresholdsOfRun(const std::string& name) {
+    Thresholds thresholds;
+    for (const auto& entry : fs::directory_iterator(results() / name)) {
+      if (!entry.path().filename().string().ends_with("_tavmap.json")) continue;
+      for (const study::MapResult& map : study::readRecordFile(entry.path().string()).conditions[0].maps)
+        for (const study::ThresholdResult& one : map.thresholds)
+          if (map.type == tav::DTAV) thresholds.push_back(static_cast<float>(one.threshold.value_or(0)));
+    }
+    return thresholds;
   }
   template <class Call>
   static int refusalOf(Call call) {
@@ -130,7 +149,7 @@ TEST_F(ExploreSmall, RefusesWhatCannotBeAsked) {
   EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.save(nameless)); }), 400);
 }
 
-TEST_F(ExploreSmall, SavesARequestThatRuns) {
+TEST_F(ExploreSmall, SavesARequestWhoseRunIsWhatWasShown) {
   workbench::Explore explore(options());
   ASSERT_EQ(settled(explore), "ready");
   Json asked = label(2);
@@ -139,7 +158,7 @@ TEST_F(ExploreSmall, SavesARequestThatRuns) {
   EXPECT_EQ(saved["path"], (folder() / "work" / "my-region.toml").string());
   const ProgramResult result = tavmap({"run", saved["path"], "--no-report", "--quiet"}, folder());
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_TRUE(fs::exists(results() / "my-region" / "my-region_seed-B_tavmap.json"));
+  EXPECT_EQ(thresholdsOfRun("my-region"), thresholdsShown(explore.maps(asked))) << "bit for bit";
 }
 
 TEST_F(ExploreSmall, ChangesRunsByLoadingAnew) {

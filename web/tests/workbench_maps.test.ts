@@ -1,5 +1,6 @@
 import assert from "node:assert/strict";
 import { describe, it } from "node:test";
+import { tint } from "../src/workbench/explore/tint";
 import { VoxelMask } from "../src/workbench/explore/voxel_mask";
 import { isSameGrid, pCodes } from "../src/workbench/maps/image_values";
 import { nearest } from "../src/workbench/maps/map_choice";
@@ -27,6 +28,20 @@ const kNumbers: MapNumbers = {
   direction: null,
   reference: Uint8Array.of(0, 0, 0, 1),
 };
+
+describe("a map without a threshold", () => {
+  it("is as opaque as its values are large", () => {
+    const values = { raw: Float32Array.of(0, 1, -2, 8), scale: 1, missing: NaN };
+    const map = { type: "DTAV", values, p: null, direction: null, thresholds: [] };
+    const out = new Uint32Array(4);
+    const options = { level: Infinity, full: 4, hideBelow: true, faintUnsupported: false, bySize: true };
+    tint(map, options, out);
+    assert.deepEqual(
+      Array.from(out, (word) => word >>> 24),
+      [0, 64, 128, 255],
+    );
+  });
+});
 
 describe("p of images", () => {
   it("are codes of tenths of -log10, none where the image has none", () => {

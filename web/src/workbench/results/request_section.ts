@@ -10,9 +10,14 @@ import {
   type RequestData,
 } from "./result_data";
 
+// Of several requests of one name the folder tells which it is.
+function titleOf({ name, folder, path }: RequestData): string {
+  return `${name} in ${[folder, path].filter((part) => part !== "").join("/")}`;
+}
+
 // look: opens the maps; null where there are none.
 export function requestSection(request: RequestData, look: (() => void) | null): HTMLElement {
-  const section = make("section", { class: "request" }, make("h3", { text: request.name }));
+  const section = make("section", { class: "request" }, make("h3", { text: titleOf(request) }));
   if (request.report !== null) section.append(make("p", {}, link(within(request, request.report), "Report")));
   if (look !== null) section.append(make("p", {}, button("Look at the maps", look)));
   if (request.problem !== undefined) section.append(make("p", { class: "problem", text: request.problem }));

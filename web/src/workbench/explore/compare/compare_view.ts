@@ -73,9 +73,8 @@ export class CompareView {
     const own = map === other?.map;
     const level = map === null ? Infinity : levelOf(choice, map);
     const full = map === null ? 1 : own ? levelFull(map, maps?.header.draft === true) : fullColourOf(map);
-    this.brain.show(
-      this.painter.paint(map, { level, full, hideBelow, faintUnsupported }, other?.region ?? []),
-    );
+    const options = { level, full, hideBelow, faintUnsupported, bySize: !own };
+    this.brain.show(this.painter.paint(map, options, other?.region ?? []));
   }
 
   private mapOf(other: Other): ReplyMap | null {

@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstring>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "results/record_json.h"
+#include "formats/nifti.h"
 #include "tests/support/run_command_fixture.h"
+#include "tests/workbench/packed_reply.h"
 #include "workbench/exchange.h"
 
 namespace {
@@ -44,23 +47,17 @@ class ExploreSmall : public SmallStudyRun {
     std::memcpy(&length, reply.data(), 4);
     return Json::parse(reply.substr(4, length));
   }
-  using Thresholds = std::vector<float>;  // by ascending q; 0: nothing passes
-  static Thresholds thresholdsShown(const std::string& reply) {
-    Thresholds thresholds;
-    for (const Json& one : headerOf(reply)["maps"][0]["thresholds"])
-      thresholds.push_back(one["threshold"].is_null() ? 0 : one["threshold"].get<float>());
-    return thresholds;
-  }
-  // Of dTAV of the request that was saved under this name.
-  Thresholds thresholdsOfRun(const std::string& name) {
-    Thresholds thresholds;
+  // p of dTAV as the page gets it, from the image of the request that was saved under this name; no entry
+  // where the image has none.
+  std::map<std::uint32_t, int> codesOfRun(const std::string& name) {
+    std::map<std::uint32_t, int> codes;
     for (const auto& entry : fs::directory_iterator(results() / name)) {
-      if (!entry.path().filename().string().ends_with("_tavmap.json")) continue;
-      for (const study::MapResult& map : study::readRecordFile(entry.path().string()).conditions[0].maps)
-        for (const study::ThresholdResult& one : map.thresholds)
-          if (map.type == tav::DTAV) thresholds.push_back(static_cast<float>(one.threshold.value_or(0)));
+      if (!entry.path().filename().string().ends_with("dTAV_stat-p_statmap.nii.gz")) continue;
+      const std::vector<float> p = formats::readImage(entry.path().string()).values;
+      for (std::uint32_t cell = 0; cell < p.size(); ++cell)
+        if (!std::isnan(p[cell])) codes[cell] = static_cast<int>(std::lround(std::min(10 * p[cell], 254.0F)));
     }
-    return thresholds;
+    return codes;
   }
   template <class Call>
   static int refusalOf(Call call) {
@@ -149,7 +146,7 @@ TEST_F(ExploreSmall, RefusesWhatCannotBeAsked) {
   EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.save(nameless)); }), 400);
 }
 
-TEST_F(ExploreSmall, SavesARequestWhoseRunIsWhatWasShown) {
+TEST_F(ExploreSmall, SavesARequestWhoseRunHasThePThatWereShown) {
   workbench::Explore explore(options());
   ASSERT_EQ(settled(explore), "ready");
   Json asked = label(2);
@@ -158,7 +155,14 @@ TEST_F(ExploreSmall, SavesARequestWhoseRunIsWhatWasShown) {
   EXPECT_EQ(saved["path"], (folder() / "work" / "my-region.toml").string());
   const ProgramResult result = tavmap({"run", saved["path"], "--no-report", "--quiet"}, folder());
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_EQ(thresholdsOfRun("my-region"), thresholdsShown(explore.maps(asked))) << "bit for bit";
+  const auto run = codesOfRun("my-region");
+  const auto shown = PackedReply(explore.maps(asked)).array<std::uint8_t>("what", "p");
+  const auto cells = explore.study()->cells;
+  ASSERT_FALSE(run.empty());
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (!run.contains(cells[i])) continue;
+    ASSERT_EQ(run.at(cells[i]), shown[i]) << "cell " << cells[i];
+  }
 }
 
 TEST_F(ExploreSmall, ChangesRunsByLoadingAnew) {

@@ -5,7 +5,14 @@ import { join } from "node:path";
 import { after, before, describe, it } from "node:test";
 import { launch } from "./browser.mjs";
 import { kSlow, kWithoutProgram, startProgram } from "./program.mjs";
-import { answerAll, openPage as openProgramPage, openTab, press, seriousFindings } from "./program_page.mjs";
+import {
+  answerAll,
+  answersOf,
+  openPage as openProgramPage,
+  openTab,
+  press,
+  seriousFindings,
+} from "./program_page.mjs";
 
 const kLong = 60_000;
 
@@ -22,6 +29,22 @@ async function startRun(page, name) {
   await page.getByText("Start a request").click();
   await press(page.locator(".panel-runs"), program.data);
   await press(page.locator(".panel-runs"), name);
+}
+
+// Cancels what is asked from now on, and closes messages: dialogs that the plug-in insists on end with the session.
+async function cancelUntilTheEnd(page) {
+  const ended = page.locator(".session-state", { hasText: "The session has ended" });
+  for (let n = 0; n < 5; ++n) {
+    const form = page.locator("form.question");
+    await ended.or(form).first().waitFor({ timeout: kLong });
+    if (await ended.isVisible()) return;
+    const question = await page.waitForSelector("form.question", { timeout: kLong });
+    const close = form.getByRole("button", { name: /^(Cancel|OK|No)$/ });
+    await close.last().click();
+    await page.waitForFunction((old) => !old.isConnected, question, { timeout: kLong });
+  }
+  await press(page, "End the session");
+  await ended.waitFor({ timeout: kLong });
 }
 
 describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
@@ -82,6 +105,19 @@ describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
     assert.ok(existsSync(join(program.data, "sim", "page_Reference.tav")));
     assert.match(await page.locator(".session-maps").textContent(), /page_Reference\.tav/);
     assert.match(await page.locator(".session-log").textContent(), /Done, all computations/);
+    await closePage(page);
+  });
+
+  it("takes a cancel at every dialog of a session", async () => {
+    const page = await openPage();
+    await openTab(page, "Plug-in");
+    const answers = answersOf(program.data, "cancelled");
+    for (let dialog = 0; dialog < answers.length; ++dialog) {
+      await press(page, "Start a session");
+      await page.waitForSelector("form.question", { timeout: kLong });
+      await answerAll(page, program.data, "cancelled", answers.slice(0, dialog));
+      await cancelUntilTheEnd(page);
+    }
     await closePage(page);
   });
 

@@ -28,7 +28,9 @@ function watchDrags() {
     response.arrayBuffer = async () => {
       const buffer = await read();
       seen.values.push(performance.now() - stamp);
-      const header = new TextDecoder().decode(new Uint8Array(buffer, 4, new DataView(buffer).getUint32(0, true)));
+      const header = new TextDecoder().decode(
+        new Uint8Array(buffer, 4, new DataView(buffer).getUint32(0, true)),
+      );
       seen.program.push(JSON.parse(header).elapsedMs);
       seen.drafts += 1;
       newest = stamp;
@@ -121,7 +123,13 @@ await calibrated(page);
 async function measured(isDrawing) {
   await page.evaluate(
     (drawing) =>
-      Object.assign(window.tavmapSeen, { values: [], program: [], pictures: [], drafts: 0, isDrawing: drawing }),
+      Object.assign(window.tavmapSeen, {
+        values: [],
+        program: [],
+        pictures: [],
+        drafts: 0,
+        isDrawing: drawing,
+      }),
     isDrawing,
   );
   const seconds = await drag(page, 15);

@@ -168,7 +168,7 @@ describe("maps in the viewer", { skip: kWithoutProgram }, () => {
     assert.match(await page.locator(".map-viewer").textContent(), /Grey: the anatomy of the session/);
     const { coloured, lit } = await colouredPixels(page, "planes");
     assert.ok(coloured > 50 && lit > 2000, `${coloured} coloured of ${lit}`);
-    await choose(page, "Map", "whole: Ref2Vox");
+    await choose(page, "Map", "Ref2Vox");
     await captionOf(page, "REF2VOX, q = ").waitFor(kWaits);
     assert.deepEqual(await seriousFindings(page), []);
     await page.context().close();

@@ -1,7 +1,6 @@
 import assert from "node:assert/strict";
 import { describe, it } from "node:test";
 import { tint } from "../src/workbench/explore/tint";
-import { VoxelMask } from "../src/workbench/explore/voxel_mask";
 import { isSameGrid, pCodes } from "../src/workbench/maps/image_values";
 import { nearest } from "../src/workbench/maps/map_choice";
 import { cellsInside, drawnOn, suits } from "../src/workbench/maps/map_images";
@@ -174,8 +173,8 @@ describe("a map set", () => {
   it("has its maps by condition and kind, shown from where the file shows them", () => {
     const [found] = set.maps;
     assert.deepEqual(
-      [found?.of, found?.condition, found?.info.type, found?.from],
-      ["b.tav", "faces", "DTAV", 2],
+      [found?.of, found?.condition, found?.info.type, found?.info.name, found?.from],
+      ["b.tav", "faces", "DTAV", "dTAV", 2],
     );
   });
   it("looks at cells that have a value", async () => {
@@ -191,8 +190,4 @@ describe("a map set", () => {
     assert.ok(!isSameGrid(image, kGrid));
     assert.ok(isSameGrid({ ...image, affine: kIdentity }, kGrid));
   });
-});
-
-it("a mask of cells knows where they lie", () => {
-  assert.equal(new VoxelMask(kGrid, Uint32Array.of(0, 2, 3)).placeAt([0, 1, 0]), 1);
 });

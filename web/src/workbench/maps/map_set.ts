@@ -38,8 +38,10 @@ function mapOf(reply: ArrayBuffer, { arrays, voxels }: SetHeader, of: string, ma
   const raw = array === undefined ? null : codedOf(reply, array, voxels).raw;
   if (!(raw instanceof Float32Array)) return [];
   const { name, kind, positive, negative, thresholds, lower } = map;
-  const info = { type: kind ?? name, name, hasThresholds: thresholds.length > 0, positive, negative };
-  return [{ of, condition: conditionOf(map), info, thresholds, from: lower, values: raw }];
+  const condition = conditionOf(map);
+  const own = condition === "" ? name : name.slice(condition.length + 2);
+  const info = { type: kind ?? name, name: own, hasThresholds: thresholds.length > 0, positive, negative };
+  return [{ of, condition, info, thresholds, from: lower, values: raw }];
 }
 
 function nameOf({ path }: Place): string {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "formats/image.h"
+#include "formats/map_set.h"
 #include "render/slice_picture.h"
 
 namespace inspect {
@@ -23,6 +24,9 @@ struct ShownMap {
 
 // "false discovery rate q = 0.05: threshold 4"; an infinite threshold: no voxel survives.
 [[nodiscard]] std::string thresholdCaption(double q, float threshold);
+
+// Maps that are compared with no surrogates have thresholds of 0 and a display range of their own.
+[[nodiscard]] bool hasThresholds(const formats::Map& map);
 
 // The maps of a set, in its order. q: false discovery rate whose threshold is shown. Throws
 // formats::FileError: for a file that is none, or a q that its maps do not have.

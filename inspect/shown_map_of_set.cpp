@@ -5,7 +5,6 @@
 #include <filesystem>
 
 #include "formats/file_error.h"
-#include "formats/map_set.h"
 #include "inspect/shown_map.h"
 
 namespace inspect {
@@ -21,11 +20,6 @@ std::size_t thresholdIndex(const formats::MapSet& set, const std::string& path, 
   for (const std::string& name : set.thresholdNames) known += (known.empty() ? "" : ", ") + name;
   throw formats::FileError(path, "the maps have no threshold for q = " + std::string(wanted + 8),
                            "They have: " + known);
-}
-
-// Maps that are compared with no surrogates have thresholds of 0 and a display range of their own.
-bool hasThresholds(const formats::Map& map) {
-  return !map.thresholds.empty() && (map.thresholds.front() != 0 || map.lowerThreshold == 0);
 }
 
 // The range at q; nothing passes: nothing is shown.
@@ -69,6 +63,10 @@ std::string fileNameOf(const std::string& mapName) {
 }
 
 }  // namespace
+
+bool hasThresholds(const formats::Map& map) {
+  return !map.thresholds.empty() && (map.thresholds.front() != 0 || map.lowerThreshold == 0);
+}
 
 std::string thresholdCaption(double q, float threshold) {
   char caption[128];

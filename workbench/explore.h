@@ -47,6 +47,7 @@ class Explore {
   [[nodiscard]] std::shared_ptr<const live::LoadedStudy> study() const;
   // Bytes as maps_reply.h says. Throws Refusal 400 for what cannot be asked, 409 when a newer one came.
   [[nodiscard]] std::string maps(const nlohmann::ordered_json& asked);
+  // With a "reference" and what else maps are asked with, of those maps; without, of the last ones.
   [[nodiscard]] nlohmann::ordered_json voxel(const nlohmann::ordered_json& asked);
   // Writes what is asked for as a request into the work folder: {"path", "text"}.
   [[nodiscard]] nlohmann::ordered_json save(const nlohmann::ordered_json& asked);

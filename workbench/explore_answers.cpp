@@ -56,6 +56,21 @@ void addDirections(const live::Engine& engine, const std::atomic<bool>& cancel, 
                   kMostDirections));
 }
 
+// Whether these maps are those of what a page has on its screen: another page may have asked since.
+bool isOf(const live::LiveMaps& maps, const live::Ask& ask) {
+  return maps.ask.reference == ask.reference && maps.ask.condition == ask.condition &&
+         maps.ask.order == ask.order && maps.ask.draws == ask.draws &&
+         std::includes(maps.ask.types.begin(), maps.ask.types.end(), ask.types.begin(), ask.types.end());
+}
+
+// The maps that a page has on its screen, computed again where others were since.
+std::shared_ptr<const live::LiveMaps> mapsOf(const live::Ask& ask, live::Engine& engine,
+                                             std::shared_ptr<const live::LiveMaps> last) {
+  if (last != nullptr && isOf(*last, ask)) return last;
+  return std::make_shared<const live::LiveMaps>(
+      engine.compute(ask, live::Care::kFull, std::atomic<bool>(false)));
+}
+
 // A name that files can have everywhere.
 std::string fileNameFrom(const std::string& text) {
   std::string name;
@@ -121,6 +136,7 @@ Json Explore::voxel(const Json& asked) {
   if (found == study.cells.end() || *found != cell) return emptyVoxelJson(voxel, mm, kOutside);
   return answered([&]() -> Json {
     return now->latest.whenFree([&]() -> Json {
+      if (asked.contains("reference")) now->shown = mapsOf(askFrom(asked, study), now->engine, now->shown);
       if (now->shown == nullptr) return emptyVoxelJson(voxel, mm, "no maps yet");
       const live::LiveMaps& maps = *now->shown;
       VoxelToSend sent{study,
@@ -141,8 +157,9 @@ Json Explore::save(const Json& asked) {
   const live::Ask ask = askFrom(asked, *now->study);
   return answered([&]() -> Json {
     study::Request request = live::requestFor(*now->study, ask, name);
+    // The prefix stays: the random numbers of a run depend on it, and the run is to have those that were
+    // shown.
     request.output.folder /= name;
-    request.output.prefix = name;
     const std::string text = study::requestText(request);
     const fs::path file = fs::path(request.output.workFolder) / (name + ".toml");
     fs::create_directories(file.parent_path());

@@ -6,19 +6,12 @@
 
 #include "results/map_words.h"
 #include "tav/map_kinds.h"
+#include "workbench/affine_json.h"
 
 namespace workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-Json affineJson(const formats::Affine& affine) {
-  Json rows = Json::array();
-  for (int row = 0; row < 3; ++row)
-    rows.push_back({affine.at(row, 0), affine.at(row, 1), affine.at(row, 2), affine.at(row, 3)});
-  rows.push_back({0, 0, 0, 1});
-  return rows;
-}
 
 Json runsJson(const study::StudyPlan& plan) {
   Json runs = Json::array();

@@ -1,34 +1,18 @@
 #include "workbench/maps_reply.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "tav/map_kinds.h"
+#include "workbench/packed_arrays.h"
 
 namespace workbench {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-static_assert(std::endian::native == std::endian::little, "arrays are sent as they lie in memory");
-
-constexpr std::size_t kAlignment = 8;
 constexpr std::uint8_t kUnknownP = 255;
-
-struct Array {
-  Json header;
-  std::string bytes;
-};
-
-template <class Value>
-std::string bytesOf(const std::vector<Value>& values) {
-  std::string bytes(values.size() * sizeof(Value), '\0');
-  std::memcpy(bytes.data(), values.data(), bytes.size());
-  return bytes;
-}
 
 float largestMagnitude(const std::vector<float>& values) {
   float largest = 0;
@@ -37,7 +21,7 @@ float largestMagnitude(const std::vector<float>& values) {
   return largest;
 }
 
-Array shortValues(const std::vector<float>& values) {
+PackedArray shortValues(const std::vector<float>& values) {
   constexpr float kMost = 32767;
   constexpr std::int16_t kNone = -32768;
   const float largest = largestMagnitude(values), scale = largest > 0 ? largest / kMost : 1;
@@ -48,7 +32,7 @@ Array shortValues(const std::vector<float>& values) {
   return {{{"format", "int16"}, {"scale", scale}}, bytesOf(codes)};
 }
 
-Array pCodes(const std::vector<float>& p) {
+PackedArray pCodes(const std::vector<float>& p) {
   static constexpr float kMostCode = 254;
   std::vector<std::uint8_t> codes(p.size());
   std::transform(p.begin(), p.end(), codes.begin(), [](float value) {
@@ -58,20 +42,21 @@ Array pCodes(const std::vector<float>& p) {
   return {{{"format", "uint8"}, {"scale", 1}}, bytesOf(codes)};
 }
 
-Array named(const char* type, const char* what, Array array) {
+PackedArray named(const char* type, const char* what, PackedArray array) {
   Json header{{"type", type}, {"what", what}};
   header.update(array.header);
   return {header, std::move(array.bytes)};
 }
 
-std::vector<Array> arraysOf(const MapsToSend& sent) {
-  std::vector<Array> arrays;
+std::vector<PackedArray> arraysOf(const MapsToSend& sent) {
+  std::vector<PackedArray> arrays;
   for (const live::LiveMap& map : sent.maps.maps) {
     const char* const type = tav::mapKind(map.type).keyword;
     const bool isDraft = sent.maps.care == live::Care::kDraft;
     arrays.push_back(named(type, "value",
-                           isDraft ? shortValues(map.values)
-                                   : Array{{{"format", "float32"}, {"scale", 1}}, bytesOf(map.values)}));
+                           isDraft
+                               ? shortValues(map.values)
+                               : PackedArray{{{"format", "float32"}, {"scale", 1}}, bytesOf(map.values)}));
     if (!map.p.empty()) arrays.push_back(named(type, "p", pCodes(map.p)));
     if (map.type == tav::DTAV && !sent.directions.empty())
       arrays.push_back(
@@ -112,45 +97,10 @@ Json headerOf(const MapsToSend& sent) {
   return header;
 }
 
-std::size_t aligned(std::size_t size) {
-  return (size + kAlignment - 1) / kAlignment * kAlignment;
-}
-
-// Offsets are counted from the start of the reply, whose header holds them: room for their digits is left
-// first.
-std::string headerText(Json header, const std::vector<Array>& arrays) {
-  constexpr std::size_t kDigits = 12;
-  header["arrays"] = Json::array();
-  for (const Array& array : arrays) {
-    Json one = array.header;
-    one["offset"] = 0;
-    header["arrays"].push_back(one);
-  }
-  const std::size_t begin = aligned(4 + header.dump().size() + kDigits * arrays.size());
-  std::size_t offset = begin;
-  for (std::size_t i = 0; i < arrays.size(); ++i) {
-    header["arrays"][i]["offset"] = offset;
-    offset += aligned(arrays[i].bytes.size());
-  }
-  std::string text = header.dump();
-  text.resize(begin - 4, ' ');
-  return text;
-}
-
 }  // namespace
 
 std::string encodedMaps(const MapsToSend& sent) {
-  const std::vector<Array> arrays = arraysOf(sent);
-  const std::string header = headerText(headerOf(sent), arrays);
-  const auto length = static_cast<std::uint32_t>(header.size());
-  std::string bytes(sizeof(length), '\0');
-  std::memcpy(bytes.data(), &length, sizeof(length));
-  bytes += header;
-  for (const Array& array : arrays) {
-    bytes += array.bytes;
-    bytes.resize(aligned(bytes.size()), '\0');
-  }
-  return bytes;
+  return packed(headerOf(sent), arraysOf(sent));
 }
 
 }  // namespace workbench

@@ -1,7 +1,4 @@
-// Maps in the compact form in which a page gets them:
-//   4 bytes   length of the header, little endian
-//   header    JSON, spaces at its end so that what follows begins at a multiple of 8 bytes
-//   arrays    one value per cell, each from the offset (of the reply) that the header names
+// Maps in the form in which a page gets them (packed_arrays.h), one value per cell.
 // Values are 16-bit multiples of a scale in a draft, -32768 standing for none, and 32-bit floats, the very
 // ones, otherwise; p as -10 log10 in a byte, 255 for unknown; codes of directions in a byte.
 #ifndef TAVMAP_WORKBENCH_MAPS_REPLY_H

@@ -80,13 +80,18 @@ void PageDialogs::answer(const Json& body) {
 void PageDialogs::end() {
   const std::lock_guard lock(mutex_);
   ended_ = true;
+  news_.publish({{"ending", true}});
   answered_.notify_all();
 }
 
 PageDialogs::Json PageDialogs::state() const {
   const std::lock_guard lock(mutex_);
   const bool stands = !isAnswered_ && !ended_;
-  return {{"log", log_}, {"question", stands ? question_ : Json()}, {"busy", busy_}, {"maps", maps_}};
+  return {{"log", log_},
+          {"question", stands ? question_ : Json()},
+          {"busy", busy_},
+          {"maps", maps_},
+          {"ending", ended_}};
 }
 
 }  // namespace workbench

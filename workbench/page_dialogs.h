@@ -30,16 +30,17 @@ class PageDialogs {
   // The plug-in's side. Each throws host::RunEnded once end() was called.
   void log(const std::string& text);
   void setBusy(bool busy);
-  void savedMaps(Json maps);  // {"path", "pictures": [{"folder", "path"}], "problem"}
+  void savedMaps(Json maps);  // {"path", "place": {"folder", "path"}, "pictures": [places], "problem"}
   // Shows the question and waits for its answer, however long; none: cancelled.
   [[nodiscard]] std::optional<Json> ask(Json question, const Check& check);
 
   // The pages' side. {"question": id, "answer": value} or {"question": id, "cancel": true}. Throws Refusal
   // 409 when that question does not stand (any more), 400 for a bad answer.
   void answer(const Json& body);
-  // Ends the session at its next call.
+  // Ends the session at its next call: a plug-in that computes has none, and the host has no other way to
+  // tell it.
   void end();
-  // {"log", "question" or null, "busy", "maps"}
+  // {"log", "question" or null, "busy", "maps", "ending": whether end() was called}
   [[nodiscard]] Json state() const;
 
  private:

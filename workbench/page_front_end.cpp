@@ -132,6 +132,7 @@ std::optional<std::string> PageFrontEnd::askFileToOpen(const host::FileQuestion&
 
 // Maps that cannot be drawn have been saved all the same.
 void PageFrontEnd::showSavedMaps(const std::string& path) {
+  const FolderGuard::Place saved = folders_.placeOf(std::filesystem::weakly_canonical(path));
   Json pictures = Json::array();
   std::string problem;
   try {
@@ -142,7 +143,10 @@ void PageFrontEnd::showSavedMaps(const std::string& path) {
   } catch (const formats::FileError& error) {
     problem = error.what();
   }
-  dialogs_.savedMaps({{"path", path}, {"pictures", pictures}, {"problem", problem}});
+  dialogs_.savedMaps({{"path", path},
+                      {"place", {{"folder", saved.folder}, {"path", saved.path}}},
+                      {"pictures", pictures},
+                      {"problem", problem}});
 }
 
 std::optional<std::string> PageFrontEnd::askFileToSave(const host::FileQuestion& question) {

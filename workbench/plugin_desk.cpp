@@ -97,6 +97,7 @@ nlohmann::ordered_json PluginDesk::state() const {
   json["message"] = message_;
   json["summary"] = summary_;
   json["recorded"] = recorded_;
+  json["anatomy"] = !options_.anatomyPath.empty();
   return json;
 }
 

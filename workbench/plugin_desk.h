@@ -34,7 +34,10 @@ class PluginDesk {
   void end();
   // end(), and waits for it.
   void stop();
-  // Of the dialogs, and {"state": "none|running|ended", "exitCode", "message", "summary", "recorded"}.
+  // The image that maps lie on, as it was given at the start; empty: none was.
+  [[nodiscard]] std::filesystem::path anatomy() const { return options_.anatomyPath; }
+  // Of the dialogs, and {"state": "none|running|ended", "exitCode", "message", "summary", "recorded",
+  // "anatomy": whether there is one}.
   [[nodiscard]] nlohmann::ordered_json state() const;
 
  private:

@@ -1,5 +1,6 @@
 #include "workbench/plugin_endpoints.h"
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 namespace workbench {
@@ -21,6 +22,16 @@ Reply endSession(PluginDesk& desk) {
   return emptyReply();
 }
 
+// It was named at the start, in whatever folder.
+Reply giveAnatomy(const PluginDesk& desk) {
+  Reply reply;
+  reply.file = desk.anatomy();
+  if (!std::filesystem::is_regular_file(reply.file)) throw Refusal(404, "The session has no anatomy.");
+  reply.type = "application/octet-stream";
+  reply.isFromUser = true;
+  return reply;
+}
+
 }  // namespace
 
 std::vector<Route> pluginRoutes(PluginDesk& desk, EventHub& news) {
@@ -28,6 +39,8 @@ std::vector<Route> pluginRoutes(PluginDesk& desk, EventHub& news) {
            [&](const Request&) { return jsonReply(desk.state()); }},
           {"GET", "/api/plugin/events", Access::kSession, kNoBody,
            [&](const Request&) { return eventReply(news.listen()); }},
+          {"GET", "/api/plugin/anatomy", Access::kSession, kNoBody,
+           [&](const Request&) { return giveAnatomy(desk); }},
           {"POST", "/api/plugin/start", Access::kToken, kSmallBody,
            [&](const Request& request) { return startSession(desk, request); }},
           {"POST", "/api/plugin/answer", Access::kToken, kSmallBody,

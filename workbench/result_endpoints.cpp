@@ -1,10 +1,19 @@
 #include "workbench/result_endpoints.h"
 
+#include <fmt/core.h>
+
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "formats/map_set.h"
+#include "report/reports.h"
 #include "report/study_outputs.h"
+#include "workbench/content_types.h"
+#include "workbench/group_list.h"
+#include "workbench/map_set_reply.h"
 #include "workbench/result_list.h"
+#include "workbench/result_underlays.h"
 
 namespace workbench {
 namespace {
@@ -14,30 +23,30 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMostRequests = 1'000;
 
-Json nullableText(const std::string& text) {
-  return text.empty() ? Json() : Json(text);
+// The address of the index over all requests of a folder, where there is one.
+Json indexAddress(const fs::path& folder, ReportKeys& keys) {
+  if (!hasIndex(folder)) return nullptr;
+  return fmt::format("reports/{}/{}", keys.keyOf(folder), report::kIndexFile);
 }
 
-// The index over all requests of a folder, where a report was written.
-std::string indexIn(const fs::path& folder) {
-  std::error_code ignored;
-  return fs::exists(folder / "index.html", ignored) ? "index.html" : "";
-}
-
-Json folderJson(const fs::path& folder, const FolderGuard& folders) {
+Json folderJson(const fs::path& folder, const FolderGuard& folders, ReportKeys& keys) {
   const FolderGuard::Place place = folders.placeOf(folder);
   return {{"folder", place.folder},
           {"path", place.path},
           {"requests", report::prefixesIn(folder)},
-          {"index", nullableText(indexIn(folder))}};
+          {"index", indexAddress(folder, keys)}};
 }
 
-Reply listFolders(const FolderGuard& folders) {
+fs::path placeIn(const FolderGuard& folders, const Request& request) {
+  return folders.resolved(request.queryText("folder"), request.queryText("path"));
+}
+
+Reply listFolders(const FolderGuard& folders, ReportKeys& keys) {
   std::set<fs::path> found;  // allowed folders may lie in each other
   for (const AllowedFolder& allowed : folders.folders())
     for (const fs::path& folder : resultFoldersIn(allowed.path)) found.insert(folder);
   Json list = Json::array();
-  for (const fs::path& folder : found) list.push_back(folderJson(folder, folders));
+  for (const fs::path& folder : found) list.push_back(folderJson(folder, folders, keys));
   return jsonReply({{"folders", list}});
 }
 
@@ -58,22 +67,65 @@ Json participantsOf(const Json& requests) {
 }
 
 Reply listResults(const FolderGuard& folders, const Request& request) {
-  const fs::path folder = folders.resolved(request.queryText("folder"), request.queryText("path"));
-  Json requests = Json::array();
+  const fs::path folder = placeIn(folders, request);
+  Json requests = Json::array(), groups = Json::array();
   bool areAll = true;
-  for (const fs::path& found : resultFoldersIn(folder))
+  for (const fs::path& found : resultFoldersIn(folder)) {
     for (const std::string& prefix : report::prefixesIn(found))
       if ((areAll = requests.size() < kMostRequests)) requests.push_back(requestJson(found, prefix, folders));
-  return jsonReply({{"participants", participantsOf(requests)}, {"requests", requests}, {"areAll", areAll}});
+    for (Json& group : groupsJson(found, folders)) groups.push_back(std::move(group));
+  }
+  return jsonReply({{"participants", participantsOf(requests)},
+                    {"requests", requests},
+                    {"groups", groups},
+                    {"areAll", areAll}});
+}
+
+Reply listUnderlays(const FolderGuard& folders, const Request& request) {
+  const fs::path folder = placeIn(folders, request);
+  if (!fs::is_directory(folder)) throw Refusal(404, "This is no folder.");
+  return jsonReply({{"underlays", underlaysOf(folder, request.queryText("name"), folders)}});
+}
+
+// A pipe or a device would never come to its end.
+Reply giveMapSet(const FolderGuard& folders, const Request& request) {
+  const fs::path file = placeIn(folders, request);
+  if (!fs::is_regular_file(file)) throw Refusal(404, "This is no file.");
+  return binaryReply(encodedMapSet(formats::loadMapSet(file.string())));
+}
+
+bool isAtOrBelow(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
+// Pages at or below the folder of the key, links out of it not followed.
+Reply givePage(const FolderGuard& folders, const ReportKeys& keys, const Request& request) {
+  const fs::path folder = keys.folderOf(request.part("key"));
+  const FolderGuard::Place place = folders.placeOf(folder);
+  const fs::path file = folders.resolved(place.folder, fs::path(place.path) / request.part("path"));
+  if (!isAtOrBelow(file, folder) || file.extension() != ".html")
+    throw Refusal(403, "This is no report page of the folder that the address is for.");
+  if (!fs::is_regular_file(file)) throw Refusal(404, "This is no file.");
+  Reply reply;
+  reply.file = file;
+  reply.type = contentTypeOf(file);
+  reply.isFromUser = true;
+  return reply;
 }
 
 }  // namespace
 
-std::vector<Route> resultRoutes(const FolderGuard& folders) {
+std::vector<Route> resultRoutes(const FolderGuard& folders, ReportKeys& keys) {
   return {{"GET", "/api/results", Access::kSession, kNoBody,
-           [&folders](const Request&) { return listFolders(folders); }},
+           [&](const Request&) { return listFolders(folders, keys); }},
           {"GET", "/api/results/list", Access::kSession, kNoBody,
-           [&folders](const Request& request) { return listResults(folders, request); }}};
+           [&folders](const Request& request) { return listResults(folders, request); }},
+          {"GET", "/api/results/underlays", Access::kSession, kNoBody,
+           [&folders](const Request& request) { return listUnderlays(folders, request); }},
+          {"GET", "/api/maps", Access::kSession, kNoBody,
+           [&folders](const Request& request) { return giveMapSet(folders, request); }},
+          {"GET", "/reports/{key}/{path...}", Access::kKnownAddress, kNoBody,
+           [&](const Request& request) { return givePage(folders, keys, request); }}};
 }
 
 }  // namespace workbench

@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "workbench/folder_guard.h"
+#include "workbench/report_keys.h"
 #include "workbench/route_table.h"
 
 namespace workbench {
 
-// Borrows it.
-[[nodiscard]] std::vector<Route> resultRoutes(const FolderGuard& folders);
+// Borrows both.
+[[nodiscard]] std::vector<Route> resultRoutes(const FolderGuard& folders, ReportKeys& keys);
 
 }  // namespace workbench
 

@@ -11,8 +11,12 @@
 
 namespace workbench {
 
-// Folders at or below this one that hold results, by path. Looks at most four levels down, as deep as data
-// sets lay them, and not at hidden folders, links, nor more than ten thousand folders.
+// Whether the index over all requests below a folder lies there.
+[[nodiscard]] bool hasIndex(const std::filesystem::path& folder);
+
+// Folders at or below this one that hold results of requests or of tests over participants, and those with
+// the index over them, by path. Looks at most four levels down, as deep as data sets lay them, and not at
+// hidden folders, links, nor more than ten thousand folders.
 [[nodiscard]] std::vector<std::filesystem::path> resultFoldersIn(const std::filesystem::path& folder);
 
 // "sub-01" of "sub-01_task-rest"; empty when there is none.

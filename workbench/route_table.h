@@ -12,9 +12,10 @@ namespace workbench {
 
 // Who may call an endpoint, beyond what holds for all (access_guard.h).
 enum class Access {
-  kEverybody,  // the page itself, which carries nothing of the user's
-  kSession,    // whoever has the cookie
-  kToken       // whoever has the cookie and says the token: all that changes something
+  kEverybody,     // the page itself, which carries nothing of the user's
+  kKnownAddress,  // whoever knows the address, which holds a secret (report_keys.h): the endpoint looks at it
+  kSession,       // whoever has the cookie
+  kToken          // whoever has the cookie and says the token: all that changes something
 };
 
 // Most bytes of a body.

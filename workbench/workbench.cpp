@@ -97,7 +97,7 @@ void Workbench::addRoutes(const Sources& sources) {
   routes_.add(pageRoutes());
   routes_.add(startRoutes(access_, folders_, words));
   routes_.add(fileRoutes(folders_));
-  routes_.add(resultRoutes(folders_));
+  routes_.add(resultRoutes(folders_, reportKeys_));
   routes_.add(runRoutes(*runs_, runNews_, folders_));
   routes_.add(exploreRoutes(*explore_, folders_));
   if (plugin_) routes_.add(pluginRoutes(*plugin_, pluginNews_));

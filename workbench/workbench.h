@@ -14,6 +14,7 @@
 #include "workbench/folder_guard.h"
 #include "workbench/http_server.h"
 #include "workbench/plugin_desk.h"
+#include "workbench/report_keys.h"
 #include "workbench/route_table.h"
 #include "workbench/run_desk.h"
 #include "workbench/sources.h"
@@ -45,6 +46,7 @@ class Workbench {
   HttpServer server_;
   AccessGuard access_;
   FolderGuard folders_;
+  ReportKeys reportKeys_;
   formats::ClaimedFolder claim_;  // its list of runs has one writer
   EventHub runNews_, pluginNews_;
   std::unique_ptr<Explore> explore_;

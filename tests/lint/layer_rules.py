@@ -29,7 +29,7 @@ ARROWS = {
     "cluster": {"formats"},
     "planning": {"tav", "request", "bids", "prepare", "results", "formats", "study"},
     "live": {"study", "tav", "io", "simo", "request", "prepare", "results", "formats"},
-    "workbench": {"live", "tav", "bids", "prepare", "formats", "host", "inspect", "report", "request", "results", "study"},
+    "workbench": {"live", "tav", "bids", "prepare", "formats", "group", "host", "inspect", "report", "request", "results", "study"},
     "app": {"simo", "io", "hostapi", "tav", "render", "formats", "host", "inspect", "request", "bids", "prepare",
             "results", "connectome", "report", "study", "group", "simulation", "cluster", "planning",
             "live", "workbench"},

@@ -4,11 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstring>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "formats/nifti.h"
 #include "tests/support/run_command_fixture.h"
+#include "tests/workbench/packed_reply.h"
 #include "workbench/exchange.h"
 
 namespace {
@@ -42,6 +46,18 @@ class ExploreSmall : public SmallStudyRun {
     std::uint32_t length = 0;
     std::memcpy(&length, reply.data(), 4);
     return Json::parse(reply.substr(4, length));
+  }
+  // p of dTAV as the page gets it, from the image of the request that was saved under this name; no entry
+  // where the image has none.
+  std::map<std::uint32_t, int> codesOfRun(const std::string& name) {
+    std::map<std::uint32_t, int> codes;
+    for (const auto& entry : fs::directory_iterator(results() / name)) {
+      if (!entry.path().filename().string().ends_with("dTAV_stat-p_statmap.nii.gz")) continue;
+      const std::vector<float> p = formats::readImage(entry.path().string()).values;
+      for (std::uint32_t cell = 0; cell < p.size(); ++cell)
+        if (!std::isnan(p[cell])) codes[cell] = static_cast<int>(std::lround(std::min(10 * p[cell], 254.0F)));
+    }
+    return codes;
   }
   template <class Call>
   static int refusalOf(Call call) {
@@ -88,6 +104,21 @@ TEST_F(ExploreSmall, AnswersMapsAndVoxels) {
   EXPECT_EQ(explore.voxel({{"mm", {5000, 0, 0}}})["status"], "outside the mask");
 }
 
+TEST_F(ExploreSmall, AVoxelIsOfTheMapsThatItsPageHas) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  const auto of = [&](int id) {
+    Json asked = label(id);
+    asked["mm"] = explore.study()->plan.space.grid.toMm({5, 5, 4});
+    return explore.voxel(asked)["maps"][0];
+  };
+  static_cast<void>(explore.maps(label(1)));
+  const Json first = of(1);
+  static_cast<void>(explore.maps(label(2)));  // as another page asks
+  EXPECT_NE(of(2)["value"], first["value"]);
+  EXPECT_EQ(of(1), first);
+}
+
 TEST_F(ExploreSmall, RefusesWhatCannotBeAsked) {
   workbench::Explore explore(options());
   ASSERT_EQ(settled(explore), "ready");
@@ -115,7 +146,7 @@ TEST_F(ExploreSmall, RefusesWhatCannotBeAsked) {
   EXPECT_EQ(refusalOf([&] { static_cast<void>(explore.save(nameless)); }), 400);
 }
 
-TEST_F(ExploreSmall, SavesARequestThatRuns) {
+TEST_F(ExploreSmall, SavesARequestWhoseRunHasThePThatWereShown) {
   workbench::Explore explore(options());
   ASSERT_EQ(settled(explore), "ready");
   Json asked = label(2);
@@ -124,7 +155,14 @@ TEST_F(ExploreSmall, SavesARequestThatRuns) {
   EXPECT_EQ(saved["path"], (folder() / "work" / "my-region.toml").string());
   const ProgramResult result = tavmap({"run", saved["path"], "--no-report", "--quiet"}, folder());
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_TRUE(fs::exists(results() / "my-region" / "my-region_seed-B_tavmap.json"));
+  const auto run = codesOfRun("my-region");
+  const auto shown = PackedReply(explore.maps(asked)).array<std::uint8_t>("what", "p");
+  const auto cells = explore.study()->cells;
+  ASSERT_FALSE(run.empty());
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (!run.contains(cells[i])) continue;
+    ASSERT_EQ(run.at(cells[i]), shown[i]) << "cell " << cells[i];
+  }
 }
 
 TEST_F(ExploreSmall, ChangesRunsByLoadingAnew) {

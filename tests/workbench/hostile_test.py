@@ -8,58 +8,15 @@ import json
 import os
 import socket
 import sys
-import tempfile
 import threading
-import time
 import unittest
 from pathlib import Path
-from urllib.parse import quote
 
-from bench_program import PATIENCE, Bench, parse, read_all
-
-PROGRAM = ""
-JSON = {"Content-Type": "application/json"}
+from bench_program import Bench, parse, read_all
+from hostile_bench import JSON, HostileBench
 
 
-class Hostile(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.scratch = tempfile.TemporaryDirectory()
-        folder = Path(cls.scratch.name)
-        (folder / "secret.txt").write_text("secret")
-        results = folder / "results"
-        (results / "inner").mkdir(parents=True)
-        (results / "page.html").write_text("<script>document.title = 'ran'</script>")
-        (results / "inner" / "table.tsv").write_text("a\tb\n")
-        (results / ".hidden").write_text("hidden")
-        (results / "link.txt").symlink_to(folder / "secret.txt")
-        (results / "out").symlink_to(folder)
-        (results / "alias.tsv").symlink_to(results / "inner" / "table.tsv")
-        os.mkfifo(results / "pipe")
-        cls.folder = folder
-        cls.bench = Bench(PROGRAM, ["results"], folder)
-        cls.bench.sign_in()
-
-    @classmethod
-    def tearDownClass(cls):
-        code = cls.bench.end()
-        cls.scratch.cleanup()
-        assert code == 0, f"ended with {code}: {cls.bench.said}"
-
-    def assert_refused(self, answer, status):
-        self.assertEqual(answer[0], status, answer)
-        self.assertIn("message", json.loads(answer[2]), answer)
-
-    def tearDown(self):
-        """It still answers; connections of the test may be being closed for a moment."""
-        end = time.monotonic() + PATIENCE
-        while (status := self.bench.get("/api/start")[0]) in (503, None) and time.monotonic() < end:
-            time.sleep(0.05)
-        self.assertEqual(status, 200, "it still answers")
-
-    def signed(self, **more):
-        return {"Cookie": self.bench.cookie, "X-Tavmap-Token": self.bench.token, **JSON, **more}
-
+class Hostile(HostileBench):
     # Who asks
 
     def test_other_hosts(self):
@@ -89,7 +46,8 @@ class Hostile(unittest.TestCase):
                        self.bench.cookie + "0", "x" + self.bench.cookie]:
             with self.subTest(cookie=cookie):
                 for path in ["/api/start", "/api/files?folder=results&path=", "/files/results/page.html", "/api/runs",
-                             "/api/results", "/api/runs/events"]:
+                             "/api/results", "/api/runs/events", "/api/maps?folder=results&path=page.html",
+                             "/api/results/underlays?folder=results&path=&name=x"]:
                     self.assert_refused(self.bench.ask("GET", path, {"Cookie": cookie}), 401)
 
     def test_wrong_token(self):
@@ -138,49 +96,6 @@ class Hostile(unittest.TestCase):
                 headers = self.bench.get(path)[1]
                 self.assertNotIn("access-control-allow-origin", headers)
                 self.assertIn("default-src 'none'", headers["content-security-policy"])
-
-    # Files
-
-    def test_ways_out_of_the_folders(self):
-        secret = str(self.folder / "secret.txt")
-        for path in ["../secret.txt", "%2e%2e/secret.txt", "%2e%2e%2fsecret.txt", "inner/../../secret.txt", "..",
-                     "inner/..%2f..%2fsecret.txt", quote(secret, safe=""), "%2fetc%2fpasswd", "/etc/passwd",
-                     "link.txt", "out/secret.txt", "out", ".hidden", "inner/./table.tsv"]:
-            with self.subTest(path=path):
-                answer = self.bench.get("/files/results/" + path)
-                self.assert_refused(answer, 403)
-                self.assertNotIn(b"secret\n", answer[2])
-                listed = self.bench.get(f"/api/files?folder=results&path={path}")
-                self.assertEqual(listed[0], 403, listed)
-
-    def test_names_that_no_file_has(self):
-        self.assert_refused(self.bench.get("/files/results/page.html%00.txt"), 400)
-        self.assert_refused(self.bench.get("/files/results/%0d%0aSet-Cookie:x"), 400)
-        self.assert_refused(self.bench.get("/api/files?folder=results&path=inner%00/../.."), 403)
-        for path in ["%252e%252e/secret.txt", "..%5csecret.txt%20", "none.txt", "inner/none.txt"]:
-            with self.subTest(path=path):
-                self.assertIn(self.bench.get("/files/results/" + path)[0], [403, 404])
-        self.assert_refused(self.bench.get("/files/none/page.html"), 404)
-        self.assert_refused(self.bench.get("/files/%2e%2e/secret.txt"), 404)
-
-    def test_what_is_no_file(self):
-        for path in ["pipe", "inner", ""]:
-            with self.subTest(path=path):
-                self.assert_refused(self.bench.get("/files/results/" + path), 404)
-
-    def test_lists_have_no_ways_out(self):
-        entries = self.bench.json("/api/files?folder=results&path=")["entries"]
-        self.assertEqual([entry["name"] for entry in entries], ["alias.tsv", "inner", "page.html"])
-
-    def test_users_files_have_no_rights(self):
-        status, headers, body = self.bench.get("/files/results/page.html")
-        self.assertEqual((status, body), (200, b"<script>document.title = 'ran'</script>"))
-        self.assertIn("sandbox allow-scripts", headers["content-security-policy"])
-        self.assertNotIn("allow-same-origin", headers["content-security-policy"])
-        self.assertEqual(headers["x-content-type-options"], "nosniff")
-
-    def test_links_within_are_followed(self):
-        self.assertEqual(self.bench.get("/files/results/alias.tsv")[::2], (200, b"a\tb\n"))
 
     # How much
 
@@ -290,20 +205,20 @@ class Hostile(unittest.TestCase):
             self.assertNotIn(f":{hexadecimal} 0000", Path("/proc/net/tcp6").read_text())
 
     def test_it_ends_while_clients_hang(self):
-        other = Bench(PROGRAM, ["results", "--work-folder", "other"], self.folder)
+        other = Bench(self.PROGRAM, ["results", "--work-folder", "other"], self.folder)
         with other.connect() as hanging:
             hanging.sendall(b"GET / HT")
             self.assertEqual(other.end(), 0)
 
     def test_a_port_is_not_shared(self):
         with self.assertRaisesRegex(AssertionError, "cannot be taken"):
-            Bench(PROGRAM, ["results", "--port", self.bench.port, "--work-folder", "other"], self.folder)
+            Bench(self.PROGRAM, ["results", "--port", self.bench.port, "--work-folder", "other"], self.folder)
 
     def test_a_work_folder_has_one_workbench(self):
         with self.assertRaisesRegex(AssertionError, "process"):
-            Bench(PROGRAM, ["results"], self.folder)
+            Bench(self.PROGRAM, ["results"], self.folder)
 
 
 if __name__ == "__main__":
-    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    HostileBench.PROGRAM = os.path.abspath(sys.argv.pop(1))
     unittest.main()

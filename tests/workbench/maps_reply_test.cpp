@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <nlohmann/json.hpp>
+
+#include "tests/workbench/packed_reply.h"
 
 namespace {
 
@@ -29,39 +30,13 @@ live::LiveMaps someMaps(live::Care care) {
   return maps;
 }
 
-struct Read {
-  json header;
-  std::string bytes;
-
-  explicit Read(std::string reply) : bytes(std::move(reply)) {
-    std::uint32_t length = 0;
-    std::memcpy(&length, bytes.data(), 4);
-    EXPECT_EQ((4 + length) % 8, 0U);
-    header = json::parse(bytes.substr(4, length));
-  }
-  template <class Value>
-  std::vector<Value> array(const char* what) const {
-    for (const json& one : header["arrays"]) {
-      if (one["what"] != what) continue;
-      const std::size_t offset = one["offset"];
-      EXPECT_EQ(offset % 8, 0U);
-      std::vector<Value> values(header["voxels"].get<std::size_t>());
-      EXPECT_LE(offset + values.size() * sizeof(Value), bytes.size());
-      std::memcpy(values.data(), bytes.data() + offset, values.size() * sizeof(Value));
-      return values;
-    }
-    ADD_FAILURE() << "no array " << what;
-    return {};
-  }
-};
-
 TEST(MapsReply, AFullResultHasTheVeryValues) {
   const live::LiveMaps maps = someMaps(live::Care::kFull);
-  const Read read(workbench::encodedMaps({maps, {0, 3, 1}, 17, 4.5, {"a warning"}}));
-  const auto values = read.array<float>("value");
+  const PackedReply read(workbench::encodedMaps({maps, {0, 3, 1}, 17, 4.5, {"a warning"}}));
+  const auto values = read.array<float>("what", "value");
   EXPECT_EQ(std::memcmp(values.data(), maps.maps[0].values.data(), sizeof(float) * 3), 0);
-  EXPECT_EQ(read.array<std::uint8_t>("p"), (std::vector<std::uint8_t>{30, 0, 255}));
-  EXPECT_EQ(read.array<std::uint8_t>("direction"), (std::vector<std::uint8_t>{0, 3, 1}));
+  EXPECT_EQ(read.array<std::uint8_t>("what", "p"), (std::vector<std::uint8_t>{30, 0, 255}));
+  EXPECT_EQ(read.array<std::uint8_t>("what", "direction"), (std::vector<std::uint8_t>{0, 3, 1}));
   EXPECT_EQ(read.header["draft"], false);
   EXPECT_EQ(read.header["draws"], 20);
   EXPECT_EQ(read.header["sequence"], 17);
@@ -72,12 +47,12 @@ TEST(MapsReply, AFullResultHasTheVeryValues) {
 
 TEST(MapsReply, ADraftIsShortAndHasNoP) {
   const live::LiveMaps maps = someMaps(live::Care::kDraft);
-  const Read read(workbench::encodedMaps({maps, {}, 1, 0, {}}));
+  const PackedReply read(workbench::encodedMaps({maps, {}, 1, 0, {}}));
   EXPECT_EQ(read.header["draft"], true);
   EXPECT_EQ(read.header["draws"], 1);
   ASSERT_EQ(read.header["arrays"].size(), 1U);
   const float scale = read.header["arrays"][0]["scale"];
-  const auto codes = read.array<std::int16_t>("value");
+  const auto codes = read.array<std::int16_t>("what", "value");
   EXPECT_EQ(codes[1], -32767) << "the largest magnitude has the largest code";
   EXPECT_EQ(codes[2], -32768) << "none";
   EXPECT_NEAR(static_cast<float>(codes[0]) * scale, 1.5F, 1e-4F);
@@ -85,7 +60,8 @@ TEST(MapsReply, ADraftIsShortAndHasNoP) {
 
 TEST(MapsReply, AThresholdThatNothingReachesIsNone) {
   const live::LiveMaps maps = someMaps(live::Care::kFull);
-  const json thresholds = Read(workbench::encodedMaps({maps, {}, 1, 0, {}})).header["maps"][0]["thresholds"];
+  const json thresholds =
+      PackedReply(workbench::encodedMaps({maps, {}, 1, 0, {}})).header["maps"][0]["thresholds"];
   EXPECT_EQ(thresholds[0]["q"], 0.01);
   EXPECT_TRUE(thresholds[0]["threshold"].is_null());
   EXPECT_EQ(thresholds[1]["threshold"], 2.5);
@@ -95,8 +71,8 @@ TEST(MapsReply, AThresholdThatNothingReachesIsNone) {
 TEST(MapsReply, AMapOfZerosHasAScale) {
   live::LiveMaps maps = someMaps(live::Care::kDraft);
   maps.maps[0].values = {0, 0, 0};
-  const Read read(workbench::encodedMaps({maps, {}, 1, 0, {}}));
-  EXPECT_EQ(read.array<std::int16_t>("value"), (std::vector<std::int16_t>{0, 0, 0}));
+  const PackedReply read(workbench::encodedMaps({maps, {}, 1, 0, {}}));
+  EXPECT_EQ(read.array<std::int16_t>("what", "value"), (std::vector<std::int16_t>{0, 0, 0}));
   EXPECT_EQ(read.header["arrays"][0]["scale"], 1);
 }
 

@@ -97,6 +97,7 @@ TEST_F(PageDialogsTest, ShowSavedMapsWithTheirPictures) {
   frontEnd.showSavedMaps("");
   const Json maps = dialogs.state()["maps"];
   EXPECT_EQ(maps[0]["path"], "a.tav");
+  EXPECT_EQ(maps[0]["place"]["path"], "") << "it lies in no folder that may be read";
   EXPECT_EQ(maps[0]["pictures"][0], (Json{{"folder", "data"}, {"path", "a.png"}}));
   EXPECT_EQ(maps[1]["problem"], "maps: is empty. Save it.");
 }
@@ -120,6 +121,16 @@ TEST_F(PageDialogsTest, AnEndedSessionEndsTheRun) {
   dialogs.end();
   EXPECT_THROW(yes.get(), host::RunEnded);
   EXPECT_THROW(frontEnd.log("x"), host::RunEnded);
+}
+
+TEST_F(PageDialogsTest, PagesKnowThatASessionIsToEnd) {
+  frontEnd.setBusy(true);
+  EXPECT_FALSE(dialogs.state()["ending"]);
+  dialogs.end();
+  EXPECT_TRUE(dialogs.state()["ending"]) << "the plug-in computes and has not called yet";
+  EXPECT_THROW(frontEnd.setBusy(false), host::RunEnded);
+  dialogs.begin();
+  EXPECT_FALSE(dialogs.state()["ending"]);
 }
 
 }  // namespace

@@ -4,10 +4,12 @@
 Usage: sessions_test.py PROGRAM PLUGIN
 """
 
+import gzip
 import json
 import os
 import shutil
 import subprocess
+import struct
 import sys
 import tempfile
 import unittest
@@ -157,7 +159,27 @@ class Sessions(unittest.TestCase):
         for picture in saved[0]["pictures"]:
             status, headers, data = self.bench.get(f"/files/{quote(picture['folder'])}/{quote(picture['path'])}")
             self.assertEqual((status, headers["content-type"], data[1:4]), (200, "image/png", b"PNG"))
+        place = saved[0]["place"]
+        status, _, packed = self.bench.get(f"/api/maps?folder={quote(place['folder'])}&path={quote(place['path'])}")
+        self.assertEqual(status, 200)
+        self.assert_packs(packed, Path(saved[0]["path"]))
+        status, _, anatomy = self.bench.get("/api/plugin/anatomy")
+        self.assertEqual((status, anatomy), (200, (self.sim / "anatomy.nii.gz").read_bytes()))
         self.made()
+
+    def assert_packs(self, packed, file):
+        """Every map's values, as the image in the file has them: floats behind its header, map after map."""
+        length = int.from_bytes(packed[:4], "little")
+        header = json.loads(packed[4:4 + length])
+        data = file.read_bytes()
+        data = gzip.decompress(data) if data[:2] == b"\x1f\x8b" else data
+        start = int(struct.unpack_from("<f", data, 108)[0])
+        values = 4 * header["voxels"]
+        self.assertTrue(header["maps"])
+        self.assertEqual(len(header["arrays"]), len(header["maps"]))
+        for number, array in enumerate(header["arrays"]):
+            stored = data[start + number * values:start + (number + 1) * values]
+            self.assertEqual(packed[array["offset"]:array["offset"] + values], stored, array)
 
     def test_a_list_goes_as_data(self):
         choices = self.start()["question"]["choices"]

@@ -1,14 +1,14 @@
 // How fast the workbench follows the mouse, in Chromium: node bench/drag.mjs [--minutes N]
 //
 // Prints the time from the start to the first picture, from a move of the mouse to new values in the page and to their
-// picture (median and 95 %), maps per second while dragging; with --minutes also what the page's heap and the
-// browser's processes grow by. TAVMAP_ADDRESS: the address that a running `tavmap workbench` printed; without it the
+// picture (median and 95 %), maps per second while dragging; with --minutes also a table of what the page's heap, the
+// browser's processes and the program hold while it is dragged for so long, and what they grow by. TAVMAP_ADDRESS: the address that a running `tavmap workbench` printed; without it the
 // made-up program of fixtures/ is measured, which says what the page alone takes. TAVMAP_PID: the program, whose memory
 // is then watched as well.
-import { readdirSync, readFileSync } from "node:fs";
 import { launch } from "../browser-tests/browser.mjs";
 import { calibrated, pointAt } from "../browser-tests/workbench.mjs";
 import { startServer } from "../fixtures/workbench/server.mjs";
+import { memoryNow, printGrowth } from "./memory.mjs";
 
 // In the page: notes when values and pictures of a move are there. Reading a pixel waits for the graphics.
 function watchDrags() {
@@ -28,7 +28,9 @@ function watchDrags() {
     response.arrayBuffer = async () => {
       const buffer = await read();
       seen.values.push(performance.now() - stamp);
-      const header = new TextDecoder().decode(new Uint8Array(buffer, 4, new DataView(buffer).getUint32(0, true)));
+      const header = new TextDecoder().decode(
+        new Uint8Array(buffer, 4, new DataView(buffer).getUint32(0, true)),
+      );
       seen.program.push(JSON.parse(header).elapsedMs);
       seen.drafts += 1;
       newest = stamp;
@@ -84,36 +86,22 @@ async function drag(page, seconds) {
   return (Date.now() - started) / 1000;
 }
 
-function residentMegabytes(pid) {
-  try {
-    return Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${pid}/status`, "utf8"))?.[1] ?? 0) / 1024;
-  } catch {
-    return 0; // it has ended
+const kSamples = 10;
+
+// Drags for so long and measures on the way, each time when the reference has come to rest.
+async function growth(page, seconds) {
+  const started = Date.now();
+  const sample = async () => ({
+    seconds: (Date.now() - started) / 1000,
+    ...(await memoryNow(page, process.env.TAVMAP_PID)),
+  });
+  const samples = [await sample()];
+  for (let n = 0; n < kSamples; ++n) {
+    await drag(page, seconds / kSamples);
+    await calibrated(page);
+    samples.push(await sample());
   }
-}
-
-function childrenOf(parent) {
-  const all = readdirSync("/proc").filter((name) => /^\d+$/.test(name));
-  const parentOf = (pid) => {
-    try {
-      return Number(/\) \S (\d+)/.exec(readFileSync(`/proc/${pid}/stat`, "utf8"))?.[1]);
-    } catch {
-      return 0;
-    }
-  };
-  const own = all.filter((pid) => parentOf(pid) === Number(parent));
-  return [...own, ...own.flatMap((pid) => childrenOf(pid))];
-}
-
-async function memory(page) {
-  const session = await page.context().newCDPSession(page);
-  await session.send("HeapProfiler.collectGarbage");
-  await session.send("Performance.enable");
-  const { metrics } = await session.send("Performance.getMetrics");
-  await session.detach();
-  const heap = metrics.find(({ name }) => name === "JSHeapUsedSize").value / 2 ** 20;
-  const browser = childrenOf(process.pid).reduce((sum, pid) => sum + residentMegabytes(pid), 0);
-  return { heap, browser, program: residentMegabytes(process.env.TAVMAP_PID ?? 0) };
+  printGrowth(samples);
 }
 
 function minutes() {
@@ -135,7 +123,13 @@ await calibrated(page);
 async function measured(isDrawing) {
   await page.evaluate(
     (drawing) =>
-      Object.assign(window.tavmapSeen, { values: [], program: [], pictures: [], drafts: 0, isDrawing: drawing }),
+      Object.assign(window.tavmapSeen, {
+        values: [],
+        program: [],
+        pictures: [],
+        drafts: 0,
+        isDrawing: drawing,
+      }),
     isDrawing,
   );
   const seconds = await drag(page, 15);
@@ -151,16 +145,6 @@ line("mouse to values, drawn in software", drawn.values);
 line("of it the program", drawn.program);
 line("mouse to picture", drawn.pictures);
 console.log(`maps per second while dragging: ${(drawn.drafts / drawn.seconds).toFixed(1)}`);
-if (minutes() > 0) {
-  const before = await memory(page);
-  await drag(page, 60 * minutes());
-  await calibrated(page);
-  const after = await memory(page);
-  for (const part of Object.keys(before)) {
-    console.log(
-      `${part}: ${before[part].toFixed(0)} MB, after ${minutes()} minutes ${after[part].toFixed(0)} MB`,
-    );
-  }
-}
+if (minutes() > 0) await growth(page, 60 * minutes());
 await browser.close();
 await played?.close();

@@ -51,24 +51,38 @@ function addressFrom(child) {
   });
 }
 
-// {address, data, close}
-export async function startProgram() {
-  const { root, data } = madeFolder();
-  const sim = (name) => join(data, "sim", name);
-  const session = ["--plugin", kPlugin, "--vtc", sim("run-1.vtc"), "--vois", sim("dseg.nii.gz")];
-  const files = ["--anatomy", sim("anatomy.nii.gz"), ...session];
-  const child = spawn(
-    kProgram,
-    ["workbench", data, "--no-browser", "--work-folder", join(root, "work"), ...files],
-    { cwd: root },
-  );
+// The workbench, started in this folder. {address, close}: close resolves to its exit code.
+export async function startIn(folder, words) {
+  const child = spawn(kProgram, ["workbench", ...words, "--no-browser"], { cwd: folder });
   const address = await addressFrom(child);
   const close = async () => {
     const ended = new Promise((resolve) => child.once("exit", resolve));
     child.kill("SIGINT");
-    const code = await ended;
+    return ended;
+  };
+  return { address, close };
+}
+
+// {address, data, work, close}. withResults: those of "made.toml" are there, in "out"; explore: its run is open.
+export async function startProgram({ withResults = false, explore = false } = {}) {
+  const { root, data } = madeFolder();
+  if (withResults) execFileSync(kProgram, ["run", join(data, "made.toml")], { stdio: "ignore" });
+  const sim = (name) => join(data, "sim", name);
+  const session = ["--plugin", kPlugin, "--vtc", sim("run-1.vtc"), "--vois", sim("dseg.nii.gz")];
+  const opened = explore ? [join(data, "made.toml"), "--folder", data] : [data];
+  const words = [
+    ...opened,
+    "--work-folder",
+    join(root, "work"),
+    "--anatomy",
+    sim("anatomy.nii.gz"),
+    ...session,
+  ];
+  const { address, close } = await startIn(root, words);
+  const closeAll = async () => {
+    const code = await close();
     rmSync(root, { recursive: true });
     return code;
   };
-  return { address, data, close };
+  return { address, data, work: join(root, "work"), close: closeAll };
 }

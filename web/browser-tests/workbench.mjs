@@ -91,6 +91,11 @@ const kFrame = 8; // pixels: the focus has a coloured frame
 // How many pixels of a brain are coloured rather than grey, and how many are not black.
 export async function colouredPixels(page, part) {
   const picture = await page.locator(`[data-part=${part}]`).screenshot();
+  return colouredIn(page, picture.toString("base64"));
+}
+
+// The same of a picture that was taken already.
+export function colouredIn(page, base64Picture) {
   return page.evaluate(
     async ([base64, frame]) => {
       const image = new Image();
@@ -109,7 +114,7 @@ export async function colouredPixels(page, part) {
       }
       return { coloured, lit };
     },
-    [picture.toString("base64"), kFrame],
+    [base64Picture, kFrame],
   );
 }
 

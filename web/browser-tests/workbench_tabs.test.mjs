@@ -3,47 +3,26 @@ import assert from "node:assert/strict";
 import { existsSync } from "node:fs";
 import { join } from "node:path";
 import { after, before, describe, it } from "node:test";
-import axe from "axe-core";
 import { launch } from "./browser.mjs";
 import { kSlow, kWithoutProgram, startProgram } from "./program.mjs";
+import {
+  answerAll,
+  answersOf,
+  openPage as openProgramPage,
+  openTab,
+  press,
+  seriousFindings,
+} from "./program_page.mjs";
 
 const kLong = 60_000;
-const kSerious = new Set(["serious", "critical"]);
 
 let browser;
 let program;
 const problems = [];
 
-function noteProblems(page) {
-  const { origin } = new URL(program.address);
-  page.on("console", (message) => {
-    if (["error", "warning"].includes(message.type())) problems.push(message.text());
-  });
-  page.on("pageerror", (error) => problems.push(String(error)));
-  page.on("request", (request) => {
-    if (!request.url().startsWith(`${origin}/`)) problems.push(request.url());
-  });
-}
-
-async function openPage() {
-  const page = await (await browser.newContext({ reducedMotion: "reduce" })).newPage();
-  await page.addInitScript(() => localStorage.setItem("tavmap-tour", "seen"));
-  noteProblems(page);
-  await page.goto(program.address);
-  await page.waitForSelector(".tabs");
-  return page;
-}
-
+const openPage = () => openProgramPage(browser, program.address, problems);
 const closePage = (page) => page.context().close();
-const openTab = (page, name) => page.getByRole("tab", { name, exact: true }).click();
-const press = (within, name) => within.getByRole("button", { name, exact: true }).click();
 const runIn = (page, state) => page.locator(`.run[data-state=${state}]`);
-
-async function seriousFindings(page) {
-  await page.evaluate(axe.source);
-  const { violations } = await page.evaluate(() => globalThis.axe.run());
-  return violations.filter(({ impact }) => kSerious.has(impact)).map(({ id, help }) => `${id}: ${help}`);
-}
 
 async function startRun(page, name) {
   await openTab(page, "Runs");
@@ -52,53 +31,20 @@ async function startRun(page, name) {
   await press(page.locator(".panel-runs"), name);
 }
 
-// Into data/sim, wherever the chooser begins.
-async function enterData(form) {
-  await form.locator(".file-list button").first().waitFor();
-  const where = await form.locator(".file-where").textContent();
-  if (where === "data/sim") return;
-  if (where === "Folders:") await press(form, program.data);
-  await press(form, "sim/");
-}
-
-const typeIn = (value) => async (form) => {
-  await form.locator("input[type=text]").fill(value);
-  await press(form, "OK");
-};
-const pressed = (name) => (form) => press(form, name);
-
-async function openFile(form) {
-  await enterData(form);
-  await press(form, "run-1.vtc");
-}
-
-async function saveFile(form) {
-  await enterData(form);
-  await form.locator(".file-where", { hasText: "data/sim" }).waitFor();
-  await form.getByLabel("Name").fill("page");
-  await press(form, "Save");
-}
-
-// The reference by its name in the list, then no more; one condition, typed, on one run; saved.
-const kAnswers = [
-  pressed("1. Reference"),
-  typeIn("0"),
-  typeIn("1"),
-  typeIn("whole"),
-  openFile,
-  typeIn("1"),
-  typeIn("80"),
-  pressed("Cancel"),
-  typeIn(""),
-  saveFile,
-];
-
-async function answerAll(page) {
-  for (const answer of kAnswers) {
-    const form = await page.waitForSelector("form.question", { timeout: kLong });
-    await answer(page.locator("form.question"));
-    await page.waitForFunction((old) => !old.isConnected, form, { timeout: kLong });
+// Cancels what is asked from now on, and closes messages: dialogs that the plug-in insists on end with the session.
+async function cancelUntilTheEnd(page) {
+  const ended = page.locator(".session-state", { hasText: "The session has ended" });
+  for (let n = 0; n < 5; ++n) {
+    const form = page.locator("form.question");
+    await ended.or(form).first().waitFor({ timeout: kLong });
+    if (await ended.isVisible()) return;
+    const question = await page.waitForSelector("form.question", { timeout: kLong });
+    const close = form.getByRole("button", { name: /^(Cancel|OK|No)$/ });
+    await close.last().click();
+    await page.waitForFunction((old) => !old.isConnected, question, { timeout: kLong });
   }
+  await press(page, "End the session");
+  await ended.waitFor({ timeout: kLong });
 }
 
 describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
@@ -154,11 +100,24 @@ describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
     await closePage(first);
     const page = await openPage();
     await openTab(page, "Plug-in");
-    await answerAll(page);
+    await answerAll(page, program.data, "page");
     await page.getByText("The session has ended well.").waitFor({ timeout: kLong });
     assert.ok(existsSync(join(program.data, "sim", "page_Reference.tav")));
     assert.match(await page.locator(".session-maps").textContent(), /page_Reference\.tav/);
     assert.match(await page.locator(".session-log").textContent(), /Done, all computations/);
+    await closePage(page);
+  });
+
+  it("takes a cancel at every dialog of a session", async () => {
+    const page = await openPage();
+    await openTab(page, "Plug-in");
+    const answers = answersOf(program.data, "cancelled");
+    for (let dialog = 0; dialog < answers.length; ++dialog) {
+      await press(page, "Start a session");
+      await page.waitForSelector("form.question", { timeout: kLong });
+      await answerAll(page, program.data, "cancelled", answers.slice(0, dialog));
+      await cancelUntilTheEnd(page);
+    }
     await closePage(page);
   });
 

@@ -3,21 +3,18 @@
 import { make } from "../../page/dom";
 import { BrainCanvas } from "./brain_canvas";
 import { levelFull } from "./colour_range";
-import type { Explorer } from "./explorer";
-import { kShowing, type ExploreState } from "./explore_state";
 import { OncePerFrame } from "./frames";
+import { kShowing, type MapView, type ViewState } from "./map_view";
 import { OverlayPainter } from "./overlay_painter";
 import { followPointer, turnByPointer } from "./pointer";
-import { placesOf, shellOf } from "./reference";
 import { levelOf } from "./threshold_choice";
 
 const kPlanesWords =
   "Three planes through the crosshair: sagittal, coronal, axial; left on the left. Arrows and Page " +
-  "keys move the crosshair, with Shift the reference.";
+  "keys move the crosshair";
 const kUndrawn =
-  "This browser has no WebGL 2, so the brain cannot be drawn. Maps, clusters and the panels of the " +
-  "voxel work: move the crosshair and the reference with the keyboard. Another browser, or its " +
-  "setting of hardware acceleration, may help.";
+  "This browser has no WebGL 2, so the brain cannot be drawn. All else works: move with the keyboard. " +
+  "Another browser, or its setting of hardware acceleration, may help.";
 const kSolidWords = "The brain as a solid, seen from outside. Arrows turn it.";
 
 function labelled(canvas: BrainCanvas, words: string, part: string): void {
@@ -35,32 +32,46 @@ export class BrainViews {
   private readonly frame = new OncePerFrame(() => {
     this.paint();
   });
-  region: readonly number[] = []; // places on the edge of the reference
+  private edge: readonly number[] = [];
 
-  constructor(private readonly explorer: Explorer) {
-    this.painter = new OverlayPainter(explorer.images);
-    labelled(this.planes, kPlanesWords, "planes");
+  // keys: what else they do, behind "Arrows and Page keys move the crosshair".
+  constructor(
+    private readonly view: MapView,
+    keys: string,
+  ) {
+    this.painter = new OverlayPainter(view.images);
+    labelled(this.planes, kPlanesWords + keys, "planes");
     labelled(this.solid, kSolidWords, "solid");
+  }
+
+  // Places on the edge of the reference, which are drawn over the map.
+  get region(): readonly number[] {
+    return this.edge;
+  }
+
+  set region(places: readonly number[]) {
+    this.edge = places;
+    this.frame.ask();
   }
 
   // The element must be on the page. Resolves to whether the browser can draw: it needs WebGL 2.
   async openPlanes(): Promise<boolean> {
     this.watch();
     try {
-      await this.planes.open(this.explorer.images);
+      await this.planes.open(this.view.images);
     } catch {
       this.element.replaceChildren(
         make("p", { class: "problem", text: kUndrawn, attributes: { role: "alert" } }),
       );
       return false;
     }
-    followPointer(this.planes, this.explorer);
-    this.planes.moveTo(this.explorer.store.now.crosshair);
+    followPointer(this.planes, this.view);
+    this.planes.moveTo(this.view.store.now.crosshair);
     return true;
   }
 
   async openSolid(): Promise<void> {
-    await this.solid.open(this.explorer.images);
+    await this.solid.open(this.view.images);
     turnByPointer(this.solid);
     this.frame.ask();
   }
@@ -71,26 +82,20 @@ export class BrainViews {
   }
 
   private watch(): void {
-    const { store } = this.explorer;
-    const moved = ({ crosshair }: ExploreState): void => {
+    const { store } = this.view;
+    const moved = ({ crosshair }: ViewState): void => {
       this.planes.moveTo(crosshair);
     };
-    const surrounded = ({ reference }: ExploreState): void => {
-      const { mask, labelOf } = this.explorer.images;
-      this.region = shellOf(placesOf(reference, mask, labelOf), mask);
-      this.frame.ask();
-    };
     store.on(["crosshair"], moved);
-    store.on(["reference"], surrounded);
     store.on(kShowing, () => {
       this.frame.ask();
     });
     moved(store.now);
-    surrounded(store.now);
+    this.frame.ask();
   }
 
   private paint(): void {
-    const { maps, type, choice, shown, hideBelow, faintUnsupported } = this.explorer.store.now;
+    const { maps, type, choice, shown, hideBelow, faintUnsupported } = this.view.store.now;
     const map = shown ? (maps?.maps.get(type) ?? null) : null;
     const level = map === null ? Infinity : levelOf(choice, map);
     const full = map === null ? 1 : levelFull(map, maps?.header.draft === true);

@@ -91,5 +91,6 @@ export interface VoxelRequest {
   readonly mm: Millimetres;
   readonly reference: Reference;
   readonly condition: string;
+  readonly types: readonly string[];
   readonly settings: Settings;
 }

@@ -1,27 +1,19 @@
 // What the Explore tab shows and asks for.
 import type { ReadyData, Millimetres, Reference, Settings } from "./explore_data";
-import type { MapsReply } from "./maps_reply";
-import type { ThresholdChoice } from "./threshold_choice";
+import type { ViewState } from "./map_view";
 
 // What the mouse moves: the reference (which is then drawn where the kind says so), or the crosshair.
 export type MouseMoves = "reference" | "crosshair";
 export type ReferenceKind = "sphere" | "cursor" | "label" | "voxels";
 
-export interface ExploreState {
+export interface ExploreState extends ViewState {
   readonly kind: ReferenceKind;
   readonly reference: Reference;
   readonly radiusMm: number;
   readonly erase: boolean;
   readonly mouse: MouseMoves;
-  readonly crosshair: Millimetres;
   readonly condition: string;
-  readonly type: string;
   readonly settings: Settings; // those alone that differ from the program's
-  readonly choice: ThresholdChoice;
-  readonly shown: boolean;
-  readonly hideBelow: boolean;
-  readonly faintUnsupported: boolean;
-  readonly maps: MapsReply | null;
   readonly waiting: boolean; // what is on the screen is not what was asked for last
   readonly problem: string | null;
 }
@@ -51,13 +43,3 @@ export function firstState(data: ReadyData, middle: Millimetres): ExploreState {
     problem: null,
   };
 }
-
-// What the picture of the map depends on.
-export const kShowing: readonly (keyof ExploreState)[] = [
-  "maps",
-  "type",
-  "choice",
-  "shown",
-  "hideBelow",
-  "faintUnsupported",
-];

@@ -25,6 +25,7 @@ import { MapSource } from "./map_source";
 import { ClusterTable } from "./panels/cluster_table";
 import { VoxelPanels } from "./panels/voxel_panels";
 import { readoutLines } from "./readout_lines";
+import { placesOf, shellOf } from "./reference";
 import { loadImages } from "./run_images";
 import { SaveControls } from "./saving/save_controls";
 import { Store } from "./store";
@@ -43,6 +44,15 @@ function readoutView(explorer: Explorer): HTMLElement {
   explorer.store.on(["crosshair", "maps", "type", "choice"], show);
   show(explorer.store.now);
   return list.element;
+}
+
+// The edge of the reference, wherever it is.
+function surround(brains: BrainViews, { images, store }: Explorer): void {
+  const show = ({ reference }: ExploreState): void => {
+    brains.region = shellOf(placesOf(reference, images.mask, images.labelOf), images.mask);
+  };
+  store.on(["reference"], show);
+  show(store.now);
 }
 
 function compareStore(data: ReadyData): Store<CompareState> {
@@ -67,6 +77,8 @@ function controlsOf(
     saving,
   );
 }
+
+const kKeys = ", with Shift the reference.";
 
 function helpOn(root: HTMLElement, explorer: Explorer, shell: Shell): void {
   const [keys, tour] = [new KeyList(), new Tour()];
@@ -103,7 +115,8 @@ interface Parts {
 // The elements of the tab, in `root`.
 function layOut(root: HTMLElement, explorer: Explorer, context: ExploreContext): Parts {
   const { server, shell, replan } = context;
-  const brains = new BrainViews(explorer);
+  const brains = new BrainViews(explorer, kKeys);
+  surround(brains, explorer);
   const compare = compareStore(explorer.data);
   const region = (): readonly number[] => brains.region;
   watchCondition(explorer, compare, server, region);

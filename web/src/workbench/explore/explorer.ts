@@ -2,17 +2,32 @@
 import type { Triple } from "../../data/page_data";
 import type { ReadyData, Millimetres } from "./explore_data";
 import type { ExploreState } from "./explore_state";
+import { stepThreshold, steppedMm, type MapView } from "./map_view";
 import { centreOf, placesInSphere } from "./reference";
 import type { RunImages } from "./run_images";
 import type { Store } from "./store";
-import { stepped } from "./threshold_choice";
+import { badgeOf } from "./state_words";
 
-export class Explorer {
+export class Explorer implements MapView {
   constructor(
     readonly data: ReadyData,
     readonly images: RunImages,
     readonly store: Store<ExploreState>,
   ) {}
+
+  stateWords(): string {
+    const { maps, settings } = this.store.now;
+    return badgeOf(maps, settings.draws ?? this.data.settings.draws).words;
+  }
+
+  isFinding(): boolean {
+    return true;
+  }
+
+  // The label under the cursor needs no button.
+  get hovers(): boolean {
+    return this.store.now.kind === "cursor" && this.store.now.mouse === "reference";
+  }
 
   moveCrosshair(mm: Millimetres): void {
     this.store.change({ crosshair: mm });
@@ -63,16 +78,18 @@ export class Explorer {
   stepReference(by: Triple): void {
     const { kind } = this.store.now;
     if (kind === "label" || kind === "cursor") this.stepLabel(by[0] + by[1] + by[2] > 0 ? 1 : -1);
-    else this.moveReference(this.stepped(kind === "voxels" ? this.store.now.crosshair : this.centre(), by));
+    else
+      this.moveReference(
+        steppedMm(this.images, kind === "voxels" ? this.store.now.crosshair : this.centre(), by),
+      );
   }
 
   stepCrosshair(by: Triple): void {
-    this.moveCrosshair(this.stepped(this.store.now.crosshair, by));
+    this.moveCrosshair(steppedMm(this.images, this.store.now.crosshair, by));
   }
 
   stepThreshold(by: 1 | -1): void {
-    const { choice } = this.store.now;
-    this.store.change({ choice: stepped(choice, this.data.settings.qValues ?? [], by) });
+    stepThreshold(this, by);
   }
 
   centre(): Millimetres {
@@ -97,11 +114,5 @@ export class Explorer {
     const { labels } = this.data;
     const at = labels.findIndex(({ id }) => reference.kind === "label" && reference.id === id);
     this.takeLabel(labels[(at + by + labels.length) % labels.length]?.id ?? 0);
-  }
-
-  private stepped(mm: Millimetres, by: Triple): Millimetres {
-    const { affine } = this.images.mask.grid;
-    const edge = Math.hypot(...[0, 1, 2].map((row) => affine[row]?.[0] ?? 0));
-    return [mm[0] + by[0] * edge, mm[1] + by[1] * edge, mm[2] + by[2] * edge];
   }
 }

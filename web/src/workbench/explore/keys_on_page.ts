@@ -1,9 +1,16 @@
 // Keys of the Explore tab, wherever the focus is, but where an element has a use of its own for them.
-import type { Explorer } from "./explorer";
+import type { Triple } from "../../data/page_data";
 import { keyAction, takesKey, type KeyAction } from "./keyboard";
+import type { MapView } from "./map_view";
+
+export interface Steerable extends Pick<MapView, "store"> {
+  stepCrosshair(by: Triple): void;
+  stepReference(by: Triple): void;
+  stepThreshold(by: 1 | -1): void;
+}
 
 export interface KeyTargets {
-  readonly explorer: Explorer;
+  readonly explorer: Steerable;
   readonly isShown: () => boolean;
   readonly help: () => void;
   readonly announce: (text: string) => void;
@@ -28,13 +35,18 @@ function isTaken({ target, key }: KeyboardEvent): boolean {
   return takesKey(target.tagName, target instanceof HTMLInputElement ? target.type : "", key);
 }
 
-export function listenForKeys(targets: KeyTargets): void {
-  document.addEventListener("keydown", (event) => {
+// Returns how to stop.
+export function listenForKeys(targets: KeyTargets): () => void {
+  const listener = (event: KeyboardEvent): void => {
     if (event.defaultPrevented || !targets.isShown() || isTaken(event)) return;
     if (document.querySelector("dialog[open]") !== null && event.key !== "?") return;
     const action = keyAction(event);
     if (action === null) return;
     event.preventDefault();
     act(action, targets);
-  });
+  };
+  document.addEventListener("keydown", listener);
+  return () => {
+    document.removeEventListener("keydown", listener);
+  };
 }

@@ -59,13 +59,19 @@ export const kUnknownP = 255;
 const kMissingInt16 = -32768;
 const kMakers = { float32: Float32Array, int16: Int16Array, uint8: Uint8Array } as const;
 
-function headerOf(reply: ArrayBuffer): ReplyHeader {
+// Of whatever the program packed in this form.
+export function packedHeader(reply: ArrayBuffer): unknown {
   const length = new DataView(reply).getUint32(0, true);
   if (4 + length > reply.byteLength) throw new RangeError("The program's maps end inside their header.");
-  return JSON.parse(new TextDecoder().decode(new Uint8Array(reply, 4, length))) as ReplyHeader;
+  return JSON.parse(new TextDecoder().decode(new Uint8Array(reply, 4, length)));
 }
 
-function codedOf(reply: ArrayBuffer, { format, offset, scale = 1 }: ArrayHeader, voxels: number): Coded {
+// voxels: how many values the array has. Throws RangeError when the reply has fewer.
+export function codedOf(
+  reply: ArrayBuffer,
+  { format, offset, scale = 1 }: ArrayHeader,
+  voxels: number,
+): Coded {
   const Maker = kMakers[format];
   if (offset + voxels * Maker.BYTES_PER_ELEMENT > reply.byteLength) {
     throw new RangeError("The program's maps end inside an array.");
@@ -90,7 +96,7 @@ function mapOf(reply: ArrayBuffer, header: ReplyHeader, type: string): ReplyMap[
 
 // Throws RangeError when the reply is shorter than its header says.
 export function decodeMaps(reply: ArrayBuffer): MapsReply {
-  const header = headerOf(reply);
+  const header = packedHeader(reply) as ReplyHeader;
   const types = [...new Set(header.arrays.map(({ type }) => type))];
   const maps = types.flatMap((type) => mapOf(reply, header, type));
   return { header, maps: new Map(maps.map((map) => [map.type, map])) };

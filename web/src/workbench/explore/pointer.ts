@@ -1,18 +1,18 @@
 // The mouse on the planes and on the solid view. Moves are followed once per picture, the newest alone.
 import type { BrainCanvas } from "./brain_canvas";
-import type { Explorer } from "./explorer";
 import { OncePerFrame } from "./frames";
+import type { MapView } from "./map_view";
 
 function isMain(event: PointerEvent): boolean {
   return event.button === 0 && event.isPrimary;
 }
 
 // Shift: the other one of reference and crosshair.
-export function followPointer(canvas: BrainCanvas, explorer: Explorer): void {
+export function followPointer(canvas: BrainCanvas, view: Pick<MapView, "follow" | "hovers">): void {
   let last: PointerEvent | null = null;
   const frame = new OncePerFrame(() => {
     const mm = last === null ? null : canvas.mmAt(last.clientX, last.clientY);
-    if (mm !== null && last !== null) explorer.follow(mm, last.shiftKey);
+    if (mm !== null && last !== null) view.follow(mm, last.shiftKey);
   });
   const follow = (event: PointerEvent): void => {
     last = event;
@@ -28,12 +28,8 @@ export function followPointer(canvas: BrainCanvas, explorer: Explorer): void {
   });
   element.addEventListener("pointermove", (event) => {
     if (element.hasPointerCapture(event.pointerId)) follow(event);
-    else if (explorer.store.now.kind === "cursor") hover(event);
+    else if (view.hovers && !event.shiftKey) follow(event);
   });
-  // The label under the cursor needs no button.
-  const hover = (event: PointerEvent): void => {
-    if (explorer.store.now.mouse === "reference" && !event.shiftKey) follow(event);
-  };
 }
 
 const kDegreesPerPixel = 0.5;

@@ -2,11 +2,10 @@
 import { plain, probability, signed, withUnit } from "../../viewer/numbers";
 import { directionWords, type Line } from "../../viewer/readout";
 import type { MapInfo } from "./explore_data";
-import type { ExploreState } from "./explore_state";
 import { kUnknownP, valueAt, type ReplyMap } from "./maps_reply";
+import type { ViewedData, ViewState } from "./map_view";
 import type { RunImages } from "./run_images";
 import { levelOf } from "./threshold_choice";
-import type { ReadyData } from "./explore_data";
 
 function signWords(info: MapInfo, value: number): string {
   if ((info.negative ?? "") === "" || value === 0) return "";
@@ -34,12 +33,12 @@ function mapLines(map: ReplyMap, info: MapInfo, place: number, level: number): L
   return lines;
 }
 
-function labelText(data: ReadyData, images: RunImages, place: number): string {
+function labelText(data: ViewedData, images: RunImages, place: number): string {
   const id = images.labelOf?.[place] ?? 0;
   return data.labels.find((label) => label.id === id)?.name ?? "none";
 }
 
-export function readoutLines(data: ReadyData, images: RunImages, state: ExploreState): Line[] {
+export function readoutLines(data: ViewedData, images: RunImages, state: ViewState): Line[] {
   const { crosshair, maps, type, choice } = state;
   const place = images.mask.placeAt(crosshair);
   const mm = crosshair.map((c) => plain(c, 1)).join(", ");

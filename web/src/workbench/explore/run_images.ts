@@ -35,8 +35,16 @@ function gridFor(background: Image, mask: VoxelMask): DisplayGrid {
   return displayGrid([x[0], y[0], z[0]], [x[1], y[1], z[1]], finest);
 }
 
-function placesOn(grid: DisplayGrid, mask: VoxelMask): Int32Array {
-  return nearestOf({ ...mask.grid, data: mask.placeOf }, grid);
+// background: what the maps lie on, wherever it lies itself.
+export function imagesOn(mask: VoxelMask, background: Image, labels: Image | null): RunImages {
+  const grid = gridFor(background, mask);
+  return {
+    mask,
+    grid,
+    grey: greyLevels(resampled(background, grid)),
+    placeOf: nearestOf({ ...mask.grid, data: mask.placeOf }, grid),
+    labelOf: labels === null ? null : labelsOfPlaces(labels, mask),
+  };
 }
 
 export async function loadImages(data: ReadyData, server: Server): Promise<RunImages> {
@@ -45,13 +53,5 @@ export async function loadImages(data: ReadyData, server: Server): Promise<RunIm
     imageFrom(server, data.hasAnatomy ? "anatomy" : "mean"),
     data.hasLabels ? imageFrom(server, "labels") : null,
   ]);
-  const mask = new VoxelMask(data.grid, new Uint32Array(cells));
-  const grid = gridFor(background, mask);
-  return {
-    mask,
-    grid,
-    grey: greyLevels(resampled(background, grid)),
-    placeOf: placesOn(grid, mask),
-    labelOf: labels === null ? null : labelsOfPlaces(labels, mask),
-  };
+  return imagesOn(new VoxelMask(data.grid, new Uint32Array(cells)), background, labels);
 }

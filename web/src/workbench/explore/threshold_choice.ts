@@ -40,5 +40,6 @@ export function thresholdWords(choice: ThresholdChoice, map: ReplyMap, info: Map
   const level = levelOf(choice, map);
   const reach = `${sides(info)} \u2265 ${withUnit(magnitude(level), info.unit ?? "")}`;
   if (choice.by === "value") return reach;
+  if (map.thresholds.length === 0) return "no threshold is known for this map: choose a value";
   return Number.isFinite(level) ? `q = ${choice.q}: ${reach}` : `q = ${choice.q}: no voxel reaches it`;
 }

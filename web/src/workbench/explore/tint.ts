@@ -9,6 +9,7 @@ export interface TintOptions {
   readonly full: number; // magnitude at which the colour is full
   readonly hideBelow: boolean;
   readonly faintUnsupported: boolean;
+  readonly bySize?: boolean; // there is no threshold: opacity follows the size alone, up to the full colour
 }
 
 const kShades = 256;
@@ -50,6 +51,7 @@ function faded(share: number): number {
 // The opacity of a voxel that does not count.
 function below(map: ReplyMap, options: TintOptions): (value: number, place: number) => number {
   const { p } = map;
+  if (options.bySize === true) return (value) => Math.min(value / options.full, 1);
   if (options.hideBelow) return () => 0;
   if (p === null) {
     const level = Number.isFinite(options.level) ? options.level : options.full;

@@ -35,7 +35,18 @@ export class VoxelMask {
       this.mmOf(n).forEach((c, axis) => (sum[axis] = (sum[axis] ?? 0) + c));
     const [x, y, z] = [sum[0] / count, sum[1] / count, sum[2] / count];
     const place = this.placeAt([x, y, z]);
-    return this.mmOf(Math.max(place, 0));
+    return this.mmOf(place < 0 ? this.nearestTo([x, y, z]) : place);
+  }
+
+  private nearestTo(mm: Millimetres): number {
+    const distanceOf = (place: number): number =>
+      this.mmOf(place).reduce((sum, c, axis) => sum + (c - (mm[axis] ?? 0)) ** 2, 0);
+    let [nearest, least] = [0, Infinity];
+    for (let place = 0; place < this.cells.length; ++place) {
+      const distance = distanceOf(place);
+      if (distance < least) [nearest, least] = [place, distance];
+    }
+    return nearest;
   }
 
   // The voxel that holds a point, be it outside the grid.

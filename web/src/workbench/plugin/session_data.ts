@@ -19,6 +19,7 @@ export interface Question {
 
 export interface SavedMaps {
   readonly path: string;
+  readonly place: Place;
   readonly pictures: readonly Place[];
   readonly problem: string; // why there are none
 }
@@ -28,11 +29,27 @@ export interface SessionData {
   readonly log: readonly string[];
   readonly question: Question | null;
   readonly busy: boolean;
+  readonly ending: boolean; // it was told to
   readonly maps: readonly SavedMaps[];
   readonly exitCode: number;
   readonly message: string;
   readonly summary: string;
+  readonly anatomy: boolean; // whether the session has one
   readonly recorded: string; // the script of the answers; "": none
+}
+
+const kEnding =
+  "The session ends as soon as the plug-in calls the host again, with its next line in the log, say: until " +
+  "then it computes, and cannot be told.";
+
+export function stateWords(session: SessionData): string {
+  if (session.state === "none") return "No session was started.";
+  if (session.state === "running" && session.ending) return kEnding;
+  if (session.state === "running") return session.busy ? "The plug-in computes." : "The session goes on.";
+  const how =
+    session.exitCode === 0 ? "The session has ended well." : "The session has ended with a failure.";
+  const recorded = session.recorded === "" ? "" : ` The answers are in ${session.recorded}.`;
+  return `${how} ${session.message}${recorded}`;
 }
 
 // Entries whose name or number has what was typed.

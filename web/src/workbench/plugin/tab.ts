@@ -5,8 +5,8 @@ import type { Shell, Tab } from "../shell";
 import type { StartData } from "../start_data";
 import { Watched, messageOf } from "../watched";
 import { questionForm } from "./question_form";
-import { savedMaps } from "./saved_maps";
-import type { Question, SavedMaps, SessionData } from "./session_data";
+import { stateWords, type Question, type SessionData } from "./session_data";
+import { SessionMaps } from "./session_maps";
 
 export class PluginTab implements Tab {
   readonly id = "plugin";
@@ -14,12 +14,12 @@ export class PluginTab implements Tab {
   private readonly problem = make("p", { class: "problem", attributes: { role: "alert" } });
   private readonly state = make("p", { class: "session-state", attributes: { role: "status" } });
   private readonly question = make("div", { class: "session-question" });
-  private readonly maps = make("div", { class: "session-maps" });
   private readonly log = make("pre", { class: "session-log" });
   private readonly record = make("input", { attributes: { type: "checkbox", id: "session-record" } });
   private readonly startButton = make("button", { text: "Start a session", attributes: { type: "button" } });
   private readonly endButton = make("button", { text: "End the session", attributes: { type: "button" } });
   private readonly controls = make("p", { class: "session-controls" });
+  private maps: SessionMaps | null = null;
   private watched: Watched<SessionData> | null = null;
   private server: Server | null = null;
   private shell: Shell | null = null;
@@ -30,6 +30,7 @@ export class PluginTab implements Tab {
   mount(root: HTMLElement, server: Server, shell: Shell): void {
     this.server = server;
     this.shell = shell;
+    this.maps = new SessionMaps(server);
     const show = (session: SessionData): void => {
       this.show(session);
     };
@@ -45,7 +46,7 @@ export class PluginTab implements Tab {
     ] as const)
       this.log.setAttribute(name, value);
     root.append(make("h2", { text: "Plug-in" }), this.controls, this.problem, this.state);
-    root.append(this.question, this.maps, make("h3", { text: "Log" }), this.log);
+    root.append(this.question, this.maps.element, make("h3", { text: "Log" }), this.log);
   }
 
   shown(): void {
@@ -83,17 +84,12 @@ export class PluginTab implements Tab {
     const runs = session.state === "running";
     this.startButton.hidden = runs;
     this.endButton.hidden = !runs;
-    this.state.textContent = wordsOf(session);
+    this.endButton.disabled = session.ending;
+    this.state.textContent = stateWords(session);
     this.log.textContent = [...session.log, session.summary].join("\n");
     this.log.scrollTop = this.log.scrollHeight;
-    this.showMaps(session.maps);
+    this.maps?.show(session);
     this.showQuestion(session.question);
-  }
-
-  // Those that are shown already stay: pictures would flicker.
-  private showMaps(saved: readonly SavedMaps[]): void {
-    if (saved.length < this.maps.childElementCount) this.maps.replaceChildren();
-    this.maps.append(...saved.slice(this.maps.childElementCount).map(savedMaps));
   }
 
   // The form of a question that stands already stays, with what was typed.
@@ -116,13 +112,4 @@ export class PluginTab implements Tab {
     this.shell?.announce(question.text);
     form.querySelector<HTMLElement>("input, button")?.focus();
   }
-}
-
-function wordsOf(session: SessionData): string {
-  if (session.state === "none") return "No session was started.";
-  if (session.state === "running") return session.busy ? "The plug-in computes." : "The session goes on.";
-  const how =
-    session.exitCode === 0 ? "The session has ended well." : "The session has ended with a failure.";
-  const recorded = session.recorded === "" ? "" : ` The answers are in ${session.recorded}.`;
-  return `${how} ${session.message}${recorded}`;
 }

@@ -3,12 +3,18 @@ import type { Place } from "../files/file_chooser";
 
 export interface ResultFolder extends Place {
   readonly requests: readonly string[];
-  readonly index: string | null;
+  readonly index: string | null; // the address of the page
 }
 
 export interface MapData {
   readonly label: string;
+  readonly type: string;
+  readonly title: string;
+  readonly unit: string;
+  readonly positive: string;
+  readonly negative: string | null; // null: values are never negative
   readonly file: string;
+  readonly pFile: string | null; // -log10 of p
   readonly peak: number;
   readonly peakMm: readonly [number, number, number];
   readonly peakLabel: string;
@@ -19,18 +25,22 @@ export interface MapData {
   }[];
 }
 
+export interface ConditionData {
+  readonly name: string;
+  readonly effectiveVolumes: number;
+  readonly voxels: number;
+  readonly statusFile: string;
+  readonly directionFile: string | null;
+  readonly maps: readonly MapData[];
+}
+
 export interface ReferenceData {
   readonly name: string;
   readonly voxels: number;
   readonly record: string;
   readonly order: number;
   readonly warnings: readonly string[];
-  readonly conditions: readonly {
-    readonly name: string;
-    readonly effectiveVolumes: number;
-    readonly voxels: number;
-    readonly maps: readonly MapData[];
-  }[];
+  readonly conditions: readonly ConditionData[];
   readonly files: readonly { readonly name: string; readonly bytes: number }[];
 }
 
@@ -50,9 +60,28 @@ export interface ParticipantData {
   readonly failures: number;
 }
 
+export interface GroupCell {
+  readonly title: string;
+  readonly condition: string;
+  readonly map: string;
+  readonly positive: string;
+  readonly negative: string | null; // null: values below 0 count for nothing
+  readonly images: readonly { readonly what: string; readonly file: string }[];
+  readonly thresholds: readonly { readonly q: number; readonly threshold: number | null }[]; // of t
+}
+
+// A test over participants.
+export interface GroupData extends Place {
+  readonly test: string;
+  readonly report: string | null;
+  readonly problem?: string;
+  readonly cells: readonly GroupCell[];
+}
+
 export interface ResultsData {
   readonly participants: readonly ParticipantData[];
   readonly requests: readonly RequestData[];
+  readonly groups: readonly GroupData[];
   readonly areAll: boolean;
 }
 

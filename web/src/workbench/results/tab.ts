@@ -1,13 +1,16 @@
 // Every results folder as a page: maps, report, records; participants in a table.
 import { make } from "../../page/dom";
 import { query, type Place } from "../files/file_chooser";
+import { MapViewer } from "../maps/map_viewer";
+import { firstOf, type SavedMap, type SavedMaps } from "../maps/saved_map";
 import type { Server } from "../server";
 import type { Tab } from "../shell";
 import type { StartData } from "../start_data";
 import { messageOf } from "../watched";
-import { link, requestSection, table } from "./request_section";
-import type { ParticipantData, RequestData, ResultFolder, ResultsData } from "./result_data";
-import { within } from "../files/file_chooser";
+import { groupSection, pageLink, requestSection, table } from "./request_section";
+import { GroupMaps } from "./group_maps";
+import type { GroupData, ParticipantData, RequestData, ResultFolder, ResultsData } from "./result_data";
+import { ResultMaps } from "./result_maps";
 
 const kHead = ["Participant", "Requests", "References", "Failures"];
 
@@ -18,6 +21,7 @@ export class ResultsTab implements Tab {
   private readonly folders = make("ul", { class: "result-folders" });
   private readonly results = make("div", { class: "results" });
   private server: Server | null = null;
+  private viewer: MapViewer | null = null;
 
   constructor(private readonly start: StartData) {}
 
@@ -50,7 +54,7 @@ export class ResultsTab implements Tab {
       void this.open(folder);
     });
     const item = make("li", {}, button, make("span", { text: ` ${folder.requests.join(", ")} ` }));
-    if (folder.index !== null) item.append(link(within(folder, folder.index), "Index"));
+    if (folder.index !== null) item.append(pageLink(folder.index, "Index"));
     return item;
   }
 
@@ -60,12 +64,50 @@ export class ResultsTab implements Tab {
     });
   }
 
-  private show({ participants, requests, areAll }: ResultsData): void {
+  private show({ participants, requests, groups, areAll }: ResultsData): void {
     this.results.replaceChildren();
     if (!areAll)
       this.results.append(make("p", { text: "There are more results; open a folder further down." }));
     if (participants.length > 0) this.results.append(this.participantTable(participants, requests));
-    this.results.append(...requests.map(requestSection));
+    this.results.append(...groups.map((group) => this.groupSection(group)));
+    this.results.append(...requests.map((request) => this.section(request)));
+  }
+
+  private section(request: RequestData): HTMLElement {
+    return requestSection(
+      request,
+      this.opening((server) => new ResultMaps(server, request)),
+    );
+  }
+
+  private groupSection(group: GroupData): HTMLElement {
+    return groupSection(
+      group,
+      this.opening((server) => new GroupMaps(server, group)),
+    );
+  }
+
+  // Opens the maps; null: there are none.
+  private opening(savedBy: (server: Server) => SavedMaps): (() => void) | null {
+    if (this.server === null) return null;
+    const saved = savedBy(this.server);
+    const first = firstOf(saved.maps);
+    if (first === undefined) return null;
+    return () => {
+      this.look(saved, first);
+    };
+  }
+
+  // One viewer at a time: browsers have few contexts to draw with.
+  private look(saved: SavedMaps, first: SavedMap): void {
+    this.viewer?.close();
+    const isShown = (): boolean => this.viewer !== null && this.viewer.element.offsetParent !== null;
+    this.viewer = new MapViewer(saved, first, isShown, () => {
+      this.viewer = null;
+    });
+    this.results.before(this.viewer.element);
+    this.viewer.element.scrollIntoView();
+    void this.viewer.show(first);
   }
 
   private participantTable(
@@ -78,7 +120,7 @@ export class ResultsTab implements Tab {
       String(row.references),
       String(row.failures),
     ]);
-    return table(kHead, rows);
+    return table("Participants", kHead, rows);
   }
 
   private participantButton(participant: string, requests: readonly RequestData[]): HTMLElement {

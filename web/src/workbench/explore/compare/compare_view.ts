@@ -3,8 +3,8 @@ import { make } from "../../../page/dom";
 import { BrainCanvas } from "../brain_canvas";
 import { levelFull } from "../colour_range";
 import type { Explorer } from "../explorer";
-import { kShowing } from "../explore_state";
 import { OncePerFrame } from "../frames";
+import { kShowing } from "../map_view";
 import type { ReplyMap } from "../maps_reply";
 import { OverlayPainter } from "../overlay_painter";
 import type { Store } from "../store";
@@ -73,9 +73,8 @@ export class CompareView {
     const own = map === other?.map;
     const level = map === null ? Infinity : levelOf(choice, map);
     const full = map === null ? 1 : own ? levelFull(map, maps?.header.draft === true) : fullColourOf(map);
-    this.brain.show(
-      this.painter.paint(map, { level, full, hideBelow, faintUnsupported }, other?.region ?? []),
-    );
+    const options = { level, full, hideBelow, faintUnsupported, bySize: !own };
+    this.brain.show(this.painter.paint(map, options, other?.region ?? []));
   }
 
   private mapOf(other: Other): ReplyMap | null {

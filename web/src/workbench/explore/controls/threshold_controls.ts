@@ -1,8 +1,6 @@
 // The threshold: by the false discovery rate or by a value; what is drawn of the map.
 import { make } from "../../../page/dom";
-import type { MapInfo } from "../explore_data";
-import type { Explorer } from "../explorer";
-import type { ExploreState } from "../explore_state";
+import { infoOf, type MapView, type ViewState } from "../map_view";
 import { thresholdWords } from "../threshold_choice";
 import { fullColourOf } from "../tint";
 import { button, check, group } from "./field";
@@ -14,36 +12,32 @@ const kHelp =
   "own, which promises nothing.";
 const kSteps = 200;
 
-export function infoOf(explorer: Explorer, type: string): MapInfo {
-  return explorer.data.maps.find((map) => map.type === type) ?? { type, name: type, hasThresholds: false };
-}
-
-function qButton(explorer: Explorer, q: number): HTMLButtonElement {
+function qButton(view: MapView, q: number): HTMLButtonElement {
   const made = button(`q = ${q}`, () => {
-    explorer.store.change({ choice: { by: "q", q } });
+    view.store.change({ choice: { by: "q", q } });
   });
-  const show = ({ choice }: ExploreState): void => {
+  const show = ({ choice }: ViewState): void => {
     made.setAttribute("aria-pressed", String(choice.by === "q" && choice.q === q));
   };
-  explorer.store.on(["choice"], show);
-  show(explorer.store.now);
+  view.store.on(["choice"], show);
+  show(view.store.now);
   return made;
 }
 
 // Runs over the magnitudes of the map that is shown.
-function valueSlider(explorer: Explorer): HTMLInputElement {
+function valueSlider(view: MapView): HTMLInputElement {
   const slider = make("input", {
     attributes: { type: "range", min: "0", max: String(kSteps), "aria-label": "Threshold by value" },
   });
   const full = (): number => {
-    const { maps, type } = explorer.store.now;
+    const { maps, type } = view.store.now;
     const map = maps?.maps.get(type);
     return map === undefined ? 1 : 1.2 * fullColourOf(map);
   };
   slider.addEventListener("input", () => {
-    explorer.store.change({ choice: { by: "value", level: (Number(slider.value) / kSteps) * full() } });
+    view.store.change({ choice: { by: "value", level: (Number(slider.value) / kSteps) * full() } });
   });
-  explorer.store.on(["choice"], ({ choice }) => {
+  view.store.on(["choice"], ({ choice }) => {
     if (choice.by === "value" && document.activeElement !== slider) {
       slider.value = String(Math.round((choice.level / full()) * kSteps));
     }
@@ -51,13 +45,13 @@ function valueSlider(explorer: Explorer): HTMLInputElement {
   return slider;
 }
 
-function wordsOf(explorer: Explorer, { maps, type, choice }: ExploreState): string {
+function wordsOf(view: MapView, { maps, type, choice }: ViewState): string {
   const map = maps?.maps.get(type);
-  return map === undefined ? "" : thresholdWords(choice, map, infoOf(explorer, type));
+  return map === undefined ? "" : thresholdWords(choice, map, infoOf(view, type));
 }
 
-function shownSwitches(explorer: Explorer): HTMLElement[] {
-  const { store } = explorer;
+function shownSwitches(view: MapView, directions: boolean): HTMLElement[] {
+  const { store } = view;
   const shown = check("Show the map", true, (checked) => {
     store.change({ shown: checked });
   });
@@ -65,37 +59,42 @@ function shownSwitches(explorer: Explorer): HTMLElement[] {
     const box = shown.querySelector("input");
     if (box !== null) box.checked = now.shown;
   });
-  return [
-    shown,
-    check("Hide what is below the threshold", false, (checked) => {
-      store.change({ hideBelow: checked });
-    }),
-    check("Faint where no direction is supported", true, (checked) => {
-      store.change({ faintUnsupported: checked });
-    }),
-  ];
+  const below = check("Hide what is below the threshold", false, (checked) => {
+    store.change({ hideBelow: checked });
+  });
+  const faint = check("Faint where no direction is supported", true, (checked) => {
+    store.change({ faintUnsupported: checked });
+  });
+  return directions ? [shown, below, faint] : [shown, below];
 }
 
-export function thresholdControls(explorer: Explorer): HTMLElement {
-  const qs = explorer.data.settings.qValues ?? [];
-  const slider = valueSlider(explorer);
-  const words = make("output", { class: "threshold-words" });
-  const show = (now: ExploreState): void => {
-    words.textContent = wordsOf(explorer, now);
-    slider.setAttribute("aria-valuetext", words.textContent);
+export interface ThresholdWords {
+  readonly help: string;
+  readonly directions: boolean; // some map has them
+}
+
+const kExploring: ThresholdWords = { help: kHelp, directions: true };
+
+export function thresholdControls(view: MapView, words = kExploring): HTMLElement {
+  const qs = view.data.settings.qValues ?? [];
+  const slider = valueSlider(view);
+  const reach = make("output", { class: "threshold-words" });
+  const show = (now: ViewState): void => {
+    reach.textContent = wordsOf(view, now);
+    slider.setAttribute("aria-valuetext", reach.textContent);
   };
-  explorer.store.on(["choice", "maps", "type"], show);
-  show(explorer.store.now);
-  const buttons = make("span", { class: "row" }, ...qs.map((q) => qButton(explorer, q)));
+  view.store.on(["choice", "maps", "type"], show);
+  show(view.store.now);
+  const buttons = make("span", { class: "row" }, ...qs.map((q) => qButton(view, q)));
   const byValue = make("label", { class: "by-value", text: "by value " }, slider);
-  const switches = make("div", { class: "column" }, ...shownSwitches(explorer));
+  const switches = make("div", { class: "column" }, ...shownSwitches(view, words.directions));
   switches.append(
     hint("Opacity", "Voxels that reach the threshold are opaque, those below fade with their p."),
   );
   return make(
     "div",
     { class: "controls threshold-group" },
-    group("Threshold", kHelp, buttons, byValue, words),
+    group("Threshold", words.help, buttons, byValue, reach),
     switches,
   );
 }

@@ -3,18 +3,15 @@ import { make } from "../../../page/dom";
 import { plain, signed } from "../../../viewer/numbers";
 import { ClusterFinder, type Cluster } from "../clusters";
 import { button } from "../controls/field";
-import { infoOf } from "../controls/threshold_controls";
-import type { Explorer } from "../explorer";
-import type { ExploreState } from "../explore_state";
+import { infoOf, type MapView, type ViewState } from "../map_view";
 import { valueAt } from "../maps_reply";
-import { badgeOf } from "../state_words";
 import { levelOf, thresholdWords } from "../threshold_choice";
 
 const kMostRows = 50;
 const kHeads = ["Sign", "Voxels", "Peak", "x, y, z (mm)", "Label", ""];
 
-function signWords(explorer: Explorer, type: string, sign: 1 | -1): string {
-  const { positive, negative } = infoOf(explorer, type);
+function signWords(view: MapView, type: string, sign: 1 | -1): string {
+  const { positive, negative } = infoOf(view, type);
   return (sign > 0 ? positive : negative) ?? (sign > 0 ? "positive" : "negative");
 }
 
@@ -25,8 +22,8 @@ export class ClusterTable {
   private readonly finder: ClusterFinder;
   private timer = 0;
 
-  constructor(private readonly explorer: Explorer) {
-    this.finder = new ClusterFinder(explorer.images.mask);
+  constructor(private readonly view: MapView) {
+    this.finder = new ClusterFinder(view.images.mask);
     const heads = kHeads.map((text) =>
       text === "" ? make("td") : make("th", { text, attributes: { scope: "col" } }),
     );
@@ -44,7 +41,7 @@ export class ClusterTable {
         table,
       ),
     );
-    explorer.store.on(["maps", "type", "choice"], () => {
+    view.store.on(["maps", "type", "choice"], () => {
       this.later();
     });
     this.later();
@@ -55,39 +52,41 @@ export class ClusterTable {
     if (this.timer !== 0) return;
     this.timer = window.setTimeout(() => {
       this.timer = 0;
-      this.show(this.explorer.store.now);
+      this.show(this.view.store.now);
     }, 120);
   }
 
-  private show({ maps, type, choice, settings }: ExploreState): void {
+  private show({ maps, type, choice }: ViewState): void {
     const map = maps?.maps.get(type);
     if (map === undefined) {
       this.body.replaceChildren();
       return;
     }
     const level = levelOf(choice, map);
-    const found = this.finder.find((place) => valueAt(map.values, place), level);
-    const info = infoOf(this.explorer, type);
-    const { words } = badgeOf(maps, settings.draws ?? this.explorer.data.settings.draws);
+    const found = this.finder.find(
+      (place) => (this.view.isFinding(place) ? valueAt(map.values, place) : NaN),
+      level,
+    );
+    const info = infoOf(this.view, type);
     const count =
       found.length > kMostRows ? `the ${kMostRows} largest of ${found.length}` : String(found.length);
     const threshold = thresholdWords(choice, map, info);
-    this.caption.textContent = `${type}, ${threshold}: ${count} clusters; ${words}`;
+    this.caption.textContent = `${type}, ${threshold}: ${count} clusters; ${this.view.stateWords()}`;
     this.body.replaceChildren(...found.slice(0, kMostRows).map((each) => this.row(each, type)));
   }
 
   private row(cluster: Cluster, type: string): HTMLElement {
-    const { mask, labelOf } = this.explorer.images;
+    const { mask, labelOf } = this.view.images;
     const mm = mask.mmOf(cluster.peak);
     const place = mm.map((c) => plain(c, 0)).join(", ");
     const id = labelOf?.[cluster.peak] ?? 0;
-    const label = this.explorer.data.labels.find((each) => each.id === id)?.name ?? "";
+    const label = this.view.data.labels.find((each) => each.id === id)?.name ?? "";
     const jump = button("Show", () => {
-      this.explorer.moveCrosshair(mm);
+      this.view.moveCrosshair(mm);
     });
     jump.setAttribute("aria-label", `Show the peak at ${place} mm`);
     const cells = [
-      signWords(this.explorer, type, cluster.sign),
+      signWords(this.view, type, cluster.sign),
       String(cluster.voxels),
       signed(cluster.peakValue, 3),
       place,

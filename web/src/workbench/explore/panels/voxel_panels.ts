@@ -1,18 +1,17 @@
-// The panels about the voxel under the crosshair, asked for when crosshair and reference rest.
+// The panels about the voxel under the crosshair, asked for when it rests and the maps are calibrated.
 import { make } from "../../../page/dom";
 import { probability, signed } from "../../../viewer/numbers";
 import { isAbort, type Server } from "../../server";
 import type { VoxelRequest } from "../explore_data";
 import type { Explorer } from "../explorer";
 import type { ExploreState } from "../explore_state";
-import { hasReference } from "../map_source";
 import type { VoxelData, VoxelMap } from "../voxel_data";
 import { LiveChart } from "./live_chart";
 import { modelRows } from "./model_rows";
 import { laggedChart, nullChart, seriesChart } from "./voxel_charts";
 
 const kRestMs = 250;
-const kAsking: readonly (keyof ExploreState)[] = ["crosshair", "reference", "condition", "settings", "type"];
+const kAsking: readonly (keyof ExploreState)[] = ["crosshair", "maps"];
 
 function nullWords(map: VoxelMap): string {
   const value = map.value === null ? "no value" : signed(map.value, 4);
@@ -66,10 +65,10 @@ export class VoxelPanels {
   }
 
   private async ask(): Promise<void> {
-    const { crosshair, reference, condition, settings } = this.explorer.store.now;
-    if (!hasReference(this.explorer.store.now)) return;
+    const { crosshair, reference, condition, type, settings, maps } = this.explorer.store.now;
+    if (maps === null || maps.header.draft) return; // calibrated ones are on their way
     this.abort = new AbortController();
-    const request: VoxelRequest = { mm: crosshair, reference, condition, settings };
+    const request: VoxelRequest = { mm: crosshair, reference, condition, types: [type], settings };
     try {
       this.show(await this.server.post<VoxelData>("/api/explore/voxel", request, this.abort.signal));
     } catch (error) {

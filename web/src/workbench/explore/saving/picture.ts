@@ -1,6 +1,6 @@
 // What is on the screen as one PNG: the brains, and under them what they show.
 import { badgeOf } from "../state_words";
-import { infoOf } from "../controls/threshold_controls";
+import { infoOf } from "../map_view";
 import type { Explorer } from "../explorer";
 import type { BrainCanvas } from "../brain_canvas";
 import { referenceWords } from "../reference";

@@ -2,7 +2,7 @@
 import type { GridData, MapData, PageData, ViewData } from "../../../data/page_data";
 import { millimetres, voxelOf } from "../../../data/grid";
 import { levelFull } from "../colour_range";
-import { infoOf } from "../controls/threshold_controls";
+import { infoOf } from "../map_view";
 import type { Explorer } from "../explorer";
 import { valueAt, type ReplyMap } from "../maps_reply";
 import { placesOf, referenceWords } from "../reference";

@@ -54,7 +54,7 @@ void VarianceSmoother::layOut(const Space& space) {
   const Box box = boxAround(space);
   std::size_t step = 1;
   for (std::size_t i = 0; i < 3; ++i) {
-    axes_[i].length = static_cast<std::size_t>(box.to[i] - box.from[i] + 1);
+    axes_[i].length = static_cast<std::size_t>(box.to[i] - box.from[i]) + 1;
     axes_[i].step = step;
     step *= axes_[i].length;
   }

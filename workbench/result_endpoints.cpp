@@ -54,7 +54,7 @@ Reply listFolders(const FolderGuard& folders, ReportKeys& keys) {
 Json participantsOf(const Json& requests) {
   Json participants = Json::array();
   for (const Json& request : requests) {
-    if (request["participant"] == "") continue;
+    if (request["participant"].get_ref<const std::string&>().empty()) continue;
     if (participants.empty() || participants.back()["participant"] != request["participant"])
       participants.push_back(
           {{"participant", request["participant"]}, {"requests", 0}, {"references", 0}, {"failures", 0}});

@@ -23,8 +23,8 @@ struct Ask {
   bool operator==(const Ask&) const = default;
 };
 
-// A draft has one null draw per voxel, of 250 surrogates at most, thresholds from it that are provisional, and
-// no p. Its values are final.
+// A draft has one null draw per voxel, of 250 surrogates at most, thresholds from it that are provisional,
+// and no p. Its values are final.
 enum class Care { kDraft, kFull };
 
 // Arrays have a value per cell of the study, in its order.

@@ -58,7 +58,7 @@ class Check:
 
     def jobs(self):
         """Task folder of the last submission, and the numbers of its jobs."""
-        last = sorted((self.folder / "cluster out/work/cluster").glob("[0-9]*"))[-1]
+        last = sorted((self.folder / "cluster out" / "work" / "cluster").glob("[0-9]*"))[-1]
         return last, re.findall(r'"Job": "(\d+)"', (last / "submission.json").read_text(encoding="utf-8"))
 
     def wait_for_end(self):

@@ -89,8 +89,9 @@ struct Submission : testing::Test {
     for (std::string line; std::getline(text, line);) lines.push_back(line);
     return lines;
   }
+  [[nodiscard]] std::filesystem::path work() const { return std::filesystem::path(out) / "work"; }
   [[nodiscard]] std::string inFolder(const std::string& name) const {
-    return contentOf(out + "/work/cluster/" + name);
+    return contentOf(work() / "cluster" / name);
   }
 };
 
@@ -162,7 +163,7 @@ TEST_F(Submission, NothingIsSubmittedWhileJobsAreUnderWay) {
   EXPECT_THAT(meanwhile.out, AllOf(HasSubstr("2 done, 1 running"),
                                    HasSubstr("Nothing is submitted while they are under way")));
   standIn("squeue", "#!/bin/sh\necho 'no route' >&2; exit 1\n");
-  std::filesystem::remove(out + "/work/cluster/001/participants/2.code");
+  std::filesystem::remove(work() / "cluster/001/participants/2.code");
   const ProgramResult unknown = submit({"participant"});
   EXPECT_EQ(unknown.exitCode, 1);
   EXPECT_THAT(unknown.err, HasSubstr("Repeat the command where squeue works"));
@@ -198,7 +199,7 @@ TEST_F(Submission, SeedsAreDrawnOnceByWhoSubmits) {
   const auto words = {std::string("participant"), std::string("--scheduler=slurm"), std::string("--dry-run"),
                       std::string("--participant-label=02")};
   ASSERT_EQ(bids(out, words).exitCode, 0);
-  std::string seed = contentOf(out + "/work/sub-02_task-blocks_run-1_space-MNI152NLin2009cAsym.seed");
+  std::string seed = contentOf(work() / "sub-02_task-blocks_run-1_space-MNI152NLin2009cAsym.seed");
   seed.pop_back();
   EXPECT_THAT(inFolder("dry-run/participants.tasks"), HasSubstr("--seed=" + seed + " "));
   ASSERT_EQ(bids(out, words).exitCode, 0);

@@ -50,7 +50,7 @@ TEST(StudySeed, IsDrawnOnceAndKept) {
   const std::uint32_t drawn = drawnSeed(request);
   EXPECT_EQ(keptSeed(request), drawn);
   EXPECT_EQ(drawnSeed(request), drawn);
-  EXPECT_EQ(contentOf(scratch.folder() / "out/work/sub-01.seed"), std::to_string(drawn) + "\n");
+  EXPECT_EQ(contentOf(scratch.folder() / "out" / "work" / "sub-01.seed"), std::to_string(drawn) + "\n");
 }
 
 }  // namespace

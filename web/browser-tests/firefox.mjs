@@ -1,6 +1,7 @@
 // Debian's Firefox, on a display of its own: without one it has no WebGL 2.
 import { spawn } from "node:child_process";
 import { existsSync } from "node:fs";
+import { noteProblems } from "./problems.mjs";
 
 const kFirefox = process.env.FIREFOX ?? "/usr/bin/firefox-esr";
 const kDisplay = "/usr/bin/Xvfb";
@@ -45,7 +46,7 @@ async function openDisplay() {
   return { number, stop };
 }
 
-// {browser, close}. Without Xvfb it has no display, and no WebGL 2.
+// {newContext, close}. Without Xvfb it has no display, and no WebGL 2.
 export async function launchFirefox() {
   const display = kHasDisplay ? await openDisplay() : null;
   const env = display === null ? process.env : { ...process.env, DISPLAY: `:${display.number}` };
@@ -60,30 +61,18 @@ export async function launchFirefox() {
     await browser.close();
     await display?.stop();
   };
-  return { browser, close };
-}
-
-function noteProblems(page, address, problems) {
-  const { origin } = new URL(address);
-  page.on("console", (message) => {
-    if (["error", "warn"].includes(message.type())) problems.push(message.text());
-  });
-  page.on("pageerror", (error) => problems.push(String(error)));
-  page.on("request", (request) => {
-    const url = request.url();
-    if (!url.startsWith(`${origin}/`) && !/^(data|blob):/.test(url)) problems.push(`request: ${url}`);
-  });
+  return { newContext: () => browser.createBrowserContext(), close };
 }
 
 // `problems` grows by every error, warning and request that leaves the page's origin.
 export async function openFirefoxPage(browser, address, problems) {
-  const page = await (await browser.createBrowserContext()).newPage();
+  const page = await (await browser.newContext()).newPage();
   await page.setViewport({ width: 1280, height: 900 });
   page.setDefaultTimeout(60_000);
   await page.evaluateOnNewDocument(() => {
     if (location.protocol === "http:") localStorage.setItem("tavmap-tour", "seen");
   });
-  noteProblems(page, address, problems);
+  noteProblems(page, new URL(address).origin, problems);
   await page.goto(address);
   await page.waitForSelector(".tabs");
   return page;

@@ -1,30 +1,15 @@
 // The page of the built program: opening it, its tabs, and answers to the plug-in's dialogs.
 import axe from "axe-core";
+import { noteProblems } from "./problems.mjs";
 
 const kLong = 60_000;
 const kSerious = new Set(["serious", "critical"]);
-
-// What the graphics of a browser without a graphics card remarks on when pictures are read back by the tests.
-const kOfTheTests = /GL Driver Message|getImageData/;
-
-export function noteProblems(page, address, problems) {
-  const { origin } = new URL(address);
-  page.on("console", (message) => {
-    const wrong = ["error", "warning"].includes(message.type());
-    if (wrong && !kOfTheTests.test(message.text())) problems.push(message.text());
-  });
-  page.on("pageerror", (error) => problems.push(String(error)));
-  page.on("request", (request) => {
-    const url = request.url();
-    if (!url.startsWith(`${origin}/`) && !/^(data|blob):/.test(url)) problems.push(url);
-  });
-}
 
 // `problems` grows by every error, warning and request that leaves the page's origin.
 export async function openPage(browser, address, problems, options = {}) {
   const page = await (await browser.newContext({ reducedMotion: "reduce", ...options })).newPage();
   await page.addInitScript(() => localStorage.setItem("tavmap-tour", "seen"));
-  noteProblems(page, address, problems);
+  noteProblems(page, new URL(address).origin, problems);
   await page.goto(address);
   await page.waitForSelector(".tabs");
   return page;

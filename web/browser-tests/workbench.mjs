@@ -1,21 +1,6 @@
 // The workbench in a browser, against the program that fixtures/workbench/ plays.
 import { kToken, startServer } from "../fixtures/workbench/server.mjs";
-
-// What the graphics of a browser without a graphics card remarks on when pictures are read back by the tests.
-const kOfTheTests = /GL Driver Message|getImageData/;
-
-function noteProblems(page, origin, problems, refusals) {
-  page.on("console", (message) => {
-    const wrong = message.type() === "error" || message.type() === "warning";
-    const refused = /Failed to load resource/.test(message.text()) && refusals;
-    if (wrong && !refused && !kOfTheTests.test(message.text())) problems.push(message.text());
-  });
-  page.on("pageerror", (error) => problems.push(String(error)));
-  page.on("request", (request) => {
-    const url = request.url();
-    if (!url.startsWith(`${origin}/`) && !/^(data|blob):/.test(url)) problems.push(`request: ${url}`);
-  });
-}
+import { noteProblems } from "./problems.mjs";
 
 const kUsual = { width: 1280, height: 900, scheme: "light", tour: false, refusals: false, server: {} };
 
@@ -42,7 +27,7 @@ export async function openWorkbench(browser, options = {}) {
   if (!tour) await context.addInitScript(() => localStorage.setItem("tavmap-tour", "seen"));
   const page = await context.newPage();
   const problems = [];
-  noteProblems(page, server.origin, problems, refusals);
+  noteProblems(page, server.origin, problems, { refusals });
   await page.goto(address === undefined ? server.address : server.origin + address);
   const close = async () => {
     await context.close();

@@ -17,14 +17,13 @@ import {
   waitForText,
 } from "./firefox.mjs";
 import { kSlow, kWithoutProgram, startProgram } from "./program.mjs";
+import { rigOf } from "./rig.mjs";
 import { colouredIn } from "./workbench.mjs";
 
-let firefox;
-let program;
-const problems = [];
+const rig = rigOf(launchFirefox, () => startProgram({ explore: true, withResults: true }));
 
 const isCalibrated = () => document.querySelector(".badge")?.dataset.kind === "calibrated";
-const open = () => openFirefoxPage(firefox.browser, program.address, problems);
+const open = () => openFirefoxPage(rig.browser, rig.program.address, rig.problems);
 
 async function colouredPlanes(page) {
   const brain = await page.waitForSelector("[data-part=planes]");
@@ -39,7 +38,7 @@ async function typeAnswer(page, text) {
 async function enterData(page) {
   const where = () => textOf(page, "form.question .file-where");
   await page.waitForSelector("form.question .file-list button");
-  if ((await where()) === "Folders:") await press(page, program.data, "form.question");
+  if ((await where()) === "Folders:") await press(page, rig.program.data, "form.question");
   if ((await where()) !== "data/sim") await press(page, "sim/", "form.question");
   await waitForText(page, "form.question .file-where", "data/sim");
 }
@@ -74,15 +73,8 @@ async function answerAll(page, answers) {
 }
 
 describe("the workbench in Firefox", { skip: kWithoutFirefox || kWithoutProgram }, () => {
-  before(async () => {
-    firefox = await launchFirefox();
-    program = await startProgram({ explore: true, withResults: true });
-  });
-  after(async () => {
-    await firefox?.close();
-    assert.equal(await program?.close(), 0);
-    assert.deepEqual(problems, []);
-  });
+  before(rig.begin);
+  after(rig.end);
 
   it("starts, takes the token out of the address, and has its tabs (1)", async () => {
     const page = await open();
@@ -121,7 +113,7 @@ describe("the workbench in Firefox", { skip: kWithoutFirefox || kWithoutProgram 
     await page.waitForFunction(isCalibrated);
     await press(page, "Save as request");
     await page.waitForFunction(() => document.querySelector(".saved pre") !== null);
-    const path = join(program.work, "explored.toml");
+    const path = join(rig.program.work, "explored.toml");
     assert.match(readFileSync(path, "utf8"), /whole_run = true|intervals/);
     await closePage(page);
   });
@@ -138,7 +130,7 @@ describe("the workbench in Firefox", { skip: kWithoutFirefox || kWithoutProgram 
     await press(page, "Start a session");
     await answerAll(page, kAnswers);
     await waitForText(page, ".session-state", "The session has ended well.");
-    assert.ok(existsSync(join(program.data, "sim", "firefox_Reference.tav")));
+    assert.ok(existsSync(join(rig.program.data, "sim", "firefox_Reference.tav")));
     await waitForText(page, ".session-viewer .map-head", "firefox_Reference.tav");
     await page.waitForSelector(".session-viewer .clusters tbody tr");
     await closePage(page);
@@ -158,7 +150,7 @@ describe("the workbench in Firefox", { skip: kWithoutFirefox || kWithoutProgram 
     const first = await open();
     await openTab(first, "Runs");
     await press(first, "Start a request");
-    await press(first, program.data, ".panel-runs");
+    await press(first, rig.program.data, ".panel-runs");
     await press(first, kSlow, ".panel-runs");
     await first.waitForSelector(".run[data-state=running]");
     await closePage(first);

@@ -9,6 +9,7 @@ import { after, before, describe, it } from "node:test";
 import { launch } from "./browser.mjs";
 import { kProgram, kWithoutProgram, startIn } from "./program.mjs";
 import { openPage, openTab, press, seriousFindings } from "./program_page.mjs";
+import { rigOf } from "./rig.mjs";
 import { colouredPixels } from "./workbench.mjs";
 
 const kLong = 60_000;
@@ -53,25 +54,25 @@ function madeStudy() {
   return root;
 }
 
-let browser;
-let program;
-let root;
-const problems = [];
+// The program on a made study, which goes with it.
+async function startOnStudy() {
+  const root = madeStudy();
+  const program = await startIn(root, ["out", "--work-folder", join(root, "work")]);
+  const close = async () => {
+    const code = await program.close();
+    rmSync(root, { recursive: true });
+    return code;
+  };
+  return { ...program, close };
+}
+
+const rig = rigOf(launch, startOnStudy);
 
 describe("a data set", { skip: kWithoutProgram }, () => {
-  before(async () => {
-    browser = await launch();
-    root = madeStudy();
-    program = await startIn(root, ["out", "--work-folder", join(root, "work")]);
-  });
-  after(async () => {
-    await browser?.close();
-    assert.equal(await program?.close(), 0);
-    if (root !== undefined) rmSync(root, { recursive: true });
-    assert.deepEqual(problems, []);
-  });
+  before(rig.begin);
+  after(rig.end);
 
-  const open = (options) => openPage(browser, program.address, problems, options);
+  const open = (options) => openPage(rig.browser, rig.program.address, rig.problems, options);
 
   async function openFolder(page) {
     await openTab(page, "Results");

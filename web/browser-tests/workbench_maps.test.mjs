@@ -6,18 +6,17 @@ import { after, before, describe, it } from "node:test";
 import { launch } from "./browser.mjs";
 import { kWithoutProgram, startProgram } from "./program.mjs";
 import { answerAll, openPage, openTab, press, seriousFindings } from "./program_page.mjs";
+import { rigOf } from "./rig.mjs";
 import { clusterRows, colouredPixels, pointAt, readout } from "./workbench.mjs";
 
 const kLong = 60_000;
 const kWaits = { timeout: kLong };
 
-let browser;
-let program;
-const problems = [];
+const rig = rigOf(launch, () => startProgram({ withResults: true }));
 
 function recordOf(reference) {
   const name = `made_seed-${reference}_tavmap.json`;
-  return JSON.parse(readFileSync(join(program.data, "out", name), "utf8"));
+  return JSON.parse(readFileSync(join(rig.program.data, "out", name), "utf8"));
 }
 
 function mapOf(record, type) {
@@ -61,17 +60,10 @@ async function anotherPlace(page, before) {
 const numberIn = (text) => Number(/[\u2212+-]?[\d.]+/.exec(text)[0].replace("\u2212", "-"));
 
 describe("maps in the viewer", { skip: kWithoutProgram }, () => {
-  before(async () => {
-    browser = await launch();
-    program = await startProgram({ withResults: true });
-  });
-  after(async () => {
-    await browser?.close();
-    assert.equal(await program?.close(), 0);
-    assert.deepEqual(problems, []);
-  });
+  before(rig.begin);
+  after(rig.end);
 
-  const open = (options) => openPage(browser, program.address, problems, options);
+  const open = (options) => openPage(rig.browser, rig.program.address, rig.problems, options);
 
   it("shows those of results: thresholds, clusters and values as the record has them", async () => {
     const page = await open();
@@ -145,14 +137,14 @@ describe("maps in the viewer", { skip: kWithoutProgram }, () => {
   it("says what is missing where an image is gone, and shows the others", async () => {
     const page = await open();
     const gone = (file) => file.includes("seed-Reference_contrast-wholeInst_stat-effect");
-    for (const file of readdirSync(join(program.data, "out")).filter(gone))
-      rmSync(join(program.data, "out", file));
+    for (const file of readdirSync(join(rig.program.data, "out")).filter(gone))
+      rmSync(join(rig.program.data, "out", file));
     await lookAtMaps(page);
     await choose(page, "Of", "Reference");
-    const known = problems.length;
+    const known = rig.problems.length;
     await page.getByLabel("Map", { exact: true }).selectOption({ index: 2 });
     await page.locator(".map-viewer [role=alert]", { hasText: /There is no .*Inst/ }).waitFor(kWaits);
-    problems.splice(known); // the browser's own line on the answer 404
+    rig.problems.splice(known); // the browser's own line on the answer 404
     await choose(page, "Map", "REF2VOX:");
     assert.deepEqual(await page.locator(".map-viewer [role=alert]:visible").allTextContents(), []);
     await page.context().close();
@@ -162,7 +154,7 @@ describe("maps in the viewer", { skip: kWithoutProgram }, () => {
     const page = await open({ bypassCSP: true });
     await openTab(page, "Plug-in");
     await press(page, "Start a session");
-    await answerAll(page, program.data, "viewed");
+    await answerAll(page, rig.program.data, "viewed");
     await page.waitForSelector(".session-viewer .clusters caption", kWaits);
     assert.match(await page.locator(".map-head").textContent(), /viewed_Reference\.tav/);
     assert.match(await page.locator(".map-viewer").textContent(), /Grey: the anatomy of the session/);

@@ -7,14 +7,13 @@ import { after, before, describe, it } from "node:test";
 import { launch, open as openFile } from "./browser.mjs";
 import { kSlow, kWithoutProgram, startProgram } from "./program.mjs";
 import { openPage, openTab, press, seriousFindings } from "./program_page.mjs";
+import { rigOf } from "./rig.mjs";
 import { calibrated, colouredPixels, pointAt, readout } from "./workbench.mjs";
 
 const kLong = 60_000;
 const kWaits = { timeout: kLong };
 
-let browser;
-let program;
-const problems = [];
+const rig = rigOf(launch, () => startProgram({ explore: true, withResults: true }));
 
 const badgesSeen = (page) => page.evaluate(() => globalThis.badges);
 
@@ -54,17 +53,10 @@ async function thresholdAt(page, below, q) {
 }
 
 describe("the page of the built program", { skip: kWithoutProgram }, () => {
-  before(async () => {
-    browser = await launch();
-    program = await startProgram({ explore: true, withResults: true });
-  });
-  after(async () => {
-    await browser?.close();
-    assert.equal(await program?.close(), 0);
-    assert.deepEqual(problems, []);
-  });
+  before(rig.begin);
+  after(rig.end);
 
-  const open = (options) => openPage(browser, program.address, problems, options);
+  const open = (options) => openPage(rig.browser, rig.program.address, rig.problems, options);
 
   async function openExplore(options) {
     const page = await open(options);
@@ -74,14 +66,14 @@ describe("the page of the built program", { skip: kWithoutProgram }, () => {
 
   it("starts with the token of the address, keeps it out of sight, and wants it (1)", async () => {
     const page = await open();
-    const token = new URL(program.address).hash.slice("#token=".length);
+    const token = new URL(rig.program.address).hash.slice("#token=".length);
     assert.ok(token.length >= 32);
     assert.equal(new URL(page.url()).hash, "");
     assert.ok(!(await page.content()).includes(token));
     await page.reload();
     await page.waitForSelector(".tabs");
-    const stranger = await (await browser.newContext()).newPage();
-    await stranger.goto(new URL("/", program.address).href);
+    const stranger = await (await rig.browser.newContext()).newPage();
+    await stranger.goto(new URL("/", rig.program.address).href);
     assert.match(await stranger.textContent("[role=alert]"), /address that tavmap workbench printed/);
     await stranger.context().close();
     await page.context().close();
@@ -173,11 +165,11 @@ describe("the page of the built program", { skip: kWithoutProgram }, () => {
       ["Save picture (PNG)", ".png"],
     ]) {
       const [file] = await Promise.all([page.waitForEvent("download"), press(page, button)]);
-      const path = join(program.data, `saved${end}`);
+      const path = join(rig.program.data, `saved${end}`);
       await file.saveAs(path);
       assert.ok(statSync(path).size > 10_000);
     }
-    const scene = await openFile(browser, join(program.data, "saved.html"));
+    const scene = await openFile(rig.browser, join(rig.program.data, "saved.html"));
     await scene.page.waitForSelector("div.viewer.ready", kWaits);
     assert.deepEqual(scene.problems, []);
     await scene.context.close();
@@ -223,9 +215,9 @@ describe("the page of the built program", { skip: kWithoutProgram }, () => {
 
   it("leaves nothing in the folders but what was asked for", () => {
     assert.deepEqual(
-      readdirSync(program.data).sort(),
+      readdirSync(rig.program.data).sort(),
       [kSlow, "made.toml", "out", "saved.html", "saved.png", "sim"].sort(),
     );
-    assert.match(readFileSync(join(program.work, "asked.toml"), "utf8"), /title = "asked"/);
+    assert.match(readFileSync(join(rig.program.work, "asked.toml"), "utf8"), /title = "asked"/);
   });
 });

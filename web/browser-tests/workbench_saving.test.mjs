@@ -32,7 +32,7 @@ it("a request: where it is, how it is run, and a way to the runs", async () => {
   await page.getByLabel("Name", { exact: true }).fill("motor");
   await page.click("text=Save as request");
   await page.waitForSelector(".saved pre");
-  assert.equal(await page.textContent(".saved pre"), "tavmap run /work/requests/motor.toml");
+  assert.equal(await page.textContent(".saved pre"), "tavmap run ~/tavmap/requests/motor.toml");
   const { body } = server.requests.find(({ path }) => path === "/api/explore/request");
   assert.equal(body.name, "motor");
   assert.equal(body.reference.kind, "sphere");

@@ -13,21 +13,20 @@ import {
   press,
   seriousFindings,
 } from "./program_page.mjs";
+import { rigOf } from "./rig.mjs";
 
 const kLong = 60_000;
 
-let browser;
-let program;
-const problems = [];
+const rig = rigOf(launch, startProgram);
 
-const openPage = () => openProgramPage(browser, program.address, problems);
+const openPage = () => openProgramPage(rig.browser, rig.program.address, rig.problems);
 const closePage = (page) => page.context().close();
 const runIn = (page, state) => page.locator(`.run[data-state=${state}]`);
 
 async function startRun(page, name) {
   await openTab(page, "Runs");
   await page.getByText("Start a request").click();
-  await press(page.locator(".panel-runs"), program.data);
+  await press(page.locator(".panel-runs"), rig.program.data);
   await press(page.locator(".panel-runs"), name);
 }
 
@@ -48,15 +47,8 @@ async function cancelUntilTheEnd(page) {
 }
 
 describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
-  before(async () => {
-    browser = await launch();
-    program = await startProgram();
-  });
-  after(async () => {
-    await browser?.close();
-    assert.equal(await program?.close(), 0);
-    assert.deepEqual(problems, []);
-  });
+  before(rig.begin);
+  after(rig.end);
 
   it("carries out a run and shows what it made", async () => {
     const page = await openPage();
@@ -100,9 +92,9 @@ describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
     await closePage(first);
     const page = await openPage();
     await openTab(page, "Plug-in");
-    await answerAll(page, program.data, "page");
+    await answerAll(page, rig.program.data, "page");
     await page.getByText("The session has ended well.").waitFor({ timeout: kLong });
-    assert.ok(existsSync(join(program.data, "sim", "page_Reference.tav")));
+    assert.ok(existsSync(join(rig.program.data, "sim", "page_Reference.tav")));
     assert.match(await page.locator(".session-maps").textContent(), /page_Reference\.tav/);
     assert.match(await page.locator(".session-log").textContent(), /Done, all computations/);
     await closePage(page);
@@ -111,11 +103,11 @@ describe("the tabs of the built program", { skip: kWithoutProgram }, () => {
   it("takes a cancel at every dialog of a session", async () => {
     const page = await openPage();
     await openTab(page, "Plug-in");
-    const answers = answersOf(program.data, "cancelled");
+    const answers = answersOf(rig.program.data, "cancelled");
     for (let dialog = 0; dialog < answers.length; ++dialog) {
       await press(page, "Start a session");
       await page.waitForSelector("form.question", { timeout: kLong });
-      await answerAll(page, program.data, "cancelled", answers.slice(0, dialog));
+      await answerAll(page, rig.program.data, "cancelled", answers.slice(0, dialog));
       await cancelUntilTheEnd(page);
     }
     await closePage(page);

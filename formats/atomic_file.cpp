@@ -31,9 +31,8 @@ std::string folderOf(const std::string& path) {
   return folder.empty() ? "." : folder;
 }
 
-// ".tavmap.PID-N.part" beside the final name, which no other file of this process gets, whichever
-// thread asks. Without the final
-// name in it, since that may be as long as names can be.
+// ".tavmap.PID-N.part" beside the final name, which no other file of this process gets, whichever thread
+// asks. Without the final name in it, since that may be as long as names can be.
 std::string nextTemporaryName(const std::string& path) {
   static std::atomic<unsigned> counter = 0;
   const std::string name = fmt::format(".tavmap.{}-{}.part", ::getpid(), ++counter);

@@ -7,14 +7,15 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
 
 // Whole contents of a file; empty when there is none.
 [[nodiscard]] inline std::string contentOf(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  std::ostringstream content;
+  content << std::ifstream(file, std::ios::binary).rdbuf();
+  return content.str();
 }
 
 // Contents of all files below a folder by their relative path; hidden folders and "work" left out.

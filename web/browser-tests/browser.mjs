@@ -88,6 +88,21 @@ export async function showAll(page) {
   await page.evaluate(() => scrollTo(0, 0));
 }
 
+// Brings the element onto the screen and waits until the viewers that are made on the way are drawn: they grow
+// meanwhile, and a click whose press and release have that between them is none.
+export async function bringToRest(page, element) {
+  await element.scrollIntoViewIfNeeded();
+  await page.waitForFunction(async () => {
+    const frame = () => new Promise((resolve) => requestAnimationFrame(resolve));
+    await frame();
+    await frame(); // by now it is known what came near
+    const made = Array.from(document.querySelectorAll("div.viewer")).filter(
+      (each) => each.childElementCount > 0,
+    );
+    return made.every((each) => each.classList.contains("ready"));
+  });
+}
+
 // The first viewer of the page, drawn; null: the page has none.
 export async function firstViewer(page) {
   const viewer = await page.$("div.viewer");

@@ -2,6 +2,7 @@
 import assert from "node:assert/strict";
 import { after, before, describe, it } from "node:test";
 import {
+  bringToRest,
   colouredPixels,
   dataOf,
   firstViewer,
@@ -121,6 +122,7 @@ for (const [name, path] of reportsWithData()) {
       if (jumps.length === 0) return t.skip("no peaks");
       for (const jump of jumps.slice(0, 5)) {
         const { view, kind, voxel } = await jump.evaluate((button) => ({ ...button.dataset }));
+        await bringToRest(page, jump);
         await jump.click();
         const target = await page.$(`div.viewer[data-view="${view}"]`);
         await page.waitForFunction((each) => each.contains(document.activeElement), target);

@@ -54,20 +54,19 @@ function(tavmap_library folder)
   target_link_libraries(tavmap_${folder} PUBLIC tavmap_flags ${ARG_LINKS})
 endfunction()
 
-# tavmap_test(<name> SOURCES ... LINKS ... LABELS ...): one GoogleTest program; each test case
-# becomes a ctest test "<name>.<Suite>.<claim>" with the given labels. APART: its files share names that the
-# compiler must not see together.
+# tavmap_test(<name> SOURCES ... LINKS ... LABELS ... [APART ...]): one GoogleTest program; each test case
+# becomes a ctest test "<name>.<Suite>.<claim>" with the given labels. APART: those of its files with names that
+# others of them have too, which the compiler must not see together.
 function(tavmap_test name)
-  cmake_parse_arguments(ARG "APART" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS;LABELS;APART" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tavmap_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_options(${name} PRIVATE ${TAVMAP_TEST_OPTIONS})
-  if(NOT ARG_APART)
-    tavmap_together(${name})
-  endif()
+  tavmap_together(${name})
+  set_source_files_properties(${ARG_APART} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   if(TAVMAP_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavmap_test_headers)
   endif()

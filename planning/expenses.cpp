@@ -66,8 +66,8 @@ Expenses largestOf(const std::vector<Expenses>& all) {
   for (const Expenses& one : all) {
     for (double Expenses::*figure :
          {&Expenses::importSeconds, &Expenses::referenceSeconds, &Expenses::reportSeconds,
-          &Expenses::workerMegabytes, &Expenses::reportMegabytes, &Expenses::reportMegabytes,
-          &Expenses::workMegabytes, &Expenses::outMegabytes})
+          &Expenses::workerMegabytes, &Expenses::reportMegabytes, &Expenses::workMegabytes,
+          &Expenses::outMegabytes})
       largest.*figure = std::max(largest.*figure, one.*figure);
   }
   return largest;

@@ -22,11 +22,6 @@ bool hasHiddenPart(const fs::path& relative) {
   return std::any_of(relative.begin(), relative.end(), isHidden);
 }
 
-bool isBelow(const fs::path& path, const fs::path& folder) {
-  const auto ends = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
-  return ends.first == folder.end();
-}
-
 fs::path canonicalOr404(const fs::path& path, const std::string& shown) {
   std::error_code error;
   fs::path canonical = fs::canonical(path, error);
@@ -56,6 +51,11 @@ std::string freeName(const std::vector<AllowedFolder>& folders, const fs::path& 
 
 }  // namespace
 
+bool isAtOrBelow(const fs::path& path, const fs::path& folder) {
+  const auto ends = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
+  return ends.first == folder.end();
+}
+
 void FolderGuard::allow(const fs::path& folder) {
   std::error_code error;
   fs::path path = fs::weakly_canonical(fs::absolute(folder), error);
@@ -69,7 +69,7 @@ void FolderGuard::allow(const fs::path& folder) {
 
 bool FolderGuard::isAllowed(const fs::path& canonical) const {
   return std::any_of(folders_.begin(), folders_.end(), [&](const AllowedFolder& folder) {
-    if (!isBelow(canonical, folder.path)) return false;
+    if (!isAtOrBelow(canonical, folder.path)) return false;
     const fs::path rest = canonical.lexically_relative(folder.path);
     return rest == "." || !hasHiddenPart(rest);
   });
@@ -124,7 +124,7 @@ FolderGuard::Place FolderGuard::placeOf(const fs::path& path) const {
   Place place;
   std::size_t longest = 0;
   for (const AllowedFolder& folder : folders_) {
-    if (!isBelow(path, folder.path) || folder.path.native().size() <= longest) continue;
+    if (!isAtOrBelow(path, folder.path) || folder.path.native().size() <= longest) continue;
     longest = folder.path.native().size();
     const fs::path rest = path.lexically_relative(folder.path);
     place = {folder.name, rest == "." ? "" : rest.string()};

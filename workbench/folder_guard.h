@@ -21,6 +21,9 @@ struct FolderEntry {
   std::uintmax_t bytes = 0;  // of a file
 };
 
+// Whether a canonical path is this folder or below it.
+[[nodiscard]] bool isAtOrBelow(const std::filesystem::path& path, const std::filesystem::path& folder);
+
 class FolderGuard {
  public:
   // Adds a folder, which need not be there yet, under its own name, with a number when that is taken; again:

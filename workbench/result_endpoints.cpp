@@ -2,7 +2,6 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -92,10 +91,6 @@ Reply giveMapSet(const FolderGuard& folders, const Request& request) {
   const fs::path file = placeIn(folders, request);
   if (!fs::is_regular_file(file)) throw Refusal(404, "This is no file.");
   return binaryReply(encodedMapSet(formats::loadMapSet(file.string())));
-}
-
-bool isAtOrBelow(const fs::path& path, const fs::path& folder) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
 }
 
 // Pages at or below the folder of the key, links out of it not followed.

@@ -9,9 +9,9 @@ namespace planning {
 namespace {
 
 constexpr double kMebibytes = 1.048576;
-constexpr double kProcess = 12, kWorker = 17;         // what a process has before there are voxels
-constexpr double kSeriesInMemory = 160 * kMebibytes;  // see ImportOptions::memoryBytes
-constexpr double kCompanions = 32 * kMebibytes;       // see tav/voxel_passes.h
+constexpr double kProcess = 12, kWorker = 17, kDrawing = 24;  // what a process has before there are voxels
+constexpr double kSeriesInMemory = 160 * kMebibytes;          // see ImportOptions::memoryBytes
+constexpr double kCompanions = 32 * kMebibytes;               // see tav/voxel_passes.h
 constexpr double kBytesPerVoxel = 285, kBytesOfPlugin = 140;
 constexpr double kBytesOfCondition = 86, kBytesOfDraw = 12;
 constexpr double kSmallFiles = 0.5, kBytesOfMaps = 94;  // of a reference and condition
@@ -24,11 +24,8 @@ Sizes sizesOf(const study::StudyPlan& plan) {
   Sizes sizes;
   sizes.gridVoxels = static_cast<double>(gridVoxels(plan));
   sizes.usedVoxels = usedShare(plan) * sizes.gridVoxels;
-  for (const study::RunPlan& run : plan.runs) {
-    sizes.storedVolumes += run.volumes.volumes;
-    sizes.keptVolumes += run.volumes.volumes - run.volumes.dropped;
+  for (const study::RunPlan& run : plan.runs)
     sizes.longestRun = std::max<double>(sizes.longestRun, run.volumes.volumes);
-  }
   const formats::ImageHeader header = formats::readImageHeader(plan.request.runs.at(0).bold.string());
   sizes.bytesPerValue = static_cast<double>(formats::bytesOf(header.dataType));
   sizes.references = static_cast<double>(plan.regions.size());
@@ -54,7 +51,7 @@ double referenceMegabytes(const Sizes& sizes, double together) {
 }
 
 double reportMegabytes(const Sizes& sizes) {
-  return kProcess + (0.3 + 80 * sizes.usedVoxels / kMegabyte) * sizes.references * sizes.conditions +
+  return kDrawing + (0.3 + 80 * sizes.usedVoxels / kMegabyte) * sizes.references * sizes.conditions +
          260 * sizes.usedVoxels / kMegabyte;
 }
 

@@ -14,10 +14,9 @@ namespace planning {
 inline constexpr double kMegabyte = 1e6;  // bytes
 
 struct Sizes {
-  double gridVoxels = 0, usedVoxels = 0;      // of the grid; inside the mask
-  double storedVolumes = 0, keptVolumes = 0;  // of all runs; less those dropped
-  double longestRun = 0;                      // volumes
-  double bytesPerValue = 4;                   // of the images as stored
+  double gridVoxels = 0, usedVoxels = 0;  // of the grid; inside the mask
+  double longestRun = 0;                  // volumes
+  double bytesPerValue = 4;               // of the images as stored
   double references = 0, conditions = 0, draws = 1, surrogates = 0;
   bool isPlugin = false;
 };

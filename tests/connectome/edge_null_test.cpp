@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "connectome/edge_tests.h"
 #include "connectome/surrogate_shares.h"
@@ -106,6 +108,28 @@ TEST(EdgeTests, FindAPlantedNetworkAndNothingElse) {
         if (tests.pFamilyWise.at(a, b) <= 0.05 && shares.of(measure).at(a, b) > 0) found.emplace_back(a, b);
     EXPECT_EQ(found, (std::vector<std::pair<std::size_t, std::size_t>>{{0, 1}, {3, 7}, {10, 2}}));
     EXPECT_LT(tests.q.at(0, 1), 0.01);
+  }
+}
+
+TEST(EdgeTests, EqualCountingByHand) {
+  const NodeSeries series = made::series(6, 200, 0.5, 8, {{0, 1, 0.3}});
+  const auto shares = connectome::edgeShares(series, 1, 1);
+  const auto null = connectome::edgeNull(series, 1, {50, 2, 1});
+  for (const Measure measure : connectome::kMeasures) {
+    const auto tests = testEdges(shares, measure, null, 1);
+    EXPECT_EQ(tests.edges, measure == Measure::kInfluence ? 30U : 15U);
+    EXPECT_TRUE(std::isnan(tests.pFamilyWise.at(2, 2)));
+    const auto maxima = null.maxima(measure);
+    for (const auto& [from, to] : {std::pair{0U, 1U}, {1U, 0U}, {3U, 5U}}) {
+      const auto scaled =
+          static_cast<float>(std::abs(shares.of(measure).at(from, to)) / null.scale(measure, from, to));
+      const auto reach = std::ranges::count_if(maxima, [&](float largest) { return largest >= scaled; });
+      EXPECT_DOUBLE_EQ(tests.pFamilyWise.at(from, to),
+                       (1 + static_cast<double>(reach)) / (1 + static_cast<double>(maxima.size())));
+      const auto& counts = null.counts(measure);
+      EXPECT_DOUBLE_EQ(tests.p.at(from, to), (1 + static_cast<double>(counts.atLeast(scaled))) /
+                                                 (1 + static_cast<double>(counts.total())));
+    }
   }
 }
 

@@ -73,6 +73,16 @@ TEST_F(Describe, ASeriesByAllItsVolumes) {
   EXPECT_EQ(json["values_not_finite"], 1);
 }
 
+TEST_F(Describe, ASeriesThatDoesNotSayItsTrHasNone) {
+  formats::ImageHeader image = header(2);
+  image.trMs = 0;
+  const std::vector<float> values(2 * image.size.voxels(), 5);
+  formats::NiftiWriter writer(scratch_.file("a.nii"), image);
+  writer.writeValues(values.data(), values.size());
+  writer.commit();
+  EXPECT_TRUE(of("a.nii").at("tr_ms").is_null());
+}
+
 TEST_F(Describe, AnImageOfLabelsWithItsRegions) {
   formats::LabelImage labels{header(), std::vector<std::int32_t>(24, 0)};
   labels.header.dataType = formats::DataType::kInt16;

@@ -1,3 +1,5 @@
+#include "formats/nifti.h"
+#include "formats/nifti_writer.h"
 #include "live/loaded_study.h"
 #include "live/stand_in_reference.h"
 #include "request/problem.h"
@@ -37,7 +39,13 @@ TEST_F(LiveLoading, StandsInAVoxelOfTheMaskNearTheMiddle) {
   study::Request request = this->request();
   request.references.clear();
   const auto voxel = live::withStandIn(request).references.at(0).voxels.at(0);
-  EXPECT_TRUE(small_study::inMask(voxel[0], voxel[1], voxel[2]));
+  EXPECT_EQ(voxel, (std::array<int, 3>{6, 5, 4}));
+  formats::Image3D mask = formats::readImage(scratch_.file("mask.nii.gz"));
+  mask.values.assign(mask.values.size(), 0);
+  for (const std::array<int, 3> one : {std::array{6, 1, 4}, std::array{8, 6, 3}, std::array{3, 5, 7}})
+    mask.values[mask.header.size.index(one[0], one[1], one[2])] = 1;
+  formats::writeImage(scratch_.file("mask.nii.gz"), mask);
+  EXPECT_EQ(live::withStandIn(request).references.at(0).voxels.at(0), (std::array<int, 3>{8, 6, 3}));
 }
 
 TEST_F(LiveLoading, SaysHowMuchMemoryIsMissingBeforeItReads) {

@@ -4,6 +4,7 @@
 
 #include "planning/expenses.h"
 #include "planning/miniature.h"
+#include "planning/sizes.h"
 #include "planning/survey.h"
 #include "request/request_file.h"
 #include "tests/support/scratch.h"
@@ -75,6 +76,35 @@ TEST_F(SmallStudyPlan, ExpensesArePositiveAndGrowWithWhatThereIsToDo) {
   EXPECT_DOUBLE_EQ(planning::expensesOf(one, twice).referenceSeconds, 2 * fewer.referenceSeconds);
   one.plan->runs[0].grid.size.x *= 2;
   EXPECT_GT(planning::expensesOf(one, rates).referenceSeconds, fewer.referenceSeconds);
+}
+
+TEST_F(SmallStudyPlan, TimesAreRatesTimesWhatThereIsToDo) {
+  Surveyed one = planned();
+  const planning::Rates rates{1e-3, 1, 0.01, 0.1, 0.001, planning::conditionVolumes(*one.plan)};
+  const double voxels = 12 * 10 * 8;
+  planning::Expenses all = planning::expensesOf(one, rates);
+  EXPECT_DOUBLE_EQ(all.importSeconds, 1e-3 * voxels * 2 * small_study::kVolumes);
+  EXPECT_DOUBLE_EQ(all.referenceSeconds, (1 + 0.01 * voxels) + 3 * (0.1 + 0.001 * voxels));
+  one.missing.resize(11);  // of which ten share a pass
+  all = planning::expensesOf(one, rates);
+  EXPECT_DOUBLE_EQ(all.referenceSeconds, 2 * (1 + 0.01 * voxels) + 11 * (0.1 + 0.001 * voxels));
+}
+
+TEST_F(SmallStudyPlan, SizesAreThoseOfTheFilesAndSettings) {
+  const Surveyed one = planned();
+  const planning::Sizes sizes = planning::sizesOf(*one.plan);
+  double inMask = 0;
+  for (int z = 0; z < 8; ++z)
+    for (int y = 0; y < 10; ++y)
+      for (int x = 0; x < 12; ++x) inMask += small_study::inMask(x, y, z) ? 1 : 0;
+  EXPECT_EQ(sizes.gridVoxels, 12 * 10 * 8);
+  EXPECT_NEAR(sizes.usedVoxels, inMask, 1e-6);
+  EXPECT_EQ(sizes.longestRun, small_study::kVolumes);
+  EXPECT_EQ(sizes.references, 3);
+  EXPECT_EQ(sizes.conditions, static_cast<double>(one.plan->conditions.size()));
+  EXPECT_EQ(sizes.draws, 2);
+  EXPECT_EQ(sizes.surrogates, 60);
+  EXPECT_FALSE(sizes.isPlugin);
 }
 
 // Both runs as floats on the whole grid, and nothing else.

@@ -13,8 +13,7 @@ Sizes sizes() {
   Sizes sizes;
   sizes.gridVoxels = 272384;
   sizes.usedVoxels = 114400;
-  sizes.storedVolumes = sizes.longestRun = 160;
-  sizes.keptVolumes = 158;
+  sizes.longestRun = 160;
   sizes.references = sizes.conditions = 1;
   sizes.draws = 20;
   sizes.surrogates = 1000;
@@ -41,6 +40,24 @@ TEST(Sizes, MemoryIsWithinAQuarterOfWhatWasMeasured) {
   EXPECT_NEAR(planning::importMegabytes(small), 15.9, 4);
   EXPECT_NEAR(planning::referenceMegabytes(small, 1), 20.4, 5);
   EXPECT_NEAR(planning::referenceMegabytes(small, 9), 41.1, 10);
+}
+
+// Peaks of `tavmap report` on simulated data sets of one run.
+TEST(Sizes, MemoryOfDrawingIsWithinAQuarterOfWhatWasMeasured) {
+  struct Measured {
+    double usedVoxels, references, megabytes;
+  };
+  for (const auto& [usedVoxels, references, megabytes] : {Measured{5480, 2, 27.2},
+                                                          {43840, 2, 47.1},
+                                                          {111066, 1, 51.0},
+                                                          {111066, 2, 82.7},
+                                                          {111066, 9, 148.4}}) {
+    Sizes sizes;
+    sizes.usedVoxels = usedVoxels;
+    sizes.references = references;
+    sizes.conditions = 1;
+    EXPECT_NEAR(planning::reportMegabytes(sizes) / megabytes, 1, 0.25) << usedVoxels << " " << references;
+  }
 }
 
 TEST(Sizes, MemoryAndDiskGrowWithEveryFigure) {

@@ -104,4 +104,28 @@ TEST_F(PlanOfRequest, KnowsWhatIsFinished) {
   EXPECT_EQ(after["ThisMachine"]["Seconds"], 0);
 }
 
+TEST(PlanCommand, ExpectsOnTheDiskWhatThenIsThere) {
+  const Scratch scratch;
+  ASSERT_EQ(
+      tavmap({"simulate", "study", "--bids", "--participants=1", "--runs=1"}, scratch.folder()).exitCode, 0);
+  const std::vector<std::string> asked = {
+      "study",
+      "out",
+      "participant",
+      "--atlas=study/derivatives/atlas/atlas-Simulated_space-MNI152NLin2009cAsym_dseg.nii.gz",
+      "--labels=Reference",
+      "--labels=Driven-A",
+      "--seed=1"};
+  std::vector<std::string> plan = {"plan", "--json"}, bids = {"bids"};
+  plan.insert(plan.end(), asked.begin(), asked.end());
+  bids.insert(bids.end(), asked.begin(), asked.end());
+  const json expected =
+      json::parse(tavmap(plan, scratch.folder()).out)["Requests"][0]["Expected"]["OutMegabytes"];
+  ASSERT_EQ(tavmap(bids, scratch.folder()).exitCode, 0);
+  double bytes = 0;
+  for (const auto& [name, content] : filesBelow(scratch.folder() / "out"))
+    bytes += static_cast<double>(content.size());
+  EXPECT_NEAR(expected.get<double>() / (bytes / 1e6), 1, 0.4);
+}
+
 }  // namespace

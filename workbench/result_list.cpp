@@ -47,10 +47,12 @@ bool holdsResults(const fs::path& folder) {
 
 void collect(const fs::path& folder, int depth, std::size_t& looked, std::vector<fs::path>& found) {
   if (++looked > kMostFolders) return;
+  std::error_code error;
+  fs::directory_iterator at(folder, error);
+  if (error) return;  // others' folders, for instance
   if (holdsResults(folder)) found.push_back(folder);
   if (depth == kDeepest) return;
-  std::error_code error;
-  for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+  for (const fs::directory_iterator end; !error && at != end; at.increment(error))
     if (isEntered(*at)) collect(at->path(), depth + 1, looked, found);
 }
 

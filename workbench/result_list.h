@@ -16,15 +16,14 @@ namespace workbench {
 
 // Folders at or below this one that hold results of requests or of tests over participants, and those with
 // the index over them, by path. Looks at most four levels down, as deep as data sets lay them, and not at
-// hidden folders, links, nor more than ten thousand folders.
+// hidden folders, links, folders that must not be read, nor more than ten thousand folders.
 [[nodiscard]] std::vector<std::filesystem::path> resultFoldersIn(const std::filesystem::path& folder);
 
 // "sub-01" of "sub-01_task-rest"; empty when there is none.
 [[nodiscard]] std::string participantOf(const std::string& prefix);
 
 // One request's results: {"folder", "path", "name", "participant", "report" or null, "references": [...],
-// "failures":
-// [...], "problem" when they cannot be read}.
+// "failures": [...], "problem" when they cannot be read}.
 [[nodiscard]] nlohmann::ordered_json requestJson(const std::filesystem::path& folder,
                                                  const std::string& prefix, const FolderGuard& folders);
 

@@ -11,6 +11,7 @@
 namespace {
 
 using Series = std::vector<double>;
+using Spectrum = std::vector<std::complex<double>>;
 
 Series noise(std::size_t n, unsigned seed) {
   std::mt19937 random(seed);
@@ -74,6 +75,46 @@ TEST(ZeroPhaseSurrogates, KeepTheRelationAtTheSameMomentAlone) {
   // The lag is spread evenly to both sides.
   EXPECT_NEAR(after / squares, before / squares, 0.08);
   EXPECT_GT(product(y, x, 1) / squares, 0.6);
+}
+
+Spectrum spectrumOf(const Series& x) {
+  Spectrum spectrum;
+  direction::Fourier(static_cast<int>(x.size())).forward(x, spectrum);
+  return spectrum;
+}
+
+Series surrogateOf(const Series& x, const Series& y) {
+  direction::ZeroPhaseSurrogates maker(static_cast<int>(x.size()));
+  maker.begin(x, y);
+  simo::RandomStream random(1);
+  Series surrogate(x.size());
+  maker.draw(random, surrogate);
+  return surrogate;
+}
+
+// Of an odd length the highest frequency has a phase too.
+TEST(ZeroPhaseSurrogates, OfWhatSharesNothingHaveItsSpectrum) {
+  const Series x = noise(61, 4);
+  const Spectrum own = spectrumOf(x), drawn = spectrumOf(surrogateOf(x, Series(61, 0)));
+  for (std::size_t k = 1; k < own.size(); ++k) EXPECT_NEAR(std::abs(drawn[k]), std::abs(own[k]), 1e-9) << k;
+}
+
+// What differs at one frequency alone counts at those within half the root of the length, and nowhere else.
+TEST(ZeroPhaseSurrogates, SmoothOverFrequenciesWithinHalfTheRootOfTheLength) {
+  const Series y = noise(400, 6);
+  const Spectrum given = spectrumOf(y);
+  Spectrum changed = given;
+  changed[100] *= 3;
+  Series x(400);
+  direction::Fourier(400).inverse(changed, x);
+  const Spectrum drawn = spectrumOf(surrogateOf(x, y));
+  for (std::size_t k = 1; k < given.size(); ++k) {
+    const double difference = std::abs(drawn[k] - given[k]) / std::abs(given[k]);
+    if (k >= 90 && k <= 110)
+      EXPECT_GT(difference, 1e-4) << k;
+    else
+      EXPECT_LT(difference, 1e-9) << k;
+  }
 }
 
 TEST(ZeroPhaseSurrogates, HaveNoMean) {

@@ -40,4 +40,25 @@ TEST(PictureOrder, PutsLikeNodesTogetherWhereFewHaveANetwork) {
   EXPECT_EQ(connectome::pictureOrder(nodes, likeness), (std::vector<std::size_t>{0, 3, 1, 2}));
 }
 
+// A node is 0.3 and 0.5 like the one pair, 0.6 and `last` like the other. By the largest likeness it would
+// always join the other, by the smallest the one.
+std::vector<std::size_t> orderOfPairsAndOne(double last) {
+  EdgeMatrix likeness(5);
+  const auto put = [&](std::size_t a, std::size_t b, double value) {
+    likeness.at(a, b) = likeness.at(b, a) = value;
+  };
+  put(0, 4, 0.9);
+  put(1, 2, 0.8);
+  put(3, 0, 0.3);
+  put(3, 4, 0.5);
+  put(3, 1, 0.6);
+  put(3, 2, last);
+  return connectome::pictureOrder(std::vector<Node>(5, {"x", "", 1, {}}), likeness);
+}
+
+TEST(PictureOrder, JoinsClustersByTheMeanOverTheirPairs) {
+  EXPECT_EQ(orderOfPairsAndOne(0.1), (std::vector<std::size_t>{0, 4, 3, 1, 2}));
+  EXPECT_EQ(orderOfPairsAndOne(0.25), (std::vector<std::size_t>{0, 4, 1, 2, 3}));
+}
+
 }  // namespace

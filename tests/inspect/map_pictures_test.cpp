@@ -110,6 +110,17 @@ TEST_F(MapPictures, MapsWithoutNegativeColoursShowNoNegativeValues) {
   EXPECT_TRUE(shows(inspect::drawMaps(options())[0], picture));
 }
 
+TEST_F(MapPictures, NegativeColoursMayBeginOrEndInBlack) {
+  formats::Map& map = set_.maps[0];
+  const std::pair<std::int32_t, std::int32_t> colours{map.negativeColorFrom, map.negativeColorTo};
+  for (const bool begin : {true, false}) {
+    map.negativeColorFrom = begin ? 0 : colours.first;
+    map.negativeColorTo = begin ? colours.second : 0;
+    formats::saveMapSet(scratch_.file("m.tav"), set_);
+    EXPECT_TRUE(shows(inspect::drawMaps(options())[0], expected(0)));
+  }
+}
+
 TEST_F(MapPictures, AnotherQShowsItsOwnThresholdAndKeepsTheRatioOfTheRange) {
   inspect::PictureOptions asked = options();
   asked.q = 0.1;

@@ -52,6 +52,26 @@ TEST(StudyTable, SaysWhoCanBeComputedAndWhoCannotAndWhy) {
   EXPECT_THAT(text.str(), HasSubstr("  2/2 "));
 }
 
+std::string printedWith(double seconds, double megabytes) {
+  StudyTable table = sampleTable();
+  table.expenses[0].importSeconds = table.expenses[0].referenceSeconds = 0;
+  table.expenses[0].reportSeconds = seconds;
+  table.expenses[0].workerMegabytes = megabytes;
+  std::ostringstream text;
+  planning::printTable(table, text);
+  return text.str();
+}
+
+TEST(StudyTable, TellsTimesAndSizesInTheUnitThatIsReadBest) {
+  EXPECT_THAT(printedWith(0.2, 0.2), HasSubstr("about 1 s (measured here for 1.2 s), 1 MB of memory each"));
+  EXPECT_THAT(printedWith(89, 9999),
+              HasSubstr("about 89 s (measured here for 1.2 s), 9999 MB of memory each"));
+  EXPECT_THAT(printedWith(600, 12300),
+              HasSubstr("about 10 min (measured here for 1.2 s), 12.3 GB of memory"));
+  EXPECT_THAT(printedWith(9000, 10000),
+              HasSubstr("about 2.5 h (measured here for 1.2 s), 10.0 GB of memory"));
+}
+
 TEST(StudyTable, TellsTimeMemoryDiskAndTheJobArray) {
   std::ostringstream text;
   planning::printTable(sampleTable(), text);

@@ -85,6 +85,27 @@ TEST(ColourBar, HasBothSignsOfADifference) {
   EXPECT_THAT(one, HasSubstr(">12<"));
 }
 
+// Negative ones on the left, the strongest outwards.
+TEST(ColourBar, RunsFromTheStrongestNegativeToTheStrongestPositive) {
+  const std::string both = colourBar(scaleOf(4.0, 3, 9, true), "unit"),
+                    one = colourBar(scaleOf(4.0, 3, 9, false), "unit");
+  EXPECT_THAT(both, HasSubstr("viewBox=\"0 0 254 26\""));
+  EXPECT_THAT(both, HasSubstr("<text x=\"0.00\" y=\"23\" text-anchor=\"start\">-12</text>"));
+  EXPECT_THAT(both, HasSubstr("<text x=\"120.00\" y=\"23\" text-anchor=\"end\">-4</text>"));
+  EXPECT_THAT(both, HasSubstr("<text x=\"134.00\" y=\"23\" text-anchor=\"start\">4</text>"));
+  EXPECT_THAT(both, HasSubstr("<text x=\"254.00\" y=\"23\" text-anchor=\"end\">12</text>"));
+  EXPECT_THAT(one, HasSubstr("viewBox=\"0 0 120 26\""));
+  EXPECT_THAT(one, HasSubstr("<text x=\"0.00\" y=\"23\" text-anchor=\"start\">4</text>"));
+  const auto fillAt = [](const std::string& svg, const std::string& x) {
+    const std::size_t at = svg.find("<rect x=\"" + x + "\"");
+    return at == std::string::npos ? "" : svg.substr(svg.find('#', at), 7);
+  };
+  EXPECT_EQ(fillAt(one, "0.00"), fillAt(both, "134.00"));
+  EXPECT_EQ(fillAt(one, "115.00"), fillAt(both, "249.00"));
+  EXPECT_NE(fillAt(one, "0.00"), fillAt(one, "115.00"));
+  EXPECT_NE(fillAt(both, "0.00"), fillAt(both, "249.00"));
+}
+
 TEST(ColourBar, IsNotThereWhenNothingSurvives) {
   EXPECT_EQ(colourBar(scaleOf(std::nullopt, 3, 9, true), "unit"), "");
 }

@@ -8,9 +8,11 @@
 #include <cstring>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <thread>
 
 #include "formats/nifti.h"
+#include "formats/nifti_writer.h"
 #include "tests/support/run_command_fixture.h"
 #include "tests/workbench/packed_reply.h"
 #include "workbench/exchange.h"
@@ -213,6 +215,49 @@ TEST_F(ExploreSmall, ExploresFilesWithoutARequest) {
                    {"condition", "whole"},
                    {"types", {"DTAV"}}};
   EXPECT_EQ(headerOf(explore.maps(asked))["draft"], false);
+}
+
+// One voxel whose course all others follow one volume later.
+void writeFollowers(const fs::path& file, io::GridSize size) {
+  formats::ImageHeader header;
+  header.size = size;
+  header.volumes = small_study::kVolumes;
+  header.trMs = 2000;
+  header.sformCode = 1;
+  for (int axis = 0; axis < 3; ++axis) header.affine.at(axis, axis) = 3;
+  std::mt19937 random(1);
+  std::normal_distribution<float> noise(0, 10);
+  formats::NiftiWriter writer(file.string(), header);
+  float before = 0;
+  for (int t = 0; t < header.volumes; ++t) {
+    const float leader = noise(random);
+    std::vector<float> volume(size.voxels());
+    for (float& value : volume) value = 1000 + before + noise(random);
+    volume[0] = 1000 + leader;
+    before = leader;
+    writer.writeValues(volume.data(), volume.size());
+  }
+  writer.commit();
+}
+
+TEST_F(ExploreSmall, DirectionsOfVeryManyVoxelsAreLeftToARun) {
+  workbench::ExploreOptions files = options();
+  files.sources.request.clear();
+  files.sources.bold = folder() / "followers.nii";
+  for (const bool areMany : {false, true}) {
+    writeFollowers(files.sources.bold, {20, 20, areMany ? 10 : 5});
+    workbench::Explore explore(files);
+    ASSERT_EQ(settled(explore), "ready") << explore.state().dump();
+    const Json asked{{"reference", {{"kind", "voxels"}, {"cells", Json::array({0U})}}},
+                     {"condition", "whole"},
+                     {"types", {"DTAV"}}};
+    const Json header = headerOf(explore.maps(asked));
+    EXPECT_EQ(header["arrays"].size(), areMany ? 2U : 3U) << "values, p, directions";
+    EXPECT_EQ(
+        header["warnings"].dump().find("their directions are tested by `tavmap run`") != std::string::npos,
+        areMany)
+        << header["warnings"].dump();
+  }
 }
 
 }  // namespace

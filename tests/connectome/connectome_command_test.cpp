@@ -2,6 +2,8 @@
 #include <fmt/core.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "connectome/connectome_record.h"
 #include "connectome/result_files.h"
 #include "tests/support/run_command_fixture.h"
@@ -49,6 +51,44 @@ TEST_F(ConnectomeCommand, FindsThatRegionADrivesRegionB) {
   EXPECT_NE(svg.find("</image><text"), std::string::npos) << "shapes that are not closed hide what follows";
   EXPECT_NE(svg.find("</text></svg>"), std::string::npos);
   EXPECT_TRUE(std::filesystem::exists(results() / "figures" / fmt::format("{}_relmat.png", kInfluence)));
+}
+
+// Of the pairs (isOrdered: both ways) of a matrix.
+template <class Is>
+std::size_t countOf(const connectome::EdgeMatrix& matrix, bool isOrdered, Is is) {
+  std::size_t count = 0;
+  for (std::size_t row = 0; row < matrix.nodes; ++row)
+    for (std::size_t column = isOrdered ? 0 : row + 1; column < matrix.nodes; ++column)
+      count += row != column && is(matrix.at(row, column)) ? 1U : 0U;
+  return count;
+}
+
+TEST_F(ConnectomeCommand, CountsInItsRecordWhatItsMatricesHold) {
+  ASSERT_EQ(connectome("", {"--no-report"}).exitCode, 0);
+  const auto record = connectome::readRecordFile((results() / "small_connectome.json").string());
+  for (const connectome::ConditionRecord& condition : record.conditions) {
+    for (const connectome::MeasureRecord& measure : condition.measures) {
+      const bool isOrdered = measure.measure == "Influence";
+      EXPECT_EQ(measure.edges, isOrdered ? 6U : 3U);
+      const auto q = matrix(measure.qFile), pFamilyWise = matrix(measure.familyWiseFile),
+                 values = matrix(measure.file);
+      for (std::size_t i = 0; i < record.q.size(); ++i)
+        EXPECT_EQ(measure.passing.at(i),
+                  countOf(q, isOrdered, [&](double value) { return value <= record.q[i]; }));
+      EXPECT_EQ(measure.familyWise, countOf(pFamilyWise, isOrdered, [](double p) { return p <= 0.05; }));
+      EXPECT_EQ(
+          countOf(values, true, [&](double value) { return std::abs(value) > measure.largest * 1.0001; }),
+          0U);
+      EXPECT_GT(
+          countOf(values, true, [&](double value) { return std::abs(value) > measure.largest * 0.9999; }),
+          0U);
+    }
+    const auto directions = matrix(condition.directionFile);
+    EXPECT_EQ(condition.pairsTested, countOf(directions, false, [](double code) { return code != 0; }));
+    EXPECT_EQ(condition.pairsSupported,
+              countOf(directions, false, [](double code) { return code == 1 || code == 2; }));
+  }
+  EXPECT_EQ(record.conditions.at(0).pairsSupported, 1U) << "A leads B";
 }
 
 TEST_F(ConnectomeCommand, HasTheMeanCoursesThatMapsHave) {

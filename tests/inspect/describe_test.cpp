@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
 
 #include "formats/nifti_writer.h"
@@ -81,6 +82,22 @@ TEST_F(Describe, ASeriesThatDoesNotSayItsTrHasNone) {
   writer.writeValues(values.data(), values.size());
   writer.commit();
   EXPECT_TRUE(of("a.nii").at("tr_ms").is_null());
+}
+
+TEST_F(Describe, ScalingWhereThereIsOne) {
+  formats::writeImage(scratch_.file("a.nii"), {header(), std::vector<float>(24, 5)});
+  const std::string plain = contentOf(scratch_.file("a.nii"));
+  const auto scaled = [&](float slope, float intercept) {
+    std::string bytes = plain;
+    std::memcpy(&bytes[112], &slope, 4);  // scl_slope and scl_inter of NIfTI-1
+    std::memcpy(&bytes[116], &intercept, 4);
+    scratch_.write("a.nii", bytes);
+    return of("a.nii").value("slope_and_intercept", Json());
+  };
+  EXPECT_EQ(scaled(0.5, -3), (Json{0.5, -3.0}));
+  EXPECT_EQ(scaled(0.5, 0), (Json{0.5, 0.0}));
+  EXPECT_EQ(scaled(1, -3), (Json{1.0, -3.0}));
+  EXPECT_TRUE(scaled(1, 0).is_null());
 }
 
 TEST_F(Describe, AnImageOfLabelsWithItsRegions) {

@@ -36,6 +36,17 @@ TEST_F(ReportTest, HasEverySection) {
   }
 }
 
+TEST_F(ReportTest, BeginsWithHowManyReferencesThereAre) {
+  const std::string html = pageOf({});
+  EXPECT_THAT(html, HasSubstr(">Directed influence between 1 reference region and every voxel.<"));
+  std::filesystem::path record;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.folder()))
+    if (entry.path().string().ends_with("_tavmap.json")) record = entry.path();
+  std::filesystem::copy_file(record, folder.folder() / "sample_seed-Zz_tavmap.json");
+  EXPECT_THAT(contentOf(writeReport(folder.folder(), "sample")),
+              HasSubstr(">Directed influence between 2 reference regions and every voxel.<"));
+}
+
 TEST_F(ReportTest, LoadsNothing) {
   const std::string html = pageOf({});
   EXPECT_THAT(html, HasSubstr("default-src &#39;none&#39;"));

@@ -6,6 +6,7 @@
 
 #include "formats/claimed_folder.h"
 #include "planning/miniature.h"
+#include "planning/rates.h"
 #include "prepare/prepare.h"
 #include "prepare/value_size.h"
 #include "study/reference_job.h"
@@ -33,11 +34,6 @@ double secondsOf(const Work& work) {
   work();
   return processorSeconds() - begin;
 }
-
-struct Times {
-  std::size_t voxels = 0;
-  double import = 0, one = 0, several = 0;  // of all runs; of one reference; of as many as are tried together
-};
 
 class Trial {
  public:
@@ -80,28 +76,6 @@ double storedVolumes(const study::StudyPlan& plan) {
   return volumes;
 }
 
-// Straight lines through two points; what noise makes negative is nothing.
-double slope(double small, double large, double fewer, double more) {
-  return std::max(0.0, (large - small) / (more - fewer));
-}
-
-Rates ratesFrom(const Times& small, const Times& large, std::size_t references,
-                const study::StudyPlan& plan) {
-  const auto fewer = static_cast<double>(small.voxels), more = static_cast<double>(large.voxels);
-  const auto further = static_cast<double>(std::max<std::size_t>(references, 2) - 1);
-  const double smallEach = std::max(0.0, (small.several - small.one) / further),
-               largeEach = std::max(0.0, (large.several - large.one) / further);
-  Rates rates;
-  rates.importPerValue = large.import / (more * storedVolumes(plan));
-  rates.referencePerVoxel = slope(smallEach, largeEach, fewer, more);
-  rates.referenceFixed = std::max(0.0, largeEach - rates.referencePerVoxel * more);
-  const double onePerVoxel = slope(small.one, large.one, fewer, more);
-  rates.passPerVoxel = std::max(0.0, onePerVoxel - rates.referencePerVoxel);
-  rates.passFixed = std::max(0.0, large.one - onePerVoxel * more - rates.referenceFixed);
-  rates.volumes = conditionVolumes(plan);
-  return rates;
-}
-
 }  // namespace
 
 std::size_t gridVoxels(const study::StudyPlan& plan) {
@@ -132,7 +106,7 @@ Rates measureRates(const study::StudyPlan& plan, const fs::path& folder) {
   while (small.several < kEnoughSeconds && small.voxels * kMoreVoxels * 2 <= kMostVoxels)
     small = trial.run(small.voxels * 2);
   const Times large = trial.run(small.voxels * kMoreVoxels);
-  return ratesFrom(small, large, references, plan);
+  return ratesFrom(small, large, references, {storedVolumes(plan), conditionVolumes(plan)});
 }
 
 }  // namespace planning

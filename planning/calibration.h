@@ -5,18 +5,10 @@
 
 #include <cstddef>
 
+#include "planning/rates.h"
 #include "study/study_plan.h"
 
 namespace planning {
-
-// Seconds of one processor. The voxels of a rate are those of the whole grid: the miniature has as large a
-// share of them inside its mask.
-struct Rates {
-  double importPerValue = 0;                         // a value: one voxel of one volume as stored
-  double passFixed = 0, passPerVoxel = 0;            // once for up to kTogether references
-  double referenceFixed = 0, referencePerVoxel = 0;  // for each of them
-  double volumes = 0;  // of all conditions together, that the last four hold for
-};
 
 inline constexpr std::size_t kTogether = 10;  // references that share a pass
 

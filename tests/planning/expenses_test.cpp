@@ -116,7 +116,8 @@ TEST(Expenses, ASchedulerIsAskedForAMargin) {
   EXPECT_EQ(planning::needsOfTask(one, 1, 3).minutes, 32);
   EXPECT_EQ(planning::needsOfTask(one, 1, 1).megabytes, 300);  // 1.5 x (110 + 50)
   EXPECT_EQ(planning::needsOfTask(one, 4, 1).megabytes, 800);
-  EXPECT_GT(planning::needsOfGroup(100).minutes, planning::needsOfGroup(10).minutes);
+  EXPECT_EQ(planning::needsOfGroup(5).minutes, 10);
+  EXPECT_EQ(planning::needsOfGroup(200).minutes, 30);
   one.reportSeconds = 60;
   one.reportMegabytes = 100;
   EXPECT_EQ(planning::needsOfReports(one, 10).minutes, 35);

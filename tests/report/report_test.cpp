@@ -47,6 +47,27 @@ TEST_F(ReportTest, BeginsWithHowManyReferencesThereAre) {
               HasSubstr(">Directed influence between 2 reference regions and every voxel.<"));
 }
 
+// From each beginning to the next end, or to the end of all.
+std::vector<std::string> parts(const std::string& html, const std::string& begin, const std::string& end) {
+  std::vector<std::string> found;
+  for (std::size_t at = 0; (at = html.find(begin, at)) != std::string::npos; ++at)
+    found.push_back(html.substr(at, html.find(end, at + 1) - at));
+  return found;
+}
+
+TEST_F(ReportTest, RowsOfATableHaveACellPerColumn) {
+  const std::vector<std::string> tables = parts(pageOf({}), "<table", "</table>");
+  EXPECT_GE(tables.size(), 4U);
+  for (const std::string& table : tables) {
+    const std::vector<std::string> rows = parts(table, "<tr", "<tr");
+    const auto cells = [](const std::string& row) {
+      return parts(row, "<th", ">").size() - parts(row, "<thead", ">").size() + parts(row, "<td", ">").size();
+    };
+    ASSERT_FALSE(rows.empty());
+    for (const std::string& row : rows) EXPECT_EQ(cells(row), cells(rows[0])) << row;
+  }
+}
+
 TEST_F(ReportTest, LoadsNothing) {
   const std::string html = pageOf({});
   EXPECT_THAT(html, HasSubstr("default-src &#39;none&#39;"));

@@ -99,6 +99,20 @@ TEST(ZeroPhaseSurrogates, OfWhatSharesNothingHaveItsSpectrum) {
   for (std::size_t k = 1; k < own.size(); ++k) EXPECT_NEAR(std::abs(drawn[k]), std::abs(own[k]), 1e-9) << k;
 }
 
+// Phases are drawn from the whole circle: draws average out.
+TEST(ZeroPhaseSurrogates, OfWhatSharesNothingAreUnrelatedToEachOther) {
+  const Series x = noise(61, 4);
+  direction::ZeroPhaseSurrogates maker(61);
+  maker.begin(x, Series(61, 0));
+  simo::RandomStream random(1);
+  Series mean(61, 0), surrogate(61);
+  for (int draw = 0; draw < 400; ++draw) {
+    maker.draw(random, surrogate);
+    for (std::size_t t = 0; t < mean.size(); ++t) mean[t] += surrogate[t] / 400;
+  }
+  EXPECT_LT(product(mean, mean, 0) / product(x, x, 0), 4.0 / 400);
+}
+
 // What differs at one frequency alone counts at those within half the root of the length, and nowhere else.
 TEST(ZeroPhaseSurrogates, SmoothOverFrequenciesWithinHalfTheRootOfTheLength) {
   const Series y = noise(400, 6);

@@ -40,6 +40,12 @@ class LiveEngine : public LiveStudy {
     ADD_FAILURE() << "no record";
     return {};
   }
+  std::shared_ptr<const live::LoadedStudy> loadedWith(int surrogates) {
+    study::Request request = this->request();
+    request.settings.surrogates = surrogates;
+    request.settings.qValues = {0.05, 0.5};
+    return live::loadStudy(request, loadOptions());
+  }
   formats::Image3D image(const std::string& name) {
     return formats::readImage((folder() / "run" / name).string());
   }
@@ -88,6 +94,20 @@ class LiveEngine : public LiveStudy {
 
 TEST_F(LiveEngine, GivesTheMapsOfARunForALabel) {
   expectSameAsRun(loaded(), askFor(label(1)), 2);
+}
+
+TEST_F(LiveEngine, GivesTheMapsOfARunWithMoreSurrogatesThanADraft) {
+  expectSameAsRun(loadedWith(300), askFor(label(1)), 2);
+}
+
+TEST_F(LiveEngine, ADraftTakes250SurrogatesAtMost) {
+  const auto threshold = [&](int surrogates) {
+    live::Engine engine(loadedWith(surrogates), 1);
+    return engine.compute(askFor(label(1)), Care::kDraft, kNeverCancelled).of(tav::DTAV)->thresholds.back();
+  };
+  const tav::MapThreshold atMost = threshold(250);
+  EXPECT_EQ(threshold(300).threshold, atMost.threshold);
+  EXPECT_NE(threshold(125).threshold, atMost.threshold);
 }
 
 TEST_F(LiveEngine, GivesTheMapsOfARunForASphere) {

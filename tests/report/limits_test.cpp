@@ -57,6 +57,18 @@ TEST_F(LimitsTest, PointOutShortIntervals) {
   EXPECT_EQ(wordsOf(record, "Short intervals"), "");
   record.conditions[0].runs[0].intervals = {{1, 12}, {20, 60}};
   EXPECT_THAT(wordsOf(record, "Short intervals"), HasSubstr("The shortest of 2 intervals has 12 volumes"));
+  record.conditions[0].runs[0].intervals = {{1, 30}, {40, 90}};
+  EXPECT_EQ(wordsOf(record, "Short intervals"), "");
+  record.conditions[0].runs[0].intervals = {{1, 12}};
+  EXPECT_EQ(wordsOf(record, "Short intervals"), "") << "one interval is a short run, of which others speak";
+}
+
+TEST_F(LimitsTest, SayHowManyRunsTheMapsDescribe) {
+  condition.runs.resize(1);
+  EXPECT_THAT(wordsOf(record, "One participant"), HasSubstr("The maps describe one run of one data set"));
+  condition.runs.push_back(condition.runs[0]);
+  condition.runs[1].run = "another";
+  EXPECT_THAT(wordsOf(record, "One participant"), HasSubstr("The maps describe 2 runs of one data set"));
 }
 
 TEST_F(LimitsTest, SpeakOfCensoringOnlyWhenVolumesWereCensored) {

@@ -42,6 +42,18 @@ TEST(Symmetry, IsRarelyDoubtedOfSymmetricNoise) {
   EXPECT_LE(doubtful(12, 60, [](auto& random) { return std::student_t_distribution<double>(4)(random); }), 4);
 }
 
+TEST(Symmetry, OfSymmetricNoiseIsWhatFlipsGive) {
+  double found = 0, expected = 0;
+  for (unsigned i = 0; i < 20; ++i) {
+    const made::Data data =
+        mapsOf(16, i, [](auto& random) { return std::normal_distribution<double>()(random); });
+    const Symmetry symmetry = checkSymmetry(made::oneSample(16), data.values(), i);
+    found += symmetry.regionalSkewness;
+    expected += symmetry.expected;
+  }
+  EXPECT_NEAR(found / expected, 1, 0.1);
+}
+
 TEST(Symmetry, IsDoubtedOfSkewedNoise) {
   EXPECT_GE(doubtful(16, 20, [](auto& random) { return std::exponential_distribution<double>()(random); }),
             18);

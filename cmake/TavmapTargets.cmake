@@ -39,7 +39,7 @@ endif()
 # saves it most of their headers. Files with options of their own stay alone; so does what sets
 # SKIP_UNITY_BUILD_INCLUSION.
 function(tavmap_together target)
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TAVMAP_TOGETHER} UNITY_BUILD_BATCH_SIZE 12)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${TAVMAP_TOGETHER} UNITY_BUILD_BATCH_SIZE 24)
   if(TAVMAP_TOGETHER AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # a file is not a header because it is included
     target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
   endif()

@@ -15,10 +15,10 @@ namespace study {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using Participants = std::set<std::string>;
+using Labels = std::set<std::string>;
 
 struct CountAtQ {
-  Participants among, passing;
+  Labels among, passing;
 };
 
 struct MapCounts {
@@ -28,7 +28,7 @@ struct MapCounts {
 };
 
 struct Block {
-  Participants participants;
+  Labels participants;
   std::map<tav::MapType, MapCounts> maps;
 };
 
@@ -68,7 +68,7 @@ std::string counted(std::size_t count, const char* what) {
 }
 
 std::size_t participantsOf(const GroupResult& group) {
-  Participants all;
+  Labels all;
   for (const GroupRecord& record : group.records) all.insert(record.name.get("sub"));
   return all.size();
 }

@@ -11,7 +11,7 @@
 namespace report {
 namespace {
 
-constexpr double kGap = 8;           // between views, mm
+constexpr double kGlassGap = 8;      // between views, mm
 constexpr double kViewCaption = 10;  // height of the line above a view, mm
 constexpr render::Rgba kBrain{127, 127, 127, 60};
 
@@ -88,10 +88,10 @@ std::string glassBrain(const PageGrid& grid, const GlassMap& map, const std::str
         "<text x=\"{:.2f}\" y=\"{:.2f}\" text-anchor=\"end\">{}</text>",
         x, kViewCaption, width, height, pngUri(pixelsOf(grid, map, view).png()), x + width / 2, view.name,
         x + 1, middle, view.first, x + width - 1, middle, view.second);
-    x += width + kGap;
+    x += width + kGlassGap;
     tallest = std::max(tallest, height);
   }
-  const std::string box = fmt::format("0 0 {:.2f} {:.2f}", x - kGap, kViewCaption + tallest);
+  const std::string box = fmt::format("0 0 {:.2f} {:.2f}", x - kGlassGap, kViewCaption + tallest);
   return element("svg",
                  {{"xmlns", "http://www.w3.org/2000/svg"},
                   {"class", "glass-brain"},

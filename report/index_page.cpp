@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kColumns = 10;
+constexpr int kIndexColumns = 10;
 
 // The prefix; of names that do not say whose results they are with the folder.
 std::string titleOf(const fs::path& folder, const StudyOutputs& outputs) {
@@ -37,10 +37,10 @@ std::string linkTo(const fs::path& folder, const StudyOutputs& outputs) {
 }
 
 std::string failedRow(const std::string& who, const FailedReference& failure) {
-  return element(
-      "tr", {{"class", "failed"}},
-      element("th", {{"scope", "row"}}, who) + element("td", name(failure.reference)) +
-          element("td", {{"colspan", std::to_string(kColumns - 2)}}, "Failed: " + text(failure.message)));
+  return element("tr", {{"class", "failed"}},
+                 element("th", {{"scope", "row"}}, who) + element("td", name(failure.reference)) +
+                     element("td", {{"colspan", std::to_string(kIndexColumns - 2)}},
+                             "Failed: " + text(failure.message)));
 }
 
 std::string counted(const std::string& number, double value) {

@@ -11,7 +11,7 @@
 namespace report {
 namespace {
 
-constexpr double kLeft = 52, kTop = 12, kHeight = 150, kColumn = 110, kBottom = 24;
+constexpr double kLeft = 52, kTop = 12, kStripHeight = 150, kColumn = 110, kBottom = 24;
 
 // Nice steps of an axis: 1, 2 or 5 times a power of ten.
 double stepOf(double range) {
@@ -23,7 +23,7 @@ double stepOf(double range) {
 
 struct Axis {
   double low = 0, high = 0;
-  [[nodiscard]] double y(double value) const { return kTop + kHeight * (high - value) / (high - low); }
+  [[nodiscard]] double y(double value) const { return kTop + kStripHeight * (high - value) / (high - low); }
 };
 
 Axis axisOf(const std::vector<StripPoint>& points) {
@@ -86,7 +86,7 @@ std::string stripPlot(const std::vector<StripPoint>& points, const std::string& 
   for (const auto& [group, members] : groups) {
     svg += groupOf(members, axis, centre);
     svg += fmt::format("<text x=\"{:.1f}\" y=\"{:.1f}\" text-anchor=\"middle\">{}</text>", centre,
-                       kTop + kHeight + 15,
+                       kTop + kStripHeight + 15,
                        text(group.empty() ? fmt::format("n = {}", members.size())
                                           : fmt::format("{} ({})", group, members.size())));
     centre += kColumn;
@@ -94,7 +94,7 @@ std::string stripPlot(const std::vector<StripPoint>& points, const std::string& 
   svg += fmt::format("<text x=\"{}\" y=\"8\" text-anchor=\"start\">{}</text>", 2, text(unit));
   return element("svg",
                  {{"class", "strip"},
-                  {"viewBox", fmt::format("0 0 {:.0f} {:.0f}", width, kTop + kHeight + kBottom)},
+                  {"viewBox", fmt::format("0 0 {:.0f} {:.0f}", width, kTop + kStripHeight + kBottom)},
                   {"role", "img"},
                   {"aria-label", label}},
                  "<g font-size=\"10\" font-family=\"sans-serif\" fill=\"currentColor\">" + svg + "</g>");

@@ -15,7 +15,7 @@
 namespace simulation {
 namespace {
 
-constexpr std::uint32_t kHeadParticipant = 0, kHeadStream = 0;
+constexpr std::uint32_t kHeadParticipant = 0, kSharedHeadStream = 0;
 constexpr std::uint32_t kConfoundStreams = 1000;  // above the streams of all runs
 constexpr int kMniSpace = 4;
 
@@ -154,7 +154,7 @@ void writePerson(const Tree& tree, const Person& person) {
 Head headOf(const DataSetOptions& options, const InfluenceModel& model) {
   HeadOptions head = options.head;
   head.spaceCode = kMniSpace;
-  NoiseStream random(options.seed, kHeadParticipant, kHeadStream);
+  NoiseStream random(options.seed, kHeadParticipant, kSharedHeadStream);
   return makeHead(head, model, random);
 }
 

@@ -6,7 +6,7 @@
 
 #include "formats/claimed_folder.h"
 #include "planning/miniature.h"
-#include "planning/rates.h"
+#include "planning/work_rates.h"
 #include "prepare/prepare.h"
 #include "prepare/value_size.h"
 #include "study/reference_job.h"

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "planning/rates.h"
+#include "planning/work_rates.h"
 #include "study/study_plan.h"
 
 namespace planning {

@@ -1,6 +1,6 @@
 // How fast a machine is, from the times of two pieces of work that differ in size.
-#ifndef TAVMAP_PLANNING_RATES_H
-#define TAVMAP_PLANNING_RATES_H
+#ifndef TAVMAP_PLANNING_WORK_RATES_H
+#define TAVMAP_PLANNING_WORK_RATES_H
 
 #include <cstddef>
 

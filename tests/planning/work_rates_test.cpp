@@ -1,4 +1,4 @@
-#include "planning/rates.h"
+#include "planning/work_rates.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ Times timesOf(const Rates& rates, std::size_t voxels, std::size_t references) {
           pass + static_cast<double>(references) * each};
 }
 
-TEST(Rates, AreThoseThatMadeTheTimes) {
+TEST(WorkRates, AreThoseThatMadeTheTimes) {
   const Rates rates{1e-8, 0.5, 2e-4, 0.25, 1e-4, 300};
   for (const std::size_t references : {2U, 3U}) {
     const Rates found = planning::ratesFrom(timesOf(rates, 600, references), timesOf(rates, 1800, references),
@@ -31,7 +31,7 @@ TEST(Rates, AreThoseThatMadeTheTimes) {
 }
 
 // Of one reference one cannot tell the pass from its reference; both together are what was measured.
-TEST(Rates, OfOneReferenceAreAllOfThePass) {
+TEST(WorkRates, OfOneReferenceAreAllOfThePass) {
   const Rates rates{1e-8, 0.5, 2e-4, 0.25, 1e-4, 300};
   const Rates found = planning::ratesFrom(timesOf(rates, 600, 1), timesOf(rates, 1800, 1), 1, {320, 300});
   EXPECT_NEAR(found.passFixed, 0.75, 1e-9);
@@ -40,7 +40,7 @@ TEST(Rates, OfOneReferenceAreAllOfThePass) {
   EXPECT_EQ(found.referencePerVoxel, 0);
 }
 
-TEST(Rates, AreNeverNegative) {
+TEST(WorkRates, AreNeverNegative) {
   const Rates found = planning::ratesFrom({600, 2, 3, 2}, {1800, 1, 1, 0.5}, 3, {320, 300});
   for (const double rate :
        {found.passFixed, found.passPerVoxel, found.referenceFixed, found.referencePerVoxel})

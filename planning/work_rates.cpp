@@ -1,4 +1,4 @@
-#include "planning/rates.h"
+#include "planning/work_rates.h"
 
 #include <algorithm>
 

@@ -11,6 +11,7 @@
 #include "connectome/edge_group.h"
 #include "group/group_names.h"
 #include "group/test_design.h"
+#include "inference/level.h"
 #include "request/nearest_name.h"
 #include "request/problem.h"
 
@@ -152,7 +153,7 @@ inference::TestOptions optionsOf(const GroupInference& asked, const GroupDesign&
 
 void count(const connectome::EdgeGroupResult& result, double level, EdgeTestOutcome& outcome) {
   for (const float p : result.test.pFwe)
-    if (static_cast<double>(p) <= level) ++outcome.edgesPassing;
+    if (inference::isWithin(p, level)) ++outcome.edgesPassing;
   for (const connectome::EdgeComponent& component : result.components)
     if (component.pFwe <= level) ++outcome.componentsPassing;
   outcome.shuffles = result.test.shuffles;

@@ -8,10 +8,11 @@
 namespace study {
 namespace {
 
-GroupCounts countBelow(const std::vector<float>& p, const std::vector<float>& t, double level) {
+GroupCounts countWithin(const GroupInference& inference, const std::vector<float>& p,
+                        const std::vector<float>& t) {
   GroupCounts counts;
   for (std::size_t place = 0; place < p.size(); ++place) {
-    if (!(static_cast<double>(p[place]) <= level)) continue;
+    if (!inference.admits(p[place])) continue;
     ++(t[place] < 0 ? counts.negative : counts.positive);
   }
   return counts;
@@ -60,16 +61,15 @@ std::string spreadWarning(const inference::Spread& spread) {
 
 void countFindings(const TestedGroup& test, GroupTestRecord& record) {
   const inference::TestResult& result = test.result;
-  const double level = test.inference.level;
   record.voxelsTested = result.tested;
   record.voxelsWithoutAll = result.t.size() - result.tested;
   extremes(result.t, record);
   record.tAtFwe = result.tAtFwe05;
   record.tAtQ = result.tAtQ05;
-  record.byMaximum = countBelow(result.pFwe, result.t, level);
-  record.byTfce = countBelow(result.pEnhanced, result.t, level);
-  record.byFdr = countBelow(result.qFdr, result.t, level);
-  record.byMass = countClusters(result, level);
+  record.byMaximum = countWithin(test.inference, result.pFwe, result.t);
+  record.byTfce = countWithin(test.inference, result.pEnhanced, result.t);
+  record.byFdr = countWithin(test.inference, result.qFdr, result.t);
+  record.byMass = countClusters(result, test.inference.level);
   record.symmetryP = result.symmetry ? result.symmetry->p : std::nan("");
   record.meanSkewness = result.symmetry ? result.symmetry->meanSkewness : std::nan("");
   record.spreadRatio = result.spread ? result.spread->ratio : std::nan("");

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "inference/level.h"
 #include "tav/tav_defs.h"
 
 namespace study {
@@ -43,6 +44,7 @@ struct GroupInference {
   double clusterFormingZ = 3.1;
   double smallestShare = 1;  // of the participants, whom a voxel needs to be tested
   double level = 0.05;       // of the family-wise error and of the false discovery rate
+  [[nodiscard]] bool admits(float p) const { return inference::isWithin(p, level); }
 };
 
 struct GroupModel {

@@ -62,7 +62,7 @@ class PeakFinder {
     std::vector<tav::MapPoint> points;
     std::map<std::uint32_t, std::size_t> placeOf;
     for (std::size_t place = 0; place < p.size(); ++place) {
-      if (!(static_cast<double>(p[place]) <= test_.inference.level)) continue;
+      if (!test_.inference.admits(p[place])) continue;
       const auto voxel = static_cast<std::uint32_t>(test_.images.voxels[place]);
       points.push_back({voxel, test_.result.t[place]});
       placeOf[voxel] = place;

@@ -80,7 +80,7 @@ PeakColumns peakColumns(const GroupTestRecord& record) {
   addPlace(columns);
   addNumber(columns, "effect", "estimate of the contrast at the peak", &GroupPeak::effect);
   addNumber(columns, "t", "at the peak", &GroupPeak::t);
-  addNumber(columns, "z", "the normal value of the same probability as t", &GroupPeak::z);
+  addNumber(columns, "z_score", "the normal value of the same probability as t", &GroupPeak::z);
   addNumber(columns, "p_fwe", "family-wise p at the peak, by the maximum of the map", &GroupPeak::pFwe);
   addNumber(columns, "p_fwe_tfce", "family-wise p at the peak, by threshold-free cluster enhancement",
             &GroupPeak::pTfce);

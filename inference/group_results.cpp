@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "inference/false_discovery.h"
+#include "inference/level.h"
 #include "inference/maxima_p.h"
 #include "inference/t_distribution.h"
 
@@ -51,7 +52,7 @@ bool isTailSmooth(const Tested& tested) {
 double smallestAtQ(const Tested& tested, const TestResult& result) {
   double smallest = std::numeric_limits<double>::infinity();
   for (std::size_t i = 0; i < result.t.size(); ++i)
-    if (static_cast<double>(result.qFdr[i]) <= kLevel)
+    if (isWithin(result.qFdr[i], kLevel))
       smallest = std::min(smallest, counted(tested, static_cast<double>(result.t[i])));
   return smallest;
 }

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "formats/nifti.h"
-#include "report/map_titles.h"
+#include "results/map_words.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -68,7 +68,7 @@ MapView readMap(const StudyOutputs& outputs, const PageGrid& grid, const study::
   if (!map.map->pFile.empty()) map.minusLogP = readUpright(outputs, grid, map.map->pFile);
   const float factor = std::max(1.0F, tav::mapKind(map.map->type).range.factor);
   map.scale =
-      scaleOf(thresholdShown(*map.map), factor, largestMagnitude(map, status), hasSign(map.map->type));
+      scaleOf(thresholdShown(*map.map), factor, largestMagnitude(map, status), study::hasSign(map.map->type));
   return map;
 }
 

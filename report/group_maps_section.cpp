@@ -32,11 +32,11 @@ struct GroupScene {
 };
 
 std::vector<int> slicesOf(const GroupScene& scene, const TestedCell& cell) {
-  constexpr std::size_t kMostPeaks = 5;
+  constexpr std::size_t kMostShownPeaks = 5;
   std::vector<int> wanted;
   for (const study::GroupPeak& peak : cell.record.peaks) {
     const int slice = scene.grid.view().position(peak.voxel)[2];
-    if (wanted.size() < kMostPeaks && std::find(wanted.begin(), wanted.end(), slice) == wanted.end())
+    if (wanted.size() < kMostShownPeaks && std::find(wanted.begin(), wanted.end(), slice) == wanted.end())
       wanted.push_back(slice);
   }
   return mosaicSlices(scene.grid, scene.underlay.values, wanted);

@@ -22,10 +22,11 @@ std::vector<float> readUpright(const GroupOutputs& outputs, const PageGrid& grid
   return file.empty() ? std::vector<float>() : grid.upright(formats::readImage(outputs.path(file)).values);
 }
 
-std::vector<std::uint8_t> atMost(const std::vector<float>& p, double level, std::size_t voxels) {
-  std::vector<std::uint8_t> below(voxels, 0);
-  for (std::size_t i = 0; i < p.size(); ++i) below[i] = static_cast<double>(p[i]) <= level ? 1 : 0;
-  return below;
+std::vector<std::uint8_t> within(const study::GroupInference& inference, const std::vector<float>& p,
+                                 std::size_t voxels) {
+  std::vector<std::uint8_t> flags(voxels, 0);
+  for (std::size_t i = 0; i < p.size(); ++i) flags[i] = inference.admits(p[i]) ? 1 : 0;
+  return flags;
 }
 
 OverlayScale scaleOfGroup(const GroupView& view) {
@@ -93,12 +94,13 @@ render::Rgba GroupView::colour(std::size_t voxel) const {
 
 GroupView readGroupView(const GroupOutputs& outputs, const PageGrid& grid, const TestedCell& cell) {
   GroupView view;
-  const double level = cell.record.inference.level;
+  const study::GroupInference& inference = cell.record.inference;
   view.t = readUpright(outputs, grid, cell, study::group_image::kT);
   std::vector<float> p = readUpright(outputs, grid, cell, study::group_image::kPTfce);
   if (p.empty()) p = readUpright(outputs, grid, cell, study::group_image::kPFwe);
-  view.passes = atMost(p, level, grid.voxels());
-  view.clusters = atMost(readUpright(outputs, grid, cell, study::group_image::kPMass), level, grid.voxels());
+  view.passes = within(inference, p, grid.voxels());
+  view.clusters =
+      within(inference, readUpright(outputs, grid, cell, study::group_image::kPMass), grid.voxels());
   view.scale = scaleOfGroup(view);
   return view;
 }

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <set>
 
-#include "report/map_titles.h"
+#include "results/map_words.h"
 
 namespace report {
 namespace {
@@ -47,7 +47,7 @@ void addCondition(const ConditionRecord& condition, Facts& facts) {
   for (const study::MapResult& map : condition.maps) {
     facts.maps += map.thresholds.empty() ? 0U : 1U;
     facts.hasFamilyWise = facts.hasFamilyWise || !map.familyWise.empty();
-    facts.hasDifference = facts.hasDifference || hasSign(map.type);
+    facts.hasDifference = facts.hasDifference || study::hasSign(map.type);
     for (const study::ThresholdResult& threshold : map.thresholds)
       facts.hasPassing = facts.hasPassing || threshold.outsideReference > 0;
   }

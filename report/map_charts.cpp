@@ -6,7 +6,7 @@
 
 #include "report/evidence_charts.h"
 #include "report/html.h"
-#include "report/map_titles.h"
+#include "results/map_words.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -27,7 +27,8 @@ std::vector<ChartMark> thresholdMarks(const MapResult* map) {
   for (const study::ThresholdResult& threshold : map->thresholds) {
     if (!threshold.threshold || threshold.outsideReference == 0) continue;
     marks.push_back({*threshold.threshold, fmt::format("q = {}", threshold.q)});
-    if (hasSign(map->type)) marks.push_back({-*threshold.threshold, fmt::format("q = {}", threshold.q)});
+    if (study::hasSign(map->type))
+      marks.push_back({-*threshold.threshold, fmt::format("q = {}", threshold.q)});
   }
   return marks;
 }

@@ -7,7 +7,6 @@
 
 #include "report/code_figures.h"
 #include "report/html.h"
-#include "report/map_titles.h"
 #include "report/mosaic.h"
 #include "report/quotes.h"
 #include "report/sections.h"
@@ -51,7 +50,7 @@ std::string lookedUp(const StudyOutputs& outputs, const ConditionView& view, con
 
 std::string colourWords(const MapView& map, const std::string& reference) {
   if (!map.scale.hasSign) return "";
-  const SignWords words = signWords(map.map->type, reference);
+  const study::SignWords words = study::signWords(map.map->type, reference);
   return fmt::format(" Red to yellow, positive: {}. Blue, negative: {}.", text(words.positive),
                      text(words.negative));
 }
@@ -65,7 +64,7 @@ std::string plainLabel(const StudyOutputs& outputs, const ConditionView& view, c
   return fmt::format(
       "{}, {}, condition {}. Axial slices from below to above, the patient's left on the left; the "
       "reference is outlined.",
-      tav::mapKind(map.map->type).keyword, mapTitle(map.map->type, reference), view.record->name);
+      tav::mapKind(map.map->type).keyword, study::mapTitle(map.map->type, reference), view.record->name);
 }
 
 std::string unitOf(const StudyOutputs& outputs, const ConditionView& view, tav::MapType type) {
@@ -74,7 +73,7 @@ std::string unitOf(const StudyOutputs& outputs, const ConditionView& view, tav::
 }
 
 bool showsDirections(const ConditionView& view, const MapView& map) {
-  return hasSign(map.map->type) && !view.directions.empty();
+  return study::hasSign(map.map->type) && !view.directions.empty();
 }
 
 std::string idOf(const ConditionView& view, const MapView& map) {
@@ -110,8 +109,9 @@ MapFigure figureOf(const StudyOutputs& outputs, const PageGrid& grid, const std:
       mosaic(grid, drawnMap(view, map), mosaicSlices(grid, underlay, wantedSlices(grid, view, map)),
              plainLabel(outputs, view, map));
   const std::string keyword = tav::mapKind(map.map->type).keyword;
-  const std::string caption = element("strong", keyword) + ": " + text(mapTitle(map.map->type, reference)) +
-                              ". " + lookedUp(outputs, view, map) + colourWords(map, reference) +
+  const std::string caption = element("strong", keyword) + ": " +
+                              text(study::mapTitle(map.map->type, reference)) + ". " +
+                              lookedUp(outputs, view, map) + colourWords(map, reference) +
                               (showsDirections(view, map) ? kDirectionWords : "") + clusterWords(map);
   const std::string unit = unitOf(outputs, view, map.map->type);
   const std::string bar = element("div", {{"class", "scale"}},

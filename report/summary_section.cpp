@@ -1,9 +1,9 @@
 #include <fmt/core.h>
 
 #include "report/html.h"
-#include "report/map_titles.h"
 #include "report/quotes.h"
 #include "report/sections.h"
+#include "results/map_words.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -113,7 +113,7 @@ std::string mapRow(const study::ConditionRecord& condition, const study::MapResu
                    const std::string& reference, std::size_t columns, const Quotes& quotes) {
   std::string row = element("th", {{"scope", "row"}},
                             std::string(tav::mapKind(map.type).keyword) + "<br><small>" +
-                                text(mapTitle(map.type, reference)) + "</small>");
+                                text(study::mapTitle(map.type, reference)) + "</small>");
   for (std::size_t i = 0; i < columns; ++i) {
     row += i < map.thresholds.size()
                ? thresholdCell(map.thresholds[i], quotes.at(fmt::format("/Thresholds/{}", i)))

@@ -6,8 +6,8 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "report/map_titles.h"
 #include "report/sections.h"
+#include "results/map_words.h"
 #include "tav/map_kinds.h"
 
 namespace report {
@@ -57,9 +57,9 @@ Json mapJson(const StudyOutputs& outputs, const ConditionView& view, const MapVi
   const float floor = plan.strongestShare < 1 ? keepStrongest(plan.strongestShare, values) : 0.0F;
   const CodedValues effect = coded(values, plan.bits);
   volumes += volumeElement(id, effect.bytes);
-  const SignWords words = signWords(map.map->type, record.reference);
+  const study::SignWords words = study::signWords(map.map->type, record.reference);
   Json json = {{"kind", keyword},
-               {"title", fmt::format("{}: {}", keyword, mapTitle(map.map->type, record.reference))},
+               {"title", fmt::format("{}: {}", keyword, study::mapTitle(map.map->type, record.reference))},
                {"unit", ""},
                {"positive", words.positive},
                {"negative", map.scale.hasSign ? Json(words.negative) : Json(nullptr)},

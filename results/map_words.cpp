@@ -9,29 +9,51 @@ namespace {
 constexpr const char* kDifference =
     "difference of the directed influences, REFERENCE on the voxel minus the voxel on REFERENCE (positive: "
     "REFERENCE leads; negative: the voxel leads; unequal noise can feign both)";
-constexpr const char* kLogarithm = "natural logarithm of a ratio of error variances, times SCALE";
+constexpr const char *kLogarithm = "natural logarithm of a ratio of error variances, times SCALE",
+                     *kFromReference = "more from REFERENCE to the voxel",
+                     *kToReference = "more from the voxel to REFERENCE", *kNoSign = "";
 
 // Every kind needs all its words: there are no defaults.
 struct MapWords {
   constexpr MapWords(tav::MapType mapType, const char* fileLabel, const char* unitsText,
-                     const char* descriptionText)
-      : type(mapType), label(fileLabel), units(unitsText), description(descriptionText) {}
+                     const char* descriptionText, const char* titleText, const char* positiveText,
+                     const char* negativeText)
+      : type(mapType),
+        label(fileLabel),
+        units(unitsText),
+        description(descriptionText),
+        title(titleText),
+        positive(positiveText),
+        negative(negativeText) {}
   tav::MapType type;
   const char* label;
   const char* units;
-  const char* description;
+  const char* description;  // in sidecars
+  const char* title;        // on pages
+  const char* positive;     // what a value above 0 is a measure of
+  const char* negative;     // one below 0; kNoSign: there is none
 };
 
 constexpr auto kMapWords = std::to_array<MapWords>({
-    {tav::REF2VOX, "Ref2Vox", kLogarithm, "influence of REFERENCE on each voxel"},
-    {tav::VOX2REF, "Vox2Ref", kLogarithm, "influence of each voxel on REFERENCE"},
+    {tav::REF2VOX, "Ref2Vox", kLogarithm, "influence of REFERENCE on each voxel",
+     "influence of REFERENCE on the voxel: what its past adds to predicting the voxel",
+     "from REFERENCE to the voxel", kNoSign},
+    {tav::VOX2REF, "Vox2Ref", kLogarithm, "influence of each voxel on REFERENCE",
+     "influence of the voxel on REFERENCE: what its past adds to predicting REFERENCE",
+     "from the voxel to REFERENCE", kNoSign},
     {tav::INST, "Inst", kLogarithm,
-     "instantaneous influence between REFERENCE and each voxel, without direction"},
-    {tav::DTAV, "dTAV", kLogarithm, "DIFFERENCE"},
+     "instantaneous influence between REFERENCE and each voxel, without direction",
+     "what REFERENCE and the voxel share within one volume, without direction", "shared within one volume",
+     kNoSign},
+    {tav::DTAV, "dTAV", kLogarithm, "DIFFERENCE",
+     "influence of REFERENCE on the voxel minus that of the voxel on REFERENCE", kFromReference,
+     kToReference},
     {tav::DTAV_IT, "dTAVIT", kLogarithm,
-     "DIFFERENCE, where the instantaneous influence reaches its lower threshold, else 0"},
+     "DIFFERENCE, where the instantaneous influence reaches its lower threshold, else 0",
+     "the same difference where INST reaches its lower threshold, else 0", kFromReference, kToReference},
     {tav::DTAV_RC, "dTAVRC", "share, -1 to 1",
-     "share of the DIFFERENCE in the sum of its magnitude and the instantaneous influence, -1 to 1"},
+     "share of the DIFFERENCE in the sum of its magnitude and the instantaneous influence, -1 to 1",
+     "the difference as a share of its magnitude and INST together, -1 to 1", kFromReference, kToReference},
 });
 
 constexpr bool followsTheTypes() {
@@ -65,6 +87,19 @@ const char* mapLabel(tav::MapType type) {
 
 std::string mapUnits(tav::MapType type, const std::string& scale) {
   return filledIn(wordsOf(type).units, "SCALE", scale);
+}
+
+std::string mapTitle(tav::MapType type, const std::string& reference) {
+  return filledIn(wordsOf(type).title, "REFERENCE", reference);
+}
+
+SignWords signWords(tav::MapType type, const std::string& reference) {
+  const MapWords& words = wordsOf(type);
+  return {filledIn(words.positive, "REFERENCE", reference), filledIn(words.negative, "REFERENCE", reference)};
+}
+
+bool hasSign(tav::MapType type) {
+  return wordsOf(type).negative[0] != '\0';
 }
 
 }  // namespace study

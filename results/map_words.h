@@ -16,6 +16,19 @@ const char* mapLabel(tav::MapType type);
 // scale: the map scale factor as text.
 [[nodiscard]] std::string mapUnits(tav::MapType type, const std::string& scale);
 
+// On pages, shorter than the description: "influence of V1 on the voxel: what its past adds to predicting the
+// voxel". Plain text.
+[[nodiscard]] std::string mapTitle(tav::MapType type, const std::string& reference);
+
+struct SignWords {
+  std::string positive, negative;  // plain text; the latter empty for maps without sign
+};
+// What a value of either sign is a measure of; whether anything leads is for the direction map to say.
+[[nodiscard]] SignWords signWords(tav::MapType type, const std::string& reference);
+
+// Whether values of this kind may be negative.
+[[nodiscard]] bool hasSign(tav::MapType type);
+
 }  // namespace study
 
 #endif

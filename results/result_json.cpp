@@ -6,6 +6,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
+#include "results/map_words.h"
 #include "results/percent_encoding.h"
 #include "results/record_json.h"
 
@@ -123,10 +124,6 @@ void addOrigin(const ResultContext& context, const ConditionResult& condition, J
   if (!inputs.empty()) json["Inputs"] = inputsJson(inputs);
 }
 
-bool isDifference(tav::MapType type) {
-  return type == tav::DTAV || type == tav::DTAV_IT || type == tav::DTAV_RC;
-}
-
 void addDirection(const DirectionResult& direction, Json& json) {
   json["Direction"] = directionJson(direction);
   json["Direction"]["Note"] = kDirectionNote;
@@ -188,7 +185,7 @@ Json mapSidecar(const ResultContext& context, const ReferenceResult& reference,
   json["EffectiveVolumes"] = condition.effectiveVolumes;
   json["Runs"] = runsJson(runRecords(context, condition));
   if (!map.thresholds.empty()) json["Thresholds"] = thresholdsJson(map.thresholds);
-  if (isDifference(map.type) && !condition.direction.empty()) addDirection(condition.direction, json);
+  if (hasSign(map.type) && !condition.direction.empty()) addDirection(condition.direction, json);
   if (!map.familyWise.empty()) json["FamilyWise"] = familyWiseJson(map.familyWise, false);
   addModel(modelRecord(context, reference), json);
   json["Warnings"] = context.cautions;

@@ -56,9 +56,30 @@ int openOutput(const std::string& file) {
   return fd;
 }
 
-[[noreturn]] void become(char* const* words, int reports, int output, pid_t parent) {
+// Keeps signals waiting: a child that still has its parent's handlers would note one and go on.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGINT);
+    sigaddset(&held, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &held, &before_);
+  }
+  ~SignalsHeld() { release(); }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+  void release() const { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
+
+[[noreturn]] void become(char* const* words, int reports, int output, pid_t parent,
+                         const SignalsHeld& signals) {
   std::signal(SIGINT, SIG_IGN);
   std::signal(SIGTERM, SIG_DFL);
+  signals.release();
   tieTo(parent);
   placeOutput(output);
   placeReports(reports);
@@ -85,8 +106,9 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::s
     throw RunError(std::string("cannot make a pipe to a worker: ") + std::strerror(errno));
   reports_ = ends[0];
   const pid_t parent = getpid();
+  const SignalsHeld signals;
   pid_ = fork();
-  if (pid_ == 0) become(pointers.data(), ends[1], output.get(), parent);
+  if (pid_ == 0) become(pointers.data(), ends[1], output.get(), parent, signals);
   const int error = errno;
   close(ends[1]);
   if (pid_ > 0) return;

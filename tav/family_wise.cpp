@@ -7,6 +7,7 @@
 #include <span>
 
 #include "tav/at_once.h"
+#include "tav/map_kinds.h"
 #include "tav/map_source.h"
 #include "tav/piece_reader.h"
 
@@ -165,7 +166,7 @@ MapType nullKindOf(MapType type) {
 std::map<MapType, float> clusterFormingLevels(const std::vector<RawValues>& nulls, const TAV_Pars& request) {
   std::map<MapType, float> levels;
   for (const MapType type : request.mapTypes) {
-    if (type == DTAV_RC) continue;
+    if (!mapKind(type).range.isSearched) continue;
     const ComputedMap map(nullKindOf(type), nulls, request);
     std::vector<float> sample = map.every(std::max<std::size_t>(1, map.size() / kMostSampled));
     std::erase_if(sample, [](float value) { return value == 0 || !std::isfinite(value); });

@@ -57,29 +57,17 @@ Json labelsJson(const live::LoadedStudy& study) {
   return labels;
 }
 
-bool isDifference(tav::MapType type) {
-  return type == tav::DTAV || type == tav::DTAV_IT || type == tav::DTAV_RC;
-}
-
-const char* positiveWords(tav::MapType type) {
-  if (isDifference(type)) return "more from the reference to the voxel";
-  if (type == tav::REF2VOX) return "from the reference to the voxel";
-  if (type == tav::VOX2REF) return "from the voxel to the reference";
-  return "shared within one volume";
-}
-
 Json mapsJson(const study::Settings& settings) {
   Json maps = Json::array();
   for (const tav::MapType type : settings.mapTypes) {
     const tav::MapKind& kind = tav::mapKind(type);
-    Json map{{"type", kind.keyword},
-             {"name", kind.label},
-             {"hasThresholds", kind.range.isSearched},
-             {"unit", study::mapUnits(type, "the map scale factor")},
-             {"positive", positiveWords(type)},
-             {"negative", nullptr}};
-    if (isDifference(type)) map["negative"] = "more from the voxel to the reference";
-    maps.push_back(map);
+    const study::SignWords signs = study::signWords(type, "the reference");
+    maps.push_back({{"type", kind.keyword},
+                    {"name", kind.label},
+                    {"hasThresholds", kind.range.isSearched},
+                    {"unit", study::mapUnits(type, "the map scale factor")},
+                    {"positive", signs.positive},
+                    {"negative", signs.negative.empty() ? Json() : Json(signs.negative)}});
   }
   return maps;
 }

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "inspect/shown_map.h"
-#include "report/map_titles.h"
+#include "results/map_words.h"
 #include "tav/map_kinds.h"
 #include "workbench/affine_json.h"
 #include "workbench/packed_arrays.h"
@@ -33,9 +33,9 @@ bool hasNegativeColours(const formats::Map& map) {
 
 void addWords(const formats::Map& map, Json& json) {
   const std::optional<tav::MapType> kind = kindOf(map.name);
-  const report::SignWords signs =
-      kind ? report::signWords(*kind, "the reference")
-           : report::SignWords{"positive", hasNegativeColours(map) ? "negative" : ""};
+  const study::SignWords signs =
+      kind ? study::signWords(*kind, "the reference")
+           : study::SignWords{"positive", hasNegativeColours(map) ? "negative" : ""};
   json["kind"] = kind ? Json(tav::mapKind(*kind).keyword) : Json();
   json["positive"] = signs.positive;
   json["negative"] = signs.negative.empty() ? Json() : Json(signs.negative);

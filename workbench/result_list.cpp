@@ -9,7 +9,6 @@
 
 #include "formats/file_error.h"
 #include "group/group_names.h"
-#include "report/map_titles.h"
 #include "report/reports.h"
 #include "report/study_outputs.h"
 #include "results/map_words.h"
@@ -70,10 +69,10 @@ Json textOrNull(const std::string& text) {
 }
 
 Json mapJson(const study::MapResult& map, const study::Record& record) {
-  const report::SignWords signs = report::signWords(map.type, record.reference);
+  const study::SignWords signs = study::signWords(map.type, record.reference);
   return {{"label", study::mapLabel(map.type)},
           {"type", tav::mapKind(map.type).keyword},
-          {"title", report::mapTitle(map.type, record.reference)},
+          {"title", study::mapTitle(map.type, record.reference)},
           {"unit", study::mapUnits(map.type, fmt::format("{:g}", record.model.settings.mapScale))},
           {"positive", signs.positive},
           {"negative", textOrNull(signs.negative)},

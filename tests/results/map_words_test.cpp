@@ -4,6 +4,8 @@
 
 #include <set>
 
+#include "tav/map_kinds.h"
+
 namespace study {
 namespace {
 
@@ -32,6 +34,22 @@ TEST(MapWords, GiveEveryKindALabelOfItsOwn) {
     labels.insert(mapLabel(static_cast<tav::MapType>(type)));
   EXPECT_EQ(labels.size(), static_cast<std::size_t>(tav::kNrOfMapTypes));
   EXPECT_STREQ(mapLabel(tav::DTAV_RC), "dTAVRC");
+}
+
+TEST(MapWords, SayWhatEitherSignMeans) {
+  EXPECT_EQ(mapTitle(tav::VOX2REF, "V1"),
+            "influence of the voxel on V1: what its past adds to predicting V1");
+  EXPECT_EQ(mapTitle(tav::DTAV, "V1"), "influence of V1 on the voxel minus that of the voxel on V1");
+  EXPECT_EQ(signWords(tav::DTAV, "V1").positive, "more from V1 to the voxel");
+  EXPECT_EQ(signWords(tav::DTAV, "V1").negative, "more from the voxel to V1");
+  EXPECT_EQ(signWords(tav::INST, "V1").positive, "shared within one volume");
+  EXPECT_EQ(signWords(tav::INST, "V1").negative, "");
+}
+
+// A kind has a sign where a display has colours for it.
+TEST(MapWords, KnowWhichKindsHaveASign) {
+  for (const tav::MapKind& kind : tav::mapKinds())
+    EXPECT_EQ(hasSign(kind.type), kind.negative.from != 0 || kind.negative.to != 0) << kind.keyword;
 }
 
 TEST(MapWords, NameTheUnits) {

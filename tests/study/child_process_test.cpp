@@ -1,12 +1,14 @@
 #include "study/child_process.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <fstream>
 
+#include "study/interrupt.h"
 #include "tests/support/scratch.h"
 
 namespace study {
@@ -46,6 +48,18 @@ TEST(ChildProcess, DiesWithItsParent) {
   for (int i = 0; i < 10000 && !ended(child); ++i) usleep(1000);
   EXPECT_TRUE(ended(child));
   kill(child, SIGKILL);
+}
+
+// Before it has become the program it would take a signal as its parent does, which notes it and goes on.
+TEST(ChildProcess, EndsHoweverEarlyItIsAskedTo) {
+  const InterruptGuard guard;
+  for (int i = 0; i < 50; ++i) {
+    ChildProcess child({"/bin/sleep", "60"});
+    child.terminate();
+    pollfd end{child.reports(), POLLIN, 0};
+    ASSERT_EQ(poll(&end, 1, 10000), 1) << "the child goes on";
+    EXPECT_EQ(child.wait(), "was ended by signal 15 (Terminated)");
+  }
 }
 
 TEST(ChildProcess, DiesWithItsObject) {

@@ -86,6 +86,30 @@ TEST_F(ExploreSmall, OpensTheOnlyThingThereIs) {
   EXPECT_FALSE(state["hasAnatomy"]);
 }
 
+TEST_F(ExploreSmall, TellsWhatThePageNeedsOfWhatIsOpen) {
+  workbench::Explore explore(options());
+  ASSERT_EQ(settled(explore), "ready");
+  const Json state = explore.state(), face = state["conditions"][1], maps = state["maps"];
+  EXPECT_EQ(state["runs"][1], (Json{{"name", "run2"}, {"volumes", 160}, {"trSeconds", 2}, {"censored", 0}}));
+  ASSERT_EQ(face["intervals"].size(), 4U) << "two blocks in each run";
+  EXPECT_EQ(face["intervals"][3]["run"], "run2");
+  int volumes = 0;
+  for (const Json& interval : face["intervals"])
+    volumes += interval["last"].get<int>() - interval["first"].get<int>() + 1;
+  EXPECT_EQ(face["volumes"], volumes);
+  ASSERT_EQ(maps.size(), 6U);
+  EXPECT_EQ(maps[0]["type"], "REF2VOX");
+  EXPECT_EQ(maps[0]["positive"], "from the reference to the voxel");
+  EXPECT_TRUE(maps[0]["negative"].is_null());
+  EXPECT_EQ(maps[3]["negative"], "more from the voxel to the reference");
+  EXPECT_EQ(maps[3]["hasThresholds"], true);
+  EXPECT_EQ(maps[5]["hasThresholds"], false);
+  EXPECT_EQ(state["settings"]["order"], 1);
+  EXPECT_EQ(state["settings"]["draws"], 20);
+  EXPECT_FALSE(state["settings"].contains("confounds"));
+  EXPECT_TRUE(state["confoundPresets"].empty());
+}
+
 TEST_F(ExploreSmall, AnswersMapsAndVoxels) {
   workbench::Explore explore(options());
   ASSERT_EQ(settled(explore), "ready");

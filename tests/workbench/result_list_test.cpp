@@ -123,7 +123,7 @@ TEST_F(ResultListTest, OfAMapHasItsSignsThresholdsAndPeak) {
   const ordered_json influence = maps.at(0), share = maps.at(1);
   EXPECT_EQ(influence["label"], "Ref2Vox");
   EXPECT_EQ(influence["type"], "REF2VOX");
-  EXPECT_EQ(influence["positive"], "influence");
+  EXPECT_EQ(influence["positive"], "from V1 to the voxel");
   EXPECT_TRUE(influence["negative"].is_null());
   EXPECT_EQ(influence["unit"], "natural logarithm of a ratio of error variances, times 104.5");
   EXPECT_EQ(influence["file"], "faces_ref2vox.nii.gz");

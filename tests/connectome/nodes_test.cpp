@@ -27,16 +27,17 @@ TEST(PictureOrder, PutsNodesWithoutANetworkLast) {
   EXPECT_EQ(connectome::pictureOrder(nodes, EdgeMatrix(3)), (std::vector<std::size_t>{1, 2, 0}));
 }
 
+void likeBoth(EdgeMatrix& likeness, std::size_t a, std::size_t b, double value) {
+  likeness.at(a, b) = likeness.at(b, a) = value;
+}
+
 TEST(PictureOrder, PutsLikeNodesTogetherWhereFewHaveANetwork) {
   const std::vector<Node> nodes = {
       {"a", "Vis", 1, {}}, {"b", "", 1, {}}, {"c", "", 1, {}}, {"d", "Vis", 1, {}}};
   EdgeMatrix likeness(4);
-  const auto put = [&](std::size_t a, std::size_t b, double value) {
-    likeness.at(a, b) = likeness.at(b, a) = value;
-  };
-  put(0, 3, 0.9);
-  put(1, 2, 0.8);
-  put(0, 1, 0.1);
+  likeBoth(likeness, 0, 3, 0.9);
+  likeBoth(likeness, 1, 2, 0.8);
+  likeBoth(likeness, 0, 1, 0.1);
   EXPECT_EQ(connectome::pictureOrder(nodes, likeness), (std::vector<std::size_t>{0, 3, 1, 2}));
 }
 
@@ -44,15 +45,12 @@ TEST(PictureOrder, PutsLikeNodesTogetherWhereFewHaveANetwork) {
 // always join the other, by the smallest the one.
 std::vector<std::size_t> orderOfPairsAndOne(double last) {
   EdgeMatrix likeness(5);
-  const auto put = [&](std::size_t a, std::size_t b, double value) {
-    likeness.at(a, b) = likeness.at(b, a) = value;
-  };
-  put(0, 4, 0.9);
-  put(1, 2, 0.8);
-  put(3, 0, 0.3);
-  put(3, 4, 0.5);
-  put(3, 1, 0.6);
-  put(3, 2, last);
+  likeBoth(likeness, 0, 4, 0.9);
+  likeBoth(likeness, 1, 2, 0.8);
+  likeBoth(likeness, 3, 0, 0.3);
+  likeBoth(likeness, 3, 4, 0.5);
+  likeBoth(likeness, 3, 1, 0.6);
+  likeBoth(likeness, 3, 2, last);
   return connectome::pictureOrder(std::vector<Node>(5, {"x", "", 1, {}}), likeness);
 }
 
